@@ -1,0 +1,114 @@
+#include "db/ImportFile.h"
+
+#include <QFile>
+#include <algorithm>
+#include <array>
+
+#include "platform/Device.h"
+
+namespace db {
+namespace {
+
+constexpr Statement<u"DELETE GARAE"> kDeleteCustomers;
+constexpr Statement<u"DELETE PUMMOK"> kDeleteProducts;
+constexpr Statement<u"DELETE GARAEDANGA"> kDeleteContractPrices;
+constexpr Statement<u"DELETE GARAEMAJIN"> kDeleteClassMargins;
+
+constexpr Statement<
+    u"INSERT INTO MTM "
+    u"(DDate,Gubun,GCode,GName,JunNo,WorkGubun,PCode,PName,JGubun,Box,Bon,MMoney,BMoney,YMoney,"
+    u"GMoney,UserID) VALUES "
+    u"('%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s')">
+    kInsertOrder;
+constexpr Statement<
+    u"INSERT INTO GARAE "
+    u"(GCODE,GNAME,GUPJU,ENDDATE,SNO,MAJIN,CJDATE,CJMONEY,TTMONEY,JUSO,GUBUN,TEL,BGGUBUN,SEEK,"
+    u"USERID,CARDNO) VALUES "
+    u"('%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s')">
+    kInsertCustomer;
+constexpr Statement<
+    u"INSERT INTO PUMMOK (Pcode,Pname,Gubun,Size,BoxBonEa,BoxSMoney,BoxBMoney,BonSMoney,BonBMoney,ABoxMMoney,"
+    u"ABoxBMoney,ABonMMoney,ABonBMoney,BBoxMMoney,BBoxBMoney,BBonMMoney,BBonBMoney,YGMoney1,YGMoney2,"
+    u"GBoxMoney1,"
+    u"GBonMoney1,GBoxMoney2,GBonMoney2,JGubun,JBGubun,TTT,seek) VALUES "
+    u"('%s','%s','%s','%s','%s','%s','%s','%s',"
+    u"'%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s')">
+    kInsertProduct;
+constexpr Statement<
+    u"INSERT INTO GARAEDANGA (gcode,pcode,majin,boxmoney,boxbmoney,bonmoney,bonbmoney,ysmoney,ysboxmoney,"
+    u"ysbonmoney) VALUES ('%s','%s','%s','%s','%s','%s','%s','%s','%s','%s')">
+    kInsertContractPrice;
+constexpr Statement<u"INSERT INTO GARAEMAJIN (GCode,Gubun,Majin) VALUES ('%s','%s','%s')"> kInsertClassMargin;
+
+template <const auto& Insert>
+Sql insertFields(const QStringList& fields) {
+    std::array<QStringView, std::remove_cvref_t<decltype(Insert)>::kValues> values;
+    std::copy(fields.begin(), fields.end(), values.begin());
+    return Insert(values);
+}
+
+template <const auto& Delete>
+Sql deleteAll() {
+    return Delete();
+}
+
+template <const auto& Insert>
+constexpr ImportFile describe(QStringView fileName, int firstFieldLength, int restLength, Sql (*empty)()) {
+    constexpr int kFields = std::remove_cvref_t<decltype(Insert)>::kValues;
+    return {fileName, firstFieldLength, restLength, kFields, empty, insertFields<Insert>};
+}
+
+constexpr std::array kFiles{
+    describe<kInsertOrder>(u"MTM.RVN", 10, 140, nullptr),
+    describe<kInsertCustomer>(u"GARAE.RVN", 4, 200, deleteAll<kDeleteCustomers>),
+    describe<kInsertProduct>(u"PUMMOK.RVN", 4, 200, deleteAll<kDeleteProducts>),
+    describe<kInsertContractPrice>(u"GARAEDANGA.RVN", 4, 200, deleteAll<kDeleteContractPrices>),
+    describe<kInsertClassMargin>(u"GARAEMAJIN.RVN", 4, 200, deleteAll<kDeleteClassMargins>),
+};
+
+}  // namespace
+
+std::span<const ImportFile> importFiles() {
+    return kFiles;
+}
+
+QString importPath(const ImportFile& file, ImportSource source) {
+    switch (source) {
+        case ImportSource::Documents:
+            return platform::device::kDocumentsFolder.toString() + file.fileName;
+        case ImportSource::StorageCard:
+            return platform::device::kStorageCardFolder.toString() + file.fileName;
+        case ImportSource::None:
+            break;
+    }
+    return {};
+}
+
+ImportSource findImportFile(const ImportFile& file) {
+    for (const ImportSource source : {ImportSource::Documents, ImportSource::StorageCard}) {
+        QFile candidate(platform::device::path(importPath(file, source)));
+        if (candidate.open(QIODevice::ReadWrite | QIODevice::ExistingOnly)) return source;
+    }
+    return ImportSource::None;
+}
+
+bool isImportWaiting() {
+    return std::ranges::any_of(
+        kFiles, [](const ImportFile& file) { return findImportFile(file) != ImportSource::None; });
+}
+
+void cutImportLine(const ImportFile& file, QStringView line, QStringList* fields) {
+    fields->resize(file.fields);
+    (*fields)[0] = line.left(file.firstFieldLength).toString();
+    QStringView rest = line.mid(file.firstFieldLength + 1, file.restLength);
+    for (qsizetype i = 1; i < file.fields; ++i) {
+        const qsizetype end = rest.indexOf(u'|');
+        QString& field = (*fields)[i];
+        field.resize(0);
+        if (end < 0) continue;
+        field.append(rest.first(end));
+        rest = rest.sliced(end + 1);
+    }
+}
+
+}  // namespace db

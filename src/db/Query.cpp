@@ -1,0 +1,29 @@
+#include "db/Query.h"
+
+namespace db {
+
+std::optional<QStringList> firstRow(const Sql& select) {
+    CVOConnection connection;
+    openDatabase(connection);
+    CVORecordset recordset(connection);
+    recordset.Open(select, kKeyset, kReadOnly);
+    // Without a component EOF is false, so the result's own state is asked as well.
+    if (!recordset.m_bOpen || recordset.EOF()) return std::nullopt;
+    recordset.MoveFirst();
+    QStringList columns;
+    columns.reserve(recordset.m_nFieldCount);
+    for (int i = 0; i < recordset.m_nFieldCount; ++i) columns.append(recordset.GetFieldString(i));
+    return columns;
+}
+
+bool hasRow(const Sql& select) {
+    return firstRow(select).has_value();
+}
+
+void execute(const Sql& statement) {
+    CVOConnection connection;
+    openDatabase(connection);
+    connection.Execute(statement);
+}
+
+}  // namespace db

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <optional>
+
+#include "db/VOConnection.h"
+#include "db/VORecordset.h"
+#include "platform/Device.h"
+
+/// The pattern that every operation of the system follows: a connection of its own, one statement, its rows.
+namespace db {
+
+/// Opens `connection` on the terminal's database file.
+inline void openDatabase(CVOConnection& connection) {
+    connection.Open(u" ", platform::device::kDatabaseFile);
+}
+
+/// Runs a SELECT on a connection of its own and calls `readRow(recordset)` on each row. Returns the number of
+/// rows, 0 when the statement failed.
+template <typename ReadRow>
+int forEachRow(const Sql& select, ReadRow&& readRow) {
+    CVOConnection connection;
+    openDatabase(connection);
+    CVORecordset recordset(connection);
+    recordset.Open(select, kKeyset, kReadOnly);
+    int rows = 0;
+    // Without a component EOF is false, so the result's own state is asked as well.
+    for (; recordset.m_bOpen && !recordset.EOF(); recordset.MoveNext(), ++rows) readRow(recordset);
+    return rows;
+}
+
+/// The first row's columns as texts; nothing when there is no row or the statement failed.
+std::optional<QStringList> firstRow(const Sql& select);
+
+/// True when the SELECT has a row.
+bool hasRow(const Sql& select);
+
+/// Runs a DELETE, INSERT or UPDATE on a connection of its own; a failure is traced only.
+void execute(const Sql& statement);
+
+}  // namespace db

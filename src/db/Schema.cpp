@@ -1,0 +1,93 @@
+#include "db/Schema.h"
+
+#include <algorithm>
+#include <array>
+
+namespace db::schema {
+namespace {
+
+template <std::size_t N>
+using Columns = std::array<QStringView, N>;
+
+constexpr Columns<16> kGarae{u"GCODE",   u"GNAME",   u"GUPJU",   u"ENDDATE", u"SNO",   u"MAJIN",
+                             u"CJDATE",  u"CJMONEY", u"TTMONEY", u"JUSO",    u"GUBUN", u"TEL",
+                             u"BGGUBUN", u"SEEK",    u"USERID",  u"CARDNO"};
+constexpr Columns<27> kPummok{
+    u"Pcode",      u"Pname",      u"Gubun",      u"Size",       u"BoxBonEa",   u"BoxSMoney",  u"BoxBMoney",
+    u"BonSMoney",  u"BonBMoney",  u"ABoxMMoney", u"ABoxBMoney", u"ABonMMoney", u"ABonBMoney", u"BBoxMMoney",
+    u"BBoxBMoney", u"BBonMMoney", u"BBonBMoney", u"YGMoney1",   u"YGMoney2",   u"GBoxMoney1", u"GBonMoney1",
+    u"GBoxMoney2", u"GBonMoney2", u"JGubun",     u"JBGubun",    u"TTT",        u"seek"};
+constexpr Columns<10> kGaraeDanga{u"gcode",    u"pcode",     u"majin",   u"boxmoney",   u"boxbmoney",
+                                  u"bonmoney", u"bonbmoney", u"ysmoney", u"ysboxmoney", u"ysbonmoney"};
+constexpr Columns<3> kGaraeMajin{u"GCode", u"Gubun", u"Majin"};
+constexpr Columns<10> kPdaUser{u"userID",        u"userPASS",      u"userNAME", u"vatMode",  u"followOn",
+                               u"containerWork", u"searchSetting", u"userTEL",  u"reserve1", u"reserve2"};
+constexpr Columns<10> kConfig{u"sangho", u"sno",     u"name",   u"tel",      u"fax",
+                              u"juso",   u"calltel", u"cardid", u"cardpass", u"cardno"};
+constexpr Columns<2> kJGubun{u"CODE", u"NAME"};
+constexpr Columns<5> kMPummok{u"PCode", u"PName", u"Size", u"Gubun", u"AUTOCNT"};
+constexpr Columns<4> kBankMoney{u"DDate", u"GCode", u"GName", u"CardMoney"};
+constexpr Columns<17> kMtm{u"DDate",  u"Gubun",  u"GCode",  u"GName",  u"JunNo", u"WorkGubun",
+                           u"PCode",  u"PName",  u"JGubun", u"Box",    u"Bon",   u"MMoney",
+                           u"BMoney", u"YMoney", u"GMoney", u"UserID", u"DTime"};
+constexpr Columns<22> kMtmOk{u"DDate",       u"Gubun",       u"GCode",      u"GName",   u"JunNo",
+                             u"DTime",       u"UserID",      u"MMoney",     u"PMoney",  u"BMoney",
+                             u"YMoney",      u"GMoney",      u"YGMoney",    u"InMoney", u"WonMoney",
+                             u"CardMoney",   u"MisuInMoney", u"UnderMoney", u"YDMoney", u"GDMoney",
+                             u"MSGSENDTIME", u"BANKTRANNO"};
+constexpr Columns<14> kYtm{u"DDate", u"GCode", u"GName",  u"JunNo",  u"PCode", u"PName", u"FBox",
+                           u"NBox",  u"Bon",   u"YMONEY", u"GMONEY", u"YSAMT", u"GSAMT", u"UserID"};
+constexpr Columns<5> kImportLog{u"Path", u"Digest", u"Size", u"Modified", u"LoadedAt"};
+
+// The working tables hold one slip while it is edited: MTM's first 15 and YTM's first 13 columns.
+constexpr std::array kTables{
+    Table{u"GARAE", kGarae},
+    Table{u"PUMMOK", kPummok},
+    Table{u"GARAEDANGA", kGaraeDanga},
+    Table{u"GARAEMAJIN", kGaraeMajin},
+    Table{u"PDAUSER", kPdaUser},
+    Table{u"config", kConfig},
+    Table{u"JGUBUN", kJGubun},
+    Table{u"MPUMMOK", kMPummok},
+    Table{u"BankMoney", kBankMoney},
+    Table{u"MTM", kMtm},
+    Table{u"MTMOK", kMtmOk},
+    Table{u"YTM", kYtm},
+    Table{u"TEMP", std::span(kMtm).first(15)},
+    Table{u"YTEMP", std::span(kYtm).first(13)},
+    Table{u"IMPORTLOG", kImportLog},
+};
+
+constexpr std::array kIndexes{
+    Index{u"GARAE_GCODE", u"GARAE", u"GCODE"},
+    Index{u"GARAE_SEEK", u"GARAE", u"SEEK, GNAME"},
+    Index{u"PUMMOK_PCODE", u"PUMMOK", u"Pcode"},
+    Index{u"PUMMOK_SEEK", u"PUMMOK", u"seek, Pname"},
+    Index{u"PUMMOK_CLASS", u"PUMMOK", u"JGubun, Pcode"},
+    Index{u"GARAEDANGA_KEY", u"GARAEDANGA", u"gcode, pcode"},
+    Index{u"GARAEMAJIN_KEY", u"GARAEMAJIN", u"GCode, Gubun"},
+    Index{u"MTM_SLIP", u"MTM", u"DDate, JunNo, UserID"},
+    Index{u"MTM_CUSTOMER", u"MTM", u"DDate, GCode"},
+    Index{u"MTM_LIST", u"MTM", u"UserID, DDate, WorkGubun, JunNo"},
+    Index{u"MTMOK_SLIP", u"MTMOK", u"DDate, JunNo, UserID"},
+    Index{u"YTM_SLIP", u"YTM", u"DDate, JunNo, UserID"},
+    Index{u"BANKMONEY_DATE", u"BankMoney", u"DDate"},
+};
+
+}  // namespace
+
+std::span<const Table> tables() {
+    return kTables;
+}
+
+std::span<const Index> indexes() {
+    return kIndexes;
+}
+
+const Table* findTable(QStringView name) {
+    const auto found = std::ranges::find_if(
+        kTables, [&](const Table& table) { return table.name.compare(name, Qt::CaseInsensitive) == 0; });
+    return found == kTables.end() ? nullptr : &*found;
+}
+
+}  // namespace db::schema

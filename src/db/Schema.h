@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QStringView>
+#include <span>
+
+/// The tables of the terminal's database in their column order, which statements that read by position rely
+/// on. The administrator's command makes the database from this; the terminal itself runs no schema
+/// statement.
+namespace db::schema {
+
+struct Table {
+    QStringView name;
+    std::span<const QStringView> columns;
+};
+
+/// A search that the terminal's statements make often: `columns` is the index's column list.
+struct Index {
+    QStringView name;
+    QStringView table;
+    QStringView columns;
+};
+
+/// Every table, the import ledger included. All columns are text.
+std::span<const Table> tables();
+std::span<const Index> indexes();
+
+/// The table of that name in any case, or null.
+const Table* findTable(QStringView name);
+
+}  // namespace db::schema

@@ -1,0 +1,101 @@
+#pragma once
+
+#include <QString>
+#include <QStringView>
+#include <algorithm>
+#include <array>
+#include <concepts>
+
+namespace db {
+
+/// A UTF-16 literal as a template argument.
+template <std::size_t N>
+struct StatementText {
+    consteval StatementText(const char16_t (&literal)[N]) { std::copy_n(literal, N, characters.begin()); }
+
+    constexpr QStringView view() const { return QStringView(characters.data(), qsizetype(N) - 1); }
+
+    std::array<char16_t, N> characters{};
+};
+
+/// The text of one statement, ready to run. Only a Statement makes one, so no other text reaches the
+/// database.
+class Sql {
+  public:
+    /// The statement with its values in single quotes, unescaped.
+    const QString& text() const { return text_; }
+
+    /// False when a value holds a single quote: such a statement fails and never changes its structure.
+    bool isWellFormed() const { return isWellFormed_; }
+
+    /// The statement as it is written in the code, without its values; safe to log.
+    QStringView format() const { return format_; }
+
+  private:
+    template <StatementText Format>
+    friend class Statement;
+    Sql(QString text, QStringView format, bool isWellFormed)
+        : text_(std::move(text)), format_(format), isWellFormed_(isWellFormed) {}
+
+    QString text_;
+    QStringView format_;
+    bool isWellFormed_;
+};
+
+/// One statement of the system: `constexpr db::Statement<u"SELECT … WHERE GCode = '%s'"> kSelect;`. Calling
+/// it with one text for every '%s' gives the Sql; another number of values does not compile, nor does a "%s"
+/// outside single quotes.
+template <StatementText Format>
+class Statement {
+  public:
+    static constexpr int kValues = [] {
+        const QStringView text = Format.view();
+        int values = 0;
+        for (qsizetype i = 0; i + 1 < text.size(); ++i) values += text[i] == u'%' && text[i + 1] == u's';
+        return values;
+    }();
+
+    static constexpr bool kEveryValueIsQuoted = [] {
+        const QStringView text = Format.view();
+        for (qsizetype i = 0; i + 1 < text.size(); ++i) {
+            if (text[i] != u'%' || text[i + 1] != u's') continue;
+            if (i == 0 || text[i - 1] != u'\'' || i + 2 >= text.size() || text[i + 2] != u'\'') return false;
+        }
+        return true;
+    }();
+    static_assert(kEveryValueIsQuoted, "every %s of a statement stands in single quotes");
+
+    static constexpr QStringView format() { return Format.view(); }
+
+    template <std::convertible_to<QStringView>... Values>
+    requires(sizeof...(Values) == kValues) Sql operator()(const Values&... values) const {
+        return build(std::array<QStringView, kValues>{QStringView(values)...});
+    }
+
+    /// The same with the values in an array, for statements that carry a whole record.
+    Sql operator()(const std::array<QStringView, kValues>& values) const requires(kValues > 0) {
+        return build(values);
+    }
+
+  private:
+    static Sql build(const std::array<QStringView, kValues>& values) {
+        qsizetype length = Format.view().size();
+        bool isWellFormed = true;
+        for (const QStringView value : values) {
+            length += value.size();
+            isWellFormed = isWellFormed && !value.contains(u'\'');
+        }
+        QString text;
+        text.reserve(length);
+        qsizetype from = 0;
+        for (const QStringView value : values) {
+            const qsizetype at = Format.view().indexOf(u"%s", from);
+            text.append(Format.view().sliced(from, at - from)).append(value);
+            from = at + 2;
+        }
+        text.append(Format.view().sliced(from));
+        return Sql(std::move(text), Format.view(), isWellFormed);
+    }
+};
+
+}  // namespace db

@@ -1,0 +1,28 @@
+#include "db/Transaction.h"
+
+#include "db/Query.h"
+
+namespace db {
+
+Transaction::Transaction() {
+    openDatabase(connection_);
+    isOpen_ = connection_.m_pConnection && !platform::adoce::failed(connection_.m_pConnection->BeginTrans());
+    // Statements that could not be taken back again must not run at all.
+    if (!isOpen_ && connection_.m_pConnection) connection_.Close();
+}
+
+Transaction::~Transaction() {
+    if (isOpen_) connection_.m_pConnection->RollbackTrans();
+}
+
+bool Transaction::isAlive() const {
+    return isOpen_ && connection_.m_pConnection->IsUsable();
+}
+
+bool Transaction::commit() {
+    if (!isOpen_ || platform::adoce::failed(connection_.m_pConnection->CommitTrans())) return false;
+    isOpen_ = false;
+    return true;
+}
+
+}  // namespace db

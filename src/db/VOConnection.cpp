@@ -1,0 +1,57 @@
+#include "db/VOConnection.h"
+
+#include "db/VORecordset.h"
+#include "platform/Device.h"
+#include "platform/Trace.h"
+
+namespace db {
+
+using namespace Qt::Literals::StringLiterals;
+namespace adoce = platform::adoce;
+
+namespace {
+
+adoce::ClassId connectionClass = adoce::ClassId::None;
+// Nothing sets the flag, so the class is resolved at every construction.
+const bool connectionClassResolved = false;
+
+}  // namespace
+
+CVOConnection::CVOConnection(int) {
+    if (connectionClassResolved) return;
+    if (!adoce::failed(adoce::initialize(0))) {
+        adoce::classIdFromProgId(u"ADOCE.Connection.3.1", &connectionClass);
+    }
+}
+
+CVOConnection::~CVOConnection() {
+    if (m_pConnection) Close();
+}
+
+int CVOConnection::Open(QStringView, QStringView database) {
+    adoce::HResult result = adoce::kOk;
+    m_pConnection = adoce::createConnection(connectionClass, adoce::kInProcessServer, &result);
+    if (m_pConnection) {
+        m_pConnection->putProvider(u"cedb"_s);
+        m_pConnection->Open(u"Data Source = "_s + platform::device::path(database), {}, {}, -1);
+    }
+    return 1;
+}
+
+bool CVOConnection::Close() {
+    if (!m_pConnection) {
+        platform::trace(u"CVOConnection::Close() Connection COM Object not initialized\n");
+        return false;
+    }
+    m_pConnection->Close();
+    m_pConnection.reset();
+    return true;
+}
+
+int CVOConnection::Execute(const Sql& sql) {
+    CVORecordset recordset(*this);
+    recordset.Open(sql, kForwardOnly, kReadOnly);
+    return 1;
+}
+
+}  // namespace db

@@ -1,0 +1,188 @@
+#include "platform/adoce/Adoce.h"
+
+#include "platform/Trace.h"
+#include "platform/adoce/DatabaseFile.h"
+#include "platform/adoce/Literals.h"
+
+namespace platform::adoce {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr QStringView kConnectionProgId = u"ADOCE.Connection.3.1";
+constexpr QStringView kRecordsetProgId = u"ADOCE.Recordset.3.1";
+
+HResult& creationResult() {
+    static HResult result = kOk;
+    return result;
+}
+
+template <typename Component>
+std::unique_ptr<Component> create(bool classMatches, int context, HResult* result) {
+    *result = !classMatches || context != kInProcessServer ? kInvalidClass : creationResult();
+    return failed(*result) ? nullptr : std::make_unique<Component>();
+}
+
+}  // namespace
+
+HResult initialize(int concurrencyFlags) {
+    return concurrencyFlags == 0 ? kOk : kFail;
+}
+
+HResult classIdFromProgId(QStringView progId, ClassId* classId) {
+    *classId = progId == kConnectionProgId  ? ClassId::Connection
+               : progId == kRecordsetProgId ? ClassId::Recordset
+                                            : ClassId::None;
+    return *classId == ClassId::None ? kInvalidClass : kOk;
+}
+
+void setCreationResult(HResult result) {
+    creationResult() = result;
+}
+
+std::unique_ptr<Connection> createConnection(ClassId classId, int context, HResult* result) {
+    return create<Connection>(classId == ClassId::Connection, context, result);
+}
+
+std::unique_ptr<Recordset> createRecordset(ClassId classId, int context, HResult* result) {
+    return create<Recordset>(classId == ClassId::Recordset, context, result);
+}
+
+HResult changeTypeToText(QVariant* value) {
+    *value = value->toString();
+    return kOk;
+}
+
+HResult Connection::Open(const QString& connectionString, const QString&, const QString&, int) {
+    constexpr QStringView kDataSource = u"Data Source = ";
+    file_.reset();
+    if (provider_ != u"cedb" || !connectionString.startsWith(kDataSource)) return kFail;
+    QString error;
+    file_ = DatabaseFile::shared(connectionString.mid(kDataSource.size()), &error);
+    if (file_) return kOk;
+    trace(u"database: "_s + error);
+    return kFail;
+}
+
+HResult Connection::Close() {
+    file_.reset();
+    return kOk;
+}
+
+HResult Connection::BeginTrans() {
+    return file_ && file_->begin() ? kOk : kFail;
+}
+
+HResult Connection::CommitTrans() {
+    return file_ && file_->commit() ? kOk : kFail;
+}
+
+HResult Connection::RollbackTrans() {
+    if (!file_) return kFail;
+    file_->rollback();
+    return kOk;
+}
+
+bool Connection::IsUsable() const {
+    return file_ && file_->isUsable();
+}
+
+QString Field::Name() const {
+    return QString::fromUtf8(sqlite3_column_name(recordset_->statement_, index_));
+}
+
+HResult Field::Value(QVariant* value) const {
+    value->clear();
+    if (!recordset_->hasRow_) return kFail;
+    if (sqlite3_column_type(recordset_->statement_, index_) == SQLITE_NULL) return kOk;
+    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(recordset_->statement_, index_));
+    *value = QString::fromUtf8(text, sqlite3_column_bytes(recordset_->statement_, index_));
+    return kOk;
+}
+
+int Fields::Count() const {
+    return field_.recordset_->statement_ ? sqlite3_column_count(field_.recordset_->statement_) : 0;
+}
+
+HResult Fields::Item(const QVariant& index, Field** field) {
+    bool isNumber = false;
+    field_.index_ = index.toInt(&isNumber);
+    *field = nullptr;
+    if (!isNumber || field_.index_ < 0 || field_.index_ >= Count()) return kFail;
+    *field = &field_;
+    return kOk;
+}
+
+HResult Recordset::Open(const QVariant& source, const QVariant& activeConnection, int, int, int) {
+    Close();
+    auto* connection = activeConnection.value<Connection*>();
+    if (connection == nullptr) connection = active_;
+    if (connection == nullptr || !connection->file()) return kFail;
+
+    thread_local ParsedStatement parsed;
+    const bool isWellFormed = parseStatement(*static_cast<const QString*>(source.constData()), &parsed);
+    // A broken text may show a piece of a value where its structure should be, so it is not traced.
+    text_ = isWellFormed ? parsed.text : QByteArray("(text not shown)");
+    file_ = connection->file();
+    QString error = u"a quote stands in a value"_s;
+    if (isWellFormed) {
+        error = u"the transaction is lost"_s;
+        if (file_->isUsable()) statement_ = file_->acquire(text_, &error);
+    }
+    if (statement_ == nullptr) {
+        traceFailure(error);
+        return kFail;
+    }
+
+    int begin = 0;
+    for (size_t i = 0; i < parsed.ends.size(); ++i) {
+        // A SELECT goes on reading its values while rows are fetched, long after `parsed` serves another one.
+        const auto lifetime = sqlite3_stmt_readonly(statement_) ? SQLITE_TRANSIENT : SQLITE_STATIC;
+        sqlite3_bind_text(statement_, int(i) + 1, parsed.values.constData() + begin, parsed.ends[i] - begin,
+                          lifetime);
+        begin = parsed.ends[i];
+    }
+    const HResult result = step();
+    if (failed(result)) {
+        traceFailure(file_->errorText());
+        Close();
+    } else if (hasRow_) {
+        rowNumber_ = 0;
+    }
+    return result;
+}
+
+HResult Recordset::Close() {
+    if (statement_ != nullptr) file_->release(text_, statement_);
+    statement_ = nullptr;
+    file_.reset();
+    rowNumber_ = -1;
+    hasRow_ = false;
+    return kOk;
+}
+
+HResult Recordset::MoveFirst() {
+    if (statement_ == nullptr || rowNumber_ < 0) return kFail;
+    if (rowNumber_ == 0 && hasRow_) return kOk;
+    sqlite3_reset(statement_);
+    rowNumber_ = 0;
+    return step();
+}
+
+HResult Recordset::MoveNext() {
+    if (statement_ == nullptr || !hasRow_) return kFail;
+    ++rowNumber_;
+    return step();
+}
+
+HResult Recordset::step() {
+    const int result = sqlite3_step(statement_);
+    hasRow_ = result == SQLITE_ROW;
+    return hasRow_ || result == SQLITE_DONE ? kOk : kFail;
+}
+
+void Recordset::traceFailure(const QString& error) const {
+    trace(u"database: %1 in: %2"_s.arg(error, QString::fromUtf8(text_)));
+}
+
+}  // namespace platform::adoce

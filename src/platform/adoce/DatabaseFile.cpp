@@ -1,0 +1,145 @@
+#include "platform/adoce/DatabaseFile.h"
+
+#include <sys/stat.h>
+
+#include <QFile>
+
+#include "platform/Trace.h"
+
+namespace platform::adoce {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+/// The system runs fewer distinct statements than this; the bound only stops a stray caller that builds
+/// texts.
+constexpr qsizetype kMostCachedTexts = 256;
+
+constexpr int kBusyTimeoutMs = 3000;
+
+struct FileIdentity {
+    dev_t device = 0;
+    ino_t inode = 0;
+    friend bool operator==(const FileIdentity&, const FileIdentity&) = default;
+};
+
+struct SharedFile {
+    FileIdentity identity;
+    std::shared_ptr<DatabaseFile> file;
+};
+
+QHash<QString, SharedFile>& sharedFiles() {
+    static QHash<QString, SharedFile> files;
+    return files;
+}
+
+/// The handheld's provider accepts "DELETE X …" without FROM.
+QByteArray toSqlite(const QByteArray& text) {
+    const QByteArray trimmed = text.trimmed();
+    if (qstrnicmp(trimmed.constData(), "DELETE", 6) != 0) return trimmed;
+    const QByteArray rest = trimmed.mid(6).trimmed();
+    if (qstrnicmp(rest.constData(), "FROM ", 5) == 0) return trimmed;
+    return "DELETE FROM " + rest;
+}
+
+}  // namespace
+
+std::shared_ptr<DatabaseFile> DatabaseFile::shared(const QString& path, QString* error) {
+    struct stat status = {};
+    if (::stat(QFile::encodeName(path).constData(), &status) != 0) {
+        sharedFiles().remove(path);
+        *error = u"%1 is missing"_s.arg(path);
+        return nullptr;
+    }
+    const FileIdentity identity{status.st_dev, status.st_ino};
+    const auto known = sharedFiles().constFind(path);
+    if (known != sharedFiles().constEnd() && known->identity == identity) return known->file;
+
+    sqlite3* handle = nullptr;
+    int result = sqlite3_open_v2(path.toUtf8().constData(), &handle, SQLITE_OPEN_READWRITE, nullptr);
+    std::shared_ptr<DatabaseFile> file(new DatabaseFile(handle));
+    if (result == SQLITE_OK) {
+        sqlite3_busy_timeout(handle, kBusyTimeoutMs);
+        result = sqlite3_exec(handle, "PRAGMA journal_mode=WAL; PRAGMA synchronous=FULL;", nullptr, nullptr,
+                              nullptr);
+    }
+    if (result != SQLITE_OK) {
+        *error = u"%1: %2"_s.arg(path, file->errorText());
+        return nullptr;
+    }
+    sharedFiles().insert(path, {identity, file});
+    return file;
+}
+
+void DatabaseFile::forgetAll() {
+    sharedFiles().clear();
+}
+
+DatabaseFile::~DatabaseFile() {
+    for (const QList<sqlite3_stmt*>& statements : std::as_const(idle_)) {
+        for (sqlite3_stmt* statement : statements) sqlite3_finalize(statement);
+    }
+    sqlite3_close_v2(handle_);
+}
+
+sqlite3_stmt* DatabaseFile::acquire(const QByteArray& text, QString* error) {
+    const auto idle = idle_.find(text);
+    if (idle != idle_.end() && !idle->isEmpty()) return idle->takeLast();
+
+    const QByteArray sql = toSqlite(text);
+    sqlite3_stmt* statement = nullptr;
+    const char* tail = nullptr;
+    if (sqlite3_prepare_v2(handle_, sql.constData(), int(sql.size()), &statement, &tail) != SQLITE_OK) {
+        *error = errorText();
+        return nullptr;
+    }
+    if (statement == nullptr || tail != sql.constData() + sql.size()) {
+        sqlite3_finalize(statement);
+        *error = u"not one statement"_s;
+        return nullptr;
+    }
+    return statement;
+}
+
+void DatabaseFile::release(const QByteArray& text, sqlite3_stmt* statement) {
+    sqlite3_reset(statement);
+    sqlite3_clear_bindings(statement);
+    const auto idle = idle_.find(text);
+    if (idle != idle_.end()) {
+        idle->append(statement);
+    } else if (idle_.size() < kMostCachedTexts) {
+        idle_.insert(text, {statement});
+    } else {
+        sqlite3_finalize(statement);
+    }
+}
+
+bool DatabaseFile::begin() {
+    if (inTransaction_ || !run("BEGIN IMMEDIATE")) return false;
+    inTransaction_ = true;
+    return true;
+}
+
+bool DatabaseFile::commit() {
+    if (!inTransaction_ || !isUsable() || !run("COMMIT")) return false;
+    inTransaction_ = false;
+    return true;
+}
+
+void DatabaseFile::rollback() {
+    if (!inTransaction_) return;
+    if (isUsable()) run("ROLLBACK");
+    inTransaction_ = false;
+}
+
+QString DatabaseFile::errorText() const {
+    return QString::fromUtf8(sqlite3_errmsg(handle_));
+}
+
+bool DatabaseFile::run(const char* sql) {
+    if (sqlite3_exec(handle_, sql, nullptr, nullptr, nullptr) == SQLITE_OK) return true;
+    trace(u"database: %1: %2"_s.arg(QString::fromUtf8(sql), errorText()));
+    return false;
+}
+
+}  // namespace platform::adoce

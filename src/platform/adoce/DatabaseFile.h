@@ -1,0 +1,56 @@
+#pragma once
+
+#include <sqlite3.h>
+
+#include <QByteArray>
+#include <QHash>
+#include <QList>
+#include <QString>
+#include <QStringView>
+#include <memory>
+
+namespace platform::adoce {
+
+/// The one SQLite handle of a database file, with its cache of prepared statements. Every connection to the
+/// file shares it, so opening a connection costs a look-up rather than a file open.
+class DatabaseFile {
+  public:
+    /// The shared handle of the file at `path`, opened at the first call and again when the file was
+    /// replaced. Null when the file is missing or is no database; `error` then says why. The file is never
+    /// created.
+    static std::shared_ptr<DatabaseFile> shared(const QString& path, QString* error);
+
+    /// Forgets all shared handles; each closes when its last user lets go. For tests and file replacement.
+    static void forgetAll();
+
+    ~DatabaseFile();
+    DatabaseFile(const DatabaseFile&) = delete;
+    DatabaseFile& operator=(const DatabaseFile&) = delete;
+
+    /// A prepared statement for `text`, in which every literal is a "?" already. Null on a text that SQLite
+    /// does not accept; `error` says why. Give it back with release().
+    sqlite3_stmt* acquire(const QByteArray& text, QString* error);
+    void release(const QByteArray& text, sqlite3_stmt* statement);
+
+    /// False while a transaction that began here has been rolled back by SQLite itself (disk full, read or
+    /// write error): no statement may run then, or it would be kept without the others.
+    bool isUsable() const { return !inTransaction_ || sqlite3_get_autocommit(handle_) == 0; }
+
+    bool begin();
+    bool commit();
+    void rollback();
+
+    sqlite3* handle() const { return handle_; }
+    QString errorText() const;
+
+  private:
+    explicit DatabaseFile(sqlite3* handle) : handle_(handle) {}
+
+    bool run(const char* sql);
+
+    sqlite3* handle_;
+    bool inTransaction_ = false;
+    QHash<QByteArray, QList<sqlite3_stmt*>> idle_;
+};
+
+}  // namespace platform::adoce
