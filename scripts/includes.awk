@@ -137,11 +137,13 @@ function walk(file, depth,   list, count, i, n, j, cycle) {
     count = split(edges[file], list, " ")
     for (i = 1; i <= count; i++) {
         n = list[i] + 0
-        if (state[into[n]] == 1) {
+        if (!(into[n] in state)) {
+            walk(into[n], depth + 1)
+        } else if (state[into[n]] == 1) {
             cycle = into[n]
             for (j = depth; j >= 0 && stack[j] != into[n]; j--) cycle = stack[j] " -> " cycle
             say(from[n], at[n], "include cycle: " into[n] " -> " cycle)
-        } else if (!(into[n] in state)) walk(into[n], depth + 1)
+        }
     }
     state[file] = 2
 }
