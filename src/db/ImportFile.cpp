@@ -75,9 +75,9 @@ std::span<const ImportFile> importFiles() {
 QString importPath(const ImportFile& file, ImportSource source) {
     switch (source) {
         case ImportSource::Documents:
-            return platform::device::kDocumentsFolder.toString() + file.fileName;
+            return platform::device::kDocumentsFolder.toString() + file.fileName.toString();
         case ImportSource::StorageCard:
-            return platform::device::kStorageCardFolder.toString() + file.fileName;
+            return platform::device::kStorageCardFolder.toString() + file.fileName.toString();
         case ImportSource::None:
             break;
     }
