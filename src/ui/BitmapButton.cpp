@@ -1,0 +1,54 @@
+#include "ui/BitmapButton.h"
+
+#include <QPainter>
+
+namespace ui {
+namespace {
+
+constexpr QColor kDarkCaption(0x14, 0x20, 0x2b);
+constexpr QColor kDisabledCaption(0x9a, 0xa5, 0xb1);
+constexpr QColor kFocusRing(0xf5, 0x9e, 0x0b);
+constexpr qreal kDisabledOpacity = 0.45;
+
+/// A menu tile keeps its picture above and its caption below this line.
+constexpr int kTileHeight = 50;
+constexpr int kTileCaptionTop = 36;
+/// The lower lip of a face that is not pressed.
+constexpr int kLip = 2;
+
+}  // namespace
+
+BitmapButton::BitmapButton(const QString& caption, ButtonBitmaps bitmaps, QWidget* parent)
+    : QAbstractButton(parent), bitmaps_(bitmaps) {
+    setText(caption);
+    setAccessibleName(caption);
+    setFont(font(FontHeight::Small));
+    setFocusPolicy(Qt::TabFocus);
+    resize(sizeHint());
+}
+
+QRect BitmapButton::captionArea() const {
+    QRect area = rect().adjusted(1, 0, -1, -kLip);
+    if (height() >= kTileHeight && width() > height()) area.setTop(kTileCaptionTop);
+    return isDown() ? area.translated(0, 1) : area;
+}
+
+void BitmapButton::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    if (!isEnabled()) painter.setOpacity(kDisabledOpacity);
+    painter.drawPixmap(0, 0, bitmap(isDown() ? bitmaps_.pressed : bitmaps_.normal, devicePixelRatioF()));
+    painter.setOpacity(1);
+    painter.setFont(font());
+    painter.setPen(!isEnabled()                               ? kDisabledCaption
+                   : bitmaps_.caption == CaptionColour::Light ? QColor(Qt::white)
+                                                              : kDarkCaption);
+    painter.drawText(captionArea(), Qt::AlignCenter, text());
+    if (hasFocus()) {
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(kFocusRing, 2));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 4, 4);
+    }
+}
+
+}  // namespace ui

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QString>
+
+#include "ui/Screen.h"
+
+namespace ui {
+
+/// Dialog id of every message box, and the ids of its buttons.
+inline constexpr int kMessageBoxId = 0;
+inline constexpr int kMessageOk = 1;
+inline constexpr int kMessageCancel = 2;
+
+/// Shows a message without caption, with an OK button, and returns when it is answered.
+void message(const QString& text);
+
+/// Asks with OK and Cancel under a short caption. True on OK only.
+bool confirm(const QString& text, const QString& caption);
+
+/// A message box in front of the screens.
+class MessageBox : public Screen {
+    Q_OBJECT
+
+  public:
+    enum class Buttons { Ok, OkCancel };
+
+    MessageBox(const QString& text, const QString& caption, Buttons buttons);
+
+    const QString& text() const { return text_; }
+    const QString& caption() const { return caption_; }
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+
+  private:
+    QString text_;
+    QString caption_;
+    QRect panel_;
+};
+
+}  // namespace ui

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <QAbstractTableModel>
+#include <QString>
+#include <QTableView>
+#include <span>
+
+#include "db/Rows.h"
+
+namespace ui {
+
+/// The rows of a list, shown without being copied.
+class RowsModel : public QAbstractTableModel {
+    Q_OBJECT
+
+  public:
+    using QAbstractTableModel::QAbstractTableModel;
+
+    void setTitles(const QStringList& titles);
+    void setAlignments(const QList<Qt::Alignment>& alignments) { alignments_ = alignments; }
+    void setRows(db::Rows rows);
+    const db::Rows& rows() const { return rows_; }
+
+    int rowCount(const QModelIndex& parent = {}) const override;
+    int columnCount(const QModelIndex& parent = {}) const override;
+    QVariant data(const QModelIndex& index, int role) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+
+  private:
+    QStringList titles_;
+    QList<Qt::Alignment> alignments_;
+    db::Rows rows_;
+};
+
+/// One column of a list.
+struct ListColumn {
+    QString title;
+    int width;  ///< Pixels at scale 1.
+    Qt::Alignment alignment = Qt::AlignLeft | Qt::AlignVCenter;
+};
+
+/// A list in columns with grid lines, in which a whole row is chosen.
+class ReportList : public QTableView {
+    Q_OBJECT
+
+  public:
+    explicit ReportList(QWidget* parent);
+
+    void setColumns(std::span<const ListColumn> columns);
+    /// Replaces all rows and takes the selection away.
+    void setRows(db::Rows rows);
+    void clear() { setRows({}); }
+
+    int rowCount() const { return model_->rowCount(); }
+    /// The text of a cell; empty outside the list.
+    QString text(int row, int column) const;
+    /// The row chosen last; -1 when there is none.
+    int selectedRow() const;
+    /// True when some row has exactly `text` in `column`.
+    bool contains(int column, const QString& text) const;
+
+  Q_SIGNALS:
+    /// A row was chosen by a tap or with the arrow keys.
+    void rowClicked(int row);
+    void rowDoubleClicked(int row);
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
+  private:
+    RowsModel* model_;
+};
+
+}  // namespace ui

@@ -1,0 +1,109 @@
+#include "ui/Screen.h"
+
+#include <QKeyEvent>
+#include <QLabel>
+#include <QPainter>
+
+#include "ui/ReportList.h"
+#include "ui/Terminal.h"
+
+namespace ui {
+
+Screen::Screen(int id) : id_(id) {
+    setObjectName(QString::number(id));
+    setFocusPolicy(Qt::NoFocus);
+    resize(kScreenSize);
+}
+
+Screen::~Screen() {
+    // A screen that dies while it runs, at the end of the program, must not stay on the terminal.
+    if (Terminal* terminal = Terminal::current()) terminal->remove(this);
+}
+
+Screen::Result Screen::run() {
+    Terminal* terminal = Terminal::current();
+    if (terminal == nullptr) return Cancelled;
+    result_ = Cancelled;
+    terminal->show(this);
+    loop_.exec();
+    terminal->remove(this);
+    return result_;
+}
+
+void Screen::close(Result result) {
+    result_ = result;
+    loop_.quit();
+}
+
+QWidget* Screen::control(int controlId) const {
+    return findChild<QWidget*>(QString::number(controlId), Qt::FindDirectChildrenOnly);
+}
+
+void Screen::adopt(int controlId, QWidget* widget) {
+    widget->setParent(this);
+    if (controlId != 0) widget->setObjectName(QString::number(controlId));
+}
+
+BitmapButton* Screen::addButton(int controlId, const QString& caption, QPoint at, ButtonBitmaps pictures) {
+    auto* button = new BitmapButton(caption, pictures, this);
+    adopt(controlId, button);
+    button->move(at);
+    return button;
+}
+
+QLabel* Screen::addLabel(int controlId, const QString& text, const QRect& area, FontHeight height,
+                         Qt::Alignment alignment) {
+    auto* result = place(controlId, new QLabel(text, this), area);
+    result->setTextFormat(Qt::PlainText);
+    result->setFont(font(height));
+    result->setAlignment(alignment);
+    return result;
+}
+
+QLabel* Screen::addPicture(int controlId, int bitmapNumber, QPoint at) {
+    auto* result = place(controlId, new QLabel(this), QRect(at, bitmapSize(bitmapNumber)));
+    result->setPixmap(bitmap(bitmapNumber, devicePixelRatioF()));
+    return result;
+}
+
+ReportList* Screen::addList(int controlId, const QRect& area) {
+    return place(controlId, new ReportList(this), area);
+}
+
+QLabel* Screen::label(int controlId) const {
+    return qobject_cast<QLabel*>(control(controlId));
+}
+
+void Screen::setText(int controlId, const QString& text) {
+    if (QLabel* target = label(controlId)) target->setText(text);
+}
+
+void Screen::paintEvent(QPaintEvent*) {
+    QPainter(this).fillRect(rect(), Qt::white);
+}
+
+void Screen::keyPressEvent(QKeyEvent* event) {
+    BitmapButton* button = nullptr;
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) button = default_;
+    if (event->key() == Qt::Key_Escape) button = cancel_;
+    if (button == nullptr || !button->isVisible() || !button->isEnabled())
+        return QWidget::keyPressEvent(event);
+    button->click();
+}
+
+bool Screen::focusNextPrevChild(bool next) {
+    // Tab stays on this screen: the ones below are covered, not closed.
+    QWidget* from = focusWidget() != nullptr ? focusWidget() : this;
+    QWidget* candidate = from;
+    do {
+        candidate = next ? candidate->nextInFocusChain() : candidate->previousInFocusChain();
+        if (candidate != this && isAncestorOf(candidate) && (candidate->focusPolicy() & Qt::TabFocus) != 0 &&
+            candidate->isVisible() && candidate->isEnabled() && candidate->focusProxy() == nullptr) {
+            candidate->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+            return true;
+        }
+    } while (candidate != from);
+    return true;
+}
+
+}  // namespace ui

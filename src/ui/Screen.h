@@ -1,0 +1,81 @@
+#pragma once
+
+#include <QEventLoop>
+#include <QPointer>
+#include <QWidget>
+
+#include "ui/BitmapButton.h"
+#include "ui/Fonts.h"
+
+class QLabel;
+
+namespace ui {
+
+class ReportList;
+
+/// Size of the terminal's screen in pixels at scale 1.
+inline constexpr QSize kScreenSize(240, 320);
+
+/// A full-screen modal dialog. It is found by its dialog id, its controls by their control ids.
+class Screen : public QWidget {
+    Q_OBJECT
+
+  public:
+    /// What a screen was left with.
+    enum Result { Cancelled = 0, Accepted = 1 };
+
+    explicit Screen(int id);
+    ~Screen() override;
+
+    int id() const { return id_; }
+
+    /// Shows the screen above all others on the terminal and returns when it is closed.
+    Result run();
+
+    /// Closes the screen; run() then returns `result`.
+    void close(Result result);
+
+    /// Moves the focus to the screen's next control, or the one before; never to another screen.
+    bool focusNextPrevChild(bool next) override;
+
+    /// The control with that id, or null.
+    QWidget* control(int controlId) const;
+
+  protected:
+    BitmapButton* addButton(int controlId, const QString& caption, QPoint at, ButtonBitmaps bitmaps);
+    /// A static text. `controlId` 0 marks a text that nothing refers to.
+    QLabel* addLabel(int controlId, const QString& text, const QRect& area,
+                     FontHeight height = FontHeight::Small,
+                     Qt::Alignment alignment = Qt::AlignLeft | Qt::AlignVCenter);
+    /// A static picture.
+    QLabel* addPicture(int controlId, int bitmapNumber, QPoint at);
+    ReportList* addList(int controlId, const QRect& area);
+    /// Places any other control.
+    template <typename Control>
+    Control* place(int controlId, Control* widget, const QRect& area) {
+        adopt(controlId, widget);
+        widget->setGeometry(area);
+        return widget;
+    }
+
+    QLabel* label(int controlId) const;
+    void setText(int controlId, const QString& text);
+
+    /// The buttons that Enter and Esc press.
+    void setDefaultButton(BitmapButton* button) { default_ = button; }
+    void setCancelButton(BitmapButton* button) { cancel_ = button; }
+
+    void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+  private:
+    void adopt(int controlId, QWidget* widget);
+
+    int id_;
+    Result result_ = Cancelled;
+    QEventLoop loop_;
+    QPointer<BitmapButton> default_;
+    QPointer<BitmapButton> cancel_;
+};
+
+}  // namespace ui

@@ -1,0 +1,115 @@
+#include "ui/Terminal.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+
+#include "platform/Trace.h"
+
+namespace ui {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+QPointer<Terminal>& currentTerminal() {
+    static QPointer<Terminal> terminal;
+    return terminal;
+}
+
+ScreenFactory& screenFactory() {
+    static ScreenFactory factory;
+    return factory;
+}
+
+}  // namespace
+
+Terminal::Terminal(QWidget* parent) : QWidget(parent) {
+    setFixedSize(kScreenSize);
+    setFocusPolicy(Qt::StrongFocus);
+    setAutoFillBackground(true);
+    setPalette(QPalette(Qt::white));
+    currentTerminal() = this;
+    connect(qApp, &QApplication::focusChanged, this,
+            [this](QWidget*, QWidget* now) { keepFocusInFront(now); });
+}
+
+Terminal::~Terminal() {
+    for (const Entry& entry : std::as_const(stack_)) {
+        if (entry.screen) entry.screen->setParent(nullptr);
+    }
+    stack_.clear();
+}
+
+Terminal* Terminal::current() {
+    return currentTerminal();
+}
+
+void Terminal::show(Screen* screen) {
+    stack_.append({screen, focusWidget()});
+    screen->setParent(this);
+    screen->setGeometry(rect());
+    screen->show();
+    screen->raise();
+    if (QWidget* wanted = screen->focusWidget()) {
+        wanted->setFocus();
+    } else {
+        setFocus();
+    }
+    Q_EMIT topChanged(screen);
+}
+
+void Terminal::remove(Screen* screen) {
+    const auto at = std::find_if(stack_.begin(), stack_.end(),
+                                 [screen](const Entry& entry) { return entry.screen == screen; });
+    if (at == stack_.end()) return;
+    const QPointer<QWidget> focusBelow = at->focusBelow;
+    const bool wasTop = at == stack_.end() - 1;
+    stack_.erase(at);
+    screen->hide();
+    screen->setParent(nullptr);
+    if (!wasTop) return;
+    if (focusBelow) {
+        focusBelow->setFocus();
+    } else {
+        setFocus();
+    }
+    Q_EMIT topChanged(top());
+}
+
+void Terminal::closeAll() {
+    for (qsizetype i = stack_.size() - 1; i >= 0; --i) {
+        if (stack_[i].screen) stack_[i].screen->close(Screen::Cancelled);
+    }
+}
+
+void Terminal::keyPressEvent(QKeyEvent* event) {
+    // Keys that no control takes belong to the dialog in front, whatever has the focus.
+    Screen* front = top();
+    if (front == nullptr || front->isAncestorOf(focusWidget())) return QWidget::keyPressEvent(event);
+    if (event->key() == Qt::Key_Tab || event->key() == Qt::Key_Backtab) return QWidget::keyPressEvent(event);
+    QKeyEvent copy(event->type(), event->key(), event->modifiers(), event->text(), event->isAutoRepeat());
+    QApplication::sendEvent(front, &copy);
+}
+
+bool Terminal::focusNextPrevChild(bool next) {
+    return top() != nullptr && top()->focusNextPrevChild(next);
+}
+
+void Terminal::keepFocusInFront(QWidget* now) {
+    Screen* front = top();
+    if (front == nullptr || now == nullptr || now == this || !isAncestorOf(now) || front->isAncestorOf(now))
+        return;
+    setFocus();
+}
+
+void setScreenFactory(ScreenFactory factory) {
+    screenFactory() = std::move(factory);
+}
+
+Screen::Result runScreen(int dialogId) {
+    const std::unique_ptr<Screen> screen = screenFactory() ? screenFactory()(dialogId) : nullptr;
+    if (screen) return screen->run();
+    platform::trace(u"no screen for dialog %1"_s.arg(dialogId));
+    return Screen::Cancelled;
+}
+
+}  // namespace ui

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <QList>
+#include <QPointer>
+#include <QWidget>
+#include <functional>
+#include <memory>
+
+#include "ui/Screen.h"
+
+namespace ui {
+
+/// The terminal's screen: the stack of dialogs that are open, the newest in front and alone usable.
+class Terminal : public QWidget {
+    Q_OBJECT
+
+  public:
+    explicit Terminal(QWidget* parent = nullptr);
+    ~Terminal() override;
+
+    /// The one terminal of the process; null before it is made.
+    static Terminal* current();
+
+    /// The dialog in front; null when none is open.
+    Screen* top() const { return stack_.isEmpty() ? nullptr : stack_.last().screen; }
+
+    /// Closes the dialogs from the front to the back, as if each had been cancelled.
+    void closeAll();
+
+    /// Puts a screen in front and takes it away again. Screen::run does both.
+    void show(Screen* screen);
+    void remove(Screen* screen);
+
+  Q_SIGNALS:
+    /// Another dialog is in front now.
+    void topChanged(ui::Screen* screen);
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
+
+  private:
+    struct Entry {
+        QPointer<Screen> screen;
+        QPointer<QWidget> focusBelow;  ///< Where the focus goes back to when the screen leaves.
+    };
+    void keepFocusInFront(QWidget* now);
+
+    QList<Entry> stack_;
+};
+
+/// Makes the screen for a dialog id; null for an id without one.
+using ScreenFactory = std::function<std::unique_ptr<Screen>(int dialogId)>;
+void setScreenFactory(ScreenFactory factory);
+
+/// Opens the dialog with that id and returns when it is closed. Cancelled for an id without a screen.
+Screen::Result runScreen(int dialogId);
+
+}  // namespace ui
