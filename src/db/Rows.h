@@ -7,21 +7,21 @@
 
 namespace db {
 
-/// The texts of a query's rows, row after row in one list, so that a long list is kept and shown as it is.
+/// A result's cells row after row, each row `columns` long; a list screen shows it as it is. The texts are
+/// those of the database, "" for NULL.
 struct Rows {
     int columns = 0;
     QList<QString> cells;
 
-    qsizetype count() const { return columns == 0 ? 0 : cells.size() / columns; }
+    int count() const { return columns > 0 ? int(cells.size() / columns) : 0; }
+    bool isEmpty() const { return cells.isEmpty(); }
 
-    /// The text of a cell; empty outside the rows.
-    QString text(qsizetype row, qsizetype column) const {
-        if (row < 0 || column < 0 || column >= columns) return {};
-        return cells.value(row * columns + column);
-    }
+    /// The cell's text; `row` and `column` count from 0 and must be inside.
+    const QString& at(int row, int column) const { return cells[qsizetype(row) * columns + column]; }
 };
 
-/// Runs a SELECT on a connection of its own and keeps its first `columns` columns; no rows when it failed.
+/// The first `columns` columns of every row of the SELECT, on a connection of its own; no rows when the
+/// statement failed.
 Rows selectRows(const Sql& select, int columns);
 
 }  // namespace db

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QString>
+#include <QStringView>
+
+#include "sales/LineAmounts.h"
+
+namespace sales {
+
+/// `Gubun` of a line of goods sold.
+inline constexpr QStringView kSale = u"매출";
+
+/// Print states of a slip (`WorkGubun`).
+inline constexpr QStringView kInEditing = u"미처리";  ///< Added on the screen, not saved yet.
+inline constexpr QStringView kUnprinted = u"미발행";  ///< Saved.
+inline constexpr QStringView kPrinted = u"발행";
+inline constexpr QStringView kPaid = u"결제";  ///< Settled by an approved card exchange.
+
+/// One line of a sales slip: the columns that the working table and the saved slips share, as texts and in
+/// their order.
+struct SlipLine {
+    QString DDate;  ///< "yyyy-MM-dd".
+    QString Gubun{kSale.toString()};
+    QString GCode;
+    QString GName;
+    QString JunNo;
+    QString WorkGubun{kInEditing.toString()};
+    QString PCode;
+    QString PName;
+    QString JGubun;
+    QString Box;     ///< Boxes.
+    QString Bon;     ///< Single bottles.
+    QString MMoney;  ///< Supply, won.
+    QString BMoney;  ///< VAT, won.
+    QString YMoney;  ///< Crate deposit, won.
+    QString GMoney;  ///< Bottle deposit, won.
+
+    /// The four amounts; text that is no number reads as 0.
+    LineAmounts amounts() const;
+    void setAmounts(const LineAmounts& amounts);
+};
+
+/// What tells the lines of a slip apart: the same product may stand on it twice with other quantities.
+struct LineKey {
+    QString PCode;
+    QString Box;
+    QString Bon;
+};
+
+}  // namespace sales

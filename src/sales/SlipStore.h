@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QStringView>
+
+#include "db/Rows.h"
+
+/// The saved sales slips, in `MTM`.
+namespace sales {
+
+enum class SaveOutcome {
+    Saved,
+    Empty,   ///< The working slip has no lines; the slip's saved lines are gone all the same.
+    Failed,  ///< The database did not take the change; the saved slip is as it was.
+};
+
+/// Replaces the user's saved slip by the working slip, as unprinted and with the time of the clock. The slip
+/// is saved whole or not at all.
+SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo);
+
+/// The salesman's slips of a day.
+struct SlipList {
+    db::Rows slips;  ///< One row for each slip, in three columns: print state, customer name, slip number.
+    int printed = 0;
+    int unprinted = 0;
+};
+
+SlipList slipsOfDay(QStringView userId, QStringView workDate);
+
+/// Deletes the sales slip of that number and date, whoever wrote it, and with `alsoFollowers` the collection
+/// and container slips that carry the same number and date. All of it or, when the database does not take the
+/// change, nothing: false.
+bool deleteSlip(QStringView workDate, QStringView junNo, bool alsoFollowers);
+
+}  // namespace sales

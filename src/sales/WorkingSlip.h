@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QStringView>
+#include <cstdint>
+#include <optional>
+
+#include "db/Rows.h"
+#include "sales/LineAmounts.h"
+#include "sales/SlipLine.h"
+
+/// The sales slip that is being edited, in the working table `TEMP`. There is one at a time.
+namespace sales {
+
+/// A slip as it is shown when it is opened.
+struct OpenedSlip {
+    db::Rows lines;  ///< As workingLines gives them.
+    SlipSums sums;
+};
+
+/// Replaces the working slip by the saved lines of the user's slip; a slip without saved lines leaves it
+/// empty. False, and the working slip stays as it was, when the database does not take the change.
+bool reloadSlip(QStringView userId, QStringView workDate, QStringView junNo);
+
+/// reloadSlip, and the saved lines and sums to show.
+OpenedSlip openSlip(QStringView userId, QStringView workDate, QStringView junNo);
+
+/// The lines by product code descending, in four columns: code, name, boxes, bottles.
+db::Rows workingLines();
+
+bool isWorkingSlipEmpty();
+
+/// The line's amounts; nothing when there is no such line.
+std::optional<LineAmounts> lineAmounts(const LineKey& key);
+
+/// Adds a line. One with a single quote in a text is not stored, without a sign of it.
+void insertLine(const SlipLine& line);
+
+/// Changes the line's quantities and with them its amounts. False, and the line stays as it was, when there
+/// is no such line or the database does not take the change.
+bool replaceQuantities(const LineKey& key, std::int64_t boxes, std::int64_t bottles,
+                       const LineAmounts& amounts);
+
+/// Changes the line's supply and VAT; its deposits stay. Result as for replaceQuantities.
+bool replaceAmounts(const LineKey& key, const LineAmounts& amounts);
+
+void deleteLine(const LineKey& key);
+
+}  // namespace sales
