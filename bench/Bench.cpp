@@ -1,0 +1,39 @@
+#include "Bench.h"
+
+#include <algorithm>
+#include <chrono>
+#include <vector>
+
+namespace bench {
+namespace {
+
+double median(std::vector<double> values) {
+    const auto middle = values.begin() + long(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
+}  // namespace
+
+Result compare(int runs, const char* unit, const std::function<double()>& ours,
+               const std::function<double()>& peer) {
+    std::vector<double> oursEach;
+    std::vector<double> peerEach;
+    // Whatever else the machine does falls on both sides alike when they take turns.
+    for (int run = 0; run <= runs; ++run) {
+        const double oursNow = ours();
+        const double peerNow = peer();
+        if (run == 0) continue;
+        oursEach.push_back(oursNow);
+        peerEach.push_back(peerNow);
+    }
+    return {median(oursEach), median(peerEach), unit};
+}
+
+double millisecondsOf(const std::function<void()>& work) {
+    const auto begin = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
+}
+
+}  // namespace bench

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <functional>
+
+/// The measurements of rovana-bench: each runs what the system does beside what it is held against.
+namespace bench {
+
+/// The medians of both sides, in `unit`.
+struct Result {
+    double ours = 0;
+    double peer = 0;
+    const char* unit = "";
+};
+
+/// Runs both sides in turn, `runs` times each after one run of each that does not count, and gives the median
+/// of what they return. An even number of runs takes the upper middle one.
+Result compare(int runs, const char* unit, const std::function<double()>& ours,
+               const std::function<double()>& peer);
+
+/// Milliseconds that `work` takes by the steady clock.
+double millisecondsOf(const std::function<void()>& work);
+
+// One function for each measurement, in a file of its own. They throw std::runtime_error, which says why,
+// when a side cannot run or gives a wrong result.
+Result measureImport();
+
+}  // namespace bench

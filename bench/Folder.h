@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QTemporaryDir>
+
+namespace bench {
+
+/// A device folder of a measurement, with the handheld's folders and an empty database of the system's tables
+/// and indexes. It is the process's device folder while the object lives and is removed with it.
+class Folder {
+  public:
+    Folder();
+    ~Folder();
+    Folder(const Folder&) = delete;
+    Folder& operator=(const Folder&) = delete;
+
+    QString path(const QString& name) const { return folder_.filePath(name); }
+
+    /// The database file on disk.
+    QString databaseFile() const;
+
+    /// Replaces the database by an empty one; no handle on it may be open but the pooled ones.
+    void emptyDatabase() const;
+
+    /// Makes an empty database of the system's tables and indexes at `path`, replacing what is there.
+    static void makeDatabase(const QString& path);
+
+  private:
+    QTemporaryDir folder_;
+};
+
+/// Writes the file, replacing one that is there.
+void writeFile(const QString& path, const QByteArray& content);
+
+}  // namespace bench

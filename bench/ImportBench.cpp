@@ -1,0 +1,120 @@
+// Loading a file of contract prices beside the sqlite3 shell's .import of the same rows into the same table
+// and index of a fresh database, both with a write-ahead log and a sync at the commit.
+
+#include <sqlite3.h>
+
+#include <QProcess>
+#include <stdexcept>
+
+#include "Bench.h"
+#include "Folder.h"
+#include "db/MasterImport.h"
+#include "platform/Device.h"
+#include "platform/adoce/DatabaseFile.h"
+
+namespace bench {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr int kRuns = 5;
+constexpr int kCustomers = 2000;
+constexpr int kProducts = 100;
+constexpr int kLines = kCustomers * kProducts;
+constexpr const char* kUnit = "ms";
+
+/// Contract prices ordered by customer and product, as the office writes them. The shell takes a "|" after
+/// the last field for the start of another one, so its rows go without.
+QByteArray contractPrices(bool endsWithSeparator) {
+    QByteArray lines;
+    for (int customer = 0; customer < kCustomers; ++customer) {
+        for (int product = 0; product < kProducts; ++product) {
+            const int price = 15000 + (customer * 37 + product * 911) % 90000;
+            lines += QByteArray::number(1000 + customer) + '|' + QByteArray::number(1000 + product) + "|5|" +
+                     QByteArray::number(price) + '|' + QByteArray::number(price / 10) + '|' +
+                     QByteArray::number(price / 20) + '|' + QByteArray::number(price / 200) + '|' +
+                     QByteArray::number(price / 7) + "|9000|450";
+            lines += endsWithSeparator ? "|\n" : "\n";
+        }
+    }
+    return lines;
+}
+
+const db::ImportFile& contractPriceFile() {
+    for (const db::ImportFile& file : db::importFiles()) {
+        if (file.fileName == u"GARAEDANGA.RVN") return file;
+    }
+    throw std::runtime_error("no import file of contract prices");
+}
+
+/// A digest of what the table holds, so that both sides are known to have done the same.
+QByteArray tableContent(const QString& databaseFile) {
+    sqlite3* handle = nullptr;
+    sqlite3_stmt* statement = nullptr;
+    sqlite3_open_v2(databaseFile.toUtf8().constData(), &handle, SQLITE_OPEN_READWRITE, nullptr);
+    sqlite3_prepare_v2(handle,
+                       "SELECT count(*) || ' ' || sum(boxmoney + bonbmoney) || ' ' || sum(ysmoney) || ' ' || "
+                       "min(ysbonmoney) FROM GARAEDANGA",
+                       -1, &statement, nullptr);
+    QByteArray content;
+    if (sqlite3_step(statement) == SQLITE_ROW) {
+        content = reinterpret_cast<const char*>(sqlite3_column_text(statement, 0));
+    }
+    sqlite3_finalize(statement);
+    sqlite3_close(handle);
+    return content;
+}
+
+double loadWithShell(const QString& databaseFile, const QString& rows) {
+    QProcess shell;
+    const double time = millisecondsOf([&] {
+        shell.start(u"sqlite3"_s, {u"-batch"_s, databaseFile});
+        shell.write("PRAGMA journal_mode=WAL;\nPRAGMA synchronous=FULL;\n.separator \"|\" \"\\n\"\n");
+        shell.write(u".import %1 GARAEDANGA\n"_s.arg(rows).toUtf8());
+        shell.closeWriteChannel();
+        shell.waitForFinished(-1);
+    });
+    if (shell.exitStatus() != QProcess::NormalExit || shell.exitCode() != 0 ||
+        !shell.readAllStandardError().isEmpty()) {
+        throw std::runtime_error("the sqlite3 shell did not import the rows");
+    }
+    return time;
+}
+
+}  // namespace
+
+Result measureImport() {
+    const Folder folder;
+    const QByteArray lines = contractPrices(true);
+    const QString rows = folder.path(u"rows.txt"_s);
+    writeFile(rows, contractPrices(false));
+    const QString peerDatabase = folder.path(u"peer.db"_s);
+    const db::ImportFile& file = contractPriceFile();
+
+    const auto ours = [&] {
+        folder.emptyDatabase();
+        writeFile(platform::device::path(importPath(file, db::ImportSource::Documents)), lines);
+        db::ImportResult result;
+        const double time = millisecondsOf([&] {
+            result = db::importFile(file, db::ImportSource::Documents, [](int, int) {});
+            // The shell's time holds the end of its process, which closes the database as well.
+            platform::adoce::DatabaseFile::forgetAll();
+        });
+        if (result.outcome != db::ImportResult::Outcome::Loaded || result.loaded != kLines ||
+            !result.isDeleted) {
+            throw std::runtime_error("the file was not loaded");
+        }
+        return time;
+    };
+    const auto peer = [&] {
+        Folder::makeDatabase(peerDatabase);
+        return loadWithShell(peerDatabase, rows);
+    };
+    const Result result = compare(kRuns, kUnit, ours, peer);
+    if (tableContent(folder.databaseFile()) != tableContent(peerDatabase)) {
+        throw std::runtime_error("the two tables differ");
+    }
+    return result;
+}
+
+}  // namespace bench
