@@ -18,6 +18,12 @@ struct Rows {
 
     /// The cell's text; `row` and `column` count from 0 and must be inside.
     const QString& at(int row, int column) const { return cells[qsizetype(row) * columns + column]; }
+
+    /// The same; empty outside the rows.
+    QString cell(int row, int column) const {
+        return row < 0 || column < 0 || column >= columns ? QString()
+                                                          : cells.value(qsizetype(row) * columns + column);
+    }
 };
 
 /// The first `columns` columns of every row of the SELECT, on a connection of its own; no rows when the

@@ -26,19 +26,15 @@ struct PricedLine {
 PricedLine priceLine(QStringView gcode, QStringView customerKind, QStringView pcode, std::int64_t boxes,
                      std::int64_t bottles);
 
-/// The prices that each source works on, in won for one box or one bottle, named after the columns they are
-/// read from.
+/// The prices that the sources work on, in won for one box or one bottle. Names in the database's spelling
+/// are the columns.
 struct ContractPrices {
     platform::Won boxmoney, boxbmoney, bonmoney, bonbmoney, ysmoney, ysboxmoney, ysbonmoney;
 };
 struct Deposits {
     platform::Won YGMoney1, YGMoney2, GBonMoney2;
 };
-struct CostPrices {
-    platform::Won boxSupply, bottleSupply, boxVat, bottleVat;
-    Deposits deposits;
-};
-struct TierPrices {
+struct UnitPrices {
     platform::Won boxSupply, bottleSupply, boxVat, bottleVat;
     Deposits deposits;
 };
@@ -48,10 +44,10 @@ LineAmounts contractAmounts(const ContractPrices& prices, std::int64_t boxes, st
 
 /// Cost price raised by `marginPercent` whole percent, times quantity, rounded up for each of the four parts
 /// (box and bottle, supply and VAT). Deposits carry no margin.
-LineAmounts marginAmounts(const CostPrices& prices, std::int64_t marginPercent, std::int64_t boxes,
+LineAmounts marginAmounts(const UnitPrices& prices, std::int64_t marginPercent, std::int64_t boxes,
                           std::int64_t bottles);
 
 /// Tier price times quantity.
-LineAmounts tierAmounts(const TierPrices& prices, std::int64_t boxes, std::int64_t bottles);
+LineAmounts tierAmounts(const UnitPrices& prices, std::int64_t boxes, std::int64_t bottles);
 
 }  // namespace sales

@@ -1,0 +1,143 @@
+#include "sales/Pricing.h"
+
+#include <cmath>
+#include <optional>
+
+#include "db/Query.h"
+#include "db/Statement.h"
+
+namespace sales {
+
+using platform::Won;
+
+namespace {
+
+constexpr db::Statement<u"SELECT * FROM GARAEDANGA WHERE GCODE= '%s' and PCODE = '%s' "> kContract;
+constexpr db::Statement<u"SELECT Pname,JGubun FROM PUMMOK WHERE PCode = '%s' "> kProduct;
+constexpr db::Statement<u"SELECT Majin FROM GARAEMAJIN WHERE GCODE= '%s' AND GUBUN= '%s'  "> kClassMargin;
+constexpr db::Statement<u"SELECT Majin FROM GARAE WHERE GCODE= '%s' "> kCustomerMargin;
+// Under a class margin the VAT of boxes is that of bottles: this system's price list is read so.
+constexpr db::Statement<
+    u"SELECT BoxSMoney, BonSMoney, BonBMoney, BonBMoney,YGMoney1,YGMoney2, GBonMoney2 "
+    u"FROM PUMMOK WHERE PCODE= '%s' ">
+    kClassMarginPrices;
+constexpr db::Statement<
+    u"SELECT BoxSMoney, BonSMoney, BoxBMoney, BonBMoney, YGMoney1, YGMoney2,GBonMoney2 "
+    u"FROM PUMMOK WHERE PCODE= '%s' ">
+    kCustomerMarginPrices;
+constexpr db::Statement<
+    u"SELECT ABoxMMoney,BBoxMMoney,ABonMMoney,BBonMMoney,ABoxBMoney,BBoxBMoney,ABonBMoney,"
+    u"BBonBMoney,YGMoney1,YGMoney2,GBonMoney2 FROM PUMMOK WHERE PCODE= '%s' ">
+    kTierPrices;
+
+constexpr QStringView kTierAKind = u"일반";
+
+/// Calls `readRow` on the SELECT's first row; false when there is none. Every look-up of a price shares one
+/// connection, which makes the difference between four look-ups and one noticeable in a long slip.
+template <typename ReadRow>
+bool readFirst(db::CVOConnection& connection, const db::Sql& select, ReadRow&& readRow) {
+    db::CVORecordset recordset(connection);
+    if (!recordset.Open(select, db::kKeyset, db::kReadOnly) || recordset.EOF()) return false;
+    readRow(recordset);
+    return true;
+}
+
+Won wonAt(db::CVORecordset& recordset, int column) {
+    return platform::parseWon(recordset.GetFieldString(column));
+}
+
+Deposits depositsAt(db::CVORecordset& recordset, int firstColumn) {
+    return {wonAt(recordset, firstColumn), wonAt(recordset, firstColumn + 1),
+            wonAt(recordset, firstColumn + 2)};
+}
+
+UnitPrices costPricesAt(db::CVORecordset& recordset) {
+    return {wonAt(recordset, 0), wonAt(recordset, 1), wonAt(recordset, 2), wonAt(recordset, 3),
+            depositsAt(recordset, 4)};
+}
+
+/// The amount that "%.f" and reading it back leave of a whole-numbered double: saturated at 64 bits.
+Won wonOf(double whole) {
+    constexpr double kLimit = 9223372036854775808.0;  // 2 to the 63rd
+    if (whole >= kLimit) return Won(INT64_MAX);
+    if (whole <= -kLimit) return Won(INT64_MIN);
+    return Won(std::int64_t(whole));
+}
+
+Won roundedUp(std::int64_t count, double price) {
+    return wonOf(std::ceil(double(count) * price));
+}
+
+LineAmounts depositAmounts(const Deposits& deposits, std::int64_t boxes, std::int64_t bottles) {
+    return {.supply = {},
+            .vat = {},
+            .crateDeposit = boxes * deposits.YGMoney1,
+            .bottleDeposit = boxes * deposits.YGMoney2 + bottles * deposits.GBonMoney2};
+}
+
+}  // namespace
+
+LineAmounts contractAmounts(const ContractPrices& prices, std::int64_t boxes, std::int64_t bottles) {
+    return {.supply = boxes * prices.boxmoney + bottles * prices.bonmoney,
+            .vat = boxes * prices.boxbmoney + bottles * prices.bonbmoney,
+            .crateDeposit = boxes * prices.ysmoney,
+            .bottleDeposit = boxes * prices.ysboxmoney + bottles * prices.ysbonmoney};
+}
+
+LineAmounts marginAmounts(const UnitPrices& prices, std::int64_t marginPercent, std::int64_t boxes,
+                          std::int64_t bottles) {
+    const double margin = double(marginPercent) * 0.01;
+    const auto raised = [&](Won price) { return double(price.value()) + double(price.value()) * margin; };
+    LineAmounts amounts = depositAmounts(prices.deposits, boxes, bottles);
+    amounts.supply =
+        roundedUp(boxes, raised(prices.boxSupply)) + roundedUp(bottles, raised(prices.bottleSupply));
+    amounts.vat = roundedUp(boxes, raised(prices.boxVat)) + roundedUp(bottles, raised(prices.bottleVat));
+    return amounts;
+}
+
+LineAmounts tierAmounts(const UnitPrices& prices, std::int64_t boxes, std::int64_t bottles) {
+    return marginAmounts(prices, 0, boxes, bottles);
+}
+
+PricedLine priceLine(QStringView gcode, QStringView customerKind, QStringView pcode, std::int64_t boxes,
+                     std::int64_t bottles) {
+    db::CVOConnection connection;
+    db::openDatabase(connection);
+
+    ContractPrices contract;
+    if (readFirst(connection, kContract(gcode, pcode), [&](db::CVORecordset& row) {
+            contract = {wonAt(row, 3), wonAt(row, 4), wonAt(row, 5), wonAt(row, 6),
+                        wonAt(row, 7), wonAt(row, 8), wonAt(row, 9)};
+        })) {
+        return {PriceSource::Contract, contractAmounts(contract, boxes, bottles)};
+    }
+
+    QString productClass;
+    readFirst(connection, kProduct(pcode),
+              [&](db::CVORecordset& row) { productClass = row.GetFieldString(1); });
+    std::int64_t margin = 0;
+    const auto readMargin = [&](db::CVORecordset& row) {
+        margin = platform::parseInteger(row.GetFieldString(0));
+    };
+    UnitPrices prices;
+    const auto readCostPrices = [&](db::CVORecordset& row) { prices = costPricesAt(row); };
+    if (readFirst(connection, kClassMargin(gcode, productClass), readMargin)) {
+        readFirst(connection, kClassMarginPrices(pcode), readCostPrices);
+        return {PriceSource::ClassMargin, marginAmounts(prices, margin, boxes, bottles)};
+    }
+
+    readFirst(connection, kCustomerMargin(gcode), readMargin);
+    if (margin != 0) {
+        readFirst(connection, kCustomerMarginPrices(pcode), readCostPrices);
+        return {PriceSource::CustomerMargin, marginAmounts(prices, margin, boxes, bottles)};
+    }
+
+    readFirst(connection, kTierPrices(pcode), [&](db::CVORecordset& row) {
+        const int tier = customerKind == kTierAKind ? 0 : 1;
+        prices = {wonAt(row, tier), wonAt(row, 2 + tier), wonAt(row, 4 + tier), wonAt(row, 6 + tier),
+                  depositsAt(row, 8)};
+    });
+    return {PriceSource::Tier, tierAmounts(prices, boxes, bottles)};
+}
+
+}  // namespace sales

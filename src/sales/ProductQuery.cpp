@@ -1,0 +1,112 @@
+#include "sales/ProductQuery.h"
+
+#include "db/Query.h"
+
+namespace sales {
+namespace {
+
+// "Any" offers every use, "Some" leaves one out; then what the rows must match.
+constexpr db::Statement<
+    u"SELECT PCode, PName, Size, Gubun  FROM PUMMOK WHERE seek = '%s'"
+    u"                                     AND (TTT IS NULL OR TTT <> '%s') "
+    u"ORDER BY PName DESC">
+    kAnyBySeek;
+constexpr db::Statement<
+    u"SELECT PCode, PName, Size, Gubun  FROM PUMMOK WHERE seek = '%s' AND JGubun= '%s'"
+    u"                    AND (TTT IS NULL OR TTT <> '%s') ORDER BY PName DESC">
+    kAnyBySeekAndClass;
+constexpr db::Statement<
+    u"SELECT PCode, PName, Size, Gubun  FROM PUMMOK WHERE Gubun <> '%s' AND seek = '%s'"
+    u"                   AND (TTT IS NULL OR TTT <> '%s') ORDER BY PName DESC">
+    kSomeBySeek;
+constexpr db::Statement<
+    u"SELECT PCode, PName, Size, Gubun  FROM PUMMOK WHERE Gubun <> '%s' AND seek = '%s' "
+    u"AND JGubun= '%s'  AND (TTT IS NULL OR TTT <> '%s') ORDER BY PName DESC">
+    kSomeBySeekAndClass;
+constexpr db::Statement<
+    u"SELECT PCode, PName, Size, Gubun  FROM PUMMOK WHERE JGubun= '%s'"
+    u"                                        AND (TTT IS NULL OR TTT <> '%s') "
+    u"ORDER BY PCode DESC ">
+    kAnyByClass;
+constexpr db::Statement<
+    u"SELECT PCode, PName, Size, Gubun  FROM PUMMOK WHERE JGubun= '%s' AND Gubun <> '%s'"
+    u"                      AND (TTT IS NULL OR TTT <> '%s') ORDER BY PCode DESC ">
+    kSomeByClass;
+// Neither key nor class: the class statements without their class condition.
+constexpr db::Statement<
+    u"SELECT PCode, PName, Size, Gubun  FROM PUMMOK WHERE (TTT IS NULL OR TTT <> '%s') "
+    u"ORDER BY PCode DESC ">
+    kAny;
+constexpr db::Statement<
+    u"SELECT PCode, PName, Size, Gubun  FROM PUMMOK WHERE Gubun <> '%s' "
+    u"AND (TTT IS NULL OR TTT <> '%s') ORDER BY PCode DESC ">
+    kSome;
+
+constexpr db::Statement<
+    u"SELECT PCode, PName, Size, Gubun  FROM MPUMMOK                     "
+    u"ORDER BY AUTOCNT DESC ">
+    kAnyFrequent;
+constexpr db::Statement<
+    u"SELECT PCode, PName, Size, Gubun  FROM MPUMMOK WHERE Gubun <> '%s' "
+    u"ORDER BY AUTOCNT DESC  ">
+    kSomeFrequent;
+
+constexpr db::Statement<u"SELECT * FROM JGUBUN ORDER BY CODE"> kClasses;
+constexpr db::Statement<u"SELECT Pname,JGubun FROM PUMMOK WHERE PCode = '%s' "> kName;
+constexpr db::Statement<u"SELECT PCode FROM Pummok WHERE PCODE = '%s' "> kExists;
+constexpr db::Statement<u"SELECT JGubun FROM Pummok WHERE PCODE = '%s'  ORDER BY PCODE"> kClassOf;
+
+constexpr QStringView kWithdrawn = u"Y";
+constexpr int kColumns = 4;
+
+}  // namespace
+
+std::optional<QStringView> excludedUse(QStringView customerKind) {
+    if (customerKind == u"공용") return std::nullopt;
+    return customerKind == u"일반" ? QStringView(u"유흥") : QStringView(u"일반");
+}
+
+db::Sql productSearch(QStringView seek, QStringView classCode, QStringView customerKind) {
+    const auto use = excludedUse(customerKind);
+    if (seek.isEmpty()) {
+        if (classCode.isEmpty()) return use ? kSome(*use, kWithdrawn) : kAny(kWithdrawn);
+        return use ? kSomeByClass(classCode, *use, kWithdrawn) : kAnyByClass(classCode, kWithdrawn);
+    }
+    if (classCode.isEmpty()) return use ? kSomeBySeek(*use, seek, kWithdrawn) : kAnyBySeek(seek, kWithdrawn);
+    return use ? kSomeBySeekAndClass(*use, seek, classCode, kWithdrawn)
+               : kAnyBySeekAndClass(seek, classCode, kWithdrawn);
+}
+
+db::Rows products(QStringView seek, QStringView classCode, QStringView customerKind) {
+    return db::selectRows(productSearch(seek, classCode, customerKind), kColumns);
+}
+
+db::Rows frequentProducts(QStringView customerKind) {
+    const auto use = excludedUse(customerKind);
+    return db::selectRows(use ? kSomeFrequent(*use) : kAnyFrequent(), kColumns);
+}
+
+QList<ProductClass> productClasses() {
+    QList<ProductClass> classes;
+    db::forEachRow(kClasses(), [&](db::CVORecordset& row) {
+        classes.append({row.GetFieldString(0), row.GetFieldString(1)});
+    });
+    return classes;
+}
+
+std::optional<ProductName> productName(QStringView pcode) {
+    const auto row = db::firstRow(kName(pcode));
+    if (!row) return std::nullopt;
+    return ProductName{row->at(0), row->at(1)};
+}
+
+bool productExists(QStringView pcode) {
+    return db::hasRow(kExists(pcode));
+}
+
+QString productClass(QStringView pcode) {
+    const auto row = db::firstRow(kClassOf(pcode));
+    return row ? row->first() : QString();
+}
+
+}  // namespace sales

@@ -1,0 +1,80 @@
+#include "sales/SlipStore.h"
+
+#include <array>
+
+#include "db/Query.h"
+#include "db/Statement.h"
+#include "db/Transaction.h"
+#include "platform/Clock.h"
+#include "sales/SlipLine.h"
+
+namespace sales {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+constexpr db::Statement<u"DELETE MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' "> kDeleteOwn;
+constexpr db::Statement<u" SELECT * FROM TEMP "> kWorkingLines;
+constexpr db::Statement<
+    u"INSERT INTO MTM (DDate,Gubun,GCode,GName,JunNo,WorkGubun,PCode,PName,JGubun, Box,Bon,"
+    u"MMoney,BMoney,YMoney,GMoney,UserID,DTime) VALUES ('%s','%s','%s','%s','%s','%s','%s',"
+    u"'%s','%s','%s','%s','%s','%s','%s','%s','%s','%s')">
+    kInsert;
+constexpr db::Statement<
+    u"SELECT WorkGubun, GName, JunNo FROM MTM WHERE USERID= '%s' and DDate = '%s' "
+    u"ORDER BY WorkGubun , JunNo DESC ">
+    kSlips;
+constexpr db::Statement<u"DELETE   MTM WHERE JunNo= '%s' AND DDate = '%s' "> kDeleteSales;
+constexpr db::Statement<u"DELETE MTMOK WHERE JunNo= '%s' AND DDate = '%s' "> kDeleteCollection;
+constexpr db::Statement<u"DELETE YTM WHERE JunNo= '%s' AND DDate = '%s' "> kDeleteContainers;
+
+constexpr int kWorkingColumns = 15;
+constexpr int kWorkGubunColumn = 5;
+
+}  // namespace
+
+SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo) {
+    db::Transaction transaction;
+    transaction.connection().Execute(kDeleteOwn(workDate, junNo, userId));
+    const db::Rows lines = db::selectRows(kWorkingLines(), kWorkingColumns);
+    const QString savedAt = platform::clock::now().toString(u"HH:mm"_s);
+    for (int row = 0; row < lines.count(); ++row) {
+        std::array<QStringView, decltype(kInsert)::kValues> values;
+        for (int column = 0; column < kWorkingColumns; ++column) values[column] = lines.at(row, column);
+        // A slip that is saved again has to be printed again.
+        values[kWorkGubunColumn] = kUnprinted;
+        values[kWorkingColumns] = userId;
+        values[kWorkingColumns + 1] = savedAt;
+        transaction.connection().Execute(kInsert(values));
+    }
+    if (!transaction.commit()) return SaveOutcome::Failed;
+    return lines.isEmpty() ? SaveOutcome::Empty : SaveOutcome::Saved;
+}
+
+SlipList slipsOfDay(QStringView userId, QStringView workDate) {
+    SlipList list{.slips = {.columns = 3, .cells = {}}, .printed = 0, .unprinted = 0};
+    QString previous;
+    db::forEachRow(kSlips(userId, workDate), [&](db::CVORecordset& row) {
+        const QString junNo = row.GetFieldString(2);
+        // One slip's lines stand together in this order; a slip with two print states is listed twice.
+        if (!list.slips.isEmpty() && junNo == previous) return;
+        previous = junNo;
+        const QString state = row.GetFieldString(0);
+        ++(state == kUnprinted ? list.unprinted : list.printed);
+        list.slips.cells << state << row.GetFieldString(1) << junNo;
+    });
+    return list;
+}
+
+bool deleteSlip(QStringView workDate, QStringView junNo, bool alsoFollowers) {
+    db::Transaction transaction;
+    transaction.connection().Execute(kDeleteSales(junNo, workDate));
+    if (alsoFollowers) {
+        transaction.connection().Execute(kDeleteCollection(junNo, workDate));
+        transaction.connection().Execute(kDeleteContainers(junNo, workDate));
+    }
+    return transaction.commit();
+}
+
+}  // namespace sales

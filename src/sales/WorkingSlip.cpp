@@ -1,0 +1,128 @@
+#include "sales/WorkingSlip.h"
+
+#include <array>
+
+#include "db/Query.h"
+#include "db/Statement.h"
+#include "db/Transaction.h"
+
+namespace sales {
+namespace {
+
+constexpr db::Statement<u"DELETE TEMP "> kEmpty;
+constexpr db::Statement<
+    u"SELECT DDate, Gubun, GCode, GName, JunNo, WorkGubun, PCode, PName, JGubun, Box, Bon, "
+    u"MMoney, BMoney, YMoney, GMoney FROM MTM WHERE USERID= '%s' and DDate = '%s' "
+    u"and JunNo = '%s' ORDER BY JunNo DESC">
+    kSaved;
+constexpr db::Statement<
+    u"INSERT INTO TEMP (DDate,Gubun,GCode,GName,JunNo,WorkGubun,PCode,PName,JGubun, Box,"
+    u"Bon,MMoney,BMoney,YMoney,GMoney) VALUES ('%s','%s','%s','%s','%s','%s','%s','%s',"
+    u"'%s','%s','%s','%s','%s','%s','%s')">
+    kInsert;
+constexpr db::Statement<
+    u"SELECT GCode,PCode,PName,Box,Bon,MMoney,BMoney,YMoney,GMoney  FROM MTM WHERE "
+    u"USERID= '%s' and DDate = '%s' and JunNo = '%s' ORDER BY PCode DESC">
+    kSavedToShow;
+constexpr db::Statement<u"SELECT PCode,PName,Box,Bon FROM TEMP ORDER BY PCode DESC"> kLines;
+constexpr db::Statement<u"SELECT * FROM TEMP"> kAnyLine;
+constexpr db::Statement<
+    u"SELECT JGubun, MMoney, BMoney, YMoney, GMoney  FROM TEMP WHERE PCode = '%s' "
+    u"AND Box = '%s' AND Bon = '%s'   ">
+    kAmounts;
+constexpr db::Statement<u"SELECT * FROM TEMP WHERE PCode= '%s' and Box = '%s' and Bon = '%s'"> kLine;
+constexpr db::Statement<u"DELETE TEMP WHERE PCode= '%s' and Box = '%s' and Bon = '%s'"> kDelete;
+
+/// The columns of the working table in their order.
+constexpr std::array kColumns{&SlipLine::DDate,  &SlipLine::Gubun,     &SlipLine::GCode, &SlipLine::GName,
+                              &SlipLine::JunNo,  &SlipLine::WorkGubun, &SlipLine::PCode, &SlipLine::PName,
+                              &SlipLine::JGubun, &SlipLine::Box,       &SlipLine::Bon,   &SlipLine::MMoney,
+                              &SlipLine::BMoney, &SlipLine::YMoney,    &SlipLine::GMoney};
+static_assert(kColumns.size() == decltype(kInsert)::kValues);
+
+db::Sql insertOf(const SlipLine& line) {
+    std::array<QStringView, kColumns.size()> values;
+    for (std::size_t i = 0; i < kColumns.size(); ++i) values[i] = line.*kColumns[i];
+    return kInsert(values);
+}
+
+/// Reads the line, deletes it and inserts what `change` makes of it.
+template <typename Change>
+bool replaceLine(const LineKey& key, Change&& change) {
+    db::Transaction transaction;
+    const auto row = db::firstRow(kLine(key.PCode, key.Box, key.Bon));
+    if (!row || row->size() != qsizetype(kColumns.size())) return false;
+    SlipLine line;
+    for (std::size_t i = 0; i < kColumns.size(); ++i) line.*kColumns[i] = row->at(qsizetype(i));
+    change(&line);
+    // Two lines of the same product and quantities are one to the working table: both make way.
+    transaction.connection().Execute(kDelete(key.PCode, key.Box, key.Bon));
+    transaction.connection().Execute(insertOf(line));
+    return transaction.commit();
+}
+
+}  // namespace
+
+bool reloadSlip(QStringView userId, QStringView workDate, QStringView junNo) {
+    db::Transaction transaction;
+    transaction.connection().Execute(kEmpty());
+    db::forEachRow(kSaved(userId, workDate, junNo), [&](db::CVORecordset& row) {
+        SlipLine line;
+        for (std::size_t i = 0; i < kColumns.size(); ++i) line.*kColumns[i] = row.GetFieldString(int(i));
+        transaction.connection().Execute(insertOf(line));
+    });
+    return transaction.commit();
+}
+
+OpenedSlip openSlip(QStringView userId, QStringView workDate, QStringView junNo) {
+    reloadSlip(userId, workDate, junNo);
+    OpenedSlip slip;
+    slip.lines.columns = 4;
+    db::forEachRow(kSavedToShow(userId, workDate, junNo), [&](db::CVORecordset& row) {
+        for (int column = 1; column <= 4; ++column) slip.lines.cells.append(row.GetFieldString(column));
+        const auto won = [&](int column) { return platform::parseWon(row.GetFieldString(column)); };
+        slip.sums += {won(5), won(6), won(7), won(8)};
+    });
+    return slip;
+}
+
+db::Rows workingLines() {
+    return db::selectRows(kLines(), 4);
+}
+
+bool isWorkingSlipEmpty() {
+    return !db::hasRow(kAnyLine());
+}
+
+std::optional<LineAmounts> lineAmounts(const LineKey& key) {
+    const auto row = db::firstRow(kAmounts(key.PCode, key.Box, key.Bon));
+    if (!row) return std::nullopt;
+    const auto won = [&](int column) { return platform::parseWon(row->at(column)); };
+    return LineAmounts{won(1), won(2), won(3), won(4)};
+}
+
+void insertLine(const SlipLine& line) {
+    db::execute(insertOf(line));
+}
+
+bool replaceQuantities(const LineKey& key, std::int64_t boxes, std::int64_t bottles,
+                       const LineAmounts& amounts) {
+    return replaceLine(key, [&](SlipLine* line) {
+        line->Box = QString::number(boxes);
+        line->Bon = QString::number(bottles);
+        line->setAmounts(amounts);
+    });
+}
+
+bool replaceAmounts(const LineKey& key, const LineAmounts& amounts) {
+    return replaceLine(key, [&](SlipLine* line) {
+        line->MMoney = platform::formatWon(amounts.supply);
+        line->BMoney = platform::formatWon(amounts.vat);
+    });
+}
+
+void deleteLine(const LineKey& key) {
+    db::execute(kDelete(key.PCode, key.Box, key.Bon));
+}
+
+}  // namespace sales
