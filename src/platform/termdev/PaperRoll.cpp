@@ -1,0 +1,168 @@
+#include "platform/termdev/PaperRoll.h"
+
+#include <QFile>
+#include <QFont>
+#include <QFontMetrics>
+#include <QGuiApplication>
+#include <QImage>
+#include <QPainter>
+#include <QSaveFile>
+#include <algorithm>
+
+#include "platform/Device.h"
+#include "platform/Trace.h"
+
+namespace platform::termdev {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr int kEnlarged = 4;
+constexpr int kGlyphDots = 2 * kColumnDots;
+constexpr int kPaperDots = kPaperColumns * kColumnDots;
+
+QString textFile() {
+    return device::folder() + u"/roll.txt"_s;
+}
+
+QString pictureFile() {
+    return device::folder() + u"/roll.png"_s;
+}
+
+QFont printerFont(int dots) {
+    QFont font(QStringList{u"NanumGothicCoding"_s, u"D2Coding"_s, u"Noto Sans Mono CJK KR"_s});
+    font.setStyleHint(QFont::Monospace);
+    font.setPixelSize(dots);
+    return font;
+}
+
+}  // namespace
+
+int PaperRoll::open() {
+    isOpen_ = true;
+    return 1;
+}
+
+int PaperRoll::close() {
+    if (!isOpen_) return 0;
+    isOpen_ = false;
+    if (!line_.isEmpty()) endLine();
+    if (lines_.isEmpty()) return 1;
+    const bool isTextWritten = writeText();
+    if (!isTextWritten) trace(u"the paper roll's text could not be written");
+    const bool hasFonts = qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
+    const bool isPictureWritten = !hasFonts || writePicture();
+    if (!isPictureWritten) trace(u"the paper roll's picture could not be written");
+    lines_.clear();
+    return isTextWritten && isPictureWritten;
+}
+
+int PaperRoll::initialise() {
+    return setSize(0);
+}
+
+int PaperRoll::setSize(int mode) {
+    isEnlarged_ = mode == kEnlarged;
+    return isOpen_;
+}
+
+int PaperRoll::print(QStringView text) {
+    if (!isOpen_) {
+        trace(u"printing without an open device");
+        return 0;
+    }
+    int columns = 0;
+    for (const Glyph& glyph : line_) columns += glyph.columns();
+    for (const QChar character : text) {
+        if (character == u'\n') {
+            endLine();
+            columns = 0;
+            continue;
+        }
+        const Glyph glyph{character, isEnlarged_};
+        if (columns + glyph.columns() > kPaperColumns) {
+            endLine();
+            columns = 0;
+        }
+        line_ << glyph;
+        columns += glyph.columns();
+    }
+    return 1;
+}
+
+int PaperRoll::feed(int lines) {
+    if (!isOpen_) return 0;
+    if (!line_.isEmpty()) endLine();
+    for (int i = 0; i < lines; ++i) lines_ << Line();
+    return 1;
+}
+
+void PaperRoll::endLine() {
+    lines_ << line_;
+    line_.clear();
+}
+
+bool PaperRoll::isEnlarged(const Line& line) {
+    return std::ranges::any_of(line, [](const Glyph& glyph) { return glyph.isEnlarged; });
+}
+
+QString PaperRoll::text(const Line& line) {
+    QString text;
+    for (const Glyph& glyph : line) text += glyph.character;
+    if (!isEnlarged(line)) return text;
+    const qsizetype indent =
+        std::ranges::find_if(text, [](QChar character) { return character != u' '; }) - text.begin();
+    return QString(2 * indent, u' ') + u"【"_s + text.mid(indent) + u"】"_s;
+}
+
+bool PaperRoll::writeText() const {
+    QByteArray bytes;
+    for (const Line& line : lines_) bytes += text(line).toUtf8() + '\n';
+    QFile file(textFile());
+    return file.open(QIODevice::WriteOnly | QIODevice::Append) && file.write(bytes) == bytes.size() &&
+           file.flush();
+}
+
+bool PaperRoll::writePicture() const {
+    const QImage before(pictureFile());
+    const int start = before.width() == kPaperDots ? before.height() : 0;
+    int height = start;
+    for (const Line& line : lines_) height += isEnlarged(line) ? 2 * kLineDots : kLineDots;
+
+    QImage strip(kPaperDots, height, QImage::Format_Grayscale8);
+    strip.fill(Qt::white);
+    QPainter painter(&strip);
+    if (start > 0) painter.drawImage(0, 0, before);
+    int top = start;
+    for (const Line& line : lines_) {
+        const int lineHeight = isEnlarged(line) ? 2 * kLineDots : kLineDots;
+        int left = 0;
+        for (const Glyph& glyph : line) {
+            const int width = glyph.columns() * kColumnDots;
+            const int glyphHeight = glyph.isEnlarged ? 2 * kGlyphDots : kGlyphDots;
+            painter.setFont(printerFont(glyphHeight));
+            // The cell, not the font, gives the place: whatever font there is, the columns stay true.
+            painter.drawText(QRect(left, top + (lineHeight - glyphHeight) / 2, width, glyphHeight),
+                             Qt::AlignCenter | Qt::TextDontClip, QString(glyph.character));
+            left += width;
+        }
+        top += lineHeight;
+    }
+    painter.end();
+    if (height > kRollDots) strip = strip.copy(0, height - kRollDots, kPaperDots, kRollDots);
+
+    QSaveFile file(pictureFile());
+    return file.open(QIODevice::WriteOnly) && strip.save(&file, "PNG") && file.commit();
+}
+
+QString rollText() {
+    QFile file(textFile());
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+void resetRoll() {
+    QFile::remove(textFile());
+    QFile::remove(pictureFile());
+}
+
+}  // namespace platform::termdev
