@@ -1,5 +1,6 @@
 #include "ui/BitmapButton.h"
 
+#include <QFocusEvent>
 #include <QPainter>
 
 namespace ui {
@@ -22,8 +23,8 @@ BitmapButton::BitmapButton(const QString& caption, ButtonBitmaps bitmaps, QWidge
     : QAbstractButton(parent), bitmaps_(bitmaps) {
     setText(caption);
     setAccessibleName(caption);
-    setFont(font(FontHeight::Small));
-    setFocusPolicy(Qt::TabFocus);
+    setFont(ui::font(FontHeight::Small));
+    setFocusPolicy(Qt::StrongFocus);
     resize(sizeHint());
 }
 
@@ -31,6 +32,11 @@ QRect BitmapButton::captionArea() const {
     QRect area = rect().adjusted(1, 0, -1, -kLip);
     if (height() >= kTileHeight && width() > height()) area.setTop(kTileCaptionTop);
     return isDown() ? area.translated(0, 1) : area;
+}
+
+void BitmapButton::focusInEvent(QFocusEvent* event) {
+    showsFocus_ = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+    QAbstractButton::focusInEvent(event);
 }
 
 void BitmapButton::paintEvent(QPaintEvent*) {
@@ -43,7 +49,7 @@ void BitmapButton::paintEvent(QPaintEvent*) {
                    : bitmaps_.caption == CaptionColour::Light ? QColor(Qt::white)
                                                               : kDarkCaption);
     painter.drawText(captionArea(), Qt::AlignCenter, text());
-    if (hasFocus()) {
+    if (hasFocus() && showsFocus_) {
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setPen(QPen(kFocusRing, 2));
         painter.setBrush(Qt::NoBrush);

@@ -19,11 +19,13 @@ class BitmapButton : public QAbstractButton {
 
   protected:
     void paintEvent(QPaintEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
 
   private:
     QRect captionArea() const;
 
     ButtonBitmaps bitmaps_;
+    bool showsFocus_ = false;  ///< The ring helps who works with keys; a finger knows where it was.
 };
 
 }  // namespace ui

@@ -22,7 +22,7 @@ constexpr QColor kBorder(0x33, 0x4e, 0x68);
 
 MessageBox::MessageBox(const QString& text, const QString& caption, Buttons buttons)
     : Screen(kMessageBoxId), text_(text), caption_(caption) {
-    const QFontMetrics metrics(font(FontHeight::Medium));
+    const QFontMetrics metrics(ui::font(FontHeight::Medium));
     const int textWidth = kPanelWidth - 2 * kMargin;
     const int textHeight = std::min(
         metrics.boundingRect(0, 0, textWidth, kTallestText, Qt::TextWordWrap | Qt::TextWrapAnywhere, text)

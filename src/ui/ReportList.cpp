@@ -38,7 +38,7 @@ int RowsModel::columnCount(const QModelIndex& parent) const {
 }
 
 QVariant RowsModel::data(const QModelIndex& index, int role) const {
-    if (role == Qt::DisplayRole) return rows_.text(index.row(), index.column());
+    if (role == Qt::DisplayRole) return rows_.at(index.row(), index.column());
     if (role == Qt::TextAlignmentRole && index.column() < alignments_.size()) {
         return int(alignments_[index.column()]);
     }
@@ -52,7 +52,7 @@ QVariant RowsModel::headerData(int section, Qt::Orientation orientation, int rol
 
 ReportList::ReportList(QWidget* parent) : QTableView(parent), model_(new RowsModel(this)) {
     setModel(model_);
-    setFont(font(FontHeight::Small));
+    setFont(ui::font(FontHeight::Small));
     setSelectionBehavior(SelectRows);
     setSelectionMode(SingleSelection);
     setEditTriggers(NoEditTriggers);
@@ -73,7 +73,7 @@ ReportList::ReportList(QWidget* parent) : QTableView(parent), model_(new RowsMod
     horizontalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     horizontalHeader()->setMinimumSectionSize(1);
     horizontalHeader()->setFixedHeight(kHeaderHeight);
-    horizontalHeader()->setFont(font(FontHeight::Small));
+    horizontalHeader()->setFont(ui::font(FontHeight::Small));
     horizontalHeader()->setHighlightSections(false);
     horizontalHeader()->setSectionsClickable(false);
 
@@ -109,7 +109,7 @@ void ReportList::setRows(db::Rows rows) {
 }
 
 QString ReportList::text(int row, int column) const {
-    return model_->rows().text(row, column);
+    return model_->rows().at(row, column);
 }
 
 int ReportList::selectedRow() const {

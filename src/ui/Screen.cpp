@@ -55,7 +55,7 @@ QLabel* Screen::addLabel(int controlId, const QString& text, const QRect& area, 
                          Qt::Alignment alignment) {
     auto* result = place(controlId, new QLabel(text, this), area);
     result->setTextFormat(Qt::PlainText);
-    result->setFont(font(height));
+    result->setFont(ui::font(height));
     result->setAlignment(alignment);
     return result;
 }

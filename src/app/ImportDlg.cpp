@@ -1,0 +1,92 @@
+#include "app/ImportDlg.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QProgressBar>
+
+#include "db/MasterImport.h"
+#include "ui/Messages.h"
+#include "ui/WaitCursor.h"
+
+namespace app {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr int kDialog = 435;
+
+/// The screen is refreshed this often while lines are loaded.
+constexpr qint64 kRefreshMs = 30;
+
+struct FileRow {
+    int label;
+    int bar;
+    QStringView caption;  ///< As the screen is drawn.
+    QStringView name;     ///< As the counts are written.
+};
+constexpr FileRow kRows[] = {{1136, 1135, u"주문서", u"주문서"},
+                             {1137, 1138, u"거래처_채권", u"거래처_채권"},
+                             {1139, 1140, u"상  품", u"상  품"},
+                             {1141, 1142, u"거래처별 계약단가", u"거래처별 계약단가"},
+                             // The drawn caption and the counted one differ by a syllable.
+                             {1143, 1144, u"주류구분별마진", u"주류구분마진"}};
+
+}  // namespace
+
+CImportDlg::CImportDlg() : Screen(kDialog) {
+    addPicture(0, ui::bitmaps::kImportHeading, {0, 0});
+    for (int i = 0; i < kFiles; ++i) {
+        const int top = 42 + i * 47;
+        addLabel(kRows[i].label, kRows[i].caption.toString(), {8, top, 224, 22}, ui::FontHeight::Medium);
+        bars_[size_t(i)] = place(kRows[i].bar, new QProgressBar(this), {8, top + 22, 224, 18});
+        bars_[size_t(i)]->setTextVisible(false);
+        bars_[size_t(i)]->setValue(0);
+    }
+    ui::BitmapButton* cancel = addButton(1001, u"취  소"_s, {2, 282}, ui::bitmaps::kCancel);
+    connect(cancel, &ui::BitmapButton::clicked, this, [this] { close(Cancelled); });
+    ui::BitmapButton* confirm = addButton(1000, u"확  인"_s, {182, 282}, ui::bitmaps::kConfirm);
+    connect(confirm, &ui::BitmapButton::clicked, this, [this] { importAll(); });
+    setDefaultButton(confirm);
+    setCancelButton(cancel);
+    countFiles();
+}
+
+void CImportDlg::countFiles() {
+    for (int i = 0; i < kFiles; ++i) {
+        const db::ImportFile& file = db::importFiles()[size_t(i)];
+        const QString name = kRows[i].name.toString();
+        setText(kRows[i].label, name + u" : 0건"_s);
+        sources_[size_t(i)] = db::findImportFile(file);
+        const std::optional<int> lines = db::countImportLines(file, sources_[size_t(i)]);
+        if (!lines) continue;
+        setText(kRows[i].label, u"%1 : %2건"_s.arg(name).arg(*lines));
+        bars_[size_t(i)]->setRange(0, std::max(*lines, 1));
+    }
+}
+
+void CImportDlg::importAll() {
+    // A second press would load a file that is being loaded.
+    control(1000)->setEnabled(false);
+    control(1001)->setEnabled(false);
+    for (int i = 0; i < kFiles; ++i) {
+        if (sources_[size_t(i)] != db::ImportSource::None) importOne(i);
+    }
+    ui::message(u"TXT DB 업데이트가 완료되었습니다..!"_s);
+    close(Accepted);
+}
+
+void CImportDlg::importOne(int index) {
+    const ui::WaitCursor wait;
+    QProgressBar* bar = bars_[size_t(index)];
+    QElapsedTimer sinceRefresh;
+    sinceRefresh.start();
+    db::importFile(db::importFiles()[size_t(index)], sources_[size_t(index)], [&](int done, int count) {
+        if (done < count && sinceRefresh.elapsed() < kRefreshMs) return;
+        bar->setRange(0, count);
+        bar->setValue(done);
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+        sinceRefresh.restart();
+    });
+}
+
+}  // namespace app

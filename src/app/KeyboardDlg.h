@@ -1,0 +1,36 @@
+#pragma once
+
+#include "app/Keypad.h"
+#include "ui/Screen.h"
+
+class QCheckBox;
+
+namespace app {
+
+/// The on-screen keypad (dialog 130). It reads the keypad request record when it opens and answers into it.
+class CKeyboardDlg : public ui::Screen {
+    Q_OBJECT
+
+  public:
+    CKeyboardDlg();
+    ~CKeyboardDlg() override;
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
+  private:
+    void addFields();
+    void addSelectors();
+    void addKeys();
+    void hideByMode();
+    void refresh();
+    void append(const QString& digits);
+    void chooseNextField();
+    void leave(Result result);
+
+    Keypad keypad_;
+    QCheckBox* second_ = nullptr;
+    QCheckBox* third_ = nullptr;
+};
+
+}  // namespace app

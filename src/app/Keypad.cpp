@@ -1,0 +1,79 @@
+#include "app/Keypad.h"
+
+#include <algorithm>
+
+namespace app {
+
+using platform::formatWon;
+using platform::groupThousands;
+using platform::parseWon;
+
+Keypad::Keypad(const KeypadRequest& request) : mode_(request.KeypadMode) {
+    const std::array values{&request.KeypadValue1, &request.KeypadValue2, &request.KeypadValue3};
+    for (size_t i = 0; i < fields_.size(); ++i) {
+        fields_[i].text = fields_[i].saved = *values[i];
+        if (!fields_[i].text.isEmpty()) textChanged(&fields_[i]);
+    }
+}
+
+void Keypad::textChanged(Field* field) {
+    field->number = parseWon(field->text);
+    field->display = mode_ == kTextField ? field->text : groupThousands(field->number);
+}
+
+void Keypad::append(const QString& digits) {
+    active().text += digits;
+    textChanged(&active());
+}
+
+void Keypad::minus() {
+    Field& field = active();
+    if (mode_ == kTextField) {
+        field.text.prepend(u'-');
+        field.display = field.text;
+        return;
+    }
+    field.number = -field.number;
+    field.text = formatWon(field.number);
+    field.display = groupThousands(field.number);
+}
+
+void Keypad::erase(int field) {
+    Field& erased = fields_[size_t(field - 1)];
+    erased.text.chop(1);
+    erased.number = parseWon(erased.text);
+    // Also in the text mode the display shows a grouped number after erasing.
+    erased.display = groupThousands(erased.number);
+}
+
+void Keypad::clear() {
+    active().text.clear();
+    active().number = {};
+    active().display.clear();
+}
+
+void Keypad::secondClicked(bool secondChecked, bool thirdChecked) {
+    active_ = secondChecked ? 2 : thirdChecked ? 3 : 1;
+}
+
+void Keypad::thirdClicked(bool secondChecked, bool thirdChecked) {
+    active_ = secondChecked && !thirdChecked ? 2 : thirdChecked ? 3 : 1;
+}
+
+void Keypad::accept(KeypadRequest* request) const {
+    request->KeypadValue1 = fields_[0].text;
+    request->KeypadValue2 = fields_[1].text;
+    request->KeypadValue3 = fields_[2].text;
+    const bool isEmpty =
+        std::ranges::all_of(fields_, [](const Field& field) { return field.display.isEmpty(); });
+    request->KeypadResult = isEmpty ? 0 : 1;
+}
+
+void Keypad::cancel(KeypadRequest* request) const {
+    request->KeypadValue1 = fields_[0].saved;
+    request->KeypadValue2 = fields_[1].saved;
+    request->KeypadValue3 = fields_[2].saved;
+    request->KeypadResult = 0;
+}
+
+}  // namespace app

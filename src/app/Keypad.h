@@ -1,0 +1,59 @@
+#pragma once
+
+#include <QString>
+#include <array>
+
+#include "app/KeypadRequest.h"
+#include "platform/Won.h"
+
+namespace app {
+
+/// The keypad's rules without its dialog: three fields, of which one is active. Fields count from 1.
+class Keypad {
+  public:
+    static constexpr int kFields = 3;
+
+    /// Takes over the record's values; they come back unchanged from cancel().
+    explicit Keypad(const KeypadRequest& request);
+
+    /// Appends "0" to "9" or "00" to the active field.
+    void append(const QString& digits);
+
+    /// Negates the active number, or puts "-" in front of the text in the text mode.
+    void minus();
+
+    /// Drops the last character of that field, active or not. The display then shows a grouped number in
+    /// every mode, the text mode included.
+    void erase(int field);
+
+    /// Empties the active field.
+    void clear();
+
+    /// Chooses the active field after a click on the second or the third field's selector.
+    void secondClicked(bool secondChecked, bool thirdChecked);
+    void thirdClicked(bool secondChecked, bool thirdChecked);
+
+    int activeField() const { return active_; }
+    const QString& display(int field) const { return fields_[size_t(field - 1)].display; }
+
+    /// Writes the result and the values into the record.
+    void accept(KeypadRequest* request) const;
+    void cancel(KeypadRequest* request) const;
+
+  private:
+    struct Field {
+        QString text;
+        platform::Won number;
+        QString display;
+        QString saved;
+    };
+
+    Field& active() { return fields_[size_t(active_ - 1)]; }
+    void textChanged(Field* field);
+
+    int mode_;
+    int active_ = 1;
+    std::array<Field, kFields> fields_;
+};
+
+}  // namespace app

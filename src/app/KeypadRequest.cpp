@@ -1,0 +1,52 @@
+#include "app/KeypadRequest.h"
+
+#include "ui/Terminal.h"
+
+namespace app {
+namespace {
+
+bool run(const KeypadRequest& request) {
+    keypadRequest() = request;
+    ui::runScreen(kKeypadDialog);
+    return keypadRequest().KeypadResult == 1;
+}
+
+}  // namespace
+
+KeypadRequest& keypadRequest() {
+    static KeypadRequest request;
+    return request;
+}
+
+void resetKeypadRequest() {
+    keypadRequest() = {};
+}
+
+bool askText(const QString& label) {
+    KeypadRequest request;
+    request.KeypadLabel1 = label;
+    request.KeypadMode = kTextField;
+    return run(request);
+}
+
+bool askNumber(const QString& label, const QString& start) {
+    KeypadRequest request;
+    request.KeypadLabel1 = label;
+    request.KeypadValue1 = start;
+    request.KeypadMode = kOneNumber;
+    return run(request);
+}
+
+bool askTwoNumbers(const QString& label1, const QString& label2, const QString& start1,
+                   const QString& start2) {
+    KeypadRequest request;
+    request.KeypadLabel1 = label1;
+    request.KeypadLabel2 = label2;
+    request.KeypadCheck2 = label2;
+    request.KeypadValue1 = start1;
+    request.KeypadValue2 = start2;
+    request.KeypadMode = kTwoNumbers;
+    return run(request);
+}
+
+}  // namespace app

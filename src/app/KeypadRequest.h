@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QString>
+
+namespace app {
+
+inline constexpr int kKeypadDialog = 130;
+
+/// How the keypad is laid out and what it enters.
+enum KeypadMode { kTextField = 0, kOneNumber = 1, kTwoNumbers = 2, kThreeNumbers = 3 };
+
+/// What a screen asks of the keypad, and its answer. Texts are the raw digits, without separators.
+struct KeypadRequest {
+    QString KeypadValue1;
+    QString KeypadValue2;
+    QString KeypadValue3;
+    QString KeypadLabel1;
+    QString KeypadLabel2;
+    QString KeypadLabel3;
+    QString KeypadCheck2;
+    QString KeypadCheck3;
+    int KeypadMode = kTextField;
+    int KeypadResult = 0;  ///< 1 after "확  인" with at least one field filled, else 0.
+};
+
+/// The one request record of the process. It keeps its values after the keypad closes.
+KeypadRequest& keypadRequest();
+
+/// Empties the record before a screen fills it.
+void resetKeypadRequest();
+
+/// Opens the keypad on one field and returns true when it was left with "확  인" and an entry, which is then
+/// in KeypadValue1.
+bool askText(const QString& label);
+bool askNumber(const QString& label, const QString& start = {});
+
+/// The same on two numbers in one run; the entries are in KeypadValue1 and KeypadValue2.
+bool askTwoNumbers(const QString& label1, const QString& label2, const QString& start1 = {},
+                   const QString& start2 = {});
+
+}  // namespace app

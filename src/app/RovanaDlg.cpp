@@ -1,0 +1,224 @@
+#include "app/RovanaDlg.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QDateEdit>
+#include <QEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <functional>
+
+#include "app/KeypadRequest.h"
+#include "app/Login.h"
+#include "app/Session.h"
+#include "db/ImportFile.h"
+#include "platform/Clock.h"
+#include "platform/Wipe.h"
+#include "ui/Messages.h"
+#include "ui/Terminal.h"
+#include "ui/WaitCursor.h"
+
+namespace app {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr int kSalesListDialog = 132;
+constexpr int kConsonantBoard = 143;
+constexpr int kCollectionListDialog = 150;
+constexpr int kContainerListDialog = 391;
+constexpr int kImportDialog = 435;
+constexpr int kCardDialog = 449;
+constexpr int kTotalsDialog = 457;
+
+constexpr int kUserName = 1009;
+constexpr int kContainerButton = 1046;
+
+QPoint tileAt(int index) {
+    return {5 + index % 2 * 118, 8 + index / 2 * 68};
+}
+
+}  // namespace
+
+CRovanaDlg::CRovanaDlg() : Screen(kMainDialog) {
+    addLoginControls();
+    addMenuControls();
+    loadCompany();
+    setText(1007, session().sangho);
+    setText(1008, session().calltel.isEmpty() ? QString() : u"콜센터 "_s + session().calltel);
+    userId_->setCurrentText(u"A"_s);
+    date_->setDate(platform::clock::now().date());
+    const QString fromSettings = defaultUserId();
+    if (!fromSettings.isEmpty()) userId_->setCurrentText(fromSettings);
+    userId_->setFocus();
+}
+
+void CRovanaDlg::addLoginControls() {
+    constexpr int kLabelLeft = 10;
+    constexpr int kFieldLeft = 62;
+    const auto field = [](int row, int width) { return QRect(kFieldLeft, 136 + row * 38, width, 30); };
+    const auto caption = [&](int row, const QString& text) {
+        return addLabel(0, text, {kLabelLeft, 136 + row * 38, kFieldLeft - kLabelLeft - 2, 30});
+    };
+
+    date_ = place(1004, new QDateEdit(this), field(0, 120));
+    date_->setDisplayFormat(u"yyyy-MM-dd"_s);
+    date_->setCalendarPopup(true);
+
+    userId_ = place(1005, new QComboBox(this), field(1, 62));
+    userId_->setEditable(true);
+    userId_->setInsertPolicy(QComboBox::NoInsert);
+    userId_->setCompleter(nullptr);
+    for (char16_t letter = u'A'; letter <= u'Z'; ++letter) userId_->addItem(QString(QChar(letter)));
+    userId_->installEventFilter(this);
+    connect(userId_, &QComboBox::activated, this, [this] { showUserName(); });
+
+    password_ = place(1006, new QLineEdit(this), field(2, 100));
+    password_->setEchoMode(QLineEdit::Password);
+
+    ui::BitmapButton* keypad = addButton(1010, u"비밀번호"_s, {170, 213}, ui::bitmaps::kPassword);
+    connect(keypad, &ui::BitmapButton::clicked, this, [this] { enterPassword(); });
+    ui::BitmapButton* confirm = addButton(1000, u"확  인"_s, {182, 282}, ui::bitmaps::kConfirm);
+    connect(confirm, &ui::BitmapButton::clicked, this, [this] { logIn(); });
+    setDefaultButton(confirm);
+    ui::BitmapButton* quit = addButton(1003, u"X"_s, {2, 282}, ui::bitmaps::kCancel);
+    connect(quit, &ui::BitmapButton::clicked, this, [this] { close(Cancelled); });
+    ui::BitmapButton* left = addButton(1001, {}, {62, 282}, ui::bitmaps::kBlank);
+    ui::BitmapButton* right = addButton(1002, {}, {122, 282}, ui::bitmaps::kBlank);
+    left->setEnabled(false);
+    right->setEnabled(false);
+
+    loginControls_ = {addLabel(1007, {}, {4, 76, 232, 26}, ui::FontHeight::Title, Qt::AlignCenter),
+                      addLabel(1008, {}, {4, 102, 232, 22}, ui::FontHeight::Small, Qt::AlignCenter),
+                      addPicture(1060, ui::bitmaps::kLogo, {12, 10}),
+                      addPicture(0, ui::bitmaps::kFooter, {0, 254}),
+                      caption(0, u"작업일자"_s),
+                      caption(1, u"사  번"_s),
+                      caption(2, u"암  호"_s),
+                      date_,
+                      userId_,
+                      addLabel(kUserName, {}, {130, 174, 106, 30}),
+                      password_,
+                      keypad,
+                      confirm,
+                      left,
+                      right};
+    for (QWidget* control :
+         {static_cast<QWidget*>(date_), static_cast<QWidget*>(userId_), static_cast<QWidget*>(password_)}) {
+        control->setFont(ui::font(ui::FontHeight::Medium));
+    }
+}
+
+void CRovanaDlg::addMenuControls() {
+    struct Tile {
+        int control;
+        QString text;
+        ui::ButtonBitmaps bitmaps;
+        std::function<void()> action;
+    };
+    const Tile tiles[] = {
+        {1044, u"매출작업"_s, ui::bitmaps::kSalesWork,
+         [this] { runMenuAction(1044, kSalesWork, kSalesListDialog); }},
+        {1045, u"입금작업"_s, ui::bitmaps::kCollectionWork,
+         [this] { runMenuAction(1045, kCollectionWork, kCollectionListDialog); }},
+        {kContainerButton, u"용공작업"_s, ui::bitmaps::kContainerWork,
+         [this] { runMenuAction(kContainerButton, kContainerWork, kContainerListDialog); }},
+        {1053, u"영업/HOST집계"_s, ui::bitmaps::kTotals,
+         [this] { runMenuAction(1053, kTotalsWork, kTotalsDialog); }},
+        {1047, u"잔액조회"_s, ui::bitmaps::kBalance, [this] { runCardAction(1047, kBalanceInquiry); }},
+        {1054, u"직전거래"_s, ui::bitmaps::kPreviousTransaction,
+         [this] { runCardAction(1054, kPreviousTransaction); }},
+        {1055, u"단순결제"_s, ui::bitmaps::kSimplePayment, [this] { runSimplePayment(); }},
+    };
+    for (int i = 0; i < int(std::size(tiles)); ++i) {
+        ui::BitmapButton* button = addButton(tiles[i].control, tiles[i].text, tileAt(i), tiles[i].bitmaps);
+        connect(button, &ui::BitmapButton::clicked, this, tiles[i].action);
+        button->hide();
+        menuControls_.append(button);
+    }
+}
+
+bool CRovanaDlg::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == userId_ && event->type() == QEvent::FocusOut) showUserName();
+    return Screen::eventFilter(watched, event);
+}
+
+void CRovanaDlg::showUserName() {
+    setText(kUserName, userName(userId_->currentText()));
+    label(kUserName)->repaint();
+}
+
+void CRovanaDlg::enterPassword() {
+    const bool isEntered = askText(u"패스워드"_s);
+    password_->setText(keypadRequest().KeypadValue1);
+    platform::wipe(&keypadRequest().KeypadValue1);
+    if (isEntered && !password_->text().isEmpty()) logIn();
+}
+
+void CRovanaDlg::logIn() {
+    QString password = password_->text();
+    const bool isKnown =
+        app::logIn(userId_->currentText(), password, date_->date().toString(u"yyyy-MM-dd"_s));
+    platform::wipe(&password);
+    if (!isKnown) {
+        ui::message(u"로그인 사원의 ID와 PASS가 일치하지 않습니다..!"_s);
+        return;
+    }
+    password_->clear();
+    showMenu();
+    {
+        const ui::WaitCursor wait;
+        session().ImportPending = db::isImportWaiting() ? u"Y"_s : u"N"_s;
+    }
+    if (session().ImportPending == u"Y") ui::runScreen(kImportDialog);
+}
+
+void CRovanaDlg::showMenu() {
+    for (QWidget* control : std::as_const(loginControls_)) control->hide();
+    for (QWidget* control : std::as_const(menuControls_)) control->show();
+    if (session().UserField5 == u"X") control(kContainerButton)->hide();
+    setDefaultButton(nullptr);
+    QLabel* who = addLabel(0, session().UserID + u' ' + session().UserField2 + u"  "_s + session().WorkDate,
+                           {64, 282, 172, 32}, ui::FontHeight::Small, Qt::AlignRight | Qt::AlignVCenter);
+    who->show();
+    setFocus();
+}
+
+void CRovanaDlg::runBehind(int button, const std::function<void()>& action) {
+    control(button)->hide();
+    repaint();
+    action();
+    control(button)->show();
+    repaint();
+}
+
+void CRovanaDlg::runMenuAction(int button, int workMode, int dialog) {
+    runBehind(button, [=] {
+        resetSession();
+        session().SlipDone = 0;
+        session().WorkMode = workMode;
+        ui::runScreen(dialog);
+    });
+}
+
+void CRovanaDlg::runCardAction(int button, int workMode) {
+    // The current customer and slip are kept: the card screens may need them.
+    runBehind(button, [=] {
+        session().WorkMode = workMode;
+        ui::runScreen(kCardDialog);
+    });
+}
+
+void CRovanaDlg::runSimplePayment() {
+    runBehind(1055, [] {
+        resetSession();
+        session().action.GCode = u"XXXX"_s;
+        session().action.GName = u"미등록"_s;
+        session().action.JunNo = nextSimplePaymentNumber(session().WorkDate);
+        session().SlipDone = 0;
+        session().WorkMode = kSimplePayment;
+        ui::runScreen(kConsonantBoard);
+    });
+}
+
+}  // namespace app

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QList>
+
+#include "ui/Screen.h"
+
+class QComboBox;
+class QDateEdit;
+class QLineEdit;
+
+namespace app {
+
+inline constexpr int kMainDialog = 102;
+
+/// The main dialog (102): the login first, the menu once a user has logged in.
+class CRovanaDlg : public ui::Screen {
+    Q_OBJECT
+
+  public:
+    CRovanaDlg();
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+  private:
+    void addLoginControls();
+    void addMenuControls();
+    void logIn();
+    void enterPassword();
+    void showMenu();
+    void showUserName();
+    void runMenuAction(int button, int workMode, int dialog);
+    void runCardAction(int button, int workMode);
+    void runSimplePayment();
+    void runBehind(int button, const std::function<void()>& action);
+
+    QComboBox* userId_ = nullptr;
+    QLineEdit* password_ = nullptr;
+    QDateEdit* date_ = nullptr;
+    QList<QWidget*> loginControls_;
+    QList<QWidget*> menuControls_;
+};
+
+}  // namespace app
