@@ -1,0 +1,96 @@
+#include "print/SalesInvoice.h"
+
+#include <QList>
+
+#include "app/PayableTotal.h"
+#include "db/Query.h"
+
+namespace print {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using platform::parseWon;
+using platform::Won;
+
+// In the order of the slip's screen.
+constexpr db::Statement<
+    u"SELECT GCode, GName, DTime, PCode, PName, Box, Bon, MMoney, BMoney, YMoney, GMoney "
+    u"FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' ORDER BY PCode DESC">
+    kSelectLines;
+constexpr db::Statement<u"SELECT Size FROM PUMMOK WHERE PCode = '%s' "> kSelectSize;
+
+struct Line {
+    QString gCode, gName, time, pCode, pName, box, bon;
+    Won supply, vat, crateDeposit, bottleDeposit;
+};
+
+QList<Line> readLines(QStringView date, QStringView junNo, QStringView userId) {
+    QList<Line> lines;
+    db::forEachRow(kSelectLines(date, junNo, userId), [&](db::CVORecordset& row) {
+        lines << Line{
+            row.GetFieldString(0),           row.GetFieldString(1),           row.GetFieldString(2),
+            row.GetFieldString(3),           row.GetFieldString(4),           row.GetFieldString(5),
+            row.GetFieldString(6),           parseWon(row.GetFieldString(7)), parseWon(row.GetFieldString(8)),
+            parseWon(row.GetFieldString(9)), parseWon(row.GetFieldString(10))};
+    });
+    return lines;
+}
+
+void itemRow(Document& document, const Line& line) {
+    const std::optional<QStringList> product = db::firstRow(kSelectSize(line.pCode));
+    document.itemName(line.pName, product ? product->value(0).trimmed() : QString());
+    document.row({number(QString::number(platform::parseInteger(line.box)), 5),
+                  number(QString::number(platform::parseInteger(line.bon)), 5),
+                  number(formatWon(line.supply), 12), number(formatWon(line.vat), 10)});
+}
+
+}  // namespace
+
+std::optional<Document> salesInvoice(QStringView date, QStringView junNo, QStringView userId, Copy copy,
+                                     bool reprint) {
+    const QList<Line> lines = readLines(date, junNo, userId);
+    if (lines.isEmpty()) return std::nullopt;
+    const Line& first = lines.first();
+    const Salesman user = salesman(userId);
+
+    Document document(u"거 래 명 세 서");
+    copyBlock(document, copy, reprint);
+    document.rule(Document::Rule::Double);
+    slipBlock(document, date, first.time, junNo, user);
+    document.rule(Document::Rule::Thin);
+    sellerBlock(document);
+    document.rule(Document::Rule::Thin);
+    customerBlock(document, first.gCode, first.gName);
+    document.rule(Document::Rule::Double);
+    document.itemName(u"품목", u"규격");
+    document.row({number(u"상자", 5), number(u"본", 5), number(u"공급가액", 12), number(u"세액", 10)});
+    document.rule(Document::Rule::Thin);
+
+    Won supply, vat, crateDeposit, bottleDeposit;
+    for (const Line& line : lines) {
+        itemRow(document, line);
+        supply += line.supply;
+        vat += line.vat;
+        crateDeposit += line.crateDeposit;
+        bottleDeposit += line.bottleDeposit;
+    }
+    const Won payable = app::payableTotal(supply, vat, user.vatMode);
+
+    document.rule(Document::Rule::Thin);
+    document.labelAmount(u"공급가액", supply);
+    document.labelAmount(u"부가세", vat);
+    // So that the column adds up to the total where the user's mode rounds it.
+    if (const Won rounding = payable - (supply + vat); !rounding.isZero()) {
+        document.labelAmount(u"단수조정", rounding);
+    }
+    document.labelAmount(u"상자 보증금", crateDeposit);
+    document.labelAmount(u"공병 보증금", bottleDeposit);
+    document.rule(Document::Rule::Thin);
+    document.labelAmount(u"합계", payable + crateDeposit + bottleDeposit);
+    document.labelAmount(u"전미수", previousReceivable(first.gCode, date, junNo, userId));
+    document.rule(Document::Rule::Double);
+    closingBlock(document);
+    return document;
+}
+
+}  // namespace print
