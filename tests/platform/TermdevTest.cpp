@@ -1,0 +1,191 @@
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QGuiApplication>
+#include <QImage>
+#include <QStringList>
+
+#include "platform/Trace.h"
+#include "platform/termdev/PaperRoll.h"
+#include "platform/termdev/TermDev.h"
+#include "support/TestDevice.h"
+
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using namespace platform::termdev;
+
+/// The picture needs fonts, and those an application.
+void needFonts() {
+    if (QCoreApplication::instance()) return;
+    static int count = 1;
+    static char name[] = "test";
+    static char* arguments[] = {name, nullptr};
+    static QGuiApplication application(count, arguments);
+}
+
+class Roll : public testing::Test {
+  protected:
+    Roll() { setPrinter(nullptr); }
+
+    QImage picture() const { return QImage(device_.folder() + u"/roll.png"_s); }
+
+    /// Rows with ink among the dots of `image` from `top` on.
+    static int inkedRows(const QImage& image, int top, int height) {
+        int rows = 0;
+        for (int y = top; y < top + height; ++y) {
+            bool hasInk = false;
+            for (int x = 0; x < image.width(); ++x) hasInk = hasInk || qGray(image.pixel(x, y)) < 128;
+            rows += hasInk;
+        }
+        return rows;
+    }
+
+    /// Leftmost and rightmost dot with ink between `top` and `top + height`.
+    static std::pair<int, int> inkedSpan(const QImage& image, int top, int height) {
+        int left = image.width();
+        int right = -1;
+        for (int y = top; y < top + height; ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                if (qGray(image.pixel(x, y)) >= 128) continue;
+                left = qMin(left, x);
+                right = qMax(right, x);
+            }
+        }
+        return {left, right};
+    }
+
+    /// One job of the given prints through the roll itself.
+    static void print(std::initializer_list<QStringView> texts, int feed = 0) {
+        PaperRoll roll;
+        roll.open();
+        roll.initialise();
+        for (const QStringView text : texts) roll.print(text);
+        if (feed > 0) roll.feed(feed);
+        roll.close();
+    }
+
+    test::TestDevice device_;
+};
+
+TEST_F(Roll, OperationsAreBoundByOrdinal) {
+    EXPECT_TRUE(std::holds_alternative<std::monostate>(operation(3)));
+    const auto plain = [](int ordinal) { return std::get<int (*)()>(operation(ordinal)); };
+    const auto counted = [](int ordinal) { return std::get<int (*)(int)>(operation(ordinal)); };
+    const auto print = std::get<int (*)(const char16_t*)>(operation(11));
+    EXPECT_EQ(print(u"not open yet\n"), 0);
+    plain(1)();
+    plain(26)();
+    counted(10)(4);
+    print(u" 제목\n");
+    counted(10)(0);
+    print(u"글\n");
+    EXPECT_EQ(print(nullptr), 0);
+    counted(16)(2);
+    EXPECT_EQ(rollText(), u""_s) << "paper is written when the device closes";
+    EXPECT_EQ(plain(2)(), 1);
+    EXPECT_EQ(rollText(), u"  【제목】\n글\n\n\n"_s);
+    EXPECT_EQ(plain(2)(), 0) << "closed already";
+}
+
+TEST_F(Roll, TextFollowsThePaper) {
+    struct Case {
+        const char16_t* what;
+        QStringList prints;
+        QString paper;
+    };
+    const QString full(32, u'x');
+    const Case cases[] = {
+        {u"pieces of one line", {u"가"_s, u"나\n"_s}, u"가나\n"_s},
+        {u"a line without its end", {u"가"_s}, u"가\n"_s},
+        {u"a full line makes no empty one", {full + u'\n'}, full + u'\n'},
+        {u"a longer one goes on below", {full + u"y\n"_s}, full + u"\ny\n"_s},
+        {u"a wide character does not straddle the edge",
+         {QString(31, u'x') + u"가\n"_s},
+         QString(31, u'x') + u"\n가\n"_s},
+        {u"across two prints", {full, u"y\n"_s}, full + u"\ny\n"_s},
+        {u"opened for the card reader only", {}, u""_s},
+    };
+    for (const Case& entry : cases) {
+        resetRoll();
+        PaperRoll roll;
+        roll.open();
+        for (const QString& text : entry.prints) roll.print(text);
+        roll.close();
+        EXPECT_EQ(rollText(), entry.paper) << QString::fromUtf16(entry.what).toStdString();
+    }
+}
+
+TEST_F(Roll, TextNeedsNoFonts) {
+    if (QCoreApplication::instance()) GTEST_SKIP() << "this program has an application with fonts";
+    print({u"글\n"});
+    print({u"다음\n"});
+    EXPECT_EQ(rollText(), u"글\n다음\n"_s);
+    EXPECT_TRUE(picture().isNull());
+}
+
+TEST_F(Roll, PictureKeepsTheColumns) {
+    needFonts();
+    // The last character stands in column 32 in both lines, whatever stands before it.
+    print({u"가나다라마바사아자차카타파하거|\n", u"                               |\n"}, 2);
+    const QImage image = picture();
+    ASSERT_EQ(image.size(), QSize(384, 4 * kLineDots));
+    const auto first = inkedSpan(image, 0, kLineDots);
+    const auto second = inkedSpan(image, kLineDots, kLineDots);
+    EXPECT_GE(second.first, 31 * kColumnDots);
+    EXPECT_LT(first.first, kColumnDots);
+    EXPECT_LT(first.second, 31 * kColumnDots) << "15 syllables and a bar take 31 columns";
+    EXPECT_EQ(first.second - 30 * kColumnDots, second.second - 31 * kColumnDots);
+    EXPECT_EQ(inkedRows(image, 2 * kLineDots, 2 * kLineDots), 0) << "the feed is blank paper";
+}
+
+TEST_F(Roll, PictureShowsTheTitleEnlarged) {
+    needFonts();
+    PaperRoll roll;
+    roll.open();
+    roll.setSize(4);
+    roll.print(u"명세서\n");
+    roll.setSize(0);
+    roll.print(u"명세서\n");
+    roll.close();
+    const QImage image = picture();
+    ASSERT_EQ(image.height(), 3 * kLineDots);
+    const int normal = inkedRows(image, 2 * kLineDots, kLineDots);
+    EXPECT_GT(normal, 15);
+    EXPECT_NEAR(inkedRows(image, 0, 2 * kLineDots), 2 * normal, 4);
+    EXPECT_NEAR(inkedSpan(image, 0, 2 * kLineDots).second,
+                2 * inkedSpan(image, 2 * kLineDots, kLineDots).second, 6);
+}
+
+TEST_F(Roll, PictureGoesOnAndKeepsTheEnd) {
+    needFonts();
+    print({u"첫째\n"});
+    const QImage first = picture();
+    print({u"둘째\n"});
+    EXPECT_EQ(picture().copy(0, 0, 384, kLineDots), first.convertToFormat(picture().format()));
+    EXPECT_EQ(picture().height(), 2 * kLineDots);
+
+    device_.writeFile(u"\\roll.png", "no picture");
+    print({u"셋째\n"});
+    EXPECT_EQ(picture().height(), kLineDots) << "a spoilt picture starts anew";
+
+    print({u"끝\n"}, kRollDots / kLineDots + 1);
+    print({u"끝\n"});
+    EXPECT_EQ(picture().height(), kRollDots);
+    EXPECT_GT(inkedRows(picture(), kRollDots - kLineDots, kLineDots), 10);
+    EXPECT_EQ(inkedRows(picture(), 0, kRollDots - kLineDots), 0) << "the oldest paper goes first";
+}
+
+TEST_F(Roll, FailureIsTracedOnly) {
+    ASSERT_TRUE(QDir(device_.folder()).mkdir(u"roll.txt"_s));
+    QStringList traces;
+    platform::setTraceObserver([&](QStringView text) { traces << text.toString(); });
+    print({u"글\n"});
+    platform::setTraceObserver({});
+    EXPECT_EQ(traces.size(), 1);
+    ASSERT_TRUE(QDir(device_.folder()).rmdir(u"roll.txt"_s));
+    print({u"다음\n"});
+    EXPECT_EQ(rollText(), u"다음\n"_s) << "the job that failed does not come back";
+}
+
+}  // namespace

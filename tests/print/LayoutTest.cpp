@@ -1,0 +1,111 @@
+#include "print/Layout.h"
+
+#include <gtest/gtest.h>
+
+#include "print/Document.h"
+
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+struct Case {
+    QString text;
+    int width;
+    QString field;
+};
+
+TEST(Layout, PadLeftMeasuresTheFirstCharacters) {
+    struct LengthCase {
+        QString text;
+        int length;
+        int width;
+        QString field;
+    };
+    const LengthCase cases[] = {
+        {u"1200"_s, 4, 8, u"    1200"_s}, {u"소주"_s, 2, 6, u"  소주"_s}, {u"12"_s, 2, 2, u"12"_s},
+        {u"123456"_s, 6, 4, u"123456"_s},  // wider than its column: printed whole
+        {u"12원"_s, 2, 4, u"  12원"_s},    // only the counted characters are measured
+        {u"12"_s, 9, 4, u"  12"_s},        // a length beyond the text is the text's
+        {u""_s, 0, 3, u"   "_s},
+    };
+    for (const LengthCase& entry : cases) {
+        EXPECT_EQ(print::PadLeft(entry.text, entry.length, entry.width), entry.field)
+            << entry.text.toStdString();
+    }
+}
+
+TEST(Layout, PadRightKeepsItsOddShortness) {
+    const Case cases[] = {
+        {u"소주"_s, 6, u"소주  "_s},     {u"참이슬후"_s, 8, u"참이슬후"_s},  // exactly the column
+        {u"참이슬후"_s, 7, u"참이슬"_s},  // the fourth would end in column 8: one column short
+        {u"a참이슬"_s, 4, u"a참"_s},     {u"참이슬a"_s, 5, u"참이"_s},  // what follows the dropped one is
+                                                                        // dropped too
+        {u"abcdef"_s, 4, u"abcd"_s},     {u"똠쀍"_s, 5, u"똠쀍 "_s},        {u""_s, 2, u"  "_s},
+    };
+    for (const Case& entry : cases) {
+        EXPECT_EQ(print::PadRight(entry.text, entry.width), entry.field) << entry.text.toStdString();
+    }
+}
+
+TEST(Layout, WrapsAtBlanksAndNeverBeyondTheWidth) {
+    struct WrapCase {
+        QString text;
+        int width;
+        QStringList pieces;
+    };
+    const WrapCase cases[] = {
+        {u""_s, 10, {u""_s}},
+        {u"서울시 중구"_s, 11, {u"서울시 중구"_s}},
+        {u"서울시 중구"_s, 10, {u"서울시"_s, u"중구"_s}},
+        {u"서울시 중구"_s, 6, {u"서울시"_s, u"중구"_s}},
+        {u"가나다라마"_s, 5, {u"가나"_s, u"다라"_s, u"마"_s}},
+        {u"abc  def"_s, 4, {u"abc"_s, u"def"_s}},
+        {u"가나"_s, 1, {u"가"_s, u"나"_s}},  // a character wider than the column still makes progress
+    };
+    for (const WrapCase& entry : cases) {
+        EXPECT_EQ(print::wrapped(entry.text, entry.width), entry.pieces) << entry.text.toStdString();
+    }
+}
+
+TEST(Layout, RulesAreThePaperWide) {
+    EXPECT_EQ(print::kThinRule, QString(32, u'-') + u'\n');
+    EXPECT_EQ(print::kDoubleRule, QString(32, u'=') + u'\n');
+}
+
+TEST(Layout, BlocksFillThePaper) {
+    print::Document document(u"제목");
+    EXPECT_EQ(document.title(), u"      제목\n"_s) << "centred in the 16 columns of the enlarged size";
+    const auto added = [&](auto&& block) {
+        const qsizetype before = document.lines().size();
+        block();
+        return document.lines().sliced(before).join(QString());
+    };
+    const platform::Won wide(INT64_MIN);
+    const Case cases[] = {
+        {added([&] { document.labelAmount(u"합계", platform::Won(-1200)); }), 32,
+         u"합계                     -1200원\n"_s},
+        {added([&] { document.labelAmount(u"열두글자나되는긴라벨임다", wide); }), 46,
+         u"열두글자나되는긴라벨임다-9223372036854775808원\n"_s},
+        {added([&] { document.labelAmount(u"이체횟수", platform::Won(3), u"회"); }), 32,
+         u"이체횟수                     3회\n"_s},
+        {added([&] { document.labelText(u"주소", u" 서울시 중구 을지로 12길 34 "); }), 0,
+         u"주소      : 서울시 중구 을지로\n            12길 34\n"_s},
+        {added([&] { document.labelText(u"주소", u" "); }), 0, u""_s},
+        {added([&] { document.itemName(u"참이슬후레쉬", u"360ml"); }), 32,
+         u"참이슬후레쉬               360ml\n"_s},
+        {added([&] { document.itemName(u"참이슬후레쉬오리지널진로이즈", u"360ml"); }), 0,
+         u"참이슬후레쉬오리지널진로이즈\n"_s},
+        {added([&] { document.itemName(u"a참이슬후레쉬오리지널진로이즈백소주", u"360ml"); }), 31,
+         u"a참이슬후레쉬오리지널진로이즈백\n"_s},
+        {added([&] {
+             document.row({print::name(u"소주병", 5), print::number(u"12", 4)});
+         }),
+         0, u"소주  12\n"_s},  // the short field shifts the number one column left
+    };
+    for (const Case& entry : cases) {
+        EXPECT_EQ(entry.text, entry.field);
+        if (entry.width > 0) EXPECT_EQ(print::displayWidth(entry.text.chopped(1)), entry.width);
+    }
+}
+
+}  // namespace

@@ -1,0 +1,56 @@
+#include "print/PrintJob.h"
+
+#include <gtest/gtest.h>
+
+#include <QStringList>
+
+#include "platform/termdev/TermDev.h"
+
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+/// Writes down what it is asked to do, and fails at all of it.
+class FakePrinter : public platform::termdev::Printer {
+  public:
+    explicit FakePrinter(QStringList* asked) : asked_(asked) {}
+
+    int open() override { return note(u"open"_s); }
+    int close() override { return note(u"close"_s); }
+    int initialise() override { return note(u"initialise"_s); }
+    int setSize(int mode) override { return note(u"size %1"_s.arg(mode)); }
+    int print(QStringView text) override { return note(u"print "_s + text.toString()); }
+    int feed(int lines) override { return note(u"feed %1"_s.arg(lines)); }
+
+  private:
+    int note(const QString& operation) {
+        asked_->append(operation);
+        return 0;
+    }
+
+    QStringList* asked_;
+};
+
+TEST(PrintJob, KeepsTheOrderOfOperationsWhateverThePrinterAnswers) {
+    QStringList asked;
+    platform::termdev::setPrinter(std::make_unique<FakePrinter>(&asked));
+    print::Document document(u"제 목");
+    document.line(u"첫째");
+    document.rule(print::Document::Rule::Thin);
+    document.blank();
+    print::printDocument(document);
+    platform::termdev::setPrinter(nullptr);
+    const QStringList expected{u"open"_s,
+                               u"initialise"_s,
+                               u"size 4"_s,
+                               u"print      제 목\n"_s,
+                               u"size 0"_s,
+                               u"print 첫째\n"_s,
+                               u"print --------------------------------\n"_s,
+                               u"print \n"_s,
+                               u"feed 2"_s,
+                               u"close"_s};
+    EXPECT_EQ(asked, expected);
+}
+
+}  // namespace
