@@ -1,0 +1,282 @@
+#include <gtest/gtest.h>
+
+#include <QDate>
+#include <QDateTime>
+#include <QStringList>
+#include <QTime>
+
+#include "PrintAmounts.h"
+#include "platform/Clock.h"
+#include "sales/LineAmounts.h"
+#include "sales/SlipStore.h"
+#include "sales/WorkingSlip.h"
+#include "support/TestDevice.h"
+
+namespace sales {
+
+using namespace Qt::Literals::StringLiterals;
+using platform::Won;
+
+namespace {
+
+constexpr QStringView kToday = u"2024-05-07";
+constexpr QStringView kUser = u"kim";
+constexpr QStringView kNumber = u"5001";
+
+TEST(LineEdit, SplitsWhatIsKeyed) {
+    const LineAmounts line = won(1000, 100, 30, 5);
+    using Edit = LineAmounts (*)(LineAmounts, Won);
+    const struct {
+        Edit edit;
+        std::int64_t keyed;
+        LineAmounts wanted;
+    } kCases[] = {
+        {withSupply, 900, won(900, 100, 30, 5)},
+        {withVat, 0, won(1000, 0, 30, 5)},
+        {withSubtotal, 1100, won(1000, 100, 30, 5)},
+        {withSubtotal, 0, won(0, 0, 30, 5)},
+        {withSubtotal, 5, won(5, 0, 30, 5)},  // 4.55
+        {withSubtotal, 6, won(5, 1, 30, 5)},  // 5.45
+        {withSubtotal, 10000, won(9091, 909, 30, 5)},
+        {withSubtotal, 9999, won(9090, 909, 30, 5)},
+        {withSubtotal, -10000, won(-9091, -909, 30, 5)},
+        {withSubtotal, INT64_MAX, won(8384883669867978006, 838488366986797801, 30, 5)},
+        {withTotal, 1135, won(1000, 100, 30, 5)},
+        {withTotal, 35, won(0, 0, 30, 5)},
+        {withTotal, 2235, won(2000, 200, 30, 5)},
+        {withTotal, 24, won(-10, -1, 30, 5)},
+    };
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.keyed);
+        EXPECT_EQ(c.edit(line, Won(c.keyed)), c.wanted);
+    }
+}
+
+class SlipTest : public testing::Test {
+  protected:
+    SlipTest() { platform::clock::set(QDateTime(QDate(2024, 5, 7), QTime(9, 5))); }
+    ~SlipTest() override { platform::clock::set({}); }
+
+    static SlipLine line(const QString& pcode, const QString& box, const QString& bon, LineAmounts amounts) {
+        SlipLine line{.DDate = kToday.toString(),
+                      .GCode = u"0001"_s,
+                      .GName = u"가나상회"_s,
+                      .JunNo = kNumber.toString(),
+                      .PCode = pcode,
+                      .PName = u"소주 "_s + pcode,
+                      .JGubun = u"10"_s,
+                      .Box = box,
+                      .Bon = bon,
+                      .MMoney = {},
+                      .BMoney = {},
+                      .YMoney = {},
+                      .GMoney = {}};
+        line.setAmounts(amounts);
+        return line;
+    }
+
+    void saved(QStringView user, QStringView junNo, QStringView pcode, QStringView state = u"미발행",
+               QStringView date = kToday) {
+        device.insert(u"MTM", {{u"DDate", date},
+                               {u"GName", u"손님 "_s + junNo.toString()},
+                               {u"JunNo", junNo},
+                               {u"WorkGubun", state},
+                               {u"PCode", pcode},
+                               {u"Box", u"1"},
+                               {u"Bon", u"0"},
+                               {u"MMoney", u"1000"},
+                               {u"BMoney", u"100"},
+                               {u"YMoney", u"20"},
+                               {u"GMoney", u"3"},
+                               {u"UserID", user}});
+    }
+
+    QString savedProducts() {
+        QStringList found;
+        for (const QStringList& row : device.rows(u"SELECT PCode FROM MTM ORDER BY rowid"_s)) found << row[0];
+        return found.join(u' ');
+    }
+
+    test::TestDevice device;
+};
+
+TEST_F(SlipTest, OpensWithTheSavedLinesAndTheirSums) {
+    saved(kUser, kNumber, u"0001");
+    saved(kUser, kNumber, u"0003");
+    saved(kUser, kNumber, u"0002");
+    saved(kUser, u"5002", u"0009");
+    saved(u"lee", kNumber, u"0009");
+    saved(kUser, kNumber, u"0009", u"미발행", u"2024-05-06");
+    insertLine(line(u"0007"_s, u"1"_s, u"1"_s, won(1, 1, 1, 1)));
+
+    const OpenedSlip slip = openSlip(kUser, kToday, kNumber);
+    EXPECT_EQ(slip.sums, won(3000, 300, 60, 9));
+    EXPECT_EQ(slip.sums.subtotal(), Won(3300));
+    EXPECT_EQ(slip.sums.total(), Won(3369));
+    ASSERT_EQ(slip.lines.count(), 3);
+    EXPECT_EQ(slip.lines.at(0, 0), u"0003"_s);
+    EXPECT_EQ(slip.lines.at(2, 0), u"0001"_s);
+    EXPECT_EQ(slip.lines.cells, workingLines().cells);
+    EXPECT_EQ(
+        device.rows(u"SELECT * FROM TEMP ORDER BY PCode"_s),
+        device.rows(u"SELECT DDate, Gubun, GCode, GName, JunNo, WorkGubun, PCode, PName, JGubun, Box, Bon, "
+                    u"MMoney, BMoney, YMoney, GMoney FROM MTM WHERE UserID = 'kim' AND JunNo = '5001' "
+                    u"AND DDate = '2024-05-07' ORDER BY PCode"_s));
+
+    EXPECT_TRUE(openSlip(kUser, kToday, u"5099").lines.isEmpty());
+    EXPECT_TRUE(isWorkingSlipEmpty());
+}
+
+TEST_F(SlipTest, ChangesOneLineByItsProductAndQuantities) {
+    insertLine(line(u"0001"_s, u"1"_s, u"0"_s, won(1000, 100, 20, 3)));
+    insertLine(line(u"0001"_s, u"2"_s, u"0"_s, won(2000, 200, 40, 6)));
+    insertLine(line(u"0002"_s, u"1"_s, u"0"_s, won(500, 50, 10, 1)));
+    const LineKey key{u"0001"_s, u"1"_s, u"0"_s};
+    const LineKey changed{u"0001"_s, u"3"_s, u"12"_s};
+    const auto row = [&](QStringView columns) {
+        return device.rows(u"SELECT %1 FROM TEMP WHERE PCode = '0001' AND Box <> '2'"_s.arg(columns))
+            .value(0);
+    };
+    const QStringList before = row(u"DDate, Gubun, GCode, GName, JunNo, WorkGubun, PCode, PName, JGubun");
+    EXPECT_EQ(before[1] + before[5], u"매출미처리"_s);
+
+    EXPECT_EQ(lineAmounts(key), won(1000, 100, 20, 3));
+    EXPECT_TRUE(replaceAmounts(key, won(900, 90, 77, 77)));
+    EXPECT_EQ(lineAmounts(key), won(900, 90, 20, 3));  // deposits are not edited
+    EXPECT_TRUE(replaceQuantities(key, 3, 12, won(3500, 350, 60, 9)));
+    EXPECT_FALSE(lineAmounts(key));
+    EXPECT_EQ(lineAmounts(changed), won(3500, 350, 60, 9));
+    EXPECT_EQ(row(u"DDate, Gubun, GCode, GName, JunNo, WorkGubun, PCode, PName, JGubun"), before);
+    EXPECT_FALSE(replaceAmounts(key, won(1, 1, 1, 1)));
+    EXPECT_EQ(workingLines().count(), 3);
+
+    deleteLine(changed);
+    EXPECT_EQ(lineAmounts({u"0001"_s, u"2"_s, u"0"_s}), won(2000, 200, 40, 6));
+    EXPECT_EQ(workingLines().cells, (QStringList{u"0002"_s, u"소주 0002"_s, u"1"_s, u"0"_s, u"0001"_s,
+                                                 u"소주 0001"_s, u"2"_s, u"0"_s}));
+}
+
+TEST_F(SlipTest, KeepsTheLineWhenTheChangeIsLostHalfWay) {
+    insertLine(line(u"0001"_s, u"1"_s, u"0"_s, won(1000, 100, 20, 3)));
+    device.execute(
+        u"CREATE TRIGGER broken BEFORE INSERT ON TEMP BEGIN SELECT RAISE(ROLLBACK, 'disk'); END"_s);
+    const LineKey key{u"0001"_s, u"1"_s, u"0"_s};
+    EXPECT_FALSE(replaceQuantities(key, 2, 0, won(2000, 200, 40, 6)));
+    EXPECT_EQ(lineAmounts(key), won(1000, 100, 20, 3));
+
+    saved(kUser, kNumber, u"0005");
+    EXPECT_FALSE(reloadSlip(kUser, kToday, kNumber));
+    EXPECT_EQ(workingLines().at(0, 0), u"0001"_s);
+}
+
+TEST_F(SlipTest, SavesAsUnprintedWithUserAndTime) {
+    saved(kUser, kNumber, u"0009", u"발행");
+    saved(u"lee", kNumber, u"0008", u"발행");
+    saved(kUser, u"5002", u"0007", u"발행");
+    insertLine(line(u"0001"_s, u"1"_s, u"2"_s, won(1000, 100, 20, 3)));
+    insertLine(line(u"0002"_s, u"0"_s, u"6"_s, won(500, 50, 0, 1)));
+
+    EXPECT_EQ(saveSlip(kUser, kToday, kNumber), SaveOutcome::Saved);
+    EXPECT_EQ(savedProducts(), u"0008 0007 0001 0002"_s);
+    EXPECT_EQ(device.rows(u"SELECT * FROM MTM WHERE PCode = '0001'"_s),
+              (QList<QStringList>{{u"2024-05-07"_s, u"매출"_s, u"0001"_s, u"가나상회"_s, u"5001"_s,
+                                   u"미발행"_s, u"0001"_s, u"소주 0001"_s, u"10"_s, u"1"_s, u"2"_s, u"1000"_s,
+                                   u"100"_s, u"20"_s, u"3"_s, u"kim"_s, u"09:05"_s}}));
+    EXPECT_EQ(workingLines().count(), 2);
+}
+
+TEST_F(SlipTest, SavingAnEmptySlipDeletesTheSavedOne) {
+    saved(kUser, kNumber, u"0009");
+    saved(kUser, u"5002", u"0007");
+    EXPECT_EQ(saveSlip(kUser, kToday, kNumber), SaveOutcome::Empty);
+    EXPECT_EQ(savedProducts(), u"0007"_s);
+}
+
+TEST_F(SlipTest, AQuoteInANameLosesItsStatementOnly) {
+    SlipLine quoted = line(u"0001"_s, u"1"_s, u"0"_s, won(1000, 100, 20, 3));
+    quoted.GName = u"O'Hara', 'x"_s;
+    insertLine(quoted);
+    EXPECT_TRUE(isWorkingSlipEmpty());
+
+    // However it came into the working slip, it is not saved, and the slip around it is.
+    device.insert(u"TEMP", {{u"PCode", u"0001"}, {u"GName", u"O'Hara"}});
+    insertLine(line(u"0002"_s, u"1"_s, u"0"_s, won(1000, 100, 20, 3)));
+    EXPECT_EQ(saveSlip(kUser, kToday, kNumber), SaveOutcome::Saved);
+    EXPECT_EQ(savedProducts(), u"0002"_s);
+}
+
+TEST_F(SlipTest, KeepsTheSavedSlipWhenSavingIsLostHalfWay) {
+    saved(kUser, kNumber, u"0009");
+    insertLine(line(u"0001"_s, u"1"_s, u"0"_s, won(1000, 100, 20, 3)));
+    insertLine(line(u"0002"_s, u"1"_s, u"0"_s, won(1000, 100, 20, 3)));
+    insertLine(line(u"0003"_s, u"1"_s, u"0"_s, won(1000, 100, 20, 3)));
+    device.execute(
+        u"CREATE TRIGGER broken BEFORE INSERT ON MTM WHEN NEW.PCode = '0002' "
+        u"BEGIN SELECT RAISE(ROLLBACK, 'disk'); END"_s);
+    EXPECT_EQ(saveSlip(kUser, kToday, kNumber), SaveOutcome::Failed);
+    EXPECT_EQ(savedProducts(), u"0009"_s);
+}
+
+TEST_F(SlipTest, ListsASlipOnceAndCountsSlips) {
+    EXPECT_EQ(slipsOfDay(kUser, kToday).slips.count(), 0);
+    saved(kUser, u"5001", u"0001", u"미발행");
+    saved(kUser, u"5002", u"0001", u"발행");
+    saved(kUser, u"5001", u"0002", u"미발행");
+    saved(kUser, u"5003", u"0001", u"결제");
+    saved(kUser, u"5001", u"0003", u"미발행");
+    saved(kUser, u"5004", u"0001", u"미발행");
+    saved(u"lee", u"5005", u"0001", u"미발행");
+    saved(kUser, u"5006", u"0001", u"미발행", u"2024-05-06");
+
+    const SlipList list = slipsOfDay(kUser, kToday);
+    EXPECT_EQ(list.slips.cells,
+              (QStringList{u"결제"_s, u"손님 5003"_s, u"5003"_s, u"미발행"_s, u"손님 5004"_s, u"5004"_s,
+                           u"미발행"_s, u"손님 5001"_s, u"5001"_s, u"발행"_s, u"손님 5002"_s, u"5002"_s}));
+    EXPECT_EQ(list.printed, 2);
+    EXPECT_EQ(list.unprinted, 2);
+}
+
+TEST_F(SlipTest, ListsASlipOfTwoStatesTwice) {
+    saved(kUser, u"5001", u"0001", u"발행");
+    saved(kUser, u"5001", u"0002", u"미발행");
+    saved(kUser, u"5002", u"0002", u"발행");
+    const SlipList list = slipsOfDay(kUser, kToday);
+    EXPECT_EQ(list.slips.count(), 3);
+    EXPECT_EQ(list.printed, 2);
+    EXPECT_EQ(list.unprinted, 1);
+}
+
+TEST_F(SlipTest, DeletesByNumberAndDateWhoeverWroteIt) {
+    const auto fill = [&] {
+        for (const QStringView table : {u"MTM", u"MTMOK", u"YTM"}) {
+            device.execute(u"DELETE FROM "_s + table.toString());
+            device.insert(table, {{u"DDate", kToday}, {u"JunNo", kNumber}, {u"UserID", kUser}});
+            device.insert(table, {{u"DDate", kToday}, {u"JunNo", kNumber}, {u"UserID", u"lee"}});
+            device.insert(table, {{u"DDate", kToday}, {u"JunNo", u"5002"}, {u"UserID", kUser}});
+            device.insert(table, {{u"DDate", u"2024-05-06"}, {u"JunNo", kNumber}, {u"UserID", kUser}});
+        }
+    };
+    const auto counts = [&] {
+        return device
+            .rows(
+                u"SELECT (SELECT count(*) FROM MTM), (SELECT count(*) FROM MTMOK), "
+                u"(SELECT count(*) FROM YTM)"_s)[0]
+            .join(u' ');
+    };
+    fill();
+    EXPECT_TRUE(deleteSlip(kToday, kNumber, false));
+    EXPECT_EQ(counts(), u"2 4 4"_s);
+    fill();
+    EXPECT_TRUE(deleteSlip(kToday, kNumber, true));
+    EXPECT_EQ(counts(), u"2 2 2"_s);
+    EXPECT_EQ(device.rows(u"SELECT JunNo, DDate FROM YTM ORDER BY JunNo"_s),
+              (QList<QStringList>{{u"5001"_s, u"2024-05-06"_s}, {u"5002"_s, u"2024-05-07"_s}}));
+
+    fill();
+    device.execute(u"CREATE TRIGGER broken BEFORE DELETE ON YTM BEGIN SELECT RAISE(ROLLBACK, 'disk'); END"_s);
+    EXPECT_FALSE(deleteSlip(kToday, kNumber, true));
+    EXPECT_EQ(counts(), u"4 4 4"_s);
+}
+
+}  // namespace
+}  // namespace sales
