@@ -79,6 +79,7 @@ OpenedSlip openSlip(QStringView userId, QStringView workDate, QStringView junNo)
     OpenedSlip slip;
     slip.lines.columns = 4;
     db::forEachRow(kSavedToShow(userId, workDate, junNo), [&](db::CVORecordset& row) {
+        slip.GCode = row.GetFieldString(0);
         for (int column = 1; column <= 4; ++column) slip.lines.cells.append(row.GetFieldString(column));
         const auto won = [&](int column) { return platform::parseWon(row.GetFieldString(column)); };
         slip.sums += {won(5), won(6), won(7), won(8)};
@@ -101,8 +102,11 @@ std::optional<LineAmounts> lineAmounts(const LineKey& key) {
     return LineAmounts{won(1), won(2), won(3), won(4)};
 }
 
-void insertLine(const SlipLine& line) {
-    db::execute(insertOf(line));
+bool insertLine(const SlipLine& line) {
+    db::CVOConnection connection;
+    db::openDatabase(connection);
+    db::CVORecordset insert(connection);
+    return insert.Open(insertOf(line), db::kForwardOnly, db::kReadOnly);
 }
 
 bool replaceQuantities(const LineKey& key, std::int64_t boxes, std::int64_t bottles,

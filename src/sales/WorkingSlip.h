@@ -13,6 +13,7 @@ namespace sales {
 
 /// A slip as it is shown when it is opened.
 struct OpenedSlip {
+    QString GCode;   ///< The slip's customer; empty for a slip without saved lines.
     db::Rows lines;  ///< As workingLines gives them.
     SlipSums sums;
 };
@@ -32,8 +33,8 @@ bool isWorkingSlipEmpty();
 /// The line's amounts; nothing when there is no such line.
 std::optional<LineAmounts> lineAmounts(const LineKey& key);
 
-/// Adds a line. One with a single quote in a text is not stored, without a sign of it.
-void insertLine(const SlipLine& line);
+/// Adds a line. False when the database did not take it, as with a single quote in one of its texts.
+bool insertLine(const SlipLine& line);
 
 /// Changes the line's quantities and with them its amounts. False, and the line stays as it was, when there
 /// is no such line or the database does not take the change.

@@ -48,7 +48,7 @@ void BitmapButton::paintEvent(QPaintEvent*) {
     painter.setPen(!isEnabled()                               ? kDisabledCaption
                    : bitmaps_.caption == CaptionColour::Light ? QColor(Qt::white)
                                                               : kDarkCaption);
-    painter.drawText(captionArea(), Qt::AlignCenter, text());
+    painter.drawText(captionArea().adjusted(2, 0, -2, 0), Qt::AlignCenter | Qt::TextWordWrap | Qt::TextWrapAnywhere, text());
     if (hasFocus() && showsFocus_) {
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setPen(QPen(kFocusRing, 2));

@@ -39,9 +39,8 @@ inline constexpr ButtonBitmaps kAmount{508, 509};
 inline constexpr ButtonBitmaps kSearch{510, 511, CaptionColour::Light};
 inline constexpr ButtonBitmaps kPay{512, 513, CaptionColour::Light};
 inline constexpr ButtonBitmaps kDocument{514, 515};
-inline constexpr ButtonBitmaps kSaveWide{516, 517, CaptionColour::Light};
-inline constexpr ButtonBitmaps kNeutralWide{518, 519, CaptionColour::Light};
-inline constexpr ButtonBitmaps kFinishWide{524, 525, CaptionColour::Light};
+inline constexpr ButtonBitmaps kSaveSlip{526, 527, CaptionColour::Light};
+inline constexpr ButtonBitmaps kSearchCode{528, 529, CaptionColour::Light};
 inline constexpr ButtonBitmaps kKeySpecial{522, 523};
 
 inline constexpr int kApplicationIcon = 128;

@@ -2,6 +2,7 @@
 
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QMouseEvent>
 #include <QScrollBar>
 
 #include "ui/Fonts.h"
@@ -122,6 +123,11 @@ bool ReportList::contains(int column, const QString& text) const {
         if (this->text(row, column) == text) return true;
     }
     return false;
+}
+
+void ReportList::mouseReleaseEvent(QMouseEvent* event) {
+    QTableView::mouseReleaseEvent(event);
+    if (!indexAt(event->position().toPoint()).isValid()) Q_EMIT emptyPartClicked();
 }
 
 void ReportList::keyPressEvent(QKeyEvent* event) {

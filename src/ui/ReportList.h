@@ -63,8 +63,11 @@ class ReportList : public QTableView {
     /// A row was chosen by a tap or with the arrow keys.
     void rowClicked(int row);
     void rowDoubleClicked(int row);
+    /// The list was tapped where no row is.
+    void emptyPartClicked();
 
   protected:
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
   private:

@@ -1,5 +1,6 @@
 #include "ui/Screen.h"
 
+#include <QFontMetrics>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPainter>
@@ -8,6 +9,12 @@
 #include "ui/Terminal.h"
 
 namespace ui {
+namespace {
+
+/// Type is not set smaller than this many pixels to make a text fit.
+constexpr int kSmallestType = 8;
+
+}  // namespace
 
 Screen::Screen(int id) : id_(id) {
     setObjectName(QString::number(id));
@@ -33,6 +40,11 @@ Screen::Result Screen::run() {
 void Screen::close(Result result) {
     result_ = result;
     loop_.quit();
+}
+
+void Screen::closeAndOpen(int dialogId) {
+    successor_ = dialogId;
+    close(Accepted);
 }
 
 QWidget* Screen::control(int controlId) const {
@@ -76,6 +88,22 @@ QLabel* Screen::label(int controlId) const {
 
 void Screen::setText(int controlId, const QString& text) {
     if (QLabel* target = label(controlId)) target->setText(text);
+}
+
+void Screen::setAmount(int controlId, platform::Won amount) {
+    setFittedText(controlId, platform::groupThousands(amount), FontHeight::Small);
+}
+
+void Screen::setFittedText(int controlId, const QString& text, FontHeight height) {
+    QLabel* target = label(controlId);
+    if (target == nullptr) return;
+    QFont fitted = ui::font(height);
+    while (fitted.pixelSize() > kSmallestType &&
+           QFontMetrics(fitted).horizontalAdvance(text) > target->contentsRect().width()) {
+        fitted.setPixelSize(fitted.pixelSize() - 1);
+    }
+    target->setFont(fitted);
+    target->setText(text);
 }
 
 void Screen::paintEvent(QPaintEvent*) {

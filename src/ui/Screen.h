@@ -4,6 +4,7 @@
 #include <QPointer>
 #include <QWidget>
 
+#include "platform/Won.h"
 #include "ui/BitmapButton.h"
 #include "ui/Fonts.h"
 
@@ -38,6 +39,11 @@ class Screen : public QWidget {
     /// Moves the focus to the screen's next control, or the one before; never to another screen.
     bool focusNextPrevChild(bool next) override;
 
+    /// Closes the screen and opens the dialog with that id in its place.
+    void closeAndOpen(int dialogId);
+    /// The dialog that takes this screen's place; 0 when none does.
+    int successor() const { return successor_; }
+
     /// The control with that id, or null.
     QWidget* control(int controlId) const;
 
@@ -60,6 +66,10 @@ class Screen : public QWidget {
 
     QLabel* label(int controlId) const;
     void setText(int controlId, const QString& text);
+    /// Shows an amount with the slip screens' grouping, in the largest type that fits its control.
+    void setAmount(int controlId, platform::Won amount);
+    /// Shows a text in the largest type, up to `height`, that fits its control on one line.
+    void setFittedText(int controlId, const QString& text, FontHeight height);
 
     /// The buttons that Enter and Esc press.
     void setDefaultButton(BitmapButton* button) { default_ = button; }
@@ -73,6 +83,7 @@ class Screen : public QWidget {
 
     int id_;
     Result result_ = Cancelled;
+    int successor_ = 0;
     QEventLoop loop_;
     QPointer<BitmapButton> default_;
     QPointer<BitmapButton> cancel_;

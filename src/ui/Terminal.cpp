@@ -106,10 +106,17 @@ void setScreenFactory(ScreenFactory factory) {
 }
 
 Screen::Result runScreen(int dialogId) {
-    const std::unique_ptr<Screen> screen = screenFactory() ? screenFactory()(dialogId) : nullptr;
-    if (screen) return screen->run();
-    platform::trace(u"no screen for dialog %1"_s.arg(dialogId));
-    return Screen::Cancelled;
+    Screen::Result result = Screen::Cancelled;
+    for (int next = dialogId; next != 0;) {
+        const std::unique_ptr<Screen> screen = screenFactory() ? screenFactory()(next) : nullptr;
+        if (!screen) {
+            platform::trace(u"no screen for dialog %1"_s.arg(next));
+            return Screen::Cancelled;
+        }
+        result = screen->run();
+        next = screen->successor();
+    }
+    return result;
 }
 
 }  // namespace ui
