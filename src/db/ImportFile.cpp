@@ -41,7 +41,7 @@ constexpr Statement<
 constexpr Statement<u"INSERT INTO GARAEMAJIN (GCode,Gubun,Majin) VALUES ('%s','%s','%s')"> kInsertClassMargin;
 
 template <const auto& Insert>
-Sql insertFields(const QStringList& fields) {
+Sql insertFields(std::span<const QStringView> fields) {
     std::array<QStringView, std::remove_cvref_t<decltype(Insert)>::kValues> values;
     std::copy(fields.begin(), fields.end(), values.begin());
     return Insert(values);
@@ -97,17 +97,15 @@ bool isImportWaiting() {
         kFiles, [](const ImportFile& file) { return findImportFile(file) != ImportSource::None; });
 }
 
-void cutImportLine(const ImportFile& file, QStringView line, QStringList* fields) {
-    fields->resize(file.fields);
-    (*fields)[0] = line.left(file.firstFieldLength).toString();
+void cutImportLine(const ImportFile& file, QStringView line, std::vector<QStringView>* fields) {
+    fields->assign(std::size_t(file.fields), {});
+    fields->front() = line.left(file.firstFieldLength);
     QStringView rest = line.mid(file.firstFieldLength + 1, file.restLength);
-    for (qsizetype i = 1; i < file.fields; ++i) {
-        const qsizetype end = rest.indexOf(u'|');
-        QString& field = (*fields)[i];
-        field.resize(0);
-        if (end < 0) continue;
-        field.append(rest.first(end));
-        rest = rest.sliced(end + 1);
+    for (auto field = fields->begin() + 1; field != fields->end(); ++field) {
+        const auto end = std::find(rest.begin(), rest.end(), u'|');
+        if (end == rest.end()) break;
+        *field = QStringView(rest.begin(), end);
+        rest = QStringView(end + 1, rest.end());
     }
 }
 

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <QString>
-#include <QStringList>
 #include <QStringView>
 #include <span>
+#include <vector>
 
 #include "db/Statement.h"
 
@@ -20,7 +20,7 @@ struct ImportFile {
     int restLength;        ///< Characters of a line that count after the first field and its separator.
     int fields;            ///< Columns that a line fills.
     Sql (*deleteAll)();    ///< Empties the table; null for MTM, which keeps its rows and gains the file's.
-    Sql (*insert)(const QStringList& fields);  ///< `fields` holds as many texts as the member of that name.
+    Sql (*insert)(std::span<const QStringView> fields);  ///< As many as the member of that name says.
 };
 
 /// The files in the order in which they are counted and loaded.
@@ -35,8 +35,8 @@ ImportSource findImportFile(const ImportFile& file);
 /// True when any of the files waits.
 bool isImportWaiting();
 
-/// Cuts one line, without its line end, into the file's fields, untrimmed. Text beyond the length that counts
-/// is lost, and a field whose "|" is missing is empty, as are all after it.
-void cutImportLine(const ImportFile& file, QStringView line, QStringList* fields);
+/// Cuts one line, without its line end, into the file's fields, untrimmed; they are pieces of `line`. Text
+/// beyond the length that counts is lost, and a field whose "|" is missing is empty, as are all after it.
+void cutImportLine(const ImportFile& file, QStringView line, std::vector<QStringView>* fields);
 
 }  // namespace db

@@ -156,7 +156,7 @@ void insertLines(const ImportFile& file, const QByteArray& content, Transaction&
                  ImportResult* result, RejectedLines* rejected,
                  const std::function<void(int, int)>& progress) {
     LineReader reader(content);
-    QStringList fields;
+    std::vector<QStringView> fields;
     for (int number = 1; !reader.atEnd() && transaction.isAlive(); ++number) {
         const QByteArrayView line = withoutLineEnd(reader.next());
         const std::optional<QString> text = platform::codepage::decode(line);

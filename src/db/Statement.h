@@ -65,6 +65,17 @@ class Statement {
     }();
     static_assert(kEveryValueIsQuoted, "every %s of a statement stands in single quotes");
 
+    /// Where the values go in the format; found once, because loading a file builds a text for every line.
+    static constexpr std::array<qsizetype, kValues> kPlaces = [] {
+        std::array<qsizetype, kValues> places{};
+        const QStringView text = Format.view();
+        std::size_t found = 0;
+        for (qsizetype i = 0; i + 1 < text.size(); ++i) {
+            if (text[i] == u'%' && text[i + 1] == u's') places[found++] = i;
+        }
+        return places;
+    }();
+
     static constexpr QStringView format() { return Format.view(); }
 
     template <std::convertible_to<QStringView>... Values>
@@ -79,22 +90,23 @@ class Statement {
 
   private:
     static Sql build(const std::array<QStringView, kValues>& values) {
-        qsizetype length = Format.view().size();
-        bool isWellFormed = true;
-        for (const QStringView value : values) {
-            length += value.size();
-            isWellFormed = isWellFormed && !value.contains(u'\'');
-        }
-        QString text;
-        text.reserve(length);
+        constexpr QStringView format = Format.view();
+        qsizetype length = format.size() - 2 * kValues;
+        for (const QStringView value : values) length += value.size();
+        QString text(length, Qt::Uninitialized);
+        QChar* end = text.data();
+        bool hasQuote = false;
         qsizetype from = 0;
-        for (const QStringView value : values) {
-            const qsizetype at = Format.view().indexOf(u"%s", from);
-            text.append(Format.view().sliced(from, at - from)).append(value);
-            from = at + 2;
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            end = std::copy(format.begin() + from, format.begin() + kPlaces[i], end);
+            for (const QChar character : values[i]) {
+                hasQuote |= character == u'\'';
+                *end++ = character;
+            }
+            from = kPlaces[i] + 2;
         }
-        text.append(Format.view().sliced(from));
-        return Sql(std::move(text), Format.view(), isWellFormed);
+        std::copy(format.begin() + from, format.end(), end);
+        return Sql(std::move(text), format, !hasQuote);
     }
 };
 

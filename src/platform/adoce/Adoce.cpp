@@ -17,6 +17,10 @@ HResult& creationResult() {
     return result;
 }
 
+void traceFailure(const QString& error, QByteArrayView text) {
+    trace(u"database: %1 in: %2"_s.arg(error, QString::fromUtf8(text)));
+}
+
 template <typename Component>
 std::unique_ptr<Component> create(bool classMatches, int context, HResult* result) {
     *result = !classMatches || context != kInProcessServer ? kInvalidClass : creationResult();
@@ -88,20 +92,21 @@ bool Connection::IsUsable() const {
 }
 
 QString Field::Name() const {
-    return QString::fromUtf8(sqlite3_column_name(recordset_->statement_, index_));
+    return QString::fromUtf8(sqlite3_column_name(recordset_->statement_->handle, index_));
 }
 
 HResult Field::Value(QVariant* value) const {
     value->clear();
     if (!recordset_->hasRow_) return kFail;
-    if (sqlite3_column_type(recordset_->statement_, index_) == SQLITE_NULL) return kOk;
-    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(recordset_->statement_, index_));
-    *value = QString::fromUtf8(text, sqlite3_column_bytes(recordset_->statement_, index_));
+    if (sqlite3_column_type(recordset_->statement_->handle, index_) == SQLITE_NULL) return kOk;
+    const auto* text =
+        reinterpret_cast<const char*>(sqlite3_column_text(recordset_->statement_->handle, index_));
+    *value = QString::fromUtf8(text, sqlite3_column_bytes(recordset_->statement_->handle, index_));
     return kOk;
 }
 
 int Fields::Count() const {
-    return field_.recordset_->statement_ ? sqlite3_column_count(field_.recordset_->statement_) : 0;
+    return field_.recordset_->statement_ ? sqlite3_column_count(field_.recordset_->statement_->handle) : 0;
 }
 
 HResult Fields::Item(const QVariant& index, Field** field) {
@@ -121,30 +126,35 @@ HResult Recordset::Open(const QVariant& source, const QVariant& activeConnection
 
     thread_local ParsedStatement parsed;
     const bool isWellFormed = parseStatement(*static_cast<const QString*>(source.constData()), &parsed);
-    // A broken text may show a piece of a value where its structure should be, so it is not traced.
-    text_ = isWellFormed ? parsed.text : QByteArray("(text not shown)");
-    file_ = connection->file();
-    QString error = u"a quote stands in a value"_s;
-    if (isWellFormed) {
-        error = u"the transaction is lost"_s;
-        if (file_->isUsable()) statement_ = file_->acquire(text_, &error);
-    }
-    if (statement_ == nullptr) {
-        traceFailure(error);
+    if (!isWellFormed) {
+        // A broken text may show a piece of a value where its structure should be.
+        traceFailure(u"a quote stands in a value"_s, "(text not shown)");
         return kFail;
     }
+    file_ = connection->file();
+    QString error;
+    if (file_->isUsable()) {
+        statement_ = file_->acquire(parsed.text, &error);
+    } else {
+        error = u"the transaction is lost"_s;
+    }
+    if (statement_ == nullptr) {
+        traceFailure(error, parsed.text);
+        return kFail;
+    }
+    sqlite3_stmt* handle = statement_->handle;
 
+    // A SELECT goes on reading its values while rows are fetched, long after `parsed` serves another one.
+    const auto lifetime = sqlite3_stmt_readonly(handle) ? SQLITE_TRANSIENT : SQLITE_STATIC;
     int begin = 0;
     for (size_t i = 0; i < parsed.ends.size(); ++i) {
-        // A SELECT goes on reading its values while rows are fetched, long after `parsed` serves another one.
-        const auto lifetime = sqlite3_stmt_readonly(statement_) ? SQLITE_TRANSIENT : SQLITE_STATIC;
-        sqlite3_bind_text(statement_, int(i) + 1, parsed.values.constData() + begin, parsed.ends[i] - begin,
+        sqlite3_bind_text(handle, int(i) + 1, parsed.values.constData() + begin, parsed.ends[i] - begin,
                           lifetime);
         begin = parsed.ends[i];
     }
     const HResult result = step();
     if (failed(result)) {
-        traceFailure(file_->errorText());
+        traceFailure(file_->errorText(), parsed.text);
         Close();
     } else if (hasRow_) {
         rowNumber_ = 0;
@@ -153,7 +163,7 @@ HResult Recordset::Open(const QVariant& source, const QVariant& activeConnection
 }
 
 HResult Recordset::Close() {
-    if (statement_ != nullptr) file_->release(text_, statement_);
+    if (statement_ != nullptr) file_->release(statement_);
     statement_ = nullptr;
     file_.reset();
     rowNumber_ = -1;
@@ -164,7 +174,7 @@ HResult Recordset::Close() {
 HResult Recordset::MoveFirst() {
     if (statement_ == nullptr || rowNumber_ < 0) return kFail;
     if (rowNumber_ == 0 && hasRow_) return kOk;
-    sqlite3_reset(statement_);
+    sqlite3_reset(statement_->handle);
     rowNumber_ = 0;
     return step();
 }
@@ -176,13 +186,9 @@ HResult Recordset::MoveNext() {
 }
 
 HResult Recordset::step() {
-    const int result = sqlite3_step(statement_);
+    const int result = sqlite3_step(statement_->handle);
     hasRow_ = result == SQLITE_ROW;
     return hasRow_ || result == SQLITE_DONE ? kOk : kFail;
-}
-
-void Recordset::traceFailure(const QString& error) const {
-    trace(u"database: %1 in: %2"_s.arg(error, QString::fromUtf8(text_)));
 }
 
 }  // namespace platform::adoce

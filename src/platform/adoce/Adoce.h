@@ -1,8 +1,5 @@
 #pragma once
 
-#include <sqlite3.h>
-
-#include <QByteArray>
 #include <QString>
 #include <QVariant>
 #include <cstdint>
@@ -13,6 +10,7 @@
 namespace platform::adoce {
 
 class DatabaseFile;
+struct PreparedStatement;
 
 /// Result code of a component call: negative means failure.
 using HResult = std::int32_t;
@@ -116,12 +114,10 @@ class Recordset {
     friend class Fields;
 
     HResult step();
-    void traceFailure(const QString& error) const;
 
     Connection* active_ = nullptr;
     std::shared_ptr<DatabaseFile> file_;
-    sqlite3_stmt* statement_ = nullptr;
-    QByteArray text_;  ///< The statement with "?" for each value.
+    PreparedStatement* statement_ = nullptr;
     qint64 rowNumber_ = -1;
     bool hasRow_ = false;
     Fields fields_;

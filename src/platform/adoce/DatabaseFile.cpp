@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <QFile>
+#include <utility>
 
 #include "platform/Trace.h"
 
@@ -13,9 +14,13 @@ using namespace Qt::Literals::StringLiterals;
 
 /// The system runs fewer distinct statements than this; the bound only stops a stray caller that builds
 /// texts.
-constexpr qsizetype kMostCachedTexts = 256;
+constexpr qsizetype kMostIdle = 256;
 
 constexpr int kBusyTimeoutMs = 3000;
+
+/// SQLite counts the memory it uses behind a lock, at every allocation. Nothing here asks for the count; it
+/// can only be switched off before the library is used.
+[[maybe_unused]] const int kWithoutMemoryCount = sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
 
 struct FileIdentity {
     dev_t device = 0;
@@ -56,7 +61,8 @@ std::shared_ptr<DatabaseFile> DatabaseFile::shared(const QString& path, QString*
     if (known != sharedFiles().constEnd() && known->identity == identity) return known->file;
 
     sqlite3* handle = nullptr;
-    int result = sqlite3_open_v2(path.toUtf8().constData(), &handle, SQLITE_OPEN_READWRITE, nullptr);
+    int result = sqlite3_open_v2(path.toUtf8().constData(), &handle,
+                                 SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
     std::shared_ptr<DatabaseFile> file(new DatabaseFile(handle));
     if (result == SQLITE_OK) {
         sqlite3_busy_timeout(handle, kBusyTimeoutMs);
@@ -76,41 +82,39 @@ void DatabaseFile::forgetAll() {
 }
 
 DatabaseFile::~DatabaseFile() {
-    for (const QList<sqlite3_stmt*>& statements : std::as_const(idle_)) {
-        for (sqlite3_stmt* statement : statements) sqlite3_finalize(statement);
-    }
+    delete last_;
+    qDeleteAll(idle_);
     sqlite3_close_v2(handle_);
 }
 
-sqlite3_stmt* DatabaseFile::acquire(const QByteArray& text, QString* error) {
-    const auto idle = idle_.find(text);
-    if (idle != idle_.end() && !idle->isEmpty()) return idle->takeLast();
+PreparedStatement* DatabaseFile::acquire(const QByteArray& text, QString* error) {
+    if (last_ != nullptr && last_->text == text) return std::exchange(last_, nullptr);
+    if (PreparedStatement* idle = idle_.take(text)) return idle;
 
     const QByteArray sql = toSqlite(text);
-    sqlite3_stmt* statement = nullptr;
+    sqlite3_stmt* handle = nullptr;
     const char* tail = nullptr;
-    if (sqlite3_prepare_v2(handle_, sql.constData(), int(sql.size()), &statement, &tail) != SQLITE_OK) {
+    if (sqlite3_prepare_v2(handle_, sql.constData(), int(sql.size()), &handle, &tail) != SQLITE_OK) {
         *error = errorText();
         return nullptr;
     }
-    if (statement == nullptr || tail != sql.constData() + sql.size()) {
-        sqlite3_finalize(statement);
+    if (handle == nullptr || tail != sql.constData() + sql.size()) {
+        sqlite3_finalize(handle);
         *error = u"not one statement"_s;
         return nullptr;
     }
-    return statement;
+    return new PreparedStatement(text, handle);
 }
 
-void DatabaseFile::release(const QByteArray& text, sqlite3_stmt* statement) {
-    sqlite3_reset(statement);
-    sqlite3_clear_bindings(statement);
-    const auto idle = idle_.find(text);
-    if (idle != idle_.end()) {
-        idle->append(statement);
-    } else if (idle_.size() < kMostCachedTexts) {
-        idle_.insert(text, {statement});
+void DatabaseFile::release(PreparedStatement* statement) {
+    sqlite3_reset(statement->handle);
+    sqlite3_clear_bindings(statement->handle);
+    PreparedStatement* before = std::exchange(last_, statement);
+    if (before == nullptr) return;
+    if (idle_.size() < kMostIdle) {
+        idle_.insert(before->text, before);
     } else {
-        sqlite3_finalize(statement);
+        delete before;
     }
 }
 

@@ -4,15 +4,27 @@
 
 #include <QByteArray>
 #include <QHash>
-#include <QList>
 #include <QString>
 #include <QStringView>
 #include <memory>
+#include <utility>
 
 namespace platform::adoce {
 
+/// One statement of SQLite's and the text that it was made from.
+struct PreparedStatement {
+    PreparedStatement(QByteArray from, sqlite3_stmt* made) : text(std::move(from)), handle(made) {}
+    ~PreparedStatement() { sqlite3_finalize(handle); }
+    PreparedStatement(const PreparedStatement&) = delete;
+    PreparedStatement& operator=(const PreparedStatement&) = delete;
+
+    const QByteArray text;
+    sqlite3_stmt* const handle;
+};
+
 /// The one SQLite handle of a database file, with its cache of prepared statements. Every connection to the
-/// file shares it, so opening a connection costs a look-up rather than a file open.
+/// file shares it, so opening a connection costs a look-up rather than a file open. For one thread only, as
+/// all database work of the system is: SQLite's own locking of the handle is off.
 class DatabaseFile {
   public:
     /// The shared handle of the file at `path`, opened at the first call and again when the file was
@@ -29,8 +41,8 @@ class DatabaseFile {
 
     /// A prepared statement for `text`, in which every literal is a "?" already. Null on a text that SQLite
     /// does not accept; `error` says why. Give it back with release().
-    sqlite3_stmt* acquire(const QByteArray& text, QString* error);
-    void release(const QByteArray& text, sqlite3_stmt* statement);
+    PreparedStatement* acquire(const QByteArray& text, QString* error);
+    void release(PreparedStatement* statement);
 
     /// False while a transaction that began here has been rolled back by SQLite itself (disk full, read or
     /// write error): no statement may run then, or it would be kept without the others.
@@ -50,7 +62,9 @@ class DatabaseFile {
 
     sqlite3* handle_;
     bool inTransaction_ = false;
-    QHash<QByteArray, QList<sqlite3_stmt*>> idle_;
+    QMultiHash<QByteArray, PreparedStatement*> idle_;
+    // The statement given back last stands in front of the others: a file is loaded with one over and over.
+    PreparedStatement* last_ = nullptr;
 };
 
 }  // namespace platform::adoce

@@ -1,6 +1,7 @@
 #include "platform/adoce/Literals.h"
 
 #include <QStringConverter>
+#include <cstring>
 
 namespace platform::adoce {
 namespace {
@@ -13,9 +14,34 @@ void appendUtf8(QByteArray* target, QStringView text) {
     target->truncate(end - target->constData());
 }
 
-}  // namespace
+/// Reads the values of a text whose pieces are those that `parsed` holds and whose values are all ASCII;
+/// false for another text. The lines of a file that is loaded pass here, and nearly all hold codes and
+/// figures only.
+bool readKnown(QStringView sql, ParsedStatement* parsed) {
+    if (parsed->pieceEnds.empty()) return false;
+    parsed->ends.clear();
+    parsed->values.resize(sql.size());
+    char* const values = parsed->values.data();
+    char* value = values;
+    const QChar* at = sql.begin();
+    const QChar* piece = parsed->pieces.cbegin();
+    while (true) {
+        const qsizetype end = parsed->pieceEnds[parsed->ends.size()];
+        const qsizetype length = end - (piece - parsed->pieces.cbegin());
+        if (sql.end() - at < length || std::memcmp(at, piece, size_t(length) * sizeof(QChar)) != 0)
+            return false;
+        at += length;
+        piece += length;
+        if (end == parsed->pieces.size()) break;
+        while (at != sql.end() && at->unicode() < 0x80 && *at != u'\'') *value++ = char((at++)->unicode());
+        if (at == sql.end() || *at != u'\'') return false;
+        parsed->ends.push_back(int(value - values));
+    }
+    parsed->values.truncate(value - values);
+    return at == sql.end();
+}
 
-bool parseStatement(QStringView sql, ParsedStatement* parsed) {
+bool readNew(QStringView sql, ParsedStatement* parsed) {
     parsed->text.resize(0);
     parsed->values.resize(0);
     parsed->ends.clear();
@@ -23,6 +49,11 @@ bool parseStatement(QStringView sql, ParsedStatement* parsed) {
     while (true) {
         const qsizetype open = sql.indexOf(u'\'', at);
         appendUtf8(&parsed->text, sql.sliced(at, (open < 0 ? sql.size() : open) - at));
+        // From the closing quote before the piece to the opening quote after it.
+        const qsizetype begin = at > 0 ? at - 1 : 0;
+        const qsizetype end = open < 0 ? sql.size() : open + 1;
+        parsed->pieces.append(sql.sliced(begin, end - begin));
+        parsed->pieceEnds.push_back(int(parsed->pieces.size()));
         if (open < 0) return true;
         const qsizetype close = sql.indexOf(u'\'', open + 1);
         if (close < 0) return false;
@@ -32,6 +63,17 @@ bool parseStatement(QStringView sql, ParsedStatement* parsed) {
         at = close + 1;
         if (at < sql.size() && sql[at] == u'\'') return false;
     }
+}
+
+}  // namespace
+
+bool parseStatement(QStringView sql, ParsedStatement* parsed) {
+    if (readKnown(sql, parsed)) return true;
+    parsed->pieces.resize(0);
+    parsed->pieceEnds.clear();
+    if (readNew(sql, parsed)) return true;
+    parsed->pieceEnds.clear();
+    return false;
 }
 
 }  // namespace platform::adoce
