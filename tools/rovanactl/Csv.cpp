@@ -1,0 +1,99 @@
+#include "rovanactl/Csv.h"
+
+#include <QStringDecoder>
+
+namespace admin {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+/// The line that holds the first bytes that are no UTF-8; 0 when there are none.
+int firstBrokenLine(QByteArrayView content) {
+    for (int line = 1; !content.isEmpty(); ++line) {
+        const qsizetype end = content.indexOf('\n');
+        const QByteArrayView bytes = end < 0 ? content : content.first(end);
+        QStringDecoder decoder(QStringDecoder::Utf8);
+        const QString text = decoder(bytes);
+        if (decoder.hasError()) return line;
+        content = end < 0 ? QByteArrayView() : content.sliced(end + 1);
+    }
+    return 0;
+}
+
+class Reader {
+  public:
+    explicit Reader(const QString& text) : text_(text) {}
+
+    CsvFile read() {
+        CsvFile file;
+        while (at_ < text_.size() && file.error.isEmpty()) {
+            CsvRecord record{line_, {}};
+            do {
+                record.fields << field(&file.error);
+            } while (file.error.isEmpty() && take(u','));
+            if (file.error.isEmpty() && !takeLineEnd()) {
+                file.error = u"line %1: a comma or the end of the line is missing"_s.arg(line_);
+            }
+            const bool isEmptyLine = record.fields.size() == 1 && record.fields.first().isEmpty();
+            if (!isEmptyLine) file.records << record;
+        }
+        return file;
+    }
+
+  private:
+    bool take(QChar character) {
+        if (at_ >= text_.size() || text_[at_] != character) return false;
+        if (character == u'\n') ++line_;
+        ++at_;
+        return true;
+    }
+
+    bool takeLineEnd() {
+        if (at_ == text_.size()) return true;
+        const bool hasReturn = take(u'\r');
+        return take(u'\n') || (hasReturn && at_ == text_.size());
+    }
+
+    QString field(QString* error) {
+        if (take(u'"')) return quoted(error);
+        QString value;
+        while (at_ < text_.size() && !u",\r\n"_s.contains(text_[at_])) value += text_[at_++];
+        if (value.contains(u'"')) *error = u"line %1: a quote stands inside an unquoted value"_s.arg(line_);
+        return value;
+    }
+
+    QString quoted(QString* error) {
+        const int begin = line_;
+        QString value;
+        while (at_ < text_.size()) {
+            const QChar character = text_[at_];
+            take(character);
+            if (character != u'"') {
+                value += character;
+            } else if (take(u'"')) {
+                value += u'"';
+            } else {
+                return value;
+            }
+        }
+        *error = u"line %1: a quoted value has no closing quote"_s.arg(begin);
+        return value;
+    }
+
+    const QString& text_;
+    qsizetype at_ = 0;
+    int line_ = 1;
+};
+
+}  // namespace
+
+CsvFile parseCsv(QByteArrayView content) {
+    if (const int line = firstBrokenLine(content); line != 0) {
+        return {{}, u"line %1: the text is not UTF-8"_s.arg(line)};
+    }
+    if (content.startsWith("\xEF\xBB\xBF")) content = content.sliced(3);
+    const QString text = QString::fromUtf8(content);
+    return Reader(text).read();
+}
+
+}  // namespace admin

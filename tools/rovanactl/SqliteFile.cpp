@@ -1,0 +1,65 @@
+#include "rovanactl/SqliteFile.h"
+
+#include <QStringBuilder>
+#include <algorithm>
+
+#include "db/Schema.h"
+
+namespace admin {
+
+using namespace Qt::Literals::StringLiterals;
+
+SqliteFile::SqliteFile(const QString& path, Mode mode) {
+    sqlite3* handle = nullptr;
+    const int flags = SQLITE_OPEN_READWRITE | (mode == Mode::Create ? SQLITE_OPEN_CREATE : 0);
+    isOpen_ = sqlite3_open_v2(path.toUtf8().constData(), &handle, flags, nullptr) == SQLITE_OK;
+    handle_.reset(handle);
+    sqlite3_busy_timeout(handle, 3000);
+}
+
+QString SqliteFile::errorText() const {
+    return QString::fromUtf8(sqlite3_errmsg(handle_.get()));
+}
+
+bool SqliteFile::execute(const QString& statements) {
+    return sqlite3_exec(handle_.get(), statements.toUtf8().constData(), nullptr, nullptr, nullptr) ==
+           SQLITE_OK;
+}
+
+std::optional<QList<QStringList>> SqliteFile::rows(const QString& statement, const QStringList& values) {
+    sqlite3_stmt* prepared = nullptr;
+    if (sqlite3_prepare_v2(handle_.get(), statement.toUtf8().constData(), -1, &prepared, nullptr) !=
+        SQLITE_OK) {
+        return std::nullopt;
+    }
+    for (int i = 0; i < values.size(); ++i) {
+        const QByteArray text = values[i].toUtf8();
+        sqlite3_bind_text(prepared, i + 1, text.constData(), int(text.size()), SQLITE_TRANSIENT);
+    }
+    QList<QStringList> found;
+    int result = sqlite3_step(prepared);
+    for (; result == SQLITE_ROW; result = sqlite3_step(prepared)) {
+        QStringList row;
+        for (int column = 0; column < sqlite3_column_count(prepared); ++column) {
+            row << QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(prepared, column)));
+        }
+        found << row;
+    }
+    sqlite3_finalize(prepared);
+    return result == SQLITE_DONE ? std::optional(found) : std::nullopt;
+}
+
+QString createTableStatement(QStringView name) {
+    const db::schema::Table* table = db::schema::findTable(name);
+    QStringList columns;
+    for (const QStringView column : table->columns) columns << column % u" TEXT"_s;
+    return u"CREATE TABLE "_s % table->name % u" ("_s % columns.join(u", "_s) % u");"_s;
+}
+
+QString createIndexStatement(QStringView name) {
+    const auto index =
+        std::ranges::find_if(db::schema::indexes(), [&](const auto& each) { return each.name == name; });
+    return u"CREATE INDEX "_s % index->name % u" ON "_s % index->table % u" ("_s % index->columns % u");"_s;
+}
+
+}  // namespace admin

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <sqlite3.h>
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+#include <memory>
+#include <optional>
+
+namespace admin {
+
+/// A database file opened past the terminal's own component, which makes no tables and hides every failure.
+/// Only making and checking a database need it.
+class SqliteFile {
+  public:
+    enum class Mode { Create, Existing };
+
+    SqliteFile(const QString& path, Mode mode);
+
+    bool isOpen() const { return isOpen_; }
+
+    /// What went wrong last.
+    QString errorText() const;
+
+    /// Runs statements without values or rows; false when one failed.
+    bool execute(const QString& statements);
+
+    /// Runs one statement with a text for each "?"; its rows as texts, nothing when it failed.
+    std::optional<QList<QStringList>> rows(const QString& statement, const QStringList& values = {});
+
+  private:
+    struct Closer {
+        void operator()(sqlite3* handle) const { sqlite3_close_v2(handle); }
+    };
+    std::unique_ptr<sqlite3, Closer> handle_;
+    bool isOpen_ = false;
+};
+
+/// The statements that make a table and an index of the terminal's database.
+QString createTableStatement(QStringView name);
+QString createIndexStatement(QStringView name);
+
+}  // namespace admin

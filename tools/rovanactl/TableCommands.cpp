@@ -1,0 +1,235 @@
+#include <QFile>
+#include <QFileInfo>
+#include <QHash>
+#include <QSet>
+#include <algorithm>
+#include <iterator>
+
+#include "db/Query.h"
+#include "rovanactl/Command.h"
+#include "rovanactl/Csv.h"
+#include "rovanactl/DeliveredTable.h"
+
+namespace admin {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr db::Statement<u"SELECT *  FROM PDAUSER WHERE userID = '%s'"> kSelectUser;
+constexpr db::Statement<u"DELETE PDAUSER WHERE userID = '%s'"> kDeleteUser;
+
+constexpr QStringView kNothingChanged =
+    u"the database did not take the rows (disk full, or in use by another program); nothing has changed";
+
+QString tableNames() {
+    QStringList names;
+    for (const DeliveredTable& table : deliveredTables()) names << table.name.toString();
+    return names.join(u", "_s);
+}
+
+/// For each column of the table its place in the file, from the file's heading; the error names what is
+/// missing, unknown or doubled.
+QString placeColumns(const DeliveredTable& table, const CsvRecord& heading, QList<qsizetype>* places) {
+    QStringList unknown = heading.fields;
+    for (const QStringView column : columnsOf(table)) {
+        const auto isColumn = [&](const QString& name) {
+            return column.compare(QStringView(name).trimmed(), Qt::CaseInsensitive) == 0;
+        };
+        const auto found = std::ranges::find_if(heading.fields, isColumn);
+        if (found == heading.fields.end()) {
+            return u"line %1: the column %2 is missing from the heading"_s.arg(heading.line).arg(column);
+        }
+        if (std::ranges::count_if(heading.fields, isColumn) > 1) {
+            return u"line %1: the heading names the column %2 twice"_s.arg(heading.line).arg(column);
+        }
+        places->append(std::distance(heading.fields.begin(), found));
+        unknown.removeIf(isColumn);
+    }
+    if (!unknown.isEmpty()) {
+        return u"line %1: %2 has no column \"%3\""_s.arg(heading.line).arg(table.name, unknown.first());
+    }
+    return {};
+}
+
+/// What the system needs of a whole table beyond its columns.
+QString findFault(const DeliveredTable& table, const QList<CsvRecord>& records,
+                  const QList<QStringList>& rows) {
+    if (table.name == u"config" && rows.size() != 1) {
+        return u"config holds exactly one row, the file has %1"_s.arg(rows.size());
+    }
+    if (table.name != u"PDAUSER") return {};
+    QSet<QString> ids;
+    for (qsizetype i = 0; i < rows.size(); ++i) {
+        const int line = records[i + 1].line;
+        const QString& id = rows[i][user::kId];
+        if (id.isEmpty() || rows[i][user::kPassword].isEmpty()) {
+            return u"line %1: a user needs an id and a password"_s.arg(line);
+        }
+        if (ids.contains(id)) return u"line %1: the user \"%2\" stands in the file twice"_s.arg(line).arg(id);
+        ids.insert(id);
+    }
+    return {};
+}
+
+/// The file's rows in the table's column order, or an error that names the line.
+QString readRows(const DeliveredTable& table, QByteArrayView content, QList<QStringList>* rows) {
+    const CsvFile file = parseCsv(content);
+    if (!file.error.isEmpty()) return file.error;
+    if (file.records.isEmpty()) return u"the file is empty; its first line names the columns"_s;
+    const CsvRecord& heading = file.records.first();
+    QList<qsizetype> places;
+    if (const QString error = placeColumns(table, heading, &places); !error.isEmpty()) return error;
+    for (const CsvRecord& record : file.records.sliced(1)) {
+        if (record.fields.size() != heading.fields.size()) {
+            return u"line %1: %2 values stand under %3 columns"_s.arg(record.line)
+                .arg(record.fields.size())
+                .arg(heading.fields.size());
+        }
+        QStringList row;
+        for (qsizetype i = 0; i < places.size(); ++i) {
+            row << record.fields[places[i]];
+            if (const QString error = unstorable(row.last()); !error.isEmpty()) {
+                return u"line %1, column %2: %3"_s.arg(record.line)
+                    .arg(columnsOf(table)[std::size_t(i)], error);
+            }
+        }
+        rows->append(row);
+    }
+    return findFault(table, file.records, *rows);
+}
+
+Outcome load(const Invocation& call) {
+    const DeliveredTable* table = findDeliveredTable(call.arguments[0]);
+    if (table == nullptr) {
+        return usageError(
+            u"\"%1\" is not a delivered table; load fills one of %2"_s.arg(call.arguments[0], tableNames()));
+    }
+    if (Outcome missing = requireTable(table->name); missing.exitCode != kSuccess) return missing;
+    QFile file(call.arguments[1]);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return failure(u"%1 cannot be read: %2"_s.arg(file.fileName(), file.errorString()));
+    }
+    QList<QStringList> rows;
+    if (const QString error = readRows(*table, file.readAll(), &rows); !error.isEmpty()) {
+        return failure(u"%1: %2; nothing has changed"_s.arg(file.fileName(), error));
+    }
+    db::Transaction transaction;
+    const bool isStored =
+        runIn(transaction, table->deleteAll()) && std::ranges::all_of(rows, [&](const QStringList& row) {
+            return runIn(transaction, table->insert(row));
+        });
+    if (!isStored || !transaction.commit()) return failure(kNothingChanged.toString());
+    call.out << u"%1: %2 rows\n"_s.arg(table->name).arg(rows.size());
+    return {};
+}
+
+/// A setting of a user that has an option: its place in the row and the values that have a meaning.
+struct UserOption {
+    QStringView name;
+    int position;
+    QStringView values;  ///< Each a character; a blank stands for the empty value. Empty: any text.
+    QStringView help;
+};
+
+constexpr UserOption kUserOptions[] = {
+    {u"name", user::kName, u"", u"The name shown at login and on slips."},
+    {u"vat-mode", user::kVatMode, u"123",
+     u"Total of a slip: 1 exact, 2 to the nearest 10 won, 3 to 100 won."},
+    {u"follow-on", user::kFollowOn, u" NYZ",
+     u"After a sales slip: N container deposit, Y or Z container return, \"\" collection."},
+    {u"container", user::kContainerWork, u" X", u"X hides the container work in the menu, \"\" shows it."},
+    {u"search", user::kSearch, u"YN", u"Product search: Y by initial consonant, N by liquor class."},
+};
+
+void addUserOptions(QCommandLineParser& parser) {
+    parser.addOption({u"password"_s, u"The password, digits; - reads it from standard input."_s, u"P"_s});
+    for (const UserOption& option : kUserOptions) {
+        parser.addOption({option.name.toString(), option.help.toString(), u"VALUE"_s});
+    }
+}
+
+/// Takes the options that were given into the user's row; an error for a value without a meaning.
+QString applyUserOptions(const QCommandLineParser& options, QStringList* row) {
+    for (const UserOption& option : kUserOptions) {
+        const QString name = option.name.toString();
+        if (!options.isSet(name)) continue;
+        const QString value = options.value(name);
+        if (const QString error = unstorable(value); !error.isEmpty()) return u"--%1: %2"_s.arg(name, error);
+        const bool isKnown = option.values.isEmpty() || (value.isEmpty() && option.values.startsWith(u' ')) ||
+                             (value.size() == 1 && value != u" " && option.values.contains(value));
+        if (!isKnown) {
+            const QStringList letters = option.values.trimmed().toString().split(u""_s, Qt::SkipEmptyParts);
+            return u"--%1 does not know \"%2\"; it takes %3%4"_s.arg(
+                name, value, letters.join(u", "_s), option.values.startsWith(u' ') ? u" or \"\""_s : u""_s);
+        }
+        (*row)[option.position] = value;
+    }
+    return {};
+}
+
+/// Takes the password into the row; an error, which never holds the password, when it cannot be one.
+QString applyPassword(const Invocation& call, QStringList* row) {
+    if (!call.options.isSet(u"password"_s)) return {};
+    QString password = call.options.value(u"password"_s);
+    if (password == u"-") password = call.in.readLine();
+    const bool isKeyable =
+        !password.isEmpty() && std::ranges::all_of(password, [](QChar c) { return c >= u'0' && c <= u'9'; });
+    if (!isKeyable) return u"the password must be digits, as the keypad of the login has nothing else"_s;
+    (*row)[user::kPassword] = password;
+    return {};
+}
+
+Outcome changeUser(const Invocation& call) {
+    const QString& id = call.arguments[0];
+    if (id.isEmpty()) return usageError(u"a user needs an id"_s);
+    if (const QString error = unstorable(id); !error.isEmpty()) return usageError(u"the id: "_s + error);
+    if (Outcome missing = requireTable(u"PDAUSER"); missing.exitCode != kSuccess) return missing;
+
+    const DeliveredTable& table = *findDeliveredTable(u"PDAUSER");
+    const std::optional<QStringList> stored = db::firstRow(kSelectUser(id));
+    QStringList row = stored.value_or(QStringList(qsizetype(columnsOf(table).size()), u""_s));
+    if (!stored) {
+        if (!call.options.isSet(u"password"_s) || !call.options.isSet(u"name"_s)) {
+            return usageError(
+                u"there is no user \"%1\" yet; adding one needs --password and --name"_s.arg(id));
+        }
+        row[user::kId] = id;
+        row[user::kVatMode] = u"1"_s;
+        row[user::kSearch] = u"N"_s;
+    }
+    QString error = applyUserOptions(call.options, &row);
+    if (error.isEmpty()) error = applyPassword(call, &row);
+    if (!error.isEmpty()) return usageError(error);
+
+    db::Transaction transaction;
+    if (!runIn(transaction, kDeleteUser(id)) || !runIn(transaction, table.insert(row)) ||
+        !transaction.commit()) {
+        return failure(kNothingChanged.toString());
+    }
+    call.out << u"user %1 %2\n"_s.arg(id, stored ? u"changed"_s : u"added"_s);
+    return {};
+}
+
+}  // namespace
+
+constinit const Command kLoadCommand{
+    u"load",
+    u"TABLE FILE.csv",
+    u"replaces PDAUSER, config, JGUBUN, MPUMMOK or BankMoney",
+    u"FILE.csv is UTF-8; its first line names the table's columns, in any order and case. When anything\n"
+    u"in it is wrong the table stays as it was.",
+    2,
+    2,
+    nullptr,
+    load};
+
+constinit const Command kUserCommand{u"user",
+                                     u"ID",
+                                     u"adds a user, or changes what is named of one",
+                                     u"Adding takes --password and --name; changing keeps what is not named.",
+                                     1,
+                                     1,
+                                     addUserOptions,
+                                     changeUser};
+
+}  // namespace admin
