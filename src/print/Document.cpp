@@ -31,10 +31,10 @@ void Document::centred(QStringView text) {
 void Document::labelText(QStringView label, QStringView text) {
     const QString content = text.trimmed().toString();
     if (content.isEmpty()) return;
-    QString before = PadRight(label, kLabelColumns) + u": "_s;
-    for (const QString& piece : wrapped(content, kColumns - kLabelColumns - 2)) {
+    QString before = PadRight(label, kLabelColumns) + u' ';
+    for (const QString& piece : wrapped(content, kColumns - kLabelColumns - 1)) {
         line(before + piece);
-        before = QString(kLabelColumns + 2, u' ');
+        before = QString(kLabelColumns + 1, u' ');
     }
 }
 

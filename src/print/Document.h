@@ -45,7 +45,7 @@ class Document {
     void line(QStringView text);
     /// A line in the middle of the paper, wrapped when it is too long.
     void centred(QStringView text);
-    /// "라벨      : 글", the text wrapped in its own column. Labels are padded to ten columns. Nothing for an
+    /// The label in ten columns, a blank, and the text wrapped in the 21 columns beside it. Nothing for an
     /// empty text.
     void labelText(QStringView label, QStringView text);
     /// The label on the left, the amount against the right edge with its unit behind it.

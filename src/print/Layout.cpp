@@ -48,7 +48,7 @@ QStringList wrapped(QStringView text, int width) {
         for (int columns = 0; (columns += columnsOf(rest[fitting])) <= width;) ++fitting;
         if (fitting == 0) fitting = 1;
         // The blank after a full piece is as good a place as one inside it.
-        const qsizetype blank = rest.first(fitting + 1).lastIndexOf(u' ');
+        const qsizetype blank = rest.first(qMin(fitting + 1, rest.size())).lastIndexOf(u' ');
         const qsizetype end = blank > 0 ? blank : fitting;
         pieces << rest.first(end).trimmed().toString();
         rest = rest.sliced(end).trimmed();

@@ -84,7 +84,7 @@ TEST_F(Roll, OperationsAreBoundByOrdinal) {
     counted(16)(2);
     EXPECT_EQ(rollText(), u""_s) << "paper is written when the device closes";
     EXPECT_EQ(plain(2)(), 1);
-    EXPECT_EQ(rollText(), u"  【제목】\n글\n\n\n"_s);
+    EXPECT_EQ(rollText().toStdString(), "  【제목】\n글\n\n\n");
     EXPECT_EQ(plain(2)(), 0) << "closed already";
 }
 
@@ -112,7 +112,8 @@ TEST_F(Roll, TextFollowsThePaper) {
         roll.open();
         for (const QString& text : entry.prints) roll.print(text);
         roll.close();
-        EXPECT_EQ(rollText(), entry.paper) << QString::fromUtf16(entry.what).toStdString();
+        EXPECT_EQ(rollText().toStdString(), entry.paper.toStdString())
+            << QString::fromUtf16(entry.what).toStdString();
     }
 }
 

@@ -50,7 +50,7 @@ TEST(PrintJob, KeepsTheOrderOfOperationsWhateverThePrinterAnswers) {
                                u"print \n"_s,
                                u"feed 2"_s,
                                u"close"_s};
-    EXPECT_EQ(asked, expected);
+    EXPECT_EQ(asked.join(u'|').toStdString(), expected.join(u'|').toStdString());
 }
 
 }  // namespace

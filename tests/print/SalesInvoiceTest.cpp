@@ -148,23 +148,23 @@ TEST_F(SalesInvoice, PrintStateMovesFromUnprintedOnly) {
     addLine(u"5004", u"1001", u"참이슬후레쉬", u"1", u"0", u"1", u"1", u"1", u"1");
     addLine(u"5001", u"1001", u"참이슬후레쉬", u"1", u"0", u"1", u"1", u"1", u"1", u"B");
     const auto states = [&](QStringView junNo) {
-        QStringList states;
+        QStringList found;
         for (const QStringList& row :
              device_.rows(u"SELECT DISTINCT UserID || WorkGubun FROM MTM WHERE JunNo = '%1' ORDER BY 1"_s.arg(
                  junNo))) {
-            states << row;
+            found << row;
         }
-        return states.join(u' ');
+        return found.join(u' ');
     };
     EXPECT_FALSE(print::isPrinted(kDate, u"5001", u"A"));
     print::markPrinted(kDate, u"5001", u"A");
     EXPECT_TRUE(print::isPrinted(kDate, u"5001", u"A"));
-    EXPECT_EQ(states(u"5001"), u"A발행 B미발행"_s);
+    EXPECT_EQ(states(u"5001").toStdString(), "A발행 B미발행");
 
     device_.execute(u"UPDATE MTM SET WorkGubun = '결제' WHERE JunNo = '5004'"_s);
     EXPECT_TRUE(print::isPrinted(kDate, u"5004", u"A"));
     print::markPrinted(kDate, u"5004", u"A");
-    EXPECT_EQ(states(u"5004"), u"A결제"_s);
+    EXPECT_EQ(states(u"5004").toStdString(), "A결제");
     EXPECT_FALSE(print::isPrinted(kDate, u"5099", u"A"));
 }
 
