@@ -1,0 +1,68 @@
+#include "rovana-play/Approval.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QStringList>
+#include <vector>
+
+namespace pilot {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+QStringList linesOf(const QString& text) {
+    QStringList lines = text.split(u'\n');
+    if (lines.last().isEmpty()) lines.removeLast();
+    return lines;
+}
+
+}  // namespace
+
+QString lineDiff(const QString& approved, const QString& printed) {
+    const QStringList before = linesOf(approved);
+    const QStringList after = linesOf(printed);
+    // common[i][j]: length of the longest common part of before from i on and after from j on.
+    std::vector common(size_t(before.size()) + 1, std::vector<int>(size_t(after.size()) + 1, 0));
+    for (auto i = size_t(before.size()); i-- > 0;) {
+        for (auto j = size_t(after.size()); j-- > 0;) {
+            common[i][j] = before[qsizetype(i)] == after[qsizetype(j)]
+                               ? common[i + 1][j + 1] + 1
+                               : std::max(common[i + 1][j], common[i][j + 1]);
+        }
+    }
+    QString diff;
+    const auto add = [&](QChar mark, const QString& line) { diff += mark + line + u'\n'; };
+    qsizetype i = 0;
+    qsizetype j = 0;
+    while (i < before.size() || j < after.size()) {
+        if (i < before.size() && j < after.size() && before[i] == after[j]) {
+            add(u' ', before[i++]);
+            ++j;
+        } else if (j == after.size() || (i < before.size() && common[size_t(i) + 1][size_t(j)] >=
+                                                                  common[size_t(i)][size_t(j) + 1])) {
+            add(u'-', before[i++]);
+        } else {
+            add(u'+', after[j++]);
+        }
+    }
+    return diff;
+}
+
+QString writeApproved(const QString& file, const QString& text) {
+    QDir().mkpath(QFileInfo(file).absolutePath());
+    QFile output(file);
+    const QByteArray bytes = text.toUtf8();
+    if (output.open(QIODevice::WriteOnly | QIODevice::Truncate) && output.write(bytes) == bytes.size())
+        return {};
+    return u"%1 cannot be written: %2"_s.arg(file, output.errorString());
+}
+
+QString readApproved(const QString& file) {
+    QFile input(file);
+    if (!input.open(QIODevice::ReadOnly)) return {};
+    const QString text = QString::fromUtf8(input.readAll());
+    return text.isNull() ? u""_s : text;
+}
+
+}  // namespace pilot

@@ -1,0 +1,362 @@
+#include "rovana-play/Pilot.h"
+
+#include <QAbstractButton>
+#include <QAbstractItemModel>
+#include <QAbstractItemView>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QPixmap>
+#include <QTest>
+#include <QWindow>
+
+#include "platform/Clock.h"
+#include "platform/termdev/PaperRoll.h"
+#include "rovana-play/Approval.h"
+#include "rovana-play/DatabaseReader.h"
+#include "rovana-play/Reach.h"
+#include "ui/Messages.h"
+#include "ui/Terminal.h"
+
+namespace pilot {
+
+using namespace Qt::Literals::StringLiterals;
+
+/// What came of looking at a step: it has to wait because of the problem, or it can be done now.
+struct Pilot::Attempt {
+    QString problem;
+    /// Does the step; returns what went wrong, else an empty text. Empty when looking was all.
+    std::function<QString()> act;
+};
+
+namespace {
+
+using Attempt = Pilot::Attempt;
+
+constexpr int kPollMs = 5;
+/// Dialogs that do not close are left behind after this time.
+constexpr int kClosingMs = 10000;
+
+Attempt waitFor(const QString& problem) {
+    return {problem, {}};
+}
+
+template <typename Act>
+Attempt ready(Act act) {
+    return {{}, [act] {
+                act();
+                return QString();
+            }};
+}
+
+Attempt expectEqual(const QString& found, const QString& wanted) {
+    return found == wanted ? Attempt{} : waitFor(u"found "_s + quoted(found));
+}
+
+Attempt setClock(const Step& step) {
+    return ready([moment = step.moment] { platform::clock::set(moment); });
+}
+
+Attempt press(const Step& step) {
+    const Found found = reachControl(step.at);
+    if (!found.control) return waitFor(found.problem);
+    return ready([place = placeOf(*found.control)] { touch(place); });
+}
+
+/// The check boxes of the keypad for its second and third field.
+constexpr Address kSecondField{130, 1089};
+constexpr Address kThirdField{130, 1090};
+
+bool isChecked(const Found& found) {
+    const auto* box = qobject_cast<const QAbstractButton*>(found.control.data());
+    return box != nullptr && box->isChecked();
+}
+
+Attempt nextField(const Step&) {
+    const Found second = reachControl(kSecondField);
+    if (!second.control) return waitFor(second.problem);
+    if (isChecked(findControl(kThirdField))) return waitFor(u"the third field is the last"_s);
+    if (!isChecked(second)) return ready([place = placeOf(*second.control)] { touch(place); });
+    const Found third = reachControl(kThirdField);
+    if (!third.control) return waitFor(third.problem);
+    return ready([second = placeOf(*second.control), third = placeOf(*third.control)] {
+        touch(second);
+        touch(third);
+    });
+}
+
+Attempt type(const Step& step) {
+    const Found found = reachControl(step.at);
+    if (!found.control) return waitFor(found.problem);
+    return {{}, [control = found.control, text = step.texts[0]] { return typeInto(*control, text); }};
+}
+
+QString textOf(const Step& step) {
+    return step.texts.value(0);
+}
+
+Attempt chooseRow(const Step& step) {
+    const Found found = reachControl(step.at);
+    if (!found.control) return waitFor(found.problem);
+    const FoundRow row = findRow(found.control, step.numbers[0], textOf(step));
+    if (!row.problem.isEmpty()) return waitFor(row.problem);
+    if (auto* combo = qobject_cast<QComboBox*>(found.control.data()))
+        return ready([combo = QPointer(combo), entry = row.cell] { chooseEntry(*combo, entry); });
+    const QPoint place = placeOf(row);
+    if (place.isNull()) return waitFor(u"the row cannot be brought into view"_s);
+    return ready([place, isDouble = step.command == Command::DoubleRow] {
+        isDouble ? touchTwice(place) : touch(place);
+    });
+}
+
+Attempt answer(const Step& step) {
+    if (openMessage() == nullptr) return waitFor(u"no message is open: "_s + inFront());
+    const Found found =
+        reachControl({ui::kMessageBoxId, step.numbers[0] == 1 ? ui::kMessageOk : ui::kMessageCancel});
+    if (!found.control)
+        return waitFor(found.problem + u", the message is "_s + quoted(openMessage()->text()));
+    return ready([place = placeOf(*found.control)] { touch(place); });
+}
+
+Attempt pressKey(const Step& step) {
+    ui::Terminal* terminal = ui::Terminal::current();
+    if (terminal->top() == nullptr) return waitFor(inFront());
+    return ready([terminal, key = Qt::Key(step.numbers[0])] {
+        QTest::keyClick(terminal->window()->windowHandle(), key);
+    });
+}
+
+Attempt expectMessage(const Step& step) {
+    const ui::MessageBox* message = openMessage();
+    if (message == nullptr) return waitFor(u"no message is open: "_s + inFront());
+    return expectEqual(step.command == Command::ExpectMessage ? message->text() : message->caption(),
+                       textOf(step));
+}
+
+Attempt expectScreen(const Step& step) {
+    const ui::Screen* top = ui::Terminal::current()->top();
+    const bool isInFront = top != nullptr && top->id() == step.numbers[0];
+    return isInFront ? Attempt{} : waitFor(inFront());
+}
+
+Attempt expectText(const Step& step) {
+    const Found found = findControl(step.at);
+    if (!found.control) return waitFor(found.problem);
+    if (!found.control->isVisible()) return waitFor(toString(step.at) + u" is hidden"_s);
+    return expectEqual(shownText(*found.control), textOf(step));
+}
+
+Attempt expectRows(const Step& step) {
+    const Found found = findControl(step.at);
+    if (!found.control) return waitFor(found.problem);
+    const QAbstractItemView* list = listOf(found.control);
+    if (list == nullptr) return waitFor(toString(step.at) + u" has no rows"_s);
+    const int rows = list->model()->rowCount();
+    return rows == step.numbers[0] ? Attempt{} : waitFor(u"found %1 rows"_s.arg(rows));
+}
+
+Attempt expectCell(const Step& step) {
+    const Found found = findControl(step.at);
+    if (!found.control) return waitFor(found.problem);
+    const QAbstractItemView* list = listOf(found.control);
+    if (list == nullptr) return waitFor(toString(step.at) + u" has no rows"_s);
+    const QAbstractItemModel* model = list->model();
+    const int row = step.numbers[0];
+    const int column = step.numbers[1];
+    if (row > model->rowCount() || column > model->columnCount())
+        return waitFor(
+            u"there are only %1 rows of %2 columns"_s.arg(model->rowCount()).arg(model->columnCount()));
+    return expectEqual(model->index(row - 1, column - 1).data().toString(), textOf(step));
+}
+
+Attempt expectState(const Step& step) {
+    const Found found = findControl(step.at);
+    if (!found.control) return waitFor(found.problem);
+    const auto found_is = [&](bool isSo, QStringView otherwise) {
+        return isSo ? Attempt{} : waitFor(u"%1 is %2"_s.arg(toString(step.at), otherwise));
+    };
+    switch (step.command) {
+        case Command::ExpectHidden:
+            return found_is(!found.control->isVisible(), u"shown");
+        case Command::ExpectShown:
+            return found_is(found.control->isVisible(), u"hidden");
+        case Command::ExpectDisabled:
+            return found_is(!found.control->isEnabled(), u"enabled");
+        case Command::ExpectEnabled:
+            return found_is(found.control->isEnabled(), u"disabled");
+        case Command::ExpectChecked:
+            return found_is(isChecked(found), u"not checked");
+        default:
+            return found_is(!isChecked(found), u"checked");
+    }
+}
+
+Attempt expectSql(const Step& step) {
+    const ReadValue value = readValue(step.texts[0]);
+    return value.error.isEmpty() ? expectEqual(value.text, step.texts[1]) : waitFor(value.error);
+}
+
+bool needsNoScreen(Command command) {
+    return command == Command::Clock || command == Command::Patience || command == Command::Tear;
+}
+
+}  // namespace
+
+Pilot::Pilot(Script script, Options options, QObject* parent)
+    : QObject(parent), script_(std::move(script)), options_(std::move(options)) {
+    timer_.setSingleShot(true);
+    connect(&timer_, &QTimer::timeout, this, &Pilot::poll);
+}
+
+Pilot::~Pilot() = default;
+
+void Pilot::start() {
+    rollStart_ = platform::termdev::rollText().size();
+    while (current_ < script_.steps.size() && needsNoScreen(script_.steps[current_].command)) {
+        const Attempt head = attempt(script_.steps[current_]);
+        ++current_;
+        if (head.act) head.act();
+    }
+    waiting_.start();
+    timer_.start(options_.paceMs);
+}
+
+bool Pilot::finish() {
+    timer_.stop();
+    const bool isCutShort = !isClosing_ && current_ < script_.steps.size();
+    if (isCutShort) miss(script_.steps[current_], u"the program had ended"_s);
+    return failure_.isEmpty();
+}
+
+void Pilot::poll() {
+    if (isClosing_) return closeAll();
+    if (current_ == script_.steps.size() || script_.steps[current_].command == Command::Quit) {
+        isClosing_ = true;
+        waiting_.restart();
+        return closeAll();
+    }
+    // Before the step, because it may open a dialog and come back only when that is closed.
+    timer_.start(kPollMs);
+    const Step step = script_.steps[current_];
+    const Attempt tried = attempt(step);
+    if (!tried.problem.isEmpty()) {
+        if (waiting_.elapsed() >= options_.patienceMs) miss(step, tried.problem);
+        return;
+    }
+    advance();
+    if (!tried.act) return;
+    const QString problem = tried.act();
+    if (!problem.isEmpty()) miss(step, problem);
+}
+
+void Pilot::advance() {
+    ++current_;
+    waiting_.restart();
+    timer_.start(qMax(kPollMs, options_.paceMs));
+}
+
+void Pilot::closeAll() {
+    ui::Terminal* terminal = ui::Terminal::current();
+    if (terminal == nullptr || terminal->top() == nullptr) return;
+    if (waiting_.elapsed() >= kClosingMs) {
+        if (failure_.isEmpty()) {
+            failure_ = u"%1: the dialogs do not close: %2"_s.arg(script_.file, inFront());
+            Q_EMIT missed(failure_);
+        }
+        return QCoreApplication::exit(1);
+    }
+    // A dialog may open another one while it closes, so this goes on until none is left.
+    timer_.start(kPollMs);
+    terminal->closeAll();
+}
+
+void Pilot::miss(const Step& step, const QString& problem) {
+    if (!failure_.isEmpty()) return;
+    failure_ = u"%1:%2: %3\n    %4"_s.arg(script_.file).arg(step.line).arg(step.source, problem);
+    saveShot(u"missed"_s);
+    isClosing_ = true;
+    waiting_.restart();
+    timer_.start(0);
+    Q_EMIT missed(failure_);
+}
+
+Attempt Pilot::attempt(const Step& step) {
+    switch (step.command) {
+        case Command::Clock:
+            return setClock(step);
+        case Command::Patience:
+            return ready([this, seconds = step.numbers[0]] { options_.patienceMs = seconds * 1000; });
+        case Command::Press:
+        case Command::KeypadKey:
+            return press(step);
+        case Command::KeypadNext:
+            return nextField(step);
+        case Command::Type:
+            return type(step);
+        case Command::Row:
+        case Command::DoubleRow:
+            return chooseRow(step);
+        case Command::Answer:
+            return answer(step);
+        case Command::Key:
+            return pressKey(step);
+        case Command::ExpectMessage:
+        case Command::ExpectCaption:
+            return expectMessage(step);
+        case Command::ExpectScreen:
+            return expectScreen(step);
+        case Command::ExpectText:
+            return expectText(step);
+        case Command::ExpectRows:
+            return expectRows(step);
+        case Command::ExpectCell:
+            return expectCell(step);
+        case Command::ExpectHidden:
+        case Command::ExpectShown:
+        case Command::ExpectDisabled:
+        case Command::ExpectEnabled:
+        case Command::ExpectChecked:
+        case Command::ExpectUnchecked:
+            return expectState(step);
+        case Command::ExpectSql:
+            return expectSql(step);
+        case Command::ExpectRoll:
+            return compareRoll(step);
+        case Command::Tear:
+            return ready([this] { rollStart_ = platform::termdev::rollText().size(); });
+        case Command::Shot:
+            return ready([this, name = textOf(step)] { saveShot(name); });
+        case Command::Quit:
+            break;
+    }
+    return {};
+}
+
+QString Pilot::rollSoFar() const {
+    return platform::termdev::rollText().mid(rollStart_);
+}
+
+Attempt Pilot::compareRoll(const Step& step) {
+    const QString file = QDir(QFileInfo(script_.file).absolutePath()).absoluteFilePath(step.texts[0]);
+    const QString approved = readApproved(file);
+    const QString printed = rollSoFar();
+    if (!approved.isNull() && approved == printed) return {};
+    // Until then the paper may still be on its way.
+    if (options_.approve && waiting_.elapsed() >= options_.patienceMs / 5)
+        return {{}, [file, printed] { return writeApproved(file, printed); }};
+    if (approved.isNull())
+        return waitFor(u"%1 is not there; ROVANA_APPROVE=1 writes it. Printed:\n%2"_s.arg(file, printed));
+    return waitFor(u"the paper differs (- approved, + printed):\n"_s + lineDiff(approved, printed));
+}
+
+void Pilot::saveShot(const QString& name) {
+    ui::Terminal* terminal = ui::Terminal::current();
+    if (options_.shots.isEmpty() || terminal == nullptr) return;
+    QDir().mkpath(options_.shots);
+    const QString file = u"%1/%2-%3.png"_s.arg(options_.shots).arg(++shots_, 2, 10, QChar(u'0')).arg(name);
+    if (!terminal->grab().save(file)) qWarning("cannot write %s", qUtf8Printable(file));
+}
+
+}  // namespace pilot

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QString>
+#include <QTimer>
+#include <functional>
+
+#include "rovana-play/Script.h"
+
+namespace pilot {
+
+/// How long a step waits for what it needs, in milliseconds. Sanitizers slow the screens down.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+inline constexpr int kPatienceMs = 20000;
+#else
+inline constexpr int kPatienceMs = 5000;
+#endif
+
+struct Options {
+    QString shots;  ///< Folder for screenshots; empty for none.
+    int patienceMs = kPatienceMs;
+    int paceMs = 0;        ///< Pause before every step, for people who watch.
+    bool approve = false;  ///< Takes the printed paper as approved instead of missing a step.
+};
+
+/// Plays a script on the terminal of this process, while the screens run their own event loops. Each step
+/// waits until it can be done. A step that cannot be done in time closes every dialog, and so the program.
+class Pilot : public QObject {
+    Q_OBJECT
+
+  public:
+    Pilot(Script script, Options options, QObject* parent = nullptr);
+    ~Pilot() override;
+
+    /// Starts to play. Commands at the head of the script that need no screen take effect at once. Call it
+    /// right before the first dialog is opened.
+    void start();
+
+    /// To be called when the program has ended by itself or was closed: true when every step was done.
+    bool finish();
+
+    /// The step that was missed, as "FILE:LINE: COMMAND" and what was found instead; empty for none.
+    const QString& failure() const { return failure_; }
+
+    struct Attempt;
+
+  Q_SIGNALS:
+    /// A step was missed; sent before the dialogs are closed.
+    void missed(const QString& failure);
+
+  private:
+    void poll();
+    void closeAll();
+    void miss(const Step& step, const QString& problem);
+    void advance();
+    Attempt attempt(const Step& step);
+    Attempt compareRoll(const Step& step);
+    void saveShot(const QString& name);
+    QString rollSoFar() const;
+
+    Script script_;
+    Options options_;
+    QTimer timer_;
+    QElapsedTimer waiting_;  ///< Since the step at hand came up.
+    qsizetype current_ = 0;
+    qsizetype rollStart_ = 0;  ///< Characters of the roll that are not this play's, or torn off.
+    int shots_ = 0;
+    bool isClosing_ = false;
+    QString failure_;
+};
+
+}  // namespace pilot

@@ -1,0 +1,380 @@
+#include "rovana-play/Script.h"
+
+#include <QFile>
+#include <QHash>
+#include <QStringDecoder>
+#include <algorithm>
+#include <iterator>
+#include <optional>
+#include <utility>
+
+namespace pilot {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+/// What a command is followed by.
+enum class Operand {
+    Address,   ///< "102.1005"
+    Number,    ///< A whole number from 0 on.
+    Position,  ///< A row or column, from 1 on.
+    Row,       ///< A position, or "=" and a text of the row.
+    Word,      ///< One word, or a quoted text, that others may follow.
+    Text,      ///< The rest of the line.
+    Name,      ///< A word for a file name: letters, digits, "-" and "_".
+    Reply,     ///< ok, cancel, yes or no: 1 for the first button, 0 for the other.
+    Key,       ///< A key of the keyboard.
+    KeypadKeys,
+    Moment,  ///< "2026-11-21 09:05", seconds if wanted.
+};
+
+struct Syntax {
+    QStringView name;
+    Command command;
+    QList<Operand> operands;
+    QStringView usage;
+};
+
+const QList<Syntax>& syntaxes() {
+    using enum Operand;
+    static const QList<Syntax> table = {
+        {u"clock", Command::Clock, {Moment}, u"YYYY-MM-DD HH:MM"},
+        {u"patience", Command::Patience, {Number}, u"SECONDS"},
+        {u"press", Command::Press, {Address}, u"D.C"},
+        {u"type", Command::Type, {Address, Text}, u"D.C TEXT"},
+        {u"keys", Command::KeypadKey, {KeypadKeys}, u"DIGITS|00|-|next|again|erase|ok|cancel ..."},
+        {u"row", Command::Row, {Address, Row}, u"D.C N|=TEXT"},
+        {u"row2", Command::DoubleRow, {Address, Row}, u"D.C N|=TEXT"},
+        {u"answer", Command::Answer, {Reply}, u"ok|cancel|yes|no"},
+        {u"key", Command::Key, {Key}, u"NAME"},
+        {u"expect", Command::ExpectText, {Address, Text}, u"D.C TEXT"},
+        {u"expect message", Command::ExpectMessage, {Text}, u"TEXT"},
+        {u"expect caption", Command::ExpectCaption, {Text}, u"TEXT"},
+        {u"expect screen", Command::ExpectScreen, {Number}, u"D"},
+        {u"expect rows", Command::ExpectRows, {Address, Number}, u"D.C N"},
+        {u"expect cell", Command::ExpectCell, {Address, Position, Position, Text}, u"D.C ROW COLUMN TEXT"},
+        {u"expect hidden", Command::ExpectHidden, {Address}, u"D.C"},
+        {u"expect shown", Command::ExpectShown, {Address}, u"D.C"},
+        {u"expect disabled", Command::ExpectDisabled, {Address}, u"D.C"},
+        {u"expect enabled", Command::ExpectEnabled, {Address}, u"D.C"},
+        {u"expect checked", Command::ExpectChecked, {Address}, u"D.C"},
+        {u"expect unchecked", Command::ExpectUnchecked, {Address}, u"D.C"},
+        {u"expect sql", Command::ExpectSql, {Word, Text}, u"\"SELECT ...\" TEXT"},
+        {u"expect roll", Command::ExpectRoll, {Text}, u"FILE"},
+        {u"tear", Command::Tear, {}, u""},
+        {u"shot", Command::Shot, {Name}, u"NAME"},
+        {u"quit", Command::Quit, {}, u""},
+    };
+    return table;
+}
+
+constexpr int kKeypadDialog = 130;
+
+struct KeypadWord {
+    QStringView word;
+    int control;
+};
+
+/// Keys of the on-screen keypad; other words are taken digit by digit.
+constexpr KeypadWord kKeypadWords[] = {{u"00", 1040},     {u"again", 1002}, {u"erase", 1011},
+                                       {u"cancel", 1003}, {u"ok", 1000},    {u"-", 1001}};
+
+/// The digit keys stand in the order 1 to 9, then 0. 0 for a character without a key.
+int keypadControl(QChar character) {
+    if (character == u'-') return 1001;
+    if (character == u'0') return 1038;
+    return character > u'0' && character <= u'9' ? 1029 + (character.unicode() - u'1') : 0;
+}
+
+int keyboardKey(const QString& name) {
+    static const QHash<QString, int> names = {
+        {u"enter"_s, Qt::Key_Return},
+        {u"esc"_s, Qt::Key_Escape},
+        {u"tab"_s, Qt::Key_Tab},
+        {u"backtab"_s, Qt::Key_Backtab},
+        {u"backspace"_s, Qt::Key_Backspace},
+        {u"delete"_s, Qt::Key_Delete},
+        {u"space"_s, Qt::Key_Space},
+        {u"up"_s, Qt::Key_Up},
+        {u"down"_s, Qt::Key_Down},
+        {u"left"_s, Qt::Key_Left},
+        {u"right"_s, Qt::Key_Right},
+        {u"home"_s, Qt::Key_Home},
+        {u"end"_s, Qt::Key_End},
+        {u"pageup"_s, Qt::Key_PageUp},
+        {u"pagedown"_s, Qt::Key_PageDown},
+    };
+    if (name.size() == 1 && name[0] > u' ' && name[0] <= u'~') return name[0].toUpper().unicode();
+    return names.value(name.toLower());
+}
+
+std::optional<int> wholeNumber(QStringView word, int least) {
+    bool isNumber = false;
+    const int number = word.toInt(&isNumber);
+    return isNumber && number >= least && word[0].isDigit() ? std::optional(number) : std::nullopt;
+}
+
+std::optional<Address> address(QStringView word) {
+    const qsizetype point = word.indexOf(u'.');
+    if (point < 0) return std::nullopt;
+    const std::optional<int> dialog = wholeNumber(word.first(point), 0);
+    const std::optional<int> control = wholeNumber(word.sliced(point + 1), 1);
+    return dialog && control ? std::optional(Address{*dialog, *control}) : std::nullopt;
+}
+
+/// Takes a line apart from the left. The first error stays.
+class LineReader {
+  public:
+    explicit LineReader(QStringView line) : rest_(line.trimmed()) {}
+
+    const QString& error() const { return error_; }
+    bool atEnd() const { return rest_.isEmpty(); }
+    QStringView rest() const { return rest_; }
+    QStringView nextWord() const { return rest_.first(blankFrom(0)); }
+
+    QString word() {
+        if (rest_.startsWith(u'"')) return quotedText();
+        const QString result = nextWord().toString();
+        skip(result.size());
+        return result;
+    }
+
+    QString text() {
+        if (rest_.isEmpty()) return missing(u"a text is missing; \"\" is the empty one"_s);
+        if (!rest_.startsWith(u'"')) return std::exchange(rest_, {}).toString();
+        const QString result = quotedText();
+        if (!atEnd()) fail(u"something follows the quoted text"_s);
+        return result;
+    }
+
+    void skip(qsizetype characters) { rest_ = rest_.sliced(characters).trimmed(); }
+    void fail(const QString& error) {
+        if (error_.isEmpty()) error_ = error;
+    }
+
+  private:
+    qsizetype blankFrom(qsizetype start) const {
+        qsizetype at = start;
+        while (at < rest_.size() && !rest_[at].isSpace()) ++at;
+        return at;
+    }
+
+    QString missing(const QString& error) {
+        fail(error);
+        return {};
+    }
+
+    QString quotedText() {
+        QString result;
+        for (qsizetype at = 1; at < rest_.size(); ++at) {
+            if (rest_[at] == u'"') {
+                if (blankFrom(at) != at + 1) return missing(u"something follows the quoted text"_s);
+                skip(at + 1);
+                return result;
+            }
+            if (rest_[at] != u'\\') {
+                result += rest_[at];
+                continue;
+            }
+            const QChar escaped = ++at < rest_.size() ? rest_[at] : QChar();
+            if (escaped != u'n' && escaped != u'"' && escaped != u'\\')
+                return missing(uR"(a backslash in quotes stands before n, " or \ only)"_s);
+            result += escaped == u'n' ? u'\n' : escaped;
+        }
+        return missing(u"the quoted text has no end"_s);
+    }
+
+    QStringView rest_;
+    QString error_;
+};
+
+void readOperand(Operand operand, LineReader& line, Step* step) {
+    if (line.atEnd() && operand != Operand::Text) return line.fail(u"something is missing"_s);
+    switch (operand) {
+        case Operand::Address: {
+            const QString word = line.word();
+            const std::optional<Address> at = address(word);
+            if (!at) return line.fail(u"no address of the form DIALOG.CONTROL: %1"_s.arg(word));
+            step->at = *at;
+            return;
+        }
+        case Operand::Number:
+        case Operand::Position: {
+            const int least = operand == Operand::Position ? 1 : 0;
+            const QString word = line.word();
+            const std::optional<int> number = wholeNumber(word, least);
+            if (!number) return line.fail(u"no number from %1 on: %2"_s.arg(least).arg(word));
+            step->numbers << *number;
+            return;
+        }
+        case Operand::Row:
+            if (!line.rest().startsWith(u'=')) return readOperand(Operand::Position, line, step);
+            line.skip(1);
+            step->numbers << 0;
+            step->texts << line.text();
+            return;
+        case Operand::Word:
+            step->texts << line.word();
+            return;
+        case Operand::Text:
+            step->texts << line.text();
+            return;
+        case Operand::Name: {
+            const QString word = line.word();
+            const bool isName = std::all_of(word.begin(), word.end(), [](QChar character) {
+                return character.isLetterOrNumber() || character == u'-' || character == u'_';
+            });
+            if (!isName || word.isEmpty()) return line.fail(u"no name for a file: %1"_s.arg(word));
+            step->texts << word;
+            return;
+        }
+        case Operand::Reply: {
+            const QString word = line.word();
+            const bool isFirst = word == u"ok" || word == u"yes";
+            if (!isFirst && word != u"cancel" && word != u"no")
+                return line.fail(u"no answer: %1"_s.arg(word));
+            step->numbers << (isFirst ? 1 : 0);
+            return;
+        }
+        case Operand::Key: {
+            const QString word = line.word();
+            const int key = keyboardKey(word);
+            if (key == 0) return line.fail(u"no key: %1"_s.arg(word));
+            step->numbers << key;
+            return;
+        }
+        case Operand::Moment: {
+            const QString day = line.word();
+            QString time = line.word();
+            if (time.size() == 5) time += u":00"_s;
+            step->moment = QDateTime::fromString(day + u' ' + time, u"yyyy-MM-dd HH:mm:ss"_s);
+            if (!step->moment.isValid()) line.fail(u"no date and time: %1 %2"_s.arg(day, time));
+            return;
+        }
+        case Operand::KeypadKeys:
+            return;
+    }
+}
+
+/// The steps of "keys": the words that follow it, key by key.
+QList<Step> readKeypadKeys(LineReader& line, const Step& base) {
+    if (line.atEnd()) line.fail(u"something is missing"_s);
+    QList<Step> steps;
+    const auto add = [&](Command command, int control) {
+        Step step = base;
+        step.command = command;
+        step.at = {kKeypadDialog, control};
+        steps << step;
+    };
+    while (!line.atEnd() && line.error().isEmpty()) {
+        const QString word = line.word();
+        const auto* named = std::find_if(std::begin(kKeypadWords), std::end(kKeypadWords),
+                                         [&](const KeypadWord& entry) { return entry.word == word; });
+        if (named != std::end(kKeypadWords)) {
+            add(Command::KeypadKey, named->control);
+        } else if (word == u"next") {
+            add(Command::KeypadNext, 0);
+        } else {
+            for (const QChar character : word) {
+                const int control = keypadControl(character);
+                if (control == 0) line.fail(u"the keypad has no key for: %1"_s.arg(word));
+                add(Command::KeypadKey, control);
+            }
+        }
+    }
+    return steps;
+}
+
+/// The command that the line starts with, taken off the line; null for none.
+const Syntax* takeCommand(LineReader& line) {
+    const auto find = [](const QString& name) -> const Syntax* {
+        const auto found = std::find_if(syntaxes().begin(), syntaxes().end(),
+                                        [&](const Syntax& syntax) { return syntax.name == name; });
+        return found == syntaxes().end() ? nullptr : &*found;
+    };
+    QString name = line.word();
+    const Syntax* syntax = find(name);
+    if (name == u"expect" && !line.nextWord().contains(u'.')) {
+        name += u' ' + line.nextWord().toString();
+        syntax = find(name);
+        if (syntax != nullptr) line.word();
+    }
+    if (syntax == nullptr) line.fail(u"unknown command: %1"_s.arg(name));
+    return syntax;
+}
+
+/// The steps of one line; in error, none and what is wrong.
+QList<Step> parseLine(QStringView text, int number, QString* error) {
+    LineReader line(text);
+    Step step;
+    step.line = number;
+    step.source = text.trimmed().toString();
+    QList<Step> steps;
+    const Syntax* syntax = takeCommand(line);
+    if (syntax != nullptr) {
+        step.command = syntax->command;
+        if (syntax->operands == QList{Operand::KeypadKeys}) {
+            steps = readKeypadKeys(line, step);
+        } else {
+            for (const Operand operand : syntax->operands) {
+                if (line.error().isEmpty()) readOperand(operand, line, &step);
+            }
+            if (line.error().isEmpty() && !line.atEnd()) line.fail(u"too much: %1"_s.arg(line.rest()));
+            steps = {step};
+        }
+    }
+    *error = line.error();
+    if (!error->isEmpty() && syntax != nullptr)
+        *error += u" (%1)"_s.arg(u"%1 %2"_s.arg(syntax->name, syntax->usage).trimmed());
+    return error->isEmpty() ? steps : QList<Step>();
+}
+
+}  // namespace
+
+QString toString(Address address) {
+    return u"%1.%2"_s.arg(address.dialog).arg(address.control);
+}
+
+QString quoted(const QString& text) {
+    QString result = text;
+    result.replace(u'\\', uR"(\\)"_s).replace(u'"', uR"(\")"_s).replace(u'\n', uR"(\n)"_s);
+    return u'"' + result + u'"';
+}
+
+Script parseScript(const QString& text) {
+    Script script;
+    int number = 0;
+    for (const QStringView line : QStringView(text).split(u'\n')) {
+        ++number;
+        const QStringView content = line.trimmed();
+        if (content.isEmpty() || content.startsWith(u'#')) continue;
+        QString error;
+        if (!script.steps.isEmpty() && script.steps.last().command == Command::Quit) {
+            error = u"nothing can follow \"quit\""_s;
+        } else {
+            script.steps += parseLine(content, number, &error);
+        }
+        if (!error.isEmpty()) script.errors << u"line %1: %2"_s.arg(number).arg(error);
+    }
+    return script;
+}
+
+Script readScript(const QString& file) {
+    Script script;
+    QFile input(file);
+    if (!input.open(QIODevice::ReadOnly)) {
+        script.errors << u"cannot be read: %1"_s.arg(input.errorString());
+    } else {
+        QStringDecoder decoder(QStringDecoder::Utf8);
+        const QString text = decoder(input.readAll());
+        if (decoder.hasError()) {
+            script.errors << u"is not in UTF-8"_s;
+        } else {
+            script = parseScript(text);
+        }
+    }
+    script.file = file;
+    return script;
+}
+
+}  // namespace pilot

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <QDateTime>
+#include <QList>
+#include <QString>
+#include <QStringList>
+#include <QStringView>
+
+/// Visit scripts: plain text, one command a line, that say what a salesman does on the screens and what he
+/// must find there.
+namespace pilot {
+
+enum class Command {
+    Clock,
+    Patience,
+    Press,
+    Type,
+    KeypadKey,
+    KeypadNext,
+    Row,
+    DoubleRow,
+    Answer,
+    Key,
+    ExpectMessage,
+    ExpectCaption,
+    ExpectScreen,
+    ExpectText,
+    ExpectRows,
+    ExpectCell,
+    ExpectHidden,
+    ExpectShown,
+    ExpectDisabled,
+    ExpectEnabled,
+    ExpectChecked,
+    ExpectUnchecked,
+    ExpectSql,
+    ExpectRoll,
+    Tear,
+    Shot,
+    Quit,
+};
+
+/// A control by the ids of its dialog and of itself.
+struct Address {
+    int dialog = 0;
+    int control = 0;
+
+    friend bool operator==(const Address&, const Address&) = default;
+};
+
+/// The address as scripts write it: "102.1005".
+QString toString(Address address);
+
+/// The text as scripts quote it.
+QString quoted(const QString& text);
+
+/// One thing to do. A line makes one step, except "keys", which makes one for each key.
+struct Step {
+    int line = 0;    ///< From 1.
+    QString source;  ///< The line, without surrounding blanks.
+    Command command = Command::Quit;
+    Address at;
+    /// Rows and columns count from 1; row 0 is the row that holds the step's text.
+    QList<int> numbers;
+    QStringList texts;
+    QDateTime moment;
+};
+
+struct Script {
+    QString file;
+    QList<Step> steps;
+    QStringList errors;  ///< "line N: what is wrong", empty when the whole script can be played.
+};
+
+/// Reads a script. Lines in error are told in `errors`, the others are read all the same.
+Script parseScript(const QString& text);
+
+/// Reads a script file in UTF-8. A file that cannot be read makes a script with one error.
+Script readScript(const QString& file);
+
+}  // namespace pilot
