@@ -4,6 +4,7 @@
 #include <QElapsedTimer>
 #include <QProgressBar>
 
+#include "app/Dialogs.h"
 #include "db/MasterImport.h"
 #include "ui/Messages.h"
 #include "ui/WaitCursor.h"
@@ -12,8 +13,6 @@ namespace app {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
-
-constexpr int kDialog = 435;
 
 /// The screen is refreshed this often while lines are loaded.
 constexpr qint64 kRefreshMs = 30;
@@ -33,7 +32,7 @@ constexpr FileRow kRows[] = {{1136, 1135, u"주문서", u"주문서"},
 
 }  // namespace
 
-CImportDlg::CImportDlg() : Screen(kDialog) {
+CImportDlg::CImportDlg() : Screen(dialogs::kImport) {
     addPicture(0, ui::bitmaps::kImportHeading, {0, 0});
     for (int i = 0; i < kFiles; ++i) {
         const int top = 42 + i * 47;

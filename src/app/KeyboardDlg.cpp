@@ -4,6 +4,8 @@
 #include <QKeyEvent>
 #include <QLabel>
 
+#include "app/Dialogs.h"
+
 namespace app {
 namespace {
 
@@ -37,7 +39,7 @@ QPoint keyAt(int column, int row) {
 
 }  // namespace
 
-CKeyboardDlg::CKeyboardDlg() : Screen(kKeypadDialog), keypad_(keypadRequest()) {
+CKeyboardDlg::CKeyboardDlg() : Screen(dialogs::kKeypad), keypad_(keypadRequest()) {
     addFields();
     addSelectors();
     addKeys();

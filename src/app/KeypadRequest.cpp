@@ -1,5 +1,6 @@
 #include "app/KeypadRequest.h"
 
+#include "app/Dialogs.h"
 #include "ui/Terminal.h"
 
 namespace app {
@@ -7,7 +8,7 @@ namespace {
 
 bool run(const KeypadRequest& request) {
     keypadRequest() = request;
-    ui::runScreen(kKeypadDialog);
+    ui::runScreen(dialogs::kKeypad);
     return keypadRequest().KeypadResult == 1;
 }
 

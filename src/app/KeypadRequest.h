@@ -4,8 +4,6 @@
 
 namespace app {
 
-inline constexpr int kKeypadDialog = 130;
-
 /// How the keypad is laid out and what it enters.
 enum KeypadMode { kTextField = 0, kOneNumber = 1, kTwoNumbers = 2, kThreeNumbers = 3 };
 

@@ -8,6 +8,7 @@
 #include <QLineEdit>
 #include <functional>
 
+#include "app/Dialogs.h"
 #include "app/KeypadRequest.h"
 #include "app/Login.h"
 #include "app/Session.h"
@@ -23,14 +24,6 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int kSalesListDialog = 132;
-constexpr int kConsonantBoard = 143;
-constexpr int kCollectionListDialog = 150;
-constexpr int kContainerListDialog = 391;
-constexpr int kImportDialog = 435;
-constexpr int kCardDialog = 449;
-constexpr int kTotalsDialog = 457;
-
 constexpr int kUserName = 1009;
 constexpr int kContainerButton = 1046;
 
@@ -40,7 +33,7 @@ QPoint tileAt(int index) {
 
 }  // namespace
 
-CRovanaDlg::CRovanaDlg() : Screen(kMainDialog) {
+CRovanaDlg::CRovanaDlg() : Screen(dialogs::kMain) {
     addLoginControls();
     addMenuControls();
     loadCompany();
@@ -118,13 +111,13 @@ void CRovanaDlg::addMenuControls() {
     };
     const Tile tiles[] = {
         {1044, u"매출작업"_s, ui::bitmaps::kSalesWork,
-         [this] { runMenuAction(1044, kSalesWork, kSalesListDialog); }},
+         [this] { runMenuAction(1044, kSalesWork, dialogs::kSlipList); }},
         {1045, u"입금작업"_s, ui::bitmaps::kCollectionWork,
-         [this] { runMenuAction(1045, kCollectionWork, kCollectionListDialog); }},
+         [this] { runMenuAction(1045, kCollectionWork, dialogs::kCollectionList); }},
         {kContainerButton, u"용공작업"_s, ui::bitmaps::kContainerWork,
-         [this] { runMenuAction(kContainerButton, kContainerWork, kContainerListDialog); }},
+         [this] { runMenuAction(kContainerButton, kContainerWork, dialogs::kContainerList); }},
         {1053, u"영업/HOST집계"_s, ui::bitmaps::kTotals,
-         [this] { runMenuAction(1053, kTotalsWork, kTotalsDialog); }},
+         [this] { runMenuAction(1053, kTotalsWork, dialogs::kTotals); }},
         {1047, u"잔액조회"_s, ui::bitmaps::kBalance, [this] { runCardAction(1047, kBalanceInquiry); }},
         {1054, u"직전거래"_s, ui::bitmaps::kPreviousTransaction,
          [this] { runCardAction(1054, kPreviousTransaction); }},
@@ -170,7 +163,7 @@ void CRovanaDlg::logIn() {
         const ui::WaitCursor wait;
         session().ImportPending = db::isImportWaiting() ? u"Y"_s : u"N"_s;
     }
-    if (session().ImportPending == u"Y") ui::runScreen(kImportDialog);
+    if (session().ImportPending == u"Y") ui::runScreen(dialogs::kImport);
 }
 
 void CRovanaDlg::showMenu() {
@@ -205,7 +198,7 @@ void CRovanaDlg::runCardAction(int button, int workMode) {
     // The current customer and slip are kept: the card screens may need them.
     runBehind(button, [=] {
         session().WorkMode = workMode;
-        ui::runScreen(kCardDialog);
+        ui::runScreen(dialogs::kCard);
     });
 }
 
@@ -217,7 +210,7 @@ void CRovanaDlg::runSimplePayment() {
         session().action.JunNo = nextSimplePaymentNumber(session().WorkDate);
         session().SlipDone = 0;
         session().WorkMode = kSimplePayment;
-        ui::runScreen(kConsonantBoard);
+        ui::runScreen(dialogs::kConsonantBoard);
     });
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QList>
+#include <functional>
 
 #include "ui/Screen.h"
 
@@ -9,8 +10,6 @@ class QDateEdit;
 class QLineEdit;
 
 namespace app {
-
-inline constexpr int kMainDialog = 102;
 
 /// The main dialog (102): the login first, the menu once a user has logged in.
 class CRovanaDlg : public ui::Screen {

@@ -48,6 +48,9 @@ class Screen : public QWidget {
     QWidget* control(int controlId) const;
 
   protected:
+    /// Lets the dialog with that id take this screen's place when it is closed.
+    void setSuccessor(int dialogId) { successor_ = dialogId; }
+
     BitmapButton* addButton(int controlId, const QString& caption, QPoint at, ButtonBitmaps bitmaps);
     /// A static text. `controlId` 0 marks a text that nothing refers to.
     QLabel* addLabel(int controlId, const QString& text, const QRect& area,

@@ -1,0 +1,40 @@
+#include "app/RovanaApp.h"
+
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <QString>
+#include <cstdio>
+
+#include "app/Dialogs.h"
+#include "db/Health.h"
+#include "platform/Trace.h"
+#include "ui/Messages.h"
+#include "ui/Terminal.h"
+
+namespace app {
+
+using namespace Qt::Literals::StringLiterals;
+
+bool CRovanaApp::initializeSockets() {
+    const int probe = ::socket(AF_INET, SOCK_STREAM, 0);
+    if (probe < 0) return false;
+    ::close(probe);
+    return true;
+}
+
+int CRovanaApp::run() {
+    if (!initializeSockets()) {
+        ui::message(u"Windows CE sockets initialization failed."_s);
+        return 1;
+    }
+    const QString problem = db::databaseProblem();
+    if (!problem.isEmpty()) {
+        platform::trace(problem);
+        std::fprintf(stderr, "rovana: %s\n", qUtf8Printable(problem));
+    }
+    ui::runScreen(dialogs::kMain);
+    return 0;
+}
+
+}  // namespace app

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QString>
+
+namespace db {
+
+/// What keeps the terminal's database from being used, in words for the administrator, with the command that
+/// mends it; empty when the file is there, opens and has its tables.
+QString databaseProblem();
+
+}  // namespace db

@@ -1,0 +1,122 @@
+#include "sales/GaraeSeek.h"
+
+#include "app/Dialogs.h"
+#include "app/Session.h"
+#include "sales/SlipLine.h"
+#include "sales/SlipStore.h"
+#include "sales/WorkingSlip.h"
+#include "ui/Messages.h"
+#include "ui/ReportList.h"
+#include "ui/Terminal.h"
+
+namespace sales {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr int kTotalCount = 1056;
+constexpr int kPrintedCount = 1057;
+constexpr int kUnprintedCount = 1058;
+
+}  // namespace
+
+CGaraeSeek::CGaraeSeek() : Screen(app::dialogs::kSlipList) {
+    list_ = addList(1054, {0, 0, 240, 242});
+    const ui::ListColumn columns[] = {{u"구분"_s, 60}, {u"거래처명"_s, 180}, {u"전표"_s, 50}};
+    list_->setColumns(columns);
+    connect(list_, &ui::ReportList::rowClicked, this, &CGaraeSeek::choose);
+    connect(list_, &ui::ReportList::rowDoubleClicked, this, [this](int row) {
+        choose(row);
+        openSlip();
+    });
+
+    const struct {
+        int control;
+        QString caption;
+    } counts[] = {{kTotalCount, u"전체"_s}, {kPrintedCount, u"발행"_s}, {kUnprintedCount, u"미발행"_s}};
+    for (int i = 0; i < int(std::size(counts)); ++i) {
+        addLabel(0, counts[i].caption, {2 + i * 60, 244, 56, 16}, ui::FontHeight::Small, Qt::AlignCenter);
+        addLabel(counts[i].control, {}, {2 + i * 60, 260, 56, 20}, ui::FontHeight::Small, Qt::AlignCenter);
+    }
+
+    const auto button = [this](int controlId, const QString& caption, QPoint at, ui::ButtonBitmaps pictures,
+                               auto&& action) {
+        ui::BitmapButton* result = addButton(controlId, caption, at, pictures);
+        connect(result, &ui::BitmapButton::clicked, this, action);
+        return result;
+    };
+    button(1004, u"결  제"_s, {182, 246}, ui::bitmaps::kPay, [this] { pay(); });
+    setCancelButton(button(1003, u"취  소"_s, {2, 284}, ui::bitmaps::kCancel, [this] { close(Cancelled); }));
+    button(1001, u"삭  제"_s, {62, 284}, ui::bitmaps::kDelete, [this] { deleteChosen(); });
+    button(1002, u"추 가"_s, {122, 284}, ui::bitmaps::kAdd, [this] {
+        ui::runScreen(app::dialogs::kConsonantBoard);
+        closeIfDone();
+    });
+    setDefaultButton(button(1000, u"확  인"_s, {182, 284}, ui::bitmaps::kConfirm, [this] { openSlip(); }));
+
+    fill();
+    list_->setFocus();
+}
+
+void CGaraeSeek::fill() {
+    const SlipList slips = slipsOfDay(app::session().UserID, app::session().WorkDate);
+    list_->setRows(slips.slips);
+    setText(kTotalCount, u" %1 건"_s.arg(slips.printed + slips.unprinted));
+    setText(kPrintedCount, u" %1 건"_s.arg(slips.printed));
+    setText(kUnprintedCount, u" %1 건"_s.arg(slips.unprinted));
+    // A refilled list shows no choice, so none is kept.
+    app::ActionValues& action = app::session().action;
+    action.JunNo.clear();
+    action.SlipState.clear();
+}
+
+void CGaraeSeek::choose(int row) {
+    app::ActionValues& action = app::session().action;
+    action.JunNo = list_->text(row, 2);
+    action.GName = list_->text(row, 1);
+    action.SlipState = list_->text(row, 0);
+}
+
+void CGaraeSeek::closeIfDone() {
+    if (app::session().SlipDone == 1) {
+        close(Accepted);
+    } else {
+        fill();
+    }
+}
+
+void CGaraeSeek::openSlip() {
+    if (app::session().action.JunNo.isEmpty()) {
+        ui::message(u"전표를 선택하세요!"_s);
+        return;
+    }
+    ui::runScreen(app::dialogs::kSalesSlip);
+    closeIfDone();
+}
+
+void CGaraeSeek::pay() {
+    const app::SessionValues& session = app::session();
+    if (session.action.JunNo.isEmpty()) {
+        ui::message(u"전표를 선택하세요!"_s);
+        return;
+    }
+    reloadSlip(session.UserID, session.WorkDate, session.action.JunNo);
+    ui::runScreen(app::dialogs::kCollectionEntry);
+    closeIfDone();
+}
+
+void CGaraeSeek::deleteChosen() {
+    if (!ui::confirm(u"주문전표내역을 삭제할까요?"_s, u"주문전표삭제"_s)) return;
+    const app::SessionValues& session = app::session();
+    if (session.action.JunNo.isEmpty()) {
+        ui::message(u"삭제할 전표를 선택하세요!"_s);
+        return;
+    }
+    const bool alsoFollowers = session.action.SlipState != kPaid ||
+                               ui::confirm(u"카드결제된 입금표를 삭제할까요?"_s, u"카드결제된 입금표삭제"_s);
+    deleteSlip(session.WorkDate, session.action.JunNo, alsoFollowers);
+    ui::message(u"선택된 주문전표와 입금표 / 인수증을 삭제하였습니다..!"_s);
+    fill();
+}
+
+}  // namespace sales

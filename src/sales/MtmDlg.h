@@ -1,0 +1,61 @@
+#pragma once
+
+#include <optional>
+
+#include "sales/LineAmounts.h"
+#include "sales/SlipLine.h"
+#include "ui/Screen.h"
+
+namespace ui {
+class ReportList;
+}
+
+namespace sales {
+
+/// The sales slip (dialog 134): one customer's goods, edited in the working slip.
+class CMtmDlg : public ui::Screen {
+    Q_OBJECT
+
+  public:
+    CMtmDlg();
+
+  private:
+    /// How one amount of the selected line is keyed: the keypad's title, the amount it starts with, and what
+    /// the line becomes.
+    struct AmountEdit {
+        QString title;
+        platform::Won (*start)(const LineAmounts&);
+        LineAmounts (*apply)(LineAmounts, platform::Won);
+        QString emptyMessage;
+    };
+
+    void addAmountRows();
+    void addButtons();
+    void openSlip();
+    void addFromSearch();
+    void addByCode();
+    void addProduct(const QString& pcode);
+    void selectLine(int row);
+    void changeQuantities();
+    void editAmount(const AmountEdit& edit);
+    void deleteSelected();
+    void save();
+    void finish();
+
+    void showLines();
+    void showAmounts();
+    void markUnsaved();
+    void deselect();
+    bool askQuantities(std::int64_t* boxes, std::int64_t* bottles, const LineKey& start);
+    platform::Won total() const;
+
+    ui::ReportList* list_ = nullptr;
+    SlipSums sums_;
+    std::optional<LineKey> selected_;
+    LineAmounts selectedAmounts_;
+    platform::Won receivable_;
+    QLabel* savedMark_ = nullptr;
+    bool hasUnsavedLines_ = false;
+};
+
+}  // namespace sales

@@ -1,0 +1,86 @@
+#include "sales/PummokCheck.h"
+
+#include <QComboBox>
+
+#include "app/Dialogs.h"
+#include "app/Session.h"
+#include "sales/ProductQuery.h"
+#include "ui/Messages.h"
+#include "ui/ReportList.h"
+#include "ui/WaitCursor.h"
+
+namespace sales {
+
+using namespace Qt::Literals::StringLiterals;
+
+CPummokCheck::CPummokCheck() : Screen(app::dialogs::kProductSearch) {
+    class_ = place(1005, new QComboBox(this), {2, 2, 176, 32});
+    class_->setFont(ui::font(ui::FontHeight::Small));
+    class_->addItem(u"전체"_s);
+    classCodes_.append(QString());
+    for (const ProductClass& productClass : productClasses()) {
+        class_->addItem(productClass.name);
+        classCodes_.append(productClass.code);
+    }
+    ui::BitmapButton* searchButton = addButton(1004, u"검  색"_s, {182, 2}, ui::bitmaps::kSearch);
+    connect(searchButton, &ui::BitmapButton::clicked, this, [this] { search(); });
+
+    list_ = addList(1090, {0, 38, 240, 240});
+    const ui::ListColumn columns[] = {{u"코드"_s, 50}, {u"상품명"_s, 150}, {u"용량"_s, 60}, {u"용도"_s, 50}};
+    list_->setColumns(columns);
+    connect(list_, &ui::ReportList::rowClicked, this, &CPummokCheck::choose);
+    connect(list_, &ui::ReportList::rowDoubleClicked, this, [this](int row) {
+        choose(row);
+        close(Accepted);
+    });
+
+    ui::BitmapButton* cancelButton = addButton(1003, u"취  소"_s, {2, 282}, ui::bitmaps::kCancel);
+    connect(cancelButton, &ui::BitmapButton::clicked, this, [this] { cancel(); });
+    addButton(1002, {}, {62, 282}, ui::bitmaps::kBlank)->setEnabled(false);
+    ui::BitmapButton* frequent = addButton(1001, u"체  크"_s, {122, 282}, ui::bitmaps::kAdd);
+    connect(frequent, &ui::BitmapButton::clicked, this, [this] { showFrequent(); });
+    ui::BitmapButton* confirmButton = addButton(1000, u"확  인"_s, {182, 282}, ui::bitmaps::kConfirm);
+    connect(confirmButton, &ui::BitmapButton::clicked, this, [this] { confirm(); });
+    setDefaultButton(confirmButton);
+    setCancelButton(cancelButton);
+
+    search();
+    list_->setFocus();
+}
+
+void CPummokCheck::search() {
+    const ui::WaitCursor wait;
+    const app::ActionValues& action = app::session().action;
+    list_->setRows(
+        products(action.SeekValue, classCodes_.value(class_->currentIndex()), action.CustomerKind));
+}
+
+void CPummokCheck::showFrequent() {
+    const ui::WaitCursor wait;
+    list_->setRows(frequentProducts(app::session().action.CustomerKind));
+}
+
+void CPummokCheck::choose(int row) {
+    app::session().action.PCode = list_->text(row, 0);
+    app::session().action.ProductChosen = 1;
+}
+
+void CPummokCheck::confirm() {
+    app::ActionValues& action = app::session().action;
+    action.SeekValue.clear();
+    if (action.PCode.isEmpty()) {
+        ui::message(u"품목을 먼저 선택하세요!"_s);
+        return;
+    }
+    action.ProductChosen = 1;
+    action.JGubun = productClass(action.PCode);
+    close(Accepted);
+}
+
+void CPummokCheck::cancel() {
+    app::session().action.PCode.clear();
+    app::session().action.ProductChosen = 0;
+    close(Cancelled);
+}
+
+}  // namespace sales
