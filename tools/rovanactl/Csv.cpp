@@ -12,7 +12,7 @@ int firstBrokenLine(QByteArrayView content) {
     for (int line = 1; !content.isEmpty(); ++line) {
         const qsizetype end = content.indexOf('\n');
         const QByteArrayView bytes = end < 0 ? content : content.first(end);
-        QStringDecoder decoder(QStringDecoder::Utf8);
+        QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
         const QString text = decoder(bytes);
         if (decoder.hasError()) return line;
         content = end < 0 ? QByteArrayView() : content.sliced(end + 1);

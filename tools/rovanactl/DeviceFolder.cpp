@@ -1,5 +1,7 @@
 #include "rovanactl/DeviceFolder.h"
 
+#include <sys/stat.h>
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -16,6 +18,18 @@ namespace admin {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
+
+/// Keeps what is made while it lives from everyone but the owner: the database holds passwords.
+class OwnerOnly {
+  public:
+    OwnerOnly() : before_(::umask(077)) {}
+    ~OwnerOnly() { ::umask(before_); }
+    OwnerOnly(const OwnerOnly&) = delete;
+    OwnerOnly& operator=(const OwnerOnly&) = delete;
+
+  private:
+    mode_t before_;
+};
 
 /// A row of a delivered table.
 struct Row {
@@ -90,6 +104,7 @@ QString findWaitingFile() {
 }  // namespace
 
 QString createDevice(const std::optional<demo::Options>& demo) {
+    const OwnerOnly ownerOnly;
     const QString database = platform::device::path(platform::device::kDatabaseFile);
     const QString unfinished = database + u".new"_s;
     if (QFileInfo::exists(database)) {

@@ -9,7 +9,7 @@
 #include "rovanactl/Command.h"
 
 int main(int argc, char* argv[]) {
-    // Whatever this program makes (database, settings, import files) is for its owner's eyes only.
+    // Whatever this program makes, the rejected lines of an import too, is for its owner's eyes only.
     ::umask(077);
     // The device folder has Korean names; without a UTF-8 locale Qt warns before it helps itself.
     std::setlocale(LC_ALL, "");

@@ -48,13 +48,12 @@ constexpr QStringView kSurnames[] = {u"김", u"이", u"박", u"최", u"정", u"�
 constexpr QStringView kGivenNames[] = {u"영수", u"미경", u"정호", u"순자", u"대성", u"은주",
                                        u"상철", u"현숙", u"기태", u"말순", u"도윤", u"옥희",
                                        u"병철", u"지영", u"창수", u"혜란"};
-constexpr QStringView kDistricts[] = {u"가람구", u"누리구", u"도담구", u"새론구", u"여울구"};
-constexpr QStringView kStreets[] = {u"느티로", u"버들길", u"시장로", u"역전길", u"중앙로", u"한내로"};
+constexpr QStringView kDistricts[] = {u"가람동", u"누리동", u"도담동", u"새론동", u"여울동"};
 
 QString address(Chance& chance) {
-    return u"한들시 %1 %2 %3"_s.arg(chance.oneOf(kDistricts))
-        .arg(chance.oneOf(kStreets))
-        .arg(chance.between(1, 240));
+    return u"한들시 %1 %2-%3"_s.arg(chance.oneOf(kDistricts))
+        .arg(chance.between(1, 240))
+        .arg(chance.between(1, 30));
 }
 
 /// Ten digits that belong to nobody: the last is off the number's own check sum.
@@ -132,7 +131,7 @@ QStringList distributor() {
             u"한도윤"_s,
             u"031-000-1234"_s,
             u"031-000-1235"_s,
-            u"한들시 가람구 느티로 17"_s,
+            u"한들시 가람동 17-2"_s,
             u"031-000-1200"_s,
             u"DEMO000001"_s,
             u""_s,

@@ -1,0 +1,139 @@
+#include <QDir>
+#include <QFileInfo>
+#include <QProcess>
+
+#include "AdminTest.h"
+
+namespace test {
+namespace {
+
+class CommandsTest : public AdminTest {
+  protected:
+    void makeLoadedDemo() {
+        makeDemo();
+        ASSERT_EQ(run({u"import"_s}).exitCode, admin::kSuccess);
+    }
+};
+
+TEST_F(CommandsTest, ExitCodesTellUsageFromFailure) {
+    const struct {
+        QStringList arguments;
+        int exitCode;
+    } cases[] = {
+        {{}, admin::kUsageError},
+        {{u"nothing"_s}, admin::kUsageError},
+        {{u"slips"_s, u"more"_s}, admin::kUsageError},
+        {{u"slips"_s, u"--nothing"_s}, admin::kUsageError},
+        {{u"slips"_s, u"--date"_s, u"29.3.2024"_s}, admin::kUsageError},
+        {{u"init"_s, u"--seed"_s, u"1"_s}, admin::kUsageError},
+        {{u"init"_s, u"--demo"_s, u"--seed"_s, u"x"_s}, admin::kUsageError},
+        {{u"init"_s, u"--demo"_s, u"--customers"_s, u"1"_s}, admin::kUsageError},
+        {{u"print"_s, u"poem"_s, u"1"_s}, admin::kUsageError},
+        {{u"slips"_s}, admin::kFailure},
+        {{u"import"_s}, admin::kFailure},
+        {{u"price"_s, u"0001"_s, u"1001"_s, u"1"_s, u"0"_s}, admin::kFailure},
+        {{u"user"_s, u"A"_s}, admin::kFailure},
+        {{u"check"_s}, admin::kFailure},
+        {{u"help"_s}, admin::kSuccess},
+        {{u"price"_s, u"--help"_s}, admin::kSuccess},
+    };
+    for (const auto& [arguments, exitCode] : cases) {
+        const Ended ended = run(arguments);
+        EXPECT_EQ(ended.exitCode, exitCode) << narrow(arguments.join(u' ')) << ": " << narrow(ended.err);
+        EXPECT_EQ(ended.err.isEmpty(), exitCode == admin::kSuccess) << narrow(arguments.join(u' '));
+    }
+    EXPECT_TRUE(QDir(folder()).isEmpty()) << "a refused call leaves nothing behind";
+}
+
+TEST_F(CommandsTest, ImportTellsOfLinesThatWereNotTaken) {
+    makeDevice();
+    writeFile(u"My Documents/GARAEMAJIN.RVN"_s, "0012|01|5|\n0012|0'1|5|\n");
+    const Ended ended = run({u"import"_s});
+    EXPECT_EQ(ended.exitCode, admin::kFailure);
+    EXPECT_EQ(narrow(ended.out), "GARAEMAJIN.RVN\t2\t1\t1\tloaded\n");
+    EXPECT_TRUE(ended.err.contains(u"GARAEMAJIN.RVN.rejected"_s)) << narrow(ended.err);
+    EXPECT_EQ(rows(u"SELECT * FROM GARAEMAJIN"_s), QStringList{u"0012|01|5"_s});
+}
+
+TEST_F(CommandsTest, PriceAnswersOneQuestionOrMany) {
+    makeDevice();
+    execute(
+        u"INSERT INTO GARAE (GCODE, GUBUN, MAJIN) VALUES ('0001', '일반', '0'), ('0002', '유흥', '0');"
+        "INSERT INTO PUMMOK (Pcode, ABoxMMoney, ABoxBMoney, BBoxMMoney, BBoxBMoney, BBonMMoney, BBonBMoney,"
+        "YGMoney1, YGMoney2, GBonMoney2) VALUES ('1001', '200', '20', '300', '30', '15', '1', '50', '60', "
+        "'3');"
+        "INSERT INTO GARAEDANGA VALUES ('0001', '1001', '0', '100', '10', '5', '1', '7', '8', '9')"_s);
+    EXPECT_EQ(narrow(run({u"price"_s, u"0002"_s, u"1001"_s, u"2"_s, u"3"_s}).out),
+              "tier\t645\t63\t100\t129\n");
+
+    const Ended many = run({u"price"_s, u"-"_s},
+                           u"0001\t1001\t1\t0\n0009\t1001\t1\t0\n0001\t9999\t1\t0\n0001\t1001\t1000\t0\nx\n"
+                           "0002\t1001\t0\t2\n"_s);
+    EXPECT_EQ(many.exitCode, admin::kFailure);
+    const QStringList lines = many.out.trimmed().split(u'\n');
+    ASSERT_EQ(lines.size(), 6);
+    EXPECT_EQ(narrow(lines[0]), "contract\t100\t10\t7\t8");
+    for (int i = 1; i < 5; ++i) EXPECT_TRUE(lines[i].startsWith(u"error\t"_s)) << narrow(lines[i]);
+    EXPECT_EQ(narrow(lines[5]), "tier\t30\t2\t0\t6");
+}
+
+TEST_F(CommandsTest, SlipsAreSummedByNumberAndUser) {
+    makeDevice();
+    execute(
+        u"INSERT INTO MTM (DDate, GName, JunNo, UserID, WorkGubun, MMoney, BMoney, YMoney, GMoney) VALUES"
+        "('2024-03-29', '가람', '5001', 'A', '발행', '1000', '100', '10', '1'),"
+        "('2024-03-29', '가람', '5001', 'A', '발행', '2000', '200', '', 'x'),"
+        "('2024-03-29', '나루', '5001', 'B', '미발행', '-5', '0', '0', '0'),"
+        "('2024-03-28', '어제', '5001', 'A', '발행', '1', '1', '1', '1')"_s);
+    const QString heading = u"state\tcustomer\tnumber\tuser\tlines\ttotal\n"_s;
+    const QString first = u"발행\t가람\t5001\tA\t2\t3311\n"_s;
+    const QString second = u"미발행\t나루\t5001\tB\t1\t-5\n"_s;
+    EXPECT_EQ(narrow(run({u"slips"_s, u"--date"_s, kDay}).out), narrow(heading + first + second));
+    EXPECT_EQ(narrow(run({u"slips"_s, u"--date"_s, kDay, u"--user"_s, u"B"_s}).out),
+              narrow(heading + second));
+
+    const QStringList print{u"print"_s, u"sale"_s, u"5001"_s, u"--date"_s};
+    EXPECT_EQ(run(print + QStringList{kDay}).exitCode, admin::kUsageError) << "two users have that number";
+    EXPECT_EQ(run(print + QStringList{u"2024-03-27"_s}).exitCode, admin::kFailure);
+    EXPECT_EQ(run(print + QStringList{kDay, u"--user"_s, u"C"_s}).exitCode, admin::kFailure);
+    const Ended paper = run(print + QStringList{kDay, u"--user"_s, u"A"_s, u"--copy"_s, u"buyer"_s});
+    EXPECT_EQ(paper.exitCode, admin::kSuccess);
+    EXPECT_TRUE(paper.out.contains(u"가람"_s) && paper.out.contains(u"공급받는자 보관용"_s))
+        << narrow(paper.out);
+}
+
+/// The program itself, in an environment that knows no UTF-8.
+Ended runProgram(const QStringList& arguments, const QByteArray& input = {}) {
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const QString& name : {u"LC_ALL"_s, u"LC_CTYPE"_s, u"LANG"_s}) environment.remove(name);
+    process.setProcessEnvironment(environment);
+    process.start(QStringLiteral(ROVANACTL), arguments);
+    process.write(input);
+    process.closeWriteChannel();
+    EXPECT_TRUE(process.waitForFinished(60'000));
+    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
+            QString::fromUtf8(process.readAllStandardError())};
+}
+
+TEST_F(CommandsTest, TheProgramWorksInAPlainEnvironment) {
+    const QString device = folder() + u"/장치"_s;
+    const Ended made = runProgram({u"init"_s, device, u"--demo"_s, u"--date"_s, kDay});
+    EXPECT_EQ(made.exitCode, 0);
+    EXPECT_EQ(narrow(made.err), "");
+    for (const QString& file : {u""_s, u"/My Documents/rvnclient.cdb"_s, u"/My Documents/GARAE.RVN"_s,
+                                u"/Flash Disk/SALE.ini"_s, u"/저장소카드"_s}) {
+        const QFileInfo info(device + file);
+        EXPECT_TRUE(info.exists()) << narrow(file);
+        EXPECT_FALSE(info.permissions() & (QFile::ReadGroup | QFile::ReadOther)) << narrow(file);
+    }
+    EXPECT_EQ(runProgram({u"--device"_s, device, u"import"_s}).exitCode, 0);
+    EXPECT_EQ(runProgram({u"slips"_s, u"--device"_s, device, u"--date"_s, kDay}).out.count(u'\n'), 7);
+    EXPECT_EQ(runProgram({u"price"_s, u"-"_s, u"--device"_s, device}, "0001\t1027\t1\t0\n").out.count(u'\t'),
+              4);
+    EXPECT_EQ(runProgram({u"init"_s, device}).exitCode, 1);
+    EXPECT_EQ(runProgram({}).exitCode, 2);
+}
+
+}  // namespace
+}  // namespace test

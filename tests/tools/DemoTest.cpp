@@ -1,0 +1,134 @@
+#include "rovanactl/demo/Demo.h"
+
+#include <QSet>
+
+#include "AdminTest.h"
+#include "db/MasterImport.h"
+#include "sales/CustomerQuery.h"
+#include "sales/Pricing.h"
+
+namespace test {
+namespace {
+
+class DemoTest : public AdminTest {
+  protected:
+    /// Loads the waiting files; every line must become a row.
+    void importAll(const admin::demo::Data& expected) {
+        const std::size_t lines[] = {expected.orders.size(), expected.customers.size(),
+                                     expected.products.size(), expected.contractPrices.size(),
+                                     expected.classMargins.size()};
+        int place = 0;
+        for (const db::ImportFile& file : db::importFiles()) {
+            const db::ImportResult result = db::importFile(file, db::findImportFile(file), {});
+            EXPECT_EQ(result.loaded, int(lines[place++])) << file.fileName.toUtf8().toStdString();
+            EXPECT_EQ(result.rejected, 0);
+            EXPECT_TRUE(result.isDeleted);
+        }
+    }
+};
+
+struct Size {
+    int customers, products, prices;
+};
+
+class DemoSizeTest : public DemoTest, public ::testing::WithParamInterface<Size> {};
+
+TEST_P(DemoSizeTest, EveryInventedLineIsLoadedUnderItsOwnCode) {
+    const Size size = GetParam();
+    admin::demo::Options options{size.customers, size.products, size.prices, 7, kDay};
+    ASSERT_EQ(narrow(admin::demo::findFault(options)), "");
+    makeDemo(options);
+    importAll(admin::demo::invent(options));
+    const auto text = [](int number) { return QString::number(number); };
+    EXPECT_EQ(rows(u"SELECT COUNT(DISTINCT GCODE), MAX(LENGTH(GCODE)), COUNT(DISTINCT GNAME) FROM GARAE"_s),
+              QStringList{text(size.customers) + u"|4|"_s + text(size.customers)});
+    EXPECT_EQ(
+        rows(
+            u"SELECT COUNT(DISTINCT Pcode), MAX(LENGTH(Pcode)), COUNT(DISTINCT Pname || Size) FROM PUMMOK"_s),
+        QStringList{text(size.products) + u"|4|"_s + text(size.products)});
+    EXPECT_EQ(rows(u"SELECT COUNT(DISTINCT gcode || pcode) FROM GARAEDANGA"_s),
+              QStringList{text(size.prices)});
+}
+
+INSTANTIATE_TEST_SUITE_P(Sizes, DemoSizeTest,
+                         ::testing::Values(Size{120, 90, 400}, Size{10, 12, 80}, Size{12'000, 9'500, 3'000}));
+
+TEST_F(DemoTest, RefusesSizesThatCannotBeInvented) {
+    for (const Size size :
+         {Size{9, 90, 0}, Size{120, 11, 0}, Size{2'000'000, 90, 0}, Size{10, 12, 81}, Size{120, 90, -1}}) {
+        EXPECT_NE(narrow(admin::demo::findFault({size.customers, size.products, size.prices, 1, kDay})), "")
+            << size.customers << ' ' << size.products << ' ' << size.prices;
+    }
+}
+
+TEST_F(DemoTest, TheSameSeedInventsTheSame) {
+    const auto contents = [](quint64 seed) {
+        admin::demo::Options options;
+        options.seed = seed;
+        options.date = kDay;
+        const admin::demo::Data data = admin::demo::invent(options);
+        QByteArray all;
+        for (const db::ImportFile& file : db::importFiles()) {
+            all += admin::demo::importFileContent(data, file).value();
+        }
+        return all;
+    };
+    EXPECT_EQ(contents(3), contents(3));
+    EXPECT_NE(contents(3), contents(4));
+}
+
+TEST_F(DemoTest, OpenOrdersCostWhatTheTerminalWouldAsk) {
+    makeDemo();
+    admin::demo::Options options;
+    options.date = kDay;
+    importAll(admin::demo::invent(options));
+    QSet<QString> slips;
+    QSet<sales::PriceSource> sources;
+    for (const QString& row :
+         rows(u"SELECT GCode, PCode, Box, Bon, MMoney, BMoney, YMoney, GMoney, JunNo, UserID FROM MTM"_s)) {
+        const QStringList line = row.split(u'|');
+        const sales::PricedLine priced = sales::priceLine(line[0], sales::customerAccount(line[0]).Gubun,
+                                                          line[1], line[2].toInt(), line[3].toInt());
+        const sales::LineAmounts stored{platform::parseWon(line[4]), platform::parseWon(line[5]),
+                                        platform::parseWon(line[6]), platform::parseWon(line[7])};
+        EXPECT_EQ(priced.amounts, stored) << narrow(row);
+        EXPECT_LT(line[8].toInt(), 5000) << "numbers from 5001 are the terminal's own";
+        slips.insert(line[8] + line[9]);
+        sources.insert(priced.source);
+    }
+    EXPECT_EQ(slips.size(), 6);
+    EXPECT_EQ(sources, (QSet{sales::PriceSource::Contract, sales::PriceSource::Tier}));
+}
+
+TEST_F(DemoTest, HasWhatTheScreensNeedToShow) {
+    makeDemo();
+    admin::demo::Options options;
+    options.date = kDay;
+    importAll(admin::demo::invent(options));
+    EXPECT_EQ(rows(u"SELECT COUNT(DISTINCT SEEK) FROM GARAE WHERE USERID = 'A'"_s), QStringList{u"15"_s});
+    EXPECT_EQ(rows(u"SELECT COUNT(DISTINCT JGubun) FROM PUMMOK"_s), QStringList{u"6"_s});
+    EXPECT_EQ(rows(u"SELECT DISTINCT GUBUN FROM GARAE ORDER BY GUBUN"_s),
+              (QStringList{u"공용"_s, u"유흥"_s, u"일반"_s}));
+    EXPECT_EQ(rows(u"SELECT DISTINCT TTT FROM PUMMOK ORDER BY TTT"_s), (QStringList{u""_s, u"Y"_s, u"Z"_s}));
+    EXPECT_EQ(rows(u"SELECT COUNT(*) FROM MPUMMOK LEFT JOIN PUMMOK USING (PCode) WHERE PUMMOK.TTT <> 'Y'"_s),
+              rows(u"SELECT COUNT(*) FROM MPUMMOK"_s));
+    // Syllables that only the larger character set holds come through the import whole.
+    EXPECT_FALSE(rows(u"SELECT GNAME FROM GARAE WHERE GNAME LIKE '똠%' AND SEEK = 'ㄷ'"_s).isEmpty());
+    EXPECT_FALSE(rows(u"SELECT Pname FROM PUMMOK WHERE Pname LIKE '펲%' AND seek = 'ㅍ'"_s).isEmpty());
+}
+
+TEST(SeekKey, IsTheInitialConsonantOfTheFirstSyllable) {
+    const struct {
+        QStringView name;
+        QStringView key;
+    } cases[] = {{u"가람", u"ㄱ"},   {u"힣", u"ㅎ"},   {u"까치", u"ㄱ"},   {u"똠얌", u"ㄷ"}, {u"빨강", u"ㅂ"},
+                 {u"쌍둥이", u"ㅅ"}, {u"짱구", u"ㅈ"}, {u"이슬", u"ㅇ"},   {u"콩밭", u"ㅋ"}, {u"7080", u"00"},
+                 {u"BAR", u"00"},    {u"", u"00"},     {u"ㄱ나라", u"00"}, {u" 가", u"00"}};
+    for (const auto& [name, key] : cases) {
+        EXPECT_EQ(narrow(admin::demo::seekKey(name)), key.toUtf8().toStdString())
+            << name.toUtf8().toStdString();
+    }
+}
+
+}  // namespace
+}  // namespace test
