@@ -1,0 +1,246 @@
+#include <gtest/gtest.h>
+
+#include <QFile>
+
+#include "db/Query.h"
+#include "db/VOConnection.h"
+#include "db/VORecordset.h"
+#include "platform/adoce/DatabaseFile.h"
+#include "support/PrintQt.h"
+#include "support/RecordedTraces.h"
+#include "support/TestDevice.h"
+
+namespace db {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+namespace adoce = platform::adoce;
+
+constexpr Statement<u"SELECT GCODE, GName, UserID FROM GARAE WHERE GCode >= '%s' ORDER BY GCode"> kCustomers;
+constexpr Statement<u"SELECT DTime, PCode FROM MTM"> kOrders;
+constexpr Statement<u"INSERT INTO GARAE (GCODE,GNAME) VALUES ('%s','%s')"> kInsert;
+constexpr Statement<u"INSERT INTO NOTABLE (GCODE) VALUES ('%s')"> kBadInsert;
+constexpr Statement<u"SELECT * FROM NOTABLE"> kBadSelect;
+
+class RecordsetTest : public testing::Test {
+  protected:
+    RecordsetTest() {
+        device.insert(u"GARAE", {{u"GCODE", u"0001"}, {u"GNAME", u"서울상회"}, {u"USERID", u"7"}});
+        device.insert(u"GARAE", {{u"GCODE", u"0002"}, {u"GNAME", u"부산상회"}});
+    }
+
+    test::TestDevice device;
+    CVOConnection connection{0};
+};
+
+TEST_F(RecordsetTest, WalksForwardsAndBackToTheFirst) {
+    EXPECT_EQ(connection.Open(u" ", u"\\My Documents\\rvnclient.cdb"), 1);
+    CVORecordset recordset(connection);
+    EXPECT_FALSE(recordset.m_bOpen);
+    ASSERT_TRUE(recordset.Open(kCustomers(u""), kKeyset, kReadOnly));
+    EXPECT_TRUE(recordset.m_bOpen);
+    EXPECT_EQ(recordset.m_nFieldCount, 3);
+    EXPECT_FALSE(recordset.BOF());
+    EXPECT_FALSE(recordset.EOF());
+    EXPECT_TRUE(recordset.MoveFirst());
+    EXPECT_EQ(recordset.GetFieldString(1), u"서울상회"_s);
+    EXPECT_TRUE(recordset.MoveNext());
+    EXPECT_EQ(recordset.GetFieldString(0), u"0002"_s);
+    EXPECT_TRUE(recordset.MoveNext());  // onto the end
+    EXPECT_TRUE(recordset.EOF());
+    EXPECT_FALSE(recordset.BOF());
+    EXPECT_FALSE(recordset.MoveNext());
+    EXPECT_EQ(recordset.GetFieldString(0), QString());
+    EXPECT_TRUE(recordset.MoveFirst());
+    EXPECT_FALSE(recordset.EOF());
+    EXPECT_EQ(recordset.GetFieldString(0), u"0001"_s);
+    EXPECT_TRUE(recordset.Close());
+    EXPECT_FALSE(recordset.m_bOpen);
+    EXPECT_TRUE(recordset.EOF());
+    EXPECT_FALSE(recordset.MoveFirst());
+    EXPECT_TRUE(recordset.Close());
+}
+
+TEST_F(RecordsetTest, AnEmptyResultIsAtBothEnds) {
+    openDatabase(connection);
+    CVORecordset recordset(connection);
+    ASSERT_TRUE(recordset.Open(kCustomers(u"9"), kKeyset, kReadOnly));
+    EXPECT_TRUE(recordset.EOF());
+    EXPECT_TRUE(recordset.BOF());
+    EXPECT_EQ(recordset.m_nFieldCount, 3);
+    EXPECT_FALSE(recordset.MoveFirst());
+    EXPECT_FALSE(recordset.MoveNext());
+}
+
+TEST_F(RecordsetTest, OpensAgainAndAgain) {
+    openDatabase(connection);
+    CVORecordset recordset(connection);
+    ASSERT_TRUE(recordset.Open(kCustomers(u""), kKeyset, kReadOnly));
+    ASSERT_TRUE(recordset.Open(kOrders(), kKeyset, kReadOnly));
+    EXPECT_TRUE(recordset.EOF());
+    EXPECT_EQ(recordset.m_nFieldCount, 2);
+    EXPECT_FALSE(recordset.Open(kBadSelect(), kKeyset, kReadOnly));
+    EXPECT_FALSE(recordset.m_bOpen);
+    EXPECT_TRUE(recordset.EOF());
+    EXPECT_EQ(recordset.m_nFieldCount, 0);
+    ASSERT_TRUE(recordset.Open(kCustomers(u"0002"), kKeyset, kReadOnly));
+    EXPECT_EQ(recordset.GetFieldString(0), u"0002"_s);
+    EXPECT_FALSE(recordset.Open(kCustomers(u"'"), kKeyset, kReadOnly));
+    EXPECT_TRUE(recordset.EOF());
+    EXPECT_EQ(recordset.GetFieldString(0), u"0"_s);
+}
+
+TEST_F(RecordsetTest, FieldsByPlace) {
+    device.execute(u"INSERT INTO MTM (PCode) VALUES ('0001')"_s);
+    openDatabase(connection);
+    CVORecordset recordset(connection);
+    test::RecordedTraces traces;
+    EXPECT_EQ(recordset.GetFieldString(0), u"0"_s);  // not opened yet
+    ASSERT_TRUE(recordset.Open(kOrders(), kKeyset, kReadOnly));
+    EXPECT_EQ(recordset.GetFieldString(0), QString());  // NULL
+    EXPECT_EQ(recordset.GetFieldString(1), u"0001"_s);
+    EXPECT_EQ(recordset.GetFieldName(1), u"PCode"_s);
+    EXPECT_EQ(recordset.GetField(1), recordset.m_pField);
+    traces.take();
+
+    for (const int index : {2, -1, 1000}) {
+        EXPECT_EQ(recordset.GetField(index), nullptr);
+        EXPECT_EQ(recordset.GetFieldString(index), u"0"_s);
+        EXPECT_EQ(recordset.GetFieldName(index), std::nullopt);
+        EXPECT_EQ(traces.take(), QStringList({u"CVORecordset::GetFieldValue() Invalid Field Index\n"_s,
+                                              u"CVORecordset::GetFieldName() Invalid Field Index\n"_s}));
+        QVariant value(u"before"_s);
+        EXPECT_EQ(recordset.GetFieldValue(value, index), QVariant(0));
+        EXPECT_EQ(value, QVariant(0));
+        traces.take();
+    }
+}
+
+TEST_F(RecordsetTest, WithoutComponentsEverythingIsFalseAndTraced) {
+    struct Case {
+        const char* operation;
+        bool (*result)(CVORecordset&);
+        QStringList traces;
+    };
+    const auto told = [](const char* operation) {
+        return u"CVORecordset::%1() RecordSet COM Object not initialized\n"_s.arg(
+            QLatin1StringView(operation));
+    };
+    const QString badValue = u"CVORecordset::GetFieldValue() Invalid Field Index\n"_s;
+    const QString badName = u"CVORecordset::GetFieldName() Invalid Field Index\n"_s;
+    const Case cases[] = {
+        {"Open", [](CVORecordset& r) { return r.Open(kOrders(), kKeyset, kReadOnly); }, {told("Open")}},
+        {"Close", [](CVORecordset& r) { return r.Close(); }, {told("Close")}},
+        {"BOF", [](CVORecordset& r) { return r.BOF(); }, {told("BOF")}},
+        {"EOF", [](CVORecordset& r) { return r.EOF(); }, {told("EOF")}},
+        {"MoveFirst", [](CVORecordset& r) { return r.MoveFirst(); }, {told("MoveFirst")}},
+        {"MoveNext", [](CVORecordset& r) { return r.MoveNext(); }, {told("MoveNext")}},
+        {"GetField", [](CVORecordset& r) { return r.GetField(0) != nullptr; }, {told("GetField")}},
+        {"GetFieldName",
+         [](CVORecordset& r) { return r.GetFieldName(0).has_value(); },
+         {told("GetField"), badName}},
+        {"GetFieldString",
+         [](CVORecordset& r) { return r.GetFieldString(0) != u"0"; },
+         {told("GetField"), badValue}},
+    };
+    openDatabase(connection);
+    test::RecordedTraces traces;
+    {
+        adoce::setCreationResult(adoce::kOutOfMemory);
+        CVORecordset recordset(connection);
+        adoce::setCreationResult(adoce::kOk);
+        EXPECT_EQ(recordset.m_pRecordset, nullptr);
+        for (const Case& c : cases) {
+            EXPECT_FALSE(c.result(recordset)) << c.operation;
+            EXPECT_EQ(traces.take(), c.traces) << c.operation;
+        }
+    }
+    traces.take();
+
+    adoce::setCreationResult(adoce::kOutOfMemory);
+    CVOConnection none(0);
+    EXPECT_EQ(none.Open(u" ", platform::device::kDatabaseFile), 1);
+    EXPECT_EQ(none.m_pConnection, nullptr);
+    EXPECT_EQ(none.Execute(kInsert(u"0003", u"인천상회")), 1);
+    traces.take();
+    EXPECT_FALSE(none.Close());
+    EXPECT_EQ(traces.take(),
+              QStringList({u"CVOConnection::Close() Connection COM Object not initialized\n"_s}));
+    // The helpers must come to an end although EOF is never true.
+    EXPECT_EQ(forEachRow(kCustomers(u""), [](CVORecordset&) {}), 0);
+    EXPECT_EQ(firstRow(kCustomers(u"")), std::nullopt);
+    adoce::setCreationResult(adoce::kOk);
+
+    // A recordset that exists on a connection that does not.
+    CVORecordset recordset(none);
+    EXPECT_FALSE(recordset.Open(kCustomers(u""), kKeyset, kReadOnly));
+    EXPECT_TRUE(recordset.EOF());
+    EXPECT_EQ(device.value(u"SELECT count(*) FROM GARAE"_s), u"2"_s);
+}
+
+TEST_F(RecordsetTest, ExecuteIsAlwaysOneAndSilent) {
+    openDatabase(connection);
+    EXPECT_EQ(connection.Execute(kInsert(u"0003", u"인천상회")), 1);
+    EXPECT_EQ(connection.Execute(kBadInsert(u"0004")), 1);
+    EXPECT_EQ(connection.Execute(kInsert(u"0005", u"O'Hara")), 1);
+    EXPECT_EQ(connection.Execute(kInsert(u"0006", u"O''Hara")), 1);
+    EXPECT_EQ(device.value(u"SELECT group_concat(GCODE) FROM GARAE"_s), u"0001,0002,0003"_s);
+    EXPECT_TRUE(connection.Close());
+    EXPECT_FALSE(connection.Close());
+    EXPECT_EQ(connection.Execute(kInsert(u"0007", u"대구상회")), 1);
+    EXPECT_EQ(device.value(u"SELECT count(*) FROM GARAE"_s), u"3"_s);
+}
+
+TEST_F(RecordsetTest, AMissingDatabaseGivesNothingAndStaysMissing) {
+    const QString file = device.databaseFile();
+    adoce::DatabaseFile::forgetAll();
+    ASSERT_TRUE(QFile::rename(file, file + u".away"_s));
+    openDatabase(connection);
+    EXPECT_NE(connection.m_pConnection, nullptr);
+    EXPECT_EQ(connection.Execute(kInsert(u"0003", u"인천상회")), 1);
+    CVORecordset recordset(connection);
+    EXPECT_FALSE(recordset.Open(kCustomers(u""), kKeyset, kReadOnly));
+    EXPECT_TRUE(recordset.EOF());
+    EXPECT_FALSE(hasRow(kCustomers(u"")));
+    EXPECT_FALSE(QFile::exists(file));
+    ASSERT_TRUE(QFile::rename(file + u".away"_s, file));
+    EXPECT_TRUE(hasRow(kCustomers(u"")));
+}
+
+TEST_F(RecordsetTest, NoPasswordOpensTheDoorByItsQuotes) {
+    constexpr Statement<u"SELECT *  FROM PDAUSER WHERE userID = '%s' AND userPASS = '%s' "> kLogin;
+    device.insert(u"PDAUSER", {{u"userID", u"7"}, {u"userPASS", u"1234"}, {u"userNAME", u"김"}});
+    EXPECT_TRUE(hasRow(kLogin(u"7", u"1234")));
+    test::RecordedTraces traces;
+    for (const QStringView attempt : {u"' OR '1'='1", u"' OR ''='", u"1234' OR userID='7", u"' OR 1=1 --",
+                                      u"'' OR ''1''=''1", u"'; DELETE PDAUSER --", u"1234'", u"'", u"''"}) {
+        EXPECT_FALSE(hasRow(kLogin(u"7", attempt))) << attempt.toUtf8().constData();
+        EXPECT_FALSE(hasRow(kLogin(attempt, u"1234"))) << attempt.toUtf8().constData();
+        const QStringList told = traces.take();
+        EXPECT_EQ(told.size(), 2);
+        for (const QString& text : told)
+            EXPECT_FALSE(text.contains(attempt.toString() + u"'"_s)) << text.toStdString();
+    }
+    EXPECT_FALSE(hasRow(kLogin(u"7", u"")));
+    EXPECT_TRUE(hasRow(kLogin(u"7", u"1234")));
+}
+
+TEST_F(RecordsetTest, QueriesReadWholeRows) {
+    EXPECT_EQ(firstRow(kCustomers(u"0002")), QStringList({u"0002"_s, u"부산상회"_s, u""_s}));
+    EXPECT_EQ(firstRow(kCustomers(u"9")), std::nullopt);
+    EXPECT_EQ(firstRow(kBadSelect()), std::nullopt);
+    QStringList names;
+    // Each row's statements run beside the walk, as the slip deletion's do.
+    EXPECT_EQ(forEachRow(kCustomers(u""),
+                         [&](CVORecordset& row) {
+                             names << row.GetFieldString(1);
+                             execute(kInsert(u"0000", names.last()));
+                             EXPECT_TRUE(hasRow(kCustomers(u"0000")));
+                         }),
+              2);
+    EXPECT_EQ(names, QStringList({u"서울상회"_s, u"부산상회"_s}));
+    EXPECT_EQ(device.value(u"SELECT count(*) FROM GARAE"_s), u"4"_s);
+}
+
+}  // namespace
+}  // namespace db

@@ -1,0 +1,105 @@
+#include "db/Transaction.h"
+
+#include <gtest/gtest.h>
+
+#include "db/Query.h"
+#include "platform/Device.h"
+#include "support/FullDisk.h"
+#include "support/PrintQt.h"
+#include "support/TestDevice.h"
+
+namespace db {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr Statement<u"INSERT INTO MTMOK (JunNo,GName) VALUES ('%s','%s')"> kInsert;
+constexpr Statement<u"DELETE MTMOK WHERE JunNo = '%s'"> kDelete;
+constexpr Statement<u"SELECT JunNo FROM MTMOK WHERE JunNo = '%s'"> kSelect;
+
+class TransactionTest : public testing::Test {
+  protected:
+    QString slips() {
+        return device.value(u"SELECT group_concat(JunNo) FROM (SELECT JunNo FROM MTMOK ORDER BY JunNo)"_s);
+    }
+
+    test::TestDevice device;
+};
+
+TEST_F(TransactionTest, AllOrNothing) {
+    execute(kInsert(u"1", u"before"));
+    {
+        Transaction transaction;
+        transaction.connection().Execute(kDelete(u"1"));
+        execute(kInsert(u"2", u"on a connection of its own"));
+        transaction.connection().Execute(kInsert(u"3", u"a quote ' is skipped"));
+        transaction.connection().Execute(kInsert(u"4", u"after it"));
+        EXPECT_TRUE(hasRow(kSelect(u"2")));
+        EXPECT_EQ(slips(), u"1"_s);  // seen from outside
+        EXPECT_TRUE(transaction.isAlive());
+    }
+    EXPECT_EQ(slips(), u"1"_s);
+    {
+        Transaction transaction;
+        transaction.connection().Execute(kDelete(u"1"));
+        execute(kInsert(u"2", u""));
+        transaction.connection().Execute(kInsert(u"3", u"'"));
+        transaction.connection().Execute(kInsert(u"4", u""));
+        EXPECT_TRUE(transaction.commit());
+        EXPECT_FALSE(transaction.isAlive());
+        EXPECT_FALSE(transaction.commit());
+    }
+    EXPECT_EQ(slips(), u"2,4"_s);
+    execute(kInsert(u"5", u""));
+    EXPECT_EQ(slips(), u"2,4,5"_s);
+}
+
+TEST_F(TransactionTest, AnInnerOneDoesNothingAndLeavesTheOuterAlone) {
+    Transaction outer;
+    outer.connection().Execute(kInsert(u"1", u""));
+    {
+        Transaction inner;
+        EXPECT_FALSE(inner.isAlive());
+        inner.connection().Execute(kInsert(u"2", u""));
+        EXPECT_FALSE(inner.commit());
+    }
+    EXPECT_TRUE(outer.isAlive());
+    EXPECT_TRUE(outer.commit());
+    EXPECT_EQ(slips(), u"1"_s);
+}
+
+TEST_F(TransactionTest, WithoutADatabaseNothingBegins) {
+    platform::device::setFolder(device.folder() + u"/missing"_s);
+    Transaction transaction;
+    EXPECT_FALSE(transaction.isAlive());
+    transaction.connection().Execute(kInsert(u"1", u""));
+    EXPECT_FALSE(transaction.commit());
+    platform::device::setFolder(device.folder());
+    EXPECT_EQ(slips(), QString());
+}
+
+// Once the database has given a transaction up, a later statement would be kept on its own.
+TEST_F(TransactionTest, ALostOneKeepsNothing) {
+    execute(kInsert(u"0", u"before"));
+    const QString long1k(1000, u'x');
+    {
+        Transaction transaction;
+        transaction.connection().Execute(kInsert(u"1", u""));
+        {
+            const test::FullDisk full(64 * 1024);
+            for (int i = 0; i < 10000 && transaction.isAlive(); ++i) {
+                transaction.connection().Execute(kInsert(u"2", long1k));
+            }
+        }
+        ASSERT_FALSE(transaction.isAlive());
+        transaction.connection().Execute(kInsert(u"3", u"there is room again"));
+        execute(kInsert(u"4", u"there is room again"));
+        EXPECT_FALSE(transaction.commit());
+    }
+    EXPECT_EQ(slips(), u"0"_s);
+    execute(kInsert(u"5", u""));
+    EXPECT_EQ(slips(), u"0,5"_s);
+}
+
+}  // namespace
+}  // namespace db
