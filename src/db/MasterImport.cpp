@@ -58,6 +58,14 @@ QByteArrayView withoutLineEnd(QByteArrayView line) {
     return line;
 }
 
+/// The text of a line; nothing when it is not code page 949. A line as long as the buffer may end in the
+/// middle of a character, which lies far beyond the length that counts.
+std::optional<QString> decodeLine(QByteArrayView line) {
+    std::optional<QString> text = platform::codepage::decode(line);
+    if (!text && line.size() == kLongestLineBytes) text = platform::codepage::decode(line.chopped(1));
+    return text;
+}
+
 int countLines(QByteArrayView content) {
     LineReader reader(content);
     int lines = 0;
@@ -159,7 +167,7 @@ void insertLines(const ImportFile& file, const QByteArray& content, Transaction&
     std::vector<QStringView> fields;
     for (int number = 1; !reader.atEnd() && transaction.isAlive(); ++number) {
         const QByteArrayView line = withoutLineEnd(reader.next());
-        const std::optional<QString> text = platform::codepage::decode(line);
+        const std::optional<QString> text = decodeLine(line);
         if (!text) {
             rejected->add(number, "not code page 949", line);
         } else {

@@ -1,0 +1,82 @@
+#include "db/ImportFile.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+
+#include "platform/Device.h"
+#include "support/PrintQt.h"
+#include "support/TestDevice.h"
+
+namespace db {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+const ImportFile& importFileOf(QStringView name) {
+    for (const ImportFile& file : importFiles()) {
+        if (file.fileName == name) return file;
+    }
+    throw std::invalid_argument("no such import file");
+}
+
+TEST(ImportFileTest, CutsLines) {
+    struct Case {
+        QStringView file;
+        QString line;
+        QStringList fields;  ///< The first ones; those that follow must be empty.
+    };
+    const auto x = [](int count) { return QString(count, u'가'); };
+    // After the first field and its separator 200 characters count, 140 in MTM.RVN, closing "|" included.
+    const Case cases[] = {
+        {u"GARAEMAJIN.RVN", u"0012|01|5|"_s, {u"0012"_s, u"01"_s, u"5"_s}},
+        {u"GARAEMAJIN.RVN", u"0012|01|5"_s, {u"0012"_s, u"01"_s}},
+        {u"GARAEMAJIN.RVN", u"0012|01"_s, {u"0012"_s}},
+        {u"GARAEMAJIN.RVN", u"0012|01|5|9|9|"_s, {u"0012"_s, u"01"_s, u"5"_s}},
+        {u"GARAEMAJIN.RVN", u"0012|||"_s, {u"0012"_s}},
+        {u"GARAEMAJIN.RVN", u"0012x01| 5 |"_s, {u"0012"_s, u"01"_s, u" 5 "_s}},
+        {u"GARAEMAJIN.RVN", u"12|1|5|"_s, {u"12|1"_s, u"5"_s}},
+        {u"GARAEMAJIN.RVN", u""_s, {}},
+        {u"GARAEMAJIN.RVN", u"001"_s, {u"001"_s}},
+        {u"GARAEMAJIN.RVN", u"0012"_s, {u"0012"_s}},
+        {u"GARAEMAJIN.RVN", u"가나다라|마|바|"_s, {u"가나다라"_s, u"마"_s, u"바"_s}},
+        {u"GARAEMAJIN.RVN", u"0012|"_s + x(197) + u"|5|"_s, {u"0012"_s, x(197), u"5"_s}},
+        {u"GARAEMAJIN.RVN", u"0012|"_s + x(198) + u"|5|"_s, {u"0012"_s, x(198)}},
+        {u"GARAEMAJIN.RVN", u"0012|"_s + x(199) + u"|5|"_s, {u"0012"_s, x(199)}},
+        {u"GARAEMAJIN.RVN", u"0012|"_s + x(200) + u"|5|"_s, {u"0012"_s}},
+        {u"MTM.RVN", u"2004-03-02|주문|0012|"_s, {u"2004-03-02"_s, u"주문"_s, u"0012"_s}},
+        {u"MTM.RVN", u"2004-03-02|"_s + x(137) + u"|5|"_s, {u"2004-03-02"_s, x(137), u"5"_s}},
+        {u"MTM.RVN", u"2004-03-02|"_s + x(138) + u"|5|"_s, {u"2004-03-02"_s, x(138)}},
+        {u"MTM.RVN", u"2004-03-02|"_s + x(140) + u"|5|"_s, {u"2004-03-02"_s}},
+    };
+    // One list serves every line in turn: what a line leaves behind must not show in the next.
+    std::vector<QStringView> cut;
+    for (const Case& c : cases) {
+        const ImportFile& file = importFileOf(c.file);
+        cutImportLine(file, c.line, &cut);
+        QStringList fields;
+        for (const QStringView field : cut) fields << field.toString();
+        QStringList expected = c.fields;
+        while (expected.size() < file.fields) expected << u""_s;
+        EXPECT_EQ(fields, expected) << c.line.toStdString();
+    }
+}
+
+TEST(ImportFileTest, IsFoundInTheDocumentsFirst) {
+    test::TestDevice device;
+    const ImportFile& file = importFileOf(u"GARAE.RVN");
+    EXPECT_EQ(findImportFile(file), ImportSource::None);
+    EXPECT_FALSE(isImportWaiting());
+    device.writeFile(u"\\저장소카드\\GARAE.RVN", "");
+    EXPECT_EQ(findImportFile(file), ImportSource::StorageCard);
+    EXPECT_TRUE(isImportWaiting());
+    device.writeFile(u"\\My Documents\\GARAE.RVN", "");
+    EXPECT_EQ(findImportFile(file), ImportSource::Documents);
+    EXPECT_EQ(findImportFile(importFileOf(u"MTM.RVN")), ImportSource::None);
+    // A folder of that name is no file.
+    QDir().mkpath(platform::device::path(u"\\My Documents\\MTM.RVN"));
+    EXPECT_EQ(findImportFile(importFileOf(u"MTM.RVN")), ImportSource::None);
+}
+
+}  // namespace
+}  // namespace db
