@@ -51,7 +51,7 @@ class TestScreen : public ui::Screen {
         button(8, {116, 50}, [this] { close(Cancelled); });
         button(9, {4, 230}, [this] {
             // Something is said at the very end, whatever way it is left.
-            while (lastWords-- > 0) ui::message(u"noch"_s);
+            while (lastWords-- > 0) ui::message(u"again"_s);
         });
         addLabel(10, u"  두 칸"_s, {4, 96, 100, 20});
         auto* edit = place(11, new QLineEdit(this), {4, 120, 100, 24});
@@ -279,7 +279,7 @@ TEST_F(PilotTest, ClosesEverythingAfterAMissedStep) {
 TEST_F(PilotTest, ClosesWhatOpensWhileItCloses) {
     TestScreen screen;
     screen.lastWords = 3;
-    EXPECT_TRUE(play(screen, u"press 900.9\nexpect message noch\nquit"_s)) << failure.toStdString();
+    EXPECT_TRUE(play(screen, u"press 900.9\nexpect message again\nquit"_s)) << failure.toStdString();
     EXPECT_LT(screen.lastWords, 1);
 }
 

@@ -1,0 +1,88 @@
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QFileInfo>
+#include <QTimer>
+#include <cstdio>
+
+#include "Screens.h"
+#include "app/RovanaApp.h"
+#include "platform/Device.h"
+#include "platform/Trace.h"
+#include "rovana-play/Pilot.h"
+#include "rovana-play/Script.h"
+#include "ui/Fonts.h"
+#include "ui/Terminal.h"
+
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr int kUsageError = 2;
+
+int fail(const QString& error, int exitCode) {
+    std::fprintf(stderr, "rovana-play: %s\n", qUtf8Printable(error));
+    return exitCode;
+}
+
+}  // namespace
+
+int main(int argc, char* argv[]) {
+    QCommandLineParser parser;
+    parser.setApplicationDescription(u"Plays a visit script on the terminal's screens."_s);
+    parser.addPositionalArgument(u"FILE.visit"_s, u"The script."_s);
+    const QCommandLineOption help = parser.addHelpOption();
+    const QCommandLineOption device(u"device"_s, u"The device folder."_s, u"DIR"_s);
+    const QCommandLineOption shots(u"shots"_s, u"Folder for the screenshots; none without it."_s, u"DIR"_s);
+    const QCommandLineOption scale(u"scale"_s, u"Size of the terminal; 2 with --shots, else 1."_s, u"N"_s);
+    const QCommandLineOption pace(u"pace"_s, u"Pause before every step, to watch it."_s, u"MS"_s, u"0"_s);
+    parser.addOptions({device, shots, scale, pace});
+
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i) arguments << QString::fromLocal8Bit(argv[i]);
+    if (!parser.parse(arguments)) return fail(parser.errorText(), kUsageError);
+    const bool isHelpWanted = parser.isSet(help);
+    if (!isHelpWanted && parser.positionalArguments().size() != 1)
+        return fail(u"one script is wanted, see --help"_s, kUsageError);
+    // The scale has to be known before Qt starts.
+    const QString size = parser.isSet(scale) ? parser.value(scale) : parser.isSet(shots) ? u"2"_s : QString();
+    bool isSize = true;
+    if (!size.isEmpty() && (size.toDouble(&isSize) <= 0 || !isSize))
+        return fail(u"no scale: %1"_s.arg(size), kUsageError);
+    if (!size.isEmpty()) qputenv("QT_SCALE_FACTOR", size.toUtf8());
+
+    QApplication application(argc, argv);
+    if (isHelpWanted) parser.showHelp();
+    const pilot::Script script = pilot::readScript(parser.positionalArguments().constFirst());
+    for (const QString& error : script.errors) fail(u"%1: %2"_s.arg(script.file, error), kUsageError);
+    if (!script.errors.isEmpty()) return kUsageError;
+
+    platform::device::setFolder(platform::device::choose(parser.value(device)));
+    if (!QFileInfo::exists(platform::device::path(platform::device::kDatabaseFile)))
+        return fail(u"no terminal in %1; \"rovanactl init\" makes one"_s.arg(platform::device::folder()),
+                    kUsageError);
+    platform::openLog();
+    QApplication::setCursorFlashTime(0);  // Screenshots of the same screen are the same.
+    ui::prepareFonts();
+    registerScreens();
+    ui::Terminal terminal;
+    terminal.setVisible(true);
+    terminal.activateWindow();
+
+    pilot::Options options;
+    options.shots = parser.value(shots);
+    options.paceMs = parser.value(pace).toInt();
+    options.approve = qEnvironmentVariableIntValue("ROVANA_APPROVE") == 1;
+    pilot::Pilot player(script, options);
+    // At once: a program that hangs while it closes shall still have told why.
+    QObject::connect(&player, &pilot::Pilot::missed, &player,
+                     [](const QString& failure) { fail(failure, 1); });
+    int exitCode = 0;
+    // The program runs inside the event loop, as it does without a script.
+    QTimer::singleShot(0, &terminal, [&] {
+        player.start();
+        exitCode = app::CRovanaApp().run();
+        QCoreApplication::quit();
+    });
+    QApplication::exec();
+    return player.finish() ? exitCode : 1;
+}
