@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QLabel>
 #include <QProgressBar>
 
 #include "app/Dialogs.h"
@@ -34,6 +35,8 @@ constexpr FileRow kRows[] = {{1136, 1135, u"주문서", u"주문서"},
 
 CImportDlg::CImportDlg() : Screen(dialogs::kImport) {
     addPicture(0, ui::bitmaps::kImportHeading, {0, 0});
+    QLabel* heading = addLabel(0, u"영업자료 수신"_s, {38, 0, 198, 31}, ui::FontHeight::Title);
+    setTextColour(heading, Qt::white);
     for (int i = 0; i < kFiles; ++i) {
         const int top = 42 + i * 47;
         addLabel(kRows[i].label, kRows[i].caption.toString(), {8, top, 224, 22}, ui::FontHeight::Medium);

@@ -11,6 +11,7 @@ using namespace Qt::Literals::StringLiterals;
 
 constexpr int kFirstKey = 1035;
 constexpr QStringView kConsonants = u"ㄱㄴㄷㄹㅁㅂㅅㅇㅈㅊㅋㅌㅍㅎ";
+constexpr int kKeyType = 24;
 constexpr int kOtherKey = 1049;
 /// The key of names that begin with none of the consonants.
 constexpr QStringView kOtherSeek = u"00";
@@ -19,10 +20,13 @@ constexpr QStringView kOtherSeek = u"00";
 
 ConsonantBoard::ConsonantBoard(int dialogId, const QString& title) : Screen(dialogId) {
     addLabel(0, title, {4, 6, 232, 26}, ui::FontHeight::Title, Qt::AlignCenter);
+    // A single consonant fills little of its square, so it is set larger than the shared fonts.
+    QFont keyFont = ui::font(ui::FontHeight::Title);
+    keyFont.setPixelSize(kKeyType);
     for (int i = 0; i < int(kConsonants.size()); ++i) {
         const QString seek(kConsonants[i]);
         ui::BitmapButton* key = addButton(kFirstKey + i, seek, keyAt(i), ui::bitmaps::kConsonant);
-        key->setFont(ui::font(ui::FontHeight::Title));
+        key->setFont(keyFont);
         connect(key, &ui::BitmapButton::clicked, this, [this, seek] { choose(seek); });
     }
     ui::BitmapButton* other =

@@ -54,7 +54,7 @@ constexpr AmountRow kAmountRows[] = {
 CMtmDlg::CMtmDlg() : Screen(app::dialogs::kSalesSlip) {
     addLabel(kCustomerName, {}, {4, 0, 232, 22});
     addLabel(0, u"채권잔액"_s, {4, 22, 60, 18});
-    addLabel(kReceivable, {}, {66, 22, 110, 18}, ui::FontHeight::Small, Qt::AlignRight | Qt::AlignVCenter);
+    addLabel(kReceivable, {}, {66, 22, 170, 18}, ui::FontHeight::Small, Qt::AlignRight | Qt::AlignVCenter);
 
     list_ = addList(kList, {0, 41, 240, 106});
     const ui::ListColumn columns[] = {{u"코드"_s, 40},
@@ -88,9 +88,7 @@ void CMtmDlg::addAmountRows() {
         const int height = isDeposit ? 15 : kRowHeight;
         QLabel* lineValue =
             addLabel(row.lineValue, {}, {48, row.top, 60, height}, ui::FontHeight::Small, kRight);
-        QPalette colours = lineValue->palette();
-        colours.setColor(QPalette::WindowText, QColor(0x1c, 0x5b, 0xa8));
-        lineValue->setPalette(colours);
+        setTextColour(lineValue, QColor(0x1c, 0x5b, 0xa8));
         addLabel(row.slipSum, {}, {110, row.top, 68, height}, ui::FontHeight::Small, kRight);
     }
 

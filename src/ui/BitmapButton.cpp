@@ -1,7 +1,9 @@
 #include "ui/BitmapButton.h"
 
 #include <QFocusEvent>
+#include <QFontMetrics>
 #include <QPainter>
+#include <algorithm>
 
 namespace ui {
 namespace {
@@ -34,6 +36,15 @@ QRect BitmapButton::captionArea() const {
     return isDown() ? area.translated(0, 1) : area;
 }
 
+int BitmapButton::wrapping() const {
+    const QFontMetrics metrics(font());
+    const QStringList words = text().split(u' ', Qt::SkipEmptyParts);
+    const bool isWordTooWide = std::any_of(words.begin(), words.end(), [&](const QString& word) {
+        return metrics.horizontalAdvance(word) > captionArea().width() - 4;
+    });
+    return isWordTooWide ? Qt::TextWrapAnywhere : Qt::TextWordWrap;
+}
+
 void BitmapButton::focusInEvent(QFocusEvent* event) {
     showsFocus_ = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
     QAbstractButton::focusInEvent(event);
@@ -48,7 +59,7 @@ void BitmapButton::paintEvent(QPaintEvent*) {
     painter.setPen(!isEnabled()                               ? kDisabledCaption
                    : bitmaps_.caption == CaptionColour::Light ? QColor(Qt::white)
                                                               : kDarkCaption);
-    painter.drawText(captionArea().adjusted(2, 0, -2, 0), Qt::AlignCenter | Qt::TextWordWrap | Qt::TextWrapAnywhere, text());
+    painter.drawText(captionArea().adjusted(2, 0, -2, 0), Qt::AlignCenter | wrapping(), text());
     if (hasFocus() && showsFocus_) {
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setPen(QPen(kFocusRing, 2));

@@ -23,6 +23,8 @@ class BitmapButton : public QAbstractButton {
 
   private:
     QRect captionArea() const;
+    /// Breaks a caption between its words, or anywhere when a word alone is too wide.
+    int wrapping() const;
 
     ButtonBitmaps bitmaps_;
     bool showsFocus_ = false;  ///< The ring helps who works with keys; a finger knows where it was.

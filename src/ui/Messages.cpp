@@ -36,9 +36,7 @@ MessageBox::MessageBox(const QString& text, const QString& caption, Buttons butt
         QLabel* heading =
             addLabel(0, caption, QRect(panel_.left() + kMargin, panel_.top(), textWidth, kCaptionHeight),
                      FontHeight::Medium);
-        QPalette colours = heading->palette();
-        colours.setColor(QPalette::WindowText, Qt::white);
-        heading->setPalette(colours);
+        setTextColour(heading, Qt::white);
     }
     QLabel* body = addLabel(
         0, text,

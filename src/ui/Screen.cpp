@@ -86,6 +86,12 @@ QLabel* Screen::label(int controlId) const {
     return qobject_cast<QLabel*>(control(controlId));
 }
 
+void Screen::setTextColour(QWidget* widget, const QColor& colour) {
+    QPalette colours = widget->palette();
+    colours.setColor(QPalette::WindowText, colour);
+    widget->setPalette(colours);
+}
+
 void Screen::setText(int controlId, const QString& text) {
     if (QLabel* target = label(controlId)) target->setText(text);
 }

@@ -68,6 +68,7 @@ class Screen : public QWidget {
     }
 
     QLabel* label(int controlId) const;
+    static void setTextColour(QWidget* widget, const QColor& colour);
     void setText(int controlId, const QString& text);
     /// Shows an amount with the slip screens' grouping, in the largest type that fits its control.
     void setAmount(int controlId, platform::Won amount);
