@@ -115,9 +115,9 @@ TEST_F(AdoceTest, AWalkKeepsItsValuesWhileOthersRun) {
     Recordset outer;
     ASSERT_EQ(open(outer, select.arg(u"1"_s)), kOk);
     EXPECT_EQ(text(outer), u"2"_s);
-    // The same statement with another value, and a change of a row that the walk has passed.
-    EXPECT_EQ(column(select.arg(u"3"_s)), QStringList({u"4"_s}));
+    // A change of a row that the walk has passed, and the same statement with another value.
     EXPECT_EQ(run(u"DELETE TEMP WHERE PCode = '1'"_s), kOk);
+    EXPECT_EQ(column(select.arg(u"3"_s)), QStringList({u"4"_s}));
     EXPECT_EQ(outer.MoveNext(), kOk);
     EXPECT_EQ(text(outer), u"3"_s);
     EXPECT_EQ(outer.MoveFirst(), kOk);
@@ -147,14 +147,13 @@ TEST_F(AdoceTest, OnlyAnExistingDatabaseOpens) {
 }
 
 TEST_F(AdoceTest, SeesADatabaseThatReplacedTheOldOne) {
+    const QString path = device.databaseFile();
+    const QString fresh = path + u".new"_s;
+    ASSERT_TRUE(QFile::copy(path, fresh));
     device.insert(u"TEMP", {{u"PCode", u"old"}});
     EXPECT_EQ(column(u"SELECT PCode FROM TEMP"_s), QStringList({u"old"_s}));
-    const QString path = device.databaseFile();
-    {
-        const test::TestDevice other;
-        for (const QString& suffix : {u"-wal"_s, u"-shm"_s}) QFile::remove(path + suffix);
-        ASSERT_EQ(::rename(other.databaseFile().toUtf8().constData(), path.toUtf8().constData()), 0);
-    }
+    for (const QString& suffix : {u"-wal"_s, u"-shm"_s}) QFile::remove(path + suffix);
+    ASSERT_EQ(::rename(fresh.toUtf8().constData(), path.toUtf8().constData()), 0);
     EXPECT_EQ(open(path), kOk);
     EXPECT_EQ(column(u"SELECT PCode FROM TEMP"_s), QStringList());
 }
