@@ -1,0 +1,111 @@
+#include "app/Keypad.h"
+
+#include <gtest/gtest.h>
+
+#include <QStringList>
+
+#include "support/PrintQt.h"
+
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using app::Keypad;
+using app::KeypadRequest;
+
+KeypadRequest request(int mode, const QStringList& values = {}) {
+    KeypadRequest result;
+    result.KeypadMode = mode;
+    result.KeypadValue1 = values.value(0);
+    result.KeypadValue2 = values.value(1);
+    result.KeypadValue3 = values.value(2);
+    return result;
+}
+
+/// Presses keys named by one character each: digits, "-", "<" erases field 1, "c" empties the active field.
+void press(Keypad* keypad, QStringView keys) {
+    for (const QChar key : keys) {
+        if (key == u'-') {
+            keypad->minus();
+        } else if (key == u'<') {
+            keypad->erase(1);
+        } else if (key == u'c') {
+            keypad->clear();
+        } else {
+            keypad->append(QString(key));
+        }
+    }
+}
+
+struct KeyCase {
+    int mode;
+    QString keys;
+    QString display;
+    QString value;
+    int result;
+};
+
+TEST(Keypad, ShowsAndReturnsWhatIsKeyed) {
+    const KeyCase cases[] = {
+        {app::kTextField, u"0042"_s, u"0042"_s, u"0042"_s, 1},
+        {app::kTextField, u"12--"_s, u"--12"_s, u"--12"_s, 1},
+        // Erasing shows a grouped number in the text mode as well.
+        {app::kTextField, u"12345<"_s, u"1,234"_s, u"1234"_s, 1},
+        {app::kTextField, u"7c"_s, u""_s, u""_s, 0},
+        {app::kOneNumber, u"1234567"_s, u"1,234,567"_s, u"1234567"_s, 1},
+        {app::kOneNumber, u"007"_s, u"7"_s, u"007"_s, 1},
+        // The sign counts as a character of the grouping.
+        {app::kOneNumber, u"123456-"_s, u"-,123,456"_s, u"-123456"_s, 1},
+        {app::kOneNumber, u"12345--"_s, u"12,345"_s, u"12345"_s, 1},
+        {app::kOneNumber, u""_s, u""_s, u""_s, 0},
+        // Erasing an empty field shows "0", which counts as an entry.
+        {app::kOneNumber, u"<"_s, u"0"_s, u""_s, 1},
+        {app::kOneNumber, u"99999999999999999999"_s, u"9,223,372,036,854,775,807"_s,
+         u"99999999999999999999"_s, 1},
+    };
+    for (const KeyCase& c : cases) {
+        SCOPED_TRACE(c.keys.toStdString());
+        KeypadRequest answer = request(c.mode);
+        Keypad keypad(answer);
+        press(&keypad, c.keys);
+        EXPECT_EQ(keypad.display(1), c.display);
+        keypad.accept(&answer);
+        EXPECT_EQ(answer.KeypadValue1, c.value);
+        EXPECT_EQ(answer.KeypadResult, c.result);
+    }
+}
+
+TEST(Keypad, CancelGivesBackWhatCameIn) {
+    KeypadRequest answer = request(app::kThreeNumbers, {u"1000"_s, u""_s, u"5"_s});
+    Keypad keypad(answer);
+    EXPECT_EQ(keypad.display(1), u"1,000"_s);
+    press(&keypad, u"77");
+    keypad.erase(3);
+    keypad.cancel(&answer);
+    EXPECT_EQ(answer.KeypadValue1, u"1000"_s);
+    EXPECT_EQ(answer.KeypadValue3, u"5"_s);
+    EXPECT_EQ(answer.KeypadResult, 0);
+}
+
+TEST(Keypad, SelectorsChooseTheActiveField) {
+    struct SelectorCase {
+        bool secondWasClicked;
+        bool secondChecked;
+        bool thirdChecked;
+        int active;
+    };
+    const SelectorCase cases[] = {
+        {true, true, false, 2},  {true, true, true, 2},  {true, false, true, 3},  {true, false, false, 1},
+        {false, true, false, 2}, {false, true, true, 3}, {false, false, true, 3}, {false, false, false, 1},
+    };
+    for (const SelectorCase& c : cases) {
+        Keypad keypad(request(app::kThreeNumbers));
+        c.secondWasClicked ? keypad.secondClicked(c.secondChecked, c.thirdChecked)
+                           : keypad.thirdClicked(c.secondChecked, c.thirdChecked);
+        EXPECT_EQ(keypad.activeField(), c.active);
+        keypad.append(u"00"_s);
+        keypad.append(u"8"_s);
+        EXPECT_EQ(keypad.display(c.active), u"8"_s);
+    }
+}
+
+}  // namespace
