@@ -13,7 +13,7 @@ template <std::size_t N>
 struct StatementText {
     consteval StatementText(const char16_t (&literal)[N]) { std::copy_n(literal, N, characters.begin()); }
 
-    constexpr QStringView view() const { return QStringView(characters.data(), qsizetype(N) - 1); }
+    QStringView view() const { return QStringView(characters.data(), qsizetype(N) - 1); }
 
     std::array<char16_t, N> characters{};
 };
@@ -47,19 +47,25 @@ class Sql {
 /// outside single quotes.
 template <StatementText Format>
 class Statement {
+    // These look at the characters themselves: making a QStringView is no constant expression for every set
+    // of compiler options.
+    static constexpr std::size_t kLength = Format.characters.size() - 1;
+    static constexpr bool isPlace(std::size_t at) {
+        return Format.characters[at] == u'%' && Format.characters[at + 1] == u's';
+    }
+
   public:
     static constexpr int kValues = [] {
-        const QStringView text = Format.view();
         int values = 0;
-        for (qsizetype i = 0; i + 1 < text.size(); ++i) values += text[i] == u'%' && text[i + 1] == u's';
+        for (std::size_t i = 0; i < kLength; ++i) values += isPlace(i);
         return values;
     }();
 
     static constexpr bool kEveryValueIsQuoted = [] {
-        const QStringView text = Format.view();
-        for (qsizetype i = 0; i + 1 < text.size(); ++i) {
-            if (text[i] != u'%' || text[i + 1] != u's') continue;
-            if (i == 0 || text[i - 1] != u'\'' || i + 2 >= text.size() || text[i + 2] != u'\'') return false;
+        for (std::size_t i = 0; i < kLength; ++i) {
+            if (!isPlace(i)) continue;
+            if (i == 0 || Format.characters[i - 1] != u'\'' || Format.characters[i + 2] != u'\'')
+                return false;
         }
         return true;
     }();
@@ -68,15 +74,14 @@ class Statement {
     /// Where the values go in the format; found once, because loading a file builds a text for every line.
     static constexpr std::array<qsizetype, kValues> kPlaces = [] {
         std::array<qsizetype, kValues> places{};
-        const QStringView text = Format.view();
         std::size_t found = 0;
-        for (qsizetype i = 0; i + 1 < text.size(); ++i) {
-            if (text[i] == u'%' && text[i + 1] == u's') places[found++] = i;
+        for (std::size_t i = 0; i < kLength; ++i) {
+            if (isPlace(i)) places[found++] = qsizetype(i);
         }
         return places;
     }();
 
-    static constexpr QStringView format() { return Format.view(); }
+    static QStringView format() { return Format.view(); }
 
     template <std::convertible_to<QStringView>... Values>
     requires(sizeof...(Values) == kValues) Sql operator()(const Values&... values) const {
@@ -90,7 +95,7 @@ class Statement {
 
   private:
     static Sql build(const std::array<QStringView, kValues>& values) {
-        constexpr QStringView format = Format.view();
+        const QStringView format = Format.view();
         qsizetype length = format.size() - 2 * kValues;
         for (const QStringView value : values) length += value.size();
         QString text(length, Qt::Uninitialized);
