@@ -22,6 +22,8 @@ struct Measurement {
 
 constexpr std::array kMeasurements{
     Measurement{"import", 1.0, bench::measureImport},
+    Measurement{"startup", 1.5, bench::measureStartup},
+    Measurement{"memory", 1.5, bench::measureMemory},
 };
 
 bool runAndPrint(const Measurement& measurement) {

@@ -1,0 +1,115 @@
+#include "Program.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QIcon>
+#include <QPalette>
+#include <QScreen>
+#include <QTimer>
+#include <QVBoxLayout>
+#include <QWidget>
+#include <algorithm>
+#include <cstdio>
+
+#include "Screens.h"
+#include "app/RovanaApp.h"
+#include "platform/Device.h"
+#include "platform/Trace.h"
+#include "ui/Bitmaps.h"
+#include "ui/Fonts.h"
+#include "ui/Terminal.h"
+
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+struct Options {
+    QString device;
+    qreal scale = 2;
+    bool isScaleGiven = false;
+    bool isFullScreen = false;
+};
+
+Options readOptions(const QStringList& arguments) {
+    QCommandLineParser parser;
+    parser.setApplicationDescription(u"Rovana, the route-sales terminal."_s);
+    parser.addHelpOption();
+    parser.addVersionOption();
+    const QCommandLineOption device(u"device"_s, u"The device folder."_s, u"DIR"_s);
+    const QCommandLineOption scale(u"scale"_s, u"Enlarges the 240 by 320 screen (default 2)."_s, u"N"_s);
+    const QCommandLineOption fullScreen(u"fullscreen"_s, u"Fills the display, as on a handheld."_s);
+    parser.addOptions({device, scale, fullScreen});
+    parser.process(arguments);
+
+    Options options;
+    options.device = parser.value(device);
+    options.isFullScreen = parser.isSet(fullScreen);
+    options.isScaleGiven = parser.isSet(scale);
+    if (options.isScaleGiven) {
+        bool isNumber = false;
+        options.scale = parser.value(scale).toDouble(&isNumber);
+        if (!isNumber || options.scale < 0.5 || options.scale > 8) {
+            std::fprintf(stderr, "rovana: --scale takes a number from 0.5 to 8\n");
+            std::exit(2);
+        }
+    }
+    return options;
+}
+
+/// The largest scale at which the whole screen fits the display. A scale is fixed before the application
+/// object is made, so a passing one looks at the display first.
+qreal scaleToFill(int argc, char** argv) {
+    const QGuiApplication passing(argc, argv);
+    const QSize display = QGuiApplication::primaryScreen()->size();
+    return std::max(1.0, std::min(display.width() / qreal(ui::kScreenSize.width()),
+                                  display.height() / qreal(ui::kScreenSize.height())));
+}
+
+}  // namespace
+
+int runProgram(int argc, char** argv, const std::function<void(ui::Terminal&)>& terminalMade) {
+    QCoreApplication::setApplicationName(u"rovana"_s);
+    QCoreApplication::setApplicationVersion(QStringLiteral(ROVANA_VERSION));
+    Options options;
+    {
+        // --help and --version end the program here, before it needs a display.
+        const QCoreApplication passing(argc, argv);
+        options = readOptions(QCoreApplication::arguments());
+    }
+    if (options.isFullScreen && !options.isScaleGiven) options.scale = scaleToFill(argc, argv);
+    qputenv("QT_SCALE_FACTOR", QByteArray::number(options.scale));
+
+    const QApplication application(argc, argv);
+    platform::device::setFolder(platform::device::choose(options.device));
+    if (!platform::openLog()) {
+        std::fprintf(stderr, "rovana: no log can be kept in %s\n",
+                     qUtf8Printable(platform::device::folder()));
+    }
+    ui::prepareFonts();
+    QApplication::setWindowIcon(QIcon(ui::bitmap(ui::bitmaps::kApplicationIcon, 1)));
+
+    QWidget window;
+    window.setWindowTitle(u"Rovana"_s);
+    window.setPalette(QPalette(Qt::black));
+    auto* layout = new QVBoxLayout(&window);
+    layout->setContentsMargins(0, 0, 0, 0);
+    auto* terminal = new ui::Terminal(&window);
+    layout->addWidget(terminal, 0, Qt::AlignCenter);
+    if (options.isFullScreen) {
+        window.showFullScreen();
+    } else {
+        layout->setSizeConstraint(QLayout::SetFixedSize);
+        window.show();
+    }
+
+    registerScreens();
+    if (terminalMade) terminalMade(*terminal);
+    int exitCode = 0;
+    // The main dialog runs inside the event loop, so that closing the window ends it like everything else.
+    QTimer::singleShot(0, &window, [&] {
+        exitCode = app::CRovanaApp().run();
+        QCoreApplication::quit();
+    });
+    QApplication::exec();
+    return exitCode;
+}
