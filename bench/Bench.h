@@ -23,6 +23,7 @@ double millisecondsOf(const std::function<void()>& work);
 // One function for each measurement, in a file of its own. They throw std::runtime_error, which says why,
 // when a side cannot run or gives a wrong result.
 Result measureImport();
+Result measurePrice();
 Result measureStartup();
 Result measureMemory();
 

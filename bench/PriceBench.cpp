@@ -1,0 +1,206 @@
+// One price of a slip line beside the bare look-ups that it needs: bound statements on one SQLite handle,
+// prepared once. Every price source weighs the same.
+
+#include <sqlite3.h>
+
+#include <array>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "Bench.h"
+#include "Folder.h"
+#include "sales/Pricing.h"
+
+namespace bench {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using sales::PriceSource;
+
+constexpr int kRuns = 9;
+constexpr int kPricesOfASource = 10000;
+constexpr int kCustomersOfASource = 100;
+constexpr int kProducts = 400;
+constexpr double kMicrosecondsPerMillisecond = 1000;
+
+constexpr std::array kSources{PriceSource::Contract, PriceSource::ClassMargin, PriceSource::CustomerMargin,
+                              PriceSource::Tier};
+
+/// A customer or product code of four characters.
+std::string code(char kind, int number) {
+    const std::string digits = std::to_string(1000 + number % 1000);
+    return kind + digits.substr(1);
+}
+
+/// Customers of the source begin with this letter.
+char kindOf(PriceSource source) {
+    return "KCMT"[int(source)];
+}
+
+/// Runs one statement, or throws.
+void run(sqlite3* handle, const std::string& sql) {
+    if (sqlite3_exec(handle, sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) {
+        throw std::runtime_error(sqlite3_errmsg(handle));
+    }
+}
+
+void fill(sqlite3* handle) {
+    run(handle, "BEGIN");
+    for (int product = 0; product < kProducts; ++product) {
+        std::string values = "'" + code('P', product) + "','Soju','','360',20";
+        for (int column = 5; column < 23; ++column)
+            values += ",'" + std::to_string(column * 100 + product) + "'";
+        run(handle,
+            "INSERT INTO PUMMOK VALUES (" + values + ",'0" + std::to_string(product % 5) + "','','','')");
+    }
+    for (const PriceSource source : kSources) {
+        for (int customer = 0; customer < kCustomersOfASource; ++customer) {
+            const std::string gcode = code(kindOf(source), customer);
+            const std::string margin = source == PriceSource::CustomerMargin ? "7" : "";
+            run(handle,
+                "INSERT INTO GARAE (GCODE,GNAME,MAJIN) VALUES ('" + gcode + "','Customer','" + margin + "')");
+            for (int product = 0; source == PriceSource::Contract && product < kProducts; ++product) {
+                run(handle, "INSERT INTO GARAEDANGA VALUES ('" + gcode + "','" + code('P', product) +
+                                "','5','15000','1500','900','90','2000','3000','50')");
+            }
+            for (int liquorClass = 0; source == PriceSource::ClassMargin && liquorClass < 5; ++liquorClass) {
+                run(handle, "INSERT INTO GARAEMAJIN VALUES ('" + gcode + "','0" +
+                                std::to_string(liquorClass) + "','5')");
+            }
+        }
+    }
+    run(handle, "COMMIT");
+}
+
+/// A prepared statement whose first row is read as texts.
+class LookUp {
+  public:
+    LookUp(sqlite3* handle, const char* sql) {
+        if (sqlite3_prepare_v2(handle, sql, -1, &statement_, nullptr) != SQLITE_OK) {
+            throw std::runtime_error(sqlite3_errmsg(handle));
+        }
+    }
+    ~LookUp() { sqlite3_finalize(statement_); }
+    LookUp(const LookUp&) = delete;
+    LookUp& operator=(const LookUp&) = delete;
+
+    /// True when there is a row; every column's text is then taken.
+    bool find(std::initializer_list<const std::string*> values) {
+        int place = 0;
+        for (const std::string* value : values) {
+            sqlite3_bind_text(statement_, ++place, value->data(), int(value->size()), SQLITE_STATIC);
+        }
+        const bool found = sqlite3_step(statement_) == SQLITE_ROW;
+        columns_.resize(found ? std::size_t(sqlite3_column_count(statement_)) : 0);
+        for (std::size_t i = 0; i < columns_.size(); ++i) {
+            const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement_, int(i)));
+            columns_[i].assign(text == nullptr ? "" : text);
+        }
+        sqlite3_reset(statement_);
+        return found;
+    }
+    const std::string& column(std::size_t index) const { return columns_[index]; }
+
+  private:
+    sqlite3_stmt* statement_ = nullptr;
+    std::vector<std::string> columns_;
+};
+
+/// The look-ups of a price, in the order in which the sources are tried.
+class LookUps {
+  public:
+    explicit LookUps(sqlite3* handle)
+        : contract_(handle, "SELECT * FROM GARAEDANGA WHERE GCODE = ? AND PCODE = ?"),
+          product_(handle, "SELECT Pname, JGubun FROM PUMMOK WHERE PCode = ?"),
+          classMargin_(handle, "SELECT Majin FROM GARAEMAJIN WHERE GCODE = ? AND GUBUN = ?"),
+          customerMargin_(handle, "SELECT Majin FROM GARAE WHERE GCODE = ?"),
+          costPrices_(handle,
+                      "SELECT BoxSMoney, BonSMoney, BoxBMoney, BonBMoney, YGMoney1, YGMoney2, GBonMoney2 "
+                      "FROM PUMMOK WHERE PCODE = ?"),
+          tierPrices_(handle,
+                      "SELECT ABoxMMoney, BBoxMMoney, ABonMMoney, BBonMMoney, ABoxBMoney, BBoxBMoney, "
+                      "ABonBMoney, BBonBMoney, YGMoney1, YGMoney2, GBonMoney2 FROM PUMMOK WHERE PCODE = ?") {}
+
+    /// The source that applies; the texts of its prices have been read.
+    PriceSource find(const std::string& gcode, const std::string& pcode) {
+        if (contract_.find({&gcode, &pcode})) return PriceSource::Contract;
+        product_.find({&pcode});
+        if (classMargin_.find({&gcode, &product_.column(1)})) {
+            costPrices_.find({&pcode});
+            return PriceSource::ClassMargin;
+        }
+        customerMargin_.find({&gcode});
+        if (!customerMargin_.column(0).empty()) {
+            costPrices_.find({&pcode});
+            return PriceSource::CustomerMargin;
+        }
+        tierPrices_.find({&pcode});
+        return PriceSource::Tier;
+    }
+
+  private:
+    LookUp contract_, product_, classMargin_, customerMargin_, costPrices_, tierPrices_;
+};
+
+/// Microseconds of one call of `price`, which gives the source of a customer's and a product's price, as the
+/// mean over the sources.
+template <typename Text, typename Price>
+double microsecondsOfAPrice(const std::vector<Text>& customers, const std::vector<Text>& products,
+                            Price&& price) {
+    const double time = millisecondsOf([&] {
+        for (std::size_t i = 0; i < kSources.size() * kPricesOfASource; ++i) {
+            const std::size_t source = i / kPricesOfASource;
+            const Text& customer = customers[source * kCustomersOfASource + i % kCustomersOfASource];
+            if (price(customer, products[i * 7 % kProducts]) != kSources[source]) {
+                throw std::runtime_error("a price has the wrong source");
+            }
+        }
+    });
+    return time * kMicrosecondsPerMillisecond / double(kSources.size() * kPricesOfASource);
+}
+
+}  // namespace
+
+Result measurePrice() {
+    const Folder folder;
+    sqlite3* handle = nullptr;
+    if (sqlite3_open(folder.databaseFile().toUtf8().constData(), &handle) != SQLITE_OK) {
+        throw std::runtime_error("no database");
+    }
+    const std::unique_ptr<sqlite3, int (*)(sqlite3*)> closing(handle, sqlite3_close);
+    fill(handle);
+    LookUps lookUps(handle);
+
+    std::vector<std::string> customers;
+    std::vector<std::string> products;
+    for (const PriceSource source : kSources) {
+        for (int i = 0; i < kCustomersOfASource; ++i) customers.push_back(code(kindOf(source), i));
+    }
+    for (int i = 0; i < kProducts; ++i) products.push_back(code('P', i));
+    const auto toQt = [](const std::vector<std::string>& texts) {
+        std::vector<QString> converted;
+        for (const std::string& text : texts) converted.push_back(QString::fromStdString(text));
+        return converted;
+    };
+    const std::vector<QString> qtCustomers = toQt(customers);
+    const std::vector<QString> qtProducts = toQt(products);
+
+    return compare(
+        kRuns, "us",
+        [&] {
+            return microsecondsOfAPrice(qtCustomers, qtProducts,
+                                        [](const QString& gcode, const QString& pcode) {
+                                            return sales::priceLine(gcode, u"", pcode, 3, 5).source;
+                                        });
+        },
+        [&] {
+            return microsecondsOfAPrice(customers, products,
+                                        [&](const std::string& gcode, const std::string& pcode) {
+                                            return lookUps.find(gcode, pcode);
+                                        });
+        });
+}
+
+}  // namespace bench
