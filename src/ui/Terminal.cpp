@@ -33,6 +33,8 @@ Terminal::Terminal(QWidget* parent) : QWidget(parent) {
 }
 
 Terminal::~Terminal() {
+    // The focus still moves while the widgets below go, when this is no terminal any more.
+    disconnect(qApp, nullptr, this, nullptr);
     for (const Entry& entry : std::as_const(stack_)) {
         if (entry.screen) entry.screen->setParent(nullptr);
     }

@@ -1,5 +1,6 @@
 #include "platform/termdev/TermDev.h"
 
+#include "platform/termdev/CardReader.h"
 #include "platform/termdev/PaperRoll.h"
 
 namespace platform::termdev {
@@ -16,10 +17,12 @@ Printer& printer() {
 }
 
 int deviceOpen() {
+    CardReader::instance().open();
     return printer().open();
 }
 
 int deviceClose() {
+    CardReader::instance().close();
     return printer().close();
 }
 
@@ -39,6 +42,15 @@ int printerFeed(int lines) {
     return printer().feed(lines);
 }
 
+int readerEnable(int isEnabled) {
+    CardReader::instance().enable(isEnabled != 0);
+    return 1;
+}
+
+int readerTrack(int track, char* buffer) {
+    return CardReader::instance().readTrack(track, buffer);
+}
+
 }  // namespace
 
 Operation operation(int ordinal) {
@@ -47,6 +59,10 @@ Operation operation(int ordinal) {
             return &deviceOpen;
         case 2:
             return &deviceClose;
+        case 6:
+            return &readerTrack;
+        case 7:
+            return &readerEnable;
         case 10:
             return &printerSetSize;
         case 11:

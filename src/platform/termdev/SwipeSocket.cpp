@@ -1,0 +1,169 @@
+#include "platform/termdev/SwipeSocket.h"
+
+#include <fcntl.h>
+#include <sodium.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <QFile>
+#include <array>
+#include <cstring>
+
+#include "platform/Device.h"
+#include "platform/Trace.h"
+#include "platform/termdev/CardReader.h"
+
+namespace platform::termdev {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr char kSocketName[] = "card.socket";
+
+/// The socket's address by way of an open folder, because a device folder's own path may be longer than an
+/// address can hold.
+class SocketAddress {
+  public:
+    SocketAddress() : folder_(::open(QFile::encodeName(device::folder()).constData(), O_PATH | O_DIRECTORY)) {
+        address_.sun_family = AF_UNIX;
+        std::snprintf(address_.sun_path, sizeof address_.sun_path, "/proc/self/fd/%d/%s", folder_,
+                      kSocketName);
+    }
+    ~SocketAddress() {
+        if (folder_ >= 0) ::close(folder_);
+    }
+    SocketAddress(const SocketAddress&) = delete;
+    SocketAddress& operator=(const SocketAddress&) = delete;
+
+    bool isValid() const { return folder_ >= 0; }
+    const char* path() const { return address_.sun_path; }
+    const sockaddr* get() const { return reinterpret_cast<const sockaddr*>(&address_); }
+    static socklen_t size() { return sizeof(sockaddr_un); }
+
+  private:
+    int folder_;
+    sockaddr_un address_{};
+};
+
+bool isSameUser(int connection) {
+    ucred peer{};
+    socklen_t size = sizeof peer;
+    return ::getsockopt(connection, SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 && peer.uid == ::getuid();
+}
+
+}  // namespace
+
+SwipeSocket::SwipeSocket(QObject* parent) : QObject(parent) {
+    const SocketAddress address;
+    listener_ = address.isValid() ? ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0) : -1;
+    if (listener_ >= 0) {
+        ::unlink(address.path());
+        const mode_t before = ::umask(0177);
+        const bool isBound = ::bind(listener_, address.get(), SocketAddress::size()) == 0;
+        ::umask(before);
+        if (!isBound || ::listen(listener_, 1) != 0) {
+            ::close(listener_);
+            listener_ = -1;
+        }
+    }
+    if (listener_ < 0) {
+        trace(u"card reader: no swipe socket: %1"_s.arg(QString::fromLocal8Bit(std::strerror(errno))));
+        return;
+    }
+    path_ = device::folder() + u'/' + QLatin1StringView(kSocketName);
+    listening_ = std::make_unique<QSocketNotifier>(listener_, QSocketNotifier::Read);
+    connect(listening_.get(), &QSocketNotifier::activated, this, &SwipeSocket::accept);
+}
+
+SwipeSocket::~SwipeSocket() {
+    endConversation();
+    if (listener_ < 0) return;
+    ::close(listener_);
+    QFile::remove(path_);
+}
+
+void SwipeSocket::accept() {
+    const int connection = ::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
+    if (connection < 0) return;
+    if (!isSameUser(connection)) {
+        ::close(connection);
+        return;
+    }
+    // A new card takes the place of one that never came to its end.
+    endConversation();
+    conversation_ = connection;
+    reading_ = std::make_unique<QSocketNotifier>(conversation_, QSocketNotifier::Read);
+    connect(reading_.get(), &QSocketNotifier::activated, this, &SwipeSocket::read);
+}
+
+void SwipeSocket::read() {
+    // Two tracks, each at most as long as the reader's buffer takes.
+    std::array<char, SecureText::kCapacity> buffer;
+    const ssize_t bytes = ::recv(conversation_, buffer.data(), buffer.size() - 1, 0);
+    if (bytes <= 0) {
+        sodium_memzero(buffer.data(), buffer.size());
+        endConversation();
+        return;
+    }
+    std::array<char, 2 * SecureText::kCapacity> joined;
+    qsizetype size =
+        std::copy(received_.view().begin(), received_.view().end(), joined.begin()) - joined.begin();
+    size = std::copy_n(buffer.data(), bytes, joined.begin() + size) - joined.begin();
+    const QByteArrayView text(joined.data(), size);
+    const qsizetype firstEnd = text.indexOf('\n');
+    const qsizetype secondEnd = firstEnd < 0 ? -1 : text.indexOf('\n', firstEnd + 1);
+    if (secondEnd >= 0) {
+        const int answering = conversation_;
+        conversation_ = -1;
+        reading_.release()->deleteLater();
+        SecureText track2;
+        SecureText track3;
+        track2.assign(text.first(firstEnd));
+        track3.assign(text.sliced(firstEnd + 1, secondEnd - firstEnd - 1));
+        sodium_memzero(joined.data(), joined.size());
+        sodium_memzero(buffer.data(), buffer.size());
+        received_.clear();
+        // Answered before the card is announced: the password keypad may hold the announcement for long.
+        const bool isReading = CardReader::instance().isReading();
+        const char* answer = isReading ? "ok\n" : "off\n";
+        [[maybe_unused]] const ssize_t sent = ::send(answering, answer, std::strlen(answer), MSG_NOSIGNAL);
+        ::close(answering);
+        CardReader::instance().swipe(track2.view(), track3.view());
+        return;
+    }
+    const bool isTooLong = size >= SecureText::kCapacity;
+    received_.assign(text);
+    sodium_memzero(joined.data(), joined.size());
+    sodium_memzero(buffer.data(), buffer.size());
+    if (isTooLong) endConversation();
+}
+
+void SwipeSocket::endConversation() {
+    received_.clear();
+    reading_.reset();
+    if (conversation_ >= 0) ::close(conversation_);
+    conversation_ = -1;
+}
+
+SwipeSocket::Answer SwipeSocket::send(QByteArrayView track2, QByteArrayView track3) {
+    const SocketAddress address;
+    const int connection = address.isValid() ? ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0) : -1;
+    if (connection < 0) return Answer::NoTerminal;
+    Answer result = Answer::NoTerminal;
+    if (::connect(connection, address.get(), SocketAddress::size()) == 0) {
+        const auto sendAll = [&](QByteArrayView text) {
+            return ::send(connection, text.data(), size_t(text.size()), MSG_NOSIGNAL) == text.size();
+        };
+        std::array<char, 8> answer{};
+        if (sendAll(track2) && sendAll("\n") && sendAll(track3) && sendAll("\n") &&
+            ::recv(connection, answer.data(), answer.size() - 1, 0) > 0) {
+            result = answer[0] == 'o' && answer[1] == 'k' ? Answer::Taken : Answer::NotReading;
+        }
+    }
+    ::close(connection);
+    return result;
+}
+
+}  // namespace platform::termdev

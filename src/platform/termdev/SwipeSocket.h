@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QByteArrayView>
+#include <QObject>
+#include <QSocketNotifier>
+#include <QString>
+#include <memory>
+
+#include "platform/SecureText.h"
+
+namespace platform::termdev {
+
+/// Lets another program of the same user put a card through the reader of a running terminal: a socket in the
+/// device folder that takes "track 2, line end, track 3, line end" and answers "ok" or "off".
+class SwipeSocket : public QObject {
+    Q_OBJECT
+
+  public:
+    /// Listens in the device folder. A socket that cannot be made is traced; the terminal then runs without.
+    explicit SwipeSocket(QObject* parent = nullptr);
+    ~SwipeSocket() override;
+
+    enum class Answer {
+        Taken,       ///< The terminal read the card.
+        NotReading,  ///< The terminal runs, but its reader is not enabled.
+        NoTerminal,  ///< No terminal runs on this device folder.
+    };
+
+    /// Sends a card to the terminal that runs on the device folder.
+    static Answer send(QByteArrayView track2, QByteArrayView track3);
+
+  private:
+    void accept();
+    void read();
+    void endConversation();
+
+    QString path_;
+    int listener_ = -1;
+    int conversation_ = -1;
+    SecureText received_;
+    std::unique_ptr<QSocketNotifier> listening_;
+    std::unique_ptr<QSocketNotifier> reading_;
+};
+
+}  // namespace platform::termdev
