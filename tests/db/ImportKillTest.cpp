@@ -22,7 +22,7 @@ using namespace Qt::Literals::StringLiterals;
 
 constexpr int kKills = 60;
 constexpr int kFewestKills = 40;
-constexpr qint64 kLongestMs = 15000;
+constexpr qint64 kLongMs = 10000;  ///< A slow machine does with the fewest kills.
 
 int linesOf(const ImportFile& file) {
     return file.fileName == u"GARAEDANGA.RVN" ? 3000 : 500;
@@ -117,7 +117,7 @@ TEST_F(ImportKillTest, KilledAtAnyMomentEveryLineIsThereOnceInTheEnd) {
 
     int kills = 0;
     int loadedButThere = 0;
-    while (kills < kKills && elapsed.elapsed() < kLongestMs) {
+    while (kills < kFewestKills || (kills < kKills && elapsed.elapsed() < kLongMs)) {
         fill();
         while (true) {
             const pid_t child = startImport();
@@ -141,7 +141,6 @@ TEST_F(ImportKillTest, KilledAtAnyMomentEveryLineIsThereOnceInTheEnd) {
         EXPECT_EQ(device.value(u"PRAGMA integrity_check"_s), u"ok"_s);
         ASSERT_FALSE(HasFailure()) << "after " << kills << " kills";
     }
-    EXPECT_GE(kills, kFewestKills);
     std::printf("%d kills in %lld ms, %d of them seen between loading and deleting\n", kills,
                 static_cast<long long>(elapsed.elapsed()), loadedButThere);
 }
