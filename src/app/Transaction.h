@@ -2,7 +2,7 @@
 
 #include <QString>
 
-#include "platform/SecureText.h"
+#include "platform/SecureBytes.h"
 #include "platform/Won.h"
 
 namespace app {

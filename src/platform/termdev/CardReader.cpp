@@ -24,12 +24,10 @@ void CardReader::enable(bool isEnabled) {
 }
 
 int CardReader::readTrack(int track, char* buffer) const {
-    const SecureText* text = track == 2 ? &track2_ : track == 3 ? &track3_ : nullptr;
-    const QByteArrayView content =
-        text ? text->view().first(std::min(text->size(), qsizetype{kTrackBufferBytes - 1}))
-             : QByteArrayView();
-    *std::copy(content.begin(), content.end(), buffer) = '\0';
-    return content.isEmpty() ? 0 : 1;
+    const QStringView text = track == 2 ? track2_.view() : track == 3 ? track3_.view() : QStringView();
+    const QStringView fitting = text.first(std::min(text.size(), qsizetype{kTrackBufferBytes - 1}));
+    *std::transform(fitting.begin(), fitting.end(), buffer, [](QChar c) { return char(c.unicode()); }) = '\0';
+    return fitting.isEmpty() ? 0 : 1;
 }
 
 bool CardReader::swipe(QByteArrayView track2, QByteArrayView track3) {

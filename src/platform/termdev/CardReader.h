@@ -3,7 +3,7 @@
 #include <QByteArrayView>
 #include <functional>
 
-#include "platform/SecureText.h"
+#include "platform/SecureBytes.h"
 
 namespace platform::termdev {
 

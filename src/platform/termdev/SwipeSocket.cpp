@@ -10,6 +10,7 @@
 #include <QFile>
 #include <array>
 #include <cstring>
+#include <utility>
 
 #include "platform/Device.h"
 #include "platform/Trace.h"
@@ -19,6 +20,9 @@ namespace platform::termdev {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
+
+/// Two tracks, each at most as long as the reader's buffer takes, and their line ends.
+constexpr qsizetype kLongestCardBytes = 2 * kTrackBufferBytes;
 
 constexpr char kSocketName[] = "card.socket";
 
@@ -99,50 +103,39 @@ void SwipeSocket::accept() {
 }
 
 void SwipeSocket::read() {
-    // Two tracks, each at most as long as the reader's buffer takes.
-    std::array<char, SecureText::kCapacity> buffer;
-    const ssize_t bytes = ::recv(conversation_, buffer.data(), buffer.size() - 1, 0);
-    if (bytes <= 0) {
-        sodium_memzero(buffer.data(), buffer.size());
-        endConversation();
-        return;
-    }
-    std::array<char, 2 * SecureText::kCapacity> joined;
-    qsizetype size =
-        std::copy(received_.view().begin(), received_.view().end(), joined.begin()) - joined.begin();
-    size = std::copy_n(buffer.data(), bytes, joined.begin() + size) - joined.begin();
-    const QByteArrayView text(joined.data(), size);
+    std::array<char, kLongestCardBytes> buffer;
+    const ssize_t bytes = ::recv(conversation_, buffer.data(), buffer.size(), 0);
+    if (bytes > 0) received_.insert(received_.end(), buffer.begin(), buffer.begin() + bytes);
+    sodium_memzero(buffer.data(), buffer.size());
+    const QByteArrayView text(reinterpret_cast<const char*>(received_.data()), qsizetype(received_.size()));
     const qsizetype firstEnd = text.indexOf('\n');
     const qsizetype secondEnd = firstEnd < 0 ? -1 : text.indexOf('\n', firstEnd + 1);
     if (secondEnd >= 0) {
-        const int answering = conversation_;
-        conversation_ = -1;
-        reading_.release()->deleteLater();
-        SecureText track2;
-        SecureText track3;
-        track2.assign(text.first(firstEnd));
-        track3.assign(text.sliced(firstEnd + 1, secondEnd - firstEnd - 1));
-        sodium_memzero(joined.data(), joined.size());
-        sodium_memzero(buffer.data(), buffer.size());
-        received_.clear();
-        // Answered before the card is announced: the password keypad may hold the announcement for long.
-        const bool isReading = CardReader::instance().isReading();
-        const char* answer = isReading ? "ok\n" : "off\n";
-        [[maybe_unused]] const ssize_t sent = ::send(answering, answer, std::strlen(answer), MSG_NOSIGNAL);
-        ::close(answering);
-        CardReader::instance().swipe(track2.view(), track3.view());
-        return;
+        const SecureBytes card = std::exchange(received_, {});
+        const QByteArrayView tracks(reinterpret_cast<const char*>(card.data()), qsizetype(card.size()));
+        answer(CardReader::instance().isReading());
+        endConversation();
+        // Announced last: the password keypad may hold the announcement for long.
+        CardReader::instance().swipe(tracks.first(firstEnd),
+                                     tracks.sliced(firstEnd + 1, secondEnd - firstEnd - 1));
+    } else if (bytes <= 0 || text.size() >= kLongestCardBytes) {
+        endConversation();
     }
-    const bool isTooLong = size >= SecureText::kCapacity;
-    received_.assign(text);
-    sodium_memzero(joined.data(), joined.size());
-    sodium_memzero(buffer.data(), buffer.size());
-    if (isTooLong) endConversation();
+}
+
+void SwipeSocket::answer(bool isReading) {
+    const QByteArrayView text = isReading ? "ok\n" : "off\n";
+    [[maybe_unused]] const ssize_t sent =
+        ::send(conversation_, text.data(), size_t(text.size()), MSG_NOSIGNAL);
 }
 
 void SwipeSocket::endConversation() {
-    received_.clear();
-    reading_.reset();
+    SecureBytes().swap(received_);
+    // The notifier may be the one that is being served.
+    if (reading_) {
+        reading_->setEnabled(false);
+        reading_.release()->deleteLater();
+    }
     if (conversation_ >= 0) ::close(conversation_);
     conversation_ = -1;
 }

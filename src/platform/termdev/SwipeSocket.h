@@ -6,7 +6,7 @@
 #include <QString>
 #include <memory>
 
-#include "platform/SecureText.h"
+#include "platform/SecureBytes.h"
 
 namespace platform::termdev {
 
@@ -32,12 +32,13 @@ class SwipeSocket : public QObject {
   private:
     void accept();
     void read();
+    void answer(bool isReading);
     void endConversation();
 
     QString path_;
     int listener_ = -1;
     int conversation_ = -1;
-    SecureText received_;
+    SecureBytes received_;  ///< What has come of a card so far.
     std::unique_ptr<QSocketNotifier> listening_;
     std::unique_ptr<QSocketNotifier> reading_;
 };
