@@ -29,12 +29,15 @@ QString formatWon(Won amount) {
 }
 
 QString groupThousands(Won amount) {
-    const QString plain = formatWon(amount);
+    return groupDigits(formatWon(amount));
+}
+
+QString groupDigits(QStringView text) {
     QString grouped;
-    grouped.reserve(plain.size() + plain.size() / 3);
-    for (qsizetype i = 0; i < plain.size(); ++i) {
-        if (i > 0 && (plain.size() - i) % 3 == 0) grouped.append(u',');
-        grouped.append(plain[i]);
+    grouped.reserve(text.size() + text.size() / 3);
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (i > 0 && (text.size() - i) % 3 == 0) grouped.append(u',');
+        grouped.append(text[i]);
     }
     return grouped;
 }

@@ -55,4 +55,9 @@ QString formatWon(Won amount);
 /// the sign counted as a character, so -100000 shows as -,100,000.
 QString groupThousands(Won amount);
 
+/// The same on a text, as the card screens and their documents group: a text of digits is grouped by
+/// thousands, and a sign already in front counts as a character (-123 becomes -,123). They therefore group a
+/// balance before they put its sign in front.
+QString groupDigits(QStringView text);
+
 }  // namespace platform

@@ -1,19 +1,10 @@
 #include "sales/LineAmounts.h"
 
+#include "app/VatSplit.h"
+
 namespace sales {
 
 using platform::Won;
-
-namespace {
-
-/// subtotal / 1.1 to the nearest won, without leaving 64 bits on the way.
-Won supplyOf(Won subtotal) {
-    const std::int64_t elevenths = subtotal.value() / 11;
-    const std::int64_t rest = subtotal.value() % 11;
-    return Won(elevenths * 10 + (rest * 20 + (rest < 0 ? -11 : 11)) / 22);
-}
-
-}  // namespace
 
 LineAmounts withSupply(LineAmounts line, Won supply) {
     line.supply = supply;
@@ -26,8 +17,9 @@ LineAmounts withVat(LineAmounts line, Won vat) {
 }
 
 LineAmounts withSubtotal(LineAmounts line, Won subtotal) {
-    line.supply = supplyOf(subtotal);
-    line.vat = subtotal - line.supply;
+    const app::VatSplit split = app::splitVat(subtotal);
+    line.supply = split.supply;
+    line.vat = split.vat;
     return line;
 }
 

@@ -42,8 +42,7 @@ using SlipSums = LineAmounts;
 LineAmounts withSupply(LineAmounts line, platform::Won supply);
 LineAmounts withVat(LineAmounts line, platform::Won vat);
 
-/// Splits the keyed subtotal: supply is subtotal / 1.1 rounded to the nearest won (elevenths are never
-/// halfway; a negative subtotal gives the negated split of the positive one), VAT is the rest.
+/// Splits the keyed subtotal with app::splitVat.
 LineAmounts withSubtotal(LineAmounts line, platform::Won subtotal);
 
 /// Takes the line's deposits off the keyed total and splits the rest as withSubtotal does. A total below the

@@ -1,0 +1,108 @@
+#pragma once
+
+#include <QString>
+#include <QStringView>
+#include <optional>
+
+#include "app/Transaction.h"
+#include "db/Rows.h"
+#include "db/Transaction.h"
+#include "platform/Won.h"
+
+/// The collection slips, in `MTMOK`, and the customers' receivables that move with them. A change of both is
+/// one transaction: the database holds the slip and the balance as they were or as they are, never half.
+namespace app {
+
+/// `Gubun` of a collection slip.
+inline constexpr QStringView kCollectionOfSale = u"매출";       ///< Belongs to a sales slip.
+inline constexpr QStringView kCollectionAlone = u"입금";        ///< Money without a sales slip.
+inline constexpr QStringView kSimplePaymentSlip = u"단순결제";  ///< A sale by card, without a sales slip.
+
+/// One row of `MTMOK`: its columns by their names, amounts in won.
+struct CollectionSlip {
+    QString DDate;  ///< "yyyy-MM-dd".
+    QString Gubun;  ///< Set by what saves the slip.
+    QString GCode;
+    QString GName;
+    QString JunNo;
+    QString DTime;  ///< "HH:mm", set by what saves the slip.
+    QString UserID;
+    platform::Won MMoney;       ///< Sales, supply and VAT.
+    platform::Won PMoney;       ///< Supply.
+    platform::Won BMoney;       ///< VAT.
+    platform::Won YMoney;       ///< Crate deposit.
+    platform::Won GMoney;       ///< Bottle deposit.
+    platform::Won YGMoney;      ///< Both deposits.
+    platform::Won InMoney;      ///< Cash and card.
+    platform::Won WonMoney;     ///< Cash.
+    platform::Won CardMoney;    ///< Card.
+    platform::Won MisuInMoney;  ///< Earlier receivable paid.
+    platform::Won UnderMoney;   ///< Unpaid.
+    platform::Won YDMoney;      ///< Container recovery.
+    platform::Won GDMoney;      ///< Non-liquor amount.
+    QString MSGSENDTIME;        ///< When the approved request was sent; empty without an approval.
+    QString BANKTRANNO;         ///< The card network's transaction number; empty without an approval.
+
+    bool isSimplePayment() const { return Gubun == kSimplePaymentSlip; }
+    bool isApproved() const { return !BANKTRANNO.isEmpty(); }
+
+    /// Takes the amounts over. `crateDeposit` is the part of `amounts.deposit` charged for crates.
+    void setAmounts(const SettlementAmounts& amounts, platform::Won crateDeposit);
+
+    /// The slip's amounts. The total is that of the screen the slip comes from: sales and deposits, or in a
+    /// simple payment sales and non-liquor less the recovery. The previous receivable is 0: it is no column.
+    SettlementAmounts amounts() const;
+
+    /// What the slip adds to the customer's receivable: sales and deposits less all that was paid against
+    /// them. 0 for a simple payment, where sale and payment are one.
+    platform::Won receivableEffect() const;
+
+    friend bool operator==(const CollectionSlip&, const CollectionSlip&) = default;
+};
+
+/// Replaces the slip of that date, number and user, and moves the customer's receivable from what the
+/// replaced row had made of it to what this one makes. `Gubun` is "매출" when MTM has the sales slip of that
+/// date, number and user, else "입금"; `DTime` is the clock's. An approval that the replaced row carries
+/// stays on the slip; the slip's own last two columns are not looked at. False when the slip did not get in
+/// (disk full, a single quote in a text): slip and receivable are then as before.
+bool saveCollection(const CollectionSlip& slip);
+
+/// Deletes the user's slip of that date and number and takes its receivable back. True also when there was
+/// none; false when the database did not take the change, and then nothing is.
+bool removeCollection(QStringView date, QStringView junNo, QStringView userId);
+
+/// The same whoever wrote the slip: another user's slip of that number and date goes with it.
+bool removeCollections(QStringView date, QStringView junNo);
+
+/// The same as part of `transaction`, for what deletes more along with it; lasts once that is committed.
+void removeCollections(db::Transaction& transaction, QStringView date, QStringView junNo);
+
+/// The slip; nothing when MTMOK has no such row.
+std::optional<CollectionSlip> loadCollection(QStringView date, QStringView junNo, QStringView userId);
+
+/// The slip of an approved exchange, by the card network's transaction number; nothing for an empty or
+/// unknown number. Its last two columns are those of the row.
+std::optional<CollectionSlip> findByTransactionNumber(QStringView transactionNumber);
+
+/// The user's slips of the day, highest number first: slip number, customer name, customer code.
+db::Rows collectionsOfDay(QStringView userId, QStringView date);
+
+/// Writes an approval on the collection slip and makes the sales slip of the same date, number and user
+/// "결제", both or neither, safe on disk on return. `sentTime` is "yyyyMMddHHmmss". True only when it lasts;
+/// false also when there is no such collection slip.
+bool recordApproval(QStringView date, QStringView junNo, QStringView userId, QStringView transactionNumber,
+                    QStringView sentTime);
+
+/// Adds the slip of an approved simple payment with all its columns, as "단순결제" with the clock's time,
+/// safe on disk on return. A row of the same number stays: each holds an approval of its own. True only when
+/// it lasts. The receivable does not move.
+bool saveSimplePayment(const CollectionSlip& slip);
+
+/// The customer's receivable balance, `CJMoney`, in won; 0 for a customer who is not there.
+platform::Won receivable(QStringView gCode);
+
+/// The receivable in won from before the slip: the balance less what the customer's saved collection slip of
+/// that date, number and user has moved it by.
+platform::Won previousReceivable(QStringView gCode, QStringView date, QStringView junNo, QStringView userId);
+
+}  // namespace app

@@ -1,0 +1,110 @@
+#include "collect/Settlement.h"
+
+#include "app/VatSplit.h"
+
+namespace collect {
+
+using app::SettlementAmounts;
+using platform::Won;
+
+namespace {
+
+/// What is left on credit; nothing is while there is nothing to pay.
+void recomputeUnpaid(SettlementAmounts& amounts) {
+    amounts.unpaid = amounts.total < Won(1)
+                         ? Won()
+                         : amounts.total - amounts.containerRecovery - amounts.card - amounts.cash;
+}
+
+/// True, and settled, when the recovery leaves nothing of the total to pay.
+bool settledByRecovery(SettlementAmounts& amounts) {
+    recomputeTotal(amounts);
+    amounts.card = amounts.cash = amounts.unpaid = Won();
+    if (amounts.total > amounts.containerRecovery) return false;
+    amounts.earlierReceivable = amounts.containerRecovery - amounts.total;
+    return true;
+}
+
+}  // namespace
+
+void recomputeTotal(SettlementAmounts& amounts) {
+    amounts.total = amounts.sales + amounts.deposit;
+}
+
+Won keySales(SettlementAmounts& amounts, Won keyed) {
+    const app::VatSplit split = app::splitVat(keyed);
+    amounts.sales = keyed;
+    amounts.supply = split.supply;
+    amounts.vat = split.vat;
+    return keyRecovery(amounts, amounts.containerRecovery);
+}
+
+Won keySupply(SettlementAmounts& amounts, Won keyed) {
+    amounts.supply = keyed;
+    amounts.sales = amounts.supply + amounts.vat;
+    return keyRecovery(amounts, amounts.containerRecovery);
+}
+
+Won keyVat(SettlementAmounts& amounts, Won keyed) {
+    amounts.vat = keyed;
+    amounts.sales = amounts.supply + amounts.vat;
+    return keyRecovery(amounts, amounts.containerRecovery);
+}
+
+void keyNonLiquor(SettlementAmounts& amounts, Won keyed) {
+    recomputeTotal(amounts);
+    amounts.nonLiquor = keyed;
+}
+
+Won keyRecovery(SettlementAmounts& amounts, Won keyed) {
+    recomputeTotal(amounts);
+    amounts.containerRecovery = keyed;
+    if (keyed > amounts.total) {
+        const Won excess = keyed - amounts.total;
+        amounts.unpaid = Won();
+        amounts.earlierReceivable = excess;
+        // The excess is handed out in cash: below zero on purpose, and the card amount stays.
+        amounts.cash = -excess;
+        return excess;
+    }
+    if (!amounts.cash.isZero()) {
+        amounts.cash = amounts.total - amounts.containerRecovery - amounts.card;
+    } else if (!amounts.card.isZero()) {
+        amounts.card = amounts.total - amounts.containerRecovery - amounts.cash;
+    }
+    recomputeUnpaid(amounts);
+    return Won();
+}
+
+void settleByCard(SettlementAmounts& amounts) {
+    if (!settledByRecovery(amounts)) amounts.card = amounts.total - amounts.containerRecovery;
+}
+
+void settleInCash(SettlementAmounts& amounts) {
+    if (!settledByRecovery(amounts)) amounts.cash = amounts.total - amounts.containerRecovery;
+}
+
+void settleOnCredit(SettlementAmounts& amounts) {
+    if (!settledByRecovery(amounts)) amounts.unpaid = amounts.total - amounts.containerRecovery;
+}
+
+void keyEarlierReceivable(SettlementAmounts& amounts, Won keyed) {
+    recomputeTotal(amounts);
+    amounts.earlierReceivable = keyed;
+    recomputeUnpaid(amounts);
+}
+
+Won resultingReceivable(const SettlementAmounts& amounts) {
+    return amounts.previousReceivable + amounts.total -
+           (amounts.card + amounts.cash + amounts.containerRecovery + amounts.earlierReceivable);
+}
+
+bool nothingToSettle(const SettlementAmounts& amounts) {
+    for (const Won amount :
+         {amounts.card, amounts.cash, amounts.earlierReceivable, amounts.unpaid, amounts.containerRecovery}) {
+        if (!amount.isZero()) return false;
+    }
+    return true;
+}
+
+}  // namespace collect

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "app/Transaction.h"
+#include "platform/Won.h"
+
+/// How a visit is settled between card, cash and credit. Amounts are won and may be negative; every rule
+/// recomputes the total first.
+namespace collect {
+
+/// total := sales + deposit. Non-liquor goods are not part of it.
+void recomputeTotal(app::SettlementAmounts& amounts);
+
+/// Keys one of the amounts of the sale. Sales gives supply and VAT (app::splitVat); supply and VAT give
+/// sales, their sum. Then the settlement follows as after keyRecovery with the recovery as it was: returns
+/// the excess of the recovery over the new total, 0 without one.
+platform::Won keySales(app::SettlementAmounts& amounts, platform::Won keyed);
+platform::Won keySupply(app::SettlementAmounts& amounts, platform::Won keyed);
+platform::Won keyVat(app::SettlementAmounts& amounts, platform::Won keyed);
+
+/// Keys the non-liquor amount, which nothing else follows.
+void keyNonLiquor(app::SettlementAmounts& amounts, platform::Won keyed);
+
+/// Keys the container recovery. Cash, else card, takes what it leaves of the total; the rest stays unpaid.
+/// When it exceeds the total, the excess is returned (else 0), becomes the earlier receivable paid, and cash
+/// becomes minus the excess.
+platform::Won keyRecovery(app::SettlementAmounts& amounts, platform::Won keyed);
+
+/// Settles what the recovery leaves of the total by card, in cash or on credit, and nothing of it otherwise.
+/// Where it leaves nothing, all three are 0 and the excess is paid against the earlier receivable.
+void settleByCard(app::SettlementAmounts& amounts);
+void settleInCash(app::SettlementAmounts& amounts);
+void settleOnCredit(app::SettlementAmounts& amounts);
+
+/// Keys the earlier receivable paid. It plays no part in the unpaid amount, which is recomputed.
+void keyEarlierReceivable(app::SettlementAmounts& amounts, platform::Won keyed);
+
+/// What the customer owes afterwards: previous receivable + total - (card + cash + recovery + earlier
+/// receivable paid).
+platform::Won resultingReceivable(const app::SettlementAmounts& amounts);
+
+/// True when card, cash, earlier receivable paid, unpaid and recovery are all 0.
+bool nothingToSettle(const app::SettlementAmounts& amounts);
+
+}  // namespace collect

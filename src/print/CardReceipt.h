@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QString>
+#include <QStringView>
+#include <optional>
+
+#include "app/Transaction.h"
+#include "print/Document.h"
+
+namespace print {
+
+/// What a receipt shows of the exchange beside the slip's row. Empty texts take no line.
+struct CardExchange {
+    app::HostReply reply;
+    QString maskedCardNumber;  ///< As maskedCardNumber gives it; never the whole number.
+};
+
+/// The card receipt of a simple payment. With an exchange it is that of the reply's transaction number, and
+/// 거래금액, 수수료액, 입금금액, 거래잔액 are the reply's; without one, as for a reprint, the amount charged
+/// is all that is known of them. Nothing when there is no row "단순결제" of that date, number and user.
+std::optional<Document> cardReceipt(QStringView date, QStringView junNo, QStringView userId,
+                                    const std::optional<CardExchange>& exchange, bool reprint);
+
+/// The card number at the start of a track 2 text, as far as it may be shown: the first 6 and the last 4
+/// digits, asterisks between; asterisks alone for fewer than 13 digits; empty without a digit.
+QString maskedCardNumber(QStringView track2);
+
+}  // namespace print
