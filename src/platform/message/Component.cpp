@@ -1,0 +1,497 @@
+#include "platform/message/Component.h"
+
+#include <QDate>
+#include <QHostAddress>
+#include <QMetaObject>
+#include <QNetworkProxy>
+#include <QTcpSocket>
+#include <QTimer>
+#include <algorithm>
+#include <array>
+#include <string_view>
+#include <utility>
+
+#include "platform/Trace.h"
+#include "platform/message/SavedValues.h"
+
+namespace platform::message {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
+
+constexpr qsizetype kLongestText = 100;
+constexpr qsizetype kLongestCardData = 104;
+constexpr qsizetype kPasswordLength = 4;
+constexpr qsizetype kMostDigits = 18;
+constexpr int kKindValue = 6;  // place of the message kind among the header values
+constexpr auto kRepeatWithin = 10min;
+
+std::chrono::milliseconds timeOutUnit = 1s;
+
+QStringView text(const Argument& argument) {
+    return std::get<QStringView>(argument);
+}
+
+bool areDigits(QStringView text) {
+    return std::ranges::all_of(text, [](QChar c) { return c >= u'0' && c <= u'9'; });
+}
+
+bool isAmount(QStringView text) {
+    const QStringView digits = text.startsWith(u'-') ? text.sliced(1) : text;
+    return !digits.isEmpty() && digits.size() <= kMostDigits && areDigits(digits);
+}
+
+bool isCardData(QStringView text) {
+    return !text.isEmpty() && text.size() <= kLongestCardData;
+}
+
+bool isPassword(QStringView text) {
+    return text.size() == kPasswordLength;
+}
+
+bool isTime(QStringView text) {
+    return text.size() == 6 && areDigits(text);
+}
+
+bool isDate(QStringView text) {
+    return text.size() == 8 && areDigits(text) && QDate::fromString(text, u"yyyyMMdd").isValid();
+}
+
+using Digest = std::array<unsigned char, crypto_generichash_BYTES>;
+
+/// A payment whose outcome is not known: it was sent and never answered. The same payment asked for again is
+/// the same one to the host as well, which then does not charge twice. Every payment dialog has a component
+/// of its own, so this belongs to the process.
+struct UnansweredPayment {
+    MessageNumber number;
+    Digest digest;
+    std::chrono::steady_clock::time_point sent;
+};
+
+std::optional<UnansweredPayment>& unansweredPayment() {
+    static std::optional<UnansweredPayment> payment;
+    return payment;
+}
+
+/// Tells equal requests from others without keeping what they say.
+Digest digestOf(const SecureBytes& body) {
+    static const SecureBytes key = [] {
+        SecureBytes bytes(crypto_generichash_KEYBYTES);
+        randombytes_buf(bytes.data(), bytes.size());
+        return bytes;
+    }();
+    Digest digest;
+    crypto_generichash(digest.data(), digest.size(), body.data(), body.size(), key.data(), key.size());
+    return digest;
+}
+
+}  // namespace
+
+struct Component::Operation {
+    int id;
+    const char* parameters;               ///< One letter each: t text, i integer, o text to be written.
+    Status (Component::*run)(Arguments);  ///< Null for one that the card network does not offer.
+};
+
+struct Component::Request {
+    MessageNumber number{};
+    std::optional<Digest> digest;  ///< Of a payment.
+    KeyPair replyKey;
+    PublicKey hostKey{};
+    QString kind;
+    QByteArray frame;
+};
+
+struct Component::Exchange {
+    std::unique_ptr<Request> request;  ///< Null once the exchange has failed to start.
+    QTcpSocket* socket = nullptr;
+    QTimer* timer = nullptr;
+    FrameReader reader;
+    Stage stage = Stage::Starting;
+    bool isWritten = false;
+
+    ~Exchange() { hangUp(); }
+
+    /// Closes the connection. The objects go later, since it is their signals that this is called from.
+    void hangUp() {
+        if (timer) {
+            timer->stop();
+            timer->disconnect();
+            timer->deleteLater();
+            timer = nullptr;
+        }
+        if (socket) {
+            socket->disconnect();
+            socket->abort();
+            socket->deleteLater();
+            socket = nullptr;
+        }
+    }
+};
+
+const Component::Operation* Component::findOperation(int dispatchId) {
+    static constexpr Operation kOperations[] = {
+        {1, "ttttttt", &Component::headerReq},
+        {2, "ttttttttttt", &Component::paymentReq},
+        {3, "", &Component::setPreTradeRep},
+        {4, "tttt", &Component::balanceReq},
+        {5, "tt", nullptr},
+        {6, "tt", &Component::setSummaryReq},
+        {7, "tttttttttt", nullptr},
+        {8, "ttttttttttttt", nullptr},
+        {9, "tt", nullptr},
+        {10, "", &Component::recvHeader},
+        {11, "", &Component::recvPayment},
+        {12, "", &Component::recvPreTrade},
+        {13, "", nullptr},
+        {14, "", &Component::recvBalance},
+        {15, "", nullptr},
+        {16, "", &Component::recvSummary},
+        {17, "", nullptr},
+        {18, "", nullptr},
+        {19, "", nullptr},
+        {20, "", nullptr},
+        {21, "", nullptr},
+        {22, "io", &Component::getRecvField},
+        {23, "itiiitttttooooo", nullptr},
+        {24, "to", &Component::getSavedValue},
+        {25, "tiii", &Component::commun},
+        {26, "ooooo", nullptr},
+        {-552, "", &Component::aboutBox},
+    };
+    const auto* const found = std::ranges::find(kOperations, dispatchId, &Operation::id);
+    return found == std::end(kOperations) ? nullptr : found;
+}
+
+Component::Component(QObject* parent) : QObject(parent) {}
+
+Component::~Component() = default;
+
+void Component::setTimeOutUnit(std::chrono::milliseconds unit) {
+    timeOutUnit = unit;
+}
+
+Status Component::invoke(int dispatchId, Arguments arguments) {
+    const auto letter = [](const Argument& argument) { return "tio"[argument.index()]; };
+    for (const Argument& argument : arguments) {
+        if (QString* const* out = std::get_if<QString*>(&argument); out && *out) (*out)->clear();
+    }
+    const Operation* operation = findOperation(dispatchId);
+    if (operation == nullptr || operation->run == nullptr) return kBadInput;
+    if (!std::ranges::equal(arguments, std::string_view(operation->parameters), {}, letter)) return kBadInput;
+    const bool hasNull = std::ranges::any_of(arguments, [](const Argument& argument) {
+        QString* const* out = std::get_if<QString*>(&argument);
+        return out && *out == nullptr;
+    });
+    return hasNull ? kBadInput : (this->*operation->run)(arguments);
+}
+
+// --- requests
+// -----------------------------------------------------------------------------------------------
+
+Status Component::headerReq(Arguments arguments) {
+    if (exchange_) return kBadInput;
+    // From here on nothing of the exchange before counts any more.
+    reply_.reset();
+    header_.reset();
+    request_.reset();
+    unsealed_.reset();
+    requestStatus_ = kBadInput;
+
+    static constexpr std::array kKinds{kCardPayment, kCashPayment, kBalanceInquiry, kPreviousTransaction,
+                                       kSummary};
+    if (std::ranges::find(kKinds, text(arguments[kKindValue])) == kKinds.end()) return kBadInput;
+    FieldWriter header;
+    quint16 number = 1;
+    for (const Argument& argument : arguments) {
+        if (text(argument).size() > kLongestText) return kBadInput;
+        header.add(number++, text(argument));
+    }
+    QString terminal;
+    if (const Status status = readSavedValue(kTerminalKey, &terminal); status != kDone) return status;
+    header.add(kTerminalField, terminal);
+    header_ = std::move(header);
+    kind_ = text(arguments[kKindValue]).toString();
+    return kDone;
+}
+
+bool Component::isKind(std::initializer_list<QStringView> kinds) const {
+    return !exchange_ && header_ && std::ranges::find(kinds, QStringView(kind_)) != kinds.end();
+}
+
+Status Component::paymentReq(Arguments arguments) {
+    request_.reset();
+    requestStatus_ = kBadInput;
+    if (!isKind({kCardPayment, kCashPayment})) return kBadInput;
+    const auto parameter = [&](std::size_t number) { return text(arguments[number - 1]); };
+    const QStringView flag = parameter(9);
+    if (parameter(1).size() > kLongestText || parameter(2).size() > kLongestText ||
+        !isCardData(parameter(3)) || !isPassword(parameter(4)) || parameter(5).size() > kLongestText ||
+        !isAmount(parameter(6)) || !isAmount(parameter(7)) || !isAmount(parameter(8)) ||
+        (flag != u"0" && flag != u"1") || !isAmount(parameter(10)) || !isAmount(parameter(11))) {
+        return kBadInput;
+    }
+    FieldWriter body = *header_;
+    quint16 field = kFirstParameterField;
+    for (const Argument& argument : arguments) body.add(field++, text(argument));
+    return requestStatus_ = seal(body);
+}
+
+Status Component::balanceReq(Arguments arguments) {
+    request_.reset();
+    requestStatus_ = kBadInput;
+    if (!isKind({kBalanceInquiry})) return kBadInput;
+    if (!isTime(text(arguments[0])) || !isCardData(text(arguments[1])) || !isPassword(text(arguments[2])) ||
+        text(arguments[3]).size() > kLongestText) {
+        return kBadInput;
+    }
+    FieldWriter body = *header_;
+    quint16 field = kFirstParameterField;
+    for (const Argument& argument : arguments) body.add(field++, text(argument));
+    return requestStatus_ = seal(body);
+}
+
+Status Component::setPreTradeRep(Arguments) {
+    unsealed_.reset();
+    if (!isKind({kPreviousTransaction})) return kBadInput;
+    unsealed_ = *header_;
+    return kDone;
+}
+
+Status Component::setSummaryReq(Arguments arguments) {
+    unsealed_.reset();
+    if (!isKind({kSummary}) || !isTime(text(arguments[0])) || !isDate(text(arguments[1]))) return kBadInput;
+    FieldWriter body = *header_;
+    quint16 field = kFirstParameterField;
+    for (const Argument& argument : arguments) body.add(field++, text(argument));
+    unsealed_ = std::move(body);
+    return kDone;
+}
+
+Status Component::seal(const FieldWriter& body) {
+    auto request = std::make_unique<Request>();
+    if (const Status status = readHostKey(&request->hostKey); status != kDone) return status;
+    if (const Status status = startCipher(); status != kDone) return status;
+    if (const Status status = makeKeyPair(&request->replyKey); status != kDone) return status;
+    request->kind = kind_;
+    request->number = makeMessageNumber();
+    if (kind_ == kCardPayment || kind_ == kCashPayment) {
+        request->digest = digestOf(body.bytes());
+        const auto& unanswered = unansweredPayment();
+        if (unanswered && unanswered->digest == *request->digest &&
+            std::chrono::steady_clock::now() - unanswered->sent < kRepeatWithin) {
+            request->number = unanswered->number;
+        }
+    }
+    const std::optional<QByteArray> sealed =
+        sealRequest(request->number, request->replyKey.publicKey, body.bytes(), request->hostKey);
+    if (!sealed) return kPublicKeyFailed;
+    request->frame = encodeFrame({FrameKind::Request, request->number, *sealed});
+    if (request->frame.isEmpty()) return kBadInput;
+    request_ = std::move(request);
+    return kDone;
+}
+
+// --- replies
+// ------------------------------------------------------------------------------------------------
+
+Status Component::replyIs(std::initializer_list<QStringView> kinds) const {
+    return reply_ && std::ranges::find(kinds, QStringView(replyKind_)) != kinds.end() ? kDone : kBadInput;
+}
+
+Status Component::recvHeader(Arguments) {
+    return reply_ ? kDone : kBadInput;
+}
+
+Status Component::recvPayment(Arguments) {
+    return replyIs({kCardPayment, kCashPayment});
+}
+
+Status Component::recvPreTrade(Arguments) {
+    return replyIs({kPreviousTransaction});
+}
+
+Status Component::recvBalance(Arguments) {
+    return replyIs({kBalanceInquiry});
+}
+
+Status Component::recvSummary(Arguments) {
+    return replyIs({kSummary});
+}
+
+Status Component::getRecvField(Arguments arguments) {
+    const auto number = quint16(std::get<qint16>(arguments[0]));
+    if (!reply_ || !reply_->has(number)) return kBadInput;
+    *std::get<QString*>(arguments[1]) = reply_->text(number);
+    return kDone;
+}
+
+Status Component::getSavedValue(Arguments arguments) {
+    return readSavedValue(text(arguments[0]), std::get<QString*>(arguments[1]));
+}
+
+Status Component::aboutBox(Arguments) {
+    return kDone;  // There is no such box: a terminal shows nothing of its parts.
+}
+
+// --- the exchange
+// -------------------------------------------------------------------------------------------
+
+Status Component::commun(Arguments arguments) {
+    if (exchange_) return kLinkFailed;
+    reply_.reset();
+    exchange_ = std::make_shared<Exchange>();
+    // A port above 32,767 arrives as a negative integer of 16 bits.
+    const Status status =
+        start(text(arguments[0]), quint16(std::get<qint16>(arguments[1])), std::get<qint16>(arguments[2]));
+    if (status != kDone) exchange_->hangUp();
+    QMetaObject::invokeMethod(
+        this,
+        [this, status] {
+            if (status != kDone) {
+                failWith(status);
+            } else if (exchange_ && exchange_->socket && reach(Stage::Communicating)) {
+                // A connection that stood at once has told so already.
+                if (exchange_->socket->state() == QAbstractSocket::ConnectedState) sendRequest();
+            }
+        },
+        Qt::QueuedConnection);
+    return status;
+}
+
+Status Component::start(QStringView host, quint16 port, int timeOut) {
+    if (unsealed_) {
+        requestStatus_ = seal(*unsealed_);
+        unsealed_.reset();
+    }
+    exchange_->request = std::exchange(request_, nullptr);
+    const Status ready = std::exchange(requestStatus_, kBadInput);
+    header_.reset();
+    if (ready != kDone) return ready;
+    QHostAddress address;
+    if (timeOut <= 0 || port == 0 || !address.setAddress(host.toString()) ||
+        address.protocol() != QAbstractSocket::IPv4Protocol || address == QHostAddress::AnyIPv4) {
+        return kBadInput;
+    }
+
+    auto* const socket = exchange_->socket = new QTcpSocket(this);
+    socket->setProxy(QNetworkProxy::NoProxy);
+    socket->setReadBufferSize(kFrameLimit);
+    socket->connectToHost(address, port);
+    if (socket->state() == QAbstractSocket::UnconnectedState) {
+        const bool hasSocket = socket->error() != QAbstractSocket::SocketResourceError &&
+                               socket->error() != QAbstractSocket::SocketAccessError &&
+                               socket->error() != QAbstractSocket::UnsupportedSocketOperationError;
+        return hasSocket ? kConnectionFailed : kLinkFailed;
+    }
+    connect(socket, &QTcpSocket::connected, this, &Component::sendRequest);
+    connect(socket, &QTcpSocket::bytesWritten, this, [this] {
+        if (exchange_->socket->bytesToWrite() == 0) reach(Stage::Sent);
+    });
+    connect(socket, &QTcpSocket::readyRead, this, &Component::readReply);
+    connect(socket, &QTcpSocket::errorOccurred, this, &Component::connectionLost);
+
+    auto* const timer = exchange_->timer = new QTimer(this);
+    timer->setSingleShot(true);
+    connect(timer, &QTimer::timeout, this, [this] { breakOff(u"the card host did not answer in time"); });
+    timer->start(timeOut * timeOutUnit);
+    return kDone;
+}
+
+void Component::sendRequest() {
+    if (std::exchange(exchange_->isWritten, true)) return;
+    const Request& request = *exchange_->request;
+    if (request.digest) {
+        unansweredPayment() = {request.number, *request.digest, std::chrono::steady_clock::now()};
+    }
+    exchange_->socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    exchange_->socket->write(request.frame);
+}
+
+void Component::readReply() {
+    while (exchange_->socket->bytesAvailable() > 0) {
+        exchange_->reader.add(exchange_->socket->read(kFrameLimit));
+        for (;;) {
+            Frame frame;
+            const FrameReader::Result result = exchange_->reader.next(&frame);
+            if (result == FrameReader::Result::Incomplete) break;
+            if (result != FrameReader::Result::Complete) return breakOff(describe(result));
+            if (frame.kind != FrameKind::Reply) return breakOff(u"the card host sent no reply");
+            if (frame.number == exchange_->request->number) return takeReply(frame);
+            trace(u"a reply to another request is ignored");
+        }
+    }
+}
+
+void Component::takeReply(const Frame& frame) {
+    const Request& request = *exchange_->request;
+    std::optional<SecureBytes> opened =
+        openReply(frame.sealed, request.number, request.hostKey, request.replyKey.secretKey);
+    if (!opened) return breakOff(u"the reply is not the card host's");
+    std::optional<Fields> fields = Fields::parse(std::move(*opened));
+    if (!fields || fields->text(kMessageTypeField) != kReplyType ||
+        fields->text(kMessageKindField) != request.kind || !fields->has(kResponseCodeField)) {
+        return breakOff(u"the reply does not fit the request");
+    }
+    // The previous transaction tells as well what became of a payment.
+    if (request.digest || request.kind == kPreviousTransaction) unansweredPayment().reset();
+
+    exchange_->hangUp();
+    if (!reach(Stage::Sent)) return;
+    reply_ = std::move(fields);
+    replyKind_ = exchange_->request->kind;
+    const std::weak_ptr<Exchange> current = exchange_;
+    Q_EMIT receiving();
+    if (!current.expired()) endExchange();
+}
+
+void Component::connectionLost() {
+    const std::weak_ptr<Exchange> current = exchange_;
+    if (!exchange_->isWritten) {
+        exchange_->hangUp();
+        if (reach(Stage::Communicating)) failWith(kConnectionFailed);
+        return;
+    }
+    readReply();
+    if (!current.expired() && exchange_->socket) breakOff(u"the card host closed the connection");
+}
+
+/// Emits the signals that lead to `stage`, as far as they are due. False when a receiver has let the
+/// exchange, and perhaps this object, go.
+bool Component::reach(Stage stage) {
+    const std::weak_ptr<Exchange> current = exchange_;
+    while (exchange_->stage < stage) {
+        if (exchange_->stage == Stage::Starting) {
+            exchange_->stage = Stage::Communicating;
+            Q_EMIT communicating();
+        } else {
+            exchange_->stage = Stage::Sent;
+            Q_EMIT messageSent();
+        }
+        if (current.expired()) return false;
+    }
+    return true;
+}
+
+void Component::breakOff(QStringView reason) {
+    trace(reason);
+    exchange_->hangUp();
+    if (!reach(Stage::Communicating)) return;
+    const std::weak_ptr<Exchange> current = exchange_;
+    Q_EMIT errorOccurred();
+    if (!current.expired()) endExchange();
+}
+
+void Component::failWith(Status status) {
+    const std::weak_ptr<Exchange> current = exchange_;
+    Q_EMIT ksnetError(status);
+    if (!current.expired()) endExchange();
+}
+
+void Component::endExchange() {
+    exchange_.reset();
+    Q_EMIT communicationEnded();
+}
+
+}  // namespace platform::message

@@ -1,0 +1,99 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QStringView>
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <span>
+#include <variant>
+
+#include "platform/message/Fields.h"
+#include "platform/message/Seal.h"
+#include "platform/message/Status.h"
+
+namespace platform::message {
+
+/// A parameter of an operation: a text, a 16-bit integer, or a text that the operation writes.
+using Argument = std::variant<QStringView, qint16, QString*>;
+
+/// The card network's message component. Its operations are called by dispatch id; an exchange goes on in the
+/// event loop and is reported by signals, in this order: `communicating`, `messageSent`, `receiving` and
+/// `communicationEnded`. A failed exchange has `errorOccurred` or `ksnetError` in place of what did not
+/// happen. No signal is emitted from within an operation, and `communicationEnded` comes once after every
+/// call of Commun, except one that an exchange under way turns away.
+class Component : public QObject {
+    Q_OBJECT
+
+  public:
+    explicit Component(QObject* parent = nullptr);
+    /// Drops an exchange that is under way, without a signal.
+    ~Component() override;
+
+    /// Calls an operation. An unknown id, other parameters than it takes, and an operation that the network
+    /// does not offer are kBadInput; a text to be written is empty then. Texts are not kept.
+    Status invoke(int dispatchId, std::span<const Argument> arguments);
+
+    /// What one unit of Commun's time-out lasts; a second unless a test shortens it.
+    static void setTimeOutUnit(std::chrono::milliseconds unit);
+
+  Q_SIGNALS:
+    void communicating();
+    void messageSent();
+    void receiving();
+    void communicationEnded();
+    /// The exchange broke: nothing answered in time, the host closed the connection, or what came is no reply
+    /// of the host. The debug output says which.
+    void errorOccurred();
+    /// The exchange failed with one of the codes of Status.
+    void ksnetError(int code);
+
+  private:
+    using Arguments = std::span<const Argument>;
+    struct Operation;
+    struct Request;
+    struct Exchange;
+    enum class Stage { Starting, Communicating, Sent };
+
+    static const Operation* findOperation(int dispatchId);
+
+    Status headerReq(Arguments arguments);
+    Status paymentReq(Arguments arguments);
+    Status setPreTradeRep(Arguments arguments);
+    Status balanceReq(Arguments arguments);
+    Status setSummaryReq(Arguments arguments);
+    Status recvHeader(Arguments arguments);
+    Status recvPayment(Arguments arguments);
+    Status recvPreTrade(Arguments arguments);
+    Status recvBalance(Arguments arguments);
+    Status recvSummary(Arguments arguments);
+    Status getRecvField(Arguments arguments);
+    Status getSavedValue(Arguments arguments);
+    Status commun(Arguments arguments);
+    Status aboutBox(Arguments arguments);
+
+    bool isKind(std::initializer_list<QStringView> kinds) const;
+    Status seal(const FieldWriter& body);
+    Status replyIs(std::initializer_list<QStringView> kinds) const;
+    Status start(QStringView host, quint16 port, int timeOut);
+    void sendRequest();
+    void readReply();
+    void takeReply(const Frame& frame);
+    void connectionLost();
+    bool reach(Stage stage);
+    void breakOff(QStringView reason);
+    void failWith(Status status);
+    void endExchange();
+
+    std::optional<FieldWriter> header_;
+    QString kind_;
+    std::optional<FieldWriter> unsealed_;  ///< A request without secrets, sealed by Commun.
+    std::unique_ptr<Request> request_;
+    Status requestStatus_ = kBadInput;    ///< How the request operation ended.
+    std::shared_ptr<Exchange> exchange_;  ///< Shared with nobody: others watch whether it is still there.
+    std::optional<Fields> reply_;
+    QString replyKind_;
+};
+
+}  // namespace platform::message

@@ -1,0 +1,114 @@
+#include "platform/message/SavedValues.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+#include <QStringBuilder>
+#include <algorithm>
+
+#include "platform/Device.h"
+
+namespace platform::message {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr qint64 kLargestFile = 64 * 1024;
+
+bool isKey(QStringView key) {
+    return key.size() == 3 && std::ranges::all_of(key, [](QChar c) { return c >= u'0' && c <= u'9'; });
+}
+
+bool isLineText(QStringView text) {
+    return std::ranges::all_of(text, [](QChar c) { return c.unicode() >= 0x20; });
+}
+
+std::optional<QByteArray> readFile(QStringView handheldPath) {
+    QFile file(device::path(handheldPath));
+    // A directory opens on some systems and then gives nothing.
+    if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly)) return std::nullopt;
+    QByteArray content = file.read(kLargestFile + 1);
+    if (file.error() != QFile::NoError || content.size() > kLargestFile) return std::nullopt;
+    return content;
+}
+
+bool writeFile(QStringView handheldPath, const QByteArray& content) {
+    QSaveFile file(device::path(handheldPath));
+    return file.open(QIODevice::WriteOnly) && file.setPermissions(QFile::ReadOwner | QFile::WriteOwner) &&
+           file.write(content) == content.size() && file.commit();
+}
+
+}  // namespace
+
+Status readSavedValues(SavedValues* values) {
+    values->clear();
+    const std::optional<QByteArray> content = readFile(kSavedValuesFile);
+    if (!content || !content->isValidUtf8()) return kSavedUnreadable;
+    const QString text = QString::fromUtf8(*content);
+    for (const QStringView line : QStringView(text).split(u'\n')) {
+        const QStringView value = line.endsWith(u'\r') ? line.chopped(1) : line;
+        if (value.isEmpty()) continue;
+        if (value.size() < 4 || !isKey(value.first(3)) || value[3] != u'=' || !isLineText(value)) {
+            values->clear();
+            return kSavedUnreadable;
+        }
+        values->insert(value.first(3).toString(), value.sliced(4).toString());
+    }
+    return kDone;
+}
+
+Status readSavedValue(QStringView key, QString* value) {
+    value->clear();
+    if (!isKey(key)) return kBadInput;
+    SavedValues values;
+    if (const Status status = readSavedValues(&values); status != kDone) return status;
+    const auto found = values.constFind(key.toString());
+    if (found == values.constEnd()) return kSavedMissing;
+    *value = *found;
+    return kDone;
+}
+
+bool writeSavedValues(const SavedValues& values) {
+    QByteArray content;
+    for (auto value = values.cbegin(); value != values.cend(); ++value) {
+        if (!isKey(value.key()) || !isLineText(value.value())) return false;
+        content += QString(value.key() % u'=' % value.value() % u'\n').toUtf8();
+    }
+    return writeFile(kSavedValuesFile, content);
+}
+
+std::optional<PublicKey> parsePublicKey(QByteArrayView text) {
+    const QByteArrayView digits = text.trimmed();
+    const auto isDigit = [](char c) {
+        return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+    };
+    PublicKey key;
+    if (digits.size() != qsizetype(2 * key.size()) || !std::ranges::all_of(digits, isDigit))
+        return std::nullopt;
+    const QByteArray bytes = QByteArray::fromHex(digits.toByteArray());
+    std::copy(bytes.begin(), bytes.end(), key.begin());
+    return key;
+}
+
+Status readHostKey(PublicKey* key) {
+    if (!QFileInfo::exists(device::path(kHostKeyFile))) return kKeyFileMissing;
+    const std::optional<QByteArray> content = readFile(kHostKeyFile);
+    const std::optional<PublicKey> read = content ? parsePublicKey(*content) : std::nullopt;
+    if (!read) return kKeyFileUnreadable;
+    *key = *read;
+    return kDone;
+}
+
+bool writeHostKey(const PublicKey& key) {
+    const QByteArrayView bytes(key);
+    return writeFile(kHostKeyFile, bytes.toByteArray().toHex() + '\n');
+}
+
+QString savedAddress(quint32 address) {
+    QString digits;
+    for (int shift = 24; shift >= 0; shift -= 8)
+        digits += u"%1"_s.arg((address >> shift) & 0xFF, 3, 10, QChar(u'0'));
+    return digits;
+}
+
+}  // namespace platform::message
