@@ -1,0 +1,44 @@
+#include "common/DemoCards.h"
+
+#include <QStringBuilder>
+#include <algorithm>
+
+namespace tools {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr qsizetype kTrack3Characters = 104;
+
+constexpr DemoCard kCards[] = {
+    {u"good", u"9409110000000001", u"1234", 100'000'000, 30'000'000, true},
+    {u"second", u"9409110000000002", u"4321", 10'000'000, 5'000'000, true},
+    {u"poor", u"9409110000000003", u"1111", 1'000, 5'000'000, true},
+    {u"limited", u"9409110000000004", u"2222", 10'000'000, 10'000, true},
+    {u"overdrawn", u"9409110000000005", u"3333", -1'500'000, 500'000, true},
+    {u"unknown", u"9409110000000009", u"9999", 0, 0, false},
+};
+
+}  // namespace
+
+std::span<const DemoCard> demoCards() {
+    return kCards;
+}
+
+const DemoCard* findDemoCard(QStringView name) {
+    const auto* const found = std::ranges::find(kCards, name, &DemoCard::name);
+    return found == std::end(kCards) ? nullptr : found;
+}
+
+QString track2(const DemoCard& card) {
+    return u';' % card.number % u"=99121010000000000?"_s;
+}
+
+QString track3(const DemoCard& card) {
+    // Format code 01, the number, and what an issuer would fill: here digits that differ from card to card.
+    QString data = u"01"_s % card.number % u"=410"_s;
+    while (data.size() < kTrack3Characters) data += card.number;
+    return u';' % data.first(kTrack3Characters) % u'?';
+}
+
+}  // namespace tools

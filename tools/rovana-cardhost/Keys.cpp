@@ -1,0 +1,109 @@
+#include "rovana-cardhost/Keys.h"
+
+#include <sys/stat.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+#include <algorithm>
+
+namespace cardhost {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using platform::SecureBytes;
+using platform::message::KeyPair;
+
+constexpr std::size_t kDigestKeySize = crypto_generichash_KEYBYTES;
+constexpr std::size_t kSecretSize = crypto_box_SECRETKEYBYTES + kDigestKeySize;
+
+/// Both secrets as hexadecimal digits and a line end.
+SecureBytes encode(const Keys& keys) {
+    SecureBytes secrets = keys.box.secretKey;
+    secrets.insert(secrets.end(), keys.digestKey.begin(), keys.digestKey.end());
+    SecureBytes digits(2 * secrets.size() + 1);
+    sodium_bin2hex(reinterpret_cast<char*>(digits.data()), digits.size(), secrets.data(), secrets.size());
+    digits.back() = '\n';
+    return digits;
+}
+
+std::optional<Keys> decode(const SecureBytes& digits) {
+    SecureBytes secrets(kSecretSize);
+    std::size_t size = 0;
+    if (sodium_hex2bin(secrets.data(), secrets.size(), reinterpret_cast<const char*>(digits.data()),
+                       digits.size(), "\r\n", &size, nullptr) != 0 ||
+        size != kSecretSize) {
+        return std::nullopt;
+    }
+    Keys keys;
+    keys.box.secretKey.assign(secrets.begin(), secrets.begin() + crypto_box_SECRETKEYBYTES);
+    keys.digestKey.assign(secrets.begin() + crypto_box_SECRETKEYBYTES, secrets.end());
+    if (crypto_scalarmult_base(keys.box.publicKey.data(), keys.box.secretKey.data()) != 0)
+        return std::nullopt;
+    return keys;
+}
+
+bool write(const QString& path, const SecureBytes& content, QFile::Permissions permissions) {
+    // Unbuffered, so that no copy of a secret stays behind.
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered, permissions) &&
+           file.write(reinterpret_cast<const char*>(content.data()), qint64(content.size())) ==
+               qint64(content.size());
+}
+
+bool writePublic(const QString& path, const Keys& keys) {
+    QSaveFile file(path);
+    const QByteArray digits = QByteArrayView(keys.box.publicKey).toByteArray().toHex() + '\n';
+    return file.open(QIODevice::WriteOnly) && file.write(digits) == digits.size() && file.commit();
+}
+
+}  // namespace
+
+QString secretFile(const QString& folder) {
+    return folder + u"/host.key"_s;
+}
+
+QString publicFile(const QString& folder) {
+    return folder + u"/host.pub"_s;
+}
+
+std::optional<Keys> openKeys(const QString& folder, QString* error) {
+    if (platform::message::startCipher() != platform::message::kDone) {
+        *error = u"the cipher library does not start"_s;
+        return std::nullopt;
+    }
+    const QString path = secretFile(folder);
+    std::optional<Keys> keys;
+    if (QFileInfo::exists(path)) {
+        QFile file(path);
+        SecureBytes digits(4 * kSecretSize);
+        if (file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
+            const qint64 size = file.read(reinterpret_cast<char*>(digits.data()), qint64(digits.size()));
+            digits.resize(std::size_t(std::max<qint64>(size, 0)));
+            keys = decode(digits);
+        }
+        if (!keys) {
+            *error =
+                u"%1 cannot be read or holds no keys; bring back a copy, or remove it for new keys, which "
+                "every terminal then needs"_s.arg(path);
+            return std::nullopt;
+        }
+    } else {
+        keys.emplace();
+        keys->digestKey.resize(kDigestKeySize);
+        randombytes_buf(keys->digestKey.data(), keys->digestKey.size());
+        if (makeKeyPair(&keys->box) != platform::message::kDone ||
+            !write(path, encode(*keys), QFile::ReadOwner | QFile::WriteOwner)) {
+            *error = u"%1 could not be written"_s.arg(path);
+            return std::nullopt;
+        }
+    }
+    if (!writePublic(publicFile(folder), *keys)) {
+        *error = u"%1 could not be written"_s.arg(publicFile(folder));
+        return std::nullopt;
+    }
+    return keys;
+}
+
+}  // namespace cardhost

@@ -1,0 +1,348 @@
+#include "rovana-cardhost/Ledger.h"
+
+#include <QDateTime>
+#include <QStringBuilder>
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+
+#include "platform/Clock.h"
+#include "platform/Trace.h"
+
+namespace cardhost {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using namespace platform::message;
+using platform::SecureBytes;
+
+constexpr char kTables[] = R"(
+CREATE TABLE IF NOT EXISTS card (
+    id INTEGER PRIMARY KEY,
+    track BLOB NOT NULL UNIQUE,      -- keyed digest of the card data
+    password TEXT NOT NULL,          -- hash of the keyed digest
+    number TEXT NOT NULL,            -- masked
+    balance INTEGER NOT NULL,
+    payment_limit INTEGER NOT NULL
+);
+CREATE TABLE IF NOT EXISTS exchange (
+    id INTEGER PRIMARY KEY,
+    message_number BLOB NOT NULL UNIQUE,
+    request BLOB NOT NULL,           -- keyed digest of the request's fields
+    received TEXT NOT NULL,          -- local date and time
+    terminal TEXT NOT NULL,
+    kind TEXT NOT NULL,
+    code TEXT NOT NULL,
+    reply BLOB NOT NULL
+);
+CREATE TABLE IF NOT EXISTS payment (
+    id INTEGER PRIMARY KEY,
+    exchange INTEGER NOT NULL REFERENCES exchange,
+    card INTEGER NOT NULL REFERENCES card,
+    terminal TEXT NOT NULL,
+    day TEXT NOT NULL,               -- yyyyMMdd
+    kind TEXT NOT NULL,
+    supply INTEGER NOT NULL,
+    vat INTEGER NOT NULL,
+    deposit INTEGER NOT NULL,
+    recovery INTEGER NOT NULL,
+    amount INTEGER NOT NULL,
+    fee INTEGER NOT NULL,
+    transferred INTEGER NOT NULL,
+    remaining INTEGER NOT NULL       -- the account's balance afterwards
+);
+CREATE INDEX IF NOT EXISTS payment_of_day ON payment (terminal, day);
+)";
+
+constexpr qsizetype kLongestCardData = 104;
+
+/// Parameter n of the request operation.
+quint16 parameter(int number) {
+    return quint16(kFirstParameterField + number - 1);
+}
+
+QByteArrayView view(const SecureBytes& bytes) {
+    return {bytes.data(), qsizetype(bytes.size())};
+}
+
+/// The whole number of a field, within ±kLargestAmount.
+std::optional<qint64> amount(const Fields& fields, quint16 number) {
+    bool isNumber = false;
+    const qint64 value = fields.text(number).toLongLong(&isNumber);
+    if (!isNumber || std::abs(value) > kLargestAmount) return std::nullopt;
+    return value;
+}
+
+void addBalance(FieldWriter& reply, quint16 field, qint64 balance) {
+    reply.add(kBalanceSignField, balance < 0 ? u"1" : u"0");
+    reply.add(field, QString::number(std::abs(balance)));
+}
+
+void addAmount(FieldWriter& reply, quint16 field, qint64 amount) {
+    reply.add(field, QString::number(amount));
+}
+
+void addHeader(FieldWriter& reply, const Fields& request) {
+    for (quint16 field = 1; field <= kTerminalField; ++field) {
+        reply.add(field, field == kMessageTypeField ? kReplyType.toString() : request.text(field));
+    }
+}
+
+void addResponse(FieldWriter& reply, const Response& response) {
+    reply.add(kResponseCodeField, response.code);
+    reply.add(kResponseTextField, response.text);
+}
+
+QString transactionNumber(qint64 payment) {
+    return u"%1"_s.arg(payment, 12, 10, QChar(u'0'));
+}
+
+QString identification(qint64 exchange) {
+    return u"JB%1"_s.arg(exchange, 10, 10, QChar(u'0'));
+}
+
+/// First 6 and last 4 digits of the number that a track 3 carries after its two digits of format.
+QString maskedNumber(QStringView cardData) {
+    constexpr qsizetype kShown = 10;
+    const QStringView number = cardData.mid(2, std::max<qsizetype>(0, cardData.indexOf(u'=') - 2));
+    if (number.size() <= kShown) return QString(number.size(), u'*');
+    return number.first(6) % QString(number.size() - kShown, u'*') % number.last(4);
+}
+
+SecureBytes utf8(QStringView text) {
+    FieldWriter writer;
+    writer.add(0, text);
+    return SecureBytes(writer.bytes().begin() + 4, writer.bytes().end());
+}
+
+}  // namespace
+
+Ledger::Ledger(const QString& folder, Keys keys) : keys_(std::move(keys)), file_(folder + u"/ledger.db"_s) {
+    file_.execute(kTables);
+}
+
+QByteArray Ledger::digest(char use, QByteArrayView bytes) const {
+    QByteArray digest(crypto_generichash_BYTES, Qt::Uninitialized);
+    crypto_generichash_state state;
+    crypto_generichash_init(&state, keys_.digestKey.data(), keys_.digestKey.size(),
+                            std::size_t(digest.size()));
+    crypto_generichash_update(&state, reinterpret_cast<const unsigned char*>(&use), 1);
+    crypto_generichash_update(&state, reinterpret_cast<const unsigned char*>(bytes.data()),
+                              std::size_t(bytes.size()));
+    crypto_generichash_final(&state, reinterpret_cast<unsigned char*>(digest.data()),
+                             std::size_t(digest.size()));
+    sodium_memzero(&state, sizeof state);
+    return digest;
+}
+
+void Ledger::putCard(QStringView track3, QStringView password, qint64 balance, qint64 limit) {
+    // A terminal sends what follows the start sentinel.
+    const QStringView cardData = track3.mid(1, kLongestCardData);
+    const QByteArray secret = digest('p', view(utf8(password)));
+    std::array<char, crypto_pwhash_STRBYTES> hash{};
+    // Four digits are tried out in no time however slow the hash; what protects them is the key of the
+    // digest.
+    if (crypto_pwhash_str(hash.data(), secret.constData(), std::size_t(secret.size()),
+                          crypto_pwhash_OPSLIMIT_MIN, crypto_pwhash_MEMLIMIT_MIN) != 0) {
+        throw std::bad_alloc();
+    }
+    Statement put = file_.statement(
+        "INSERT INTO card (track, password, number, balance, payment_limit) VALUES (?, ?, ?, ?, ?) "
+        "ON CONFLICT (track) DO UPDATE SET password = excluded.password, balance = excluded.balance, "
+        "payment_limit = excluded.payment_limit");
+    put.bind(digest('t', view(utf8(cardData))))
+        .bind(QString::fromLatin1(hash.data()))
+        .bind(maskedNumber(cardData))
+        .bind(balance)
+        .bind(limit)
+        .step();
+}
+
+bool Ledger::hasCard(QStringView track3) {
+    return file_.statement("SELECT 1 FROM card WHERE track = ?")
+        .bind(digest('t', view(utf8(track3.mid(1, kLongestCardData)))))
+        .step();
+}
+
+QList<CardState> Ledger::cards() {
+    QList<CardState> cards;
+    Statement select = file_.statement("SELECT number, balance, payment_limit FROM card ORDER BY id");
+    while (select.step()) cards.append({select.text(0), select.integer(1), select.integer(2)});
+    return cards;
+}
+
+SecureBytes Ledger::answer(const OpenedRequest& request, bool isRefused) {
+    const std::optional<Fields> fields = Fields::parse(request.fields);
+    FieldWriter reply;
+    if (!fields) {
+        addResponse(reply, kBadMessage);
+        return reply.bytes();
+    }
+    addHeader(reply, *fields);
+    FieldWriter failure = reply;
+    try {
+        SqliteTransaction transaction(file_);
+        const QByteArray requestDigest = digest('r', view(request.fields));
+        Statement known = file_.statement("SELECT request, reply FROM exchange WHERE message_number = ?");
+        if (known.bind(QByteArrayView(request.number)).step()) {
+            if (known.bytes(0) == requestDigest) {
+                const QByteArray before = known.bytes(1);
+                return SecureBytes(before.begin(), before.end());
+            }
+            addResponse(failure, kNumberReused);
+            return failure.bytes();
+        }
+
+        Statement next = file_.statement("SELECT coalesce(max(id), 0) + 1 FROM exchange");
+        next.step();
+        const qint64 exchange = next.integer(0);
+        Call call{*fields,
+                  fields->text(kTerminalField),
+                  fields->text(kMessageKindField),
+                  exchange,
+                  exchange,
+                  isRefused,
+                  reply};
+        // Entered first, so that a payment can refer to it; code and reply follow.
+        file_.statement("INSERT INTO exchange VALUES (?, ?, ?, ?, ?, ?, '', '')")
+            .bind(call.exchange)
+            .bind(QByteArrayView(request.number))
+            .bind(requestDigest)
+            .bind(platform::clock::now().toString(u"yyyy-MM-dd HH:mm:ss"))
+            .bind(call.terminal)
+            .bind(call.kind)
+            .step();
+        const Response response = decide(call);
+        addResponse(reply, response);
+        reply.add(kIdentificationField, identification(call.subject));
+        file_.statement("UPDATE exchange SET code = ?, reply = ? WHERE id = ?")
+            .bind(response.code.toString())
+            .bind(view(reply.bytes()))
+            .bind(call.exchange)
+            .step();
+        transaction.commit();
+        return reply.bytes();
+    } catch (const SqliteError& error) {
+        platform::trace(u"the ledger failed: "_s + QString::fromUtf8(error.what()));
+        addResponse(failure, kLedgerFailed);
+        return failure.bytes();
+    }
+}
+
+Response Ledger::decide(Call& call) {
+    if (call.fields.text(kMessageTypeField) != kRequestType || call.terminal.isEmpty()) return kBadMessage;
+    if (call.kind == kCardPayment || call.kind == kCashPayment) return pay(call);
+    if (call.kind == kBalanceInquiry) return inquire(call);
+    if (call.kind == kPreviousTransaction) return tellPrevious(call);
+    if (call.kind == kSummary) return sum(call);
+    return kBadMessage;
+}
+
+Response Ledger::findCard(QByteArrayView cardData, QByteArrayView password, Card* card) {
+    Statement find = file_.statement("SELECT id, password, balance, payment_limit FROM card WHERE track = ?");
+    if (!find.bind(digest('t', cardData)).step()) return kUnknownCard;
+    const QByteArray hash = find.bytes(1);
+    const QByteArray secret = digest('p', password);
+    if (crypto_pwhash_str_verify(hash.constData(), secret.constData(), std::size_t(secret.size())) != 0)
+        return kWrongPassword;
+    *card = {find.integer(0), find.integer(2), find.integer(3)};
+    return kApproved;
+}
+
+Response Ledger::pay(Call& call) {
+    const auto cardData = call.fields.bytes(parameter(3));
+    const auto password = call.fields.bytes(parameter(4));
+    if (!cardData || !password) return kBadMessage;
+    Card card{};
+    if (const Response found = findCard(*cardData, *password, &card); found.code != kApproved.code)
+        return found;
+
+    const auto supply = amount(call.fields, parameter(6));
+    const auto vat = amount(call.fields, parameter(7));
+    const auto deposit = amount(call.fields, parameter(8));
+    const auto recovery = amount(call.fields, parameter(10));
+    const auto settled = amount(call.fields, parameter(11));
+    if (!supply || !vat || !deposit || !recovery || !settled || *settled <= 0) return kBadAmount;
+    const bool isCash = call.kind == kCashPayment;
+    // Cash changes hands on the spot; it is entered without moving the account.
+    if (!isCash && *settled > card.limit) return kOverLimit;
+    if (!isCash && *settled > card.balance) return kOverBalance;
+    if (call.isRefused) return kRefused;
+
+    const qint64 fee = isCash ? 0 : feeOf(*settled);
+    const qint64 transferred = isCash ? 0 : *settled - fee;
+    const qint64 remaining = isCash ? card.balance : card.balance - *settled;
+    file_.statement("UPDATE card SET balance = ? WHERE id = ?").bind(remaining).bind(card.id).step();
+    Statement next = file_.statement("SELECT coalesce(max(id), 0) + 1 FROM payment");
+    next.step();
+    const qint64 payment = next.integer(0);
+    file_.statement("INSERT INTO payment VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)")
+        .bind(payment)
+        .bind(call.exchange)
+        .bind(card.id)
+        .bind(call.terminal)
+        .bind(platform::clock::now().toString(u"yyyyMMdd"))
+        .bind(call.kind)
+        .bind(*supply)
+        .bind(*vat)
+        .bind(*deposit)
+        .bind(*recovery)
+        .bind(*settled)
+        .bind(fee)
+        .bind(transferred)
+        .bind(remaining)
+        .step();
+    call.reply.add(kTransactionField, transactionNumber(payment));
+    addAmount(call.reply, kAmountField, *settled);
+    addAmount(call.reply, kFeeField, fee);
+    addAmount(call.reply, kDepositedField, transferred);
+    addBalance(call.reply, kRemainingField, remaining);
+    return kApproved;
+}
+
+Response Ledger::inquire(Call& call) {
+    const auto cardData = call.fields.bytes(parameter(2));
+    const auto password = call.fields.bytes(parameter(3));
+    if (!cardData || !password) return kBadMessage;
+    Card card{};
+    if (const Response found = findCard(*cardData, *password, &card); found.code != kApproved.code)
+        return found;
+    if (call.isRefused) return kRefused;
+    addBalance(call.reply, kBalanceField, card.balance);
+    addAmount(call.reply, kLimitField, card.limit);
+    return kApproved;
+}
+
+Response Ledger::tellPrevious(Call& call) {
+    Statement last = file_.statement(
+        "SELECT id, exchange, amount, fee, transferred, remaining FROM payment WHERE terminal = ? "
+        "ORDER BY id DESC LIMIT 1");
+    if (!last.bind(call.terminal).step()) return kNoPrevious;
+    if (call.isRefused) return kRefused;
+    call.reply.add(kTransactionField, transactionNumber(last.integer(0)));
+    call.subject = last.integer(1);
+    addAmount(call.reply, kAmountField, last.integer(2));
+    addAmount(call.reply, kFeeField, last.integer(3));
+    addAmount(call.reply, kDepositedField, last.integer(4));
+    addBalance(call.reply, kRemainingField, last.integer(5));
+    return kApproved;
+}
+
+Response Ledger::sum(Call& call) {
+    const QString day = call.fields.text(parameter(2));
+    if (!QDate::fromString(day, u"yyyyMMdd").isValid()) return kBadMessage;
+    if (call.isRefused) return kRefused;
+    Statement totals = file_.statement(
+        "SELECT count(*), coalesce(sum(supply), 0), coalesce(sum(vat), 0), coalesce(sum(deposit), 0), "
+        "coalesce(sum(recovery), 0), coalesce(sum(amount), 0), coalesce(sum(fee), 0), "
+        "coalesce(sum(transferred), 0) FROM payment WHERE terminal = ? AND day = ? AND kind = ?");
+    totals.bind(call.terminal).bind(day).bind(kCardPayment.toString()).step();
+    constexpr std::array kTotals{kTransferCountField, kSupplyTotalField, kVatTotalField, kDepositTotalField,
+                                 kRecoveryTotalField, kAmountTotalField, kFeeTotalField, kTransferTotalField};
+    for (std::size_t i = 0; i < kTotals.size(); ++i)
+        addAmount(call.reply, kTotals[i], totals.integer(int(i)));
+    addAmount(call.reply, kDepositedField, totals.integer(int(kTotals.size()) - 1));
+    return kApproved;
+}
+
+}  // namespace cardhost

@@ -1,0 +1,99 @@
+#pragma once
+
+#include <QByteArray>
+#include <QByteArrayView>
+#include <QList>
+#include <QString>
+#include <optional>
+
+#include "platform/SecureBytes.h"
+#include "platform/message/Fields.h"
+#include "platform/message/Seal.h"
+#include "rovana-cardhost/Keys.h"
+#include "rovana-cardhost/Sqlite.h"
+
+namespace cardhost {
+
+/// What becomes of a request.
+struct Response {
+    QStringView code;
+    QStringView text;
+};
+inline constexpr Response kApproved{u"0000", u"정상처리"};
+inline constexpr Response kUnknownCard{u"0011", u"미등록카드"};
+inline constexpr Response kWrongPassword{u"0012", u"비밀번호오류"};
+inline constexpr Response kOverBalance{u"0013", u"잔액부족"};
+inline constexpr Response kOverLimit{u"0014", u"한도초과"};
+inline constexpr Response kBadAmount{u"0015", u"거래금액오류"};
+inline constexpr Response kNoPrevious{u"0016", u"직전거래없음"};
+inline constexpr Response kNumberReused{u"0017", u"전문번호중복"};
+inline constexpr Response kBadMessage{u"0018", u"전문오류"};
+inline constexpr Response kLedgerFailed{u"0098", u"호스트장애"};
+inline constexpr Response kRefused{u"0099", u"거래거절"};  ///< For no reason: a fault that was asked for.
+
+/// An amount of a payment beyond this, in won, is refused: it is a mistake, and sums stay within 64 bits.
+inline constexpr qint64 kLargestAmount = 1'000'000'000'000;
+
+/// What the host takes of a card payment: 15 won of each 10,000, rounded down.
+constexpr qint64 feeOf(qint64 amount) {
+    return amount * 15 / 10'000;
+}
+
+/// A card as the administrator sees it.
+struct CardState {
+    QString number;  ///< First 6 and last 4 digits, the rest masked.
+    qint64 balance;  ///< Won.
+    qint64 limit;    ///< The most that one payment may take, won.
+};
+
+/// The host's cards and everything it ever answered, in one SQLite file of its folder. Tracks and passwords
+/// are kept as digests only.
+class Ledger {
+  public:
+    /// Opens the folder's ledger, made when there is none. Throws SqliteError.
+    Ledger(const QString& folder, Keys keys);
+
+    const Keys& keys() const { return keys_; }
+
+    /// Enters a card, or replaces what is known of it. `track3` is as a reader gives it, start sentinel
+    /// first.
+    void putCard(QStringView track3, QStringView password, qint64 balance, qint64 limit);
+    /// Whether putCard has entered the card.
+    bool hasCard(QStringView track3);
+    QList<CardState> cards();
+
+    /// The fields of the answer to a request. What an approved payment changes is on disk when this returns.
+    /// A request with a known message number gets its answer of before and changes nothing. `isRefused`
+    /// refuses what would be approved.
+    platform::SecureBytes answer(const platform::message::OpenedRequest& request, bool isRefused = false);
+
+  private:
+    struct Card {
+        qint64 id;
+        qint64 balance;
+        qint64 limit;
+    };
+    /// A request that is being answered.
+    struct Call {
+        const platform::message::Fields& fields;
+        QString terminal;
+        QString kind;
+        qint64 exchange;
+        qint64 subject;  ///< The exchange that the answer tells of.
+        bool isRefused;
+        platform::message::FieldWriter& reply;
+    };
+
+    QByteArray digest(char use, QByteArrayView bytes) const;
+    Response findCard(QByteArrayView cardData, QByteArrayView password, Card* card);
+    Response decide(Call& call);
+    Response pay(Call& call);
+    Response inquire(Call& call);
+    Response tellPrevious(Call& call);
+    Response sum(Call& call);
+
+    Keys keys_;
+    Sqlite file_;
+};
+
+}  // namespace cardhost

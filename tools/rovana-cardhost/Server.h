@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QHash>
+#include <QList>
+#include <QObject>
+#include <QTcpServer>
+
+#include "platform/message/Frame.h"
+#include "rovana-cardhost/Faults.h"
+#include "rovana-cardhost/Ledger.h"
+
+class QTcpSocket;
+class QTimer;
+
+namespace cardhost {
+
+/// Listens on 127.0.0.1 and answers requests from the ledger, any number of terminals at once. What one of
+/// them sends or fails to read takes no more memory than a few frames, and a connection without a request for
+/// a minute is closed.
+class Server : public QObject {
+    Q_OBJECT
+
+  public:
+    Server(Ledger& ledger, QList<Fault> faults, QObject* parent = nullptr);
+
+    /// Listens on the port, on any free one for 0. False, with the reason in errorText(), when that fails.
+    bool listen(quint16 port);
+    quint16 port() const { return listener_.serverPort(); }
+    QString errorText() const { return listener_.errorString(); }
+
+  private:
+    struct Terminal {
+        platform::message::FrameReader reader;
+        QTimer* idle = nullptr;
+    };
+
+    void accept();
+    void read(QTcpSocket* socket);
+    void serve(QTcpSocket* socket, const platform::message::Frame& frame);
+    void reply(QTcpSocket* socket, const platform::message::Frame& reply, const std::optional<Fault>& fault);
+
+    Ledger& ledger_;
+    QList<Fault> faults_;
+    int requests_ = 0;
+    QHash<QTcpSocket*, Terminal> terminals_;
+    QTcpServer listener_;  ///< Last: its sockets tell when they go.
+};
+
+}  // namespace cardhost
