@@ -62,9 +62,10 @@ struct CollectionSlip {
 
 /// Replaces the slip of that date, number and user, and moves the customer's receivable from what the
 /// replaced row had made of it to what this one makes. `Gubun` is "매출" when MTM has the sales slip of that
-/// date, number and user, else "입금"; `DTime` is the clock's. An approval that the replaced row carries
-/// stays on the slip; the slip's own last two columns are not looked at. False when the slip did not get in
-/// (disk full, a single quote in a text): slip and receivable are then as before.
+/// date, number and user, else "입금"; a simple payment that is corrected stays one. `DTime` is the clock's.
+/// An approval that the replaced row carries stays on the slip; the slip's own last two columns are not
+/// looked at. False when the slip did not get in (disk full, a single quote in a text, several approvals
+/// under its number): slip and receivable are then as before.
 bool saveCollection(const CollectionSlip& slip);
 
 /// Deletes the user's slip of that date and number and takes its receivable back. True also when there was
@@ -74,22 +75,23 @@ bool removeCollection(QStringView date, QStringView junNo, QStringView userId);
 /// The same whoever wrote the slip: another user's slip of that number and date goes with it.
 bool removeCollections(QStringView date, QStringView junNo);
 
-/// The same as part of `transaction`, for what deletes more along with it; lasts once that is committed.
-void removeCollections(db::Transaction& transaction, QStringView date, QStringView junNo);
+/// The same as part of `transaction`, for what deletes more along with it. After false it must not be
+/// committed.
+[[nodiscard]] bool removeCollections(db::Transaction& transaction, QStringView date, QStringView junNo);
 
 /// The slip; nothing when MTMOK has no such row.
 std::optional<CollectionSlip> loadCollection(QStringView date, QStringView junNo, QStringView userId);
 
-/// The slip of an approved exchange, by the card network's transaction number; nothing for an empty or
-/// unknown number. Its last two columns are those of the row.
+/// The slip of an approved exchange, by the card network's transaction number, without its MSGSENDTIME;
+/// nothing for an empty or unknown number.
 std::optional<CollectionSlip> findByTransactionNumber(QStringView transactionNumber);
 
 /// The user's slips of the day, highest number first: slip number, customer name, customer code.
 db::Rows collectionsOfDay(QStringView userId, QStringView date);
 
-/// Writes an approval on the collection slip and makes the sales slip of the same date, number and user
-/// "결제", both or neither, safe on disk on return. `sentTime` is "yyyyMMddHHmmss". True only when it lasts;
-/// false also when there is no such collection slip.
+/// Writes an approval on the collection slip, replacing an earlier one, and makes the sales slip of the same
+/// date, number and user "결제", both or neither, safe on disk on return. `sentTime` is kept as it stands in
+/// MSGSENDTIME. True only when it lasts; false also when there is no such collection slip.
 bool recordApproval(QStringView date, QStringView junNo, QStringView userId, QStringView transactionNumber,
                     QStringView sentTime);
 

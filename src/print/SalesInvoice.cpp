@@ -2,6 +2,7 @@
 
 #include <QList>
 
+#include "app/CollectionSlip.h"
 #include "app/PayableTotal.h"
 #include "db/Query.h"
 
@@ -87,7 +88,7 @@ std::optional<Document> salesInvoice(QStringView date, QStringView junNo, QStrin
     document.labelAmount(u"공병 보증금", bottleDeposit);
     document.rule(Document::Rule::Thin);
     document.labelAmount(u"합계", payable + crateDeposit + bottleDeposit);
-    document.labelAmount(u"전미수", previousReceivable(first.gCode, date, junNo, userId));
+    document.labelAmount(u"전미수", app::previousReceivable(first.gCode, date, junNo, userId));
     document.rule(Document::Rule::Double);
     closingBlock(document);
     return document;

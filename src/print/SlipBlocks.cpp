@@ -9,19 +9,12 @@ namespace print {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
-using platform::parseWon;
-using platform::Won;
 
 constexpr db::Statement<u"SELECT *  FROM PDAUSER WHERE userID = '%s'"> kSelectUser;
 constexpr db::Statement<
     u"SELECT sangho, sno, name, tel, fax, juso, calltel, cardid, cardpass, cardno FROM config">
     kSelectConfig;
 constexpr db::Statement<u"SELECT SNO, GUPJU, JUSO, TEL FROM GARAE WHERE GCode= '%s'"> kSelectCustomer;
-constexpr db::Statement<u"SELECT CJMoney FROM GARAE WHERE GCode= '%s'"> kSelectReceivable;
-constexpr db::Statement<
-    u"SELECT MMoney, YGMoney, InMoney, MisuInMoney, YDMoney FROM MTMOK "
-    u"WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode = '%s'">
-    kSelectCollection;
 
 /// The config row by column name; as at start-up, the last row wins.
 struct Config {
@@ -74,17 +67,6 @@ void customerBlock(Document& document, QStringView gCode, QStringView gName) {
     document.labelText(u"대표자", customer.value(1));
     document.labelText(u"주소", customer.value(2));
     document.labelText(u"전화", customer.value(3));
-}
-
-Won previousReceivable(QStringView gCode, QStringView date, QStringView junNo, QStringView userId) {
-    const std::optional<QStringList> customer = db::firstRow(kSelectReceivable(gCode));
-    Won receivable = customer ? parseWon(customer->value(0)) : Won();
-    const std::optional<QStringList> collection = db::firstRow(kSelectCollection(date, junNo, userId, gCode));
-    if (!collection) return receivable;
-    const Won charged = parseWon(collection->value(0)) + parseWon(collection->value(1));
-    const Won settled =
-        parseWon(collection->value(2)) + parseWon(collection->value(3)) + parseWon(collection->value(4));
-    return receivable - charged + settled;
 }
 
 void closingBlock(Document& document) {

@@ -3,7 +3,6 @@
 #include <QString>
 #include <QStringView>
 
-#include "platform/Won.h"
 #include "print/Document.h"
 
 /// The blocks that the documents of a slip share, each read from its own table.
@@ -32,10 +31,6 @@ void sellerBlock(Document& document);
 
 /// The customer's particulars from GARAE under the name that the slip carries.
 void customerBlock(Document& document, QStringView gCode, QStringView gName);
-
-/// The receivable in won from before the slip: the customer's CJMoney, less what the collection slip of the
-/// same number has moved it by.
-platform::Won previousReceivable(QStringView gCode, QStringView date, QStringView junNo, QStringView userId);
 
 /// The place where the customer signs, thanks, and the call centre's number.
 void closingBlock(Document& document);

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "app/CollectionSlip.h"
 #include "db/Query.h"
 #include "db/Statement.h"
 #include "db/Transaction.h"
@@ -26,7 +27,6 @@ constexpr db::Statement<
     u"ORDER BY WorkGubun , JunNo DESC ">
     kSlips;
 constexpr db::Statement<u"DELETE   MTM WHERE JunNo= '%s' AND DDate = '%s' "> kDeleteSales;
-constexpr db::Statement<u"DELETE MTMOK WHERE JunNo= '%s' AND DDate = '%s' "> kDeleteCollection;
 constexpr db::Statement<u"DELETE YTM WHERE JunNo= '%s' AND DDate = '%s' "> kDeleteContainers;
 
 constexpr int kWorkingColumns = 15;
@@ -71,7 +71,7 @@ bool deleteSlip(QStringView workDate, QStringView junNo, bool alsoFollowers) {
     db::Transaction transaction;
     transaction.connection().Execute(kDeleteSales(junNo, workDate));
     if (alsoFollowers) {
-        transaction.connection().Execute(kDeleteCollection(junNo, workDate));
+        if (!app::removeCollections(transaction, workDate, junNo)) return false;
         transaction.connection().Execute(kDeleteContainers(junNo, workDate));
     }
     return transaction.commit();

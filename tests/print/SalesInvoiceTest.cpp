@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "app/CollectionSlip.h"
 #include "platform/CodePage.h"
 #include "platform/termdev/PaperRoll.h"
 #include "platform/termdev/TermDev.h"
@@ -127,7 +128,7 @@ TEST_F(SalesInvoice, WithoutLinesNothingPrints) {
 }
 
 TEST_F(SalesInvoice, PreviousReceivableLeavesTheSlipsOwnCollectionOut) {
-    const auto previous = [] { return print::previousReceivable(u"0001", kDate, u"5001", u"A").value(); };
+    const auto previous = [] { return app::previousReceivable(u"0001", kDate, u"5001", u"A").value(); };
     EXPECT_EQ(previous(), 350000);
     // The collection of 5001 charged 352006 + 60650 and settled 300000, 10000 and 50000; CJMoney has moved.
     device_.insert(u"MTMOK", {{u"DDate", kDate},
@@ -141,7 +142,7 @@ TEST_F(SalesInvoice, PreviousReceivableLeavesTheSlipsOwnCollectionOut) {
                               {u"YDMoney", u"50000"}});
     device_.execute(u"UPDATE GARAE SET CJMONEY = '402656'"_s);
     EXPECT_EQ(previous(), 350000);
-    EXPECT_EQ(print::previousReceivable(u"9999", kDate, u"5009", u"A").value(), 0);
+    EXPECT_EQ(app::previousReceivable(u"9999", kDate, u"5009", u"A").value(), 0);
 }
 
 TEST_F(SalesInvoice, PrintStateMovesFromUnprintedOnly) {

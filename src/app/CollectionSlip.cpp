@@ -1,0 +1,271 @@
+#include "app/CollectionSlip.h"
+
+#include <QList>
+#include <array>
+
+#include "db/Query.h"
+#include "platform/Clock.h"
+
+namespace app {
+
+using namespace Qt::Literals::StringLiterals;
+using platform::formatWon;
+using platform::parseWon;
+using platform::Won;
+
+namespace {
+
+constexpr db::Statement<u"DELETE MTMOK WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' "> kDeleteOwn;
+constexpr db::Statement<u"DELETE MTMOK WHERE JunNo= '%s' AND DDate = '%s' "> kDelete;
+constexpr db::Statement<
+    u"INSERT INTO MTMOK (DDate,Gubun,GCode,GName,JunNo,DTime,UserID,MMoney,PMoney,BMoney,YMoney,GMoney,"
+    u"YGMoney,InMoney,WonMoney,CardMoney,MisuInMoney,UnderMoney,YDMoney,GDMoney) VALUES "
+    u"('%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s')">
+    kInsert;
+constexpr db::Statement<
+    u"INSERT INTO MTMOK (DDate,Gubun,GCode,GName,JunNo,DTime,UserID,MMoney,PMoney,BMoney,YMoney,GMoney,"
+    u"YGMoney,InMoney,WonMoney,CardMoney,MisuInMoney,UnderMoney,YDMoney,GDMoney,MSGSENDTIME,BANKTRANNO) "
+    u"VALUES ('%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s',"
+    u"'%s','%s','%s','%s')">
+    kInsertApproved;
+constexpr db::Statement<
+    u"UPDATE MTMOK SET MSGSENDTIME = '%s', BANKTRANNO = '%s' "
+    u"WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s'">
+    kApprove;
+constexpr db::Statement<
+    u"UPDATE MTM SET WorkGubun = '결제' WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s'">
+    kMarkPaid;
+constexpr db::Statement<u"SELECT * FROM MTMOK WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s'"> kOwn;
+constexpr db::Statement<u"SELECT * FROM MTMOK WHERE DDate = '%s' AND JunNo = '%s'"> kAnyones;
+constexpr db::Statement<
+    u"SELECT DDate,Gubun,GCode,GName, JunNo,DTime ,UserID,MMoney,PMoney,BMoney,YMoney,GMoney, YGMoney, "
+    u"InMoney,WonMoney,CardMoney,MisuInMoney,UnderMoney,YDMoney, GDMoney FROM MTMOK WHERE BANKTRANNO= '%s' "
+    u"ORDER BY JunNo DESC">
+    kByTransaction;
+constexpr db::Statement<
+    u"SELECT JunNo, GName, GCode FROM MTMOK WHERE USERID= '%s' and DDate = '%s' ORDER BY JunNo DESC">
+    kOfDay;
+constexpr db::Statement<
+    u"SELECT JunNo FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' ORDER BY PCode DESC">
+    kSalesSlip;
+constexpr db::Statement<u"SELECT CJMoney FROM GARAE WHERE GCode= '%s'"> kReceivable;
+constexpr db::Statement<u"UPDATE GARAE SET CJMoney = '%s' WHERE GCode = '%s'"> kMoveReceivable;
+
+constexpr int kTextColumns = 7;  ///< Those in front of the amounts.
+
+/// The table's columns in its own order.
+constexpr std::array kTexts{&CollectionSlip::DDate, &CollectionSlip::Gubun, &CollectionSlip::GCode,
+                            &CollectionSlip::GName, &CollectionSlip::JunNo, &CollectionSlip::DTime,
+                            &CollectionSlip::UserID};
+constexpr std::array kAmounts{
+    &CollectionSlip::MMoney,      &CollectionSlip::PMoney,     &CollectionSlip::BMoney,
+    &CollectionSlip::YMoney,      &CollectionSlip::GMoney,     &CollectionSlip::YGMoney,
+    &CollectionSlip::InMoney,     &CollectionSlip::WonMoney,   &CollectionSlip::CardMoney,
+    &CollectionSlip::MisuInMoney, &CollectionSlip::UnderMoney, &CollectionSlip::YDMoney,
+    &CollectionSlip::GDMoney};
+constexpr int kColumns = kTextColumns + int(kAmounts.size());  ///< Without the approval's two.
+static_assert(kTexts.size() == kTextColumns && decltype(kInsert)::kValues == kColumns);
+
+CollectionSlip slipOf(db::CVORecordset& row) {
+    CollectionSlip slip;
+    int column = 0;
+    for (const auto text : kTexts) slip.*text = row.GetFieldString(column++);
+    for (const auto amount : kAmounts) slip.*amount = parseWon(row.GetFieldString(column++));
+    return slip;
+}
+
+/// The rows of a SELECT of the whole table.
+QList<CollectionSlip> wholeRows(const db::Sql& select) {
+    QList<CollectionSlip> slips;
+    db::forEachRow(select, [&](db::CVORecordset& row) {
+        CollectionSlip slip = slipOf(row);
+        slip.MSGSENDTIME = row.GetFieldString(kColumns);
+        slip.BANKTRANNO = row.GetFieldString(kColumns + 1);
+        slips << slip;
+    });
+    return slips;
+}
+
+/// The texts of a row, and a view on them for the INSERT of so many columns.
+struct RowTexts {
+    std::array<QString, kColumns + 2> texts;
+
+    explicit RowTexts(const CollectionSlip& slip) {
+        std::size_t column = 0;
+        for (const auto text : kTexts) texts[column++] = slip.*text;
+        for (const auto amount : kAmounts) texts[column++] = formatWon(slip.*amount);
+        texts[column++] = slip.MSGSENDTIME;
+        texts[column] = slip.BANKTRANNO;
+    }
+
+    template <std::size_t Columns>
+    std::array<QStringView, Columns> values() const {
+        std::array<QStringView, Columns> views;
+        std::copy_n(texts.begin(), Columns, views.begin());
+        return views;
+    }
+};
+
+/// Adds to the customer's receivable; one who is not there has none. False when the balance did not take it.
+bool moveReceivable(db::Transaction& transaction, const QString& gCode, Won by) {
+    if (by.isZero() || !db::hasRow(kReceivable(gCode))) return true;
+    const Won moved = receivable(gCode) + by;
+    transaction.connection().Execute(kMoveReceivable(formatWon(moved), gCode));
+    return receivable(gCode) == moved;
+}
+
+bool takeReceivablesBack(db::Transaction& transaction, const QList<CollectionSlip>& slips) {
+    for (const CollectionSlip& slip : slips) {
+        if (!moveReceivable(transaction, slip.GCode, -slip.receivableEffect())) return false;
+    }
+    return true;
+}
+
+QString timeOfSaving() {
+    return platform::clock::now().toString(u"HH:mm"_s);
+}
+
+}  // namespace
+
+void CollectionSlip::setAmounts(const SettlementAmounts& amounts, Won crateDeposit) {
+    MMoney = amounts.sales;
+    PMoney = amounts.supply;
+    BMoney = amounts.vat;
+    YMoney = crateDeposit;
+    GMoney = amounts.deposit - crateDeposit;
+    YGMoney = amounts.deposit;
+    InMoney = amounts.cash + amounts.card;
+    WonMoney = amounts.cash;
+    CardMoney = amounts.card;
+    MisuInMoney = amounts.earlierReceivable;
+    UnderMoney = amounts.unpaid;
+    YDMoney = amounts.containerRecovery;
+    GDMoney = amounts.nonLiquor;
+}
+
+SettlementAmounts CollectionSlip::amounts() const {
+    return {.sales = MMoney,
+            .supply = PMoney,
+            .vat = BMoney,
+            .nonLiquor = GDMoney,
+            .deposit = YGMoney,
+            .total = isSimplePayment() ? MMoney + GDMoney - YDMoney : MMoney + YGMoney,
+            .containerRecovery = YDMoney,
+            .card = CardMoney,
+            .cash = WonMoney,
+            .unpaid = UnderMoney,
+            .earlierReceivable = MisuInMoney,
+            .previousReceivable = {}};
+}
+
+Won CollectionSlip::receivableEffect() const {
+    return isSimplePayment() ? Won() : MMoney + YGMoney - InMoney - MisuInMoney - YDMoney;
+}
+
+bool saveCollection(const CollectionSlip& entered) {
+    db::Transaction transaction;
+    const auto rows = [&] { return wholeRows(kOwn(entered.DDate, entered.JunNo, entered.UserID)); };
+    const QList<CollectionSlip> replaced = rows();
+    CollectionSlip slip = entered;
+    slip.Gubun =
+        (db::hasRow(kSalesSlip(slip.DDate, slip.JunNo, slip.UserID)) ? kCollectionOfSale : kCollectionAlone)
+            .toString();
+    slip.DTime = timeOfSaving();
+    slip.MSGSENDTIME.clear();
+    slip.BANKTRANNO.clear();
+    for (const CollectionSlip& before : replaced) {
+        if (before.isSimplePayment()) slip.Gubun = before.Gubun;
+        if (!before.isApproved()) continue;
+        // One row has no room for two approvals.
+        if (slip.isApproved()) return false;
+        slip.MSGSENDTIME = before.MSGSENDTIME;
+        slip.BANKTRANNO = before.BANKTRANNO;
+    }
+
+    transaction.connection().Execute(kDeleteOwn(slip.DDate, slip.JunNo, slip.UserID));
+    transaction.connection().Execute(kInsert(RowTexts(slip).values<kColumns>()));
+    if (slip.isApproved()) {
+        transaction.connection().Execute(
+            kApprove(slip.MSGSENDTIME, slip.BANKTRANNO, slip.DDate, slip.JunNo, slip.UserID));
+    }
+    // A statement that failed was skipped; a payment is not kept by halves.
+    if (rows() != QList<CollectionSlip>{slip}) return false;
+    return takeReceivablesBack(transaction, replaced) &&
+           moveReceivable(transaction, slip.GCode, slip.receivableEffect()) && transaction.commit();
+}
+
+bool removeCollection(QStringView date, QStringView junNo, QStringView userId) {
+    db::Transaction transaction;
+    const QList<CollectionSlip> removed = wholeRows(kOwn(date, junNo, userId));
+    transaction.connection().Execute(kDeleteOwn(date, junNo, userId));
+    if (db::hasRow(kOwn(date, junNo, userId))) return false;
+    return takeReceivablesBack(transaction, removed) && transaction.commit();
+}
+
+bool removeCollections(QStringView date, QStringView junNo) {
+    db::Transaction transaction;
+    return removeCollections(transaction, date, junNo) && transaction.commit();
+}
+
+bool removeCollections(db::Transaction& transaction, QStringView date, QStringView junNo) {
+    const QList<CollectionSlip> removed = wholeRows(kAnyones(date, junNo));
+    transaction.connection().Execute(kDelete(junNo, date));
+    return !db::hasRow(kAnyones(date, junNo)) && takeReceivablesBack(transaction, removed);
+}
+
+std::optional<CollectionSlip> loadCollection(QStringView date, QStringView junNo, QStringView userId) {
+    const QList<CollectionSlip> slips = wholeRows(kOwn(date, junNo, userId));
+    return slips.isEmpty() ? std::nullopt : std::optional(slips.first());
+}
+
+std::optional<CollectionSlip> findByTransactionNumber(QStringView transactionNumber) {
+    std::optional<CollectionSlip> found;
+    if (transactionNumber.isEmpty()) return found;
+    db::forEachRow(kByTransaction(transactionNumber), [&](db::CVORecordset& row) {
+        if (found) return;
+        found = slipOf(row);
+        found->BANKTRANNO = transactionNumber.toString();
+    });
+    return found;
+}
+
+db::Rows collectionsOfDay(QStringView userId, QStringView date) {
+    return db::selectRows(kOfDay(userId, date), 3);
+}
+
+bool recordApproval(QStringView date, QStringView junNo, QStringView userId, QStringView transactionNumber,
+                    QStringView sentTime) {
+    db::Transaction transaction;
+    transaction.connection().Execute(kApprove(sentTime, transactionNumber, date, junNo, userId));
+    transaction.connection().Execute(kMarkPaid(date, junNo, userId));
+    const std::optional<CollectionSlip> slip = loadCollection(date, junNo, userId);
+    return slip && slip->BANKTRANNO == transactionNumber && slip->MSGSENDTIME == sentTime &&
+           transaction.commit();
+}
+
+bool saveSimplePayment(const CollectionSlip& paid) {
+    db::Transaction transaction;
+    CollectionSlip slip = paid;
+    slip.Gubun = kSimplePaymentSlip.toString();
+    slip.DTime = timeOfSaving();
+    const auto rows = [&] { return wholeRows(kOwn(slip.DDate, slip.JunNo, slip.UserID)); };
+    const qsizetype before = rows().size();
+    transaction.connection().Execute(kInsertApproved(RowTexts(slip).values<kColumns + 2>()));
+    const QList<CollectionSlip> after = rows();
+    return after.size() == before + 1 && after.contains(slip) && transaction.commit();
+}
+
+Won receivable(QStringView gCode) {
+    const std::optional<QStringList> customer = db::firstRow(kReceivable(gCode));
+    return customer ? parseWon(customer->value(0)) : Won();
+}
+
+Won previousReceivable(QStringView gCode, QStringView date, QStringView junNo, QStringView userId) {
+    Won balance = receivable(gCode);
+    for (const CollectionSlip& slip : wholeRows(kOwn(date, junNo, userId))) {
+        if (slip.GCode == gCode) balance -= slip.receivableEffect();
+    }
+    return balance;
+}
+
+}  // namespace app
