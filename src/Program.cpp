@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
-#include <QIcon>
 #include <QPalette>
 #include <QScreen>
 #include <QTimer>
@@ -30,16 +29,22 @@ struct Options {
     bool isFullScreen = false;
 };
 
-Options readOptions(const QStringList& arguments) {
+Options readOptions(int argc, char** argv) {
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i) arguments << QString::fromLocal8Bit(argv[i]);
     QCommandLineParser parser;
     parser.setApplicationDescription(u"Rovana, the route-sales terminal."_s);
-    parser.addHelpOption();
-    parser.addVersionOption();
+    const QCommandLineOption help = parser.addHelpOption();
+    const QCommandLineOption version = parser.addVersionOption();
     const QCommandLineOption device(u"device"_s, u"The device folder."_s, u"DIR"_s);
     const QCommandLineOption scale(u"scale"_s, u"Enlarges the 240 by 320 screen (default 2)."_s, u"N"_s);
     const QCommandLineOption fullScreen(u"fullscreen"_s, u"Fills the display, as on a handheld."_s);
     parser.addOptions({device, scale, fullScreen});
-    parser.process(arguments);
+    if (!parser.parse(arguments) || parser.isSet(help) || parser.isSet(version)) {
+        // The program ends here, before it needs a display; the text needs an application object.
+        const QCoreApplication passing(argc, argv);
+        parser.process(arguments);
+    }
 
     Options options;
     options.device = parser.value(device);
@@ -70,12 +75,7 @@ qreal scaleToFill(int argc, char** argv) {
 int runProgram(int argc, char** argv, const std::function<void(ui::Terminal&)>& terminalMade) {
     QCoreApplication::setApplicationName(u"rovana"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(ROVANA_VERSION));
-    Options options;
-    {
-        // --help and --version end the program here, before it needs a display.
-        const QCoreApplication passing(argc, argv);
-        options = readOptions(QCoreApplication::arguments());
-    }
+    Options options = readOptions(argc, argv);
     if (options.isFullScreen && !options.isScaleGiven) options.scale = scaleToFill(argc, argv);
     qputenv("QT_SCALE_FACTOR", QByteArray::number(options.scale));
 
@@ -86,7 +86,7 @@ int runProgram(int argc, char** argv, const std::function<void(ui::Terminal&)>& 
                      qUtf8Printable(platform::device::folder()));
     }
     ui::prepareFonts();
-    QApplication::setWindowIcon(QIcon(ui::bitmap(ui::bitmaps::kApplicationIcon, 1)));
+    QApplication::setWindowIcon(ui::icon(ui::bitmaps::kApplicationIcon));
 
     QWidget window;
     window.setWindowTitle(u"Rovana"_s);
@@ -95,18 +95,19 @@ int runProgram(int argc, char** argv, const std::function<void(ui::Terminal&)>& 
     layout->setContentsMargins(0, 0, 0, 0);
     auto* terminal = new ui::Terminal(&window);
     layout->addWidget(terminal, 0, Qt::AlignCenter);
-    if (options.isFullScreen) {
-        window.showFullScreen();
-    } else {
-        layout->setSizeConstraint(QLayout::SetFixedSize);
-        window.show();
-    }
+    if (!options.isFullScreen) layout->setSizeConstraint(QLayout::SetFixedSize);
 
     registerScreens();
     if (terminalMade) terminalMade(*terminal);
     int exitCode = 0;
     // The main dialog runs inside the event loop, so that closing the window ends it like everything else.
     QTimer::singleShot(0, &window, [&] {
+        // The window is drawn when the first screen waits, so it never shows without one.
+        if (options.isFullScreen) {
+            window.showFullScreen();
+        } else {
+            window.show();
+        }
         exitCode = app::CRovanaApp().run();
         QCoreApplication::quit();
     });

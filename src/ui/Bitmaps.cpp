@@ -1,8 +1,12 @@
 #include "ui/Bitmaps.h"
 
+#include <QFile>
+#include <QHash>
+#include <QIconEngine>
 #include <QPainter>
 #include <QPixmapCache>
 #include <QSvgRenderer>
+#include <QXmlStreamReader>
 
 namespace ui {
 namespace {
@@ -13,10 +17,44 @@ QString resourcePath(int number) {
     return u":/bitmaps/%1.svg"_s.arg(number);
 }
 
+/// The size that the picture's outermost element gives, without reading on: a screen asks for the size of all
+/// its buttons before it draws the first.
+QSize readSize(int number) {
+    QFile file(resourcePath(number));
+    if (!file.open(QIODevice::ReadOnly)) return {};
+    QXmlStreamReader reader(&file);
+    if (!reader.readNextStartElement()) return {};
+    const QXmlStreamAttributes attributes = reader.attributes();
+    return {attributes.value("width"_L1).toInt(), attributes.value("height"_L1).toInt()};
+}
+
+class PictureIcon : public QIconEngine {
+  public:
+    explicit PictureIcon(int number) : number_(number) {}
+
+    void paint(QPainter* painter, const QRect& area, QIcon::Mode, QIcon::State) override {
+        QSvgRenderer(resourcePath(number_)).render(painter, area);
+    }
+    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
+        QPixmap picture(size);
+        picture.fill(Qt::transparent);
+        QPainter painter(&picture);
+        paint(&painter, picture.rect(), mode, state);
+        return picture;
+    }
+    QIconEngine* clone() const override { return new PictureIcon(number_); }
+
+  private:
+    int number_;
+};
+
 }  // namespace
 
 QSize bitmapSize(int number) {
-    return QSvgRenderer(resourcePath(number)).defaultSize();
+    static QHash<int, QSize> sizes;
+    auto known = sizes.find(number);
+    if (known == sizes.end()) known = sizes.insert(number, readSize(number));
+    return *known;
 }
 
 QPixmap bitmap(int number, qreal pixelRatio) {
@@ -33,6 +71,10 @@ QPixmap bitmap(int number, qreal pixelRatio) {
     picture.setDevicePixelRatio(pixelRatio);
     QPixmapCache::insert(key, picture);
     return picture;
+}
+
+QIcon icon(int number) {
+    return QIcon(new PictureIcon(number));
 }
 
 }  // namespace ui

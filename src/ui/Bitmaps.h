@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QIcon>
 #include <QPixmap>
 #include <QSize>
 
@@ -55,5 +56,8 @@ QSize bitmapSize(int number);
 
 /// The picture drawn sharp for the display's `pixelRatio`; null for a number without a picture.
 QPixmap bitmap(int number, qreal pixelRatio);
+
+/// The picture as an icon, drawn when the desktop asks for it and in the size that it asks for.
+QIcon icon(int number);
 
 }  // namespace ui

@@ -10,7 +10,7 @@ enum class FontHeight { Small = 16, Medium = 18, Large = 19, Title = 20 };
 /// One of the shared fonts. Its lines are as many pixels high as its name says.
 const QFont& font(FontHeight height);
 
-/// Gives "tahoma" its Korean glyphs. Call once, before the first screen.
+/// Makes the medium font that of every control without one of its own. Call once, before the first screen.
 void prepareFonts();
 
 }  // namespace ui
