@@ -146,6 +146,16 @@ Won CMtmDlg::total() const {
 
 void CMtmDlg::showLines() {
     list_->setRows(workingLines());
+    if (selected_) list_->selectRow(rowOf(*selected_));
+}
+
+int CMtmDlg::rowOf(const LineKey& key) const {
+    for (int row = 0; row < list_->rowCount(); ++row) {
+        if (list_->text(row, 0) == key.PCode && list_->text(row, 2) == key.Box &&
+            list_->text(row, 3) == key.Bon)
+            return row;
+    }
+    return -1;
 }
 
 void CMtmDlg::showAmounts() {
@@ -218,8 +228,9 @@ void CMtmDlg::addProduct(const QString& pcode) {
         sums_ += amounts;
         markUnsaved();
     }
-    deselect();
     showLines();
+    // The list is short: the new line may stand below what it shows.
+    list_->scrollTo(list_->model()->index(rowOf({line.PCode, line.Box, line.Bon}), 0));
     showAmounts();
 }
 
@@ -253,9 +264,10 @@ void CMtmDlg::changeQuantities() {
     if (replaceQuantities(*selected_, boxes, bottles, amounts)) {
         sums_ -= selectedAmounts_;
         sums_ += amounts;
+        selected_ = LineKey{selected_->PCode, QString::number(boxes), QString::number(bottles)};
+        selectedAmounts_ = amounts;
         markUnsaved();
     }
-    deselect();
     showLines();
     showAmounts();
 }

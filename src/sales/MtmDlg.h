@@ -42,7 +42,10 @@ class CMtmDlg : public ui::Screen {
     void save();
     void finish();
 
+    /// Refills the list; the chosen line stays chosen.
     void showLines();
+    /// The row of the line; -1 when the list does not hold it.
+    int rowOf(const LineKey& key) const;
     void showAmounts();
     void markUnsaved();
     void deselect();
