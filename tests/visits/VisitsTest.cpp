@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QProcess>
 #include <QProcessEnvironment>
@@ -61,6 +63,23 @@ Outcome run(const QString& program, const QStringList& arguments) {
     return outcome;
 }
 
+/// Runs a script of SQL statements on the device's database; returns what went wrong, else an empty text.
+std::string prepare(const QString& device, const QString& sqlFile) {
+    QFile script(sqlFile);
+    if (!script.open(QIODevice::ReadOnly)) return "cannot read " + sqlFile.toStdString();
+    const QByteArray database = (device + u"/My Documents/rvnclient.cdb"_s).toUtf8();
+    sqlite3* handle = nullptr;
+    char* message = nullptr;
+    std::string error;
+    if (sqlite3_open_v2(database, &handle, SQLITE_OPEN_READWRITE, nullptr) != SQLITE_OK ||
+        sqlite3_exec(handle, script.readAll(), nullptr, nullptr, &message) != SQLITE_OK) {
+        error = sqlFile.toStdString() + ": " + (message != nullptr ? message : sqlite3_errmsg(handle));
+    }
+    sqlite3_free(message);
+    sqlite3_close(handle);
+    return error;
+}
+
 class Visit : public testing::TestWithParam<QString> {};
 
 TEST_P(Visit, Plays) {
@@ -68,6 +87,14 @@ TEST_P(Visit, Plays) {
     const QString device = folder.filePath(u"device"_s);
     const Outcome made = run(u"rovanactl"_s, {u"init"_s, device, u"--demo"_s, u"--date"_s, kDay.toString()});
     ASSERT_TRUE(made.isDone) << made.output;
+    // A visit that needs rows of its own brings them in a file beside it, for the loaded master data.
+    const QFileInfo visit(GetParam());
+    const QString ownRows = visit.path() + u'/' + visit.completeBaseName() + u".sql"_s;
+    if (QFileInfo::exists(ownRows)) {
+        const Outcome loaded = run(u"rovanactl"_s, {u"import"_s, u"--device"_s, device});
+        ASSERT_TRUE(loaded.isDone) << loaded.output;
+        ASSERT_EQ(prepare(device, ownRows), "");
+    }
     const Outcome played = run(u"rovana-play"_s, {GetParam(), u"--device"_s, device});
     EXPECT_TRUE(played.isDone) << played.output;
 }
