@@ -9,15 +9,27 @@
 
 namespace print {
 
-/// What a receipt shows of the exchange beside the slip's row. Empty texts take no line.
+/// The customer as a receipt names him.
+struct ReceiptCustomer {
+    QString name;
+    QString number;  ///< Business registration number.
+    QString owner;
+    QString address;
+};
+
+/// From GARAE; texts of X where the customer is not found.
+ReceiptCustomer receiptCustomer(QStringView gCode);
+
+/// What a receipt shows of the exchange beside the slip's row.
 struct CardExchange {
     app::HostReply reply;
-    QString maskedCardNumber;  ///< As maskedCardNumber gives it; never the whole number.
+    QString maskedCardNumber;  ///< As maskedCardNumber gives it, never the whole number; no line when empty.
 };
 
 /// The card receipt of a simple payment. With an exchange it is that of the reply's transaction number, and
-/// 거래금액, 수수료액, 입금금액, 거래잔액 are the reply's; without one, as for a reprint, the amount charged
-/// is all that is known of them. Nothing when there is no row "단순결제" of that date, number and user.
+/// 거래금액, 수수료액, 입금금액 and 거래잔액 are the reply's; without one, as for a reprint, the amount
+/// charged is all that is known of them. Nothing when there is no such row "단순결제" of that date, number
+/// and user.
 std::optional<Document> cardReceipt(QStringView date, QStringView junNo, QStringView userId,
                                     const std::optional<CardExchange>& exchange, bool reprint);
 

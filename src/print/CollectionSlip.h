@@ -13,8 +13,12 @@ namespace print {
 std::optional<Document> collectionSlip(QStringView date, QStringView junNo, QStringView userId, Copy copy,
                                        bool reprint);
 
-/// How a slip was paid: card, cash, unpaid, recovery, earlier receivable paid, the receivable before and
-/// after, and the transaction number. Amounts of 0 take no line.
+/// How a slip was paid: card, cash, unpaid, container recovery and earlier receivable paid, those that are
+/// not 0; the receivable before and after; and the transaction number when it was paid by an approved
+/// exchange.
 void paymentBlock(Document& document, const app::CollectionSlip& slip);
+
+/// "거래번호 : " and the transaction number; nothing for an empty one.
+void transactionNumberLine(Document& document, QStringView transactionNumber);
 
 }  // namespace print

@@ -5,6 +5,7 @@
 #include "app/CollectionSlip.h"
 #include "app/PayableTotal.h"
 #include "db/Query.h"
+#include "print/CollectionSlip.h"
 
 namespace print {
 namespace {
@@ -88,7 +89,13 @@ std::optional<Document> salesInvoice(QStringView date, QStringView junNo, QStrin
     document.labelAmount(u"공병 보증금", bottleDeposit);
     document.rule(Document::Rule::Thin);
     document.labelAmount(u"합계", payable + crateDeposit + bottleDeposit);
-    document.labelAmount(u"전미수", app::previousReceivable(first.gCode, date, junNo, userId));
+    const std::optional<app::CollectionSlip> paid = app::loadCollection(date, junNo, userId);
+    if (paid && paid->GCode == first.gCode) {
+        document.rule(Document::Rule::Thin);
+        paymentBlock(document, *paid);
+    } else {
+        document.labelAmount(u"전미수", app::receivable(first.gCode));
+    }
     document.rule(Document::Rule::Double);
     closingBlock(document);
     return document;

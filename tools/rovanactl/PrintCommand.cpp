@@ -1,4 +1,9 @@
+#include <algorithm>
+#include <iterator>
+
 #include "db/Query.h"
+#include "print/CardReceipt.h"
+#include "print/CollectionSlip.h"
 #include "print/PrintState.h"
 #include "print/SalesInvoice.h"
 #include "rovanactl/Command.h"
@@ -10,7 +15,38 @@ using namespace Qt::Literals::StringLiterals;
 
 constexpr db::Statement<
     u"SELECT DISTINCT UserID FROM MTM WHERE DDate = '%s' AND JunNo = '%s' ORDER BY UserID">
-    kSelectUsers;
+    kSellers;
+constexpr db::Statement<
+    u"SELECT DISTINCT UserID FROM MTMOK WHERE DDate = '%s' AND JunNo = '%s' ORDER BY UserID">
+    kCollectors;
+
+using Print = std::optional<print::Document> (*)(QStringView date, QStringView number, QStringView user,
+                                                 print::Copy copy);
+
+/// A document by the word that asks for it.
+struct Printable {
+    QStringView word;
+    QStringView slip;  ///< What it is made of, for the message that there is none.
+    db::Sql (*users)(QStringView date, QStringView number);
+    Print print;
+};
+
+constexpr Printable kPrintables[] = {
+    {u"sale", u"sales slip", [](QStringView date, QStringView number) { return kSellers(date, number); },
+     [](QStringView date, QStringView number, QStringView user, print::Copy copy) {
+         return print::salesInvoice(date, number, user, copy, print::isPrinted(date, number, user));
+     }},
+    {u"collection", u"collection slip",
+     [](QStringView date, QStringView number) { return kCollectors(date, number); },
+     [](QStringView date, QStringView number, QStringView user, print::Copy copy) {
+         return print::collectionSlip(date, number, user, copy, true);
+     }},
+    {u"card", u"simple payment",
+     [](QStringView date, QStringView number) { return kCollectors(date, number); },
+     [](QStringView date, QStringView number, QStringView user, print::Copy) {
+         return print::cardReceipt(date, number, user, std::nullopt, true);
+     }},
+};
 
 void addPrintOptions(QCommandLineParser& parser) {
     parser.addOption({u"date"_s, u"The day of the slip, today without it."_s, u"yyyy-MM-dd"_s});
@@ -19,8 +55,11 @@ void addPrintOptions(QCommandLineParser& parser) {
 }
 
 Outcome printSlip(const Invocation& call) {
-    if (call.arguments[0] != u"sale") {
-        return usageError(u"there is no document \"%1\"; print makes \"sale\""_s.arg(call.arguments[0]));
+    const auto printable = std::ranges::find(kPrintables, QStringView(call.arguments[0]), &Printable::word);
+    if (printable == std::end(kPrintables)) {
+        return usageError(
+            u"there is no document \"%1\"; print makes \"sale\", \"collection\" and \"card\""_s.arg(
+                call.arguments[0]));
     }
     const QString& number = call.arguments[1];
     const std::optional<QString> date = dateOption(call.options, u"date"_s);
@@ -32,7 +71,7 @@ Outcome printSlip(const Invocation& call) {
     }
 
     QStringList users;
-    db::forEachRow(kSelectUsers(*date, number),
+    db::forEachRow(printable->users(*date, number),
                    [&](db::CVORecordset& row) { users << row.GetFieldString(0); });
     if (call.options.isSet(u"user"_s)) {
         const QString user = call.options.value(u"user"_s);
@@ -42,14 +81,15 @@ Outcome printSlip(const Invocation& call) {
         return usageError(u"the users %1 each have a slip %2 on %3; choose one with --user"_s.arg(
             users.join(u", "_s), number, *date));
     }
-    const auto document =
-        users.isEmpty() ? std::nullopt
-                        : print::salesInvoice(*date, number, users.first(),
-                                              copy == u"buyer" ? print::Copy::Buyer : print::Copy::Seller,
-                                              print::isPrinted(*date, number, users.first()));
+    const auto document = users.isEmpty()
+                              ? std::nullopt
+                              : printable->print(*date, number, users.first(),
+                                                 copy == u"buyer" ? print::Copy::Buyer : print::Copy::Seller);
     if (!document) {
-        return failure(u"there is no sales slip %1 on %2; \"rovanactl slips --date %2\" lists them"_s.arg(
-            number, *date));
+        return failure(u"there is no %1 %2 on %3"_s.arg(printable->slip, number, *date) +
+                       (printable == std::begin(kPrintables)
+                            ? u"; \"rovanactl slips --date %1\" lists them"_s.arg(*date)
+                            : QString()));
     }
     call.out << document->text();
     return {};
@@ -59,9 +99,10 @@ Outcome printSlip(const Invocation& call) {
 
 constinit const Command kPrintCommand{
     u"print",
-    u"sale JUNNO",
+    u"sale|collection|card JUNNO",
     u"writes a slip's document as text",
-    u"The sales invoice as the terminal's 32-column paper has it. The slip's print state stays.",
+    u"The sales invoice, the collection slip or the receipt of a simple payment as the terminal's 32-column "
+    u"paper has it, the last two marked as reprints. The slip's print state stays.",
     2,
     2,
     addPrintOptions,
