@@ -1,0 +1,3 @@
+-- A frequent product that has been withdrawn since, and a customer without a kind.
+INSERT INTO MPUMMOK VALUES ('1003', '한빛재소주', '360ml', '공용', '999');
+UPDATE GARAE SET GUBUN = '' WHERE GCODE = '0027';

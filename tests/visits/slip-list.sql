@@ -1,0 +1,11 @@
+-- Slips in every state, with the collection and container rows of a visit beside them.
+UPDATE MTM SET WorkGubun = '결제' WHERE JunNo IN ('0001', '0002');
+UPDATE MTM SET WorkGubun = '발행' WHERE JunNo = '0003';
+INSERT INTO MTMOK (DDate,Gubun,GCode,GName,JunNo,DTime,UserID,CardMoney)
+SELECT DISTINCT DDate, '매출', GCode, GName, JunNo, '10:00', UserID, '1000' FROM MTM WHERE UserID = 'A';
+INSERT INTO YTM (DDate,GCode,GName,JunNo,PCode,UserID)
+SELECT DISTINCT DDate, GCode, GName, JunNo, '1001', UserID FROM MTM WHERE UserID = 'A';
+-- Another day's rows of the same number stay whatever is deleted today, another salesman's do not.
+INSERT INTO MTMOK (DDate,GCode,JunNo,UserID) VALUES ('2026-11-20', '0001', '0003', 'A'), ('2026-11-21', '0003', '0003', 'B');
+INSERT INTO MTM (DDate,GCode,GName,JunNo,WorkGubun,PCode,UserID)
+VALUES ('2026-11-20', '0001', '가람국밥', '0003', '미발행', '1001', 'A'), ('2026-11-21', '0013', '파도국밥', '0003', '미발행', '1001', 'B');
