@@ -11,6 +11,7 @@ void resetTransactionRecord() {
     TransactionRecord& record = transactionRecord();
     record.requestType = RequestType::None;
     record.paymentKind.clear();
+    record.slip = {};
     record.amounts = {};
     record.amountToCharge = {};
     record.cardPaymentFlag = 0;

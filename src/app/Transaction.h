@@ -41,10 +41,19 @@ struct HostReply {
     QString withdrawalLimit;    ///< 1110.
 };
 
+/// The saved slip that an exchange pays or reprints.
+struct SlipIdentity {
+    QString date;  ///< "yyyy-MM-dd".
+    QString junNo;
+    QString userId;
+    QString gCode;
+};
+
 /// The record that the collection screens fill, the card dialog settles, and saving and printing read.
 struct TransactionRecord {
     RequestType requestType = RequestType::None;
     QString paymentKind;  ///< "1" card, "2" cash, empty for neither.
+    SlipIdentity slip;
     SettlementAmounts amounts;
     platform::Won amountToCharge;
     int cardPaymentFlag = 0;  ///< 1 sends a card payment whatever the card amount is.

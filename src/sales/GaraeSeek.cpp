@@ -2,6 +2,8 @@
 
 #include "app/Dialogs.h"
 #include "app/Session.h"
+#include "sales/Checkout.h"
+#include "sales/CustomerQuery.h"
 #include "sales/SlipLine.h"
 #include "sales/SlipStore.h"
 #include "sales/WorkingSlip.h"
@@ -95,12 +97,15 @@ void CGaraeSeek::openSlip() {
 }
 
 void CGaraeSeek::pay() {
-    const app::SessionValues& session = app::session();
-    if (session.action.JunNo.isEmpty()) {
+    app::SessionValues& session = app::session();
+    app::ActionValues& action = session.action;
+    if (action.JunNo.isEmpty()) {
         ui::message(u"전표를 선택하세요!"_s);
         return;
     }
-    reloadSlip(session.UserID, session.WorkDate, session.action.JunNo);
+    const OpenedSlip slip = sales::openSlip(session.UserID, session.WorkDate, action.JunNo);
+    action.GCode = slip.GCode;
+    handOver(slip.sums, customerAccount(slip.GCode).CJMoney);
     ui::runScreen(app::dialogs::kCollectionEntry);
     closeIfDone();
 }

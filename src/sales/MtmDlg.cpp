@@ -4,9 +4,9 @@
 
 #include "app/Dialogs.h"
 #include "app/KeypadRequest.h"
-#include "app/PayableTotal.h"
 #include "app/Session.h"
 #include "platform/Clock.h"
+#include "sales/Checkout.h"
 #include "sales/CustomerQuery.h"
 #include "sales/Pricing.h"
 #include "sales/ProductQuery.h"
@@ -141,7 +141,7 @@ void CMtmDlg::openSlip() {
 }
 
 Won CMtmDlg::total() const {
-    return app::payableTotal(sums_.supply, sums_.vat, app::session().UserField3) + sums_.deposits();
+    return slipTotal(sums_, app::session().UserField3);
 }
 
 void CMtmDlg::showLines() {
@@ -163,11 +163,6 @@ void CMtmDlg::showAmounts() {
         setAmount(row.lineValue, row.of(selectedAmounts_));
         setAmount(row.slipSum, row.slipSum == kTotalSum ? total() : row.of(sums_));
     }
-    app::ActionValues& action = app::session().action;
-    action.SupplySum = sums_.supply;
-    action.VatSum = sums_.vat;
-    action.CrateDepositSum = sums_.crateDeposit;
-    action.BottleDepositSum = sums_.bottleDeposit;
 }
 
 void CMtmDlg::markUnsaved() {
@@ -317,12 +312,7 @@ void CMtmDlg::save() {
 
 void CMtmDlg::finish() {
     app::SessionValues& session = app::session();
-    session.action.CheckoutSales = sums_.subtotal();
-    session.action.CheckoutSupply = sums_.supply;
-    session.action.CheckoutVat = sums_.vat;
-    session.action.CheckoutDeposits = sums_.deposits();
-    session.action.CheckoutTotal = total();
-    session.action.CheckoutReceivable = receivable_;
+    handOver(sums_, receivable_);
     if (isWorkingSlipEmpty()) {
         ui::message(u"매출상품이 선택되지 않았습니다..!"_s);
         return;

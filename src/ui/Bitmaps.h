@@ -42,12 +42,16 @@ inline constexpr ButtonBitmaps kPay{512, 513, CaptionColour::Light};
 inline constexpr ButtonBitmaps kDocument{514, 515};
 inline constexpr ButtonBitmaps kSaveSlip{526, 527, CaptionColour::Light};
 inline constexpr ButtonBitmaps kSearchCode{528, 529, CaptionColour::Light};
+inline constexpr ButtonBitmaps kWideAmount{530, 531};
+inline constexpr ButtonBitmaps kSettle{532, 533, CaptionColour::Light};
 inline constexpr ButtonBitmaps kKeySpecial{522, 523};
 
 inline constexpr int kApplicationIcon = 128;
 inline constexpr int kLogo = 154;
 inline constexpr int kFooter = 155;
 inline constexpr int kImportHeading = 436;
+inline constexpr int kSlipsHeading = 362;
+inline constexpr int kAskForCard = 360;
 
 }  // namespace bitmaps
 

@@ -44,23 +44,33 @@ MessageBox::MessageBox(const QString& text, const QString& caption, Buttons butt
         FontHeight::Medium, Qt::AlignLeft | Qt::AlignTop);
     body->setWordWrap(true);
 
-    const int buttonWidth = bitmapSize(bitmaps::kConfirm.normal).width();
-    const int buttonTop = panel_.bottom() - kButtonRow + 8;
-    if (buttons == Buttons::Ok) {
-        BitmapButton* ok = addButton(kMessageOk, u"확  인"_s,
-                                     {panel_.center().x() - buttonWidth / 2, buttonTop}, bitmaps::kConfirm);
-        connect(ok, &BitmapButton::clicked, this, [this] { close(Accepted); });
-        setDefaultButton(ok);
-        setCancelButton(ok);
-    } else {
-        BitmapButton* ok =
-            addButton(kMessageOk, u"확  인"_s, {panel_.left() + 36, buttonTop}, bitmaps::kConfirm);
-        BitmapButton* cancel = addButton(kMessageCancel, u"취  소"_s,
-                                         {panel_.right() - 36 - buttonWidth, buttonTop}, bitmaps::kCancel);
-        connect(ok, &BitmapButton::clicked, this, [this] { close(Accepted); });
-        connect(cancel, &BitmapButton::clicked, this, [this] { close(Cancelled); });
-        setDefaultButton(ok);
-        setCancelButton(cancel);
+    addButtons(buttons);
+}
+
+void MessageBox::addButtons(Buttons buttons) {
+    struct Choice {
+        int control;
+        QString caption;
+        ButtonBitmaps bitmaps;
+        Result result;
+    };
+    const Choice ok{kMessageOk, u"확  인"_s, bitmaps::kConfirm, Accepted};
+    const Choice yes{kMessageOk, u"예"_s, bitmaps::kConfirm, Accepted};
+    const Choice no{kMessageNo, u"아니오"_s, bitmaps::kCancel, Cancelled};
+    const Choice cancel{kMessageCancel, u"취  소"_s, bitmaps::kCancel, Cancelled};
+    const QList<Choice> choices = buttons == Buttons::Ok         ? QList<Choice>{ok}
+                                  : buttons == Buttons::OkCancel ? QList<Choice>{ok, cancel}
+                                                                 : QList<Choice>{yes, no, cancel};
+    const int width = bitmapSize(bitmaps::kConfirm.normal).width();
+    const int gap = (panel_.width() - int(choices.size()) * width) / int(choices.size() + 1);
+    int left = panel_.left() + gap;
+    for (const Choice& choice : choices) {
+        BitmapButton* button = addButton(choice.control, choice.caption,
+                                         {left, panel_.bottom() - kButtonRow + 8}, choice.bitmaps);
+        connect(button, &BitmapButton::clicked, this, [this, result = choice.result] { close(result); });
+        if (choice.control == kMessageOk) setDefaultButton(button);
+        setCancelButton(button);
+        left += width + gap;
     }
 }
 
@@ -80,6 +90,10 @@ void message(const QString& text) {
 
 bool confirm(const QString& text, const QString& caption) {
     return MessageBox(text, caption, MessageBox::Buttons::OkCancel).run() == Screen::Accepted;
+}
+
+bool askYesNo(const QString& text, const QString& caption) {
+    return MessageBox(text, caption, MessageBox::Buttons::YesNoCancel).run() == Screen::Accepted;
 }
 
 }  // namespace ui

@@ -10,6 +10,7 @@ namespace ui {
 inline constexpr int kMessageBoxId = 0;
 inline constexpr int kMessageOk = 1;
 inline constexpr int kMessageCancel = 2;
+inline constexpr int kMessageNo = 3;
 
 /// Shows a message without caption, with an OK button, and returns when it is answered.
 void message(const QString& text);
@@ -17,12 +18,15 @@ void message(const QString& text);
 /// Asks with OK and Cancel under a short caption. True on OK only.
 bool confirm(const QString& text, const QString& caption);
 
+/// Asks with Yes, No and Cancel under a short caption. True on Yes only.
+bool askYesNo(const QString& text, const QString& caption);
+
 /// A message box in front of the screens.
 class MessageBox : public Screen {
     Q_OBJECT
 
   public:
-    enum class Buttons { Ok, OkCancel };
+    enum class Buttons { Ok, OkCancel, YesNoCancel };
 
     MessageBox(const QString& text, const QString& caption, Buttons buttons);
 
@@ -33,6 +37,8 @@ class MessageBox : public Screen {
     void paintEvent(QPaintEvent* event) override;
 
   private:
+    void addButtons(Buttons buttons);
+
     QString text_;
     QString caption_;
     QRect panel_;

@@ -1,0 +1,232 @@
+#include "collect/CollectionEntryDlg.h"
+
+#include <QLabel>
+#include <functional>
+
+#include "app/CollectionSlip.h"
+#include "app/Dialogs.h"
+#include "app/KeypadRequest.h"
+#include "app/Session.h"
+#include "collect/Settlement.h"
+#include "ui/Messages.h"
+#include "ui/WaitCursor.h"
+
+namespace collect {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using platform::parseWon;
+using platform::Won;
+
+constexpr int kFirstRowTop = 26;
+constexpr int kRowHeight = 43;
+constexpr int kCaptionHeight = 24;
+constexpr int kColumnLeft[] = {2, 122};
+constexpr int kColumnWidth = 116;
+
+QPoint cellAt(int column, int row) {
+    return {kColumnLeft[column], kFirstRowTop + row * kRowHeight};
+}
+
+QRect valueAt(int column, int row) {
+    return {cellAt(column, row) + QPoint(0, kCaptionHeight),
+            QSize(kColumnWidth - 4, kRowHeight - kCaptionHeight)};
+}
+
+/// The value texts and the amounts that they show.
+struct Value {
+    int control;
+    Won app::SettlementAmounts::*amount;
+};
+constexpr Value kValues[] = {
+    {1099, &app::SettlementAmounts::sales},
+    {1100, &app::SettlementAmounts::supply},
+    {1101, &app::SettlementAmounts::vat},
+    {1105, &app::SettlementAmounts::nonLiquor},
+    {1102, &app::SettlementAmounts::total},
+    {1103, &app::SettlementAmounts::containerRecovery},
+    {1084, &app::SettlementAmounts::card},
+    {1085, &app::SettlementAmounts::cash},
+    {1086, &app::SettlementAmounts::unpaid},
+    {1087, &app::SettlementAmounts::earlierReceivable},
+    {1090, &app::SettlementAmounts::previousReceivable},
+};
+constexpr int kResultingReceivable = 1091;
+
+QString grouped(Won amount) {
+    return platform::groupDigits(platform::formatWon(amount));
+}
+
+}  // namespace
+
+CCollectionEntryDlg::CCollectionEntryDlg() : Screen(app::dialogs::kCollectionEntry) {
+    const app::ActionValues& action = app::session().action;
+    addLabel(1108, {}, {4, 0, 150, 24}, ui::FontHeight::Medium);
+    setFittedText(1108, action.GName, ui::FontHeight::Medium);
+    addLabel(1109, action.JunNo, {156, 0, 40, 24}, ui::FontHeight::Medium, Qt::AlignRight | Qt::AlignVCenter);
+    addLabel(1110, {}, {198, 0, 40, 24}, ui::FontHeight::Small, Qt::AlignRight | Qt::AlignVCenter);
+
+    addSaleRows();
+    addPaymentRows();
+
+    ui::BitmapButton* back = addButton(1000, u"이전"_s, {2, 286}, ui::bitmaps::kCancel);
+    connect(back, &ui::BitmapButton::clicked, this, [this] { close(Cancelled); });
+    ui::BitmapButton* remove = addButton(1002, u"전표삭제"_s, {62, 286}, ui::bitmaps::kDelete);
+    connect(remove, &ui::BitmapButton::clicked, this, [this] { deletePrevious(); });
+    ui::BitmapButton* done = addButton(1003, u"완료"_s, {182, 286}, ui::bitmaps::kConfirm);
+    connect(done, &ui::BitmapButton::clicked, this, [this] { finish(); });
+    setDefaultButton(done);
+    setCancelButton(back);
+
+    load();
+    showAmounts();
+}
+
+void CCollectionEntryDlg::addSaleRows() {
+    struct Row {
+        int button;
+        QString caption;
+        int value;
+        Key key;
+    };
+    const Key keyNonLiquorAlone = [](app::SettlementAmounts& amounts, Won keyed) {
+        keyNonLiquor(amounts, keyed);
+        return Won();
+    };
+    const Row rows[] = {
+        {1092, u"주류매출액"_s, 1099, keySales}, {1093, u"공급가액"_s, 1100, keySupply},
+        {1094, u"부가세액"_s, 1101, keyVat},     {1104, u"비주류금액"_s, 1105, keyNonLiquorAlone},
+        {1095, u"매출합계"_s, 1102, nullptr},    {1096, u"용공회수액"_s, 1103, keyRecovery}};
+    for (int i = 0; i < int(std::size(rows)); ++i) {
+        const Row& row = rows[i];
+        ui::BitmapButton* button = addButton(row.button, row.caption, cellAt(0, i), ui::bitmaps::kWideAmount);
+        button->setEnabled(row.key != nullptr);
+        connect(button, &ui::BitmapButton::clicked, this, [this, row] { keyAmount(row.caption, row.key); });
+        addLabel(row.value, {}, valueAt(0, i), ui::FontHeight::Small, Qt::AlignRight | Qt::AlignVCenter);
+    }
+}
+
+void CCollectionEntryDlg::addPaymentRows() {
+    struct Row {
+        int button;
+        QString caption;
+        int value;
+        ui::ButtonBitmaps bitmaps;
+        std::function<void()> action;
+    };
+    const Row rows[] = {
+        {1097, u"카드입금"_s, 1084, ui::bitmaps::kSettle, [this] { settle(settleByCard); }},
+        {1098, u"현금입금"_s, 1085, ui::bitmaps::kSettle, [this] { settle(settleInCash); }},
+        {1083, u"외상처리"_s, 1086, ui::bitmaps::kSettle, [this] { settle(settleOnCredit); }},
+        {1013, u"전미수"_s, 1087, ui::bitmaps::kWideAmount, [this] { keyEarlierReceivable(); }},
+    };
+    for (int i = 0; i < int(std::size(rows)); ++i) {
+        ui::BitmapButton* button = addButton(rows[i].button, rows[i].caption, cellAt(1, i), rows[i].bitmaps);
+        connect(button, &ui::BitmapButton::clicked, this, rows[i].action);
+        addLabel(rows[i].value, {}, valueAt(1, i), ui::FontHeight::Small, Qt::AlignRight | Qt::AlignVCenter);
+    }
+    const struct {
+        QString caption;
+        int value;
+    } receivables[] = {{u"전채권잔액"_s, 1090}, {u"총채권잔액"_s, kResultingReceivable}};
+    for (int i = 0; i < 2; ++i) {
+        addLabel(0, receivables[i].caption, {cellAt(1, 4 + i), QSize(kColumnWidth, kCaptionHeight)},
+                 ui::FontHeight::Small, Qt::AlignCenter);
+        addLabel(receivables[i].value, {}, valueAt(1, 4 + i), ui::FontHeight::Small,
+                 Qt::AlignRight | Qt::AlignVCenter);
+    }
+}
+
+void CCollectionEntryDlg::load() {
+    app::SessionValues& session = app::session();
+    const auto saved = app::loadCollection(session.WorkDate, session.action.JunNo, session.UserID);
+    if (saved) {
+        amounts_ = saved->amounts();
+        isApproved_ = saved->isApproved();
+        // The collection list knows the customer's name only.
+        session.action.GCode = saved->GCode;
+        if (isApproved_) setText(1110, u"결제"_s);
+    }
+    if (session.WorkMode == app::kSalesWork) {
+        // The goods as they are payable, so that the total is the slip's own, rounded as the salesman's VAT
+        // mode says.
+        amounts_.sales = session.action.CheckoutTotal - session.action.CheckoutDeposits;
+        amounts_.supply = session.action.CheckoutSupply;
+        amounts_.vat = session.action.CheckoutVat;
+        amounts_.deposit = session.action.CheckoutDeposits;
+    }
+    recomputeTotal(amounts_);
+    amounts_.previousReceivable =
+        app::previousReceivable(session.action.GCode, session.WorkDate, session.action.JunNo, session.UserID);
+}
+
+void CCollectionEntryDlg::showAmounts() {
+    for (const Value& value : kValues)
+        setFittedText(value.control, grouped(amounts_.*value.amount), ui::FontHeight::Small);
+    setFittedText(kResultingReceivable, grouped(resultingReceivable(amounts_)), ui::FontHeight::Small);
+}
+
+void CCollectionEntryDlg::keyAmount(const QString& title, Key key) {
+    if (!app::askNumber(title)) return;
+    const Won excess = key(amounts_, parseWon(app::keypadRequest().KeypadValue1));
+    if (!excess.isZero()) {
+        ui::message(u"용공초과액이 ['%1'원] 발생하였습니다. 매출금액과 결제금액을 다시 확인하세요..!!"_s.arg(
+            grouped(excess)));
+    }
+    showAmounts();
+}
+
+void CCollectionEntryDlg::settle(void (*rule)(app::SettlementAmounts&)) {
+    rule(amounts_);
+    showAmounts();
+}
+
+void CCollectionEntryDlg::keyEarlierReceivable() {
+    if (!app::askNumber(u"전미수"_s)) return;
+    collect::keyEarlierReceivable(amounts_, parseWon(app::keypadRequest().KeypadValue1));
+    showAmounts();
+}
+
+void CCollectionEntryDlg::deletePrevious() {
+    const app::SessionValues& session = app::session();
+    app::removeCollection(session.WorkDate, session.action.JunNo, session.UserID);
+    ui::message(u"이전입금전표내역을 삭제하였습니다.."_s);
+    isApproved_ = false;
+    setText(1110, {});
+    amounts_.previousReceivable =
+        app::previousReceivable(session.action.GCode, session.WorkDate, session.action.JunNo, session.UserID);
+    showAmounts();
+}
+
+void CCollectionEntryDlg::finish() {
+    if (nothingToSettle(amounts_)) {
+        ui::message(
+            u"카드결제&현금결제&전미수입금&미결제액&용공회수액 중에서  금액이 0원 이상이여야 합니다.."_s);
+        return;
+    }
+    const app::SessionValues& session = app::session();
+    app::CollectionSlip slip;
+    slip.DDate = session.WorkDate;
+    slip.GCode = session.action.GCode;
+    slip.GName = session.action.GName;
+    slip.JunNo = session.action.JunNo;
+    slip.UserID = session.UserID;
+    slip.setAmounts(amounts_, session.action.CrateDepositSum);
+    bool isSaved = false;
+    {
+        const ui::WaitCursor wait;
+        isSaved = app::saveCollection(slip);
+    }
+    // Without its row an approval would have no place, so the way to the card ends here.
+    if (!isSaved) {
+        ui::message(u"입금전표를 저장하지 못했습니다..!"_s);
+        return;
+    }
+    app::resetTransactionRecord();
+    app::transactionRecord().amounts = amounts_;
+    const bool isPaidOnLine =
+        session.WorkMode != app::kCollectionWork && session.WorkMode != app::kContainerWork && !isApproved_;
+    closeAndOpen(isPaidOnLine ? app::dialogs::kCard : app::dialogs::kSlipPrinting);
+}
+
+}  // namespace collect

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "app/Transaction.h"
+#include "ui/Screen.h"
+
+namespace collect {
+
+/// The collection entry (dialog 450): what the customer pays at the end of a visit, and how.
+class CCollectionEntryDlg : public ui::Screen {
+    Q_OBJECT
+
+  public:
+    CCollectionEntryDlg();
+
+  private:
+    using Key = platform::Won (*)(app::SettlementAmounts&, platform::Won);
+
+    void addSaleRows();
+    void addPaymentRows();
+    void load();
+    void keyAmount(const QString& title, Key key);
+    void settle(void (*rule)(app::SettlementAmounts&));
+    void keyEarlierReceivable();
+    void deletePrevious();
+    void finish();
+    void showAmounts();
+
+    app::SettlementAmounts amounts_;
+    bool isApproved_ = false;
+};
+
+}  // namespace collect

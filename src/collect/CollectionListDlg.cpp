@@ -1,0 +1,88 @@
+#include "collect/CollectionListDlg.h"
+
+#include <QLabel>
+
+#include "app/CollectionSlip.h"
+#include "app/Dialogs.h"
+#include "app/Session.h"
+#include "ui/Messages.h"
+#include "ui/ReportList.h"
+#include "ui/Terminal.h"
+#include "ui/WaitCursor.h"
+
+namespace collect {
+
+using namespace Qt::Literals::StringLiterals;
+
+CCollectionListDlg::CCollectionListDlg() : Screen(app::dialogs::kCollectionList) {
+    addPicture(65535, ui::bitmaps::kSlipsHeading, {0, 0});
+    setTextColour(addLabel(0, u"입금전표"_s, {38, 0, 198, 31}, ui::FontHeight::Title), Qt::white);
+    list_ = addList(1054, {0, 34, 240, 246});
+    // The third column carries the customer code under this title.
+    const ui::ListColumn columns[] = {{u"번호"_s, 50}, {u"거래처명"_s, 180}, {u"결제금액"_s, 50}};
+    list_->setColumns(columns);
+    connect(list_, &ui::ReportList::rowClicked, this, &CCollectionListDlg::choose);
+    connect(list_, &ui::ReportList::rowDoubleClicked, this, [this](int row) {
+        choose(row);
+        ui::runScreen(app::dialogs::kCollectionEntry);
+        closeIfDone();
+    });
+
+    const auto button = [this](int controlId, const QString& caption, int left, ui::ButtonBitmaps pictures,
+                               auto&& action) {
+        ui::BitmapButton* result = addButton(controlId, caption, {left, 284}, pictures);
+        connect(result, &ui::BitmapButton::clicked, this, action);
+        return result;
+    };
+    setCancelButton(button(1003, u"취  소"_s, 2, ui::bitmaps::kCancel, [this] { close(Cancelled); }));
+    button(1001, u"삭  제"_s, 62, ui::bitmaps::kDelete, [this] { deleteChosen(); });
+    button(1002, u"추  가"_s, 122, ui::bitmaps::kAdd, [this] {
+        ui::runScreen(app::dialogs::kConsonantBoard);
+        closeIfDone();
+    });
+    setDefaultButton(button(1000, u"확  인"_s, 182, ui::bitmaps::kConfirm, [this] { openHere(); }));
+
+    fill();
+    list_->setFocus();
+}
+
+void CCollectionListDlg::fill() {
+    const ui::WaitCursor wait;
+    list_->setRows(app::collectionsOfDay(app::session().UserID, app::session().WorkDate));
+    app::session().action.JunNo.clear();
+    app::session().action.GName.clear();
+    app::session().action.GCode.clear();
+}
+
+void CCollectionListDlg::choose(int row) {
+    app::session().action.JunNo = list_->text(row, 0);
+    app::session().action.GName = list_->text(row, 1);
+}
+
+void CCollectionListDlg::closeIfDone() {
+    if (app::session().SlipDone == 1) {
+        close(Accepted);
+    } else {
+        fill();
+    }
+}
+
+void CCollectionListDlg::openHere() {
+    if (app::session().action.JunNo.isEmpty()) {
+        ui::message(u"전표를 선택하세요!"_s);
+    } else {
+        closeAndOpen(app::dialogs::kCollectionEntry);
+    }
+}
+
+void CCollectionListDlg::deleteChosen() {
+    if (!ui::confirm(u"입금전표내역을 삭제할까요?"_s, u"입금전표삭제"_s)) return;
+    if (app::session().action.JunNo.isEmpty()) {
+        ui::message(u"삭제할 전표를 선택하세요!"_s);
+        return;
+    }
+    app::removeCollections(app::session().WorkDate, app::session().action.JunNo);
+    fill();
+}
+
+}  // namespace collect

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "app/Transaction.h"
+#include "collect/SimplePayment.h"
+#include "ui/Screen.h"
+
+namespace collect {
+
+/// The simple payment (dialog 104): the amounts of a card payment without a sales slip.
+class CSimplePaymentDlg : public ui::Screen {
+    Q_OBJECT
+
+  public:
+    CSimplePaymentDlg();
+
+  private:
+    void keyAmount(SimpleAmount which, const QString& title);
+    void finish();
+    void showAmounts();
+
+    app::SettlementAmounts amounts_;
+};
+
+}  // namespace collect

@@ -1,0 +1,383 @@
+#include "van/CardDlg.h"
+
+#include <QGuiApplication>
+#include <QLabel>
+#include <QPlainTextEdit>
+
+#include "app/CollectionSlip.h"
+#include "app/Dialogs.h"
+#include "app/KeypadRequest.h"
+#include "app/Session.h"
+#include "db/Query.h"
+#include "platform/Clock.h"
+#include "platform/Trace.h"
+#include "platform/Wipe.h"
+#include "platform/termdev/CardReader.h"
+#include "print/CardReceipt.h"
+#include "print/PrintJob.h"
+#include "print/Printer.h"
+#include "print/SalesInvoice.h"
+#include "ui/Messages.h"
+#include "ui/ReportList.h"
+#include "ui/Terminal.h"
+#include "van/CardReaderPort.h"
+
+namespace van {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using platform::formatWon;
+using platform::groupDigits;
+using platform::parseWon;
+using platform::Won;
+
+constexpr db::Statement<u"SELECT GName,Sno,Gupju, Juso  FROM GARAE WHERE GCODE = '%s'  "> kSelectCustomer;
+
+constexpr QStringView kApproved = u"0000";
+constexpr qsizetype kPasswordLength = 4;
+
+bool isVisit() {
+    const int mode = app::session().WorkMode;
+    return mode != app::kSimplePayment && mode != app::kBalanceInquiry && mode != app::kPreviousTransaction;
+}
+
+}  // namespace
+
+CCardDlg::CCardDlg() : Screen(app::dialogs::kCard), component_(this) {
+    addControls();
+    connectComponent();
+    setLog(u"카드를 읽어주세요!"_s);
+    const int mode = app::session().WorkMode;
+    if (mode == app::kBalanceInquiry || mode == app::kPreviousTransaction) app::resetTransactionRecord();
+    const app::SessionValues& session = app::session();
+    app::transactionRecord().slip = {session.WorkDate, session.action.JunNo, session.UserID,
+                                     session.action.GCode};
+    if (mode != app::kBalanceInquiry) loadCustomer();
+    preparePayment();
+
+    print::DeviceOpen();
+    ReaderEnable(true);
+    app::TransactionRecord& record = app::transactionRecord();
+    record.track2.clear();
+    record.track3.clear();
+    record.password.clear();
+    platform::termdev::CardReader::instance().setReceiver([this](int message) {
+        if (message == platform::termdev::kCardSwiped) cardSwiped();
+    });
+    if (mode == app::kPreviousTransaction) {
+        picture_->hide();
+        setLog(u"직전거래 전문송신중!"_s);
+        send(RequestKind::PreviousTransaction, app::RequestType::PreviousTransaction);
+    }
+}
+
+CCardDlg::~CCardDlg() {
+    setExchanging(false);
+    platform::termdev::CardReader::instance().setReceiver({});
+    ReaderEnable(false);
+    print::DeviceClose();
+    app::TransactionRecord& record = app::transactionRecord();
+    record.track2.clear();
+    record.track3.clear();
+    record.password.clear();
+}
+
+void CCardDlg::addControls() {
+    const int mode = app::session().WorkMode;
+    results_ = addList(1054, {0, 2, 240, 78});
+    const ui::ListColumn columns[] = {{u"명  칭"_s, 90},
+                                      {u"금  액"_s, 135, Qt::AlignRight | Qt::AlignVCenter}};
+    results_->setColumns(columns);
+    results_->setVisible(mode == app::kBalanceInquiry);
+
+    picture_ = addPicture(1143, ui::bitmaps::kAskForCard, {20, 84});
+    logView_ = place(1142, new QPlainTextEdit(this), {2, 208, 236, 74});
+    logView_->setReadOnly(true);
+    logView_->setFocusPolicy(Qt::NoFocus);
+    logView_->setFont(ui::font(ui::FontHeight::Small));
+
+    for (const auto& [id, caption] : {std::pair{1010, u"잔액조회"_s},
+                                      {1015, u"계좌이체"_s},
+                                      {1011, u"명세서출력"_s},
+                                      {1012, u"주판출력"_s},
+                                      {1016, u"패스입력"_s},
+                                      {1017, u"직전거래"_s}}) {
+        addButton(id, caption, {2, 84}, ui::bitmaps::kPassword)->hide();
+    }
+    ui::BitmapButton* back = addButton(1000, u"이전"_s, {2, 286}, ui::bitmaps::kCancel);
+    connect(back, &ui::BitmapButton::clicked, this, [this] { goBack(); });
+    ui::BitmapButton* done = addButton(1003, u"완료"_s, {182, 286}, ui::bitmaps::kConfirm);
+    connect(done, &ui::BitmapButton::clicked, this, [this] { finish(); });
+    setDefaultButton(done);
+    setCancelButton(back);
+    component_.setObjectName(QString::number(CKsnet_msg_lib::kControlId));
+    component_.hide();
+}
+
+void CCardDlg::connectComponent() {
+    connect(&component_, &CKsnet_msg_lib::communicating, this, [this] { append(u"[통신중] "_s); });
+    connect(&component_, &CKsnet_msg_lib::messageSent, this, [this] { append(u"[전문송신완료] "_s); });
+    connect(&component_, &CKsnet_msg_lib::receiving, this, [this] {
+        app::TransactionRecord& record = app::transactionRecord();
+        append(u"[전문수신중] "_s + readReply(component_, record.requestType, &record.reply));
+    });
+    connect(&component_, &CKsnet_msg_lib::errorOccurred, this, [this] { append(u"[에러발생] "_s); });
+    connect(&component_, &CKsnet_msg_lib::ksnetError, this,
+            [this](int code) { append(u"[KSNET에러] "_s + QString::number(code)); });
+    connect(&component_, &CKsnet_msg_lib::communicationEnded, this, [this] {
+        append(u"[통신종료] "_s);
+        exchangeEnded();
+    });
+}
+
+void CCardDlg::append(const QString& text) {
+    setLog(log_ + text);
+}
+
+void CCardDlg::setLog(const QString& text) {
+    log_ = text;
+    logView_->setPlainText(log_);
+    logView_->moveCursor(QTextCursor::End);
+}
+
+void CCardDlg::setExchanging(bool isExchanging) {
+    if (isExchanging == isExchanging_) return;
+    isExchanging_ = isExchanging;
+    if (isExchanging) {
+        QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    } else {
+        QGuiApplication::restoreOverrideCursor();
+    }
+}
+
+void CCardDlg::loadCustomer() {
+    app::TransactionRecord& record = app::transactionRecord();
+    const auto row = db::firstRow(kSelectCustomer(record.slip.gCode));
+    const QStringList texts = row.value_or(QStringList{u"XXXX"_s, u"XXX-XX-XXXX"_s, u"XXXX"_s, u"XXXX"_s});
+    record.customerName = texts.value(0);
+    record.customerNumber = texts.value(1);
+    record.customerOwner = texts.value(2);
+    record.customerAddress = texts.value(3);
+}
+
+void CCardDlg::preparePayment() {
+    const int mode = app::session().WorkMode;
+    if (mode == app::kBalanceInquiry || mode == app::kPreviousTransaction) return;
+    app::TransactionRecord& record = app::transactionRecord();
+    // A simple payment's total already has the recovery taken off; it is taken off a second time here.
+    if (mode == app::kSimplePayment)
+        record.amounts.card = record.amounts.total - record.amounts.containerRecovery;
+    record.paymentKind.clear();
+    if (record.amounts.card >= Won(1)) {
+        record.paymentKind = u"1"_s;
+        record.amountToCharge = record.amounts.card;
+    } else {
+        if (record.amounts.cash >= Won(1)) record.paymentKind = u"2"_s;
+        record.amountToCharge = record.amounts.cash;
+        record.cardPaymentFlag = 0;
+    }
+    const app::ActionValues& action = app::session().action;
+    addLabel(0, {}, {8, 6, 224, 26}, ui::FontHeight::Medium)->setText(action.GName);
+    addLabel(0, u"결제금액"_s, {8, 40, 80, 30}, ui::FontHeight::Medium);
+    addLabel(0, groupDigits(formatWon(record.amountToCharge)) + u"원"_s, {90, 40, 142, 30},
+             ui::FontHeight::Title, Qt::AlignRight | Qt::AlignVCenter);
+}
+
+void CCardDlg::cardSwiped() {
+    // One exchange at a time, and none after an approval: nothing is charged twice.
+    if (isExchanging_ || isApproved_ || app::session().WorkMode == app::kPreviousTransaction) return;
+    app::TransactionRecord& record = app::transactionRecord();
+    ReaderTrack(2, &record.track2);
+    ReaderTrack(3, &record.track3);
+    setLog(u"주류CARD를 읽었습니다.!"_s);
+    // A second card while the keypad is open replaces the first; the password is being asked already.
+    if (isAskingPassword_) return;
+    isAskingPassword_ = true;
+    const bool isEntered = app::askText(u"패스워드"_s);
+    isAskingPassword_ = false;
+    const qsizetype length = app::keypadRequest().KeypadValue1.size();
+    if (isEntered && length == kPasswordLength)
+        record.password.assign(QStringView(app::keypadRequest().KeypadValue1));
+    platform::wipe(&app::keypadRequest().KeypadValue1);
+    if (!isEntered) {
+        ui::message(u"암호입력 취소.. 다시 시작하세요!!"_s);
+    } else if (length != kPasswordLength) {
+        ui::message(u"암호의 길이가 이상합니다.. 다시 시작하세요!!"_s);
+    } else {
+        picture_->hide();
+        if (app::session().WorkMode == app::kBalanceInquiry) {
+            results_->clear();
+            send(RequestKind::Balance, app::RequestType::BalanceInquiry);
+        } else {
+            requestPayment();
+        }
+    }
+}
+
+void CCardDlg::requestPayment() {
+    const app::TransactionRecord& record = app::transactionRecord();
+    if (record.amounts.card > Won() || record.cardPaymentFlag >= 1) {
+        send(RequestKind::CardPayment, app::RequestType::Payment);
+    } else if (record.amounts.cash < Won(1)) {
+        ui::message(u"카드금액과 현금금액이 0이면 결제가 안됩니다..!"_s);
+    } else {
+        send(RequestKind::CashPayment, app::RequestType::Payment);
+    }
+}
+
+void CCardDlg::send(RequestKind kind, app::RequestType type) {
+    app::TransactionRecord& record = app::transactionRecord();
+    record.requestType = type;
+    record.reply = {};
+    sentTime_ = platform::clock::now().toString(u"yyyyMMddHHmmss"_s);
+    setExchanging(true);
+    // The failures show with the next event's rewrite of the status box.
+    log_ += sendRequest(component_, kind, record);
+}
+
+void CCardDlg::exchangeEnded() {
+    setExchanging(false);
+    app::TransactionRecord& record = app::transactionRecord();
+    const bool isGood = record.reply.responseCode == kApproved;
+    switch (record.requestType) {
+        case app::RequestType::Payment:
+            if (isGood) {
+                paymentApproved();
+            } else {
+                ui::message(u"한번더 카드리딩후 암호를 입력해주세여 ^^!"_s);
+            }
+            break;
+        case app::RequestType::BalanceInquiry:
+            if (isGood) showBalance();
+            break;
+        case app::RequestType::PreviousTransaction:
+            if (isGood) reprintPrevious();
+            break;
+        case app::RequestType::None:
+            break;
+    }
+    repaint();
+}
+
+bool CCardDlg::recordApproval() {
+    const app::TransactionRecord& record = app::transactionRecord();
+    const QString& number = record.reply.transactionNumber;
+    if (isVisit()) {
+        return app::recordApproval(record.slip.date, record.slip.junNo, record.slip.userId, number,
+                                   sentTime_);
+    }
+    app::CollectionSlip slip;
+    slip.DDate = record.slip.date;
+    slip.GCode = record.slip.gCode;
+    slip.GName = app::session().action.GName;
+    slip.JunNo = record.slip.junNo;
+    slip.UserID = record.slip.userId;
+    slip.setAmounts(record.amounts, {});
+    slip.MSGSENDTIME = sentTime_;
+    slip.BANKTRANNO = number;
+    return app::saveSimplePayment(slip);
+}
+
+void CCardDlg::paymentApproved() {
+    isApproved_ = true;
+    ReaderEnable(false);
+    // The approval is on disk before anything prints.
+    if (!recordApproval()) {
+        const QString number = app::transactionRecord().reply.transactionNumber;
+        platform::trace(u"the approval %1 could not be saved"_s.arg(number));
+        ui::message(u"승인되었으나 전표에 저장하지 못했습니다..! 거래번호 : %1"_s.arg(number));
+    }
+    if (isVisit()) {
+        printVisit();
+    } else {
+        printReceipt(false);
+    }
+}
+
+void CCardDlg::printVisit() {
+    printInvoice(1, print::Copy::Seller);
+    if (ui::askYesNo(u"구매자용 명세서를 출력할까요?"_s, u"구매자용 명세서출력"_s)) {
+        printInvoice(2, print::Copy::Buyer);
+    }
+}
+
+void CCardDlg::printInvoice(int selector, print::Copy copy) {
+    app::TransactionRecord& record = app::transactionRecord();
+    record.printSelector = selector;
+    const bool isReprint = app::session().WorkMode == app::kPreviousTransaction;
+    const auto invoice =
+        print::salesInvoice(record.slip.date, record.slip.junNo, record.slip.userId, copy, isReprint);
+    if (invoice) print::printDocument(*invoice);
+}
+
+void CCardDlg::printReceipt(bool isReprint) {
+    const app::TransactionRecord& record = app::transactionRecord();
+    print::CardExchange exchange;
+    exchange.reply = record.reply;
+    exchange.maskedCardNumber = print::maskedCardNumber(record.track2.view());
+    const auto receipt =
+        print::cardReceipt(record.slip.date, record.slip.junNo, record.slip.userId, exchange, isReprint);
+    if (receipt) print::printDocument(*receipt);
+}
+
+void CCardDlg::showBalance() {
+    const app::HostReply& reply = app::transactionRecord().reply;
+    const auto amount = [](const QString& text) { return groupDigits(formatWon(parseWon(text))) + u"원"_s; };
+    // The sign goes in front of what is grouped already, and only the balance has one.
+    const QString sign = reply.balanceSign == u"0" ? QString() : u"-"_s;
+    db::Rows rows;
+    rows.columns = 2;
+    rows.cells = {u"통장잔액"_s, sign + amount(reply.accountBalance), u"출금 한도"_s,
+                  amount(reply.withdrawalLimit)};
+    results_->setRows(rows);
+}
+
+void CCardDlg::reprintPrevious() {
+    app::TransactionRecord& record = app::transactionRecord();
+    const auto slip = app::findByTransactionNumber(record.reply.transactionNumber);
+    if (slip) {
+        record.slip = {slip->DDate, slip->JunNo, slip->UserID, slip->GCode};
+        record.amounts.supply = slip->PMoney;
+        record.amounts.vat = slip->BMoney;
+        record.amounts.deposit = slip->YMoney + slip->GMoney;
+        record.amounts.containerRecovery = slip->YDMoney;
+        record.amountToCharge = slip->WonMoney + slip->CardMoney;
+        record.amounts.previousReceivable = app::receivable(slip->GCode);
+    }
+    loadCustomer();
+    if (slip && slip->isSimplePayment()) {
+        printReceipt(true);
+    } else {
+        printVisit();
+    }
+}
+
+void CCardDlg::goBack() {
+    if (isExchanging_) return;
+    const app::SlipIdentity& slip = app::transactionRecord().slip;
+    // A card payment that was not approved has not been made: its collection is taken back.
+    if (isVisit() && !isApproved_ && app::transactionRecord().amounts.card > Won()) {
+        app::removeCollection(slip.date, slip.junNo, slip.userId);
+    }
+    if (isApproved_) app::session().SlipDone = 1;
+    close(Cancelled);
+}
+
+void CCardDlg::finish() {
+    if (isExchanging_) return;
+    const int mode = app::session().WorkMode;
+    if (mode == app::kBalanceInquiry || mode == app::kPreviousTransaction) {
+        close(Accepted);
+    } else if (isApproved_) {
+        app::session().SlipDone = 1;
+        close(Accepted);
+    } else if (app::transactionRecord().amounts.card > Won()) {
+        ui::message(u"카드결제가 승인되지 않았습니다..! 결제방법을 바꾸려면 [이전]을 누르세요!!"_s);
+    } else if (mode == app::kSimplePayment) {
+        close(Accepted);
+    } else {
+        closeAndOpen(app::dialogs::kSlipPrinting);
+    }
+}
+
+}  // namespace van

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "app/Transaction.h"
+#include "print/SlipBlocks.h"
+#include "ui/Screen.h"
+#include "van/HostRequest.h"
+#include "van/KsnetMsgLib.h"
+
+class QPlainTextEdit;
+
+namespace ui {
+class ReportList;
+}
+
+namespace van {
+
+/// The card dialog (449): every exchange of a visit passes here, as do a simple payment, the balance inquiry
+/// and the previous transaction.
+class CCardDlg : public ui::Screen {
+    Q_OBJECT
+
+  public:
+    CCardDlg();
+    ~CCardDlg() override;
+
+  private:
+    void addControls();
+    void connectComponent();
+    void preparePayment();
+    void loadCustomer();
+    void cardSwiped();
+    void requestPayment();
+    void send(RequestKind kind, app::RequestType type);
+    void exchangeEnded();
+    void paymentApproved();
+    void showBalance();
+    void reprintPrevious();
+    void printVisit();
+    void printInvoice(int selector, print::Copy copy);
+    void printReceipt(bool isReprint);
+    bool recordApproval();
+    void goBack();
+    void finish();
+    void append(const QString& text);
+    void setLog(const QString& text);
+    void setExchanging(bool isExchanging);
+
+    CKsnet_msg_lib component_;
+    QPlainTextEdit* logView_ = nullptr;
+    ui::ReportList* results_ = nullptr;
+    QWidget* picture_ = nullptr;
+    QString log_;
+    QString sentTime_;  ///< When the request at hand left, "yyyyMMddHHmmss".
+    bool isExchanging_ = false;
+    bool isAskingPassword_ = false;
+    bool isApproved_ = false;
+};
+
+}  // namespace van
