@@ -24,6 +24,7 @@ constexpr int kPrintedMark = 1056;
 
 CSlipPrintDlg::CSlipPrintDlg() : Screen(app::dialogs::kSlipPrinting) {
     const app::ActionValues& action = app::session().action;
+    wasPrinted_ = isPrinted(app::session().WorkDate, action.JunNo, app::session().UserID);
     addLabel(0, u"전표 출력"_s, {4, 4, 232, 26}, ui::FontHeight::Title, Qt::AlignCenter);
     addLabel(1059, {}, {12, 34, 168, 22}, ui::FontHeight::Medium);
     setFittedText(1059, action.GName, ui::FontHeight::Medium);
@@ -64,12 +65,15 @@ void CSlipPrintDlg::printInvoice() {
     const app::SessionValues& session = app::session();
     const QString& date = session.WorkDate;
     const QString& number = session.action.JunNo;
+    // The two copies of one print belong together: neither makes the other a reprint.
+    const bool isReprint = wasPrinted_ || printed_.contains(chosenCopy());
     const std::optional<Document> invoice =
-        salesInvoice(date, number, session.UserID, chosenCopy(), isPrinted(date, number, session.UserID));
+        salesInvoice(date, number, session.UserID, chosenCopy(), isReprint);
     if (!invoice) return;
     const ui::WaitCursor wait;
     printDocument(*invoice);
     markPrinted(date, number, session.UserID);
+    printed_.insert(chosenCopy());
     setText(kPrintedMark,
             chosenCopy() == Copy::Buyer ? u"거래명세서 공급받는자용 출력"_s : u"거래명세서 공급자용 출력"_s);
 }

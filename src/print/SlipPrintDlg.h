@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QSet>
+
 #include "print/SlipBlocks.h"
 #include "ui/Screen.h"
 
@@ -19,6 +21,8 @@ class CSlipPrintDlg : public ui::Screen {
     Copy chosenCopy() const;
 
     QRadioButton* buyer_ = nullptr;
+    bool wasPrinted_ = false;  ///< Before this visit to the menu.
+    QSet<Copy> printed_;       ///< Copies printed from this menu.
 };
 
 }  // namespace print
