@@ -50,6 +50,8 @@ extern const Command kImportCommand;
 extern const Command kPriceCommand;
 extern const Command kSlipsCommand;
 extern const Command kPrintCommand;
+extern const Command kCardHostCommand;
+extern const Command kSwipeCommand;
 extern const Command kCheckCommand;
 
 /// Runs the command that `arguments` name (the program's own name first) and returns the exit code. Errors go

@@ -1,0 +1,184 @@
+#include <gtest/gtest.h>
+
+#include <QList>
+
+#include "platform/message/Fields.h"
+#include "platform/message/Frame.h"
+#include "platform/message/Seal.h"
+#include "support/PrintQt.h"
+
+namespace test {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using namespace platform::message;
+using platform::SecureBytes;
+using Result = FrameReader::Result;
+
+Frame frameOf(unsigned char number, const QByteArray& sealed, FrameKind kind = FrameKind::Reply) {
+    Frame frame{kind, {}, sealed};
+    frame.number.fill(number);
+    return frame;
+}
+
+QByteArray hex(const char* digits) {
+    return QByteArray::fromHex(digits);
+}
+
+TEST(FrameTest, HasTheDocumentedLayout) {
+    EXPECT_EQ(encodeFrame(frameOf(0xAB, "xyz", FrameKind::Request)), hex("00000015"
+                                                                         "01"
+                                                                         "01"
+                                                                         "abababababababababababababababab"
+                                                                         "78797a"));
+    EXPECT_TRUE(encodeFrame(frameOf(1, QByteArray(kFrameLimit - 21, 'x'))).isEmpty());
+    EXPECT_EQ(encodeFrame(frameOf(1, QByteArray(kFrameLimit - 22, 'x'))).size(), kFrameLimit);
+}
+
+TEST(FrameTest, ComesOutHoweverItsBytesArrive) {
+    const QByteArray bytes = encodeFrame(frameOf(1, "first")) + encodeFrame(frameOf(2, {})) +
+                             encodeFrame(frameOf(3, QByteArray(kFrameLimit - 22, 'x')));
+    for (const qsizetype piece : {qsizetype(1), qsizetype(7), qsizetype(4096), bytes.size()}) {
+        FrameReader reader;
+        QList<QByteArray> contents;
+        for (qsizetype at = 0; at < bytes.size(); at += piece) {
+            reader.add(bytes.mid(at, piece));
+            Frame frame;
+            while (reader.next(&frame) == Result::Complete) {
+                EXPECT_EQ(frame.number[15], contents.size() + 1);
+                contents << frame.sealed;
+            }
+        }
+        ASSERT_EQ(contents.size(), 3) << "in pieces of " << piece;
+        EXPECT_EQ(contents[0], "first");
+        EXPECT_EQ(contents[1], "");
+        EXPECT_EQ(contents[2].size(), kFrameLimit - 22);
+        EXPECT_EQ(reader.pending(), 0);
+    }
+}
+
+TEST(FrameTest, FaultsAreToldAtTheFirstByteThatShowsThem) {
+    const struct {
+        const char* bytes;
+        Result result;
+    } cases[] = {
+        {"", Result::Incomplete},
+        {"0000ff", Result::Incomplete},
+        {"00010000", Result::Oversized},
+        {"0000fffd", Result::Oversized},
+        {"0000fffc", Result::Incomplete},
+        {"ffffffff", Result::Oversized},
+        {"00000000", Result::TooShort},
+        {"00000011", Result::TooShort},
+        {"00000012", Result::Incomplete},
+        {"0000001202", Result::UnknownVersion},
+        {"0000001200", Result::UnknownVersion},
+        {"000000120100", Result::UnknownKind},
+        {"000000120103", Result::UnknownKind},
+        {"000000120102", Result::Incomplete},
+    };
+    for (const auto& [bytes, result] : cases) {
+        FrameReader reader;
+        reader.add(hex(bytes));
+        Frame frame;
+        EXPECT_EQ(reader.next(&frame), result) << bytes;
+        reader.add(encodeFrame(frameOf(1, "x")));
+        if (result != Result::Incomplete) {
+            EXPECT_EQ(reader.next(&frame), result) << bytes << " and a frame";
+        }
+    }
+}
+
+SecureBytes secure(const QByteArray& bytes) {
+    return SecureBytes(bytes.begin(), bytes.end());
+}
+
+TEST(FieldsTest, RoundTripKeepsEveryText) {
+    FieldWriter writer;
+    writer.add(1, u"JB");
+    writer.add(5, u"    ");
+    writer.add(1203, u"정상처리");
+    writer.add(65535, u"");
+    EXPECT_EQ(QByteArrayView(writer.bytes()).first(6).toByteArray(), hex("000100024a42"));
+    const auto fields = Fields::parse(writer.bytes());
+    ASSERT_TRUE(fields);
+    EXPECT_EQ(fields->text(1), u"JB");
+    EXPECT_EQ(fields->text(5), u"    ");
+    EXPECT_EQ(fields->text(1203), u"정상처리");
+    EXPECT_TRUE(fields->has(65535));
+    EXPECT_FALSE(fields->has(2));
+    EXPECT_EQ(fields->text(2), u"");
+}
+
+TEST(FieldsTest, BrokenFieldsAreNone) {
+    for (const char* bytes : {"00", "000100", "00010001", "0001000241", "000100014100",
+                              "00010000"
+                              "00010000",
+                              "00010001ff", "00010003eda080", "0001ffff41"}) {
+        EXPECT_FALSE(Fields::parse(secure(hex(bytes)))) << bytes;
+    }
+    EXPECT_TRUE(Fields::parse({}));
+}
+
+class SealTest : public ::testing::Test {
+  protected:
+    SealTest() {
+        EXPECT_EQ(startCipher(), kDone);
+        EXPECT_EQ(makeKeyPair(&host), kDone);
+        EXPECT_EQ(makeKeyPair(&terminal), kDone);
+        EXPECT_EQ(makeKeyPair(&stranger), kDone);
+        number = makeMessageNumber();
+    }
+
+    KeyPair host;
+    KeyPair terminal;
+    KeyPair stranger;
+    MessageNumber number{};
+    const SecureBytes fields = secure("what is said");
+};
+
+TEST_F(SealTest, OnlyTheHostReadsARequest) {
+    const QByteArray sealed = *sealRequest(number, terminal.publicKey, fields, host.publicKey);
+    EXPECT_FALSE(sealed.contains("what"));
+    const auto opened = openRequest(sealed, host);
+    ASSERT_TRUE(opened);
+    EXPECT_EQ(opened->number, number);
+    EXPECT_EQ(opened->replyKey, terminal.publicKey);
+    EXPECT_EQ(opened->fields, fields);
+    EXPECT_FALSE(openRequest(sealed, stranger));
+    EXPECT_FALSE(sealRequest(number, terminal.publicKey, fields, PublicKey{})) << "a key that is none";
+}
+
+TEST_F(SealTest, OnlyTheHostsReplyToThisRequestCounts) {
+    const QByteArray sealed = *sealReply(number, fields, terminal.publicKey, host);
+    EXPECT_EQ(openReply(sealed, number, host.publicKey, terminal.secretKey), fields);
+    EXPECT_FALSE(openReply(sealed, makeMessageNumber(), host.publicKey, terminal.secretKey));
+    EXPECT_FALSE(openReply(sealed, number, stranger.publicKey, terminal.secretKey));
+    EXPECT_FALSE(openReply(sealed, number, host.publicKey, stranger.secretKey));
+    const QByteArray forged = *sealReply(number, fields, terminal.publicKey, stranger);
+    EXPECT_FALSE(openReply(forged, number, host.publicKey, terminal.secretKey));
+}
+
+TEST_F(SealTest, EveryChangedBitAndEveryCutIsNoticed) {
+    const QByteArray request = *sealRequest(number, terminal.publicKey, fields, host.publicKey);
+    const QByteArray reply = *sealReply(number, fields, terminal.publicKey, host);
+    const auto isAccepted = [&](const QByteArray& sealed, bool isRequest) {
+        return isRequest ? openRequest(sealed, host).has_value()
+                         : openReply(sealed, number, host.publicKey, terminal.secretKey).has_value();
+    };
+    for (const bool isRequest : {true, false}) {
+        const QByteArray& sealed = isRequest ? request : reply;
+        for (qsizetype at = 0; at < sealed.size(); ++at) {
+            QByteArray changed = sealed;
+            changed[at] = char(changed[at] ^ (1 << (at % 8)));
+            // The top bit of an X25519 public key, the last of a sealed box's first 32 bytes, means nothing.
+            if (isRequest && at == 31) changed[at] = char(sealed[at] ^ 1);
+            EXPECT_FALSE(isAccepted(changed, isRequest)) << "byte " << at;
+            EXPECT_FALSE(isAccepted(sealed.first(at), isRequest)) << "cut at " << at;
+        }
+        EXPECT_FALSE(isAccepted(sealed + '\0', isRequest));
+    }
+}
+
+}  // namespace
+}  // namespace test

@@ -1,0 +1,424 @@
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <QDir>
+#include <QFile>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <functional>
+#include <memory>
+
+#include "platform/Device.h"
+#include "platform/message/Component.h"
+#include "platform/message/SavedValues.h"
+#include "support/Exchange.h"
+#include "support/PrintQt.h"
+#include "support/RecordedTraces.h"
+#include "support/TestDevice.h"
+
+namespace test {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using namespace platform::message;
+
+const QString kCardData = QString(104, u'7');
+
+/// A random source that goes round in circles: 0 moves on for ever.
+quint32 randomPeriod = 0;
+quint32 randomDraws = 0;
+
+void drawRandom(void* buffer, size_t size) {
+    const quint32 draw = randomPeriod ? randomDraws++ % randomPeriod : randomDraws++;
+    for (size_t i = 0; i < size; ++i) static_cast<unsigned char*>(buffer)[i] = uchar(draw * 31 + i);
+}
+
+/// While it lives, the cipher library draws from a source that repeats itself after `period` draws.
+class FaultyRandom {
+  public:
+    explicit FaultyRandom(quint32 period) {
+        randomPeriod = period;
+        randomDraws = 0;
+        static randombytes_implementation faulty{[] { return "faulty"; },
+                                                 [] {
+                                                     uint32_t value = 0;
+                                                     drawRandom(&value, sizeof value);
+                                                     return value;
+                                                 },
+                                                 nullptr,
+                                                 nullptr,
+                                                 drawRandom,
+                                                 nullptr};
+        randombytes_set_implementation(&faulty);
+    }
+    ~FaultyRandom() { randombytes_set_implementation(&randombytes_sysrandom_implementation); }
+    FaultyRandom(const FaultyRandom&) = delete;
+    FaultyRandom& operator=(const FaultyRandom&) = delete;
+};
+
+/// While it lives, this process can open no more files and sockets.
+class NoMoreFiles {
+  public:
+    NoMoreFiles() {
+        getrlimit(RLIMIT_NOFILE, &before_);
+        rlimit limit = before_;
+        limit.rlim_cur = 0;
+        setrlimit(RLIMIT_NOFILE, &limit);
+    }
+    ~NoMoreFiles() { setrlimit(RLIMIT_NOFILE, &before_); }
+    NoMoreFiles(const NoMoreFiles&) = delete;
+    NoMoreFiles& operator=(const NoMoreFiles&) = delete;
+
+  private:
+    rlimit before_{};
+};
+
+class ComponentTest : public ::testing::Test {
+  protected:
+    ComponentTest() {
+        EXPECT_EQ(startCipher(), kDone);
+        EXPECT_EQ(makeKeyPair(&host), kDone);
+        EXPECT_TRUE(writeHostKey(host.publicKey));
+        EXPECT_TRUE(writeSavedValues(
+            {{u"101"_s, u"4711"_s}, {u"221"_s, savedAddress(0x7F000001)}, {u"222"_s, u"8480"_s}}));
+        EXPECT_TRUE(listener.listen(QHostAddress::LocalHost));
+    }
+
+    quint16 port() const { return listener.serverPort(); }
+    static QString keyFile() { return platform::device::path(kHostKeyFile); }
+    static QString savedFile() { return platform::device::path(kSavedValuesFile); }
+    static void replace(const QString& path, const QByteArray& content) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        ASSERT_EQ(file.write(content), content.size());
+    }
+
+    TestDevice device;
+    KeyPair host;
+    QTcpServer listener;  ///< Takes connections and never answers.
+    Exchange terminal;
+};
+
+TEST_F(ComponentTest, SavedValuesAreReadFromTheirFile) {
+    const struct {
+        QByteArray file;
+        QStringView key;
+        int status;
+        QStringView value;
+    } cases[] = {
+        {"221=127000000001\n222=8480\n", u"221", kDone, u"127000000001"},
+        {"221=127000000001\r\n222=8480", u"222", kDone, u"8480"},
+        {"222=\n", u"222", kDone, u""},
+        {"222=8480\n", u"221", kSavedMissing, u""},
+        {"222=8480\n", u"", kBadInput, u""},
+        {"222=8480\n", u"22", kBadInput, u""},
+        {"222=8480\n", u"22x", kBadInput, u""},
+        {"222=8480\n", u"2222", kBadInput, u""},
+        {"222\n", u"222", kSavedUnreadable, u""},
+        {"port=8480\n222=8480\n", u"222", kSavedUnreadable, u""},
+        {"222=\xff\n", u"222", kSavedUnreadable, u""},
+        {QByteArray("222=84\0"
+                    "80\n",
+                    10),
+         u"222", kSavedUnreadable, u""},
+        {"222=" + QByteArray(70'000, '1'), u"222", kSavedUnreadable, u""},
+    };
+    for (const auto& [file, key, status, value] : cases) {
+        replace(savedFile(), file);
+        QString read = u"left over"_s;
+        EXPECT_EQ(terminal.call(24, {key, &read}), status) << file.left(40).constData();
+        EXPECT_EQ(read, value) << file.left(40).constData();
+    }
+    QString read;
+    QFile::remove(savedFile());
+    EXPECT_EQ(terminal.call(24, {u"221", &read}), kSavedUnreadable) << "no file";
+    QDir().mkpath(savedFile());
+    EXPECT_EQ(terminal.call(24, {u"221", &read}), kSavedUnreadable) << "a folder in its place";
+}
+
+TEST_F(ComponentTest, EveryRequestNeedsTheTerminalsNumber) {
+    replace(savedFile(), "221=127000000001\n");
+    EXPECT_EQ(terminal.header(u"0100"), kSavedMissing);
+    EXPECT_EQ(terminal.payment(kCardData, u"1234"), kBadInput) << "no header to build on";
+    EXPECT_EQ(terminal.commun(port()), kBadInput) << "and nothing to send";
+    EXPECT_EQ(terminal.wait(), u"ksnet -100 ended");
+    QFile::remove(savedFile());
+    EXPECT_EQ(terminal.header(u"0100"), kSavedUnreadable);
+}
+
+TEST_F(ComponentTest, ParametersAreChecked) {
+    const struct {
+        QStringView card, password, supply, flag, amount;
+        int status;
+    } cases[] = {
+        {kCardData, u"1234", u"10000", u"0", u"11000", kDone},
+        {u"7", u"abcd", u"0", u"1", u"0", kDone},
+        {kCardData, u"1234", u"-10000", u"0", u"-11000", kDone},
+        {u"", u"1234", u"10000", u"0", u"11000", kBadInput},
+        {u"77777777777777777777777777777777777777777777777777777777777777777777777777777777777777777777777777"
+         u"777777777"
+         u"77",
+         u"1234", u"10000", u"0", u"11000", kBadInput},
+        {kCardData, u"123", u"10000", u"0", u"11000", kBadInput},
+        {kCardData, u"12345", u"10000", u"0", u"11000", kBadInput},
+        {kCardData, u"1234", u"", u"0", u"11000", kBadInput},
+        {kCardData, u"1234", u"10,000", u"0", u"11000", kBadInput},
+        {kCardData, u"1234", u"10000", u"2", u"11000", kBadInput},
+        {kCardData, u"1234", u"10000", u"0", u"-", kBadInput},
+        {kCardData, u"1234", u"10000", u"0", u"1e4", kBadInput},
+        {kCardData, u"1234", u"10000", u"0", u"1234567890123456789", kBadInput},
+    };
+    for (const auto& [card, password, supply, flag, amount, status] : cases) {
+        ASSERT_EQ(terminal.header(u"0150"), kDone);
+        EXPECT_EQ(terminal.call(2, {u"123", u"        ", card, password, u"39", supply, u"1000", u"0", flag,
+                                    u"0", amount}),
+                  status)
+            << card.size() << " " << supply.toUtf8().constData() << " " << amount.toUtf8().constData();
+    }
+    const struct {
+        QStringView kind;
+        int id;
+        std::vector<Argument> arguments;
+        int status;
+    } requests[] = {
+        {u"0300", 4, {u"090501", kCardData, u"1234", u"39"}, kDone},
+        {u"0300", 4, {u"9050", kCardData, u"1234", u"39"}, kBadInput},
+        {u"0300", 4, {u"090501", u"", u"1234", u"39"}, kBadInput},
+        {u"0600", 3, {}, kDone},
+        {u"0300", 3, {}, kBadInput},
+        {u"0800", 6, {u"183000", u"20261121"}, kDone},
+        {u"0800", 6, {u"183000", u"20261131"}, kBadInput},
+        {u"0800", 6, {u"", u"20261121"}, kBadInput},
+        {u"0100", 6, {u"183000", u"20261121"}, kBadInput},
+    };
+    for (const auto& [kind, id, arguments, status] : requests) {
+        ASSERT_EQ(terminal.header(kind), kDone);
+        EXPECT_EQ(terminal.call(id, arguments), status) << "operation " << id;
+    }
+    EXPECT_EQ(terminal.header(u"0200"), kBadInput) << "no such kind";
+}
+
+TEST_F(ComponentTest, OperationsTakeTheirParametersOnly) {
+    ASSERT_EQ(terminal.header(u"0600"), kDone);
+    QString out = u"left over"_s;
+    EXPECT_EQ(terminal.call(3, {u""}), kBadInput);
+    EXPECT_EQ(terminal.call(24, {u"101"}), kBadInput);
+    EXPECT_EQ(terminal.call(24, {qint16(101), &out}), kBadInput);
+    EXPECT_EQ(out, u"");
+    EXPECT_EQ(terminal.call(24, {u"101", static_cast<QString*>(nullptr)}), kBadInput);
+    for (const int id : {0, 5, 7, 8, 9, 13, 15, 17, 18, 19, 20, 21, 23, 26, 27, -1}) {
+        EXPECT_EQ(terminal.call(id), kBadInput) << id;
+    }
+    out = u"left over"_s;
+    EXPECT_EQ(terminal.call(26, {&out, &out, &out, &out, &out}), kBadInput) << "not offered by the network";
+    EXPECT_EQ(out, u"");
+    EXPECT_EQ(terminal.call(-552), kDone) << "the about box";
+    EXPECT_EQ(terminal.call(3), kDone) << "none of this disturbed the request";
+}
+
+TEST_F(ComponentTest, TheHostsKeyIsNeededAndChecked) {
+    const struct {
+        const char* what;
+        std::function<void()> arrange;
+        int status;
+    } cases[] = {
+        {"missing", [] { QFile::remove(keyFile()); }, kKeyFileMissing},
+        {"empty", [] { replace(keyFile(), ""); }, kKeyFileUnreadable},
+        {"short", [] { replace(keyFile(), QByteArray(63, 'a')); }, kKeyFileUnreadable},
+        {"no digits", [] { replace(keyFile(), QByteArray(64, 'g')); }, kKeyFileUnreadable},
+        {"no key of the curve", [] { replace(keyFile(), QByteArray(64, '0')); }, kPublicKeyFailed},
+        {"a folder",
+         [] {
+             QFile::remove(keyFile());
+             QDir().mkpath(keyFile());
+         },
+         kKeyFileUnreadable},
+    };
+    for (const auto& [what, arrange, status] : cases) {
+        arrange();
+        EXPECT_EQ(terminal.payment(kCardData, u"1234"), status) << what;
+        EXPECT_EQ(terminal.commun(port()), status) << what;
+        EXPECT_EQ(terminal.wait(), u"ksnet %1 ended"_s.arg(status)) << what;
+        EXPECT_EQ(terminal.balance(kCardData, u"1234"), status) << what;
+        EXPECT_EQ(terminal.previous(), kDone) << what;
+        EXPECT_EQ(terminal.commun(port()), status) << what << ": sealed by Commun";
+        terminal.wait();
+    }
+    EXPECT_FALSE(listener.hasPendingConnections()) << "nothing was sent without a key";
+}
+
+TEST_F(ComponentTest, ARandomSourceThatRepeatsItselfSealsNothing) {
+    {
+        const FaultyRandom standing(1);
+        EXPECT_EQ(terminal.payment(kCardData, u"1234"), kCipherFailed);
+        EXPECT_EQ(terminal.commun(port()), kCipherFailed);
+    }
+    EXPECT_EQ(terminal.wait(), u"ksnet -901 ended");
+    {
+        // Two draws to start, one for the key, one for the number, one for the sealed box: then from the
+        // start.
+        const FaultyRandom circling(5);
+        EXPECT_EQ(terminal.payment(kCardData, u"1234"), kDone);
+        EXPECT_EQ(terminal.payment(kCardData, u"1234"), kMessageKeyFailed);
+        EXPECT_EQ(terminal.commun(port()), kMessageKeyFailed);
+    }
+    EXPECT_EQ(terminal.wait(), u"ksnet -902 ended");
+    EXPECT_EQ(terminal.payment(kCardData, u"1234"), kDone);
+}
+
+TEST_F(ComponentTest, CommunTellsWhatItCannotStart) {
+    const struct {
+        QStringView host;
+        quint16 port;
+        int timeOut;
+        int status;
+    } cases[] = {
+        {u"", 8480, 30, kBadInput},
+        {u"0.0.0.0", 8480, 30, kBadInput},
+        {u"localhost", 8480, 30, kBadInput},
+        {u"::1", 8480, 30, kBadInput},
+        {u"127.0.0.1", 0, 30, kBadInput},
+        {u"127.0.0.1", 8480, 0, kBadInput},
+        {u"255.255.255.255", 8480, 30, kConnectionFailed},
+    };
+    for (const auto& [hostAddress, hostPort, timeOut, status] : cases) {
+        ASSERT_EQ(terminal.payment(kCardData, u"1234"), kDone);
+        EXPECT_EQ(terminal.commun(hostPort, timeOut, hostAddress), status)
+            << hostAddress.toUtf8().constData();
+        EXPECT_TRUE(terminal.events.isEmpty()) << "no event from within the call";
+        EXPECT_EQ(terminal.wait(), u"ksnet %1 ended"_s.arg(status)) << hostAddress.toUtf8().constData();
+    }
+    EXPECT_EQ(terminal.commun(port()), kBadInput) << "a request is sent once";
+    terminal.wait();
+}
+
+TEST_F(ComponentTest, WithoutASocketThereIsNoLink) {
+    ASSERT_EQ(terminal.payment(kCardData, u"1234"), kDone);
+    {
+        const NoMoreFiles none;
+        EXPECT_EQ(terminal.commun(port()), kLinkFailed);
+    }
+    EXPECT_EQ(terminal.wait(), u"ksnet -504 ended");
+}
+
+TEST_F(ComponentTest, ARefusedConnectionIsAnEvent) {
+    const quint16 closed = port();
+    listener.close();
+    ASSERT_EQ(terminal.payment(kCardData, u"1234"), kDone);
+    EXPECT_EQ(terminal.commun(closed), kDone);
+    EXPECT_EQ(terminal.wait(), u"communicating ksnet -500 ended");
+}
+
+TEST_F(ComponentTest, ASilentHostIsGivenUpAndOneExchangeRunsAtATime) {
+    Component::setTimeOutUnit(std::chrono::milliseconds(100));
+    RecordedTraces traces;
+    ASSERT_EQ(terminal.payment(kCardData, u"1234"), kDone);
+    ASSERT_EQ(terminal.commun(port(), 2), kDone);
+    EXPECT_TRUE(terminal.events.isEmpty());
+    EXPECT_EQ(terminal.call(25, {u"127.0.0.1", qint16(port()), qint16(1), qint16(0)}), kLinkFailed);
+    EXPECT_EQ(terminal.header(u"0100"), kBadInput) << "an exchange is under way";
+    EXPECT_EQ(terminal.wait(), u"communicating sent error ended");
+    EXPECT_EQ(traces.take(), QStringList{u"the card host did not answer in time"_s});
+    EXPECT_EQ(terminal.header(u"0100"), kDone) << "ready again";
+    Component::setTimeOutUnit(std::chrono::seconds(1));
+}
+
+TEST_F(ComponentTest, ADroppedComponentEndsItsExchangeQuietly) {
+    auto dropped = std::make_unique<Exchange>();
+    ASSERT_EQ(dropped->payment(kCardData, u"1234"), kDone);
+    ASSERT_EQ(dropped->commun(port()), kDone);
+    ASSERT_TRUE(listener.waitForNewConnection(5000));
+    QTcpSocket* const taken = listener.nextPendingConnection();
+    // From within its own event, as a dialog that is closed would.
+    QEventLoop loop;
+    QObject::connect(&dropped->component, &Component::messageSent, &loop, [&] { dropped.reset(); });
+    QObject::connect(taken, &QTcpSocket::disconnected, &loop, &QEventLoop::quit);
+    QTimer::singleShot(5000, &loop, &QEventLoop::quit);
+    loop.exec();
+    EXPECT_FALSE(dropped);
+    EXPECT_EQ(taken->state(), QAbstractSocket::UnconnectedState) << "the connection is closed with it";
+}
+
+/// What a host could send to a request, and what becomes of it.
+TEST_F(ComponentTest, OnlyAReplyToTheRequestIsRead) {
+    const auto reply = [&](const OpenedRequest& request, QStringView kind, QStringView type, bool hasCode) {
+        FieldWriter fields;
+        fields.add(kMessageTypeField, type);
+        fields.add(kMessageKindField, kind);
+        if (hasCode) fields.add(kResponseCodeField, u"0000");
+        return encodeFrame({FrameKind::Reply, request.number,
+                            *sealReply(request.number, fields.bytes(), request.replyKey, host)});
+    };
+    const struct {
+        const char* what;
+        std::function<QByteArray(const OpenedRequest&, const QByteArray& sent)> bytes;
+        const char* events;
+    } cases[] = {
+        {"the reply", [&](auto& request, auto&) { return reply(request, u"0300", u"0210", true); },
+         "communicating sent receiving ended"},
+        {"of another kind", [&](auto& request, auto&) { return reply(request, u"0100", u"0210", true); },
+         "communicating sent error ended"},
+        {"a request's type", [&](auto& request, auto&) { return reply(request, u"0300", u"0200", true); },
+         "communicating sent error ended"},
+        {"no code", [&](auto& request, auto&) { return reply(request, u"0300", u"0210", false); },
+         "communicating sent error ended"},
+        {"the request itself", [&](auto&, auto& sent) { return sent; }, "communicating sent error ended"},
+        {"nothing sealed",
+         [&](auto& request, auto&) {
+             return encodeFrame({FrameKind::Reply, request.number, "0000"});
+         },
+         "communicating sent error ended"},
+        {"another version", [&](auto&, auto&) { return QByteArray::fromHex("0000001202"); },
+         "communicating sent error ended"},
+    };
+    for (const auto& [what, bytes, events] : cases) {
+        ASSERT_EQ(terminal.balance(kCardData, u"1234"), kDone);
+        ASSERT_EQ(terminal.commun(port()), kDone);
+        ASSERT_TRUE(listener.waitForNewConnection(5000));
+        QTcpSocket* const taken = listener.nextPendingConnection();
+        FrameReader reader;
+        QByteArray sent;
+        QObject::connect(taken, &QTcpSocket::readyRead, taken, [&, send = bytes] {
+            const QByteArray piece = taken->readAll();
+            sent += piece;
+            reader.add(piece);
+            Frame frame;
+            if (reader.next(&frame) == FrameReader::Result::Complete)
+                taken->write(send(*openRequest(frame.sealed, host), sent));
+        });
+        EXPECT_EQ(terminal.wait(), QString::fromLatin1(events)) << what;
+        EXPECT_EQ(terminal.field(1102), terminal.events.contains(u"receiving"_s) ? u"0000"_s : u""_s) << what;
+    }
+}
+
+TEST_F(ComponentTest, FieldsOfTheLastReplyEndWithTheNextRequest) {
+    ASSERT_EQ(terminal.balance(kCardData, u"1234"), kDone);
+    ASSERT_EQ(terminal.commun(port()), kDone);
+    ASSERT_TRUE(listener.waitForNewConnection(5000));
+    QTcpSocket* const taken = listener.nextPendingConnection();
+    QObject::connect(taken, &QTcpSocket::readyRead, taken, [&] {
+        FrameReader reader;
+        reader.add(taken->readAll());
+        Frame frame;
+        ASSERT_EQ(reader.next(&frame), FrameReader::Result::Complete);
+        const auto request = openRequest(frame.sealed, host);
+        FieldWriter fields;
+        fields.add(kMessageTypeField, kReplyType);
+        fields.add(kMessageKindField, kBalanceInquiry);
+        fields.add(kResponseCodeField, u"0000");
+        taken->write(encodeFrame({FrameKind::Reply, request->number,
+                                  *sealReply(request->number, fields.bytes(), request->replyKey, host)}));
+    });
+    ASSERT_EQ(terminal.wait(), u"communicating sent receiving ended");
+    EXPECT_EQ(terminal.call(10), kDone);
+    EXPECT_EQ(terminal.call(14), kDone);
+    EXPECT_EQ(terminal.call(11), kBadInput) << "no payment's reply";
+    EXPECT_EQ(terminal.field(1102), u"0000");
+    EXPECT_EQ(terminal.field(1109), u"") << "a field that the reply lacks";
+    terminal.header(u"0100");
+    EXPECT_EQ(terminal.call(10), kBadInput);
+    EXPECT_EQ(terminal.field(1102), u"");
+}
+
+}  // namespace
+}  // namespace test

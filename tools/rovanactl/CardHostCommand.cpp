@@ -1,0 +1,92 @@
+#include <QFile>
+#include <QHostAddress>
+#include <algorithm>
+
+#include "platform/Device.h"
+#include "platform/message/SavedValues.h"
+#include "platform/message/Seal.h"
+#include "rovanactl/Command.h"
+
+namespace admin {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using namespace platform::message;
+
+constexpr qint64 kLargestKeyFile = 1024;
+constexpr qsizetype kTerminalDigits = 10;
+
+void addCardHostOptions(QCommandLineParser& parser) {
+    parser.addOptions({
+        {u"host"_s, u"The host's IPv4 address."_s, u"IP"_s},
+        {u"port"_s, u"The host's TCP port."_s, u"N"_s},
+        {u"key"_s, u"The file with the host's public key, host.pub of its folder."_s, u"FILE"_s},
+        {u"terminal"_s, u"The terminal's number at the host; without it the one there is, else a new one."_s,
+         u"DIGITS"_s},
+    });
+}
+
+bool areDigits(const QString& text) {
+    return !text.isEmpty() && std::ranges::all_of(text, [](QChar c) { return c >= u'0' && c <= u'9'; });
+}
+
+QString newTerminal() {
+    QString digits;
+    while (digits.size() < kTerminalDigits) digits += QChar(u'0' + char16_t(randombytes_uniform(10)));
+    return digits;
+}
+
+Outcome setCardHost(const Invocation& call) {
+    const QCommandLineParser& options = call.options;
+    for (const QString& name : {u"host"_s, u"port"_s, u"key"_s}) {
+        if (!options.isSet(name)) return usageError(u"--host, --port and --key are needed"_s);
+    }
+    const QHostAddress address(options.value(u"host"_s));
+    if (address.protocol() != QAbstractSocket::IPv4Protocol || address == QHostAddress::AnyIPv4)
+        return usageError(u"--host takes an IPv4 address such as 127.0.0.1"_s);
+    bool isPort = false;
+    const quint16 port = options.value(u"port"_s).toUShort(&isPort);
+    if (!isPort || port == 0) return usageError(u"--port takes a number from 1 to 65535"_s);
+    const QString terminal = options.value(u"terminal"_s);
+    if (options.isSet(u"terminal"_s) && !(areDigits(terminal) && terminal.size() <= kTerminalDigits))
+        return usageError(u"--terminal takes up to ten digits"_s);
+
+    QFile file(options.value(u"key"_s));
+    if (!file.open(QIODevice::ReadOnly))
+        return failure(u"%1 cannot be read: %2"_s.arg(file.fileName(), file.errorString()));
+    const std::optional<PublicKey> key = parsePublicKey(file.read(kLargestKeyFile));
+    if (!key)
+        return failure(u"%1 holds no public key: 64 hexadecimal digits are wanted"_s.arg(file.fileName()));
+    if (startCipher() != kDone) return failure(u"the cipher library does not start"_s);
+
+    SavedValues values;
+    readSavedValues(&values);  // Without readable ones they are made anew.
+    values[kHostAddressKey.toString()] = savedAddress(address.toIPv4Address());
+    values[kHostPortKey.toString()] = QString::number(port);
+    QString& number = values[kTerminalKey.toString()];
+    if (!terminal.isEmpty()) number = terminal;
+    if (number.isEmpty()) number = newTerminal();
+    if (!writeHostKey(*key) || !writeSavedValues(values)) {
+        return failure(
+            u"the saved values could not be written to %1; make the device folder with \"rovanactl init\""_s
+                .arg(platform::device::folder()));
+    }
+    call.out << u"terminal "_s << number << u" uses the card host "_s << address.toString() << u':' << port
+             << u'\n';
+    return {};
+}
+
+}  // namespace
+
+constinit const Command kCardHostCommand{
+    u"card-host",
+    u"",
+    u"tells the terminal its card host",
+    u"Writes the address, the port, the terminal's number and the host's public key into the device folder,\n"
+    "in place of those of before. A running terminal uses them with its next request.",
+    0,
+    0,
+    addCardHostOptions,
+    setCardHost};
+
+}  // namespace admin
