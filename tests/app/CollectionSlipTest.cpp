@@ -1,0 +1,265 @@
+#include "app/CollectionSlip.h"
+
+#include <gtest/gtest.h>
+
+#include <QDate>
+#include <QDateTime>
+#include <QTime>
+
+#include "platform/Clock.h"
+#include "support/FullDisk.h"
+#include "support/PrintQt.h"
+#include "support/TestDevice.h"
+
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using app::CollectionSlip;
+using platform::Won;
+
+const QString kDate = u"2024-05-10"_s;
+const QString kNumber = u"5001"_s;
+const QString kUser = u"A"_s;
+
+class Collections : public testing::Test {
+  protected:
+    Collections() {
+        platform::clock::set(QDateTime(QDate(2024, 5, 10), QTime(14, 30)));
+        addCustomer(u"0001", u"350000");
+        addCustomer(u"0002", u"-500");
+    }
+    ~Collections() override { platform::clock::set({}); }
+
+    void addCustomer(QStringView code, QStringView receivable) {
+        device_.insert(u"GARAE", {{u"GCODE", code}, {u"GNAME", u"가나상회"}, {u"CJMONEY", receivable}});
+    }
+    void addSalesSlip(QStringView user = kUser) {
+        for (const QStringView product : {u"1001", u"1002"}) {
+            device_.insert(u"MTM", {{u"DDate", kDate},
+                                    {u"JunNo", kNumber},
+                                    {u"PCode", product},
+                                    {u"WorkGubun", u"미발행"},
+                                    {u"UserID", user}});
+        }
+    }
+
+    /// Sales of 110000 with deposits of 5000; unpaid is what is left.
+    static CollectionSlip slip(std::int64_t card, std::int64_t cash, std::int64_t recovery = 0,
+                               std::int64_t earlier = 0) {
+        CollectionSlip slip;
+        slip.DDate = kDate;
+        slip.GCode = u"0001"_s;
+        slip.GName = u"가나상회"_s;
+        slip.JunNo = kNumber;
+        slip.UserID = kUser;
+        slip.setAmounts({.sales = Won(110000),
+                         .supply = Won(100000),
+                         .vat = Won(10000),
+                         .nonLiquor = Won(700),
+                         .deposit = Won(5000),
+                         .total = Won(115000),
+                         .containerRecovery = Won(recovery),
+                         .card = Won(card),
+                         .cash = Won(cash),
+                         .unpaid = Won(115000 - recovery - card - cash),
+                         .earlierReceivable = Won(earlier),
+                         .previousReceivable = {}},
+                        Won(3000));
+        return slip;
+    }
+
+    QString receivable(QStringView customer = u"0001") {
+        return device_.value(u"SELECT CJMONEY FROM GARAE WHERE GCODE = '%1'"_s.arg(customer));
+    }
+    QString collections() {
+        QStringList found;
+        for (const QStringList& row :
+             device_.rows(u"SELECT JunNo || UserID || '=' || CardMoney FROM MTMOK ORDER BY rowid"_s)) {
+            found << row;
+        }
+        return found.join(u' ');
+    }
+    QString printStates() {
+        return device_.value(
+            u"SELECT group_concat(state) FROM (SELECT DISTINCT UserID || WorkGubun AS state FROM MTM ORDER BY 1)"_s);
+    }
+    void breakStatement(const QString& when) {
+        device_.execute(u"CREATE TRIGGER broken BEFORE %1 BEGIN SELECT RAISE(ABORT, 'no'); END"_s.arg(when));
+    }
+
+    test::TestDevice device_;
+};
+
+TEST_F(Collections, FillsTheColumnsOfItsRow) {
+    addSalesSlip();
+    ASSERT_TRUE(app::saveCollection(slip(60000, 20000, 15000, 4000)));
+    EXPECT_EQ(device_.rows(u"SELECT * FROM MTMOK"_s),
+              (QList<QStringList>{{kDate,      u"매출"_s,   u"0001"_s,   u"가나상회"_s, kNumber,   u"14:30"_s,
+                                   kUser,      u"110000"_s, u"100000"_s, u"10000"_s,    u"3000"_s, u"2000"_s,
+                                   u"5000"_s,  u"80000"_s,  u"20000"_s,  u"60000"_s,    u"4000"_s, u"20000"_s,
+                                   u"15000"_s, u"700"_s,    u""_s,       u""_s}}));
+    // The entry's own INSERT names neither of the approval's columns.
+    EXPECT_EQ(device_.value(u"SELECT count(*) FROM MTMOK WHERE MSGSENDTIME IS NULL AND BANKTRANNO IS NULL"_s),
+              u"1"_s);
+    const auto loaded = app::loadCollection(kDate, kNumber, kUser);
+    ASSERT_TRUE(loaded);
+    EXPECT_EQ(loaded->amounts().total, Won(115000));
+    EXPECT_EQ(loaded->amounts().unpaid, Won(20000));
+    CollectionSlip again = *loaded;
+    again.setAmounts(loaded->amounts(), loaded->YMoney);
+    EXPECT_TRUE(again == *loaded);
+    EXPECT_FALSE(app::loadCollection(kDate, kNumber, u"B"_s));
+}
+
+TEST_F(Collections, MoveTheReceivableExactlyOnce) {
+    ASSERT_TRUE(app::saveCollection(slip(0, 0)));
+    EXPECT_EQ(receivable(), u"465000"_s);
+    ASSERT_TRUE(app::saveCollection(slip(0, 0)));
+    EXPECT_EQ(receivable(), u"465000"_s);
+    ASSERT_TRUE(app::saveCollection(slip(60000, 20000, 15000, 4000)));
+    EXPECT_EQ(receivable(), u"366000"_s);
+    EXPECT_EQ(app::previousReceivable(u"0001", kDate, kNumber, kUser), Won(350000));
+    // Recovery 10000 above the total, handed out in cash and paid against the earlier receivable.
+    CollectionSlip excess = slip(0, -10000, 125000, 10000);
+    ASSERT_TRUE(app::saveCollection(excess));
+    EXPECT_EQ(receivable(), u"340000"_s);
+    EXPECT_EQ(collections(), u"5001A=0"_s);
+
+    CollectionSlip moved = slip(115000, 0);
+    moved.GCode = u"0002"_s;
+    app::SettlementAmounts onlyEarlier;
+    onlyEarlier.earlierReceivable = Won(500);
+    moved.setAmounts(onlyEarlier, Won());
+    ASSERT_TRUE(app::saveCollection(moved));
+    EXPECT_EQ(receivable(), u"350000"_s);
+    EXPECT_EQ(receivable(u"0002"), u"-1000"_s);
+    EXPECT_EQ(device_.value(u"SELECT Gubun FROM MTMOK"_s), u"입금"_s);
+
+    EXPECT_TRUE(app::removeCollection(kDate, kNumber, kUser));
+    EXPECT_EQ(receivable(u"0002"), u"-500"_s);
+    EXPECT_TRUE(app::removeCollection(kDate, kNumber, kUser));
+    EXPECT_EQ(receivable(u"0002"), u"-500"_s);
+
+    CollectionSlip stranger = slip(0, 0);
+    stranger.GCode = u"0009"_s;
+    EXPECT_TRUE(app::saveCollection(stranger)) << "a customer who is not there has no receivable to move";
+}
+
+TEST_F(Collections, AreRemovedByUserOrWhoeverWroteThem) {
+    for (const QString& user : {u"A"_s, u"B"_s}) {
+        for (const QString& number : {u"5001"_s, u"5002"_s}) {
+            CollectionSlip each = slip(0, 0);
+            each.UserID = user;
+            each.JunNo = number;
+            ASSERT_TRUE(app::saveCollection(each));
+        }
+    }
+    EXPECT_EQ(receivable(), u"810000"_s);
+    EXPECT_EQ(app::collectionsOfDay(kUser, kDate).cells,
+              (QList<QString>{u"5002"_s, u"가나상회"_s, u"0001"_s, u"5001"_s, u"가나상회"_s, u"0001"_s}));
+    EXPECT_TRUE(app::removeCollection(kDate, u"5002", u"B"));
+    EXPECT_EQ(collections(), u"5001A=0 5002A=0 5001B=0"_s);
+    EXPECT_EQ(receivable(), u"695000"_s);
+    EXPECT_TRUE(app::removeCollections(kDate, u"5001"));
+    EXPECT_EQ(collections(), u"5002A=0"_s);
+    EXPECT_EQ(receivable(), u"465000"_s);
+    EXPECT_TRUE(app::removeCollections(u"2024-05-11", u"5002"));
+    EXPECT_EQ(collections(), u"5002A=0"_s);
+}
+
+TEST_F(Collections, StayAsTheyWereWhenAnyPartFails) {
+    ASSERT_TRUE(app::saveCollection(slip(60000, 0)));
+    const auto expectUntouched = [&](const char* why) {
+        EXPECT_EQ(collections(), u"5001A=60000"_s) << why;
+        EXPECT_EQ(receivable(), u"405000"_s) << why;
+    };
+    CollectionSlip quoted = slip(1, 0);
+    quoted.GName = u"O'Hara"_s;
+    EXPECT_FALSE(app::saveCollection(quoted));
+    expectUntouched("a quote in the name");
+    for (const QString& when : {u"DELETE ON MTMOK"_s, u"INSERT ON MTMOK"_s, u"UPDATE ON GARAE"_s}) {
+        breakStatement(when);
+        EXPECT_FALSE(app::saveCollection(slip(1, 0)));
+        expectUntouched(qPrintable(when));
+        if (when != u"INSERT ON MTMOK") {
+            EXPECT_FALSE(app::removeCollection(kDate, kNumber, kUser));
+            EXPECT_FALSE(app::removeCollections(kDate, kNumber));
+            expectUntouched(qPrintable(when));
+        }
+        device_.execute(u"DROP TRIGGER broken"_s);
+    }
+    {
+        const test::FullDisk full(1);
+        EXPECT_FALSE(app::saveCollection(slip(1, 0)));
+        EXPECT_FALSE(app::recordApproval(kDate, kNumber, kUser, u"T1", u"1"));
+    }
+    expectUntouched("disk full");
+    EXPECT_EQ(device_.value(u"SELECT BANKTRANNO FROM MTMOK"_s), u""_s);
+}
+
+TEST_F(Collections, KeepTheirApprovalWhenSavedAgain) {
+    addSalesSlip();
+    addSalesSlip(u"B");
+    EXPECT_FALSE(app::recordApproval(kDate, kNumber, kUser, u"T1", u"143000")) << "no slip to write it on";
+    EXPECT_EQ(printStates(), u"A미발행,B미발행"_s);
+
+    ASSERT_TRUE(app::saveCollection(slip(115000, 0)));
+    breakStatement(u"UPDATE ON MTMOK"_s);
+    EXPECT_FALSE(app::recordApproval(kDate, kNumber, kUser, u"T1", u"143000"));
+    EXPECT_EQ(printStates(), u"A미발행,B미발행"_s);
+    device_.execute(u"DROP TRIGGER broken"_s);
+    EXPECT_FALSE(app::recordApproval(kDate, kNumber, kUser, u"T'1", u"143000"));
+
+    EXPECT_TRUE(app::recordApproval(kDate, kNumber, kUser, u"T1", u"143000"));
+    EXPECT_EQ(printStates(), u"A결제,B미발행"_s);
+    CollectionSlip changed = slip(100000, 15000);
+    changed.BANKTRANNO = u"forged"_s;
+    ASSERT_TRUE(app::saveCollection(changed));
+    EXPECT_EQ(device_.rows(u"SELECT CardMoney, MSGSENDTIME, BANKTRANNO FROM MTMOK"_s),
+              (QList<QStringList>{{u"100000"_s, u"143000"_s, u"T1"_s}}));
+
+    const auto found = app::findByTransactionNumber(u"T1");
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->CardMoney, Won(100000));
+    EXPECT_EQ(found->JunNo + found->UserID + found->BANKTRANNO, u"5001AT1"_s);
+    EXPECT_FALSE(app::findByTransactionNumber(u"T2"));
+    EXPECT_TRUE(app::recordApproval(kDate, kNumber, kUser, u"T2", u"150000"));
+    EXPECT_FALSE(app::findByTransactionNumber(u"T1"));
+}
+
+TEST_F(Collections, KeepEverySimplePayment) {
+    CollectionSlip paid = slip(0, 0);
+    paid.JunNo = u"7001"_s;
+    app::SettlementAmounts amounts;
+    amounts.sales = Won(110000);
+    amounts.nonLiquor = Won(5000);
+    amounts.containerRecovery = Won(10000);
+    amounts.card = Won(95000);
+    paid.setAmounts(amounts, Won());
+    paid.MSGSENDTIME = u"143000"_s;
+    paid.BANKTRANNO = u"T1"_s;
+    ASSERT_TRUE(app::saveSimplePayment(paid));
+    EXPECT_EQ(receivable(), u"350000"_s);
+    const auto loaded = app::loadCollection(kDate, u"7001", kUser);
+    ASSERT_TRUE(loaded);
+    EXPECT_EQ(loaded->Gubun + loaded->DTime + loaded->MSGSENDTIME + loaded->BANKTRANNO,
+              u"단순결제14:30143000T1"_s);
+    EXPECT_EQ(loaded->amounts().total, Won(105000));
+    EXPECT_EQ(loaded->InMoney, Won(95000));
+
+    paid.BANKTRANNO = u"T'2"_s;
+    EXPECT_FALSE(app::saveSimplePayment(paid));
+    // Corrected as a collection slip it stays a simple payment; two of one number cannot become one row.
+    paid.GName = u"다라상회"_s;
+    EXPECT_TRUE(app::saveCollection(paid));
+    EXPECT_EQ(device_.rows(u"SELECT Gubun, GName, BANKTRANNO FROM MTMOK"_s),
+              (QList<QStringList>{{u"단순결제"_s, u"다라상회"_s, u"T1"_s}}));
+    paid.BANKTRANNO = u"T2"_s;
+    ASSERT_TRUE(app::saveSimplePayment(paid));
+    EXPECT_FALSE(app::saveCollection(paid));
+    EXPECT_TRUE(app::findByTransactionNumber(u"T1") && app::findByTransactionNumber(u"T2"));
+    EXPECT_TRUE(app::removeCollections(kDate, u"7001"));
+    EXPECT_EQ(receivable(), u"350000"_s);
+}
+
+}  // namespace

@@ -1,0 +1,143 @@
+#include "collect/Settlement.h"
+
+#include <gtest/gtest.h>
+
+namespace collect {
+
+using app::SettlementAmounts;
+using platform::Won;
+
+namespace {
+
+/// The amounts that the rules move, in won.
+struct Split {
+    std::int64_t total, recovery, card, cash, unpaid, earlier;
+    friend bool operator==(const Split&, const Split&) = default;
+};
+
+void PrintTo(const Split& split, std::ostream* out) {
+    *out << "total " << split.total << " recovery " << split.recovery << " card " << split.card << " cash "
+         << split.cash << " unpaid " << split.unpaid << " earlier " << split.earlier;
+}
+
+Split split(const SettlementAmounts& amounts) {
+    return {amounts.total.value(),  amounts.containerRecovery.value(),
+            amounts.card.value(),   amounts.cash.value(),
+            amounts.unpaid.value(), amounts.earlierReceivable.value()};
+}
+
+/// Deposits are a tenth of the total; the total is wrong until a rule recomputes it.
+SettlementAmounts amountsOf(const Split& from) {
+    return {.sales = Won(from.total - from.total / 10),
+            .supply = {},
+            .vat = {},
+            .nonLiquor = Won(77),
+            .deposit = Won(from.total / 10),
+            .total = Won(-1),
+            .containerRecovery = Won(from.recovery),
+            .card = Won(from.card),
+            .cash = Won(from.cash),
+            .unpaid = Won(from.unpaid),
+            .earlierReceivable = Won(from.earlier),
+            .previousReceivable = Won(1000)};
+}
+
+TEST(Settlement, SplitsTheTotal) {
+    using Rule = Won (*)(SettlementAmounts&, Won);
+    const Rule recovery = keyRecovery;
+    const Rule card = [](SettlementAmounts& amounts, Won) { return settleByCard(amounts), Won(); };
+    const Rule cash = [](SettlementAmounts& amounts, Won) { return settleInCash(amounts), Won(); };
+    const Rule credit = [](SettlementAmounts& amounts, Won) { return settleOnCredit(amounts), Won(); };
+    const Rule earlier = [](SettlementAmounts& amounts, Won keyed) {
+        return keyEarlierReceivable(amounts, keyed), Won();
+    };
+    const struct {
+        const char* name;
+        Rule rule;
+        Split from;
+        std::int64_t keyed;
+        Split to;
+        std::int64_t excess;
+    } kCases[] = {
+        {"nothing chosen yet", recovery, {50000, 0, 0, 0, 0, 0}, 8000, {50000, 8000, 0, 0, 42000, 0}, 0},
+        {"cash follows",
+         recovery,
+         {50000, 0, 20000, 30000, 0, 9},
+         8000,
+         {50000, 8000, 20000, 22000, 0, 9},
+         0},
+        {"card follows", recovery, {50000, 0, 50000, 0, 0, 0}, 8000, {50000, 8000, 42000, 0, 0, 0}, 0},
+        {"exactly the total", recovery, {50000, 0, 0, 50000, 0, 0}, 50000, {50000, 50000, 0, 0, 0, 0}, 0},
+        {"above the total",
+         recovery,
+         {50000, 0, 0, 0, 50000, 5},
+         60000,
+         {50000, 60000, 0, -10000, 0, 10000},
+         10000},
+        {"above it, by card",
+         recovery,
+         {50000, 0, 50000, 0, 0, 0},
+         50001,
+         {50000, 50001, 50000, -1, 0, 1},
+         1},
+        {"without a total", recovery, {0, 0, 0, 0, 0, 0}, 0, {0, 0, 0, 0, 0, 0}, 0},
+        {"without a total, below it", recovery, {0, 0, 0, 700, 0, 0}, -30, {0, -30, 0, 30, 0, 0}, 0},
+        {"card", card, {50000, 8000, 1, 2, 3, 4}, 0, {50000, 8000, 42000, 0, 0, 4}, 0},
+        {"card, equal", card, {50000, 50000, 1, 2, 3, 4}, 0, {50000, 50000, 0, 0, 0, 0}, 0},
+        {"card, below", card, {50000, 60000, 1, -10000, 3, 4}, 0, {50000, 60000, 0, 0, 0, 10000}, 0},
+        {"cash", cash, {50000, 8000, 1, 2, 3, 4}, 0, {50000, 8000, 0, 42000, 0, 4}, 0},
+        {"cash, equal", cash, {50000, 50000, 1, 2, 3, 4}, 0, {50000, 50000, 0, 0, 0, 0}, 0},
+        {"cash, below", cash, {50000, 60000, 1, 2, 3, 4}, 0, {50000, 60000, 0, 0, 0, 10000}, 0},
+        {"credit", credit, {50000, 8000, 1, 2, 3, 4}, 0, {50000, 8000, 0, 0, 42000, 4}, 0},
+        {"credit, equal", credit, {50000, 50000, 1, 2, 3, 4}, 0, {50000, 50000, 0, 0, 0, 0}, 0},
+        {"credit, below", credit, {50000, 60000, 1, 2, 3, 4}, 0, {50000, 60000, 0, 0, 0, 10000}, 0},
+        {"earlier", earlier, {50000, 8000, 2000, 0, 0, 4}, 7000, {50000, 8000, 2000, 0, 40000, 7000}, 0},
+        {"earlier, no total", earlier, {0, 0, 2000, 0, 9, 4}, 7000, {0, 0, 2000, 0, 0, 7000}, 0},
+    };
+    for (const auto& c : kCases) {
+        SettlementAmounts amounts = amountsOf(c.from);
+        EXPECT_EQ(c.rule(amounts, Won(c.keyed)).value(), c.excess) << c.name;
+        EXPECT_EQ(split(amounts), c.to) << c.name;
+    }
+}
+
+TEST(Settlement, AmountsOfTheSaleFollowEachOther) {
+    SettlementAmounts amounts;
+    amounts.deposit = Won(500);
+    EXPECT_EQ(keySales(amounts, Won(10000)), Won());
+    EXPECT_EQ(amounts.supply, Won(9091));
+    EXPECT_EQ(amounts.vat, Won(909));
+    EXPECT_EQ(amounts.total, Won(10500));
+    EXPECT_EQ(amounts.unpaid, Won(10500));
+    settleByCard(amounts);
+    EXPECT_EQ(keySupply(amounts, Won(20000)), Won());
+    EXPECT_EQ(amounts.sales, Won(20909));
+    EXPECT_EQ(amounts.card, Won(21409)) << "stays settled by card";
+    EXPECT_EQ(keyVat(amounts, Won(0)), Won());
+    EXPECT_EQ(amounts.sales, Won(20000));
+    keyNonLiquor(amounts, Won(3000));
+    EXPECT_EQ(split(amounts), (Split{20500, 0, 20500, 0, 0, 0}));
+    EXPECT_EQ(amounts.nonLiquor, Won(3000));
+    keyRecovery(amounts, Won(500));
+    EXPECT_EQ(keySales(amounts, Won(-100)), Won(100)) << "recovery of 500 against a total of 400";
+    EXPECT_EQ(amounts.supply, Won(-91));
+}
+
+TEST(Settlement, KnowsWhatIsLeft) {
+    SettlementAmounts amounts = amountsOf({50000, 8000, 20000, 10000, 12000, 3000});
+    recomputeTotal(amounts);
+    EXPECT_EQ(resultingReceivable(amounts), Won(10000));
+
+    amounts = amountsOf({50000, 0, 0, 0, 0, 0});
+    EXPECT_TRUE(nothingToSettle(amounts));
+    for (Won SettlementAmounts::*const settling :
+         {&SettlementAmounts::card, &SettlementAmounts::cash, &SettlementAmounts::unpaid,
+          &SettlementAmounts::earlierReceivable, &SettlementAmounts::containerRecovery}) {
+        SettlementAmounts settled = amounts;
+        settled.*settling = Won(-1);
+        EXPECT_FALSE(nothingToSettle(settled));
+    }
+}
+
+}  // namespace
+}  // namespace collect
