@@ -26,5 +26,7 @@ Result measureImport();
 Result measurePrice();
 Result measureStartup();
 Result measureMemory();
+Result measureList();
+Result measureSlip();
 
 }  // namespace bench

@@ -17,7 +17,7 @@ using namespace Qt::Literals::StringLiterals;
 
 Folder::Folder() {
     if (!folder_.isValid()) throw std::runtime_error("no temporary folder");
-    platform::device::setFolder(folder_.path());
+    use();
     for (const QStringView path :
          {platform::device::kDocumentsFolder, platform::device::kStorageCardFolder}) {
         QDir().mkpath(platform::device::path(path));
@@ -27,6 +27,10 @@ Folder::Folder() {
 
 Folder::~Folder() {
     platform::adoce::DatabaseFile::forgetAll();
+}
+
+void Folder::use() const {
+    platform::device::setFolder(folder_.path());
 }
 
 QString Folder::databaseFile() const {

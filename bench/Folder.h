@@ -7,7 +7,8 @@
 namespace bench {
 
 /// A device folder of a measurement, with the handheld's folders and an empty database of the system's tables
-/// and indexes. It is the process's device folder while the object lives and is removed with it.
+/// and indexes. It is the process's device folder until another one is made or used, and is removed with the
+/// object.
 class Folder {
   public:
     Folder();
@@ -15,9 +16,12 @@ class Folder {
     Folder(const Folder&) = delete;
     Folder& operator=(const Folder&) = delete;
 
+    /// Makes it the process's device folder again.
+    void use() const;
+
     QString path(const QString& name) const { return folder_.filePath(name); }
 
-    /// The database file on disk.
+    /// The database file on disk, while the folder is the process's.
     QString databaseFile() const;
 
     /// Replaces the database by an empty one; no handle on it may be open but the pooled ones.

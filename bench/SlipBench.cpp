@@ -1,0 +1,160 @@
+// The way of one sales slip through the stores, among 100,000 saved slips of a year beside among 100: its
+// number, opening it, ten priced lines, saving, reopening and the list of the day. Both devices hold the same
+// customers and products, and the salesman has saved as many slips on the day.
+
+#include <sqlite3.h>
+
+#include <QDate>
+#include <algorithm>
+#include <memory>
+#include <stdexcept>
+
+#include "Bench.h"
+#include "Folder.h"
+#include "sales/CustomerQuery.h"
+#include "sales/Pricing.h"
+#include "sales/ProductQuery.h"
+#include "sales/SlipLine.h"
+#include "sales/SlipNumber.h"
+#include "sales/SlipStore.h"
+#include "sales/WorkingSlip.h"
+
+namespace bench {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr int kRuns = 15;
+constexpr int kFewSlips = 100;
+constexpr int kManySlips = 100'000;
+constexpr int kSlipsOfTheDay = 40;
+constexpr int kDaysOfTheYear = 300;  ///< Days on which slips are written.
+constexpr int kCustomers = 500;
+constexpr int kProducts = 400;
+constexpr int kLines = 10;
+constexpr int kSalesWork = 1;
+constexpr QStringView kSalesman = u"A";
+constexpr QStringView kDay = u"2024-12-30";
+const QDate kFirstDay(2024, 1, 2);
+
+QString customerCode(int number) {
+    return u"C%1"_s.arg(number, 3, 10, QChar(u'0'));
+}
+
+QString productCode(int number) {
+    return u"P%1"_s.arg(number, 3, 10, QChar(u'0'));
+}
+
+/// Fills one table with rows of texts.
+class Inserter {
+  public:
+    Inserter(sqlite3* handle, const char* sql) : handle_(handle) {
+        if (sqlite3_prepare_v2(handle, sql, -1, &statement_, nullptr) != SQLITE_OK) fail();
+    }
+    ~Inserter() { sqlite3_finalize(statement_); }
+    Inserter(const Inserter&) = delete;
+    Inserter& operator=(const Inserter&) = delete;
+
+    void add(const QStringList& values) {
+        for (qsizetype i = 0; i < values.size(); ++i) {
+            const QByteArray bytes = values[i].toUtf8();
+            sqlite3_bind_text(statement_, int(i) + 1, bytes.constData(), int(bytes.size()), SQLITE_TRANSIENT);
+        }
+        if (sqlite3_step(statement_) != SQLITE_DONE) fail();
+        sqlite3_reset(statement_);
+    }
+
+  private:
+    [[noreturn]] void fail() { throw std::runtime_error(sqlite3_errmsg(handle_)); }
+
+    sqlite3* handle_;
+    sqlite3_stmt* statement_ = nullptr;
+};
+
+void fill(sqlite3* handle, int slips) {
+    sqlite3_exec(handle, "BEGIN", nullptr, nullptr, nullptr);
+    Inserter customer(handle,
+                      "INSERT INTO GARAE (GCODE,GNAME,MAJIN,CJMONEY,GUBUN) VALUES (?,?,'0','150000','일반')");
+    for (int i = 0; i < kCustomers; ++i) customer.add({customerCode(i), u"가람상회 %1호점"_s.arg(i)});
+    Inserter product(handle,
+                     "INSERT INTO PUMMOK (Pcode,Pname,JGubun,ABoxMMoney,ABoxBMoney,ABonMMoney,ABonBMoney,"
+                     "YGMoney1,YGMoney2) VALUES (?,?,'01','21000','2100','1100','110','1000','2000')");
+    for (int i = 0; i < kProducts; ++i) product.add({productCode(i), u"소주 %1"_s.arg(i)});
+
+    // The salesman's own slips of the day; all others are spread over the year and four salesmen.
+    Inserter line(handle,
+                  "INSERT INTO MTM VALUES (?,'매출',?,?,?,'미발행',?,?,'01','3','5','68500','6850','3000',"
+                  "'6000',?,'10:30')");
+    const auto addSlip = [&](const QString& day, int number, int of, QStringView user) {
+        line.add({day, customerCode(of % kCustomers), u"가람상회 %1호점"_s.arg(of % kCustomers),
+                  QString::number(5001 + number), productCode(of % kProducts),
+                  u"소주 %1"_s.arg(of % kProducts), user.toString()});
+    };
+    for (int i = 0; i < slips - kSlipsOfTheDay; ++i) {
+        const QDate day = kFirstDay.addDays(i % kDaysOfTheYear);
+        addSlip(day.toString(Qt::ISODate), i / kDaysOfTheYear, i, QString(QChar(u'A' + i % 4)));
+    }
+    for (int i = 0; i < kSlipsOfTheDay; ++i) addSlip(kDay.toString(), i, i, kSalesman);
+    if (sqlite3_exec(handle, "COMMIT", nullptr, nullptr, nullptr) != SQLITE_OK) {
+        throw std::runtime_error(sqlite3_errmsg(handle));
+    }
+}
+
+void check(bool isRight, const char* what) {
+    if (!isRight) throw std::runtime_error(what);
+}
+
+/// One visit to a customer without a slip on the day; the number of the slip that it leaves.
+QString writeSlip() {
+    const QString gcode = customerCode(kCustomers - 1);
+    check(!sales::customerHasSlip(kDay, gcode), "the customer has a slip already");
+    const QString junNo = sales::nextSlipNumber(kSalesWork, kDay).value_or(QString());
+    check(sales::openSlip(kSalesman, kDay, junNo).lines.isEmpty(), "a new slip is not empty");
+    const QString kind = sales::customerAccount(gcode).Gubun;
+    for (int i = 0; i < kLines; ++i) {
+        sales::SlipLine line;
+        line.PCode = productCode(i * 31);
+        const auto product = sales::productName(line.PCode);
+        check(product.has_value(), "a product is missing");
+        line.DDate = kDay.toString();
+        line.GCode = gcode;
+        line.GName = u"가람상회"_s;
+        line.JunNo = junNo;
+        line.PName = product->Pname;
+        line.JGubun = product->JGubun;
+        line.Box = u"3"_s;
+        line.Bon = QString::number(i);
+        line.setAmounts(sales::priceLine(gcode, kind, line.PCode, 3, i).amounts);
+        check(sales::insertLine(line), "a line was not taken");
+    }
+    check(sales::saveSlip(kSalesman, kDay, junNo) == sales::SaveOutcome::Saved, "the slip was not saved");
+    check(sales::openSlip(kSalesman, kDay, junNo).lines.count() == kLines, "the slip is not complete");
+    check(sales::slipsOfDay(kSalesman, kDay).slips.count() == kSlipsOfTheDay + 1, "the list is not complete");
+    return junNo;
+}
+
+double timeSlip(const Folder& folder) {
+    folder.use();
+    QString junNo;
+    const double time = millisecondsOf([&] { junNo = writeSlip(); });
+    check(sales::deleteSlip(kDay, junNo, true), "the slip was not deleted");
+    return time;
+}
+
+}  // namespace
+
+Result measureSlip() {
+    const Folder many;
+    const Folder few;
+    for (const auto& [folder, slips] : {std::pair(&many, kManySlips), std::pair(&few, kFewSlips)}) {
+        folder->use();
+        sqlite3* handle = nullptr;
+        sqlite3_open_v2(folder->databaseFile().toUtf8().constData(), &handle, SQLITE_OPEN_READWRITE, nullptr);
+        const std::unique_ptr<sqlite3, int (*)(sqlite3*)> closing(handle, sqlite3_close);
+        fill(handle, slips);
+    }
+    return compare(
+        kRuns, "ms", [&] { return timeSlip(many); }, [&] { return timeSlip(few); });
+}
+
+}  // namespace bench
