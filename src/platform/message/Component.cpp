@@ -172,6 +172,10 @@ void Component::setTimeOutUnit(std::chrono::milliseconds unit) {
     timeOutUnit = unit;
 }
 
+void Component::forgetUnanswered() {
+    unansweredPayment().reset();
+}
+
 Status Component::invoke(int dispatchId, Arguments arguments) {
     const auto letter = [](const Argument& argument) { return "tio"[argument.index()]; };
     for (const Argument& argument : arguments) {

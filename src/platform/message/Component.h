@@ -38,6 +38,9 @@ class Component : public QObject {
     /// What one unit of Commun's time-out lasts; a second unless a test shortens it.
     static void setTimeOutUnit(std::chrono::milliseconds unit);
 
+    /// Treats the next payment as a new one even if it equals one that was sent and never answered.
+    static void forgetUnanswered();
+
   Q_SIGNALS:
     void communicating();
     void messageSent();

@@ -1,0 +1,461 @@
+#include <gtest/gtest.h>
+
+#include <QDateTime>
+#include <QFile>
+#include <QProcess>
+#include <QTcpSocket>
+#include <memory>
+#include <vector>
+
+#include "common/DemoCards.h"
+#include "platform/message/Component.h"
+#include "platform/message/SavedValues.h"
+#include "support/Exchange.h"
+#include "support/HostProcess.h"
+#include "support/PrintQt.h"
+#include "support/TestDevice.h"
+
+namespace test {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using namespace platform::message;
+
+constexpr char kGood[] = "communicating sent receiving ended";
+constexpr char kBroken[] = "communicating sent error ended";
+
+QString cardData(QStringView name) {
+    return tools::track3(*tools::findDemoCard(name)).mid(1, 104);
+}
+QStringView password(QStringView name) {
+    return tools::findDemoCard(name)->password;
+}
+
+class HostTest : public ::testing::Test {
+  protected:
+    HostTest() {
+        Component::forgetUnanswered();
+        EXPECT_TRUE(writeSavedValues({{u"101"_s, u"4711"_s}}));
+    }
+    ~HostTest() override { Component::setTimeOutUnit(std::chrono::seconds(1)); }
+
+    QString pay(QStringView card, QStringView amount = u"11000", int timeOut = 30) {
+        EXPECT_EQ(terminal.payment(cardData(card), password(card), amount), kDone);
+        return terminal.run(host.port(), timeOut);
+    }
+
+    /// The account's balance as another terminal is told.
+    QString balance(QStringView card) {
+        Exchange other;
+        EXPECT_EQ(other.balance(cardData(card), password(card)), kDone);
+        EXPECT_EQ(other.run(host.port()), QString::fromLatin1(kGood));
+        return (other.field(1103) == u"0" ? u""_s : u"-"_s) + other.field(1109);
+    }
+
+    TestDevice device;
+    HostProcess host;
+    Exchange terminal;
+};
+
+TEST_F(HostTest, AnApprovedPaymentIsToldChargedAndFoundAgain) {
+    host.start({u"--clock"_s, u"2026-11-21 09:05"_s});
+    ASSERT_EQ(pay(u"good"), QString::fromLatin1(kGood));
+    const struct {
+        int field;
+        QStringView text;
+    } fields[] = {{1102, u"0000"},         {1203, u"정상처리"}, {1008, u"000000000001"},
+                  {1002, u"JB0000000001"}, {1103, u"0"},        {1104, u"11000"},
+                  {1105, u"16"},           {1106, u"10984"},    {1107, u"99989000"}};
+    for (const auto& [field, text] : fields) EXPECT_EQ(terminal.field(field), text) << field;
+    EXPECT_EQ(terminal.call(11), kDone);
+    EXPECT_EQ(balance(u"good"), u"99989000");
+
+    // The balance inquiry made the host's second exchange; the answer still tells of the first.
+    ASSERT_EQ(terminal.previous(), kDone);
+    ASSERT_EQ(terminal.run(host.port()), QString::fromLatin1(kGood));
+    for (const auto& [field, text] : fields) EXPECT_EQ(terminal.field(field), text) << field << " again";
+    EXPECT_EQ(terminal.call(12), kDone);
+    EXPECT_EQ(terminal.call(11), kBadInput);
+}
+
+TEST_F(HostTest, BalanceTellsSignAndLimit) {
+    host.start();
+    const struct {
+        QStringView card, sign, balance, limit;
+    } cases[] = {{u"second", u"0", u"10000000", u"5000000"}, {u"overdrawn", u"1", u"1500000", u"500000"}};
+    for (const auto& [card, sign, balance, limit] : cases) {
+        ASSERT_EQ(terminal.balance(cardData(card), password(card)), kDone);
+        ASSERT_EQ(terminal.run(host.port()), QString::fromLatin1(kGood));
+        EXPECT_EQ(terminal.field(1102), u"0000");
+        EXPECT_EQ(terminal.field(1103), sign);
+        EXPECT_EQ(terminal.field(1109), balance);
+        EXPECT_EQ(terminal.field(1110), limit);
+    }
+}
+
+TEST_F(HostTest, RefusalsChargeNothingAndTheNextPaymentIsApproved) {
+    host.start();
+    const struct {
+        QStringView card, password, amount, code, text;
+    } cases[] = {
+        {u"unknown", u"9999", u"1000", u"0011", u"미등록카드"},
+        {u"good", u"4321", u"1000", u"0012", u"비밀번호오류"},
+        {u"poor", u"1111", u"1001", u"0013", u"잔액부족"},
+        {u"overdrawn", u"3333", u"1", u"0013", u"잔액부족"},
+        {u"limited", u"2222", u"10001", u"0014", u"한도초과"},
+        {u"good", u"1234", u"0", u"0015", u"거래금액오류"},
+        {u"good", u"1234", u"-5000", u"0015", u"거래금액오류"},
+        {u"good", u"1234", u"1000000000001", u"0015", u"거래금액오류"},
+    };
+    for (const auto& [card, keyed, amount, code, text] : cases) {
+        ASSERT_EQ(terminal.payment(cardData(card), keyed, amount), kDone);
+        ASSERT_EQ(terminal.run(host.port()), QString::fromLatin1(kGood)) << "a refusal is an answer";
+        EXPECT_EQ(terminal.field(1102), code);
+        EXPECT_EQ(terminal.field(1203), text);
+        EXPECT_EQ(terminal.field(1008), u"") << "no transaction number";
+    }
+    ASSERT_EQ(terminal.previous(), kDone);
+    terminal.run(host.port());
+    EXPECT_EQ(terminal.field(1102), u"0016") << "nothing was approved yet";
+
+    pay(u"limited", u"10000");
+    EXPECT_EQ(terminal.field(1102), u"0000") << "exactly the limit";
+    pay(u"poor", u"1000");
+    EXPECT_EQ(terminal.field(1102), u"0000") << "exactly the balance";
+    EXPECT_EQ(balance(u"poor"), u"0");
+    EXPECT_EQ(balance(u"good"), u"100000000");
+}
+
+TEST_F(HostTest, TheSummaryIsTheLedgersForTerminalAndDay) {
+    host.start({u"--clock"_s, u"2026-11-21 18:30"_s});
+    const auto summary = [&](QStringView day) {
+        EXPECT_EQ(terminal.summary(day), kDone);
+        EXPECT_EQ(terminal.run(host.port()), QString::fromLatin1(kGood));
+        QStringList texts;
+        for (const int field : {1102, 1115, 1116, 1117, 1118, 1119, 1120, 1121, 1122})
+            texts << terminal.field(field);
+        return texts.join(u' ');
+    };
+    EXPECT_EQ(summary(u"20261121"), u"0000 0 0 0 0 0 0 0 0");
+    pay(u"good", u"11000");
+    pay(u"second", u"20000");
+    pay(u"poor", u"20000");
+    ASSERT_EQ(terminal.payment(cardData(u"good"), password(u"good"), u"7000", u"0150"), kDone);
+    terminal.run(host.port());
+    EXPECT_EQ(terminal.field(1102), u"0000") << "cash is entered";
+    EXPECT_EQ(terminal.field(1107), u"99989000") << "and moves no account";
+    EXPECT_EQ(summary(u"20261121"), u"0000 2 20000 2000 1000 1000 31000 46 30954") << "card payments only";
+    EXPECT_EQ(summary(u"20261120"), u"0000 0 0 0 0 0 0 0 0") << "another day";
+    ASSERT_TRUE(writeSavedValues({{u"101"_s, u"4712"_s}}));
+    EXPECT_EQ(summary(u"20261121"), u"0000 0 0 0 0 0 0 0 0") << "another terminal";
+    ASSERT_EQ(terminal.previous(), kDone);
+    terminal.run(host.port());
+    EXPECT_EQ(terminal.field(1102), u"0016") << "another terminal has paid nothing";
+}
+
+// What the terminal reports, whether an answer counts, and whether the host has charged.
+TEST_F(HostTest, EveryFaultIsADefinedEventAndLeavesNothingBehind) {
+    Component::setTimeOutUnit(std::chrono::milliseconds(20));
+    const struct {
+        const char* fault;
+        const char* events;
+        const char* code;
+        bool isCharged;
+    } cases[] = {
+        {"refuse", kGood, "0099", false},
+        {"close", kBroken, "", false},
+        {"silent", kBroken, "", false},
+        {"late 1.5", kBroken, "", true},
+        {"late 0.1", kGood, "0000", true},
+        {"split", kGood, "0000", true},
+        {"double", kGood, "0000", true},
+        {"stray", kGood, "0000", true},
+        {"truncate", kBroken, "", true},
+        {"oversize", kBroken, "", true},
+        {"garbage", kBroken, "", true},
+        {"badmac", kBroken, "", true},
+        {"approve-then-close", kBroken, "", true},
+    };
+    qint64 expected = 100'000'000;
+    for (const auto& [fault, events, code, isCharged] : cases) {
+        Component::forgetUnanswered();
+        host.start({u"--fault"_s, QString::fromLatin1(fault) + u"@1"_s});
+        EXPECT_EQ(pay(u"good", u"1000"), QString::fromLatin1(events)) << fault;
+        EXPECT_EQ(terminal.field(1102), QString::fromLatin1(code)) << fault;
+        expected -= isCharged ? 1000 : 0;
+        EXPECT_EQ(balance(u"good"), QString::number(expected)) << fault;
+        EXPECT_EQ(pay(u"good", u"2000"), QString::fromLatin1(kGood)) << "after " << fault;
+        EXPECT_EQ(terminal.field(1102), u"0000") << "after " << fault;
+        EXPECT_EQ(terminal.field(1104), u"2000") << "after " << fault;
+        expected -= 2000;
+        host.stop();
+    }
+}
+
+TEST_F(HostTest, ALateAnswerDoesNotReachTheNextExchange) {
+    Component::setTimeOutUnit(std::chrono::milliseconds(100));
+    host.start({u"--fault"_s, u"late 0.4@1"_s, u"--fault"_s, u"late 0.6@2"_s});
+    EXPECT_EQ(pay(u"good", u"1000", 1), QString::fromLatin1(kBroken));
+    EXPECT_EQ(pay(u"second", u"2000", 20), QString::fromLatin1(kGood)) << "sent before the first answer came";
+    EXPECT_EQ(terminal.field(1104), u"2000");
+}
+
+TEST_F(HostTest, APaymentWithoutAnAnswerIsNotChargedTwice) {
+    host.start({u"--fault"_s, u"approve-then-close@1"_s, u"--fault"_s, u"approve-then-close@4"_s});
+    EXPECT_EQ(pay(u"good", u"1000"), QString::fromLatin1(kBroken));
+    // Asked again, by another dialog.
+    Exchange next;
+    ASSERT_EQ(next.payment(cardData(u"good"), password(u"good"), u"1000"), kDone);
+    EXPECT_EQ(next.run(host.port()), QString::fromLatin1(kGood));
+    EXPECT_EQ(next.field(1008), u"000000000001") << "the payment of before";
+    EXPECT_EQ(balance(u"good"), u"99999000");
+
+    EXPECT_EQ(pay(u"good", u"1000"), QString::fromLatin1(kBroken)) << "answered before, so this is a new one";
+    EXPECT_EQ(pay(u"good", u"3000"), QString::fromLatin1(kGood)) << "another amount is another payment";
+    EXPECT_EQ(terminal.field(1008), u"000000000003");
+    EXPECT_EQ(balance(u"good"), u"99995000");
+}
+
+TEST_F(HostTest, ThePreviousTransactionSettlesWhatBecameOfAPayment) {
+    host.start({u"--fault"_s, u"approve-then-close@1"_s});
+    pay(u"good", u"1000");
+    ASSERT_EQ(terminal.previous(), kDone);
+    terminal.run(host.port());
+    EXPECT_EQ(terminal.field(1008), u"000000000001");
+    pay(u"good", u"1000");
+    EXPECT_EQ(terminal.field(1008), u"000000000002") << "now known, so the same amount is a new payment";
+}
+
+/// A connection to the host that sends what it likes.
+class Wire {
+  public:
+    explicit Wire(quint16 port) {
+        socket.connectToHost(QHostAddress::LocalHost, port);
+        EXPECT_TRUE(socket.waitForConnected(5000));
+    }
+
+    void send(const QByteArray& bytes) {
+        socket.write(bytes);
+        EXPECT_TRUE(socket.waitForBytesWritten(5000));
+    }
+    std::optional<Frame> receive() {
+        Frame frame;
+        while (reader.next(&frame) != FrameReader::Result::Complete) {
+            if (!socket.waitForReadyRead(5000)) return std::nullopt;
+            reader.add(socket.readAll());
+        }
+        return frame;
+    }
+    bool isClosed() {
+        return socket.state() == QAbstractSocket::UnconnectedState || socket.waitForDisconnected(5000);
+    }
+
+    QTcpSocket socket;
+    FrameReader reader;
+};
+
+/// A request as another terminal program might make it.
+struct Request {
+    explicit Request(QStringView amount, QStringView kind = u"0100") {
+        EXPECT_EQ(readHostKey(&hostKey), kDone);
+        EXPECT_EQ(makeKeyPair(&replyKey), kDone);
+        number = makeMessageNumber();
+        const QStringView header[] = {u"JB", u"84", u"00", u"1234567890", u"    ", u"0200", kind, u"99"};
+        quint16 field = 1;
+        for (const QStringView text : header) fields.add(field++, text);
+        const QString card = cardData(u"good");
+        const QStringView parameters[] = {u"123", u"",  card, u"1234", u"39", u"0",
+                                          u"0",   u"0", u"0", u"0",    amount};
+        field = kFirstParameterField;
+        for (const QStringView text : parameters) fields.add(field++, text);
+    }
+
+    QByteArray frame() const {
+        return encodeFrame(
+            {FrameKind::Request, number, *sealRequest(number, replyKey.publicKey, fields.bytes(), hostKey)});
+    }
+    Fields open(const std::optional<Frame>& reply) const {
+        EXPECT_TRUE(reply && reply->number == number);
+        auto opened = openReply(reply->sealed, number, hostKey, replyKey.secretKey);
+        EXPECT_TRUE(opened);
+        return *Fields::parse(std::move(*opened));
+    }
+
+    PublicKey hostKey{};
+    KeyPair replyKey;
+    MessageNumber number{};
+    FieldWriter fields;
+};
+
+TEST_F(HostTest, ARepeatedMessageNumberGetsTheSameAnswerAcrossRestarts) {
+    host.start();
+    Request request(u"1000");
+    QString transaction;
+    {
+        Wire wire(host.port());
+        wire.send(request.frame() + request.frame());
+        transaction = request.open(wire.receive()).text(1008);
+        EXPECT_EQ(transaction, u"000000000001");
+        EXPECT_EQ(request.open(wire.receive()).text(1008), transaction) << "joined with the first";
+    }
+    host.stop();
+    host.start();
+    Wire wire(host.port());
+    ASSERT_EQ(makeKeyPair(&request.replyKey), kDone);
+    wire.send(request.frame());
+    EXPECT_EQ(request.open(wire.receive()).text(1008), transaction) << "with another reply key";
+    EXPECT_EQ(balance(u"good"), u"99999000") << "charged once";
+
+    Request other(u"2000");
+    other.number = request.number;
+    wire.send(other.frame());
+    EXPECT_EQ(other.open(wire.receive()).text(1102), u"0017") << "the number with another content";
+    Request strange(u"2000", u"0999");
+    wire.send(strange.frame());
+    EXPECT_EQ(strange.open(wire.receive()).text(1102), u"0018") << "no such kind";
+    EXPECT_EQ(balance(u"good"), u"99999000");
+}
+
+TEST_F(HostTest, NonsenseClosesItsConnectionOnly) {
+    host.start();
+    const Request request(u"1000");
+    const QByteArray frame = request.frame();
+    QByteArray changed = frame;
+    changed.back() = char(changed.back() ^ 1);
+    Frame renumbered{FrameKind::Request, makeMessageNumber(), frame.mid(22)};
+    const QByteArray cases[] = {
+        "GET / HTTP/1.1\r\n\r\n",
+        QByteArray(100, '\0'),
+        changed,
+        encodeFrame(renumbered),
+        encodeFrame({FrameKind::Reply, request.number, frame.mid(22)}),
+        encodeFrame({FrameKind::Request, request.number, {}}),
+    };
+    for (const QByteArray& bytes : cases) {
+        Wire wire(host.port());
+        wire.send(bytes);
+        EXPECT_TRUE(wire.isClosed()) << bytes.left(30).toHex().constData();
+        EXPECT_TRUE(wire.socket.readAll().isEmpty());
+    }
+    Wire cut(host.port());
+    cut.send(frame.first(frame.size() - 1));
+    cut.socket.disconnectFromHost();
+    EXPECT_EQ(pay(u"good"), QString::fromLatin1(kGood));
+    EXPECT_EQ(balance(u"good"), u"99989000") << "none of it was charged";
+}
+
+TEST_F(HostTest, TerminalsAreServedAtOnce) {
+    host.start({u"--fault"_s, u"late 0.3"_s});
+    Component::forgetUnanswered();
+    std::vector<std::unique_ptr<Exchange>> terminals;
+    for (int i = 0; i < 8; ++i) {
+        terminals.push_back(std::make_unique<Exchange>());
+        ASSERT_EQ(terminals.back()->payment(cardData(u"good"), u"1234", QString::number(1000 + i)), kDone);
+        ASSERT_EQ(terminals.back()->commun(host.port()), kDone);
+    }
+    const Wire idle(host.port());
+    for (int i = 0; i < 8; ++i) {
+        EXPECT_EQ(terminals[std::size_t(i)]->wait(), QString::fromLatin1(kGood));
+        EXPECT_EQ(terminals[std::size_t(i)]->field(1104), QString::number(1000 + i));
+    }
+    EXPECT_EQ(balance(u"good"), QString::number(100'000'000 - 8 * 1000 - 28));
+}
+
+TEST_F(HostTest, NoTrackAndNoPasswordIsOnDisk) {
+    host.start();
+    pay(u"good");
+    ASSERT_EQ(terminal.field(1102), u"0000");
+    host.stop();
+    const QByteArray track = cardData(u"good").toUtf8();
+    for (const QString& name : {u"ledger.db"_s, u"ledger.db-wal"_s, u"host.key"_s}) {
+        QFile file(host.folder() + u'/' + name);
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
+        const QByteArray content = file.readAll();
+        EXPECT_GT(content.size(), 64) << name.toStdString();
+        EXPECT_FALSE(content.contains(track.first(30))) << name.toStdString();
+        EXPECT_FALSE(content.contains("9409110000000001")) << "the card's number in " << name.toStdString();
+        EXPECT_EQ(file.permissions() & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions())
+            << name.toStdString();
+    }
+}
+
+struct Ended {
+    int exitCode;
+    QByteArray out;
+    QByteArray err;
+};
+
+Ended runHost(const QStringList& arguments, const QByteArray& input = {}) {
+    QProcess process;
+    process.start(HostProcess::program(), arguments);
+    process.write(input);
+    process.closeWriteChannel();
+    EXPECT_TRUE(process.waitForFinished(20'000));
+    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+}
+
+TEST_F(HostTest, CardsAreEnteredFromStandardInput) {
+    const QStringList folder{u"--dir"_s, host.folder()};
+    const QStringList amounts{u"--balance"_s, u"50000"_s, u"--limit"_s, u"60000"_s};
+    const QByteArray track =
+        ";01"
+        "9409119999999999"
+        "=" +
+        QByteArray(85, '5') + "?";
+    EXPECT_EQ(runHost(QStringList{u"card"_s} + folder + amounts, track + "\n12345\n").exitCode, 1);
+    const Ended entered = runHost(QStringList{u"card"_s} + folder + amounts, track + "\n5678\n");
+    EXPECT_EQ(entered.exitCode, 0) << entered.err.constData();
+    EXPECT_EQ(runHost(QStringList{u"cards"_s} + folder).out, "940911******9999\t50000\t60000\n");
+
+    host.start();
+    const QString data = QString::fromLatin1(track).mid(1, 104);
+    ASSERT_EQ(terminal.payment(data, u"5678", u"50000"), kDone);
+    terminal.run(host.port());
+    EXPECT_EQ(terminal.field(1102), u"0000");
+    EXPECT_EQ(terminal.field(1107), u"0");
+    // While the host runs, and in place of what it knew.
+    EXPECT_EQ(runHost(QStringList{u"card"_s} + folder + amounts, track + "\n8765\n").exitCode, 0);
+    ASSERT_EQ(terminal.payment(data, u"8765", u"50000"), kDone);
+    terminal.run(host.port());
+    EXPECT_EQ(terminal.field(1102), u"0000");
+}
+
+TEST_F(HostTest, WrongCallsAreRefused) {
+    const QString folder = host.folder();
+    const struct {
+        QStringList arguments;
+        int exitCode;
+    } cases[] = {
+        {{}, 2},
+        {{u"--dir"_s, folder, u"--port"_s, u"70000"_s}, 2},
+        {{u"--dir"_s, folder, u"--fault"_s, u"nothing"_s}, 2},
+        {{u"--dir"_s, folder, u"--fault"_s, u"late"_s}, 2},
+        {{u"--dir"_s, folder, u"--fault"_s, u"close 3"_s}, 2},
+        {{u"--dir"_s, folder, u"--fault"_s, u"close@0"_s}, 2},
+        {{u"--dir"_s, folder, u"--clock"_s, u"today"_s}, 2},
+        {{u"--dir"_s, folder, u"serve"_s}, 2},
+        {{u"--dir"_s, folder, u"--balance"_s, u"1"_s}, 2},
+        {{u"card"_s, u"--dir"_s, folder, u"--balance"_s, u"1"_s}, 2},
+        {{u"card"_s, u"--dir"_s, folder, u"--balance"_s, u"1"_s, u"--limit"_s, u"x"_s}, 2},
+        {{u"--help"_s}, 0},
+    };
+    for (const auto& [arguments, exitCode] : cases) {
+        const Ended ended = runHost(arguments);
+        EXPECT_EQ(ended.exitCode, exitCode) << arguments.join(u' ').toStdString() << ended.err.constData();
+        EXPECT_EQ(ended.err.isEmpty(), exitCode == 0) << arguments.join(u' ').toStdString();
+    }
+
+    host.start();
+    const Ended second = runHost({u"--dir"_s, folder, u"--port"_s, QString::number(host.port())});
+    EXPECT_EQ(second.exitCode, 1) << "the port is taken";
+    host.stop();
+    QFile key(folder + u"/host.key"_s);
+    ASSERT_TRUE(key.open(QIODevice::WriteOnly) && key.write("broken\n") == 7);
+    key.close();
+    const Ended broken = runHost({u"--dir"_s, folder});
+    EXPECT_EQ(broken.exitCode, 1) << "keys that terminals hold are never replaced";
+    EXPECT_TRUE(broken.err.contains("host.key")) << broken.err.constData();
+}
+
+}  // namespace
+}  // namespace test
