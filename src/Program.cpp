@@ -14,6 +14,7 @@
 #include "app/RovanaApp.h"
 #include "platform/Device.h"
 #include "platform/Trace.h"
+#include "platform/termdev/SwipeSocket.h"
 #include "ui/Bitmaps.h"
 #include "ui/Fonts.h"
 #include "ui/Terminal.h"
@@ -53,7 +54,7 @@ Options readOptions(int argc, char** argv) {
     if (options.isScaleGiven) {
         bool isNumber = false;
         options.scale = parser.value(scale).toDouble(&isNumber);
-        if (!isNumber || options.scale < 0.5 || options.scale > 8) {
+        if (!isNumber || !(options.scale >= 0.5 && options.scale <= 8)) {
             std::fprintf(stderr, "rovana: --scale takes a number from 0.5 to 8\n");
             std::exit(2);
         }
@@ -97,6 +98,7 @@ int runProgram(int argc, char** argv, const std::function<void(ui::Terminal&)>& 
     layout->addWidget(terminal, 0, Qt::AlignCenter);
     if (!options.isFullScreen) layout->setSizeConstraint(QLayout::SetFixedSize);
 
+    const platform::termdev::SwipeSocket swipes;
     registerScreens();
     if (terminalMade) terminalMade(*terminal);
     int exitCode = 0;

@@ -7,6 +7,9 @@
 #include "app/KeyboardDlg.h"
 #include "app/RovanaDlg.h"
 #include "app/Session.h"
+#include "collect/CollectionEntryDlg.h"
+#include "collect/CollectionListDlg.h"
+#include "collect/SimplePaymentDlg.h"
 #include "print/SlipPrintDlg.h"
 #include "sales/CustomerBoardDlg.h"
 #include "sales/GaeaeDlg.h"
@@ -16,18 +19,20 @@
 #include "sales/PummokSeekBoard.h"
 #include "ui/Messages.h"
 #include "ui/Terminal.h"
+#include "van/CardDlg.h"
+#include "van/TotalsDlg.h"
 
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
 namespace dialogs = app::dialogs;
 
-/// Says that a work is not there yet. After a sales slip the way goes on to its printing.
+/// Says that a work is not there yet. After a sales slip the way goes on to the collection.
 class NotReadyScreen : public ui::MessageBox {
   public:
     explicit NotReadyScreen(bool followsSlip)
         : MessageBox(u"아직 준비되지 않은 화면입니다..!"_s, {}, Buttons::Ok) {
-        if (followsSlip) setSuccessor(dialogs::kSlipPrinting);
+        if (followsSlip) setSuccessor(dialogs::kCollectionEntry);
     }
 };
 
@@ -51,7 +56,7 @@ struct Entry {
 
 constexpr Entry kScreens[] = {
     {dialogs::kMain, make<app::CRovanaDlg>},
-    {dialogs::kSimplePayment, makeNotReady},
+    {dialogs::kSimplePayment, make<collect::CSimplePaymentDlg>},
     {dialogs::kKeypad, make<app::CKeyboardDlg>},
     {dialogs::kSlipList, make<sales::CGaraeSeek>},
     {dialogs::kSalesSlip, make<sales::CMtmDlg>},
@@ -60,14 +65,14 @@ constexpr Entry kScreens[] = {
     {dialogs::kSlipPrinting, make<print::CSlipPrintDlg>},
     {dialogs::kConsonantBoard, make<sales::CCustomerBoardDlg>},
     {dialogs::kCustomerList, make<sales::CGaeaeDlg>},
-    {dialogs::kCollectionList, makeNotReady},
+    {dialogs::kCollectionList, make<collect::CCollectionListDlg>},
     {dialogs::kContainerList, makeNotReady},
     {dialogs::kContainerDeposit, makeNotReadyAfterSlip},
     {dialogs::kContainerSlip, makeNotReadyAfterSlip},
     {dialogs::kImport, make<app::CImportDlg>},
-    {dialogs::kCard, makeNotReady},
-    {dialogs::kCollectionEntry, makeNotReadyAfterSlip},
-    {dialogs::kTotals, makeNotReady},
+    {dialogs::kCard, make<van::CCardDlg>},
+    {dialogs::kCollectionEntry, make<collect::CCollectionEntryDlg>},
+    {dialogs::kTotals, make<van::CTotalsDlg>},
 };
 
 }  // namespace

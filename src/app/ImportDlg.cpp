@@ -68,6 +68,7 @@ void CImportDlg::countFiles() {
 
 void CImportDlg::importAll() {
     // A second press would load a file that is being loaded.
+    setFocus();
     control(1000)->setEnabled(false);
     control(1001)->setEnabled(false);
     for (int i = 0; i < kFiles; ++i) {

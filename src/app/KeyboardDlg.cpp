@@ -108,6 +108,8 @@ void CKeyboardDlg::addKeys() {
     connect(confirm, &ui::BitmapButton::clicked, this, [this] { leave(Accepted); });
     setDefaultButton(confirm);
     setCancelButton(cancel);
+    // Keys of a keyboard always go to the active field, wherever a finger was last.
+    for (QAbstractButton* button : findChildren<QAbstractButton*>()) button->setFocusPolicy(Qt::NoFocus);
 }
 
 void CKeyboardDlg::hideByMode() {
@@ -148,15 +150,11 @@ void CKeyboardDlg::append(const QString& digits) {
 }
 
 void CKeyboardDlg::chooseNextField() {
-    // What a finger does on the two selectors, in the order first, second, third field.
-    if (keypad_.activeField() == 1 && second_->isVisible()) {
-        second_->click();
-    } else if (keypad_.activeField() == 2) {
-        second_->setChecked(false);
-        third_->isVisible() ? third_->click() : keypad_.secondClicked(false, false);
-    } else if (keypad_.activeField() == 3) {
-        third_->click();
-    }
+    const int fields = std::max(1, keypadRequest().KeypadMode);
+    const int next = keypad_.activeField() % fields + 1;
+    second_->setChecked(next == 2);
+    third_->setChecked(next == 3);
+    keypad_.secondClicked(second_->isChecked(), third_->isChecked());
     refresh();
 }
 

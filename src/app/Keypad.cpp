@@ -2,11 +2,22 @@
 
 #include <algorithm>
 
+#include "platform/Wipe.h"
+
 namespace app {
 
 using platform::formatWon;
 using platform::groupThousands;
 using platform::parseWon;
+
+namespace {
+
+/// The same characters in memory of their own, so that either text can be wiped.
+QString ownCopy(const QString& text) {
+    return QString(text.constData(), text.size());
+}
+
+}  // namespace
 
 Keypad::Keypad(const KeypadRequest& request) : mode_(request.KeypadMode) {
     const std::array values{&request.KeypadValue1, &request.KeypadValue2, &request.KeypadValue3};
@@ -16,9 +27,16 @@ Keypad::Keypad(const KeypadRequest& request) : mode_(request.KeypadMode) {
     }
 }
 
+Keypad::~Keypad() {
+    for (Field& field : fields_) {
+        platform::wipe(&field.display);
+        platform::wipe(&field.text);
+    }
+}
+
 void Keypad::textChanged(Field* field) {
     field->number = parseWon(field->text);
-    field->display = mode_ == kTextField ? field->text : groupThousands(field->number);
+    field->display = mode_ == kTextField ? ownCopy(field->text) : groupThousands(field->number);
 }
 
 void Keypad::append(const QString& digits) {
@@ -30,7 +48,7 @@ void Keypad::minus() {
     Field& field = active();
     if (mode_ == kTextField) {
         field.text.prepend(u'-');
-        field.display = field.text;
+        field.display = ownCopy(field.text);
         return;
     }
     field.number = -field.number;
@@ -61,9 +79,9 @@ void Keypad::thirdClicked(bool secondChecked, bool thirdChecked) {
 }
 
 void Keypad::accept(KeypadRequest* request) const {
-    request->KeypadValue1 = fields_[0].text;
-    request->KeypadValue2 = fields_[1].text;
-    request->KeypadValue3 = fields_[2].text;
+    request->KeypadValue1 = ownCopy(fields_[0].text);
+    request->KeypadValue2 = ownCopy(fields_[1].text);
+    request->KeypadValue3 = ownCopy(fields_[2].text);
     const bool isEmpty =
         std::ranges::all_of(fields_, [](const Field& field) { return field.display.isEmpty(); });
     request->KeypadResult = isEmpty ? 0 : 1;

@@ -15,6 +15,10 @@ class Keypad {
 
     /// Takes over the record's values; they come back unchanged from cancel().
     explicit Keypad(const KeypadRequest& request);
+    /// Overwrites what was keyed: it may have been a password.
+    ~Keypad();
+    Keypad(const Keypad&) = delete;
+    Keypad& operator=(const Keypad&) = delete;
 
     /// Appends "0" to "9" or "00" to the active field.
     void append(const QString& digits);

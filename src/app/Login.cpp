@@ -1,14 +1,20 @@
 #include "app/Login.h"
 
 #include <QFile>
+#include <algorithm>
 
 #include "app/Session.h"
 #include "db/Query.h"
 #include "platform/CodePage.h"
 #include "platform/Device.h"
+#include "platform/Won.h"
 
 namespace app {
 namespace {
+
+using platform::formatWon;
+using platform::parseWon;
+using platform::Won;
 
 constexpr db::Statement<u"SELECT *  FROM PDAUSER WHERE userID = '%s' AND userPASS = '%s' "> kSelectUser;
 constexpr db::Statement<u"SELECT userNAME  FROM PDAUSER WHERE userID = '%s'"> kSelectUserName;
@@ -21,7 +27,7 @@ constexpr db::Statement<u"SELECT JunNo FROM MTMOK WHERE DDate = '%s' ORDER BY Ju
 /// SALE.ini is read in pieces of this many bytes, of which the last one counts.
 constexpr qint64 kSettingsPieceBytes = 32;
 
-constexpr std::int64_t kFirstSimplePayment = 7000;
+constexpr Won kThreshold(7000);
 
 }  // namespace
 
@@ -62,14 +68,17 @@ QString defaultUserId() {
         last = piece;
     }
     last.replace("\n", "").replace("\r", "");
-    // A piece may begin inside a character; what does not convert is no user id.
-    return platform::codepage::decode(last).value_or(QString()).left(1);
+    // Only the first character counts, whatever stands behind it.
+    const bool isDoubleByte = !last.isEmpty() && static_cast<unsigned char>(last[0]) >= 0x80;
+    return platform::codepage::decode(
+               QByteArrayView(last).first(std::min(last.size(), qsizetype{isDoubleByte ? 2 : 1})))
+        .value_or(QString());
 }
 
 QString nextSimplePaymentNumber(QStringView workDate) {
     const auto highest = db::firstRow(kSelectHighestCollection(workDate));
-    const std::int64_t next = highest ? platform::parseInteger(highest->value(0)) + 1 : 0;
-    return QString::number(next >= kFirstSimplePayment ? next : kFirstSimplePayment + 1);
+    const Won next = highest ? parseWon(highest->value(0)) + Won(1) : Won();
+    return formatWon(next >= kThreshold ? next : kThreshold + Won(1));
 }
 
 }  // namespace app

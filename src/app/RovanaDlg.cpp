@@ -142,14 +142,17 @@ void CRovanaDlg::showUserName() {
 }
 
 void CRovanaDlg::enterPassword() {
-    const bool isEntered = askText(u"패스워드"_s);
-    password_->setText(keypadRequest().KeypadValue1);
-    platform::wipe(&keypadRequest().KeypadValue1);
-    if (isEntered && !password_->text().isEmpty()) logIn();
+    if (!askText(u"패스워드"_s)) return;
+    QString& entered = keypadRequest().KeypadValue1;
+    // A copy of its own, so that the record's characters can be wiped.
+    password_->setText(QString(entered.constData(), entered.size()));
+    platform::wipe(&entered);
+    if (!password_->text().isEmpty()) logIn();
 }
 
 void CRovanaDlg::logIn() {
-    QString password = password_->text();
+    const QString shown = password_->text();
+    QString password(shown.constData(), shown.size());
     const bool isKnown =
         app::logIn(userId_->currentText(), password, date_->date().toString(u"yyyy-MM-dd"_s));
     platform::wipe(&password);
@@ -178,10 +181,13 @@ void CRovanaDlg::showMenu() {
 }
 
 void CRovanaDlg::runBehind(int button, const std::function<void()>& action) {
+    // The hidden button would hand the focus to another one, which the next key would press.
+    setFocus();
     control(button)->hide();
     repaint();
     action();
     control(button)->show();
+    control(button)->setFocus();
     repaint();
 }
 

@@ -72,7 +72,6 @@ constexpr std::array kIndexes{
     Index{u"MTMOK_SLIP", u"MTMOK", u"DDate, JunNo, UserID"},
     Index{u"MTMOK_TRANSACTION", u"MTMOK", u"BANKTRANNO, JunNo"},
     Index{u"MTMOK_LIST", u"MTMOK", u"UserID, DDate, JunNo"},
-    Index{u"MTMOK_TRANSACTION", u"MTMOK", u"BANKTRANNO"},
     Index{u"YTM_SLIP", u"YTM", u"DDate, JunNo, UserID"},
     Index{u"BANKMONEY_DATE", u"BankMoney", u"DDate"},
 };

@@ -1,6 +1,7 @@
 #include "platform/Device.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QStandardPaths>
 
 namespace platform::device {
@@ -32,7 +33,14 @@ QString folder() {
 }
 
 QString path(QStringView handheldPath) {
-    return folder() + handheldPath.toString().replace(u'\\', u'/');
+    const QString exact = folder() + handheldPath.toString().replace(u'\\', u'/');
+    if (QFileInfo::exists(exact)) return exact;
+    // The handheld's file names know no case: a file that came as "mtm.rvn" is found all the same.
+    const QFileInfo wanted(exact);
+    for (const QString& name : wanted.dir().entryList(QDir::Files)) {
+        if (name.compare(wanted.fileName(), Qt::CaseInsensitive) == 0) return wanted.dir().filePath(name);
+    }
+    return exact;
 }
 
 }  // namespace platform::device

@@ -38,9 +38,11 @@ class BoundedLog {
         const QString path = file_.fileName();
         file_.close();
         QFile::remove(path + u".1"_s);
-        QFile::rename(path, path + u".1"_s);
+        // A log that cannot be put aside goes on growing rather than lose what it holds.
+        const bool isAside = QFile::rename(path, path + u".1"_s);
+        if (!isAside) limit_ += limit_;
         file_.setFileName(path);
-        file_.open(QIODevice::WriteOnly | QIODevice::Truncate);
+        file_.open(QIODevice::WriteOnly | QIODevice::Append);
         file_.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
     }
 

@@ -60,7 +60,7 @@ void BitmapButton::paintEvent(QPaintEvent*) {
                    : bitmaps_.caption == CaptionColour::Light ? QColor(Qt::white)
                                                               : kDarkCaption);
     painter.drawText(captionArea().adjusted(2, 0, -2, 0), Qt::AlignCenter | wrapping(), text());
-    if (hasFocus() && showsFocus_) {
+    if (hasFocus() && showsFocus_ && isEnabled()) {
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setPen(QPen(kFocusRing, 2));
         painter.setBrush(Qt::NoBrush);

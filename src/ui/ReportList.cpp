@@ -4,6 +4,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QScrollBar>
+#include <QStyledItemDelegate>
 
 #include "ui/Fonts.h"
 
@@ -15,6 +16,18 @@ constexpr int kHeaderHeight = 24;
 constexpr int kScrollBarWidth = 14;
 constexpr QColor kSelection(0x1f, 0x6f, 0xb2);
 constexpr QColor kGrid(0xd5, 0xdc, 0xe4);
+
+/// Paints no frame around the cell that the keys stand on: a row is chosen as a whole or not at all.
+class RowDelegate : public QStyledItemDelegate {
+  public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+  protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+        QStyledItemDelegate::initStyleOption(option, index);
+        option->state &= ~(QStyle::State_HasFocus | QStyle::State_MouseOver);
+    }
+};
 
 }  // namespace
 
@@ -53,6 +66,7 @@ QVariant RowsModel::headerData(int section, Qt::Orientation orientation, int rol
 
 ReportList::ReportList(QWidget* parent) : QTableView(parent), model_(new RowsModel(this)) {
     setModel(model_);
+    setItemDelegate(new RowDelegate(this));
     setFont(ui::font(FontHeight::Small));
     setSelectionBehavior(SelectRows);
     setSelectionMode(SingleSelection);

@@ -120,6 +120,8 @@ void Screen::keyPressEvent(QKeyEvent* event) {
     BitmapButton* button = nullptr;
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) button = default_;
     if (event->key() == Qt::Key_Escape) button = cancel_;
+    // A key held down answers one dialog, not all that open one after the other.
+    if (button != nullptr && event->isAutoRepeat()) return;
     if (button == nullptr || !button->isVisible() || !button->isEnabled())
         return QWidget::keyPressEvent(event);
     button->click();

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QKeyEvent>
+#include <QScopedValueRollback>
 
 #include "platform/Trace.h"
 
@@ -47,11 +48,13 @@ Terminal* Terminal::current() {
 
 void Terminal::show(Screen* screen) {
     stack_.append({screen, focusWidget()});
+    // Taking a new parent makes the screen forget which control wanted the focus.
+    const QPointer<QWidget> wanted = screen->focusWidget();
     screen->setParent(this);
     screen->setGeometry(rect());
     screen->show();
     screen->raise();
-    if (QWidget* wanted = screen->focusWidget()) {
+    if (wanted) {
         wanted->setFocus();
     } else {
         setFocus();
@@ -86,9 +89,12 @@ void Terminal::closeAll() {
 void Terminal::keyPressEvent(QKeyEvent* event) {
     // Keys that no control takes belong to the dialog in front, whatever has the focus.
     Screen* front = top();
-    if (front == nullptr || front->isAncestorOf(focusWidget())) return QWidget::keyPressEvent(event);
+    // What the dialog does not take comes back here and ends here.
+    if (front == nullptr || isForwarding_ || front->isAncestorOf(focusWidget()))
+        return QWidget::keyPressEvent(event);
     if (event->key() == Qt::Key_Tab || event->key() == Qt::Key_Backtab) return QWidget::keyPressEvent(event);
     QKeyEvent copy(event->type(), event->key(), event->modifiers(), event->text(), event->isAutoRepeat());
+    const QScopedValueRollback forwarding(isForwarding_, true);
     QApplication::sendEvent(front, &copy);
 }
 

@@ -12,7 +12,9 @@
 #include <QTest>
 #include <QWindow>
 
+#include "common/DemoCards.h"
 #include "platform/Clock.h"
+#include "platform/termdev/CardReader.h"
 #include "platform/termdev/PaperRoll.h"
 #include "rovana-play/Approval.h"
 #include "rovana-play/DatabaseReader.h"
@@ -95,6 +97,16 @@ Attempt type(const Step& step) {
 
 QString textOf(const Step& step) {
     return step.texts.value(0);
+}
+
+/// Puts a demonstration card through the reader as soon as that takes one.
+Attempt swipe(const Step& step) {
+    const tools::DemoCard* card = tools::findDemoCard(textOf(step));
+    if (card == nullptr) return waitFor(u"there is no such card"_s);
+    platform::termdev::CardReader& reader = platform::termdev::CardReader::instance();
+    if (!reader.isReading()) return waitFor(u"the reader takes no card"_s);
+    return ready(
+        [card, &reader] { reader.swipe(tools::track2(*card).toLatin1(), tools::track3(*card).toLatin1()); });
 }
 
 Attempt chooseRow(const Step& step) {
@@ -326,6 +338,12 @@ Attempt Pilot::attempt(const Step& step) {
             return compareRoll(step);
         case Command::Tear:
             return ready([this] { rollStart_ = platform::termdev::rollText().size(); });
+        case Command::Host:
+            return {{}, [this, options = textOf(step)] {
+                        return cardHost_.start(QProcess::splitCommand(options));
+                    }};
+        case Command::Swipe:
+            return swipe(step);
         case Command::Shot:
             return ready([this, name = textOf(step)] { saveShot(name); });
         case Command::Quit:

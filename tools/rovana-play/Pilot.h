@@ -6,6 +6,7 @@
 #include <QTimer>
 #include <functional>
 
+#include "rovana-play/CardHost.h"
 #include "rovana-play/Script.h"
 
 namespace pilot {
@@ -61,6 +62,7 @@ class Pilot : public QObject {
 
     Script script_;
     Options options_;
+    CardHost cardHost_;
     QTimer timer_;
     QElapsedTimer waiting_;  ///< Since the step at hand came up.
     qsizetype current_ = 0;

@@ -9,6 +9,7 @@
 #include <QInputMethodEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QStyle>
 #include <QStyleOptionButton>
@@ -117,6 +118,7 @@ QString shownText(const QWidget& control) {
     if (const auto* label = qobject_cast<const QLabel*>(&control)) return label->text();
     if (const auto* button = qobject_cast<const QAbstractButton*>(&control)) return button->text();
     if (const auto* edit = qobject_cast<const QLineEdit*>(&control)) return edit->displayText();
+    if (const auto* box = qobject_cast<const QPlainTextEdit*>(&control)) return box->toPlainText();
     if (const auto* combo = qobject_cast<const QComboBox*>(&control)) return combo->currentText();
     if (const auto* date = qobject_cast<const QDateTimeEdit*>(&control))
         return date->date().toString(Qt::ISODate);

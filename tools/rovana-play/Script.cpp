@@ -62,6 +62,8 @@ const QList<Syntax>& syntaxes() {
         {u"expect sql", Command::ExpectSql, {Word, Text}, u"\"SELECT ...\" TEXT"},
         {u"expect roll", Command::ExpectRoll, {Text}, u"FILE"},
         {u"tear", Command::Tear, {}, u""},
+        {u"host", Command::Host, {Text}, u"\"OPTIONS\""},
+        {u"swipe", Command::Swipe, {Word}, u"CARD"},
         {u"shot", Command::Shot, {Name}, u"NAME"},
         {u"quit", Command::Quit, {}, u""},
     };

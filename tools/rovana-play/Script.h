@@ -36,6 +36,8 @@ enum class Command {
     ExpectSql,
     ExpectRoll,
     Tear,
+    Host,
+    Swipe,
     Shot,
     Quit,
 };
