@@ -48,9 +48,9 @@ std::optional<Document> collectionSlip(QStringView date, QStringView junNo, QStr
     if (slip->Gubun != app::kCollectionAlone || !slip->MMoney.isZero() || !slip->YGMoney.isZero()) {
         amountLine(document, u"공급가액", slip->PMoney);
         amountLine(document, u"부가세액", slip->BMoney);
-        amountLine(document, u"비주류금액", slip->GDMoney);
         amountLine(document, u"보증금액", slip->YGMoney);
-        document.labelAmount(u"매출합계", slip->amounts().total);
+        document.labelAmount(u"매출합계", slip->MMoney + slip->YGMoney);
+        amountLine(document, u"비주류금액", slip->GDMoney);
         document.rule(Document::Rule::Thin);
     }
     paymentBlock(document, *slip);

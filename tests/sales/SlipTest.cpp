@@ -267,15 +267,20 @@ TEST_F(SlipTest, DeletesByNumberAndDateWhoeverWroteIt) {
     EXPECT_TRUE(deleteSlip(kToday, kNumber, false));
     EXPECT_EQ(counts(), u"2 4 4"_s);
     fill();
+    device.insert(u"GARAE", {{u"GCODE", u"0001"}, {u"CJMONEY", u"1000"}});
+    device.execute(u"UPDATE MTMOK SET GCode = '0001', MMoney = '400', InMoney = '150'"_s);
     EXPECT_TRUE(deleteSlip(kToday, kNumber, true));
     EXPECT_EQ(counts(), u"2 2 2"_s);
+    EXPECT_EQ(device.value(u"SELECT CJMONEY FROM GARAE"_s), u"500"_s);
     EXPECT_EQ(device.rows(u"SELECT JunNo, DDate FROM YTM ORDER BY JunNo"_s),
               (QList<QStringList>{{u"5001"_s, u"2024-05-06"_s}, {u"5002"_s, u"2024-05-07"_s}}));
 
     fill();
     device.execute(u"CREATE TRIGGER broken BEFORE DELETE ON YTM BEGIN SELECT RAISE(ROLLBACK, 'disk'); END"_s);
+    device.execute(u"UPDATE MTMOK SET GCode = '0001', MMoney = '400', InMoney = '150'"_s);
     EXPECT_FALSE(deleteSlip(kToday, kNumber, true));
     EXPECT_EQ(counts(), u"4 4 4"_s);
+    EXPECT_EQ(device.value(u"SELECT CJMONEY FROM GARAE"_s), u"500"_s);
 }
 
 }  // namespace

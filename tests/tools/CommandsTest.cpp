@@ -102,6 +102,30 @@ TEST_F(CommandsTest, SlipsAreSummedByNumberAndUser) {
         << narrow(paper.out);
 }
 
+TEST_F(CommandsTest, PrintsWhatWasPaid) {
+    makeDevice();
+    execute(
+        u"INSERT INTO MTMOK (DDate, Gubun, GName, JunNo, UserID, CardMoney, BANKTRANNO) VALUES"
+        "('2024-03-29', '매출', '가람', '5001', 'A', '1000', 'T1'),"
+        "('2024-03-29', '단순결제', '나루', '7001', 'B', '2000', 'T2')"_s);
+    const struct {
+        QString document, number;
+        int exitCode;
+        QString printed;
+    } cases[] = {
+        {u"collection"_s, u"5001"_s, admin::kSuccess, u"거래번호 : T1\n"_s},
+        {u"collection"_s, u"5002"_s, admin::kFailure, {}},
+        {u"card"_s, u"7001"_s, admin::kSuccess, u"거래번호 : T2\n"_s},
+        {u"card"_s, u"5001"_s, admin::kFailure, {}},
+    };
+    for (const auto& c : cases) {
+        const Ended ended = run({u"print"_s, c.document, c.number, u"--date"_s, kDay});
+        EXPECT_EQ(ended.exitCode, c.exitCode) << narrow(c.document + c.number);
+        EXPECT_TRUE(ended.out.contains(c.printed)) << narrow(ended.out);
+        EXPECT_EQ(ended.err.isEmpty(), c.exitCode == admin::kSuccess) << narrow(ended.err);
+    }
+}
+
 /// The program itself, in an environment that knows no UTF-8.
 Ended runProgram(const QStringList& arguments, const QByteArray& input = {}) {
     QProcess process;
