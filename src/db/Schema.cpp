@@ -70,6 +70,7 @@ constexpr std::array kIndexes{
     Index{u"MTM_CUSTOMER", u"MTM", u"DDate, GCode"},
     Index{u"MTM_LIST", u"MTM", u"UserID, DDate, WorkGubun, JunNo"},
     Index{u"MTMOK_SLIP", u"MTMOK", u"DDate, JunNo, UserID"},
+    Index{u"MTMOK_TRANSACTION", u"MTMOK", u"BANKTRANNO, JunNo"},
     Index{u"MTMOK_LIST", u"MTMOK", u"UserID, DDate, JunNo"},
     Index{u"YTM_SLIP", u"YTM", u"DDate, JunNo, UserID"},
     Index{u"BANKMONEY_DATE", u"BankMoney", u"DDate"},
