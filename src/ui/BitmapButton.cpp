@@ -9,7 +9,7 @@ namespace ui {
 namespace {
 
 constexpr QColor kDarkCaption(0x14, 0x20, 0x2b);
-constexpr QColor kDisabledCaption(0x9a, 0xa5, 0xb1);
+constexpr QColor kDisabledCaption(0x6b, 0x77, 0x85);
 constexpr QColor kFocusRing(0xf5, 0x9e, 0x0b);
 constexpr qreal kDisabledOpacity = 0.45;
 

@@ -245,6 +245,7 @@ void CCardDlg::exchangeEnded() {
                 paymentApproved();
             } else {
                 ui::message(u"한번더 카드리딩후 암호를 입력해주세여 ^^!"_s);
+                picture_->show();
             }
             break;
         case app::RequestType::BalanceInquiry:

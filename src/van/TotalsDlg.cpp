@@ -94,6 +94,8 @@ void CTotalsDlg::setExchanging(bool isExchanging) {
     } else {
         QGuiApplication::restoreOverrideCursor();
     }
+    // The hidden button would hand the focus to the closing one.
+    setFocus();
     control(kSummaryButton)->setVisible(!isExchanging);
 }
 
