@@ -18,16 +18,21 @@ constexpr int kTallestText = 200;
 constexpr QColor kShade(0x14, 0x20, 0x2b, 110);
 constexpr QColor kBorder(0x33, 0x4e, 0x68);
 
+/// A message that lists amounts joins them with "&" to one word, wider than the panel: a line may end there.
+QString breakable(const QString& text) {
+    constexpr char16_t kZeroWidthSpace = 0x200b;
+    return QString(text).replace(u'&', u'&' + QString(QChar(kZeroWidthSpace)));
+}
+
 }  // namespace
 
 MessageBox::MessageBox(const QString& text, const QString& caption, Buttons buttons)
     : Screen(kMessageBoxId), text_(text), caption_(caption) {
     const QFontMetrics metrics(ui::font(FontHeight::Medium));
     const int textWidth = kPanelWidth - 2 * kMargin;
+    const QString shown = breakable(text);
     const int textHeight = std::min(
-        metrics.boundingRect(0, 0, textWidth, kTallestText, Qt::TextWordWrap | Qt::TextWrapAnywhere, text)
-            .height(),
-        kTallestText);
+        metrics.boundingRect(0, 0, textWidth, kTallestText, Qt::TextWordWrap, shown).height(), kTallestText);
     const int captionHeight = caption.isEmpty() ? 0 : kCaptionHeight;
     panel_ = QRect(0, 0, kPanelWidth, captionHeight + textHeight + 2 * kMargin + kButtonRow);
     panel_.moveCenter(rect().center());
@@ -39,7 +44,7 @@ MessageBox::MessageBox(const QString& text, const QString& caption, Buttons butt
         setTextColour(heading, Qt::white);
     }
     QLabel* body = addLabel(
-        0, text,
+        0, shown,
         QRect(panel_.left() + kMargin, panel_.top() + captionHeight + kMargin, textWidth, textHeight),
         FontHeight::Medium, Qt::AlignLeft | Qt::AlignTop);
     body->setWordWrap(true);

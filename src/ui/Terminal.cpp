@@ -89,12 +89,13 @@ void Terminal::closeAll() {
 void Terminal::keyPressEvent(QKeyEvent* event) {
     // Keys that no control takes belong to the dialog in front, whatever has the focus.
     Screen* front = top();
-    // What the dialog does not take comes back here and ends here.
-    if (front == nullptr || isForwarding_ || front->isAncestorOf(focusWidget()))
+    // What the dialog does not take comes back here and ends here. Another key may come first: the one on its
+    // way can open a dialog and return only when that is closed.
+    if (front == nullptr || event == forwarded_ || front->isAncestorOf(focusWidget()))
         return QWidget::keyPressEvent(event);
     if (event->key() == Qt::Key_Tab || event->key() == Qt::Key_Backtab) return QWidget::keyPressEvent(event);
     QKeyEvent copy(event->type(), event->key(), event->modifiers(), event->text(), event->isAutoRepeat());
-    const QScopedValueRollback forwarding(isForwarding_, true);
+    const QScopedValueRollback<const QKeyEvent*> forwarding(forwarded_, &copy);
     QApplication::sendEvent(front, &copy);
 }
 

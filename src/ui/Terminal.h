@@ -47,7 +47,7 @@ class Terminal : public QWidget {
     void keepFocusInFront(QWidget* now);
 
     QList<Entry> stack_;
-    bool isForwarding_ = false;  ///< A key is on its way to the dialog in front.
+    const QKeyEvent* forwarded_ = nullptr;  ///< The key on its way to the dialog in front.
 };
 
 /// Makes the screen for a dialog id; null for an id without one.
