@@ -1,10 +1,7 @@
 #include "platform/message/Component.h"
 
 #include <QDate>
-#include <QHostAddress>
 #include <QMetaObject>
-#include <QNetworkProxy>
-#include <QTcpSocket>
 #include <QTimer>
 #include <algorithm>
 #include <array>
@@ -12,6 +9,7 @@
 #include <utility>
 
 #include "platform/Trace.h"
+#include "platform/message/Connection.h"
 #include "platform/message/SavedValues.h"
 
 namespace platform::message {
@@ -105,7 +103,7 @@ struct Component::Request {
 
 struct Component::Exchange {
     std::unique_ptr<Request> request;  ///< Null once the exchange has failed to start.
-    QTcpSocket* socket = nullptr;
+    Connection* connection = nullptr;
     QTimer* timer = nullptr;
     FrameReader reader;
     Stage stage = Stage::Starting;
@@ -121,11 +119,11 @@ struct Component::Exchange {
             timer->deleteLater();
             timer = nullptr;
         }
-        if (socket) {
-            socket->disconnect();
-            socket->abort();
-            socket->deleteLater();
-            socket = nullptr;
+        if (connection) {
+            connection->disconnect();
+            connection->close();
+            connection->deleteLater();
+            connection = nullptr;
         }
     }
 };
@@ -355,9 +353,8 @@ Status Component::commun(Arguments arguments) {
         [this, status] {
             if (status != kDone) {
                 failWith(status);
-            } else if (exchange_ && exchange_->socket && reach(Stage::Communicating)) {
-                // A connection that stood at once has told so already.
-                if (exchange_->socket->state() == QAbstractSocket::ConnectedState) sendRequest();
+            } else if (exchange_ && exchange_->connection) {
+                reach(Stage::Communicating);
             }
         },
         Qt::QueuedConnection);
@@ -373,28 +370,22 @@ Status Component::start(QStringView host, quint16 port, int timeOut) {
     const Status ready = std::exchange(requestStatus_, kBadInput);
     header_.reset();
     if (ready != kDone) return ready;
-    QHostAddress address;
-    if (timeOut <= 0 || port == 0 || !address.setAddress(host.toString()) ||
-        address.protocol() != QAbstractSocket::IPv4Protocol || address == QHostAddress::AnyIPv4) {
-        return kBadInput;
-    }
+    const std::optional<quint32> address = parseAddress(host);
+    if (timeOut <= 0 || port == 0 || !address) return kBadInput;
 
-    auto* const socket = exchange_->socket = new QTcpSocket(this);
-    socket->setProxy(QNetworkProxy::NoProxy);
-    socket->setReadBufferSize(kFrameLimit);
-    socket->connectToHost(address, port);
-    if (socket->state() == QAbstractSocket::UnconnectedState) {
-        const bool hasSocket = socket->error() != QAbstractSocket::SocketResourceError &&
-                               socket->error() != QAbstractSocket::SocketAccessError &&
-                               socket->error() != QAbstractSocket::UnsupportedSocketOperationError;
-        return hasSocket ? kConnectionFailed : kLinkFailed;
+    auto* const connection = exchange_->connection = new Connection(this);
+    switch (connection->open(*address, port)) {
+        case Connection::Start::UnderWay:
+            break;
+        case Connection::Start::Failed:
+            return kConnectionFailed;
+        case Connection::Start::NoSocket:
+            return kLinkFailed;
     }
-    connect(socket, &QTcpSocket::connected, this, &Component::sendRequest);
-    connect(socket, &QTcpSocket::bytesWritten, this, [this] {
-        if (exchange_->socket->bytesToWrite() == 0) reach(Stage::Sent);
-    });
-    connect(socket, &QTcpSocket::readyRead, this, &Component::readReply);
-    connect(socket, &QTcpSocket::errorOccurred, this, &Component::connectionLost);
+    connect(connection, &Connection::connected, this, &Component::sendRequest);
+    connect(connection, &Connection::written, this, [this] { reach(Stage::Sent); });
+    connect(connection, &Connection::readyRead, this, &Component::readReply);
+    connect(connection, &Connection::lost, this, &Component::connectionLost);
 
     auto* const timer = exchange_->timer = new QTimer(this);
     timer->setSingleShot(true);
@@ -409,22 +400,19 @@ void Component::sendRequest() {
     if (request.digest) {
         unansweredPayment() = {request.number, *request.digest, std::chrono::steady_clock::now()};
     }
-    exchange_->socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
-    exchange_->socket->write(request.frame);
+    exchange_->connection->write(request.frame);
 }
 
 void Component::readReply() {
-    while (exchange_->socket->bytesAvailable() > 0) {
-        exchange_->reader.add(exchange_->socket->read(kFrameLimit));
-        for (;;) {
-            Frame frame;
-            const FrameReader::Result result = exchange_->reader.next(&frame);
-            if (result == FrameReader::Result::Incomplete) break;
-            if (result != FrameReader::Result::Complete) return breakOff(describe(result));
-            if (frame.kind != FrameKind::Reply) return breakOff(u"the card host sent no reply");
-            if (frame.number == exchange_->request->number) return takeReply(frame);
-            trace(u"a reply to another request is ignored");
-        }
+    exchange_->reader.add(exchange_->connection->read());
+    for (;;) {
+        Frame frame;
+        const FrameReader::Result result = exchange_->reader.next(&frame);
+        if (result == FrameReader::Result::Incomplete) return;
+        if (result != FrameReader::Result::Complete) return breakOff(describe(result));
+        if (frame.kind != FrameKind::Reply) return breakOff(u"the card host sent no reply");
+        if (frame.number == exchange_->request->number) return takeReply(frame);
+        trace(u"a reply to another request is ignored");
     }
 }
 
@@ -458,7 +446,7 @@ void Component::connectionLost() {
         return;
     }
     readReply();
-    if (!current.expired() && exchange_->socket) breakOff(u"the card host closed the connection");
+    if (!current.expired() && exchange_->connection) breakOff(u"the card host closed the connection");
 }
 
 /// Emits the signals that lead to `stage`, as far as they are due. False when a receiver has let the
