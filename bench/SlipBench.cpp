@@ -109,7 +109,7 @@ QString writeSlip() {
     const QString gcode = customerCode(kCustomers - 1);
     check(!sales::customerHasSlip(kDay, gcode), "the customer has a slip already");
     const QString junNo = sales::nextSlipNumber(kSalesWork, kDay).value_or(QString());
-    check(sales::openSlip(kSalesman, kDay, junNo).lines.isEmpty(), "a new slip is not empty");
+    check(sales::openSlip(kSalesman, kDay, junNo).value().lines.isEmpty(), "a new slip is not empty");
     const QString kind = sales::customerAccount(gcode).Gubun;
     for (int i = 0; i < kLines; ++i) {
         sales::SlipLine line;
@@ -128,7 +128,8 @@ QString writeSlip() {
         check(sales::insertLine(line), "a line was not taken");
     }
     check(sales::saveSlip(kSalesman, kDay, junNo) == sales::SaveOutcome::Saved, "the slip was not saved");
-    check(sales::openSlip(kSalesman, kDay, junNo).lines.count() == kLines, "the slip is not complete");
+    check(sales::openSlip(kSalesman, kDay, junNo).value().lines.count() == kLines,
+          "the slip is not complete");
     check(sales::slipsOfDay(kSalesman, kDay).slips.count() == kSlipsOfTheDay + 1, "the list is not complete");
     return junNo;
 }

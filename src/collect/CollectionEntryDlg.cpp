@@ -145,6 +145,7 @@ void CCollectionEntryDlg::load() {
         isApproved_ = saved->isApproved();
         // The collection list knows the customer's name only.
         session.action.GCode = saved->GCode;
+        if (session.WorkMode != app::kSalesWork) session.action.CrateDepositSum = saved->YMoney;
         if (isApproved_) setText(1110, u"결제"_s);
     }
     if (session.WorkMode == app::kSalesWork) {
@@ -156,6 +157,8 @@ void CCollectionEntryDlg::load() {
         amounts_.deposit = session.action.CheckoutDeposits;
     }
     recomputeTotal(amounts_);
+    // A slip that changed since its collection was saved leaves the difference unpaid.
+    if (saved) collect::keyEarlierReceivable(amounts_, amounts_.earlierReceivable);
     amounts_.previousReceivable =
         app::previousReceivable(session.action.GCode, session.WorkDate, session.action.JunNo, session.UserID);
 }

@@ -19,6 +19,11 @@ bool Transaction::isAlive() const {
     return isOpen_ && connection_.m_pConnection->IsUsable();
 }
 
+bool Transaction::run(const Sql& statement) {
+    CVORecordset recordset(connection_);
+    return recordset.Open(statement, kForwardOnly, kReadOnly);
+}
+
 bool Transaction::commit() {
     if (!isOpen_ || platform::adoce::failed(connection_.m_pConnection->CommitTrans())) return false;
     isOpen_ = false;

@@ -20,6 +20,9 @@ class Transaction {
     /// (disk full, read or write error).
     bool isAlive() const;
 
+    /// Runs a statement of the transaction. False when it failed, for what is saved whole or not at all.
+    bool run(const Sql& statement);
+
     /// Makes the statements last. False, and everything is taken back, when that fails (disk full,
     /// transaction not begun); the trace says why.
     bool commit();

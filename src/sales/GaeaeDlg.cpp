@@ -38,7 +38,7 @@ int workScreen(int workMode) {
 
 }  // namespace
 
-CGaeaeDlg::CGaeaeDlg() : Screen(app::dialogs::kCustomerList) {
+CGaeaeDlg::CGaeaeDlg() : Screen(app::dialogs::kCustomerList), seek_(app::session().action.SeekValue) {
     ui::ReportList* list = addList(kList, {0, 0, 240, 236});
     const ui::ListColumn columns[] = {{u"코드"_s, 50}, {u"거래처명"_s, 180}, {u"거래일자"_s, 70}};
     list->setColumns(columns);
@@ -78,7 +78,7 @@ void CGaeaeDlg::fill() {
     const ui::WaitCursor wait;
     auto* list = static_cast<ui::ReportList*>(control(kList));
     list->clear();
-    list->setRows(customers(app::session().action.SeekValue, app::session().UserID, ownOnly_));
+    list->setRows(customers(seek_, app::session().UserID, ownOnly_));
 }
 
 void CGaeaeDlg::choose(int row) {

@@ -17,6 +17,8 @@ class CGaeaeDlg : public ui::Screen {
     void choose(int row);
     void confirm();
 
+    /// The key that the list was opened for: confirming clears the session's, also when it is refused.
+    QString seek_;
     bool ownOnly_ = true;
 };
 

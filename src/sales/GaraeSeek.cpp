@@ -1,5 +1,6 @@
 #include "sales/GaraeSeek.h"
 
+#include "app/CollectionSlip.h"
 #include "app/Dialogs.h"
 #include "app/Session.h"
 #include "sales/Checkout.h"
@@ -77,6 +78,8 @@ void CGaraeSeek::choose(int row) {
     action.JunNo = list_->text(row, 2);
     action.GName = list_->text(row, 1);
     action.SlipState = list_->text(row, 0);
+    // The list knows the name only; the slip's own lines say who the customer is.
+    action.GCode.clear();
 }
 
 void CGaraeSeek::closeIfDone() {
@@ -103,9 +106,13 @@ void CGaraeSeek::pay() {
         ui::message(u"전표를 선택하세요!"_s);
         return;
     }
-    const OpenedSlip slip = sales::openSlip(session.UserID, session.WorkDate, action.JunNo);
-    action.GCode = slip.GCode;
-    handOver(slip.sums, customerAccount(slip.GCode).CJMoney);
+    const auto slip = sales::openSlip(session.UserID, session.WorkDate, action.JunNo);
+    if (!slip) {
+        ui::message(u"주문서를 열지 못했습니다..!"_s);
+        return;
+    }
+    action.GCode = slip->GCode;
+    handOver(slip->sums, customerAccount(slip->GCode).CJMoney);
     ui::runScreen(app::dialogs::kCollectionEntry);
     closeIfDone();
 }
@@ -117,10 +124,14 @@ void CGaraeSeek::deleteChosen() {
         ui::message(u"삭제할 전표를 선택하세요!"_s);
         return;
     }
-    const bool alsoFollowers = session.action.SlipState != kPaid ||
-                               ui::confirm(u"카드결제된 입금표를 삭제할까요?"_s, u"카드결제된 입금표삭제"_s);
-    deleteSlip(session.WorkDate, session.action.JunNo, alsoFollowers);
-    ui::message(u"선택된 주문전표와 입금표 / 인수증을 삭제하였습니다..!"_s);
+    const auto collection = app::loadCollection(session.WorkDate, session.action.JunNo, session.UserID);
+    // A paid slip that was saved again is unprinted, but its card payment stands all the same.
+    const bool isPaid = session.action.SlipState == kPaid || (collection && collection->isApproved());
+    const bool alsoFollowers =
+        !isPaid || ui::confirm(u"카드결제된 입금표를 삭제할까요?"_s, u"카드결제된 입금표삭제"_s);
+    const bool isDeleted = deleteSlip(session.WorkDate, session.action.JunNo, alsoFollowers);
+    ui::message(!isDeleted ? u"주문전표를 삭제하지 못했습니다..!"_s
+                           : u"선택된 주문전표와 입금표 / 인수증을 삭제하였습니다..!"_s);
     fill();
 }
 

@@ -1,6 +1,7 @@
 #include "sales/MtmDlg.h"
 
 #include <QLabel>
+#include <QTimer>
 
 #include "app/Dialogs.h"
 #include "app/KeypadRequest.h"
@@ -63,8 +64,12 @@ CMtmDlg::CMtmDlg() : Screen(app::dialogs::kSalesSlip) {
                                       {u"본"_s, 34, Qt::AlignRight | Qt::AlignVCenter}};
     list_->setColumns(columns);
     connect(list_, &ui::ReportList::rowClicked, this, &CMtmDlg::selectLine);
-    connect(list_, &ui::ReportList::emptyPartClicked, this,
-            [] { ui::message(u"매출상품이 선택되지 않았습니다..!"_s); });
+    connect(list_, &ui::ReportList::emptyPartClicked, this, [this] {
+        list_->clearSelection();
+        deselect();
+        showAmounts();
+        ui::message(u"매출상품이 선택되지 않았습니다..!"_s);
+    });
     connect(list_, &ui::ReportList::rowDoubleClicked, this, [this](int row) {
         selectLine(row);
         changeQuantities();
@@ -110,7 +115,7 @@ void CMtmDlg::addAmountRows() {
 
 void CMtmDlg::addButtons() {
     const auto button = [this](int controlId, const QString& caption, QPoint at, ui::ButtonBitmaps pictures,
-                               void (CMtmDlg::*action)()) {
+                               auto action) {
         ui::BitmapButton* result = addButton(controlId, caption, at, pictures);
         connect(result, &ui::BitmapButton::clicked, this, action);
         return result;
@@ -127,9 +132,16 @@ void CMtmDlg::addButtons() {
 
 void CMtmDlg::openSlip() {
     app::SessionValues& session = app::session();
-    const OpenedSlip slip = sales::openSlip(session.UserID, session.WorkDate, session.action.JunNo);
+    const auto opened = sales::openSlip(session.UserID, session.WorkDate, session.action.JunNo);
+    if (!opened) {
+        QTimer::singleShot(0, this, [this] {
+            ui::message(u"주문서를 열지 못했습니다..!"_s);
+            close(Cancelled);
+        });
+    }
+    const OpenedSlip slip = opened.value_or(OpenedSlip{});
     // The slip list knows the customer's name only; the slip itself knows who it is.
-    if (!slip.GCode.isEmpty()) session.action.GCode = slip.GCode;
+    if (session.action.GCode.isEmpty()) session.action.GCode = slip.GCode;
     const CustomerAccount account = customerAccount(session.action.GCode);
     session.action.CustomerKind = account.Gubun;
     receivable_ = account.CJMoney;
@@ -163,11 +175,13 @@ void CMtmDlg::showAmounts() {
         setAmount(row.lineValue, row.of(selectedAmounts_));
         setAmount(row.slipSum, row.slipSum == kTotalSum ? total() : row.of(sums_));
     }
+    handOver(sums_, receivable_);
 }
 
 void CMtmDlg::markUnsaved() {
     hasUnsavedLines_ = true;
     savedMark_->clear();
+    sums_ = workingSums();
 }
 
 void CMtmDlg::deselect() {
@@ -202,7 +216,7 @@ void CMtmDlg::addProduct(const QString& pcode) {
     }
     std::int64_t boxes = 0;
     std::int64_t bottles = 0;
-    if (!askQuantities(&boxes, &bottles, {})) return;
+    if (!askQuantities(&boxes, &bottles)) return;
 
     app::SessionValues& session = app::session();
     const ProductName product = productName(pcode).value_or(ProductName{});
@@ -219,21 +233,20 @@ void CMtmDlg::addProduct(const QString& pcode) {
     line.Box = QString::number(boxes);
     line.Bon = QString::number(bottles);
     line.setAmounts(amounts);
-    if (insertLine(line)) {
-        sums_ += amounts;
-        markUnsaved();
-    }
+    if (insertLine(line)) markUnsaved();
     showLines();
     // The list is short: the new line may stand below what it shows.
     list_->scrollTo(list_->model()->index(rowOf({line.PCode, line.Box, line.Bon}), 0));
     showAmounts();
 }
 
-bool CMtmDlg::askQuantities(std::int64_t* boxes, std::int64_t* bottles, const LineKey& start) {
-    if (!app::askTwoNumbers(u"박스수량"_s, u"본  수량"_s, start.Box, start.Bon)) return false;
+bool CMtmDlg::askQuantities(std::int64_t* boxes, std::int64_t* bottles) {
+    if (!app::askTwoNumbers(u"박스수량"_s, u"본  수량"_s)) return false;
     *boxes = parseInteger(app::keypadRequest().KeypadValue1);
     *bottles = parseInteger(app::keypadRequest().KeypadValue2);
     const auto isTooLong = [](std::int64_t n) { return n > kHighestQuantity || n < -kHighestQuantity; };
+    // A line of nothing is no line.
+    if (*boxes == 0 && *bottles == 0) return false;
     if (!isTooLong(*boxes) && !isTooLong(*bottles)) return true;
     ui::message(u"박스, 본 수량을 3자리까지만 지원합니다.. ^^!"_s);
     return false;
@@ -252,14 +265,18 @@ void CMtmDlg::changeQuantities() {
     }
     std::int64_t boxes = 0;
     std::int64_t bottles = 0;
-    if (!askQuantities(&boxes, &bottles, *selected_)) return;
+    if (!askQuantities(&boxes, &bottles)) return;
+    const LineKey changed{selected_->PCode, QString::number(boxes), QString::number(bottles)};
+    // Two lines of the same product and quantities could not be told apart any more.
+    if (changed != *selected_ && rowOf(changed) >= 0) {
+        ui::message(u"상품이 이미 등록되어있습니다..!"_s);
+        return;
+    }
     const app::ActionValues& action = app::session().action;
     const LineAmounts amounts =
         priceLine(action.GCode, action.CustomerKind, selected_->PCode, boxes, bottles).amounts;
     if (replaceQuantities(*selected_, boxes, bottles, amounts)) {
-        sums_ -= selectedAmounts_;
-        sums_ += amounts;
-        selected_ = LineKey{selected_->PCode, QString::number(boxes), QString::number(bottles)};
+        selected_ = changed;
         selectedAmounts_ = amounts;
         markUnsaved();
     }
@@ -279,8 +296,6 @@ void CMtmDlg::editAmount(const AmountEdit& edit) {
     if (!app::askNumber(edit.title, formatWon(edit.start(selectedAmounts_)))) return;
     const LineAmounts changed = edit.apply(selectedAmounts_, parseWon(app::keypadRequest().KeypadValue1));
     if (!replaceAmounts(*selected_, changed)) return;
-    sums_ -= selectedAmounts_;
-    sums_ += changed;
     selectedAmounts_ = changed;
     markUnsaved();
     showAmounts();
@@ -292,39 +307,47 @@ void CMtmDlg::deleteSelected() {
         ui::message(u"상품이 선택되지 않으면 삭제할수 없습니다."_s);
         return;
     }
-    sums_ -= selectedAmounts_;
     deleteLine(*selected_);
     markUnsaved();
     deselect();
     showLines();
-    if (list_->rowCount() == 0) sums_ = {};
     showAmounts();
 }
 
-void CMtmDlg::save() {
+bool CMtmDlg::save() {
     const app::SessionValues& session = app::session();
     const SaveOutcome outcome = saveSlip(session.UserID, session.WorkDate, session.action.JunNo);
     if (outcome == SaveOutcome::Empty) ui::message(u"주문서에 등록된 상품이 없습니다..!"_s);
-    if (outcome == SaveOutcome::Failed) return;
+    if (outcome == SaveOutcome::Failed) return false;
     hasUnsavedLines_ = false;
     savedMark_->setText(outcome == SaveOutcome::Saved ? u"저장됨"_s : QString());
+    return true;
 }
 
 void CMtmDlg::finish() {
     app::SessionValues& session = app::session();
-    handOver(sums_, receivable_);
     if (isWorkingSlipEmpty()) {
         ui::message(u"매출상품이 선택되지 않았습니다..!"_s);
         return;
     }
     // What is paid and printed is the saved slip, so what is on screen is saved on the way there.
-    if (hasUnsavedLines_) save();
+    if (hasUnsavedLines_ && !save()) {
+        ui::message(u"주문서를 저장하지 못했습니다..!"_s);
+        return;
+    }
 
     int next = app::dialogs::kCollectionEntry;
     if (session.UserField4 == u"N") next = app::dialogs::kContainerDeposit;
     if (session.UserField4 == u"Y" || session.UserField4 == u"Z") next = app::dialogs::kContainerSlip;
     ui::runScreen(next);
-    if (session.SlipDone == 1) close(Accepted);
+    if (session.SlipDone == 1) {
+        close(Accepted);
+        return;
+    }
+    // The collection may have moved it.
+    receivable_ = customerAccount(session.action.GCode).CJMoney;
+    setAmount(kReceivable, receivable_);
+    showAmounts();
 }
 
 }  // namespace sales

@@ -39,7 +39,8 @@ class CMtmDlg : public ui::Screen {
     void changeQuantities();
     void editAmount(const AmountEdit& edit);
     void deleteSelected();
-    void save();
+    /// False when the database did not take the slip.
+    bool save();
     void finish();
 
     /// Refills the list; the chosen line stays chosen.
@@ -49,7 +50,8 @@ class CMtmDlg : public ui::Screen {
     void showAmounts();
     void markUnsaved();
     void deselect();
-    bool askQuantities(std::int64_t* boxes, std::int64_t* bottles, const LineKey& start);
+    /// False when the keypad was left without a quantity, or with one of more than three digits.
+    bool askQuantities(std::int64_t* boxes, std::int64_t* bottles);
     platform::Won total() const;
 
     ui::ReportList* list_ = nullptr;

@@ -1,5 +1,6 @@
 #include "sales/Pricing.h"
 
+#include <charconv>
 #include <cmath>
 #include <optional>
 
@@ -51,8 +52,16 @@ Deposits depositsAt(db::CVORecordset& recordset, int firstColumn) {
             wonAt(recordset, firstColumn + 2)};
 }
 
+/// The number at the start of the column's text, a fraction included; 0 for a text without one.
+double realAt(db::CVORecordset& recordset, int column) {
+    const QByteArray text = recordset.GetFieldString(column).trimmed().toLatin1();
+    double number = 0;
+    std::from_chars(text.begin(), text.end(), number);
+    return std::isfinite(number) ? number : 0;
+}
+
 UnitPrices costPricesAt(db::CVORecordset& recordset) {
-    return {wonAt(recordset, 0), wonAt(recordset, 1), wonAt(recordset, 2), wonAt(recordset, 3),
+    return {realAt(recordset, 0), realAt(recordset, 1), realAt(recordset, 2), realAt(recordset, 3),
             depositsAt(recordset, 4)};
 }
 
@@ -84,10 +93,10 @@ LineAmounts contractAmounts(const ContractPrices& prices, std::int64_t boxes, st
             .bottleDeposit = boxes * prices.ysboxmoney + bottles * prices.ysbonmoney};
 }
 
-LineAmounts marginAmounts(const UnitPrices& prices, std::int64_t marginPercent, std::int64_t boxes,
+LineAmounts marginAmounts(const UnitPrices& prices, double marginPercent, std::int64_t boxes,
                           std::int64_t bottles) {
-    const double margin = double(marginPercent) * 0.01;
-    const auto raised = [&](Won price) { return double(price.value()) + double(price.value()) * margin; };
+    const double margin = marginPercent * 0.01;
+    const auto raised = [&](double price) { return price + price * margin; };
     LineAmounts amounts = depositAmounts(prices.deposits, boxes, bottles);
     amounts.supply =
         roundedUp(boxes, raised(prices.boxSupply)) + roundedUp(bottles, raised(prices.bottleSupply));
@@ -115,10 +124,8 @@ PricedLine priceLine(QStringView gcode, QStringView customerKind, QStringView pc
     QString productClass;
     readFirst(connection, kProduct(pcode),
               [&](db::CVORecordset& row) { productClass = row.GetFieldString(1); });
-    std::int64_t margin = 0;
-    const auto readMargin = [&](db::CVORecordset& row) {
-        margin = platform::parseInteger(row.GetFieldString(0));
-    };
+    double margin = 0;
+    const auto readMargin = [&](db::CVORecordset& row) { margin = realAt(row, 0); };
     UnitPrices prices;
     const auto readCostPrices = [&](db::CVORecordset& row) { prices = costPricesAt(row); };
     if (readFirst(connection, kClassMargin(gcode, productClass), readMargin)) {
@@ -134,7 +141,7 @@ PricedLine priceLine(QStringView gcode, QStringView customerKind, QStringView pc
 
     readFirst(connection, kTierPrices(pcode), [&](db::CVORecordset& row) {
         const int tier = customerKind == kTierAKind ? 0 : 1;
-        prices = {wonAt(row, tier), wonAt(row, 2 + tier), wonAt(row, 4 + tier), wonAt(row, 6 + tier),
+        prices = {realAt(row, tier), realAt(row, 2 + tier), realAt(row, 4 + tier), realAt(row, 6 + tier),
                   depositsAt(row, 8)};
     });
     return {PriceSource::Tier, tierAmounts(prices, boxes, bottles)};

@@ -35,7 +35,7 @@ struct Deposits {
     platform::Won YGMoney1, YGMoney2, GBonMoney2;
 };
 struct UnitPrices {
-    platform::Won boxSupply, bottleSupply, boxVat, bottleVat;
+    double boxSupply, bottleSupply, boxVat, bottleVat;
     Deposits deposits;
 };
 
@@ -44,7 +44,7 @@ LineAmounts contractAmounts(const ContractPrices& prices, std::int64_t boxes, st
 
 /// Cost price raised by `marginPercent` whole percent, times quantity, rounded up for each of the four parts
 /// (box and bottle, supply and VAT). Deposits carry no margin.
-LineAmounts marginAmounts(const UnitPrices& prices, std::int64_t marginPercent, std::int64_t boxes,
+LineAmounts marginAmounts(const UnitPrices& prices, double marginPercent, std::int64_t boxes,
                           std::int64_t bottles);
 
 /// Tier price times quantity.

@@ -50,6 +50,7 @@ CPummokCheck::CPummokCheck() : Screen(app::dialogs::kProductSearch) {
 
 void CPummokCheck::search() {
     const ui::WaitCursor wait;
+    forgetChoice();
     const app::ActionValues& action = app::session().action;
     list_->setRows(
         products(action.SeekValue, classCodes_.value(class_->currentIndex()), action.CustomerKind));
@@ -57,7 +58,13 @@ void CPummokCheck::search() {
 
 void CPummokCheck::showFrequent() {
     const ui::WaitCursor wait;
+    forgetChoice();
     list_->setRows(frequentProducts(app::session().action.CustomerKind));
+}
+
+void CPummokCheck::forgetChoice() {
+    app::session().action.PCode.clear();
+    app::session().action.ProductChosen = 0;
 }
 
 void CPummokCheck::choose(int row) {
@@ -78,8 +85,7 @@ void CPummokCheck::confirm() {
 }
 
 void CPummokCheck::cancel() {
-    app::session().action.PCode.clear();
-    app::session().action.ProductChosen = 0;
+    forgetChoice();
     close(Cancelled);
 }
 

@@ -23,6 +23,8 @@ class CPummokCheck : public ui::Screen {
   private:
     void search();
     void showFrequent();
+    /// A list filled anew shows no choice, so none is kept.
+    void forgetChoice();
     void choose(int row);
     void confirm();
     void cancel();

@@ -45,6 +45,8 @@ struct LineKey {
     QString PCode;
     QString Box;
     QString Bon;
+
+    friend bool operator==(const LineKey&, const LineKey&) = default;
 };
 
 }  // namespace sales

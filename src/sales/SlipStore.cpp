@@ -36,7 +36,7 @@ constexpr int kWorkGubunColumn = 5;
 
 SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo) {
     db::Transaction transaction;
-    transaction.connection().Execute(kDeleteOwn(workDate, junNo, userId));
+    if (!transaction.run(kDeleteOwn(workDate, junNo, userId))) return SaveOutcome::Failed;
     const db::Rows lines = db::selectRows(kWorkingLines(), kWorkingColumns);
     const QString savedAt = platform::clock::now().toString(u"HH:mm"_s);
     for (int row = 0; row < lines.count(); ++row) {
@@ -46,7 +46,7 @@ SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo
         values[kWorkGubunColumn] = kUnprinted;
         values[kWorkingColumns] = userId;
         values[kWorkingColumns + 1] = savedAt;
-        transaction.connection().Execute(kInsert(values));
+        if (!transaction.run(kInsert(values))) return SaveOutcome::Failed;
     }
     if (!transaction.commit()) return SaveOutcome::Failed;
     return lines.isEmpty() ? SaveOutcome::Empty : SaveOutcome::Saved;
@@ -69,12 +69,10 @@ SlipList slipsOfDay(QStringView userId, QStringView workDate) {
 
 bool deleteSlip(QStringView workDate, QStringView junNo, bool alsoFollowers) {
     db::Transaction transaction;
-    transaction.connection().Execute(kDeleteSales(junNo, workDate));
-    if (alsoFollowers) {
-        if (!app::removeCollections(transaction, workDate, junNo)) return false;
-        transaction.connection().Execute(kDeleteContainers(junNo, workDate));
-    }
-    return transaction.commit();
+    if (!transaction.run(kDeleteSales(junNo, workDate))) return false;
+    const bool areFollowersGone = !alsoFollowers || (app::removeCollections(transaction, workDate, junNo) &&
+                                                     transaction.run(kDeleteContainers(junNo, workDate)));
+    return areFollowersGone && transaction.commit();
 }
 
 }  // namespace sales

@@ -34,6 +34,7 @@ constexpr db::Statement<u"SELECT * FROM TEMP WHERE PCode= '%s' and Box = '%s' an
 constexpr db::Statement<u"DELETE TEMP WHERE PCode= '%s' and Box = '%s' and Bon = '%s'"> kDelete;
 
 /// The columns of the working table in their order.
+constexpr db::Statement<u"SELECT MMoney,BMoney,YMoney,GMoney FROM TEMP"> kWorkingAmounts;
 constexpr std::array kColumns{&SlipLine::DDate,  &SlipLine::Gubun,     &SlipLine::GCode, &SlipLine::GName,
                               &SlipLine::JunNo,  &SlipLine::WorkGubun, &SlipLine::PCode, &SlipLine::PName,
                               &SlipLine::JGubun, &SlipLine::Box,       &SlipLine::Bon,   &SlipLine::MMoney,
@@ -65,17 +66,17 @@ bool replaceLine(const LineKey& key, Change&& change) {
 
 bool reloadSlip(QStringView userId, QStringView workDate, QStringView junNo) {
     db::Transaction transaction;
-    transaction.connection().Execute(kEmpty());
+    bool isWhole = transaction.run(kEmpty());
     db::forEachRow(kSaved(userId, workDate, junNo), [&](db::CVORecordset& row) {
         SlipLine line;
         for (std::size_t i = 0; i < kColumns.size(); ++i) line.*kColumns[i] = row.GetFieldString(int(i));
-        transaction.connection().Execute(insertOf(line));
+        isWhole = transaction.run(insertOf(line)) && isWhole;
     });
-    return transaction.commit();
+    return isWhole && transaction.commit();
 }
 
-OpenedSlip openSlip(QStringView userId, QStringView workDate, QStringView junNo) {
-    reloadSlip(userId, workDate, junNo);
+std::optional<OpenedSlip> openSlip(QStringView userId, QStringView workDate, QStringView junNo) {
+    if (!reloadSlip(userId, workDate, junNo)) return std::nullopt;
     OpenedSlip slip;
     slip.lines.columns = 4;
     db::forEachRow(kSavedToShow(userId, workDate, junNo), [&](db::CVORecordset& row) {
@@ -85,6 +86,15 @@ OpenedSlip openSlip(QStringView userId, QStringView workDate, QStringView junNo)
         slip.sums += {won(5), won(6), won(7), won(8)};
     });
     return slip;
+}
+
+SlipSums workingSums() {
+    SlipSums sums;
+    db::forEachRow(kWorkingAmounts(), [&](db::CVORecordset& row) {
+        const auto won = [&](int column) { return platform::parseWon(row.GetFieldString(column)); };
+        sums += {won(0), won(1), won(2), won(3)};
+    });
+    return sums;
 }
 
 db::Rows workingLines() {

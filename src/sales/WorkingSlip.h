@@ -22,11 +22,14 @@ struct OpenedSlip {
 /// empty. False, and the working slip stays as it was, when the database does not take the change.
 bool reloadSlip(QStringView userId, QStringView workDate, QStringView junNo);
 
-/// reloadSlip, and the saved lines and sums to show.
-OpenedSlip openSlip(QStringView userId, QStringView workDate, QStringView junNo);
+/// reloadSlip, and the saved lines and sums to show; nothing when the working slip could not be made.
+std::optional<OpenedSlip> openSlip(QStringView userId, QStringView workDate, QStringView junNo);
 
 /// The lines by product code descending, in four columns: code, name, boxes, bottles.
 db::Rows workingLines();
+
+/// The sums of the lines, in won.
+SlipSums workingSums();
 
 bool isWorkingSlipEmpty();
 

@@ -124,7 +124,7 @@ void ReportList::setRows(db::Rows rows) {
 }
 
 QString ReportList::text(int row, int column) const {
-    return model_->rows().at(row, column);
+    return model_->rows().cell(row, column);
 }
 
 int ReportList::selectedRow() const {
@@ -145,6 +145,12 @@ void ReportList::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void ReportList::keyPressEvent(QKeyEvent* event) {
+    // The focus alone stands on the first row without choosing it.
+    if (event->key() == Qt::Key_Down && selectedRow() < 0 && rowCount() > 0) {
+        selectRow(0);
+        Q_EMIT rowClicked(0);
+        return;
+    }
     const int before = currentIndex().row();
     QTableView::keyPressEvent(event);
     if (currentIndex().isValid() && currentIndex().row() != before) Q_EMIT rowClicked(currentIndex().row());

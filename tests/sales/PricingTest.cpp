@@ -105,7 +105,8 @@ TEST_F(PricingTest, TakesTextThatIsNoPriceAsZero) {
 
 TEST(MarginAmounts, RoundsEachPartUp) {
     const struct {
-        std::int64_t boxPrice, bottlePrice, percent, boxes, bottles, supply;
+        double boxPrice, bottlePrice, percent;
+        std::int64_t boxes, bottles, supply;
     } kCases[] = {
         {1001, 0, 15, 1, 0, 1152},          // 1151.15
         {1000, 0, 10, 3, 0, 3300},          // whole prices stay
@@ -113,11 +114,12 @@ TEST(MarginAmounts, RoundsEachPartUp) {
         {1001, 0, 15, 3, 0, 3454},          // the product is rounded, not the price: 3453.45
         {1001, 0, -15, 1, 0, 851},          // 850.85
         {1001, 0, 15, -1, 0, -1151},        // up is towards zero
-        {333, 0, 0, 7, 0, 2331},
+        {333, 0, 0, 7, 0, 2331},           {1150.5, 0, 0, 1, 0, 1151},  // a price with a fraction
+        {1150.5, 0, 0, 2, 0, 2301},
     };
     for (const auto& c : kCases) {
         SCOPED_TRACE(testing::Message() << c.boxPrice << " " << c.bottlePrice << " " << c.percent);
-        const UnitPrices prices{Won(c.boxPrice), Won(c.bottlePrice), Won(c.boxPrice), Won(c.bottlePrice), {}};
+        const UnitPrices prices{c.boxPrice, c.bottlePrice, c.boxPrice, c.bottlePrice, {}};
         const LineAmounts amounts = marginAmounts(prices, c.percent, c.boxes, c.bottles);
         EXPECT_EQ(amounts, won(c.supply, c.supply, 0, 0));
     }
@@ -125,8 +127,8 @@ TEST(MarginAmounts, RoundsEachPartUp) {
 
 TEST(Amounts, SaturateOnAbsurdFigures) {
     constexpr Won kMost(INT64_MAX);
-    const UnitPrices prices{kMost, kMost, Won(INT64_MIN), kMost, {kMost, kMost, kMost}};
-    const LineAmounts raised = marginAmounts(prices, INT64_MAX, INT64_MAX, 0);
+    const UnitPrices prices{1e300, 1e300, -1e300, 1e300, {kMost, kMost, kMost}};
+    const LineAmounts raised = marginAmounts(prices, 1e6, INT64_MAX, 0);
     EXPECT_EQ(raised, won(INT64_MAX, INT64_MIN, INT64_MAX, INT64_MAX));
     EXPECT_EQ(tierAmounts(prices, 999, 999).supply, kMost);
     const ContractPrices contract{kMost, kMost, kMost, kMost, kMost, kMost, kMost};

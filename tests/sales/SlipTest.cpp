@@ -109,7 +109,7 @@ TEST_F(SlipTest, OpensWithTheSavedLinesAndTheirSums) {
     saved(kUser, kNumber, u"0009", u"미발행", u"2024-05-06");
     insertLine(line(u"0007"_s, u"1"_s, u"1"_s, won(1, 1, 1, 1)));
 
-    const OpenedSlip slip = openSlip(kUser, kToday, kNumber);
+    const OpenedSlip slip = openSlip(kUser, kToday, kNumber).value();
     EXPECT_EQ(slip.sums, won(3000, 300, 60, 9));
     EXPECT_EQ(slip.sums.subtotal(), Won(3300));
     EXPECT_EQ(slip.sums.total(), Won(3369));
@@ -123,7 +123,7 @@ TEST_F(SlipTest, OpensWithTheSavedLinesAndTheirSums) {
                     u"MMoney, BMoney, YMoney, GMoney FROM MTM WHERE UserID = 'kim' AND JunNo = '5001' "
                     u"AND DDate = '2024-05-07' ORDER BY PCode"_s));
 
-    EXPECT_TRUE(openSlip(kUser, kToday, u"5099").lines.isEmpty());
+    EXPECT_TRUE(openSlip(kUser, kToday, u"5099").value().lines.isEmpty());
     EXPECT_TRUE(isWorkingSlipEmpty());
 }
 
