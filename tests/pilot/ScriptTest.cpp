@@ -51,6 +51,11 @@ TEST(Script, ReadsEveryCommand) {
         {uR"(expect sql "SELECT 'a b'" a b)"_s, Command::ExpectSql, {}, {}, {u"SELECT 'a b'"_s, u"a b"_s}},
         {u"expect roll sale.roll.txt"_s, Command::ExpectRoll, {}, {}, {u"sale.roll.txt"_s}},
         {u"tear"_s, Command::Tear, {}, {}, {}},
+        {u"host \"\""_s, Command::Host, {}, {}, {u""_s}},
+        {u"host \"--fault late 2@1\""_s, Command::Host, {}, {}, {u"--fault late 2@1"_s}},
+        {u"swipe good"_s, Command::Swipe, {}, {}, {u"good"_s}},
+        {u"timeout 20"_s, Command::TimeOut, {}, {20}, {}},
+        {u"remove Flash Disk/a.pub"_s, Command::Remove, {}, {}, {u"Flash Disk/a.pub"_s}},
         {u"shot 01-메뉴"_s, Command::Shot, {}, {}, {u"01-메뉴"_s}},
         {u"quit"_s, Command::Quit, {}, {}, {}},
     };

@@ -7,6 +7,7 @@
 #include <QComboBox>
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QPixmap>
 #include <QTest>
@@ -14,6 +15,8 @@
 
 #include "common/DemoCards.h"
 #include "platform/Clock.h"
+#include "platform/Device.h"
+#include "platform/message/Component.h"
 #include "platform/termdev/CardReader.h"
 #include "platform/termdev/PaperRoll.h"
 #include "rovana-play/Approval.h"
@@ -210,6 +213,11 @@ Attempt expectSql(const Step& step) {
     return value.error.isEmpty() ? expectEqual(value.text, step.texts[1]) : waitFor(value.error);
 }
 
+QString removeFile(const QString& name) {
+    QFile file(platform::device::folder() + u'/' + name);
+    return file.remove() ? QString() : file.errorString();
+}
+
 bool needsNoScreen(Command command) {
     return command == Command::Clock || command == Command::Patience || command == Command::Tear;
 }
@@ -344,6 +352,12 @@ Attempt Pilot::attempt(const Step& step) {
                     }};
         case Command::Swipe:
             return swipe(step);
+        case Command::TimeOut:
+            return ready([unit = std::chrono::milliseconds(step.numbers[0])] {
+                platform::message::Component::setTimeOutUnit(unit);
+            });
+        case Command::Remove:
+            return {{}, [name = textOf(step)] { return removeFile(name); }};
         case Command::Shot:
             return ready([this, name = textOf(step)] { saveShot(name); });
         case Command::Quit:

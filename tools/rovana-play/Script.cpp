@@ -17,7 +17,7 @@ using namespace Qt::Literals::StringLiterals;
 enum class Operand {
     Address,   ///< "102.1005"
     Number,    ///< A whole number from 0 on.
-    Position,  ///< A row or column, from 1 on.
+    Position,  ///< A row, a column or a time, from 1 on.
     Row,       ///< A position, or "=" and a text of the row.
     Word,      ///< One word, or a quoted text, that others may follow.
     Text,      ///< The rest of the line.
@@ -64,6 +64,8 @@ const QList<Syntax>& syntaxes() {
         {u"tear", Command::Tear, {}, u""},
         {u"host", Command::Host, {Text}, u"\"OPTIONS\""},
         {u"swipe", Command::Swipe, {Word}, u"CARD"},
+        {u"timeout", Command::TimeOut, {Position}, u"MS"},
+        {u"remove", Command::Remove, {Text}, u"FILE"},
         {u"shot", Command::Shot, {Name}, u"NAME"},
         {u"quit", Command::Quit, {}, u""},
     };

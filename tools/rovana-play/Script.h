@@ -38,6 +38,8 @@ enum class Command {
     Tear,
     Host,
     Swipe,
+    TimeOut,
+    Remove,
     Shot,
     Quit,
 };
