@@ -5,6 +5,7 @@
 
 #include "app/Dialogs.h"
 #include "app/Session.h"
+#include "print/CollectionSlip.h"
 #include "print/PrintJob.h"
 #include "print/PrintState.h"
 #include "print/SalesInvoice.h"
@@ -44,7 +45,7 @@ CSlipPrintDlg::CSlipPrintDlg() : Screen(app::dialogs::kSlipPrinting) {
     const auto notReady = [] { ui::message(u"아직 준비되지 않은 전표입니다..!"_s); };
     document(1004, u"거래명세서"_s, 0, [this] { printInvoice(); });
     document(1005, u"용공인수증"_s, 1, notReady);
-    document(1006, u"입금표"_s, 2, notReady);
+    document(1006, u"입금표"_s, 2, [this] { printCollection(); });
     document(1007, u"전체출력"_s, 3, notReady);
     addLabel(kPrintedMark, {}, {12, 258, 216, 22}, ui::FontHeight::Small, Qt::AlignCenter);
 
@@ -67,15 +68,30 @@ void CSlipPrintDlg::printInvoice() {
     const QString& number = session.action.JunNo;
     // The two copies of one print belong together: neither makes the other a reprint.
     const bool isReprint = wasPrinted_ || printed_.contains(chosenCopy());
-    const std::optional<Document> invoice =
-        salesInvoice(date, number, session.UserID, chosenCopy(), isReprint);
-    if (!invoice) return;
-    const ui::WaitCursor wait;
-    printDocument(*invoice);
+    if (!print(u"거래명세서"_s, salesInvoice(date, number, session.UserID, chosenCopy(), isReprint))) return;
     markPrinted(date, number, session.UserID);
     printed_.insert(chosenCopy());
+}
+
+void CSlipPrintDlg::printCollection() {
+    const app::SessionValues& session = app::session();
+    const bool isReprint = printedCollections_.contains(chosenCopy());
+    if (print(u"입금표"_s, collectionSlip(session.WorkDate, session.action.JunNo, session.UserID,
+                                          chosenCopy(), isReprint))) {
+        printedCollections_.insert(chosenCopy());
+    }
+}
+
+bool CSlipPrintDlg::print(const QString& name, const std::optional<Document>& slip) {
+    if (!slip) {
+        ui::message(u"출력할 전표가 없습니다..!"_s);
+        return false;
+    }
+    const ui::WaitCursor wait;
+    printDocument(*slip);
     setText(kPrintedMark,
-            chosenCopy() == Copy::Buyer ? u"거래명세서 공급받는자용 출력"_s : u"거래명세서 공급자용 출력"_s);
+            name + (chosenCopy() == Copy::Buyer ? u" 공급받는자용 출력"_s : u" 공급자용 출력"_s));
+    return true;
 }
 
 }  // namespace print

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <QSet>
+#include <optional>
 
+#include "print/Document.h"
 #include "print/SlipBlocks.h"
 #include "ui/Screen.h"
 
@@ -18,11 +20,16 @@ class CSlipPrintDlg : public ui::Screen {
 
   private:
     void printInvoice();
+    void printCollection();
+    /// Prints the slip and says so under the buttons; says that there is none, and returns false, otherwise.
+    bool print(const QString& name, const std::optional<Document>& slip);
     Copy chosenCopy() const;
 
     QRadioButton* buyer_ = nullptr;
     bool wasPrinted_ = false;  ///< Before this visit to the menu.
-    QSet<Copy> printed_;       ///< Copies printed from this menu.
+    // Copies printed from this menu.
+    QSet<Copy> printed_;
+    QSet<Copy> printedCollections_;
 };
 
 }  // namespace print
