@@ -174,6 +174,8 @@ void CRovanaDlg::showMenu() {
     for (QWidget* control : std::as_const(menuControls_)) control->show();
     if (session().UserField5 == u"X") control(kContainerButton)->hide();
     setDefaultButton(nullptr);
+    // Tab begins with the work, not with the way out.
+    setTabOrder(menuControls_.last(), control(1003));
     QLabel* who = addLabel(0, session().UserID + u' ' + session().UserField2 + u"  "_s + session().WorkDate,
                            {64, 282, 172, 32}, ui::FontHeight::Small, Qt::AlignRight | Qt::AlignVCenter);
     who->show();
