@@ -293,10 +293,16 @@ TEST_F(ComponentTest, CommunTellsWhatItCannotStart) {
 }
 
 TEST_F(ComponentTest, WithoutASocketThereIsNoLink) {
+    const quint16 closed = port();
+    listener.close();
+    // UBSan opens a pipe when it meets a class for the first time, so every class has its turn before.
+    ASSERT_EQ(terminal.payment(kCardData, u"1234"), kDone);
+    ASSERT_EQ(terminal.commun(closed), kDone);
+    terminal.wait();
     ASSERT_EQ(terminal.payment(kCardData, u"1234"), kDone);
     {
         const NoMoreFiles none;
-        EXPECT_EQ(terminal.commun(port()), kLinkFailed);
+        EXPECT_EQ(terminal.commun(closed), kLinkFailed);
     }
     EXPECT_EQ(terminal.wait(), u"ksnet -504 ended");
 }

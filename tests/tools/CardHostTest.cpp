@@ -1,0 +1,89 @@
+#include <QFileInfo>
+
+#include "AdminTest.h"
+#include "platform/Device.h"
+#include "platform/message/SavedValues.h"
+
+namespace test {
+namespace {
+
+using namespace platform::message;
+
+class CardHostTest : public AdminTest {
+  protected:
+    Ended set(const QString& host, const QString& port, const QString& key, const QStringList& more = {}) {
+        return run(QStringList{u"card-host"_s, u"--host"_s, host, u"--port"_s, port, u"--key"_s, key} + more);
+    }
+};
+
+TEST_F(CardHostTest, WritesWhatTheTerminalReads) {
+    makeDevice();
+    const QString key = writeFile(u"host.pub"_s, QByteArray(62, 'a') + "B1\n");
+    Ended ended = set(u"10.11.2.3"_s, u"40001"_s, key, {u"--terminal"_s, u"4711"_s});
+    EXPECT_EQ(ended.exitCode, admin::kSuccess) << narrow(ended.err);
+    EXPECT_EQ(narrow(ended.out), "terminal 4711 uses the card host 10.11.2.3:40001\n");
+    SavedValues values;
+    ASSERT_EQ(readSavedValues(&values), kDone);
+    EXPECT_EQ(values,
+              (SavedValues{{u"101"_s, u"4711"_s}, {u"221"_s, u"010011002003"_s}, {u"222"_s, u"40001"_s}}));
+    PublicKey read;
+    ASSERT_EQ(readHostKey(&read), kDone);
+    EXPECT_EQ(read[0], 0xAA);
+    EXPECT_EQ(read[31], 0xB1);
+
+    // Another host keeps the terminal's number and what else is saved.
+    values[u"301"_s] = u"kept"_s;
+    ASSERT_TRUE(writeSavedValues(values));
+    EXPECT_EQ(set(u"127.0.0.1"_s, u"1"_s, key).exitCode, admin::kSuccess);
+    ASSERT_EQ(readSavedValues(&values), kDone);
+    EXPECT_EQ(values, (SavedValues{{u"101"_s, u"4711"_s},
+                                   {u"221"_s, u"127000000001"_s},
+                                   {u"222"_s, u"1"_s},
+                                   {u"301"_s, u"kept"_s}}));
+}
+
+TEST_F(CardHostTest, WrongValuesChangeNothing) {
+    makeDevice();
+    const QString key = writeFile(u"host.pub"_s, QByteArray(64, 'a'));
+    const QString noKey = writeFile(u"no.pub"_s, QByteArray(63, 'a'));
+    const struct {
+        QString host, port, key;
+        QStringList more;
+        int exitCode;
+    } cases[] = {
+        {u"0.0.0.0"_s, u"1"_s, key, {}, admin::kUsageError},
+        {u"localhost"_s, u"1"_s, key, {}, admin::kUsageError},
+        {u"::1"_s, u"1"_s, key, {}, admin::kUsageError},
+        {u"127.0.0.1"_s, u"0"_s, key, {}, admin::kUsageError},
+        {u"127.0.0.1"_s, u"65536"_s, key, {}, admin::kUsageError},
+        {u"127.0.0.1"_s, u"1"_s, key, {u"--terminal"_s, u"x"_s}, admin::kUsageError},
+        {u"127.0.0.1"_s, u"1"_s, noKey, {}, admin::kFailure},
+        {u"127.0.0.1"_s, u"1"_s, u"/nowhere/host.pub"_s, {}, admin::kFailure},
+    };
+    for (const auto& [host, port, keyFile, more, exitCode] : cases) {
+        const Ended ended = set(host, port, keyFile, more);
+        EXPECT_EQ(ended.exitCode, exitCode) << narrow(ended.err);
+        EXPECT_FALSE(ended.err.isEmpty());
+    }
+    EXPECT_EQ(run({u"card-host"_s, u"--host"_s, u"127.0.0.1"_s}).exitCode, admin::kUsageError);
+    EXPECT_FALSE(QFileInfo::exists(platform::device::path(kSavedValuesFile)));
+    EXPECT_FALSE(QFileInfo::exists(platform::device::path(kHostKeyFile)));
+}
+
+TEST_F(CardHostTest, ATerminalWithoutANumberGetsOneOfItsOwn) {
+    makeDevice();
+    const QString key = writeFile(u"host.pub"_s, QByteArray(64, 'a'));
+    QStringList numbers;
+    for (int i = 0; i < 2; ++i) {
+        ASSERT_TRUE(writeSavedValues({}));
+        ASSERT_EQ(set(u"127.0.0.1"_s, u"1"_s, key).exitCode, admin::kSuccess);
+        QString number;
+        ASSERT_EQ(readSavedValue(kTerminalKey, &number), kDone);
+        EXPECT_EQ(number.size(), 10);
+        numbers << number;
+    }
+    EXPECT_NE(numbers[0], numbers[1]);
+}
+
+}  // namespace
+}  // namespace test
