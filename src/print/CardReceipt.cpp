@@ -29,6 +29,26 @@ std::optional<app::CollectionSlip> paidSlip(QStringView date, QStringView junNo,
     return slip;
 }
 
+void particulars(Document& document, const ReceiptCustomer& customer) {
+    document.line(u"[공급받는자]");
+    document.labelText(u"상호", customer.name);
+    document.labelText(u"사업자번호", customer.number);
+    document.labelText(u"대표자", customer.owner);
+    document.labelText(u"주소", customer.address);
+}
+
+void hostAmounts(Document& document, const app::HostReply& reply) {
+    document.labelAmount(u"거래금액 : ", parseWon(reply.transactionAmount));
+    document.labelAmount(u"수수료액 : ", parseWon(reply.feeAmount));
+    document.labelAmount(u"입금금액 : ", parseWon(reply.depositedAmount));
+    document.labelAmount(u"거래잔액 : ", parseWon(reply.remainingAmount));
+}
+
+void exchangeLines(Document& document, const CardExchange& exchange) {
+    document.labelText(u"카드번호", exchange.maskedCardNumber);
+    document.labelText(u"식별정보", exchange.reply.identification);
+}
+
 }  // namespace
 
 ReceiptCustomer receiptCustomer(QStringView gCode) {
@@ -50,11 +70,7 @@ std::optional<Document> cardReceipt(QStringView date, QStringView junNo, QString
     document.rule(Document::Rule::Thin);
     sellerBlock(document);
     document.rule(Document::Rule::Thin);
-    document.line(u"[공급받는자]");
-    document.labelText(u"상호", customer.name);
-    document.labelText(u"사업자번호", customer.number);
-    document.labelText(u"대표자", customer.owner);
-    document.labelText(u"주소", customer.address);
+    particulars(document, customer);
     document.rule(Document::Rule::Double);
     document.labelAmount(u"공급가액", slip->PMoney);
     document.labelAmount(u"부가세액", slip->BMoney);
@@ -62,19 +78,30 @@ std::optional<Document> cardReceipt(QStringView date, QStringView junNo, QString
     if (!slip->YDMoney.isZero()) document.labelAmount(u"용공회수액", slip->YDMoney);
     document.rule(Document::Rule::Thin);
     if (exchange) {
-        const app::HostReply& reply = exchange->reply;
-        document.labelAmount(u"거래금액 : ", parseWon(reply.transactionAmount));
-        document.labelAmount(u"수수료액 : ", parseWon(reply.feeAmount));
-        document.labelAmount(u"입금금액 : ", parseWon(reply.depositedAmount));
-        document.labelAmount(u"거래잔액 : ", parseWon(reply.remainingAmount));
+        hostAmounts(document, exchange->reply);
     } else {
         document.labelAmount(u"거래금액 : ", slip->CardMoney);
     }
     transactionNumberLine(document, slip->BANKTRANNO);
-    if (exchange) {
-        document.labelText(u"카드번호", exchange->maskedCardNumber);
-        document.labelText(u"식별정보", exchange->reply.identification);
-    }
+    if (exchange) exchangeLines(document, *exchange);
+    document.rule(Document::Rule::Double);
+    closingBlock(document);
+    return document;
+}
+
+Document hostReceipt(QStringView date, QStringView userId, const CardExchange& exchange) {
+    Document document(u"카 드 영 수 증");
+    document.centred(u"* 재발행 *");
+    document.rule(Document::Rule::Double);
+    slipBlock(document, date, {}, {}, salesman(userId));
+    document.rule(Document::Rule::Thin);
+    sellerBlock(document);
+    document.rule(Document::Rule::Thin);
+    particulars(document, receiptCustomer({}));
+    document.rule(Document::Rule::Double);
+    hostAmounts(document, exchange.reply);
+    transactionNumberLine(document, exchange.reply.transactionNumber);
+    exchangeLines(document, exchange);
     document.rule(Document::Rule::Double);
     closingBlock(document);
     return document;

@@ -33,6 +33,10 @@ struct CardExchange {
 std::optional<Document> cardReceipt(QStringView date, QStringView junNo, QStringView userId,
                                     const std::optional<CardExchange>& exchange, bool reprint);
 
+/// The receipt of a transaction that the terminal has no slip of: what the host tells of it, for a customer
+/// who is not named. `date` is today's, for the transaction's own is not told.
+Document hostReceipt(QStringView date, QStringView userId, const CardExchange& exchange);
+
 /// The card number at the start of a track 2 text, as far as it may be shown: the first 6 and the last 4
 /// digits, asterisks between; asterisks alone for fewer than 13 digits; empty without a digit.
 QString maskedCardNumber(QStringView track2);

@@ -13,7 +13,6 @@
 #include "platform/Trace.h"
 #include "platform/Wipe.h"
 #include "platform/termdev/CardReader.h"
-#include "print/CardReceipt.h"
 #include "print/PrintJob.h"
 #include "print/Printer.h"
 #include "print/SalesInvoice.h"
@@ -289,36 +288,41 @@ void CCardDlg::paymentApproved() {
         ui::message(u"승인되었으나 전표에 저장하지 못했습니다..! 거래번호 : %1"_s.arg(number));
     }
     if (isVisit()) {
-        printVisit();
-    } else {
-        printReceipt(false);
+        printCopies();
+    } else if (const auto receipt = cardReceipt()) {
+        print::printDocument(*receipt);
     }
 }
 
-void CCardDlg::printVisit() {
-    printInvoice(1, print::Copy::Seller);
+void CCardDlg::printCopies() {
+    printSlip(1, print::Copy::Seller);
     if (ui::askYesNo(u"구매자용 명세서를 출력할까요?"_s, u"구매자용 명세서출력"_s)) {
-        printInvoice(2, print::Copy::Buyer);
+        printSlip(2, print::Copy::Buyer);
     }
 }
 
-void CCardDlg::printInvoice(int selector, print::Copy copy) {
+void CCardDlg::printSlip(int selector, print::Copy copy) {
     app::TransactionRecord& record = app::transactionRecord();
     record.printSelector = selector;
     const bool isReprint = app::session().WorkMode == app::kPreviousTransaction;
-    const auto invoice =
-        print::salesInvoice(record.slip.date, record.slip.junNo, record.slip.userId, copy, isReprint);
-    if (invoice) print::printDocument(*invoice);
+    auto slip = print::salesInvoice(record.slip.date, record.slip.junNo, record.slip.userId, copy, isReprint);
+    if (!slip && isReprint) {
+        slip = cardReceipt();
+        // The terminal may have lost the slip; the paper then has what the host knows.
+        if (!slip) slip = print::hostReceipt(app::session().WorkDate, app::session().UserID, exchange());
+    }
+    if (slip) print::printDocument(*slip);
 }
 
-void CCardDlg::printReceipt(bool isReprint) {
+print::CardExchange CCardDlg::exchange() const {
     const app::TransactionRecord& record = app::transactionRecord();
-    print::CardExchange exchange;
-    exchange.reply = record.reply;
-    exchange.maskedCardNumber = print::maskedCardNumber(record.track2.view());
-    const auto receipt =
-        print::cardReceipt(record.slip.date, record.slip.junNo, record.slip.userId, exchange, isReprint);
-    if (receipt) print::printDocument(*receipt);
+    return {record.reply, print::maskedCardNumber(record.track2.view())};
+}
+
+std::optional<print::Document> CCardDlg::cardReceipt() const {
+    const app::SlipIdentity& slip = app::transactionRecord().slip;
+    const bool isReprint = app::session().WorkMode == app::kPreviousTransaction;
+    return print::cardReceipt(slip.date, slip.junNo, slip.userId, exchange(), isReprint);
 }
 
 void CCardDlg::showBalance() {
@@ -346,11 +350,7 @@ void CCardDlg::reprintPrevious() {
         record.amounts.previousReceivable = app::receivable(slip->GCode);
     }
     loadCustomer();
-    if (slip && slip->isSimplePayment()) {
-        printReceipt(true);
-    } else {
-        printVisit();
-    }
+    printCopies();
 }
 
 void CCardDlg::goBack() {

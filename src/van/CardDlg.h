@@ -1,6 +1,9 @@
 #pragma once
 
+#include <optional>
+
 #include "app/Transaction.h"
+#include "print/CardReceipt.h"
 #include "print/SlipBlocks.h"
 #include "ui/Screen.h"
 #include "van/HostRequest.h"
@@ -35,9 +38,11 @@ class CCardDlg : public ui::Screen {
     void paymentApproved();
     void showBalance();
     void reprintPrevious();
-    void printVisit();
-    void printInvoice(int selector, print::Copy copy);
-    void printReceipt(bool isReprint);
+    /// The seller's copy, then the question for the buyer's.
+    void printCopies();
+    void printSlip(int selector, print::Copy copy);
+    print::CardExchange exchange() const;
+    std::optional<print::Document> cardReceipt() const;
     bool recordApproval();
     void goBack();
     void finish();
