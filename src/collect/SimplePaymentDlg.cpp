@@ -4,6 +4,7 @@
 
 #include "app/Dialogs.h"
 #include "app/KeypadRequest.h"
+#include "app/Login.h"
 #include "app/Session.h"
 #include "ui/Messages.h"
 #include "ui/Terminal.h"
@@ -37,7 +38,9 @@ QString grouped(Won amount) {
 }  // namespace
 
 CSimplePaymentDlg::CSimplePaymentDlg() : Screen(app::dialogs::kSimplePayment) {
-    const app::ActionValues& action = app::session().action;
+    app::ActionValues& action = app::session().action;
+    // A double tap on the customer empties the number that the menu gave.
+    if (action.JunNo.isEmpty()) action.JunNo = app::nextSimplePaymentNumber(app::session().WorkDate);
     addLabel(0, u"단순결제"_s, {4, 4, 232, 26}, ui::FontHeight::Title, Qt::AlignCenter);
     addLabel(1059, {}, {6, 36, 170, 24}, ui::FontHeight::Medium);
     setFittedText(1059, action.GName, ui::FontHeight::Medium);
