@@ -5,6 +5,7 @@ INSERT INTO MTMOK (DDate,Gubun,GCode,GName,JunNo,DTime,UserID,CardMoney)
 SELECT DISTINCT DDate, '매출', GCode, GName, JunNo, '10:00', UserID, '1000' FROM MTM WHERE UserID = 'A';
 INSERT INTO YTM (DDate,GCode,GName,JunNo,PCode,UserID)
 SELECT DISTINCT DDate, GCode, GName, JunNo, '1001', UserID FROM MTM WHERE UserID = 'A';
+UPDATE MTMOK SET BANKTRANNO = '000000000042', MSGSENDTIME = '20261121100000' WHERE JunNo = '0004';
 -- Another day's rows of the same number stay whatever is deleted today, another salesman's do not.
 INSERT INTO MTMOK (DDate,GCode,JunNo,UserID) VALUES ('2026-11-20', '0001', '0003', 'A'), ('2026-11-21', '0003', '0003', 'B');
 INSERT INTO MTM (DDate,GCode,GName,JunNo,WorkGubun,PCode,UserID)
