@@ -28,5 +28,10 @@ Result measureStartup();
 Result measureMemory();
 Result measureList();
 Result measureSlip();
+/// One approved payment of the terminal's component, seal to parsed reply, against the same bytes over a bare
+/// socket and the bare cipher calls.
+Result measureExchange();
+/// Resident memory after 1,000 payments against that after 100.
+Result measurePayments();
 
 }  // namespace bench

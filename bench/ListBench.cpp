@@ -14,8 +14,9 @@
 
 #include "Bench.h"
 #include "Folder.h"
+#include "Screens.h"
+#include "app/Dialogs.h"
 #include "app/Session.h"
-#include "sales/GaeaeDlg.h"
 #include "ui/Fonts.h"
 #include "ui/ReportList.h"
 #include "ui/Terminal.h"
@@ -152,11 +153,12 @@ Result measureList() {
     app::session() = {};
     app::session().UserID = kSalesman.toString();
     app::session().action.SeekValue = kConsonant.toString();
+    registerScreens();
 
     const auto ours = [&] {
-        std::unique_ptr<sales::CGaeaeDlg> screen;
+        std::unique_ptr<ui::Screen> screen;
         const double time = millisecondsOf([&] {
-            screen = std::make_unique<sales::CGaeaeDlg>();
+            screen = ui::makeScreen(app::dialogs::kCustomerList);
             const PaintWatch watch(screen->findChild<ui::ReportList*>());
             terminal.show(screen.get());
             watch.wait();

@@ -21,9 +21,14 @@ struct Measurement {
 };
 
 constexpr std::array kMeasurements{
-    Measurement{"import", 1.0, bench::measureImport},   Measurement{"price", 3.0, bench::measurePrice},
-    Measurement{"startup", 1.5, bench::measureStartup}, Measurement{"memory", 1.5, bench::measureMemory},
-    Measurement{"list", 1.5, bench::measureList},       Measurement{"slip", 1.5, bench::measureSlip},
+    Measurement{"import", 1.0, bench::measureImport},
+    Measurement{"price", 3.0, bench::measurePrice},
+    Measurement{"startup", 1.5, bench::measureStartup},
+    Measurement{"memory", 1.5, bench::measureMemory},
+    Measurement{"list", 1.5, bench::measureList},
+    Measurement{"slip", 1.5, bench::measureSlip},
+    Measurement{"exchange", 3.0, bench::measureExchange},
+    Measurement{"payments", 1.05, bench::measurePayments},
 };
 
 bool runAndPrint(const Measurement& measurement) {

@@ -114,10 +114,14 @@ void setScreenFactory(ScreenFactory factory) {
     screenFactory() = std::move(factory);
 }
 
+std::unique_ptr<Screen> makeScreen(int dialogId) {
+    return screenFactory() ? screenFactory()(dialogId) : nullptr;
+}
+
 Screen::Result runScreen(int dialogId) {
     Screen::Result result = Screen::Cancelled;
     for (int next = dialogId; next != 0;) {
-        const std::unique_ptr<Screen> screen = screenFactory() ? screenFactory()(next) : nullptr;
+        const std::unique_ptr<Screen> screen = makeScreen(next);
         if (!screen) {
             platform::trace(u"no screen for dialog %1"_s.arg(next));
             return Screen::Cancelled;

@@ -54,6 +54,9 @@ class Terminal : public QWidget {
 using ScreenFactory = std::function<std::unique_ptr<Screen>(int dialogId)>;
 void setScreenFactory(ScreenFactory factory);
 
+/// The screen for a dialog id, not open yet; null for an id without one.
+std::unique_ptr<Screen> makeScreen(int dialogId);
+
 /// Opens the dialog with that id and returns when it is closed. Cancelled for an id without a screen.
 Screen::Result runScreen(int dialogId);
 
