@@ -1,6 +1,5 @@
 #include "van/CardDlg.h"
 
-#include <QGuiApplication>
 #include <QLabel>
 #include <QPlainTextEdit>
 
@@ -44,8 +43,7 @@ bool isVisit() {
 
 CCardDlg::CCardDlg() : Screen(app::dialogs::kCard), component_(this) {
     addControls();
-    connectComponent();
-    setLog(u"카드를 읽어주세요!"_s);
+    log_->set(u"카드를 읽어주세요!"_s);
     const int mode = app::session().WorkMode;
     if (mode == app::kBalanceInquiry || mode == app::kPreviousTransaction) app::resetTransactionRecord();
     const app::SessionValues& session = app::session();
@@ -65,13 +63,12 @@ CCardDlg::CCardDlg() : Screen(app::dialogs::kCard), component_(this) {
     });
     if (mode == app::kPreviousTransaction) {
         picture_->hide();
-        setLog(u"직전거래 전문송신중!"_s);
+        log_->set(u"직전거래 전문송신중!"_s);
         send(RequestKind::PreviousTransaction, app::RequestType::PreviousTransaction);
     }
 }
 
 CCardDlg::~CCardDlg() {
-    setExchanging(false);
     platform::termdev::CardReader::instance().setReceiver({});
     ReaderEnable(false);
     print::DeviceClose();
@@ -90,10 +87,11 @@ void CCardDlg::addControls() {
     results_->setVisible(mode == app::kBalanceInquiry);
 
     picture_ = addPicture(1143, ui::bitmaps::kAskForCard, {20, 84});
-    logView_ = place(1142, new QPlainTextEdit(this), {2, 208, 236, 74});
-    logView_->setReadOnly(true);
-    logView_->setFocusPolicy(Qt::NoFocus);
-    logView_->setFont(ui::font(ui::FontHeight::Small));
+    log_.emplace(component_, place(1142, new QPlainTextEdit(this), {2, 208, 236, 74}), [this] {
+        app::TransactionRecord& record = app::transactionRecord();
+        return readReply(component_, record.requestType, &record.reply);
+    });
+    connect(&*log_, &ExchangeLog::ended, this, [this] { exchangeEnded(); });
 
     for (const auto& [id, caption] : {std::pair{1010, u"잔액조회"_s},
                                       {1015, u"계좌이체"_s},
@@ -109,44 +107,6 @@ void CCardDlg::addControls() {
     connect(done, &ui::BitmapButton::clicked, this, [this] { finish(); });
     setDefaultButton(done);
     setCancelButton(back);
-    component_.setObjectName(QString::number(CKsnet_msg_lib::kControlId));
-    component_.hide();
-}
-
-void CCardDlg::connectComponent() {
-    connect(&component_, &CKsnet_msg_lib::communicating, this, [this] { append(u"[통신중] "_s); });
-    connect(&component_, &CKsnet_msg_lib::messageSent, this, [this] { append(u"[전문송신완료] "_s); });
-    connect(&component_, &CKsnet_msg_lib::receiving, this, [this] {
-        app::TransactionRecord& record = app::transactionRecord();
-        append(u"[전문수신중] "_s + readReply(component_, record.requestType, &record.reply));
-    });
-    connect(&component_, &CKsnet_msg_lib::errorOccurred, this, [this] { append(u"[에러발생] "_s); });
-    connect(&component_, &CKsnet_msg_lib::ksnetError, this,
-            [this](int code) { append(u"[KSNET에러] "_s + QString::number(code)); });
-    connect(&component_, &CKsnet_msg_lib::communicationEnded, this, [this] {
-        append(u"[통신종료] "_s);
-        exchangeEnded();
-    });
-}
-
-void CCardDlg::append(const QString& text) {
-    setLog(log_ + text);
-}
-
-void CCardDlg::setLog(const QString& text) {
-    log_ = text;
-    logView_->setPlainText(log_);
-    logView_->moveCursor(QTextCursor::End);
-}
-
-void CCardDlg::setExchanging(bool isExchanging) {
-    if (isExchanging == isExchanging_) return;
-    isExchanging_ = isExchanging;
-    if (isExchanging) {
-        QGuiApplication::setOverrideCursor(Qt::WaitCursor);
-    } else {
-        QGuiApplication::restoreOverrideCursor();
-    }
 }
 
 void CCardDlg::loadCustomer() {
@@ -184,11 +144,11 @@ void CCardDlg::preparePayment() {
 
 void CCardDlg::cardSwiped() {
     // One exchange at a time, and none after an approval: nothing is charged twice.
-    if (isExchanging_ || isApproved_ || app::session().WorkMode == app::kPreviousTransaction) return;
+    if (log_->isExchanging() || isApproved_ || app::session().WorkMode == app::kPreviousTransaction) return;
     app::TransactionRecord& record = app::transactionRecord();
     ReaderTrack(2, &record.track2);
     ReaderTrack(3, &record.track3);
-    setLog(u"주류CARD를 읽었습니다.!"_s);
+    log_->set(u"주류CARD를 읽었습니다.!"_s);
     // A second card while the keypad is open replaces the first; the password is being asked already.
     if (isAskingPassword_) return;
     isAskingPassword_ = true;
@@ -229,13 +189,12 @@ void CCardDlg::send(RequestKind kind, app::RequestType type) {
     record.requestType = type;
     record.reply = {};
     sentTime_ = platform::clock::now().toString(u"yyyyMMddHHmmss"_s);
-    setExchanging(true);
+    log_->begin();
     // The failures show with the next event's rewrite of the status box.
-    log_ += sendRequest(component_, kind, record);
+    log_->appendUnseen(sendRequest(component_, kind, record));
 }
 
 void CCardDlg::exchangeEnded() {
-    setExchanging(false);
     app::TransactionRecord& record = app::transactionRecord();
     const bool isGood = record.reply.responseCode == kApproved;
     switch (record.requestType) {
@@ -354,7 +313,7 @@ void CCardDlg::reprintPrevious() {
 }
 
 void CCardDlg::goBack() {
-    if (isExchanging_) return;
+    if (log_->isExchanging()) return;
     const app::SlipIdentity& slip = app::transactionRecord().slip;
     // A card payment that was not approved has not been made: its collection is taken back.
     if (isVisit() && !isApproved_ && app::transactionRecord().amounts.card > Won()) {
@@ -365,7 +324,7 @@ void CCardDlg::goBack() {
 }
 
 void CCardDlg::finish() {
-    if (isExchanging_) return;
+    if (log_->isExchanging()) return;
     const int mode = app::session().WorkMode;
     if (mode == app::kBalanceInquiry || mode == app::kPreviousTransaction) {
         close(Accepted);

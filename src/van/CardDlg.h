@@ -2,14 +2,15 @@
 
 #include <optional>
 
+#include <optional>
+
 #include "app/Transaction.h"
 #include "print/CardReceipt.h"
 #include "print/SlipBlocks.h"
 #include "ui/Screen.h"
+#include "van/ExchangeLog.h"
 #include "van/HostRequest.h"
 #include "van/KsnetMsgLib.h"
-
-class QPlainTextEdit;
 
 namespace ui {
 class ReportList;
@@ -28,7 +29,6 @@ class CCardDlg : public ui::Screen {
 
   private:
     void addControls();
-    void connectComponent();
     void preparePayment();
     void loadCustomer();
     void cardSwiped();
@@ -46,17 +46,12 @@ class CCardDlg : public ui::Screen {
     bool recordApproval();
     void goBack();
     void finish();
-    void append(const QString& text);
-    void setLog(const QString& text);
-    void setExchanging(bool isExchanging);
 
     CKsnet_msg_lib component_;
-    QPlainTextEdit* logView_ = nullptr;
     ui::ReportList* results_ = nullptr;
     QWidget* picture_ = nullptr;
-    QString log_;
+    std::optional<ExchangeLog> log_;
     QString sentTime_;  ///< When the request at hand left, "yyyyMMddHHmmss".
-    bool isExchanging_ = false;
     bool isAskingPassword_ = false;
     bool isApproved_ = false;
 };

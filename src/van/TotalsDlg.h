@@ -1,10 +1,11 @@
 #pragma once
 
+#include <optional>
+
 #include "print/HostSummary.h"
 #include "ui/Screen.h"
+#include "van/ExchangeLog.h"
 #include "van/KsnetMsgLib.h"
-
-class QPlainTextEdit;
 
 namespace van {
 
@@ -14,22 +15,15 @@ class CTotalsDlg : public ui::Screen {
 
   public:
     CTotalsDlg();
-    ~CTotalsDlg() override;
 
   private:
-    void connectComponent();
     void request();
-    void readReply();
+    QString readReply();
     void exchangeEnded();
-    void append(const QString& text);
-    void setLog(const QString& text);
-    void setExchanging(bool isExchanging);
 
     CKsnet_msg_lib component_;
-    QPlainTextEdit* logView_ = nullptr;
-    QString log_;
+    std::optional<ExchangeLog> log_;
     print::HostSummary summary_;
-    bool isExchanging_ = false;
 };
 
 }  // namespace van
