@@ -17,7 +17,7 @@ inline void openDatabase(CVOConnection& connection) {
 }
 
 /// Runs a SELECT on a connection of its own and calls `readRow(recordset)` on each row. Returns the number of
-/// rows, 0 when the statement failed.
+/// rows, -1 when the statement failed or its rows broke off.
 template <typename ReadRow>
 int forEachRow(const Sql& select, ReadRow&& readRow) {
     CVOConnection connection;
@@ -27,7 +27,7 @@ int forEachRow(const Sql& select, ReadRow&& readRow) {
     int rows = 0;
     // Without a component EOF is false, so the result's own state is asked as well.
     for (; recordset.m_bOpen && !recordset.EOF(); recordset.MoveNext(), ++rows) readRow(recordset);
-    return rows;
+    return recordset.IsBroken() ? -1 : rows;
 }
 
 /// The first row's columns as texts; nothing when there is no row or the statement failed.

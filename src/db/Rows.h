@@ -12,6 +12,7 @@ namespace db {
 struct Rows {
     int columns = 0;
     QList<QString> cells;
+    bool isComplete = true;  ///< False when the statement failed or its rows broke off.
 
     int count() const { return columns > 0 ? int(cells.size() / columns) : 0; }
     bool isEmpty() const { return cells.isEmpty(); }

@@ -51,6 +51,9 @@ class CVORecordset {
     /// The column's text: "" for NULL, "0" for an index without a field.
     QString GetFieldString(int index);
 
+    /// True when the statement failed or its rows broke off: what was read is not all there is.
+    bool IsBroken() const { return !m_pRecordset || !m_bOpen || m_pRecordset->IsBroken(); }
+
     bool m_bOpen = false;
     CVOConnection* m_pConnection;
     std::unique_ptr<platform::adoce::Recordset> m_pRecordset;

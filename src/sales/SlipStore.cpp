@@ -38,6 +38,7 @@ SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo
     db::Transaction transaction;
     if (!transaction.run(kDeleteOwn(workDate, junNo, userId))) return SaveOutcome::Failed;
     const db::Rows lines = db::selectRows(kWorkingLines(), kWorkingColumns);
+    if (!lines.isComplete) return SaveOutcome::Failed;
     const QString savedAt = platform::clock::now().toString(u"HH:mm"_s);
     for (int row = 0; row < lines.count(); ++row) {
         std::array<QStringView, decltype(kInsert)::kValues> values;

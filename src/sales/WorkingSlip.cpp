@@ -33,8 +33,9 @@ constexpr db::Statement<
 constexpr db::Statement<u"SELECT * FROM TEMP WHERE PCode= '%s' and Box = '%s' and Bon = '%s'"> kLine;
 constexpr db::Statement<u"DELETE TEMP WHERE PCode= '%s' and Box = '%s' and Bon = '%s'"> kDelete;
 
-/// The columns of the working table in their order.
 constexpr db::Statement<u"SELECT MMoney,BMoney,YMoney,GMoney FROM TEMP"> kWorkingAmounts;
+
+/// The columns of the working table in their order.
 constexpr std::array kColumns{&SlipLine::DDate,  &SlipLine::Gubun,     &SlipLine::GCode, &SlipLine::GName,
                               &SlipLine::JunNo,  &SlipLine::WorkGubun, &SlipLine::PCode, &SlipLine::PName,
                               &SlipLine::JGubun, &SlipLine::Box,       &SlipLine::Bon,   &SlipLine::MMoney,
@@ -57,9 +58,8 @@ bool replaceLine(const LineKey& key, Change&& change) {
     for (std::size_t i = 0; i < kColumns.size(); ++i) line.*kColumns[i] = row->at(qsizetype(i));
     change(&line);
     // Two lines of the same product and quantities are one to the working table: both make way.
-    transaction.connection().Execute(kDelete(key.PCode, key.Box, key.Bon));
-    transaction.connection().Execute(insertOf(line));
-    return transaction.commit();
+    return transaction.run(kDelete(key.PCode, key.Box, key.Bon)) && transaction.run(insertOf(line)) &&
+           transaction.commit();
 }
 
 }  // namespace
@@ -67,14 +67,14 @@ bool replaceLine(const LineKey& key, Change&& change) {
 bool reloadSlip(QStringView userId, QStringView workDate, QStringView junNo) {
     db::Transaction transaction;
     bool isWhole = transaction.run(kEmpty());
-    db::forEachRow(kSaved(userId, workDate, junNo), [&](db::CVORecordset& row) {
+    const int lines = db::forEachRow(kSaved(userId, workDate, junNo), [&](db::CVORecordset& row) {
         SlipLine line;
         for (std::size_t i = 0; i < kColumns.size(); ++i) line.*kColumns[i] = row.GetFieldString(int(i));
         const db::Sql insert = insertOf(line);
         // A line with a quote in it is skipped; any other failure is the database's.
         if (!transaction.run(insert) && insert.isWellFormed()) isWhole = false;
     });
-    return isWhole && transaction.commit();
+    return isWhole && lines >= 0 && transaction.commit();
 }
 
 std::optional<OpenedSlip> openSlip(QStringView userId, QStringView workDate, QStringView junNo) {

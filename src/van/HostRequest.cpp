@@ -145,7 +145,9 @@ QString hostAddress(QStringView savedDigits) {
 QString sendRequest(CKsnet_msg_lib& component, RequestKind kind, const app::TransactionRecord& record) {
     QString failures;
     const QString address = hostAddress(savedValue(component, u"221", kind, &failures));
-    const auto port = static_cast<short>(parseInteger(savedValue(component, u"222", kind, &failures)));
+    const std::int64_t savedPort = parseInteger(savedValue(component, u"222", kind, &failures));
+    // The component takes the port's 16 bits; a value that is no port is none.
+    const auto port = static_cast<short>(savedPort >= 0 && savedPort <= 65535 ? savedPort : 0);
     // The summary also reads this value, which goes nowhere.
     if (kind == RequestKind::Summary) savedValue(component, u"101", kind, &failures);
     failures += failureText(

@@ -166,8 +166,8 @@ TEST_F(RecordsetTest, WithoutComponentsEverythingIsFalseAndTraced) {
     EXPECT_FALSE(none.Close());
     EXPECT_EQ(traces.take(),
               QStringList({u"CVOConnection::Close() Connection COM Object not initialized\n"_s}));
-    // The helpers must come to an end although EOF is never true.
-    EXPECT_EQ(forEachRow(kCustomers(u""), [](CVORecordset&) {}), 0);
+    // The functions must come to an end although EOF is never true.
+    EXPECT_EQ(forEachRow(kCustomers(u""), [](CVORecordset&) {}), -1);
     EXPECT_EQ(firstRow(kCustomers(u"")), std::nullopt);
     adoce::setCreationResult(adoce::kOk);
 

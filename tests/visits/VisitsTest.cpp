@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "support/PrintQt.h"
+
 namespace {
 
 using namespace Qt::Literals::StringLiterals;

@@ -92,6 +92,7 @@ bool Connection::IsUsable() const {
 }
 
 QString Field::Name() const {
+    if (recordset_->statement_ == nullptr) return {};
     return QString::fromUtf8(sqlite3_column_name(recordset_->statement_->handle, index_));
 }
 
@@ -122,7 +123,8 @@ HResult Recordset::Open(const QVariant& source, const QVariant& activeConnection
     Close();
     auto* connection = activeConnection.value<Connection*>();
     if (connection == nullptr) connection = active_;
-    if (connection == nullptr || !connection->file()) return kFail;
+    isBroken_ = true;
+    if (connection == nullptr || !connection->file() || source.typeId() != QMetaType::QString) return kFail;
 
     thread_local ParsedStatement parsed;
     const bool isWellFormed = parseStatement(*static_cast<const QString*>(source.constData()), &parsed);
@@ -154,8 +156,8 @@ HResult Recordset::Open(const QVariant& source, const QVariant& activeConnection
     }
     const HResult result = step();
     if (failed(result)) {
-        traceFailure(file_->errorText(), parsed.text);
         Close();
+        isBroken_ = true;
     } else if (hasRow_) {
         rowNumber_ = 0;
     }
@@ -175,8 +177,9 @@ HResult Recordset::MoveFirst() {
     if (statement_ == nullptr || rowNumber_ < 0) return kFail;
     if (rowNumber_ == 0 && hasRow_) return kOk;
     sqlite3_reset(statement_->handle);
-    rowNumber_ = 0;
-    return step();
+    const HResult result = step();
+    rowNumber_ = hasRow_ ? 0 : -1;
+    return result;
 }
 
 HResult Recordset::MoveNext() {
@@ -188,7 +191,9 @@ HResult Recordset::MoveNext() {
 HResult Recordset::step() {
     const int result = sqlite3_step(statement_->handle);
     hasRow_ = result == SQLITE_ROW;
-    return hasRow_ || result == SQLITE_DONE ? kOk : kFail;
+    isBroken_ = !hasRow_ && result != SQLITE_DONE;
+    if (isBroken_) traceFailure(file_->errorText(), sqlite3_sql(statement_->handle));
+    return isBroken_ ? kFail : kOk;
 }
 
 }  // namespace platform::adoce

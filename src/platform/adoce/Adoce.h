@@ -105,6 +105,8 @@ class Recordset {
     bool BOF() const { return rowNumber_ < 0; }
     /// True after the last row, on an empty result and on one that could not be opened.
     bool EndOfRows() const { return !hasRow_; }
+    /// True when a row could not be fetched, so that what was read is not all there is.
+    bool IsBroken() const { return isBroken_; }
     HResult MoveFirst();
     HResult MoveNext();
     Fields* GetFields() { return &fields_; }
@@ -120,6 +122,7 @@ class Recordset {
     PreparedStatement* statement_ = nullptr;
     qint64 rowNumber_ = -1;
     bool hasRow_ = false;
+    bool isBroken_ = false;
     Fields fields_;
 };
 

@@ -9,6 +9,7 @@
 
 #include <QFile>
 #include <array>
+#include <cerrno>
 #include <cstring>
 #include <utility>
 
@@ -62,18 +63,20 @@ bool isSameUser(int connection) {
 SwipeSocket::SwipeSocket(QObject* parent) : QObject(parent) {
     const SocketAddress address;
     listener_ = address.isValid() ? ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0) : -1;
+    int reason = errno;
     if (listener_ >= 0) {
         ::unlink(address.path());
         const mode_t before = ::umask(0177);
         const bool isBound = ::bind(listener_, address.get(), SocketAddress::size()) == 0;
         ::umask(before);
         if (!isBound || ::listen(listener_, 1) != 0) {
+            reason = errno;
             ::close(listener_);
             listener_ = -1;
         }
     }
     if (listener_ < 0) {
-        trace(u"card reader: no swipe socket: %1"_s.arg(QString::fromLocal8Bit(std::strerror(errno))));
+        trace(u"card reader: no swipe socket: %1"_s.arg(QString::fromLocal8Bit(std::strerror(reason))));
         return;
     }
     path_ = device::folder() + u'/' + QLatin1StringView(kSocketName);
@@ -105,6 +108,7 @@ void SwipeSocket::accept() {
 void SwipeSocket::read() {
     std::array<char, kLongestCardBytes> buffer;
     const ssize_t bytes = ::recv(conversation_, buffer.data(), buffer.size(), 0);
+    const int reason = errno;
     if (bytes > 0) received_.insert(received_.end(), buffer.begin(), buffer.begin() + bytes);
     sodium_memzero(buffer.data(), buffer.size());
     const QByteArrayView text(reinterpret_cast<const char*>(received_.data()), qsizetype(received_.size()));
@@ -118,6 +122,8 @@ void SwipeSocket::read() {
         // Announced last: the password keypad may hold the announcement for long.
         CardReader::instance().swipe(tracks.first(firstEnd),
                                      tracks.sliced(firstEnd + 1, secondEnd - firstEnd - 1));
+    } else if (bytes < 0 && (reason == EAGAIN || reason == EINTR)) {
+        return;
     } else if (bytes <= 0 || text.size() >= kLongestCardBytes) {
         endConversation();
     }
