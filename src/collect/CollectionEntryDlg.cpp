@@ -158,7 +158,10 @@ void CCollectionEntryDlg::load() {
     }
     recomputeTotal(amounts_);
     // A slip that changed since its collection was saved leaves the difference unpaid.
-    if (saved) collect::keyEarlierReceivable(amounts_, amounts_.earlierReceivable);
+    if (saved && saved->amounts().total != amounts_.total) {
+        collect::keyEarlierReceivable(amounts_, amounts_.earlierReceivable);
+    }
+    approvedCard_ = amounts_.card;
     amounts_.previousReceivable =
         app::previousReceivable(session.action.GCode, session.WorkDate, session.action.JunNo, session.UserID);
 }
@@ -192,6 +195,7 @@ void CCollectionEntryDlg::keyEarlierReceivable() {
 
 void CCollectionEntryDlg::deletePrevious() {
     const app::SessionValues& session = app::session();
+    if (isApproved_ && !ui::confirm(u"카드결제된 입금표를 삭제할까요?"_s, u"카드결제된 입금표삭제"_s)) return;
     app::removeCollection(session.WorkDate, session.action.JunNo, session.UserID);
     ui::message(u"이전입금전표내역을 삭제하였습니다.."_s);
     isApproved_ = false;
@@ -205,6 +209,11 @@ void CCollectionEntryDlg::finish() {
     if (nothingToSettle(amounts_)) {
         ui::message(
             u"카드결제&현금결제&전미수입금&미결제액&용공회수액 중에서  금액이 0원 이상이여야 합니다.."_s);
+        return;
+    }
+    // The card was charged what it was charged: the slip keeps saying so.
+    if (isApproved_ && amounts_.card != approvedCard_) {
+        ui::message(u"카드결제된 전표의 카드금액은 바꿀수 없습니다..!"_s);
         return;
     }
     const app::SessionValues& session = app::session();

@@ -27,6 +27,7 @@ class CCollectionEntryDlg : public ui::Screen {
 
     app::SettlementAmounts amounts_;
     bool isApproved_ = false;
+    platform::Won approvedCard_;  ///< What the card was charged, when isApproved_.
 };
 
 }  // namespace collect

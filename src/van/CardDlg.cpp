@@ -221,6 +221,8 @@ void CCardDlg::exchangeEnded() {
 bool CCardDlg::recordApproval() {
     const app::TransactionRecord& record = app::transactionRecord();
     const QString& number = record.reply.transactionNumber;
+    // Without a number the slip would not count as paid.
+    if (number.isEmpty()) return false;
     if (isVisit()) {
         return app::recordApproval(record.slip.date, record.slip.junNo, record.slip.userId, number,
                                    sentTime_);

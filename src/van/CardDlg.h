@@ -2,8 +2,6 @@
 
 #include <optional>
 
-#include <optional>
-
 #include "app/Transaction.h"
 #include "print/CardReceipt.h"
 #include "print/SlipBlocks.h"
