@@ -52,9 +52,4 @@ Won keySimpleAmount(SettlementAmounts& amounts, SimpleAmount which, Won keyed) {
     return excess;
 }
 
-SettlementAmounts withCardCharge(SettlementAmounts amounts) {
-    amounts.card = amounts.total - amounts.containerRecovery;
-    return amounts;
-}
-
 }  // namespace collect

@@ -17,8 +17,4 @@ platform::Won value(const app::SettlementAmounts& amounts, SimpleAmount which);
 /// sales and non-liquor becomes 0, and what it was above them is returned, else 0.
 platform::Won keySimpleAmount(app::SettlementAmounts& amounts, SimpleAmount which, platform::Won keyed);
 
-/// The amounts as the card is charged: card is the total less the recovery. The total already excludes the
-/// recovery, so that it counts twice, a fact of this system.
-app::SettlementAmounts withCardCharge(app::SettlementAmounts amounts);
-
 }  // namespace collect

@@ -53,14 +53,5 @@ TEST(SimplePayment, KeepsItsAmountsTogether) {
     }
 }
 
-TEST(SimplePayment, ChargesTheRecoveryTwice) {
-    SettlementAmounts amounts;
-    keySimpleAmount(amounts, SimpleAmount::Sales, Won(110000));
-    keySimpleAmount(amounts, SimpleAmount::Recovery, Won(10000));
-    amounts = withCardCharge(amounts);
-    EXPECT_EQ(amounts.total, Won(100000));
-    EXPECT_EQ(amounts.card, Won(90000));
-}
-
 }  // namespace
 }  // namespace collect
