@@ -1,13 +1,15 @@
 # Reads every source file and checks the includes against the plan of the folders. Prints file:line: finding.
 
 BEGIN {
-    # A file includes its own folder and what is lower. Folders of the same height do not know each other.
+    # A file includes its own folder and what is lower. Folders of the same height do not know each other, but for the exceptions below.
     height["platform"] = 1
     height["db"] = 2
     height["ui"] = 3
     height["app"] = 4
     height["print"] = 5
     height["sales"] = height["collect"] = height["van"] = height["container"] = height["totals"] = WORK = 6
+    # The end of the day asks the card host for its sums, through the exchange that the card work has.
+    may["totals van"] = 1
     ROOF = 7
     for (i = 1; i < ARGC; i++) known[ARGV[i]] = 1
     findings = 0
@@ -116,6 +118,7 @@ function arrow(n,   a, b, ha, hb) {
             say(from[n], at[n], "src/" a "/ has no place in the plan of the folders")
             return
         }
+        if ((a " " b) in may) ha = WORK + 0.5
         if (a != b && ha == WORK && hb == WORK) {
             say(from[n], at[n], "the work folders do not know each other: " a " -> " b ": \"" text[n] "\"")
             return

@@ -17,10 +17,10 @@
 #include "sales/MtmDlg.h"
 #include "sales/PummokCheck.h"
 #include "sales/PummokSeekBoard.h"
+#include "totals/TotalsDlg.h"
 #include "ui/Messages.h"
 #include "ui/Terminal.h"
 #include "van/CardDlg.h"
-#include "van/TotalsDlg.h"
 
 namespace {
 
@@ -72,7 +72,7 @@ constexpr Entry kScreens[] = {
     {dialogs::kImport, make<app::CImportDlg>},
     {dialogs::kCard, make<van::CCardDlg>},
     {dialogs::kCollectionEntry, make<collect::CCollectionEntryDlg>},
-    {dialogs::kTotals, make<van::CTotalsDlg>},
+    {dialogs::kTotals, make<totals::CTotalsDlg>},
 };
 
 }  // namespace

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QString>
-#include <array>
+#include <optional>
 
 #include "platform/Won.h"
 
@@ -31,6 +31,11 @@ struct ActionValues {
 
     int ProductChosen = 0;  ///< 1 when the product search was left with a product.
 
+    QString SelectedContainerGName;  ///< Customer name of the container slip chosen in the list.
+    QString SelectedContainerPCode;  ///< Product chosen in the container product search.
+    QString ContainerSearchKey;      ///< Its consonant, compared with `PUMMOK.seek`; empty lists all.
+    int ContainerSearchResult = 0;   ///< 1 when the container product search was left with a product.
+
     // The sums of the slip on screen, won.
     platform::Won SupplySum;
     platform::Won VatSum;
@@ -44,6 +49,9 @@ struct ActionValues {
     platform::Won CheckoutDeposits;  ///< Crates and bottles.
     platform::Won CheckoutTotal;
     platform::Won CheckoutReceivable;  ///< The customer's balance before this visit.
+
+    /// What the container slip that was just finished is worth, in won; nothing when none was.
+    std::optional<platform::Won> ContainerRecovery;
 };
 
 /// The record that all screens share.

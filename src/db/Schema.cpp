@@ -67,12 +67,14 @@ constexpr std::array kIndexes{
     Index{u"GARAEDANGA_KEY", u"GARAEDANGA", u"gcode, pcode"},
     Index{u"GARAEMAJIN_KEY", u"GARAEMAJIN", u"GCode, Gubun"},
     Index{u"MTM_SLIP", u"MTM", u"DDate, JunNo, UserID"},
-    Index{u"MTM_CUSTOMER", u"MTM", u"DDate, GCode"},
+    Index{u"MTM_CUSTOMER", u"MTM", u"GCode, DDate"},
     Index{u"MTM_LIST", u"MTM", u"UserID, DDate, WorkGubun, JunNo"},
     Index{u"MTMOK_SLIP", u"MTMOK", u"DDate, JunNo, UserID"},
     Index{u"MTMOK_TRANSACTION", u"MTMOK", u"BANKTRANNO, JunNo"},
     Index{u"MTMOK_LIST", u"MTMOK", u"UserID, DDate, JunNo"},
     Index{u"YTM_SLIP", u"YTM", u"DDate, JunNo, UserID"},
+    Index{u"YTM_LIST", u"YTM", u"UserID, DDate, JunNo"},
+    Index{u"YTM_CUSTOMER", u"YTM", u"GCode, DDate"},
     Index{u"BANKMONEY_DATE", u"BankMoney", u"DDate"},
 };
 

@@ -7,7 +7,7 @@
 #include "van/ExchangeLog.h"
 #include "van/KsnetMsgLib.h"
 
-namespace van {
+namespace totals {
 
 /// The end-of-day dialog (457): asks the card host for its totals of the day and prints them.
 class CTotalsDlg : public ui::Screen {
@@ -21,9 +21,9 @@ class CTotalsDlg : public ui::Screen {
     QString readReply();
     void exchangeEnded();
 
-    CKsnet_msg_lib component_;
-    std::optional<ExchangeLog> log_;
+    van::CKsnet_msg_lib component_;
+    std::optional<van::ExchangeLog> log_;
     print::HostSummary summary_;
 };
 
-}  // namespace van
+}  // namespace totals

@@ -1,4 +1,4 @@
-#include "van/TotalsDlg.h"
+#include "totals/TotalsDlg.h"
 
 #include <QLabel>
 #include <QPlainTextEdit>
@@ -9,7 +9,7 @@
 #include "ui/Messages.h"
 #include "van/HostRequest.h"
 
-namespace van {
+namespace totals {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
@@ -46,7 +46,7 @@ CTotalsDlg::CTotalsDlg() : Screen(app::dialogs::kTotals), component_(this) {
     connect(summary, &ui::BitmapButton::clicked, this, [this] { request(); });
     log_.emplace(component_, place(1146, new QPlainTextEdit(this), {2, 200, 236, 80}),
                  [this] { return readReply(); });
-    connect(&*log_, &ExchangeLog::ended, this, [this] { exchangeEnded(); });
+    connect(&*log_, &van::ExchangeLog::ended, this, [this] { exchangeEnded(); });
     ui::BitmapButton* done = addButton(1003, u"닫  기"_s, {182, 284}, ui::bitmaps::kCancel);
     connect(done, &ui::BitmapButton::clicked, this, [this] {
         if (!log_->isExchanging()) close(Cancelled);
@@ -62,7 +62,7 @@ void CTotalsDlg::request() {
     repaint();
     log_->set(u"HOST집계요청 중입니다.."_s);
     summary_ = {};
-    log_->append(sendRequest(component_, RequestKind::Summary, app::transactionRecord()));
+    log_->append(van::sendRequest(component_, van::RequestKind::Summary, app::transactionRecord()));
 }
 
 QString CTotalsDlg::readReply() {
@@ -70,7 +70,7 @@ QString CTotalsDlg::readReply() {
     component_.RecvSummary();
     QString text = u"<응답값: "_s;
     for (const SummaryField& field : kFields) {
-        const QString value = receivedField(component_, field.number);
+        const QString value = van::receivedField(component_, field.number);
         if (field.text != nullptr) summary_.*field.text = value;
         if (field.number == 1102 || field.number == 1203) text += u'[' + value + u']';
         if (field.number == 1121) text += u"수수료:"_s + value;
@@ -90,4 +90,4 @@ void CTotalsDlg::exchangeEnded() {
     repaint();
 }
 
-}  // namespace van
+}  // namespace totals

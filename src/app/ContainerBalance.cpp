@@ -1,0 +1,115 @@
+#include "app/ContainerBalance.h"
+
+#include <algorithm>
+#include <functional>
+#include <map>
+
+#include "db/Query.h"
+#include "platform/Won.h"
+
+namespace app {
+namespace {
+
+using platform::parseInteger;
+
+// The two marks of the products that are taken back.
+constexpr db::Statement<
+    u"SELECT MTM.PCode, PUMMOK.PName, BoxBonEa, DDate, Box, Bon FROM MTM, PUMMOK WHERE MTM.GCode = '%s' "
+    u"AND DDate <= '%s' AND PUMMOK.PCode = MTM.PCode AND (TTT = 'Y' OR TTT = 'Z')">
+    kDeliveries;
+constexpr db::Statement<
+    u"SELECT PCode, PName, DDate, JunNo, UserID, FBox, NBox, Bon FROM YTM WHERE GCode = '%s' "
+    u"AND DDate <= '%s'">
+    kReturns;
+constexpr db::Statement<u"SELECT BoxBonEa FROM PUMMOK WHERE PCode = '%s' "> kBottlesPerBox;
+
+/// The counts are bounded so that no imported figure, however long, can overflow a sum or a product.
+std::int64_t count(QStringView text) {
+    constexpr std::int64_t kBound = 1'000'000'000;
+    return std::clamp(parseInteger(text), -kBound, kBound);
+}
+
+class Balances {
+  public:
+    ContainerBalance& of(const QString& pCode, const QString& pName) {
+        ContainerBalance& balance = byCode_[pCode];
+        if (balance.PCode.isEmpty()) {
+            balance.PCode = pCode;
+            balance.PName = pName;
+        }
+        return balance;
+    }
+
+    /// Bottles in a full crate; looked up once for each product.
+    std::int64_t bottlesPerBox(const QString& pCode) {
+        const auto known = bottles_.find(pCode);
+        if (known != bottles_.end()) return known->second;
+        const auto row = db::firstRow(kBottlesPerBox(pCode));
+        return bottles_[pCode] = row ? count(row->first()) : 0;
+    }
+
+    Containers containers(const ContainerReturn& line) {
+        return {line.emptyCrates + line.filledCrates,
+                line.filledCrates * bottlesPerBox(line.PCode) + line.bottles};
+    }
+
+    QList<ContainerBalance> list() const {
+        QList<ContainerBalance> balances;
+        for (const auto& [code, balance] : byCode_) {
+            const bool isSettled =
+                balance.before.isZero() && balance.delivered.isZero() && balance.returned.isZero();
+            if (!isSettled) balances << balance;
+        }
+        return balances;
+    }
+
+  private:
+    std::map<QString, ContainerBalance, std::greater<>> byCode_;
+    std::map<QString, std::int64_t> bottles_;
+};
+
+}  // namespace
+
+Containers& Containers::operator+=(Containers other) {
+    crates += other.crates;
+    bottles += other.bottles;
+    return *this;
+}
+
+Containers& Containers::operator-=(Containers other) {
+    crates -= other.crates;
+    bottles -= other.bottles;
+    return *this;
+}
+
+Containers ContainerBalance::after() const {
+    Containers out = before;
+    out += delivered;
+    out -= returned;
+    return out;
+}
+
+QList<ContainerBalance> containerBalances(QStringView gCode, QStringView date, QStringView junNo,
+                                          QStringView userId, std::span<const ContainerReturn> returned) {
+    Balances balances;
+    db::forEachRow(kDeliveries(gCode, date), [&](db::CVORecordset& row) {
+        const std::int64_t boxes = count(row.GetFieldString(4));
+        const Containers sold{boxes, boxes * count(row.GetFieldString(2)) + count(row.GetFieldString(5))};
+        ContainerBalance& balance = balances.of(row.GetFieldString(0), row.GetFieldString(1));
+        (row.GetFieldString(3) == date ? balance.delivered : balance.before) += sold;
+    });
+    db::forEachRow(kReturns(gCode, date), [&](db::CVORecordset& row) {
+        const bool isSlipAtHand = row.GetFieldString(2) == date && row.GetFieldString(3) == junNo &&
+                                  row.GetFieldString(4) == userId;
+        if (isSlipAtHand) return;
+        const ContainerReturn line{row.GetFieldString(0), row.GetFieldString(1), count(row.GetFieldString(5)),
+                                   count(row.GetFieldString(6)), count(row.GetFieldString(7))};
+        balances.of(line.PCode, line.PName).before -= balances.containers(line);
+    });
+    for (const ContainerReturn& line : returned) {
+        balances.of(line.PCode, line.PName).returned += balances.containers(line);
+    }
+    return balances.list();
+}
+
+}  // namespace app
