@@ -16,13 +16,13 @@
 #include <vector>
 
 #include "Bench.h"
-#include "common/DemoCards.h"
 #include "platform/Device.h"
 #include "platform/message/Component.h"
 #include "platform/message/Fields.h"
 #include "platform/message/Frame.h"
 #include "platform/message/SavedValues.h"
 #include "platform/message/Seal.h"
+#include "platform/termdev/DemoCards.h"
 
 namespace bench {
 namespace {
@@ -164,8 +164,8 @@ class PayingTerminal {
             throw std::runtime_error("the terminal's files cannot be written");
         }
         QObject::connect(&component_, &Component::communicationEnded, [this] { loop_.quit(); });
-        const tools::DemoCard& card = tools::demoCards().front();
-        cardData_ = tools::track3(card).mid(1, 104);
+        const platform::termdev::DemoCard& card = platform::termdev::demoCards().front();
+        cardData_ = platform::termdev::track3(card).mid(1, 104);
         password_ = card.password.toString();
     }
     ~PayingTerminal() { platform::device::setFolder(before_); }

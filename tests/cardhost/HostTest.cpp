@@ -7,9 +7,9 @@
 #include <memory>
 #include <vector>
 
-#include "common/DemoCards.h"
 #include "platform/message/Component.h"
 #include "platform/message/SavedValues.h"
+#include "platform/termdev/DemoCards.h"
 #include "support/Exchange.h"
 #include "support/HostProcess.h"
 #include "support/PrintQt.h"
@@ -25,10 +25,10 @@ constexpr char kGood[] = "communicating sent receiving ended";
 constexpr char kBroken[] = "communicating sent error ended";
 
 QString cardData(QStringView name) {
-    return tools::track3(*tools::findDemoCard(name)).mid(1, 104);
+    return platform::termdev::track3(*platform::termdev::findDemoCard(name)).mid(1, 104);
 }
 QStringView password(QStringView name) {
-    return tools::findDemoCard(name)->password;
+    return platform::termdev::findDemoCard(name)->password;
 }
 
 class HostTest : public ::testing::Test {

@@ -6,9 +6,9 @@
 #include <QDir>
 #include <QRegularExpression>
 
-#include "common/DemoCards.h"
 #include "platform/Clock.h"
 #include "platform/Wipe.h"
+#include "platform/termdev/DemoCards.h"
 #include "rovana-cardhost/Faults.h"
 #include "rovana-cardhost/Keys.h"
 #include "rovana-cardhost/Ledger.h"
@@ -117,8 +117,8 @@ QString putCard(Ledger& ledger, const Options& options, QTextStream& in) {
 
 int serve(Ledger& ledger, const Options& options, QTextStream& out, QTextStream& err) {
     if (options.isDemo) {
-        for (const tools::DemoCard& card : tools::demoCards()) {
-            const QString track = tools::track3(card);
+        for (const platform::termdev::DemoCard& card : platform::termdev::demoCards()) {
+            const QString track = platform::termdev::track3(card);
             if (card.isKnown && !ledger.hasCard(track))
                 ledger.putCard(track, card.password, card.balance, card.limit);
         }

@@ -13,11 +13,11 @@
 #include <QTest>
 #include <QWindow>
 
-#include "common/DemoCards.h"
 #include "platform/Clock.h"
 #include "platform/Device.h"
 #include "platform/message/Component.h"
 #include "platform/termdev/CardReader.h"
+#include "platform/termdev/DemoCards.h"
 #include "platform/termdev/PaperRoll.h"
 #include "rovana-play/Approval.h"
 #include "rovana-play/DatabaseReader.h"
@@ -104,12 +104,10 @@ QString textOf(const Step& step) {
 
 /// Puts a demonstration card through the reader as soon as that takes one.
 Attempt swipe(const Step& step) {
-    const tools::DemoCard* card = tools::findDemoCard(textOf(step));
+    const platform::termdev::DemoCard* card = platform::termdev::findDemoCard(textOf(step));
     if (card == nullptr) return waitFor(u"there is no such card"_s);
-    platform::termdev::CardReader& reader = platform::termdev::CardReader::instance();
-    if (!reader.isReading()) return waitFor(u"the reader takes no card"_s);
-    return ready(
-        [card, &reader] { reader.swipe(tools::track2(*card).toLatin1(), tools::track3(*card).toLatin1()); });
+    if (!platform::termdev::CardReader::instance().isReading()) return waitFor(u"the reader takes no card"_s);
+    return ready([card] { platform::termdev::swipe(*card); });
 }
 
 Attempt chooseRow(const Step& step) {

@@ -1,5 +1,5 @@
-#include "common/DemoCards.h"
 #include "platform/Device.h"
+#include "platform/termdev/DemoCards.h"
 #include "platform/termdev/SwipeSocket.h"
 #include "rovanactl/Command.h"
 
@@ -11,15 +11,17 @@ using platform::termdev::SwipeSocket;
 
 QString knownCards() {
     QStringList names;
-    for (const tools::DemoCard& card : tools::demoCards()) names += card.name.toString();
+    for (const platform::termdev::DemoCard& card : platform::termdev::demoCards())
+        names += card.name.toString();
     return names.join(u", "_s);
 }
 
 Outcome swipe(const Invocation& call) {
     const QString& name = call.arguments.constFirst();
-    const tools::DemoCard* card = tools::findDemoCard(name);
+    const platform::termdev::DemoCard* card = platform::termdev::findDemoCard(name);
     if (card == nullptr) return failure(u"there is no card \"%1\"; there are %2"_s.arg(name, knownCards()));
-    switch (SwipeSocket::send(tools::track2(*card).toLatin1(), tools::track3(*card).toLatin1())) {
+    switch (SwipeSocket::send(platform::termdev::track2(*card).toLatin1(),
+                              platform::termdev::track3(*card).toLatin1())) {
         case SwipeSocket::Answer::Taken:
             call.out << u"the terminal read the card; its password is "_s << card->password << u'\n';
             return {};

@@ -1,13 +1,10 @@
 #include "platform/termdev/PaperRoll.h"
 
 #include <QFile>
-#include <QFont>
-#include <QFontMetrics>
 #include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
 #include <QSaveFile>
-#include <algorithm>
 
 #include "platform/Device.h"
 #include "platform/Trace.h"
@@ -18,9 +15,7 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 
 constexpr int kEnlarged = 4;
-constexpr int kGlyphDots = 2 * kColumnDots;
 constexpr int kQuickCompression = 85;  // of 100, where 100 does not compress: white paper packs well anyway
-constexpr int kPaperDots = kPaperColumns * kColumnDots;
 
 QString textFile() {
     return device::folder() + u"/roll.txt"_s;
@@ -28,13 +23,6 @@ QString textFile() {
 
 QString pictureFile() {
     return device::folder() + u"/roll.png"_s;
-}
-
-QFont printerFont(int dots) {
-    QFont font(QStringList{u"NanumGothicCoding"_s, u"D2Coding"_s, u"Noto Sans Mono CJK KR"_s});
-    font.setStyleHint(QFont::Monospace);
-    font.setPixelSize(dots);
-    return font;
 }
 
 }  // namespace
@@ -73,14 +61,14 @@ int PaperRoll::print(QStringView text) {
         return 0;
     }
     int columns = 0;
-    for (const Glyph& glyph : line_) columns += glyph.columns();
+    for (const PaperGlyph& glyph : line_) columns += glyph.columns();
     for (const QChar character : text) {
         if (character == u'\n') {
             endLine();
             columns = 0;
             continue;
         }
-        const Glyph glyph{character, isEnlarged_};
+        const PaperGlyph glyph{character, isEnlarged_};
         if (columns + glyph.columns() > kPaperColumns) {
             endLine();
             columns = 0;
@@ -94,7 +82,7 @@ int PaperRoll::print(QStringView text) {
 int PaperRoll::feed(int lines) {
     if (!isOpen_) return 0;
     if (!line_.isEmpty()) endLine();
-    for (int i = 0; i < lines; ++i) lines_ << Line();
+    for (int i = 0; i < lines; ++i) lines_ << PaperLine();
     return 1;
 }
 
@@ -103,22 +91,9 @@ void PaperRoll::endLine() {
     line_.clear();
 }
 
-bool PaperRoll::isEnlarged(const Line& line) {
-    return std::ranges::any_of(line, [](const Glyph& glyph) { return glyph.isEnlarged; });
-}
-
-QString PaperRoll::text(const Line& line) {
-    QString text;
-    for (const Glyph& glyph : line) text += glyph.character;
-    if (!isEnlarged(line)) return text;
-    const qsizetype indent =
-        std::ranges::find_if(text, [](QChar character) { return character != u' '; }) - text.begin();
-    return QString(2 * indent, u' ') + u"【"_s + text.mid(indent) + u"】"_s;
-}
-
 bool PaperRoll::writeText() const {
     QByteArray bytes;
-    for (const Line& line : lines_) bytes += text(line).toUtf8() + '\n';
+    for (const PaperLine& line : lines_) bytes += paperText(line).toUtf8() + '\n';
     QFile file(textFile());
     return file.open(QIODevice::WriteOnly | QIODevice::Append) && file.write(bytes) == bytes.size() &&
            file.flush();
@@ -128,28 +103,16 @@ bool PaperRoll::writePicture() const {
     const QImage before(pictureFile());
     const int start = before.width() == kPaperDots ? before.height() : 0;
     int height = start;
-    for (const Line& line : lines_) height += isEnlarged(line) ? 2 * kLineDots : kLineDots;
+    for (const PaperLine& line : lines_) height += paperHeight(line);
 
     QImage strip(kPaperDots, height, QImage::Format_Grayscale8);
     strip.fill(Qt::white);
     QPainter painter(&strip);
     if (start > 0) painter.drawImage(0, 0, before);
     int top = start;
-    const QFont normalFont = printerFont(kGlyphDots);
-    const QFont enlargedFont = printerFont(2 * kGlyphDots);
-    for (const Line& line : lines_) {
-        const int lineHeight = isEnlarged(line) ? 2 * kLineDots : kLineDots;
-        int left = 0;
-        for (const Glyph& glyph : line) {
-            const int width = glyph.columns() * kColumnDots;
-            const int glyphHeight = glyph.isEnlarged ? 2 * kGlyphDots : kGlyphDots;
-            painter.setFont(glyph.isEnlarged ? enlargedFont : normalFont);
-            // The cell, not the font, gives the place: whatever font there is, the columns stay true.
-            painter.drawText(QRect(left, top + (lineHeight - glyphHeight) / 2, width, glyphHeight),
-                             Qt::AlignCenter | Qt::TextDontClip, QString(glyph.character));
-            left += width;
-        }
-        top += lineHeight;
+    for (const PaperLine& line : lines_) {
+        drawPaperLine(painter, top, line);
+        top += paperHeight(line);
     }
     painter.end();
     if (height > kRollDots) strip = strip.copy(0, height - kRollDots, kPaperDots, kRollDots);

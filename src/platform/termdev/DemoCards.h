@@ -6,10 +6,11 @@
 #include <span>
 
 /// Cards of the demonstration, for a host that knows them and a terminal that swipes them. They are nobody's.
-namespace tools {
+namespace platform::termdev {
 
 struct DemoCard {
     QStringView name;      ///< By which a swipe asks for it.
+    QStringView caption;   ///< What is particular about it, in Korean.
     QStringView number;    ///< 16 digits.
     QStringView password;  ///< Four digits.
     std::int64_t balance;  ///< Won; below 0 for an overdrawn account.
@@ -27,4 +28,8 @@ QString track2(const DemoCard& card);
 /// Track 3 as a reader gives it: sentinels and 104 characters between them.
 QString track3(const DemoCard& card);
 
-}  // namespace tools
+/// Puts the card through this process's reader; false, and nothing is read, while that takes none. May return
+/// late: the announcement opens the password keypad.
+bool swipe(const DemoCard& card);
+
+}  // namespace platform::termdev
