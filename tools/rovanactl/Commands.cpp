@@ -15,9 +15,9 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr std::array kCommands{&kInitCommand,     &kLoadCommand,  &kUserCommand,  &kSwipeCommand,
-                               &kImportCommand,   &kPriceCommand, &kSlipsCommand, &kPrintCommand,
-                               &kCardHostCommand, &kCheckCommand};
+constexpr std::array kCommands{&kInitCommand,   &kLoadCommand,     &kUserCommand,  &kSwipeCommand,
+                               &kImportCommand, &kPriceCommand,    &kSlipsCommand, &kPrintCommand,
+                               &kExportCommand, &kCardHostCommand, &kCheckCommand};
 
 constexpr db::Statement<u"SELECT name FROM sqlite_master WHERE name = '%s'"> kSelectTable;
 

@@ -1,6 +1,7 @@
 #include "rovanactl/Csv.h"
 
 #include <QStringDecoder>
+#include <algorithm>
 
 namespace admin {
 namespace {
@@ -94,6 +95,17 @@ CsvFile parseCsv(QByteArrayView content) {
     if (content.startsWith("\xEF\xBB\xBF")) content = content.sliced(3);
     const QString text = QString::fromUtf8(content);
     return Reader(text).read();
+}
+
+QByteArray csvLine(const QStringList& fields) {
+    QString line;
+    for (const QString& field : fields) {
+        if (&field != &fields.first()) line += u',';
+        const bool needsQuotes = std::ranges::any_of(
+            field, [](QChar c) { return c == u',' || c == u'"' || c == u'\r' || c == u'\n'; });
+        line += needsQuotes ? u'"' + QString(field).replace(u'"', u"\"\""_s) + u'"' : field;
+    }
+    return (line + u'\n').toUtf8();
 }
 
 }  // namespace admin

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QByteArrayView>
 #include <QList>
 #include <QString>
@@ -20,5 +21,9 @@ struct CsvFile {
 /// Reads comma-separated values as RFC 4180 writes them, in UTF-8, with or without a byte order mark. A field
 /// in double quotes may hold commas, line ends and doubled quotes. Empty lines are skipped.
 CsvFile parseCsv(QByteArrayView content);
+
+/// One record as parseCsv() reads it back, in UTF-8 with its line end; only fields that need quotes have
+/// them.
+QByteArray csvLine(const QStringList& fields);
 
 }  // namespace admin

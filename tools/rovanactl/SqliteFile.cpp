@@ -26,27 +26,37 @@ bool SqliteFile::execute(const QString& statements) {
            SQLITE_OK;
 }
 
-std::optional<QList<QStringList>> SqliteFile::rows(const QString& statement, const QStringList& values) {
+bool SqliteFile::forEachRow(const QString& statement, const QStringList& values,
+                            const std::function<bool(const QStringList&)>& readRow) {
     sqlite3_stmt* prepared = nullptr;
     if (sqlite3_prepare_v2(handle_.get(), statement.toUtf8().constData(), -1, &prepared, nullptr) !=
         SQLITE_OK) {
-        return std::nullopt;
+        return false;
     }
     for (int i = 0; i < values.size(); ++i) {
         const QByteArray text = values[i].toUtf8();
         sqlite3_bind_text(prepared, i + 1, text.constData(), int(text.size()), SQLITE_TRANSIENT);
     }
-    QList<QStringList> found;
     int result = sqlite3_step(prepared);
-    for (; result == SQLITE_ROW; result = sqlite3_step(prepared)) {
+    for (bool isWanted = true; result == SQLITE_ROW && isWanted;) {
         QStringList row;
         for (int column = 0; column < sqlite3_column_count(prepared); ++column) {
             row << QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(prepared, column)));
         }
-        found << row;
+        isWanted = readRow(row);
+        if (isWanted) result = sqlite3_step(prepared);
     }
     sqlite3_finalize(prepared);
-    return result == SQLITE_DONE ? std::optional(found) : std::nullopt;
+    return result == SQLITE_DONE;
+}
+
+std::optional<QList<QStringList>> SqliteFile::rows(const QString& statement, const QStringList& values) {
+    QList<QStringList> found;
+    const bool isRead = forEachRow(statement, values, [&](const QStringList& row) {
+        found << row;
+        return true;
+    });
+    return isRead ? std::optional(found) : std::nullopt;
 }
 
 QString createTableStatement(QStringView name) {

@@ -5,6 +5,7 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -26,7 +27,12 @@ class SqliteFile {
     /// Runs statements without values or rows; false when one failed.
     bool execute(const QString& statements);
 
-    /// Runs one statement with a text for each "?"; its rows as texts, nothing when it failed.
+    /// Runs one statement with a text for each "?" and calls `readRow` on its rows as texts, NULL as an empty
+    /// one, one at a time until it returns false. False when the statement failed or was broken off.
+    bool forEachRow(const QString& statement, const QStringList& values,
+                    const std::function<bool(const QStringList&)>& readRow);
+
+    /// The rows of such a statement; nothing when it failed.
     std::optional<QList<QStringList>> rows(const QString& statement, const QStringList& values = {});
 
   private:

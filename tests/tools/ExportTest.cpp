@@ -1,0 +1,137 @@
+#include <QDir>
+
+#include "AdminTest.h"
+#include "rovanactl/Csv.h"
+#include "support/FullDisk.h"
+
+namespace test {
+namespace {
+
+class ExportTest : public AdminTest {
+  protected:
+    QString out() const { return folder() + u"/office/day"_s; }
+    Ended exportDay(const QString& date = kDay) {
+        return run({u"export"_s, u"--date"_s, date, u"--out"_s, out()});
+    }
+    /// The files with their contents, in order of name.
+    QByteArray exported() const {
+        QByteArray all;
+        for (const QString& name : QDir(out()).entryList(QDir::Files)) {
+            all += "[" + name.toUtf8() + "]\n" + readFile(out() + u'/' + name);
+        }
+        return all;
+    }
+    QStringList besides() const {
+        return QDir(folder() + u"/office"_s).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
+    }
+    void fillSlips() {
+        execute(
+            u"DELETE FROM MTM; DELETE FROM YTM; DELETE FROM MTMOK;"
+            u"INSERT INTO MTM VALUES"
+            "('2024-03-29','매출','0001','가람, "
+            "\"본점\"','5002','미발행','1001','쀍주','01','1','2','3','4','5','6','A','t'),"
+            "('2024-03-29','매출','0001','가람, "
+            "\"본점\"','5001','결제','1002','b','01','1','2','-3','4','5','6','B','t'),"
+            "('2024-03-29','매출','0002','','5001','발행','1001','','','','','','','','','A',NULL),"
+            "('2024-03-29','매출','0002','','5001','발행','1001','','','','','','','','','A',NULL),"
+            "('2024-03-28','매출','0002','','5001','발행','1001','','','','','','','','','A','');"
+            "INSERT INTO YTM VALUES ('2024-03-29','0001','가람','5001','1001','소주','1','2','3','4','5','6','7','A')"_s);
+        const QString amounts = u",'1'"_s.repeated(13);
+        execute(
+            u"INSERT INTO MTMOK VALUES ('2024-03-29','매출','0001','가람','5001','09:05','A'%1,'s','T1')"_s
+                .arg(amounts));
+    }
+};
+
+TEST_F(ExportTest, WritesTheDayAndItsOrdersComeBackThroughTheImport) {
+    makeDevice();
+    fillSlips();
+    EXPECT_EQ(narrow(exportDay().out),
+              "sales.csv, MTM.RVN\t3 slips\t4 lines\n"
+              "containers.csv, YTM.RVN\t1 slips\t1 lines\n"
+              "collections.csv, MTMOK.RVN\t1 slips\t1 lines\n");
+    const QByteArray first = exported();
+    EXPECT_EQ(readFile(out() + u"/YTM.RVN"_s),
+              "2024-03-29|0001|\xB0\xA1\xB6\xF7|5001|1001|\xBC\xD2\xC1\xD6|1|2|3|4|5|6|7|A|\r\n");
+    EXPECT_EQ(readFile(out() + u"/MTMOK.RVN"_s),
+              "2024-03-29|\xB8\xC5\xC3\xE2|0001|\xB0\xA1\xB6\xF7|5001|09:05|A|" +
+                  QByteArray("1|").repeated(13) + "s|T1|\r\n");
+    const QByteArray csv = readFile(out() + u"/sales.csv"_s);
+    EXPECT_EQ(
+        csv.left(csv.indexOf('\n')),
+        "DDate,Gubun,GCode,GName,JunNo,WorkGubun,PCode,PName,JGubun,Box,Bon,MMoney,BMoney,YMoney,GMoney,"
+        "UserID,DTime");
+    QStringList read;
+    for (const admin::CsvRecord& record : admin::parseCsv(csv).records.mid(1))
+        read << record.fields.join(u'|');
+    const QString select = u"SELECT * FROM MTM WHERE DDate = '2024-03-29' ORDER BY JunNo, UserID"_s;
+    const QStringList slips = rows(select);
+    EXPECT_EQ(read, slips);
+
+    execute(u"UPDATE MTM SET DTime = ''"_s);
+    const QStringList withoutTime = rows(select);
+    execute(u"DELETE FROM MTM WHERE DDate = '2024-03-29'"_s);
+    writeFile(u"My Documents/MTM.RVN"_s, readFile(out() + u"/MTM.RVN"_s));
+    EXPECT_EQ(run({u"import"_s}).exitCode, admin::kSuccess);
+    EXPECT_EQ(rows(select), withoutTime);
+    EXPECT_EQ(besides(), QStringList{u"day"_s});
+
+    // The last export is replaced as a whole, here by that of a day without slips; a repetition is the same.
+    EXPECT_TRUE(exportDay(u"2024-03-30"_s).out.contains(u"no slips on 2024-03-30"_s));
+    EXPECT_EQ(exported().count('\n'), 9) << "six names and three headings";
+    execute(u"UPDATE MTM SET DTime = 't' WHERE UserID = 'B' OR JunNo = '5002'"_s);
+    EXPECT_EQ(exportDay().exitCode, admin::kSuccess);
+    EXPECT_EQ(exported(), first);
+}
+
+TEST_F(ExportTest, AFaultNamesItsPlaceAndReplacesNothing) {
+    makeDevice();
+    fillSlips();
+    ASSERT_EQ(exportDay().exitCode, admin::kSuccess);
+    const QByteArray before = exported();
+    const struct {
+        QString change;
+        QStringList said;
+    } cases[] = {
+        {u"UPDATE MTM SET GName = '가|람' WHERE JunNo = '5002'"_s,
+         {u"sales slip 5002 of user A"_s, u"GName"_s}},
+        {u"UPDATE MTM SET PName = '소주' || char(10) WHERE JunNo = '5002'"_s, {u"5002"_s, u"PName"_s}},
+        {u"UPDATE MTM SET PName = 'O''B' WHERE UserID = 'B'"_s, {u"5001 of user B"_s, u"PName"_s}},
+        {u"UPDATE MTM SET PName = replace(hex(zeroblob(60)), '0', '가') WHERE UserID = 'B'"_s,
+         {u"5001 of user B"_s, u"PName"_s, u"too long"_s}},
+        {u"UPDATE YTM SET PName = '서울☕'"_s, {u"container slip 5001"_s, u"PName"_s, u"949"_s}},
+        {u"UPDATE MTMOK SET BANKTRANNO = replace(hex(zeroblob(500)), '0', '가')"_s,
+         {u"collection slip 5001"_s, u"BANKTRANNO"_s, u"too long"_s}},
+        {u"ALTER TABLE MTMOK RENAME COLUMN GDMoney TO x"_s, {u"MTMOK cannot be read"_s}},
+    };
+    for (const auto& [change, said] : cases) {
+        fillSlips();
+        execute(change);
+        const Ended ended = exportDay();
+        EXPECT_EQ(ended.exitCode, admin::kFailure) << narrow(change);
+        for (const QString& text : said) EXPECT_TRUE(ended.err.contains(text)) << narrow(ended.err);
+        EXPECT_EQ(exported(), before) << narrow(change);
+        EXPECT_EQ(besides(), QStringList{u"day"_s}) << narrow(change);
+    }
+    execute(u"ALTER TABLE MTMOK RENAME COLUMN x TO GDMoney"_s);
+    fillSlips();
+    {
+        const FullDisk full(100);
+        EXPECT_TRUE(exportDay().err.contains(u"disk full"_s));
+    }
+    EXPECT_EQ(exported(), before);
+
+    // Stopped between the two renamings, the earlier files wait under another name.
+    ASSERT_TRUE(QFile::rename(out(), out() + u".export-old"_s));
+    EXPECT_EQ(exportDay(u"x"_s).exitCode, admin::kUsageError);
+    EXPECT_EQ(exportDay().exitCode, admin::kSuccess);
+    EXPECT_EQ(exported(), before);
+    EXPECT_EQ(besides(), QStringList{u"day"_s});
+
+    writeFile(u"office/day/letter.txt"_s, "mine");
+    EXPECT_TRUE(exportDay().err.contains(u"letter.txt"_s)) << "a folder with other files is never replaced";
+    EXPECT_TRUE(QFile::exists(out() + u"/letter.txt"_s));
+}
+
+}  // namespace
+}  // namespace test
