@@ -17,6 +17,7 @@ inline constexpr int kCollectionList = 150;
 inline constexpr int kContainerList = 391;
 inline constexpr int kContainerDeposit = 393;
 inline constexpr int kContainerSlip = 394;
+inline constexpr int kContainerBalance = 395;
 inline constexpr int kContainerSearch = 397;
 inline constexpr int kImport = 435;
 inline constexpr int kCard = 449;

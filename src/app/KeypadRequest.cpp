@@ -50,4 +50,16 @@ bool askTwoNumbers(const QString& label1, const QString& label2, const QString& 
     return run(request);
 }
 
+bool askThreeNumbers(const std::array<QString, 3>& labels, const std::array<QString, 3>& starts) {
+    KeypadRequest request;
+    request.KeypadLabel1 = labels[0];
+    request.KeypadLabel2 = request.KeypadCheck2 = labels[1];
+    request.KeypadLabel3 = request.KeypadCheck3 = labels[2];
+    request.KeypadValue1 = starts[0];
+    request.KeypadValue2 = starts[1];
+    request.KeypadValue3 = starts[2];
+    request.KeypadMode = kThreeNumbers;
+    return run(request);
+}
+
 }  // namespace app

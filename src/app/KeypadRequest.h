@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <array>
 
 namespace app {
 
@@ -35,5 +36,8 @@ bool askNumber(const QString& label, const QString& start = {});
 /// The same on two numbers in one run; the entries are in KeypadValue1 and KeypadValue2.
 bool askTwoNumbers(const QString& label1, const QString& label2, const QString& start1 = {},
                    const QString& start2 = {});
+
+/// The same on three numbers in one run; the entries are in KeypadValue1 to KeypadValue3.
+bool askThreeNumbers(const std::array<QString, 3>& labels, const std::array<QString, 3>& starts = {});
 
 }  // namespace app

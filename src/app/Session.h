@@ -34,6 +34,7 @@ struct ActionValues {
     QString SelectedContainerGName;  ///< Customer name of the container slip chosen in the list.
     QString SelectedContainerPCode;  ///< Product chosen in the container product search.
     QString ContainerSearchKey;      ///< Its consonant, compared with `PUMMOK.seek`; empty lists all.
+    bool SeeksContainer = false;     ///< The product board opens that search, not the one of the sales.
     int ContainerSearchResult = 0;   ///< 1 when the container product search was left with a product.
 
     // The sums of the slip on screen, won.

@@ -15,8 +15,10 @@ CPummokSeekBoard::CPummokSeekBoard() : ConsonantBoard(app::dialogs::kProductBoar
 }
 
 void CPummokSeekBoard::seekChosen() {
-    ui::runScreen(app::dialogs::kProductSearch);
-    if (app::session().action.ProductChosen == 1) close(Accepted);
+    app::ActionValues& action = app::session().action;
+    if (action.SeeksContainer) action.ContainerSearchKey = action.SeekValue;
+    ui::runScreen(action.SeeksContainer ? app::dialogs::kContainerSearch : app::dialogs::kProductSearch);
+    if ((action.SeeksContainer ? action.ContainerSearchResult : action.ProductChosen) == 1) close(Accepted);
 }
 
 }  // namespace sales

@@ -4,8 +4,8 @@
 
 namespace sales {
 
-/// The consonant board of the products. A key opens the product search for it; a product chosen there closes
-/// the board as well.
+/// The consonant board of the products. A key opens the product search for it, or the search for container
+/// products when the container slip asked; a product chosen there closes the board as well.
 class CPummokSeekBoard : public ConsonantBoard {
     Q_OBJECT
 
