@@ -1,0 +1,54 @@
+#include "container/ContainerProduct.h"
+
+#include <algorithm>
+
+#include "db/Query.h"
+#include "db/Statement.h"
+
+namespace container {
+namespace {
+
+constexpr db::Statement<
+    u"SELECT PCode, PName, Size, Gubun  FROM PUMMOK WHERE (TTT = '%s' OR TTT = '%s') ORDER BY PName DESC">
+    kAll;
+constexpr db::Statement<
+    u"SELECT PCode, PName, Size, Gubun  FROM PUMMOK WHERE seek = '%s' AND (TTT = '%s' OR TTT = '%s') "
+    u"ORDER BY PName DESC">
+    kBySeek;
+constexpr db::Statement<u"SELECT PCode FROM Pummok WHERE PCODE = '%s' "> kExists;
+constexpr db::Statement<u"SELECT PCode FROM PUMMOK WHERE PCODE = '%s' AND (TTT = '%s' OR TTT = '%s')">
+    kIsContainer;
+constexpr db::Statement<
+    u"SELECT pname,gubun,YGMoney1,YGMoney2,boxbonea,GBoxMoney1,GBonMoney1    FROM PUMMOK WHERE PCODE= '%s' ">
+    kProduct;
+
+/// The two marks of the products that are taken back.
+constexpr QStringView kMarks[] = {u"Y", u"Z"};
+/// Keeps an imported figure, however long, from overflowing a product with a count.
+constexpr std::int64_t kMostBottles = 1'000'000;
+
+}  // namespace
+
+db::Rows containerProducts(QStringView seek) {
+    return db::selectRows(seek.isEmpty() ? kAll(kMarks[0], kMarks[1]) : kBySeek(seek, kMarks[0], kMarks[1]),
+                          4);
+}
+
+bool productExists(QStringView pCode) {
+    return db::hasRow(kExists(pCode));
+}
+
+bool isContainer(QStringView pCode) {
+    return db::hasRow(kIsContainer(pCode, kMarks[0], kMarks[1]));
+}
+
+std::optional<ContainerProduct> containerProduct(QStringView pCode) {
+    const auto row = db::firstRow(kProduct(pCode));
+    if (!row) return std::nullopt;
+    const auto won = [&](int column) { return platform::parseWon(row->at(column)); };
+    const std::int64_t bottles =
+        std::clamp(platform::parseInteger(row->at(4)), std::int64_t(0), kMostBottles);
+    return ContainerProduct{row->at(0), {won(2), won(3), bottles, won(5), won(6)}};
+}
+
+}  // namespace container

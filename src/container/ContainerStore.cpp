@@ -1,0 +1,68 @@
+#include "container/ContainerStore.h"
+
+#include <array>
+
+#include "db/Query.h"
+#include "db/Statement.h"
+#include "db/Transaction.h"
+
+namespace container {
+namespace {
+
+constexpr db::Statement<u"DELETE YTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' "> kDeleteOwn;
+constexpr db::Statement<u" SELECT * FROM YTEMP "> kWorkingLines;
+constexpr db::Statement<
+    u"INSERT INTO YTM (DDate,GCode,GName,JunNo,PCode,PName,FBox,NBox,Bon,YMONEY,GMONEY,YSAMT,GSAMT,UserID) "
+    u"VALUES ('%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s')">
+    kInsert;
+constexpr db::Statement<
+    u"SELECT JunNo, GName, GCode FROM YTM WHERE USERID= '%s' and DDate = '%s' ORDER BY JunNo DESC ">
+    kSlips;
+constexpr db::Statement<u"DELETE YTM WHERE JunNo= '%s' AND DDate = '%s' "> kDeleteAll;
+constexpr db::Statement<u"SELECT CJMoney,Gubun FROM GARAE WHERE GCode= '%s'"> kAccount;
+
+constexpr int kWorkingColumns = 13;
+
+}  // namespace
+
+SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo) {
+    db::Transaction transaction;
+    if (!transaction.run(kDeleteOwn(workDate, junNo, userId))) return SaveOutcome::Failed;
+    const db::Rows lines = db::selectRows(kWorkingLines(), kWorkingColumns);
+    if (!lines.isComplete) return SaveOutcome::Failed;
+    for (int row = 0; row < lines.count(); ++row) {
+        std::array<QStringView, decltype(kInsert)::kValues> values;
+        for (int column = 0; column < kWorkingColumns; ++column) values[column] = lines.at(row, column);
+        values[kWorkingColumns] = userId;
+        const db::Sql insert = kInsert(values);
+        // A line with a quote in it is skipped; any other failure is the database's.
+        if (!transaction.run(insert) && insert.isWellFormed()) return SaveOutcome::Failed;
+    }
+    if (!transaction.commit()) return SaveOutcome::Failed;
+    return lines.isEmpty() ? SaveOutcome::Empty : SaveOutcome::Saved;
+}
+
+db::Rows slipsOfDay(QStringView userId, QStringView workDate) {
+    db::Rows slips{.columns = 3, .cells = {}};
+    QString previous;
+    db::forEachRow(kSlips(userId, workDate), [&](db::CVORecordset& row) {
+        const QString junNo = row.GetFieldString(0);
+        // A slip has a row for each product; in this order they stand together.
+        if (!slips.isEmpty() && junNo == previous) return;
+        previous = junNo;
+        slips.cells << junNo << row.GetFieldString(1) << row.GetFieldString(2);
+    });
+    return slips;
+}
+
+void deleteSlip(QStringView workDate, QStringView junNo) {
+    db::execute(kDeleteAll(junNo, workDate));
+}
+
+CustomerAccount customerAccount(QStringView gCode) {
+    const auto row = db::firstRow(kAccount(gCode));
+    if (!row) return {};
+    return {platform::parseWon(row->at(0)), row->at(1)};
+}
+
+}  // namespace container

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QString>
+#include <QStringView>
+
+#include "db/Rows.h"
+#include "platform/Won.h"
+
+/// The saved container slips, in `YTM`.
+namespace container {
+
+enum class SaveOutcome {
+    Saved,
+    Empty,   ///< The working slip has no lines; the slip's saved lines are gone all the same.
+    Failed,  ///< The database did not take the change; the saved slip is as it was.
+};
+
+/// Replaces the user's saved slip by the working slip; another user's of the same number stays. The slip is
+/// saved whole or not at all.
+SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo);
+
+/// The user's slips of the day, highest number first, one row for each: slip number, customer name, customer
+/// code.
+db::Rows slipsOfDay(QStringView userId, QStringView workDate);
+
+/// Deletes the container slip of that number and date, whoever wrote it. A failure is traced only.
+void deleteSlip(QStringView workDate, QStringView junNo);
+
+/// What a slip needs of its customer; kind empty and balance 0 for an unknown one.
+struct CustomerAccount {
+    platform::Won CJMoney;  ///< Receivable balance.
+    QString Gubun;          ///< The customer's kind.
+};
+CustomerAccount customerAccount(QStringView gCode);
+
+}  // namespace container

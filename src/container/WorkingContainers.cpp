@@ -1,0 +1,155 @@
+#include "container/WorkingContainers.h"
+
+#include <array>
+
+#include "app/Session.h"
+#include "db/Query.h"
+#include "db/Statement.h"
+#include "db/Transaction.h"
+
+namespace container {
+namespace {
+
+using platform::parseInteger;
+using platform::parseWon;
+using platform::Won;
+
+constexpr db::Statement<u"DELETE YTEMP "> kEmpty;
+constexpr db::Statement<
+    u"SELECT DDate, GCode, GName, JunNo, PCode, PName, FBox, NBox, Bon, YMONEY, GMONEY, YSAMT, GSAMT FROM "
+    u"YTM WHERE USERID= '%s' and DDate = '%s' and JunNo = '%s' ORDER BY JunNo DESC">
+    kSaved;
+constexpr db::Statement<
+    u"INSERT INTO YTEMP (DDate,GCode,GName,JunNo,PCode,PName,FBox,NBox,Bon,YMONEY,GMONEY,YSAMT,GSAMT) "
+    u"VALUES ('%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s')">
+    kInsert;
+constexpr db::Statement<u"SELECT PCode,PName, fBox, nBox, Bon FROM YTEMP ORDER BY PCode DESC"> kLines;
+// Both money columns come twice, the fees not at all: these are read with the amounts.
+constexpr db::Statement<
+    u"SELECT DDate,GCode,GName,JunNo,PCode,PName,YMoney,GMoney,YMoney, GMoney  FROM YTEMP WHERE PCode= '%s' "
+    u"and FBox = '%s' and NBox = '%s' and Bon = '%s'">
+    kLine;
+// There is no blank before the last AND.
+constexpr db::Statement<
+    u"SELECT YMONEY,GMONEY,YSAMT,GSAMT FROM YTEMP WHERE PCode = '%s' AND FBox = '%s' AND NBox = '%s'AND Bon "
+    u"= '%s'   ">
+    kAmounts;
+constexpr db::Statement<u"DELETE YTEMP WHERE PCode= '%s' and FBox = '%s' and NBox = '%s' and Bon = '%s'">
+    kDelete;
+constexpr db::Statement<u"SELECT YMONEY,GMONEY,YSAMT,GSAMT FROM YTEMP"> kWorkingAmounts;
+
+/// The columns of the working table in their order.
+constexpr std::array kColumns{&ContainerLine::DDate,  &ContainerLine::GCode,  &ContainerLine::GName,
+                              &ContainerLine::JunNo,  &ContainerLine::PCode,  &ContainerLine::PName,
+                              &ContainerLine::FBox,   &ContainerLine::NBox,   &ContainerLine::Bon,
+                              &ContainerLine::YMONEY, &ContainerLine::GMONEY, &ContainerLine::YSAMT,
+                              &ContainerLine::GSAMT};
+static_assert(kColumns.size() == decltype(kInsert)::kValues);
+/// Those that a line keeps when its counts or amounts change; they are the first of both.
+constexpr std::size_t kKeptColumns = 6;
+constexpr qsizetype kLineColumns = 10;
+
+db::Sql insertOf(const ContainerLine& line) {
+    std::array<QStringView, kColumns.size()> values;
+    for (std::size_t i = 0; i < kColumns.size(); ++i) values[i] = line.*kColumns[i];
+    return kInsert(values);
+}
+
+/// Reads the line, deletes it and inserts what `change(line, its amounts)` makes of it.
+template <typename Change>
+bool replaceLine(const ContainerKey& key, Change&& change) {
+    db::Transaction transaction;
+    const auto row = db::firstRow(kLine(key.PCode, key.FBox, key.NBox, key.Bon));
+    auto amounts = lineAmounts(key);
+    if (!row || row->size() != kLineColumns || !amounts) return false;
+    ContainerLine line;
+    for (std::size_t i = 0; i < kKeptColumns; ++i) line.*kColumns[i] = row->at(qsizetype(i));
+    line.FBox = key.FBox;
+    line.NBox = key.NBox;
+    line.Bon = key.Bon;
+    change(&line, &*amounts);
+    line.setAmounts(*amounts);
+    return transaction.run(kDelete(key.PCode, key.FBox, key.NBox, key.Bon)) &&
+           transaction.run(insertOf(line)) && transaction.commit();
+}
+
+}  // namespace
+
+bool openSlip(QStringView userId, QStringView workDate, QStringView junNo) {
+    db::Transaction transaction;
+    bool isWhole = transaction.run(kEmpty());
+    const int lines = db::forEachRow(kSaved(userId, workDate, junNo), [&](db::CVORecordset& row) {
+        ContainerLine line;
+        for (std::size_t i = 0; i < kColumns.size(); ++i) line.*kColumns[i] = row.GetFieldString(int(i));
+        const db::Sql insert = insertOf(line);
+        // A line with a quote in it is skipped; any other failure is the database's.
+        if (!transaction.run(insert) && insert.isWellFormed()) isWhole = false;
+    });
+    return isWhole && lines >= 0 && transaction.commit();
+}
+
+db::Rows workingLines() {
+    return db::selectRows(kLines(), 5);
+}
+
+ContainerKey keyAt(const db::Rows& lines, int row) {
+    return {lines.cell(row, 0), lines.cell(row, 2), lines.cell(row, 3), lines.cell(row, 4)};
+}
+
+ContainerAmounts workingSums() {
+    ContainerAmounts sums;
+    db::forEachRow(kWorkingAmounts(), [&](db::CVORecordset& row) {
+        const auto won = [&](int column) { return parseWon(row.GetFieldString(column)); };
+        sums += {won(0), won(1), won(2), won(3)};
+    });
+    return sums;
+}
+
+QList<app::ContainerReturn> workingReturns() {
+    const db::Rows lines = workingLines();
+    QList<app::ContainerReturn> returns;
+    for (int row = 0; row < lines.count(); ++row) {
+        const ContainerCounts counts = keyAt(lines, row).counts();
+        returns.append(
+            {lines.at(row, 0), lines.at(row, 1), counts.emptyCrates, counts.filledCrates, counts.bottles});
+    }
+    return returns;
+}
+
+QList<app::ContainerBalance> workingBalances() {
+    const app::SessionValues& session = app::session();
+    return app::containerBalances(session.action.GCode, session.WorkDate, session.action.JunNo,
+                                  session.UserID, workingReturns());
+}
+
+std::optional<ContainerAmounts> lineAmounts(const ContainerKey& key) {
+    const auto row = db::firstRow(kAmounts(key.PCode, key.FBox, key.NBox, key.Bon));
+    if (!row) return std::nullopt;
+    const auto won = [&](int column) { return parseWon(row->at(column)); };
+    return ContainerAmounts{won(0), won(1), won(2), won(3)};
+}
+
+bool insertLine(const ContainerLine& line) {
+    db::CVOConnection connection;
+    db::openDatabase(connection);
+    db::CVORecordset insert(connection);
+    return insert.Open(insertOf(line), db::kForwardOnly, db::kReadOnly);
+}
+
+bool replaceCounts(const ContainerKey& key, const ContainerCounts& counts, const ContainerAmounts& amounts) {
+    return replaceLine(key, [&](ContainerLine* line, ContainerAmounts* lineAmounts) {
+        line->setCounts(counts);
+        *lineAmounts = amounts;
+    });
+}
+
+bool replaceAmount(const ContainerKey& key, Won ContainerAmounts::*amount, Won keyed) {
+    return replaceLine(key,
+                       [&](ContainerLine*, ContainerAmounts* lineAmounts) { lineAmounts->*amount = keyed; });
+}
+
+void deleteLine(const ContainerKey& key) {
+    db::execute(kDelete(key.PCode, key.FBox, key.NBox, key.Bon));
+}
+
+}  // namespace container

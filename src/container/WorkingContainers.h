@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QList>
+#include <QStringView>
+#include <optional>
+
+#include "app/ContainerBalance.h"
+#include "container/ContainerLine.h"
+#include "db/Rows.h"
+
+/// The container slip that is being edited, in the working table `YTEMP`. There is one at a time.
+namespace container {
+
+/// Replaces the working slip by the saved lines of the user's slip; a slip without saved lines leaves it
+/// empty. False, and the working slip stays as it was, when the database does not take the change.
+bool openSlip(QStringView userId, QStringView workDate, QStringView junNo);
+
+/// The lines by product code descending, in five columns: code, name, empty crates, filled crates, bottles.
+db::Rows workingLines();
+
+/// The key of the line in that row of workingLines.
+ContainerKey keyAt(const db::Rows& lines, int row);
+
+/// The sums of the lines, in won.
+ContainerAmounts workingSums();
+
+/// The lines as the container balance counts them.
+QList<app::ContainerReturn> workingReturns();
+
+/// What the session's customer holds of each container product, with the working slip as the one at hand.
+QList<app::ContainerBalance> workingBalances();
+
+/// The line's amounts; nothing when there is no such line.
+std::optional<ContainerAmounts> lineAmounts(const ContainerKey& key);
+
+/// Adds a line. False when the database did not take it, as with a single quote in one of its texts.
+bool insertLine(const ContainerLine& line);
+
+/// Changes the line's counts and with them its amounts. False, and the line stays as it was, when there is
+/// no such line or the database does not take the change.
+bool replaceCounts(const ContainerKey& key, const ContainerCounts& counts, const ContainerAmounts& amounts);
+
+/// Changes one of the line's amounts to `keyed`; the others stay. Result as for replaceCounts.
+bool replaceAmount(const ContainerKey& key, platform::Won ContainerAmounts::*amount, platform::Won keyed);
+
+void deleteLine(const ContainerKey& key);
+
+}  // namespace container

@@ -1,0 +1,93 @@
+#include <gtest/gtest.h>
+
+#include "container/ContainerLine.h"
+#include "container/ContainerStore.h"
+#include "container/WorkingContainers.h"
+#include "support/FullDisk.h"
+#include "support/PrintQt.h"
+#include "support/TestDevice.h"
+
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using container::ContainerAmounts;
+using container::ContainerCounts;
+using platform::Won;
+
+TEST(ContainerAmounts, FollowTheCountsAndTheProduct) {
+    const container::ContainerPrices beer{Won(2000), Won(1560), 12, Won(200), Won(10)};
+    const container::ContainerPrices draught{Won(30000), Won(700), 0, Won(200), Won(10)};
+    const struct {
+        ContainerCounts counts;
+        container::ContainerPrices prices;
+        ContainerAmounts expected;
+    } cases[] = {
+        {{.bottles = 7, .emptyCrates = 2, .filledCrates = 3},
+         beer,
+         {Won(10000), Won(3 * 1560 + 910), Won(1000), Won(430)}},
+        {{.bottles = 5, .emptyCrates = 0, .filledCrates = 0}, beer, {Won(), Won(650), Won(), Won(50)}},
+        // A share of a won is cut off.
+        {{.bottles = 1, .emptyCrates = 0, .filledCrates = 0},
+         {Won(0), Won(1000), 12, Won(0), Won(0)},
+         {Won(), Won(83), Won(), Won()}},
+        // Without bottles in a crate only the filled crates carry their deposit.
+        {{.bottles = 4, .emptyCrates = 0, .filledCrates = 2},
+         draught,
+         {Won(60000), Won(1400), Won(400), Won(40)}},
+    };
+    for (const auto& test : cases) {
+        const ContainerAmounts amounts = containerAmounts(test.counts, test.prices);
+        EXPECT_EQ(amounts, test.expected) << amounts.crates.value() << ' ' << amounts.bottles.value() << ' '
+                                          << amounts.crateFee.value() << ' ' << amounts.bottleFee.value();
+    }
+}
+
+container::ContainerLine line(const QString& pCode, const ContainerCounts& counts) {
+    container::ContainerLine line;
+    line.DDate = u"2026-11-21"_s;
+    line.GCode = u"0001"_s;
+    line.GName = u"가나상회"_s;
+    line.JunNo = u"6001"_s;
+    line.PCode = pCode;
+    line.PName = u"소주"_s;
+    line.setCounts(counts);
+    line.setAmounts({Won(1), Won(2), Won(3), Won(4)});
+    return line;
+}
+
+TEST(ContainerSlip, IsSavedWholeOrStaysAsItWas) {
+    test::TestDevice device;
+    const QString saved =
+        u"SELECT UserID, PCode, FBox, NBox, Bon, YMONEY, GMONEY, YSAMT, GSAMT FROM YTM "
+        "ORDER BY UserID, PCode"_s;
+    const auto save = [] { return container::saveSlip(u"A", u"2026-11-21", u"6001"); };
+    device.insert(u"YTM", {{u"DDate", u"2026-11-21"}, {u"JunNo", u"6001"}, {u"UserID", u"B"}});
+    const QStringList others{u"B"_s, {}, {}, {}, {}, {}, {}, {}, {}};
+
+    ASSERT_TRUE(insertLine(line(u"1001"_s, {.bottles = 5, .emptyCrates = 1, .filledCrates = 2})));
+    ASSERT_TRUE(insertLine(line(u"1002"_s, {.bottles = 6, .emptyCrates = 0, .filledCrates = 0})));
+    EXPECT_FALSE(insertLine(line(u"10'3"_s, {.bottles = 6, .emptyCrates = 0, .filledCrates = 0})));
+    // The fee that is keyed changes alone, though the line's own statement reads no fees.
+    ASSERT_TRUE(replaceAmount({u"1001"_s, u"1"_s, u"2"_s, u"5"_s}, &ContainerAmounts::bottleFee, Won(40)));
+    ASSERT_TRUE(replaceAmount({u"1002"_s, u"0"_s, u"0"_s, u"6"_s}, &ContainerAmounts::crates, Won(10)));
+    EXPECT_EQ(container::workingSums(), (ContainerAmounts{Won(11), Won(4), Won(6), Won(44)}));
+    EXPECT_EQ(save(), container::SaveOutcome::Saved);
+    const QList<QStringList> slip{
+        {u"A"_s, u"1001"_s, u"1"_s, u"2"_s, u"5"_s, u"1"_s, u"2"_s, u"3"_s, u"40"_s},
+        {u"A"_s, u"1002"_s, u"0"_s, u"0"_s, u"6"_s, u"10"_s, u"2"_s, u"3"_s, u"4"_s},
+        others};
+    EXPECT_EQ(device.rows(saved), slip);
+
+    container::deleteLine({u"1001"_s, u"1"_s, u"2"_s, u"5"_s});
+    {
+        const test::FullDisk full(0);
+        EXPECT_EQ(save(), container::SaveOutcome::Failed);
+    }
+    EXPECT_EQ(device.rows(saved), slip);
+
+    device.execute(u"DELETE FROM YTEMP"_s);
+    EXPECT_EQ(save(), container::SaveOutcome::Empty);
+    EXPECT_EQ(device.rows(saved), QList<QStringList>{others});
+}
+
+}  // namespace
