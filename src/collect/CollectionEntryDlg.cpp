@@ -1,7 +1,10 @@
 #include "collect/CollectionEntryDlg.h"
 
 #include <QLabel>
+#include <QTimer>
 #include <functional>
+#include <optional>
+#include <utility>
 
 #include "app/CollectionSlip.h"
 #include "app/Dialogs.h"
@@ -55,6 +58,11 @@ constexpr int kResultingReceivable = 1091;
 
 QString grouped(Won amount) {
     return platform::groupDigits(platform::formatWon(amount));
+}
+
+void tellExcess(Won excess) {
+    ui::message(u"용공초과액이 ['%1'원] 발생하였습니다. 매출금액과 결제금액을 다시 확인하세요..!!"_s.arg(
+        grouped(excess)));
 }
 
 }  // namespace
@@ -164,6 +172,11 @@ void CCollectionEntryDlg::load() {
     approvedCard_ = amounts_.card;
     amounts_.previousReceivable =
         app::previousReceivable(session.action.GCode, session.WorkDate, session.action.JunNo, session.UserID);
+    // What the container slip handed over is used up here.
+    if (const auto recovery = std::exchange(session.action.ContainerRecovery, std::nullopt)) {
+        const Won excess = takeOverRecovery(amounts_, *recovery, session.WorkMode == app::kContainerWork);
+        if (!excess.isZero()) QTimer::singleShot(0, this, [excess] { tellExcess(excess); });
+    }
 }
 
 void CCollectionEntryDlg::showAmounts() {
@@ -175,10 +188,7 @@ void CCollectionEntryDlg::showAmounts() {
 void CCollectionEntryDlg::keyAmount(const QString& title, Key key) {
     if (!app::askNumber(title)) return;
     const Won excess = key(amounts_, parseWon(app::keypadRequest().KeypadValue1));
-    if (!excess.isZero()) {
-        ui::message(u"용공초과액이 ['%1'원] 발생하였습니다. 매출금액과 결제금액을 다시 확인하세요..!!"_s.arg(
-            grouped(excess)));
-    }
+    if (!excess.isZero()) tellExcess(excess);
     showAmounts();
 }
 

@@ -76,6 +76,14 @@ Won keyRecovery(SettlementAmounts& amounts, Won keyed) {
     return Won();
 }
 
+Won takeOverRecovery(SettlementAmounts& amounts, Won recovery, bool isContainerWork) {
+    recomputeTotal(amounts);
+    if (recovery == amounts.containerRecovery) return Won();
+    if (!isContainerWork || !amounts.total.isZero()) return keyRecovery(amounts, recovery);
+    amounts.containerRecovery = recovery;
+    return Won();
+}
+
 void settleByCard(SettlementAmounts& amounts) {
     if (!settledByRecovery(amounts)) amounts.card = amounts.total - amounts.containerRecovery;
 }

@@ -25,6 +25,11 @@ void keyNonLiquor(app::SettlementAmounts& amounts, platform::Won keyed);
 /// becomes minus the excess.
 platform::Won keyRecovery(app::SettlementAmounts& amounts, platform::Won keyed);
 
+/// Takes over the recovery of a container slip. One that is on the slip already changes nothing. Where
+/// nothing was sold (`isContainerWork`, total 0) it is set and nothing else, so that it comes off the
+/// customer's receivable; otherwise it counts as keyed: result as for keyRecovery.
+platform::Won takeOverRecovery(app::SettlementAmounts& amounts, platform::Won recovery, bool isContainerWork);
+
 /// Settles what the recovery leaves of the total by card, in cash or on credit, and nothing of it otherwise.
 /// Where it leaves nothing, all three are 0 and the excess is paid against the earlier receivable.
 void settleByCard(app::SettlementAmounts& amounts);

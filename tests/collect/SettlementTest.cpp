@@ -51,6 +51,12 @@ TEST(Settlement, SplitsTheTotal) {
     const Rule earlier = [](SettlementAmounts& amounts, Won keyed) {
         return keyEarlierReceivable(amounts, keyed), Won();
     };
+    const Rule visit = [](SettlementAmounts& amounts, Won won) {
+        return takeOverRecovery(amounts, won, false);
+    };
+    const Rule alone = [](SettlementAmounts& amounts, Won won) {
+        return takeOverRecovery(amounts, won, true);
+    };
     const struct {
         const char* name;
         Rule rule;
@@ -92,6 +98,12 @@ TEST(Settlement, SplitsTheTotal) {
         {"credit, equal", credit, {50000, 50000, 1, 2, 3, 4}, 0, {50000, 50000, 0, 0, 0, 0}, 0},
         {"credit, below", credit, {50000, 60000, 1, 2, 3, 4}, 0, {50000, 60000, 0, 0, 0, 10000}, 0},
         {"earlier", earlier, {50000, 8000, 2000, 0, 0, 4}, 7000, {50000, 8000, 2000, 0, 40000, 7000}, 0},
+        {"taken over", visit, {50000, 0, 0, 50000, 0, 0}, 8000, {50000, 8000, 0, 42000, 0, 0}, 0},
+        {"taken over, none", visit, {50000, 0, 0, 0, 0, 0}, 0, {50000, 0, 0, 0, 0, 0}, 0},
+        {"taken over again", visit, {50000, 60000, 1, 2, 3, 4}, 60000, {50000, 60000, 1, 2, 3, 4}, 0},
+        {"taken over, above", visit, {50000, 0, 0, 0, 0, 0}, 50001, {50000, 50001, 0, -1, 0, 1}, 1},
+        {"alone", alone, {0, 0, 0, 0, 0, 7}, 8000, {0, 8000, 0, 0, 0, 7}, 0},
+        {"alone, a visit's", alone, {50000, 0, 0, 50000, 0, 0}, 8000, {50000, 8000, 0, 42000, 0, 0}, 0},
         {"earlier, no total", earlier, {0, 0, 2000, 0, 9, 4}, 7000, {0, 0, 2000, 0, 0, 7000}, 0},
     };
     for (const auto& c : kCases) {
