@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <QFile>
-
 #include "db/Query.h"
 #include "db/VOConnection.h"
 #include "db/VORecordset.h"
@@ -38,10 +36,8 @@ TEST_F(RecordsetTest, WalksForwardsAndBackToTheFirst) {
     CVORecordset recordset(connection);
     EXPECT_FALSE(recordset.m_bOpen);
     ASSERT_TRUE(recordset.Open(kCustomers(u""), kKeyset, kReadOnly));
-    EXPECT_TRUE(recordset.m_bOpen);
     EXPECT_EQ(recordset.m_nFieldCount, 3);
-    EXPECT_FALSE(recordset.BOF());
-    EXPECT_FALSE(recordset.EOF());
+    EXPECT_FALSE(recordset.BOF() || recordset.EOF());
     EXPECT_TRUE(recordset.MoveFirst());
     EXPECT_EQ(recordset.GetFieldString(1), u"서울상회"_s);
     EXPECT_TRUE(recordset.MoveNext());
@@ -57,19 +53,9 @@ TEST_F(RecordsetTest, WalksForwardsAndBackToTheFirst) {
     EXPECT_TRUE(recordset.Close());
     EXPECT_FALSE(recordset.m_bOpen);
     EXPECT_TRUE(recordset.EOF());
-    EXPECT_FALSE(recordset.MoveFirst());
-    EXPECT_TRUE(recordset.Close());
-}
-
-TEST_F(RecordsetTest, AnEmptyResultIsAtBothEnds) {
-    openDatabase(connection);
-    CVORecordset recordset(connection);
     ASSERT_TRUE(recordset.Open(kCustomers(u"9"), kKeyset, kReadOnly));
-    EXPECT_TRUE(recordset.EOF());
-    EXPECT_TRUE(recordset.BOF());
-    EXPECT_EQ(recordset.m_nFieldCount, 3);
-    EXPECT_FALSE(recordset.MoveFirst());
-    EXPECT_FALSE(recordset.MoveNext());
+    EXPECT_TRUE(recordset.EOF() && recordset.BOF()) << "an empty result is at both ends";
+    EXPECT_FALSE(recordset.MoveFirst() || recordset.MoveNext());
 }
 
 TEST_F(RecordsetTest, OpensAgainAndAgain) {
@@ -77,10 +63,8 @@ TEST_F(RecordsetTest, OpensAgainAndAgain) {
     CVORecordset recordset(connection);
     ASSERT_TRUE(recordset.Open(kCustomers(u""), kKeyset, kReadOnly));
     ASSERT_TRUE(recordset.Open(kOrders(), kKeyset, kReadOnly));
-    EXPECT_TRUE(recordset.EOF());
     EXPECT_EQ(recordset.m_nFieldCount, 2);
     EXPECT_FALSE(recordset.Open(kBadSelect(), kKeyset, kReadOnly));
-    EXPECT_FALSE(recordset.m_bOpen);
     EXPECT_TRUE(recordset.EOF());
     EXPECT_EQ(recordset.m_nFieldCount, 0);
     ASSERT_TRUE(recordset.Open(kCustomers(u"0002"), kKeyset, kReadOnly));
@@ -99,8 +83,6 @@ TEST_F(RecordsetTest, FieldsByPlace) {
     ASSERT_TRUE(recordset.Open(kOrders(), kKeyset, kReadOnly));
     EXPECT_EQ(recordset.GetFieldString(0), QString());  // NULL
     EXPECT_EQ(recordset.GetFieldString(1), u"0001"_s);
-    EXPECT_EQ(recordset.GetFieldName(1), u"PCode"_s);
-    EXPECT_EQ(recordset.GetField(1), recordset.m_pField);
     traces.take();
 
     for (const int index : {2, -1, 1000}) {
@@ -185,26 +167,6 @@ TEST_F(RecordsetTest, ExecuteIsAlwaysOneAndSilent) {
     EXPECT_EQ(connection.Execute(kInsert(u"0005", u"O'Hara")), 1);
     EXPECT_EQ(connection.Execute(kInsert(u"0006", u"O''Hara")), 1);
     EXPECT_EQ(device.value(u"SELECT group_concat(GCODE) FROM GARAE"_s), u"0001,0002,0003"_s);
-    EXPECT_TRUE(connection.Close());
-    EXPECT_FALSE(connection.Close());
-    EXPECT_EQ(connection.Execute(kInsert(u"0007", u"대구상회")), 1);
-    EXPECT_EQ(device.value(u"SELECT count(*) FROM GARAE"_s), u"3"_s);
-}
-
-TEST_F(RecordsetTest, AMissingDatabaseGivesNothingAndStaysMissing) {
-    const QString file = device.databaseFile();
-    adoce::DatabaseFile::forgetAll();
-    ASSERT_TRUE(QFile::rename(file, file + u".away"_s));
-    openDatabase(connection);
-    EXPECT_NE(connection.m_pConnection, nullptr);
-    EXPECT_EQ(connection.Execute(kInsert(u"0003", u"인천상회")), 1);
-    CVORecordset recordset(connection);
-    EXPECT_FALSE(recordset.Open(kCustomers(u""), kKeyset, kReadOnly));
-    EXPECT_TRUE(recordset.EOF());
-    EXPECT_FALSE(hasRow(kCustomers(u"")));
-    EXPECT_FALSE(QFile::exists(file));
-    ASSERT_TRUE(QFile::rename(file + u".away"_s, file));
-    EXPECT_TRUE(hasRow(kCustomers(u"")));
 }
 
 TEST_F(RecordsetTest, NoPasswordOpensTheDoorByItsQuotes) {
@@ -225,10 +187,7 @@ TEST_F(RecordsetTest, NoPasswordOpensTheDoorByItsQuotes) {
     EXPECT_TRUE(hasRow(kLogin(u"7", u"1234")));
 }
 
-TEST_F(RecordsetTest, QueriesReadWholeRows) {
-    EXPECT_EQ(firstRow(kCustomers(u"0002")), QStringList({u"0002"_s, u"부산상회"_s, u""_s}));
-    EXPECT_EQ(firstRow(kCustomers(u"9")), std::nullopt);
-    EXPECT_EQ(firstRow(kBadSelect()), std::nullopt);
+TEST_F(RecordsetTest, AWalkGoesOnWhileEachRowRunsStatementsOfItsOwn) {
     QStringList names;
     // Each row's statements run beside the walk, as the slip deletion's do.
     EXPECT_EQ(forEachRow(kCustomers(u""),

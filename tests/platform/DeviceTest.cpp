@@ -22,13 +22,5 @@ TEST(DeviceTest, OptionThenEnvironmentThenApplicationData) {
     if (!before.isNull()) qputenv("ROVANA_DEVICE", before);
 }
 
-TEST(DeviceTest, HandheldPathsLieInTheFolder) {
-    const QString before = folder();
-    setFolder(u"/srv/terminal/"_s);
-    EXPECT_EQ(path(kDatabaseFile), u"/srv/terminal/My Documents/rvnclient.cdb"_s);
-    EXPECT_EQ(path(kStorageCardFolder), u"/srv/terminal/저장소카드/"_s);
-    setFolder(before);
-}
-
 }  // namespace
 }  // namespace platform::device
