@@ -14,7 +14,10 @@ TEST(Script, NamesTheLineAndTheFault) {
     } cases[] = {
         {u"pres 102.1000"_s, u"unknown command: pres"_s},
         {u"press 102.x"_s, u"no address of the form DIALOG.CONTROL: 102.x"_s},
-        {u"press 102.1000 twice"_s, u"too much: twice"_s},
+        {u"press 102.1000 twice"_s, u"no address of the form DIALOG.CONTROL: twice"_s},
+        {u"expect rows 102.1000 1 2"_s, u"too much: 2"_s},
+        {u"expect texts 102 1000"_s, u"no CONTROL=TEXT: 1000"_s},
+        {u"login A"_s, u"a text is missing"_s},
         {u"type 102.1000 \"offen"_s, u"the quoted text has no end"_s},
         {u"type 102.1000 \"a\" b"_s, u"something follows the quoted text"_s},
         {uR"(type 102.1000 "a\tb")"_s, u"a backslash in quotes"_s},

@@ -25,7 +25,10 @@ enum class Operand {
     Reply,     ///< ok, cancel, yes or no: 1 for the first button, 0 for the other.
     Key,       ///< A key of the keyboard.
     KeypadKeys,
-    Moment,  ///< "2026-11-21 09:05", seconds if wanted.
+    Addresses,  ///< One or more, a step for each.
+    Texts,      ///< A dialog and "CONTROL=TEXT" for each of its controls, a step for each.
+    Login,      ///< A user's id and password.
+    Moment,     ///< "2026-11-21 09:05", seconds if wanted.
 };
 
 struct Syntax {
@@ -40,14 +43,16 @@ const QList<Syntax>& syntaxes() {
     static const QList<Syntax> table = {
         {u"clock", Command::Clock, {Moment}, u"YYYY-MM-DD HH:MM"},
         {u"patience", Command::Patience, {Number}, u"SECONDS"},
-        {u"press", Command::Press, {Address}, u"D.C"},
+        {u"login", Command::Type, {Login}, u"ID PASSWORD"},
+        {u"press", Command::Press, {Addresses}, u"D.C ..."},
         {u"type", Command::Type, {Address, Text}, u"D.C TEXT"},
         {u"keys", Command::KeypadKey, {KeypadKeys}, u"DIGITS|00|-|next|again|erase|ok|cancel ..."},
         {u"row", Command::Row, {Address, Row}, u"D.C N|=TEXT"},
         {u"row2", Command::DoubleRow, {Address, Row}, u"D.C N|=TEXT"},
-        {u"answer", Command::Answer, {Reply}, u"ok|cancel|yes|no"},
+        {u"answer", Command::Answer, {Reply}, u"ok|cancel|yes|no [TEXT]"},
         {u"key", Command::Key, {Key}, u"NAME"},
         {u"expect", Command::ExpectText, {Address, Text}, u"D.C TEXT"},
+        {u"expect texts", Command::ExpectText, {Texts}, u"D C=TEXT ..."},
         {u"expect message", Command::ExpectMessage, {Text}, u"TEXT"},
         {u"expect caption", Command::ExpectCaption, {Text}, u"TEXT"},
         {u"expect screen", Command::ExpectScreen, {Number}, u"D"},
@@ -73,6 +78,10 @@ const QList<Syntax>& syntaxes() {
 }
 
 constexpr int kKeypadDialog = 130;
+
+constexpr Address kLoginId{102, 1005};
+constexpr Address kLoginPassword{102, 1006};
+constexpr Address kLoginButton{102, 1000};
 
 struct KeypadWord {
     QStringView word;
@@ -256,6 +265,9 @@ void readOperand(Operand operand, LineReader& line, Step* step) {
             return;
         }
         case Operand::KeypadKeys:
+        case Operand::Addresses:
+        case Operand::Texts:
+        case Operand::Login:
             return;
     }
 }
@@ -289,6 +301,40 @@ QList<Step> readKeypadKeys(LineReader& line, const Step& base) {
     return steps;
 }
 
+/// The steps of a line of any number of them, `base` for each.
+QList<Step> readSeveral(Operand operand, LineReader& line, const Step& base) {
+    QList<Step> steps;
+    const auto add = [&](Command command, Address at, const QStringList& texts) {
+        steps << base;
+        steps.last().command = command;
+        steps.last().at = at;
+        steps.last().texts = texts;
+    };
+    if (operand == Operand::KeypadKeys) return readKeypadKeys(line, base);
+    if (operand == Operand::Login) {
+        const QString id = line.word();
+        add(Command::Type, kLoginId, {id});
+        add(Command::Type, kLoginPassword, {line.text()});
+        add(Command::Press, kLoginButton, {});
+        return steps;
+    }
+    Step first = base;
+    if (operand == Operand::Texts) readOperand(Operand::Number, line, &first);
+    do {
+        Step step = base;
+        if (operand == Operand::Addresses) {
+            readOperand(Operand::Address, line, &step);
+            add(base.command, step.at, {});
+            continue;
+        }
+        const QString word = line.word();
+        const std::optional<int> control = wholeNumber(word.section(u'=', 0, 0), 1);
+        if (!control || !word.contains(u'=')) return line.fail(u"no CONTROL=TEXT: %1"_s.arg(word)), steps;
+        add(base.command, {first.numbers[0], *control}, {word.section(u'=', 1)});
+    } while (!line.atEnd() && line.error().isEmpty());
+    return steps;
+}
+
 /// The command that the line starts with, taken off the line; null for none.
 const Syntax* takeCommand(LineReader& line) {
     const auto find = [](const QString& name) -> const Syntax* {
@@ -317,14 +363,21 @@ QList<Step> parseLine(QStringView text, int number, QString* error) {
     const Syntax* syntax = takeCommand(line);
     if (syntax != nullptr) {
         step.command = syntax->command;
-        if (syntax->operands == QList{Operand::KeypadKeys}) {
-            steps = readKeypadKeys(line, step);
+        using enum Operand;
+        const Operand first = syntax->operands.value(0, Text);
+        if (first == KeypadKeys || first == Addresses || first == Texts || first == Login) {
+            steps = readSeveral(first, line, step);
         } else {
             for (const Operand operand : syntax->operands) {
                 if (line.error().isEmpty()) readOperand(operand, line, &step);
             }
-            if (line.error().isEmpty() && !line.atEnd()) line.fail(u"too much: %1"_s.arg(line.rest()));
             steps = {step};
+            if (step.command == Command::Answer && !line.atEnd()) {
+                step.command = Command::ExpectMessage;
+                step.texts << line.text();
+                steps.prepend(step);
+            }
+            if (line.error().isEmpty() && !line.atEnd()) line.fail(u"too much: %1"_s.arg(line.rest()));
         }
     }
     *error = line.error();

@@ -58,7 +58,7 @@ QString toString(Address address);
 /// The text as scripts quote it.
 QString quoted(const QString& text);
 
-/// One thing to do. A line makes one step, except "keys", which makes one for each key.
+/// One thing to do. A line makes one step, except those that name several keys, controls or texts.
 struct Step {
     int line = 0;    ///< From 1.
     QString source;  ///< The line, without surrounding blanks.
