@@ -10,6 +10,7 @@
 #include "platform/message/Component.h"
 #include "platform/message/SavedValues.h"
 #include "platform/termdev/DemoCards.h"
+#include "rovana-cardhost/Sqlite.h"
 #include "support/Exchange.h"
 #include "support/HostProcess.h"
 #include "support/PrintQt.h"
@@ -116,11 +117,11 @@ TEST_F(HostTest, TheSummaryIsTheLedgersForTerminalAndDay) {
         EXPECT_EQ(terminal.summary(day), kDone);
         EXPECT_EQ(terminal.run(host.port()), QString::fromLatin1(kGood));
         QStringList texts;
-        for (const int field : {1102, 1115, 1116, 1117, 1118, 1119, 1120, 1121, 1122})
+        for (const int field : {1102, 1115, 1116, 1117, 1118, 1119, 1120, 1121, 1122, 1123, 1124})
             texts << terminal.field(field);
         return texts.join(u' ');
     };
-    EXPECT_EQ(summary(u"20261121"), u"0000 0 0 0 0 0 0 0 0");
+    EXPECT_EQ(summary(u"20261121"), u"0000 0 0 0 0 0 0 0 0 0 ");
     pay(u"good", u"11000");
     pay(u"second", u"20000");
     pay(u"poor", u"20000");
@@ -128,13 +129,29 @@ TEST_F(HostTest, TheSummaryIsTheLedgersForTerminalAndDay) {
     terminal.run(host.port());
     EXPECT_EQ(terminal.field(1102), u"0000") << "cash is entered";
     EXPECT_EQ(terminal.field(1107), u"99989000") << "and moves no account";
-    EXPECT_EQ(summary(u"20261121"), u"0000 2 20000 2000 1000 1000 31000 46 30954") << "card payments only";
-    EXPECT_EQ(summary(u"20261120"), u"0000 0 0 0 0 0 0 0 0") << "another day";
+    EXPECT_EQ(summary(u"20261121"),
+              u"0000 2 20000 2000 1000 1000 31000 46 30954 2 000000000001 183000 11000\n000000000002 183000 "
+              u"20000\n")
+        << "card payments only";
+    EXPECT_EQ(summary(u"20261120"), u"0000 0 0 0 0 0 0 0 0 0 ") << "another day";
     ASSERT_TRUE(writeSavedValues({{u"101"_s, u"4712"_s}}));
-    EXPECT_EQ(summary(u"20261121"), u"0000 0 0 0 0 0 0 0 0") << "another terminal";
+    EXPECT_EQ(summary(u"20261121"), u"0000 0 0 0 0 0 0 0 0 0 ") << "another terminal";
     ASSERT_EQ(terminal.previous(), kDone);
     terminal.run(host.port());
     EXPECT_EQ(terminal.field(1102), u"0016") << "another terminal has paid nothing";
+
+    // More payments than an answer has room for: it comes, and tells how many there are.
+    cardhost::Sqlite ledger(host.folder() + u"/ledger.db"_s);
+    ledger.execute(
+        "WITH RECURSIVE n(i) AS (SELECT 100 UNION ALL SELECT i + 1 FROM n WHERE i < 3099) "
+        "INSERT INTO payment SELECT i, 1, card, '4713', day, kind, 1, 1, 1, 1, 50000, 1, 1, 1 "
+        "FROM payment, n WHERE payment.id = 1");
+    ASSERT_TRUE(writeSavedValues({{u"101"_s, u"4713"_s}}));
+    ASSERT_TRUE(summary(u"20261121").startsWith(u"0000 3000 3000 "));
+    EXPECT_EQ(terminal.field(1123), u"3000");
+    const QString list = terminal.field(1124);
+    EXPECT_TRUE(list.startsWith(u"000000000100 183000 50000\n"));
+    EXPECT_TRUE(list.endsWith(u"000000002406 183000 50000\n")) << list.last(60).toStdString();
 }
 
 // What the terminal reports, whether an answer counts, and whether the host has charged.

@@ -342,7 +342,26 @@ Response Ledger::sum(Call& call) {
     for (std::size_t i = 0; i < kTotals.size(); ++i)
         addAmount(call.reply, kTotals[i], totals.integer(int(i)));
     addAmount(call.reply, kDepositedField, totals.integer(int(kTotals.size()) - 1));
+    addAmount(call.reply, kListTotalField, totals.integer(0));
+    list(call, day);
     return kApproved;
+}
+
+void Ledger::list(Call& call, const QString& day) {
+    Statement payments = file_.statement(
+        "SELECT payment.id, substr(received, 12, 2) || substr(received, 15, 2) || substr(received, 18, 2), "
+        "amount FROM payment JOIN exchange ON exchange.id = payment.exchange "
+        "WHERE payment.terminal = ? AND day = ? AND payment.kind = ? ORDER BY payment.id");
+    payments.bind(call.terminal).bind(day).bind(kCardPayment.toString());
+    QString lines;
+    while (payments.step()) {
+        const QString line = u"%1 %2 %3\n"_s.arg(transactionNumber(payments.integer(0)), payments.text(1))
+                                 .arg(payments.integer(2));
+        // Cut between two payments, the last ones going; every character is one byte.
+        if (lines.size() + line.size() > kLongestList) break;
+        lines += line;
+    }
+    call.reply.add(kListField, lines);
 }
 
 }  // namespace cardhost

@@ -34,6 +34,9 @@ inline constexpr Response kRefused{u"0099", u"거래거절"};  ///< For no reaso
 /// An amount of a payment beyond this, in won, is refused: it is a mistake, and sums stay within 64 bits.
 inline constexpr qint64 kLargestAmount = 1'000'000'000'000;
 
+/// The list of a day in a summary has at most so many bytes, so that the whole answer fits its frame.
+inline constexpr qsizetype kLongestList = 60'000;
+
 /// What the host takes of a card payment: 15 won of each 10,000, rounded down.
 constexpr qint64 feeOf(qint64 amount) {
     return amount * 15 / 10'000;
@@ -91,6 +94,7 @@ class Ledger {
     Response inquire(Call& call);
     Response tellPrevious(Call& call);
     Response sum(Call& call);
+    void list(Call& call, const QString& day);
 
     Keys keys_;
     Sqlite file_;

@@ -35,6 +35,8 @@ inline constexpr quint16 kRecoveryTotalField = 1119;
 inline constexpr quint16 kAmountTotalField = 1120;
 inline constexpr quint16 kFeeTotalField = 1121;
 inline constexpr quint16 kTransferTotalField = 1122;
+inline constexpr quint16 kListTotalField = 1123;  ///< How many payments the day has, listed or cut.
+inline constexpr quint16 kListField = 1124;       ///< The day's payments, a line each.
 inline constexpr quint16 kResponseTextField = 1203;
 
 inline constexpr QStringView kRequestType = u"0200";
