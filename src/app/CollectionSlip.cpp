@@ -1,6 +1,6 @@
 #include "app/CollectionSlip.h"
 
-#include <QList>
+#include <algorithm>
 #include <array>
 
 #include "db/Query.h"
@@ -45,6 +45,14 @@ constexpr db::Statement<
 constexpr db::Statement<
     u"SELECT JunNo, GName, GCode FROM MTMOK WHERE USERID= '%s' and DDate = '%s' ORDER BY JunNo DESC">
     kOfDay;
+// An empty user leaves the condition on him out.
+constexpr db::Statement<
+    u"SELECT * FROM MTMOK WHERE DDate = '%s' AND ('%s' = '' OR UserID = '%s') ORDER BY JunNo, UserID">
+    kAllOfDay;
+constexpr db::Statement<
+    u"SELECT * FROM MTMOK WHERE MSGSENDTIME >= '%s' AND MSGSENDTIME <= '%s' AND BANKTRANNO <> '' "
+    u"ORDER BY BANKTRANNO, MSGSENDTIME">
+    kApproved;
 constexpr db::Statement<
     u"SELECT JunNo FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' ORDER BY PCode DESC">
     kSalesSlip;
@@ -74,16 +82,21 @@ CollectionSlip slipOf(db::CVORecordset& row) {
     return slip;
 }
 
-/// The rows of a SELECT of the whole table.
-QList<CollectionSlip> wholeRows(const db::Sql& select) {
+/// The rows of a SELECT of the whole table; nothing when they broke off.
+std::optional<QList<CollectionSlip>> allRows(const db::Sql& select) {
     QList<CollectionSlip> slips;
-    db::forEachRow(select, [&](db::CVORecordset& row) {
+    const int count = db::forEachRow(select, [&](db::CVORecordset& row) {
         CollectionSlip slip = slipOf(row);
         slip.MSGSENDTIME = row.GetFieldString(kColumns);
         slip.BANKTRANNO = row.GetFieldString(kColumns + 1);
         slips << slip;
     });
-    return slips;
+    return count < 0 ? std::nullopt : std::optional(slips);
+}
+
+/// The same; no rows when they broke off.
+QList<CollectionSlip> wholeRows(const db::Sql& select) {
+    return allRows(select).value_or(QList<CollectionSlip>());
 }
 
 /// The texts of a row, and a view on them for the INSERT of so many columns.
@@ -162,6 +175,18 @@ Won CollectionSlip::receivableEffect() const {
     return isSimplePayment() ? Won() : MMoney + YGMoney - InMoney - MisuInMoney - YDMoney;
 }
 
+Won CollectionSlip::cashTaken() const {
+    const Won booked = WonMoney + MisuInMoney;
+    // A recovery above the total that the settling buttons have booked as paid against the earlier
+    // receivable: no money changed hands. The keyed recovery books the same with cash below 0, which makes up
+    // for it.
+    const bool isSettledByRecovery = !isSimplePayment() && WonMoney.isZero() && CardMoney.isZero();
+    if (!isSettledByRecovery) return booked;
+    // Once an earlier receivable was keyed over it, the excess stands below 0 in the unpaid amount instead.
+    const Won excess = YDMoney - MMoney - YGMoney + UnderMoney;
+    return booked - std::max(Won(), std::min(excess, MisuInMoney));
+}
+
 bool saveCollection(const CollectionSlip& entered) {
     db::Transaction transaction;
     const auto rows = [&] { return wholeRows(kOwn(entered.DDate, entered.JunNo, entered.UserID)); };
@@ -231,6 +256,14 @@ std::optional<CollectionSlip> findByTransactionNumber(QStringView transactionNum
 
 db::Rows collectionsOfDay(QStringView userId, QStringView date) {
     return db::selectRows(kOfDay(userId, date), 3);
+}
+
+std::optional<QList<CollectionSlip>> slipsOfDay(QStringView date, QStringView userId) {
+    return allRows(kAllOfDay(date, userId, userId));
+}
+
+std::optional<QList<CollectionSlip>> approvedSlips(QStringView first, QStringView last) {
+    return allRows(kApproved(first, last));
 }
 
 bool recordApproval(QStringView date, QStringView junNo, QStringView userId, QStringView transactionNumber,

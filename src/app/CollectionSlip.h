@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QString>
 #include <QStringView>
 #include <optional>
@@ -57,6 +58,10 @@ struct CollectionSlip {
     /// them. 0 for a simple payment, where sale and payment are one.
     platform::Won receivableEffect() const;
 
+    /// The cash in won that the slip brought in, below 0 where it went out: cash and earlier receivable paid,
+    /// without what was booked as paid against the earlier receivable while no money changed hands.
+    platform::Won cashTaken() const;
+
     friend bool operator==(const CollectionSlip&, const CollectionSlip&) = default;
 };
 
@@ -88,6 +93,14 @@ std::optional<CollectionSlip> findByTransactionNumber(QStringView transactionNum
 
 /// The user's slips of the day, highest number first: slip number, customer name, customer code.
 db::Rows collectionsOfDay(QStringView userId, QStringView date);
+
+/// All slips of the day by number, of one user or, with an empty id, of everybody; nothing when they could
+/// not be read to the end.
+std::optional<QList<CollectionSlip>> slipsOfDay(QStringView date, QStringView userId);
+
+/// The slips of whatever user that carry an approval whose request was sent from `first` to `last`, both
+/// "yyyyMMddHHmmss" and included, by number and time; nothing when they could not be read to the end.
+std::optional<QList<CollectionSlip>> approvedSlips(QStringView first, QStringView last);
 
 /// Writes an approval on the collection slip, replacing an earlier one, and makes the sales slip of the same
 /// date, number and user "결제", both or neither, safe on disk on return. `sentTime` is kept as it stands in

@@ -21,6 +21,10 @@ constexpr db::Statement<
     u"SELECT PCode, PName, DDate, JunNo, UserID, FBox, NBox, Bon FROM YTM WHERE GCode = '%s' "
     u"AND DDate <= '%s'">
     kReturns;
+// An empty user leaves the condition on him out.
+constexpr db::Statement<
+    u"SELECT PCode, FBox, NBox, Bon FROM YTM WHERE DDate = '%s' AND ('%s' = '' OR UserID = '%s')">
+    kReturnsOfDay;
 constexpr db::Statement<u"SELECT BoxBonEa FROM PUMMOK WHERE PCode = '%s' "> kBottlesPerBox;
 
 /// The counts are bounded so that no imported figure, however long, can overflow a sum or a product.
@@ -110,6 +114,19 @@ QList<ContainerBalance> containerBalances(QStringView gCode, QStringView date, Q
         balances.of(line.PCode, line.PName).returned += balances.containers(line);
     }
     return balances.list();
+}
+
+std::optional<Containers> containersTakenBack(QStringView date, QStringView userId) {
+    Balances balances;
+    Containers back;
+    const int rows = db::forEachRow(kReturnsOfDay(date, userId, userId), [&](db::CVORecordset& row) {
+        back += balances.containers({row.GetFieldString(0),
+                                     {},
+                                     count(row.GetFieldString(1)),
+                                     count(row.GetFieldString(2)),
+                                     count(row.GetFieldString(3))});
+    });
+    return rows < 0 ? std::nullopt : std::optional(back);
 }
 
 }  // namespace app

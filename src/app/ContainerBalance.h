@@ -4,6 +4,7 @@
 #include <QString>
 #include <QStringView>
 #include <cstdint>
+#include <optional>
 #include <span>
 
 /// What a customer holds of the wholesaler's crates and bottles, by the sales and container slips on the
@@ -50,5 +51,9 @@ struct ContainerBalance {
 /// number reads as 0.
 QList<ContainerBalance> containerBalances(QStringView gCode, QStringView date, QStringView junNo,
                                           QStringView userId, std::span<const ContainerReturn> returned);
+
+/// What was taken back on the day, from all customers, by one user or, with an empty id, by everybody;
+/// nothing when it could not be read to the end.
+std::optional<Containers> containersTakenBack(QStringView date, QStringView userId);
 
 }  // namespace app

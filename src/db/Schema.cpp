@@ -37,6 +37,9 @@ constexpr Columns<22> kMtmOk{u"DDate",       u"Gubun",       u"GCode",      u"GN
                              u"MSGSENDTIME", u"BANKTRANNO"};
 constexpr Columns<14> kYtm{u"DDate", u"GCode", u"GName",  u"JunNo",  u"PCode", u"PName", u"FBox",
                            u"NBox",  u"Bon",   u"YMONEY", u"GMONEY", u"YSAMT", u"GSAMT", u"UserID"};
+constexpr Columns<15> kDayClose{u"DDate",    u"UserID", u"ClosedAt",  u"CountedCash", u"ExpectedCash",
+                                u"Cash",     u"Card",   u"Approvals", u"Unpaid",      u"EarlierPaid",
+                                u"Recovery", u"Boxes",  u"Bottles",   u"CratesBack",  u"BottlesBack"};
 constexpr Columns<5> kImportLog{u"Path", u"Digest", u"Size", u"Modified", u"LoadedAt"};
 
 // The working tables hold one slip while it is edited: MTM's first 15 and YTM's first 13 columns.
@@ -55,6 +58,7 @@ constexpr std::array kTables{
     Table{u"YTM", kYtm},
     Table{u"TEMP", std::span(kMtm).first(15)},
     Table{u"YTEMP", std::span(kYtm).first(13)},
+    Table{u"DAYCLOSE", kDayClose},
     Table{u"IMPORTLOG", kImportLog},
 };
 
@@ -72,10 +76,12 @@ constexpr std::array kIndexes{
     Index{u"MTMOK_SLIP", u"MTMOK", u"DDate, JunNo, UserID"},
     Index{u"MTMOK_TRANSACTION", u"MTMOK", u"BANKTRANNO, JunNo"},
     Index{u"MTMOK_LIST", u"MTMOK", u"UserID, DDate, JunNo"},
+    Index{u"MTMOK_SENT", u"MTMOK", u"MSGSENDTIME"},
     Index{u"YTM_SLIP", u"YTM", u"DDate, JunNo, UserID"},
     Index{u"YTM_LIST", u"YTM", u"UserID, DDate, JunNo"},
     Index{u"YTM_CUSTOMER", u"YTM", u"GCode, DDate"},
     Index{u"BANKMONEY_DATE", u"BankMoney", u"DDate"},
+    Index{u"DAYCLOSE_DAY", u"DAYCLOSE", u"DDate, UserID"},
 };
 
 }  // namespace
