@@ -28,6 +28,7 @@ enum class Operand {
     Addresses,  ///< One or more, a step for each.
     Texts,      ///< A dialog and "CONTROL=TEXT" for each of its controls, a step for each.
     Login,      ///< A user's id and password.
+    Import,     ///< Nothing: loads the waiting files and answers what is said after it.
     Moment,     ///< "2026-11-21 09:05", seconds if wanted.
 };
 
@@ -44,6 +45,7 @@ const QList<Syntax>& syntaxes() {
         {u"clock", Command::Clock, {Moment}, u"YYYY-MM-DD HH:MM"},
         {u"patience", Command::Patience, {Number}, u"SECONDS"},
         {u"login", Command::Type, {Login}, u"ID PASSWORD"},
+        {u"import", Command::Answer, {Import}, u""},
         {u"press", Command::Press, {Addresses}, u"D.C ..."},
         {u"type", Command::Type, {Address, Text}, u"D.C TEXT"},
         {u"keys", Command::KeypadKey, {KeypadKeys}, u"DIGITS|00|-|next|again|erase|ok|cancel ..."},
@@ -57,18 +59,21 @@ const QList<Syntax>& syntaxes() {
         {u"expect caption", Command::ExpectCaption, {Text}, u"TEXT"},
         {u"expect screen", Command::ExpectScreen, {Number}, u"D"},
         {u"expect rows", Command::ExpectRows, {Address, Number}, u"D.C N"},
-        {u"expect cell", Command::ExpectCell, {Address, Position, Position, Text}, u"D.C ROW COLUMN TEXT"},
-        {u"expect hidden", Command::ExpectHidden, {Address}, u"D.C"},
-        {u"expect shown", Command::ExpectShown, {Address}, u"D.C"},
-        {u"expect disabled", Command::ExpectDisabled, {Address}, u"D.C"},
-        {u"expect enabled", Command::ExpectEnabled, {Address}, u"D.C"},
-        {u"expect checked", Command::ExpectChecked, {Address}, u"D.C"},
-        {u"expect unchecked", Command::ExpectUnchecked, {Address}, u"D.C"},
+        {u"expect cell",
+         Command::ExpectCell,
+         {Address, Position, Position, Text},
+         u"D.C ROW COLUMN TEXT[|TEXT ...]"},
+        {u"expect hidden", Command::ExpectHidden, {Addresses}, u"D.C ..."},
+        {u"expect shown", Command::ExpectShown, {Addresses}, u"D.C ..."},
+        {u"expect disabled", Command::ExpectDisabled, {Addresses}, u"D.C ..."},
+        {u"expect enabled", Command::ExpectEnabled, {Addresses}, u"D.C ..."},
+        {u"expect checked", Command::ExpectChecked, {Addresses}, u"D.C ..."},
+        {u"expect unchecked", Command::ExpectUnchecked, {Addresses}, u"D.C ..."},
         {u"expect sql", Command::ExpectSql, {Word, Text}, u"\"SELECT ...\" TEXT"},
         {u"expect roll", Command::ExpectRoll, {Text}, u"FILE"},
         {u"tear", Command::Tear, {}, u""},
         {u"host", Command::Host, {Text}, u"\"OPTIONS\""},
-        {u"swipe", Command::Swipe, {Word}, u"CARD"},
+        {u"swipe", Command::Swipe, {Word}, u"CARD [KEYS ...]"},
         {u"timeout", Command::TimeOut, {Position}, u"MS"},
         {u"remove", Command::Remove, {Text}, u"FILE"},
         {u"shot", Command::Shot, {Name}, u"NAME"},
@@ -82,6 +87,7 @@ constexpr int kKeypadDialog = 130;
 constexpr Address kLoginId{102, 1005};
 constexpr Address kLoginPassword{102, 1006};
 constexpr Address kLoginButton{102, 1000};
+constexpr Address kImportButton{435, 1000};
 
 struct KeypadWord {
     QStringView word;
@@ -268,6 +274,7 @@ void readOperand(Operand operand, LineReader& line, Step* step) {
         case Operand::Addresses:
         case Operand::Texts:
         case Operand::Login:
+        case Operand::Import:
             return;
     }
 }
@@ -318,6 +325,12 @@ QList<Step> readSeveral(Operand operand, LineReader& line, const Step& base) {
         add(Command::Press, kLoginButton, {});
         return steps;
     }
+    if (operand == Operand::Import) {
+        add(Command::Press, kImportButton, {});
+        add(Command::Answer, {}, {});
+        steps.last().numbers << 1;
+        return steps;
+    }
     Step first = base;
     if (operand == Operand::Texts) readOperand(Operand::Number, line, &first);
     do {
@@ -365,14 +378,25 @@ QList<Step> parseLine(QStringView text, int number, QString* error) {
         step.command = syntax->command;
         using enum Operand;
         const Operand first = syntax->operands.value(0, Text);
-        if (first == KeypadKeys || first == Addresses || first == Texts || first == Login) {
+        if (first >= KeypadKeys && first <= Import) {
             steps = readSeveral(first, line, step);
+            if (line.error().isEmpty() && !line.atEnd()) line.fail(u"too much: %1"_s.arg(line.rest()));
         } else {
             for (const Operand operand : syntax->operands) {
                 if (line.error().isEmpty()) readOperand(operand, line, &step);
             }
             steps = {step};
-            if (step.command == Command::Answer && !line.atEnd()) {
+            if (step.command == Command::Swipe && !line.atEnd()) {
+                steps += readKeypadKeys(line, step);
+            } else if (step.command == Command::ExpectCell) {
+                // One step for each column from the named one on.
+                steps.clear();
+                for (const QString& cell : step.texts.value(0).split(u'|')) {
+                    steps << step;
+                    steps.last().texts = {cell};
+                    ++step.numbers.last();
+                }
+            } else if (step.command == Command::Answer && !line.atEnd()) {
                 step.command = Command::ExpectMessage;
                 step.texts << line.text();
                 steps.prepend(step);
