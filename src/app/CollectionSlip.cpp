@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "app/PrintLog.h"
 #include "db/Query.h"
 #include "platform/Clock.h"
 
@@ -134,6 +135,13 @@ bool takeReceivablesBack(db::Transaction& transaction, const QList<CollectionSli
     return true;
 }
 
+/// True when the rows on disk say what `slip` says, but for the time of saving.
+bool isSameSlip(const QList<CollectionSlip>& rows, CollectionSlip slip) {
+    if (rows.size() != 1) return false;
+    slip.DTime = rows.first().DTime;
+    return rows.first() == slip;
+}
+
 QString timeOfSaving() {
     return platform::clock::now().toString(u"HH:mm"_s);
 }
@@ -215,6 +223,11 @@ bool saveCollection(const CollectionSlip& entered) {
     }
     // A statement that failed was skipped; a payment is not kept by halves.
     if (rows() != QList<CollectionSlip>{slip}) return false;
+    // A slip that is saved as it was need not be printed again.
+    if (!isSameSlip(replaced, slip) &&
+        !forgetPrints(transaction, Paper::CollectionSlip, slip.DDate, slip.JunNo, slip.UserID)) {
+        return false;
+    }
     return takeReceivablesBack(transaction, replaced) &&
            moveReceivable(transaction, slip.GCode, slip.receivableEffect()) && transaction.commit();
 }
@@ -224,7 +237,8 @@ bool removeCollection(QStringView date, QStringView junNo, QStringView userId) {
     const QList<CollectionSlip> removed = wholeRows(kOwn(date, junNo, userId));
     transaction.connection().Execute(kDeleteOwn(date, junNo, userId));
     if (db::hasRow(kOwn(date, junNo, userId))) return false;
-    return takeReceivablesBack(transaction, removed) && transaction.commit();
+    return forgetPrints(transaction, Paper::CollectionSlip, date, junNo, userId) &&
+           takeReceivablesBack(transaction, removed) && transaction.commit();
 }
 
 bool removeCollections(QStringView date, QStringView junNo) {
@@ -235,7 +249,9 @@ bool removeCollections(QStringView date, QStringView junNo) {
 bool removeCollections(db::Transaction& transaction, QStringView date, QStringView junNo) {
     const QList<CollectionSlip> removed = wholeRows(kAnyones(date, junNo));
     transaction.connection().Execute(kDelete(junNo, date));
-    return !db::hasRow(kAnyones(date, junNo)) && takeReceivablesBack(transaction, removed);
+    return !db::hasRow(kAnyones(date, junNo)) &&
+           forgetPrints(transaction, Paper::CollectionSlip, date, junNo) &&
+           takeReceivablesBack(transaction, removed);
 }
 
 std::optional<CollectionSlip> loadCollection(QStringView date, QStringView junNo, QStringView userId) {

@@ -69,8 +69,8 @@ struct CollectionSlip {
 /// replaced row had made of it to what this one makes. `Gubun` is "매출" when MTM has the sales slip of that
 /// date, number and user, else "입금"; a simple payment that is corrected stays one. `DTime` is the clock's.
 /// An approval that the replaced row carries stays on the slip; the slip's own last two columns are not
-/// looked at. False when the slip did not get in (disk full, a single quote in a text, several approvals
-/// under its number): slip and receivable are then as before.
+/// looked at. The prints of a slip that changes are forgotten. False when the slip did not get in (disk full,
+/// a single quote in a text, several approvals under its number): slip and receivable are then as before.
 bool saveCollection(const CollectionSlip& slip);
 
 /// Deletes the user's slip of that date and number and takes its receivable back. True also when there was

@@ -28,9 +28,13 @@ constexpr db::Statement<
 constexpr db::Statement<u"SELECT BoxBonEa FROM PUMMOK WHERE PCode = '%s' "> kBottlesPerBox;
 
 /// The counts are bounded so that no imported figure, however long, can overflow a sum or a product.
-std::int64_t count(QStringView text) {
+std::int64_t bounded(std::int64_t count) {
     constexpr std::int64_t kBound = 1'000'000'000;
-    return std::clamp(parseInteger(text), -kBound, kBound);
+    return std::clamp(count, -kBound, kBound);
+}
+
+std::int64_t count(QStringView text) {
+    return bounded(parseInteger(text));
 }
 
 class Balances {
@@ -53,8 +57,9 @@ class Balances {
     }
 
     Containers containers(const ContainerReturn& line) {
-        return {line.emptyCrates + line.filledCrates,
-                line.filledCrates * bottlesPerBox(line.PCode) + line.bottles};
+        const std::int64_t filled = bounded(line.filledCrates);
+        return {bounded(line.emptyCrates) + filled,
+                filled * bottlesPerBox(line.PCode) + bounded(line.bottles)};
     }
 
     QList<ContainerBalance> list() const {

@@ -30,7 +30,7 @@ QString databaseProblem() {
     const auto file = platform::adoce::DatabaseFile::shared(path, &error);
     if (!file) return u"%1; see: rovanactl check --device \"%2\""_s.arg(error, platform::device::folder());
     for (const schema::Table& table : schema::tables()) {
-        if (hasTable(file->handle(), table)) continue;
+        if (!table.isRequired || hasTable(file->handle(), table)) continue;
         return u"%1 has no usable table %2 (%3); see: rovanactl check --device \"%4\""_s.arg(
             path, table.name, file->errorText(), platform::device::folder());
     }

@@ -5,7 +5,7 @@
 namespace db {
 
 /// What keeps the terminal's database from being used, in words for the administrator, with the command that
-/// mends it; empty when the file is there, opens and has its tables.
+/// mends it; empty when the file is there, opens and has the tables it needs.
 QString databaseProblem();
 
 }  // namespace db

@@ -41,6 +41,7 @@ constexpr Columns<15> kDayClose{u"DDate",    u"UserID", u"ClosedAt",  u"CountedC
                                 u"Cash",     u"Card",   u"Approvals", u"Unpaid",      u"EarlierPaid",
                                 u"Recovery", u"Boxes",  u"Bottles",   u"CratesBack",  u"BottlesBack"};
 constexpr Columns<5> kImportLog{u"Path", u"Digest", u"Size", u"Modified", u"LoadedAt"};
+constexpr Columns<6> kPrintLog{u"DDate", u"JunNo", u"UserID", u"Document", u"Copy", u"PrintedAt"};
 
 // The working tables hold one slip while it is edited: MTM's first 15 and YTM's first 13 columns.
 constexpr std::array kTables{
@@ -60,6 +61,7 @@ constexpr std::array kTables{
     Table{u"YTEMP", std::span(kYtm).first(13)},
     Table{u"DAYCLOSE", kDayClose},
     Table{u"IMPORTLOG", kImportLog},
+    Table{u"PRINTLOG", kPrintLog, false},
 };
 
 constexpr std::array kIndexes{
@@ -82,6 +84,7 @@ constexpr std::array kIndexes{
     Index{u"YTM_CUSTOMER", u"YTM", u"GCode, DDate"},
     Index{u"BANKMONEY_DATE", u"BankMoney", u"DDate"},
     Index{u"DAYCLOSE_DAY", u"DAYCLOSE", u"DDate, UserID"},
+    Index{u"PRINTLOG_SLIP", u"PRINTLOG", u"DDate, JunNo"},
 };
 
 }  // namespace

@@ -11,6 +11,8 @@ namespace db::schema {
 struct Table {
     QStringView name;
     std::span<const QStringView> columns;
+    /// False for a table that an older terminal does not have and can work without.
+    bool isRequired = true;
 };
 
 /// A search that the terminal's statements make often: `columns` is the index's column list.

@@ -1,9 +1,7 @@
 #include "print/CardReceipt.h"
 
-#include "app/CollectionSlip.h"
 #include "db/Query.h"
 #include "print/CollectionSlip.h"
-#include "print/SlipBlocks.h"
 
 namespace print {
 namespace {
@@ -29,14 +27,6 @@ std::optional<app::CollectionSlip> paidSlip(QStringView date, QStringView junNo,
     return slip;
 }
 
-void particulars(Document& document, const ReceiptCustomer& customer) {
-    document.line(u"[공급받는자]");
-    document.labelText(u"상호", customer.name);
-    document.labelText(u"사업자번호", customer.number);
-    document.labelText(u"대표자", customer.owner);
-    document.labelText(u"주소", customer.address);
-}
-
 void hostAmounts(Document& document, const app::HostReply& reply) {
     document.labelAmount(u"거래금액 : ", parseWon(reply.transactionAmount));
     document.labelAmount(u"수수료액 : ", parseWon(reply.feeAmount));
@@ -51,58 +41,49 @@ void exchangeLines(Document& document, const CardExchange& exchange) {
 
 }  // namespace
 
-ReceiptCustomer receiptCustomer(QStringView gCode) {
+Party receiptCustomer(QStringView gCode) {
     const std::optional<QStringList> row = db::firstRow(kSelectCustomer(gCode));
-    if (!row) return {u"XXXX"_s, u"XXX-XX-XXXX"_s, u"XXXX"_s, u"XXXX"_s};
-    return {row->value(0), row->value(1), row->value(2), row->value(3)};
+    if (!row) return {u"XXXX"_s, u"XXX-XX-XXXX"_s, u"XXXX"_s, u"XXXX"_s, {}};
+    return {row->value(0), row->value(1), row->value(2), row->value(3), {}};
+}
+
+Document cardReceipt(const app::CollectionSlip& slip, const std::optional<CardExchange>& exchange,
+                     bool reprint) {
+    Document document = slipDocument(
+        u"카 드 영 수 증", std::nullopt, reprint,
+        {slip.DDate, slip.DTime, slip.JunNo, salesman(slip.UserID), receiptCustomer(slip.GCode)});
+    document.labelAmount(u"공급가액", slip.PMoney);
+    document.labelAmount(u"부가세액", slip.BMoney);
+    if (!slip.GDMoney.isZero()) document.labelAmount(u"비주류금액", slip.GDMoney);
+    if (!slip.YDMoney.isZero()) document.labelAmount(u"용공회수액", slip.YDMoney);
+    document.rule(Document::Rule::Thin);
+    // The recovery is off the total already and is taken off once more when the card is charged.
+    document.labelAmount(u"합계", slip.amounts().total);
+    document.labelAmount(u"결제금액", slip.CardMoney.isZero() ? slip.WonMoney : slip.CardMoney);
+    document.rule(Document::Rule::Thin);
+    if (exchange) {
+        hostAmounts(document, exchange->reply);
+    } else {
+        document.labelAmount(u"거래금액 : ", slip.CardMoney);
+    }
+    transactionNumberLine(document, slip.BANKTRANNO);
+    if (exchange) exchangeLines(document, *exchange);
+    closingBlock(document);
+    return document;
 }
 
 std::optional<Document> cardReceipt(QStringView date, QStringView junNo, QStringView userId,
                                     const std::optional<CardExchange>& exchange, bool reprint) {
     const std::optional<app::CollectionSlip> slip = paidSlip(date, junNo, userId, exchange);
-    if (!slip) return std::nullopt;
-    const ReceiptCustomer customer = receiptCustomer(slip->GCode);
-
-    Document document(u"카 드 영 수 증");
-    if (reprint) document.centred(u"* 재발행 *");
-    document.rule(Document::Rule::Double);
-    slipBlock(document, date, slip->DTime, junNo, salesman(userId));
-    document.rule(Document::Rule::Thin);
-    sellerBlock(document);
-    document.rule(Document::Rule::Thin);
-    particulars(document, customer);
-    document.rule(Document::Rule::Double);
-    document.labelAmount(u"공급가액", slip->PMoney);
-    document.labelAmount(u"부가세액", slip->BMoney);
-    if (!slip->GDMoney.isZero()) document.labelAmount(u"비주류금액", slip->GDMoney);
-    if (!slip->YDMoney.isZero()) document.labelAmount(u"용공회수액", slip->YDMoney);
-    document.rule(Document::Rule::Thin);
-    if (exchange) {
-        hostAmounts(document, exchange->reply);
-    } else {
-        document.labelAmount(u"거래금액 : ", slip->CardMoney);
-    }
-    transactionNumberLine(document, slip->BANKTRANNO);
-    if (exchange) exchangeLines(document, *exchange);
-    document.rule(Document::Rule::Double);
-    closingBlock(document);
-    return document;
+    return slip ? std::optional(cardReceipt(*slip, exchange, reprint)) : std::nullopt;
 }
 
 Document hostReceipt(QStringView date, QStringView userId, const CardExchange& exchange) {
-    Document document(u"카 드 영 수 증");
-    document.centred(u"* 재발행 *");
-    document.rule(Document::Rule::Double);
-    slipBlock(document, date, {}, {}, salesman(userId));
-    document.rule(Document::Rule::Thin);
-    sellerBlock(document);
-    document.rule(Document::Rule::Thin);
-    particulars(document, receiptCustomer({}));
-    document.rule(Document::Rule::Double);
+    Document document = slipDocument(u"카 드 영 수 증", std::nullopt, true,
+                                     {date, {}, {}, salesman(userId), receiptCustomer({})});
     hostAmounts(document, exchange.reply);
     transactionNumberLine(document, exchange.reply.transactionNumber);
     exchangeLines(document, exchange);
-    document.rule(Document::Rule::Double);
     closingBlock(document);
     return document;
 }

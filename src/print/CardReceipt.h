@@ -4,21 +4,15 @@
 #include <QStringView>
 #include <optional>
 
+#include "app/CollectionSlip.h"
 #include "app/Transaction.h"
 #include "print/Document.h"
+#include "print/SlipBlocks.h"
 
 namespace print {
 
-/// The customer as a receipt names him.
-struct ReceiptCustomer {
-    QString name;
-    QString number;  ///< Business registration number.
-    QString owner;
-    QString address;
-};
-
-/// From GARAE; texts of X where the customer is not found.
-ReceiptCustomer receiptCustomer(QStringView gCode);
+/// The customer as a receipt names him, from GARAE; texts of X where he is not found.
+Party receiptCustomer(QStringView gCode);
 
 /// What a receipt shows of the exchange beside the slip's row.
 struct CardExchange {
@@ -26,10 +20,14 @@ struct CardExchange {
     QString maskedCardNumber;  ///< As maskedCardNumber gives it, never the whole number; no line when empty.
 };
 
-/// The card receipt of a simple payment. With an exchange it is that of the reply's transaction number, and
-/// 거래금액, 수수료액, 입금금액 and 거래잔액 are the reply's; without one, as for a reprint, the amount
-/// charged is all that is known of them. Nothing when there is no such row "단순결제" of that date, number
-/// and user.
+/// The card receipt of a simple payment: what it came to (합계), what was charged (결제금액), and 거래금액,
+/// 수수료액, 입금금액 and 거래잔액 as the exchange's reply has them; without an exchange, as for a reprint,
+/// the amount charged is all that is known of them.
+Document cardReceipt(const app::CollectionSlip& slip, const std::optional<CardExchange>& exchange,
+                     bool reprint);
+
+/// The same of a saved payment, with an exchange that of the reply's transaction number. Nothing when there
+/// is no such row "단순결제" of that date, number and user.
 std::optional<Document> cardReceipt(QStringView date, QStringView junNo, QStringView userId,
                                     const std::optional<CardExchange>& exchange, bool reprint);
 

@@ -36,15 +36,9 @@ std::optional<Document> collectionSlip(QStringView date, QStringView junNo, QStr
     const std::optional<app::CollectionSlip> slip = app::loadCollection(date, junNo, userId);
     if (!slip) return std::nullopt;
 
-    Document document(u"입  금  표");
-    copyBlock(document, copy, reprint);
-    document.rule(Document::Rule::Double);
-    slipBlock(document, date, slip->DTime, junNo, salesman(userId));
-    document.rule(Document::Rule::Thin);
-    sellerBlock(document);
-    document.rule(Document::Rule::Thin);
-    customerBlock(document, slip->GCode, slip->GName);
-    document.rule(Document::Rule::Double);
+    Document document =
+        slipDocument(u"입  금  표", copy, reprint,
+                     {date, slip->DTime, junNo, salesman(userId), customer(slip->GCode, slip->GName)});
     if (slip->Gubun != app::kCollectionAlone || !slip->MMoney.isZero() || !slip->YGMoney.isZero()) {
         amountLine(document, u"공급가액", slip->PMoney);
         amountLine(document, u"부가세액", slip->BMoney);
@@ -54,7 +48,6 @@ std::optional<Document> collectionSlip(QStringView date, QStringView junNo, QStr
         document.rule(Document::Rule::Thin);
     }
     paymentBlock(document, *slip);
-    document.rule(Document::Rule::Double);
     closingBlock(document);
     return document;
 }

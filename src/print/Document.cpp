@@ -38,9 +38,13 @@ void Document::labelText(QStringView label, QStringView text) {
     }
 }
 
-void Document::labelAmount(QStringView label, platform::Won amount, QStringView unit) {
+void Document::labelFigure(QStringView label, QStringView figure, QStringView unit) {
     const int width = kColumns - displayWidth(label) - displayWidth(unit);
-    line(QString(label % PadLeft(platform::formatWon(amount), width) % unit));
+    line(QString(label % PadLeft(figure, width) % unit));
+}
+
+void Document::labelAmount(QStringView label, platform::Won amount, QStringView unit) {
+    labelFigure(label, platform::formatWon(amount), unit);
 }
 
 void Document::row(std::initializer_list<Cell> cells) {
@@ -60,7 +64,7 @@ void Document::itemName(QStringView name, QStringView size) {
 
 void Document::signature(QStringView label) {
     blank();
-    line(QString(label % u':' % PadLeft(u"(인)", kColumns - displayWidth(label) - 1)));
+    labelFigure(QString(label % u':'), {}, u"(인)");
     blank();
 }
 

@@ -3,16 +3,12 @@
 #include <QStringBuilder>
 
 #include "platform/Won.h"
-#include "print/Layout.h"
 
 namespace print {
 namespace {
 
-constexpr int kValueColumns = 18;
-
-QString value(const QString& field) {
-    const QString number = platform::formatWon(platform::parseWon(field));
-    return PadLeft(platform::groupDigits(number), kValueColumns);
+QString grouped(const QString& field) {
+    return platform::groupDigits(platform::formatWon(platform::parseWon(field)));
 }
 
 }  // namespace
@@ -23,7 +19,7 @@ Document hostSummarySlip(const HostSummary& summary, QStringView salesman, QStri
     document.line(QString(u"영업사원: " % salesman));
     document.line(QString(u"작업일자: " % workDate));
     document.rule(Document::Rule::Thin);
-    document.line(QString(u"이 체 횟 수:" % value(summary.transferCount) % u"회"));
+    document.labelFigure(u"이 체 횟 수:", grouped(summary.transferCount), u"회");
     const struct {
         QStringView label;
         const QString& field;
@@ -31,9 +27,9 @@ Document hostSummarySlip(const HostSummary& summary, QStringView salesman, QStri
                    {u"보 증 금 액:", summary.deposit},     {u"회 수 금 액:", summary.collected},
                    {u"거 래 금 액:", summary.transaction}, {u"수 수 료 액:", summary.fee},
                    {u"입 금 금 액:", summary.deposited}};
-    for (const auto& [label, field] : amounts) document.line(QString(label % value(field) % u"원"));
+    for (const auto& [label, field] : amounts) document.labelFigure(label, grouped(field), u"원");
     document.rule(Document::Rule::Thin);
-    document.line(u"담당확인:                     인");
+    document.labelFigure(u"담당확인:", {}, u"인");
     return document;
 }
 

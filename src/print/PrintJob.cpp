@@ -16,7 +16,6 @@ PrintJob::PrintJob() {
 }
 
 PrintJob::~PrintJob() {
-    PrinterFeed(2);
     DeviceClose();
 }
 
@@ -30,10 +29,22 @@ void PrintJob::line(QStringView line) {
     PrinterPrint(line);
 }
 
-void printDocument(const Document& document) {
+void PrintJob::feed() {
+    PrinterFeed(2);
+}
+
+void printDocuments(std::span<const Document> documents) {
+    if (documents.empty()) return;
     PrintJob job;
-    job.title(document.title());
-    for (const QString& line : document.lines()) job.line(line);
+    for (const Document& document : documents) {
+        job.title(document.title());
+        for (const QString& line : document.lines()) job.line(line);
+        job.feed();
+    }
+}
+
+void printDocument(const Document& document) {
+    printDocuments({&document, 1});
 }
 
 }  // namespace print

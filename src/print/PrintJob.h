@@ -1,12 +1,13 @@
 #pragma once
 
 #include <QStringView>
+#include <span>
 
 #include "print/Document.h"
 
 namespace print {
 
-/// One job on the printer: opens and initialises the device, and at the end feeds two lines and closes it.
+/// One job on the printer: opens and initialises the device, and closes it at the end.
 /// Only one exists at a time. There is no error: what the printer answers is not looked at.
 class PrintJob {
   public:
@@ -18,7 +19,12 @@ class PrintJob {
     /// Prints the line, which carries its line end, enlarged; what follows is in the normal size again.
     void title(QStringView line);
     void line(QStringView line);
+    /// Feeds two lines, the end of a document.
+    void feed();
 };
+
+/// Prints the documents one after another as one job; without one nothing is opened.
+void printDocuments(std::span<const Document> documents);
 
 /// Prints the document as one job.
 void printDocument(const Document& document);

@@ -55,15 +55,8 @@ std::optional<Document> salesInvoice(QStringView date, QStringView junNo, QStrin
     const Line& first = lines.first();
     const Salesman user = salesman(userId);
 
-    Document document(u"거 래 명 세 서");
-    copyBlock(document, copy, reprint);
-    document.rule(Document::Rule::Double);
-    slipBlock(document, date, first.time, junNo, user);
-    document.rule(Document::Rule::Thin);
-    sellerBlock(document);
-    document.rule(Document::Rule::Thin);
-    customerBlock(document, first.gCode, first.gName);
-    document.rule(Document::Rule::Double);
+    Document document = slipDocument(u"거 래 명 세 서", copy, reprint,
+                                     {date, first.time, junNo, user, customer(first.gCode, first.gName)});
     document.itemName(u"품목", u"규격");
     document.row({number(u"상자", 5), number(u"본", 5), number(u"공급가액", 12), number(u"세액", 10)});
     document.rule(Document::Rule::Thin);
@@ -96,7 +89,6 @@ std::optional<Document> salesInvoice(QStringView date, QStringView junNo, QStrin
     } else {
         document.labelAmount(u"전미수", app::receivable(first.gCode));
     }
-    document.rule(Document::Rule::Double);
     closingBlock(document);
     return document;
 }

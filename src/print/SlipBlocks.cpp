@@ -30,47 +30,47 @@ Config config() {
     return config;
 }
 
-}  // namespace
-
-void copyBlock(Document& document, Copy copy, bool reprint) {
-    document.centred(copy == Copy::Seller ? u"(공급자 보관용)" : u"(공급받는자 보관용)");
-    if (reprint) document.centred(u"* 재발행 *");
+void partyBlock(Document& document, QStringView heading, const Party& party) {
+    document.line(heading);
+    document.labelText(u"상호", party.name);
+    document.labelText(u"사업자번호", party.number);
+    document.labelText(u"대표자", party.owner);
+    document.labelText(u"주소", party.address);
+    document.labelText(u"전화", party.tel);
 }
+
+}  // namespace
 
 Salesman salesman(QStringView userId) {
     const std::optional<QStringList> row = db::firstRow(kSelectUser(userId));
     return row ? Salesman{row->value(2), row->value(3), row->value(7)} : Salesman{};
 }
 
-void slipBlock(Document& document, QStringView date, QStringView time, QStringView junNo,
-               const Salesman& salesman) {
-    document.labelText(u"거래일시", QString(date % u' ' % time));
-    document.labelText(u"전표번호", junNo);
-    document.labelText(u"담당사원", QString(salesman.name % u' ' % salesman.tel));
+Party customer(QStringView gCode, QStringView gName) {
+    const QStringList row = db::firstRow(kSelectCustomer(gCode)).value_or(QStringList());
+    return {gName.toString(), row.value(0), row.value(1), row.value(2), row.value(3)};
 }
 
-void sellerBlock(Document& document) {
+Document slipDocument(QStringView title, std::optional<Copy> copy, bool reprint, const SlipHead& head) {
+    Document document(title);
+    if (copy) document.centred(*copy == Copy::Seller ? u"(공급자 보관용)" : u"(공급받는자 보관용)");
+    if (reprint) document.centred(u"* 재발행 *");
+    document.rule(Document::Rule::Double);
+    document.labelText(u"거래일시", QString(head.date % u' ' % head.time));
+    document.labelText(u"전표번호", head.junNo);
+    document.labelText(u"담당사원", QString(head.salesman.name % u' ' % head.salesman.tel));
+    document.rule(Document::Rule::Thin);
     const Config seller = config();
-    document.line(u"[공급자]");
-    document.labelText(u"상호", seller.sangho);
-    document.labelText(u"사업자번호", seller.sno);
-    document.labelText(u"대표자", seller.name);
-    document.labelText(u"주소", seller.juso);
-    document.labelText(u"전화", seller.tel);
+    partyBlock(document, u"[공급자]", {seller.sangho, seller.sno, seller.name, seller.juso, seller.tel});
+    document.rule(Document::Rule::Thin);
+    partyBlock(document, u"[공급받는자]", head.customer);
+    document.rule(Document::Rule::Double);
+    return document;
 }
 
-void customerBlock(Document& document, QStringView gCode, QStringView gName) {
-    const QStringList customer = db::firstRow(kSelectCustomer(gCode)).value_or(QStringList());
-    document.line(u"[공급받는자]");
-    document.labelText(u"상호", gName);
-    document.labelText(u"사업자번호", customer.value(0));
-    document.labelText(u"대표자", customer.value(1));
-    document.labelText(u"주소", customer.value(2));
-    document.labelText(u"전화", customer.value(3));
-}
-
-void closingBlock(Document& document) {
-    document.signature(u"인수자 서명");
+void closingBlock(Document& document, std::initializer_list<QStringView> signers) {
+    document.rule(Document::Rule::Double);
+    for (const QStringView signer : signers) document.signature(signer);
     document.centred(u"거래해 주셔서 감사합니다");
     const QString callCentre = config().calltel.trimmed();
     if (!callCentre.isEmpty()) document.centred(u"상담전화 "_s + callCentre);

@@ -1,10 +1,8 @@
 #pragma once
 
-#include <QSet>
-#include <optional>
+#include <span>
 
-#include "print/Document.h"
-#include "print/SlipBlocks.h"
+#include "print/SlipPapers.h"
 #include "ui/Screen.h"
 
 class QRadioButton;
@@ -19,17 +17,12 @@ class CSlipPrintDlg : public ui::Screen {
     CSlipPrintDlg();
 
   private:
-    void printInvoice();
-    void printCollection();
-    /// Prints the slip and says so under the buttons; says that there is none, and returns false, otherwise.
-    bool print(const QString& name, const std::optional<Document>& slip);
-    Copy chosenCopy() const;
+    /// Prints the chosen copy and says under the buttons what was printed, or in a message that there is
+    /// nothing.
+    void print(std::span<const app::Paper> papers);
 
     QRadioButton* buyer_ = nullptr;
-    bool wasPrinted_ = false;  ///< Before this visit to the menu.
-    // Copies printed from this menu.
-    QSet<Copy> printed_;
-    QSet<Copy> printedCollections_;
+    SlipPapers papers_;
 };
 
 }  // namespace print

@@ -3,6 +3,7 @@
 #include <array>
 
 #include "app/CollectionSlip.h"
+#include "app/PrintLog.h"
 #include "db/Query.h"
 #include "db/Statement.h"
 #include "db/Transaction.h"
@@ -51,6 +52,9 @@ SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo
         // A line with a quote in it is skipped; any other failure is the database's.
         if (!transaction.run(insert) && insert.isWellFormed()) return SaveOutcome::Failed;
     }
+    if (!app::forgetPrints(transaction, app::Paper::Invoice, workDate, junNo, userId)) {
+        return SaveOutcome::Failed;
+    }
     if (!transaction.commit()) return SaveOutcome::Failed;
     return lines.isEmpty() ? SaveOutcome::Empty : SaveOutcome::Saved;
 }
@@ -72,9 +76,14 @@ SlipList slipsOfDay(QStringView userId, QStringView workDate) {
 
 bool deleteSlip(QStringView workDate, QStringView junNo, bool alsoFollowers) {
     db::Transaction transaction;
-    if (!transaction.run(kDeleteSales(junNo, workDate))) return false;
-    const bool areFollowersGone = !alsoFollowers || (app::removeCollections(transaction, workDate, junNo) &&
-                                                     transaction.run(kDeleteContainers(junNo, workDate)));
+    if (!transaction.run(kDeleteSales(junNo, workDate)) ||
+        !app::forgetPrints(transaction, app::Paper::Invoice, workDate, junNo)) {
+        return false;
+    }
+    const bool areFollowersGone =
+        !alsoFollowers || (app::removeCollections(transaction, workDate, junNo) &&
+                           transaction.run(kDeleteContainers(junNo, workDate)) &&
+                           app::forgetPrints(transaction, app::Paper::ContainerReceipt, workDate, junNo));
     return areFollowersGone && transaction.commit();
 }
 

@@ -14,7 +14,6 @@
 #include "platform/termdev/CardReader.h"
 #include "print/PrintJob.h"
 #include "print/Printer.h"
-#include "print/SalesInvoice.h"
 #include "ui/Messages.h"
 #include "ui/ReportList.h"
 #include "ui/Terminal.h"
@@ -227,7 +226,14 @@ bool CCardDlg::recordApproval() {
         return app::recordApproval(record.slip.date, record.slip.junNo, record.slip.userId, number,
                                    sentTime_);
     }
+    return app::saveSimplePayment(simplePayment());
+}
+
+app::CollectionSlip CCardDlg::simplePayment() const {
+    const app::TransactionRecord& record = app::transactionRecord();
     app::CollectionSlip slip;
+    slip.Gubun = app::kSimplePaymentSlip.toString();
+    slip.DTime = platform::clock::now().toString(u"HH:mm"_s);
     slip.DDate = record.slip.date;
     slip.GCode = record.slip.gCode;
     slip.GName = app::session().action.GName;
@@ -235,13 +241,16 @@ bool CCardDlg::recordApproval() {
     slip.UserID = record.slip.userId;
     slip.setAmounts(record.amounts, {});
     slip.MSGSENDTIME = sentTime_;
-    slip.BANKTRANNO = number;
-    return app::saveSimplePayment(slip);
+    slip.BANKTRANNO = record.reply.transactionNumber;
+    return slip;
 }
 
 void CCardDlg::paymentApproved() {
     isApproved_ = true;
     ReaderEnable(false);
+    // Looked up before the approval makes the slip "결제", which would pass for printed.
+    const app::SlipIdentity& slip = app::transactionRecord().slip;
+    const print::SlipPapers papers(slip.date, slip.junNo, slip.userId);
     // The approval is on disk before anything prints.
     if (!recordApproval()) {
         const QString number = app::transactionRecord().reply.transactionNumber;
@@ -249,30 +258,32 @@ void CCardDlg::paymentApproved() {
         ui::message(u"승인되었으나 전표에 저장하지 못했습니다..! 거래번호 : %1"_s.arg(number));
     }
     if (isVisit()) {
-        printCopies();
-    } else if (const auto receipt = cardReceipt()) {
-        print::printDocument(*receipt);
+        printCopies(papers);
+    } else {
+        // The card was charged: who pays has a receipt also where the payment could not be saved.
+        const auto saved = cardReceipt();
+        print::printDocument(saved ? *saved : print::cardReceipt(simplePayment(), exchange(), false));
     }
 }
 
-void CCardDlg::printCopies() {
-    printSlip(1, print::Copy::Seller);
+void CCardDlg::printCopies(print::SlipPapers papers) {
+    if (!printSlip(papers, 1, app::Copy::Seller)) return;
     if (ui::askYesNo(u"구매자용 명세서를 출력할까요?"_s, u"구매자용 명세서출력"_s)) {
-        printSlip(2, print::Copy::Buyer);
+        printSlip(papers, 2, app::Copy::Buyer);
     }
 }
 
-void CCardDlg::printSlip(int selector, print::Copy copy) {
-    app::TransactionRecord& record = app::transactionRecord();
-    record.printSelector = selector;
-    const bool isReprint = app::session().WorkMode == app::kPreviousTransaction;
-    auto slip = print::salesInvoice(record.slip.date, record.slip.junNo, record.slip.userId, copy, isReprint);
-    if (!slip && isReprint) {
-        slip = cardReceipt();
-        // The terminal may have lost the slip; the paper then has what the host knows.
-        if (!slip) slip = print::hostReceipt(app::session().WorkDate, app::session().UserID, exchange());
-    }
-    if (slip) print::printDocument(*slip);
+bool CCardDlg::printSlip(print::SlipPapers& papers, int selector, app::Copy copy) {
+    app::transactionRecord().printSelector = selector;
+    const auto print = [&](app::Paper paper) { return !papers.print({&paper, 1}, copy).isEmpty(); };
+    if (print(app::Paper::Invoice)) return true;
+    // Money that was taken without a sale has the collection slip for its paper.
+    if (app::session().WorkMode != app::kPreviousTransaction) return print(app::Paper::CollectionSlip);
+    const auto receipt = cardReceipt();
+    // The terminal may have lost the slip; the paper then has what the host knows.
+    print::printDocument(
+        receipt ? *receipt : print::hostReceipt(app::session().WorkDate, app::session().UserID, exchange()));
+    return true;
 }
 
 print::CardExchange CCardDlg::exchange() const {
@@ -311,7 +322,9 @@ void CCardDlg::reprintPrevious() {
         record.amounts.previousReceivable = app::receivable(slip->GCode);
     }
     loadCustomer();
-    printCopies();
+    print::SlipPapers papers(record.slip.date, record.slip.junNo, record.slip.userId);
+    papers.markAllReprints();
+    printCopies(papers);
 }
 
 void CCardDlg::goBack() {

@@ -2,9 +2,10 @@
 
 #include <optional>
 
+#include "app/CollectionSlip.h"
 #include "app/Transaction.h"
 #include "print/CardReceipt.h"
-#include "print/SlipBlocks.h"
+#include "print/SlipPapers.h"
 #include "ui/Screen.h"
 #include "van/ExchangeLog.h"
 #include "van/HostRequest.h"
@@ -36,11 +37,13 @@ class CCardDlg : public ui::Screen {
     void paymentApproved();
     void showBalance();
     void reprintPrevious();
-    /// The seller's copy, then the question for the buyer's.
-    void printCopies();
-    void printSlip(int selector, print::Copy copy);
+    /// The seller's copy, then the question for the buyer's, unless there is nothing to print.
+    void printCopies(print::SlipPapers papers);
+    bool printSlip(print::SlipPapers& papers, int selector, app::Copy copy);
     print::CardExchange exchange() const;
     std::optional<print::Document> cardReceipt() const;
+    /// The slip of a simple payment as its approval makes it.
+    app::CollectionSlip simplePayment() const;
     bool recordApproval();
     void goBack();
     void finish();

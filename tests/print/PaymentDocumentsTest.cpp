@@ -128,10 +128,7 @@ TEST_F(PaymentDocuments, ReceiptIsThatOfItsTransaction) {
     EXPECT_EQ(receipt(u"5001", u"20240510000123"_s), QString()) << "no simple payment";
 }
 
-TEST_F(PaymentDocuments, WithoutARowNothingPrints) {
-    EXPECT_FALSE(print::collectionSlip(kDate, u"5002", u"A", Copy::Seller, false));
-    EXPECT_FALSE(print::collectionSlip(kDate, u"5001", u"B", Copy::Seller, false));
-    EXPECT_FALSE(print::collectionSlip(u"2024-05-11", u"5001", u"A", Copy::Seller, false));
+TEST_F(PaymentDocuments, InvoiceKeepsToItsCustomer) {
     // Another customer's collection under the slip's number is none of the invoice's business.
     device_.execute(u"UPDATE MTMOK SET GCode = '0002'"_s);
     const QString invoice = text(print::salesInvoice(kDate, u"5001", u"A", Copy::Seller, false));

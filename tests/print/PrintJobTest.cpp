@@ -38,7 +38,9 @@ TEST(PrintJob, KeepsTheOrderOfOperationsWhateverThePrinterAnswers) {
     document.line(u"첫째");
     document.rule(print::Document::Rule::Thin);
     document.blank();
-    print::printDocument(document);
+    const print::Document documents[] = {document, print::Document(u"다 음")};
+    print::printDocuments(documents);
+    print::printDocuments({});
     platform::termdev::setPrinter(nullptr);
     const QStringList expected{u"open"_s,
                                u"initialise"_s,
@@ -48,6 +50,10 @@ TEST(PrintJob, KeepsTheOrderOfOperationsWhateverThePrinterAnswers) {
                                u"print 첫째\n"_s,
                                u"print --------------------------------\n"_s,
                                u"print \n"_s,
+                               u"feed 2"_s,
+                               u"size 4"_s,
+                               u"print      다 음\n"_s,
+                               u"size 0"_s,
                                u"feed 2"_s,
                                u"close"_s};
     EXPECT_EQ(asked.join(u'|').toStdString(), expected.join(u'|').toStdString());

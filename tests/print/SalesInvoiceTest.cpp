@@ -3,12 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "app/CollectionSlip.h"
-#include "platform/CodePage.h"
 #include "platform/termdev/PaperRoll.h"
 #include "platform/termdev/TermDev.h"
-#include "print/Layout.h"
 #include "print/PrintJob.h"
-#include "print/PrintState.h"
 #include "support/Approved.h"
 #include "support/TestDevice.h"
 
@@ -106,27 +103,6 @@ TEST_F(SalesInvoice, RoundedReprintWithoutParticularsLooksAsApproved) {
                          u"print/approved/invoice-rounded-reprint.txt"_s);
 }
 
-TEST_F(SalesInvoice, FitsThePaperAndThePrintersCodePage) {
-    const auto document = print::salesInvoice(kDate, u"5001", u"A", Copy::Seller, true);
-    ASSERT_TRUE(document);
-    EXPECT_TRUE(platform::codepage::encode(document->text()));
-    for (const QString& line : document->lines()) {
-        EXPECT_LE(print::displayWidth(line), print::kColumns + 1) << line.toStdString();
-    }
-}
-
-TEST_F(SalesInvoice, WithoutLinesNothingPrints) {
-    struct Case {
-        QStringView date, junNo, user;
-    };
-    for (const Case& entry : {Case{kDate, u"5003", u"A"}, Case{kDate, u"5001", u"B"},
-                              Case{u"2024-05-11", u"5001", u"A"}, Case{kDate, u"5'01", u"A"}}) {
-        EXPECT_FALSE(print::salesInvoice(entry.date, entry.junNo, entry.user, Copy::Seller, false));
-    }
-    paper(u"5003", Copy::Seller, false);
-    EXPECT_TRUE(platform::termdev::rollText().isEmpty());
-}
-
 TEST_F(SalesInvoice, PreviousReceivableLeavesTheSlipsOwnCollectionOut) {
     const auto previous = [] { return app::previousReceivable(u"0001", kDate, u"5001", u"A").value(); };
     EXPECT_EQ(previous(), 350000);
@@ -143,30 +119,6 @@ TEST_F(SalesInvoice, PreviousReceivableLeavesTheSlipsOwnCollectionOut) {
     device_.execute(u"UPDATE GARAE SET CJMONEY = '402656'"_s);
     EXPECT_EQ(previous(), 350000);
     EXPECT_EQ(app::previousReceivable(u"9999", kDate, u"5009", u"A").value(), 0);
-}
-
-TEST_F(SalesInvoice, PrintStateMovesFromUnprintedOnly) {
-    addLine(u"5004", u"1001", u"참이슬후레쉬", u"1", u"0", u"1", u"1", u"1", u"1");
-    addLine(u"5001", u"1001", u"참이슬후레쉬", u"1", u"0", u"1", u"1", u"1", u"1", u"B");
-    const auto states = [&](QStringView junNo) {
-        QStringList found;
-        for (const QStringList& row :
-             device_.rows(u"SELECT DISTINCT UserID || WorkGubun FROM MTM WHERE JunNo = '%1' ORDER BY 1"_s.arg(
-                 junNo))) {
-            found << row;
-        }
-        return found.join(u' ');
-    };
-    EXPECT_FALSE(print::isPrinted(kDate, u"5001", u"A"));
-    print::markPrinted(kDate, u"5001", u"A");
-    EXPECT_TRUE(print::isPrinted(kDate, u"5001", u"A"));
-    EXPECT_EQ(states(u"5001").toStdString(), "A발행 B미발행");
-
-    device_.execute(u"UPDATE MTM SET WorkGubun = '결제' WHERE JunNo = '5004'"_s);
-    EXPECT_TRUE(print::isPrinted(kDate, u"5004", u"A"));
-    print::markPrinted(kDate, u"5004", u"A");
-    EXPECT_EQ(states(u"5004").toStdString(), "A결제");
-    EXPECT_FALSE(print::isPrinted(kDate, u"5099", u"A"));
 }
 
 }  // namespace

@@ -108,12 +108,17 @@ TEST_F(CommandsTest, PrintsWhatWasPaid) {
         u"INSERT INTO MTMOK (DDate, Gubun, GName, JunNo, UserID, CardMoney, BANKTRANNO) VALUES"
         "('2024-03-29', '매출', '가람', '5001', 'A', '1000', 'T1'),"
         "('2024-03-29', '단순결제', '나루', '7001', 'B', '2000', 'T2')"_s);
+    execute(u"INSERT INTO YTM (DDate, JunNo, UserID, NBox) VALUES ('2024-03-29', '5001', 'A', '31')"_s);
+    execute(
+        u"INSERT INTO PRINTLOG VALUES ('2024-03-29', '5001', 'A', '용공인수증', '공급자용', '2024-03-29 09:05:00')"_s);
     const struct {
         QString document, number;
         int exitCode;
         QString printed;
     } cases[] = {
         {u"collection"_s, u"5001"_s, admin::kSuccess, u"거래번호 : T1\n"_s},
+        {u"container"_s, u"5001"_s, admin::kSuccess, u"재발행"_s},
+        {u"container"_s, u"7001"_s, admin::kFailure, {}},
         {u"collection"_s, u"5002"_s, admin::kFailure, {}},
         {u"card"_s, u"7001"_s, admin::kSuccess, u"거래번호 : T2\n"_s},
         {u"card"_s, u"5001"_s, admin::kFailure, {}},

@@ -3,9 +3,7 @@
 
 #include "db/Query.h"
 #include "print/CardReceipt.h"
-#include "print/CollectionSlip.h"
-#include "print/PrintState.h"
-#include "print/SalesInvoice.h"
+#include "print/SlipPapers.h"
 #include "rovanactl/Command.h"
 
 namespace admin {
@@ -17,36 +15,43 @@ constexpr db::Statement<
     u"SELECT DISTINCT UserID FROM MTM WHERE DDate = '%s' AND JunNo = '%s' ORDER BY UserID">
     kSellers;
 constexpr db::Statement<
+    u"SELECT DISTINCT UserID FROM YTM WHERE DDate = '%s' AND JunNo = '%s' ORDER BY UserID">
+    kReturners;
+constexpr db::Statement<
     u"SELECT DISTINCT UserID FROM MTMOK WHERE DDate = '%s' AND JunNo = '%s' ORDER BY UserID">
     kCollectors;
-
-using Print = std::optional<print::Document> (*)(QStringView date, QStringView number, QStringView user,
-                                                 print::Copy copy);
 
 /// A document by the word that asks for it.
 struct Printable {
     QStringView word;
     QStringView slip;  ///< What it is made of, for the message that there is none.
     db::Sql (*users)(QStringView date, QStringView number);
-    Print print;
+    std::optional<app::Paper> paper;  ///< Nothing for the receipt of a simple payment, always a reprint.
 };
 
+db::Sql sellers(QStringView date, QStringView number) {
+    return kSellers(date, number);
+}
+db::Sql returners(QStringView date, QStringView number) {
+    return kReturners(date, number);
+}
+db::Sql collectors(QStringView date, QStringView number) {
+    return kCollectors(date, number);
+}
+
 constexpr Printable kPrintables[] = {
-    {u"sale", u"sales slip", [](QStringView date, QStringView number) { return kSellers(date, number); },
-     [](QStringView date, QStringView number, QStringView user, print::Copy copy) {
-         return print::salesInvoice(date, number, user, copy, print::isPrinted(date, number, user));
-     }},
-    {u"collection", u"collection slip",
-     [](QStringView date, QStringView number) { return kCollectors(date, number); },
-     [](QStringView date, QStringView number, QStringView user, print::Copy copy) {
-         return print::collectionSlip(date, number, user, copy, true);
-     }},
-    {u"card", u"simple payment",
-     [](QStringView date, QStringView number) { return kCollectors(date, number); },
-     [](QStringView date, QStringView number, QStringView user, print::Copy) {
-         return print::cardReceipt(date, number, user, std::nullopt, true);
-     }},
+    {u"sale", u"sales slip", sellers, app::Paper::Invoice},
+    {u"container", u"container slip", returners, app::Paper::ContainerReceipt},
+    {u"collection", u"collection slip", collectors, app::Paper::CollectionSlip},
+    {u"card", u"simple payment", collectors, std::nullopt},
 };
+
+std::optional<print::Document> compose(const Printable& printable, const QString& date, const QString& number,
+                                       const QString& user, app::Copy copy) {
+    if (!printable.paper) return print::cardReceipt(date, number, user, std::nullopt, true);
+    const bool isReprint = print::isReprint(*printable.paper, copy, date, number, user);
+    return print::slipPaper(*printable.paper, date, number, user, copy, isReprint);
+}
 
 void addPrintOptions(QCommandLineParser& parser) {
     parser.addOption({u"date"_s, u"The day of the slip, today without it."_s, u"yyyy-MM-dd"_s});
@@ -58,15 +63,15 @@ Outcome printSlip(const Invocation& call) {
     const auto printable = std::ranges::find(kPrintables, QStringView(call.arguments[0]), &Printable::word);
     if (printable == std::end(kPrintables)) {
         return usageError(
-            u"there is no document \"%1\"; print makes \"sale\", \"collection\" and \"card\""_s.arg(
-                call.arguments[0]));
+            u"there is no document \"%1\"; print makes \"sale\", \"container\", \"collection\" and \"card\""_s
+                .arg(call.arguments[0]));
     }
     const QString& number = call.arguments[1];
     const std::optional<QString> date = dateOption(call.options, u"date"_s);
     if (!date) return usageError(u"--date takes a date such as 2024-03-31"_s);
     const QString copy = call.options.isSet(u"copy"_s) ? call.options.value(u"copy"_s) : u"seller"_s;
     if (copy != u"seller" && copy != u"buyer") return usageError(u"--copy takes seller or buyer"_s);
-    for (const QStringView table : {u"MTM", u"PUMMOK", u"GARAE", u"PDAUSER", u"config", u"MTMOK"}) {
+    for (const QStringView table : {u"MTM", u"PUMMOK", u"GARAE", u"PDAUSER", u"config", u"MTMOK", u"YTM"}) {
         if (Outcome missing = requireTable(table); missing.exitCode != kSuccess) return missing;
     }
 
@@ -81,10 +86,9 @@ Outcome printSlip(const Invocation& call) {
         return usageError(u"the users %1 each have a slip %2 on %3; choose one with --user"_s.arg(
             users.join(u", "_s), number, *date));
     }
-    const auto document = users.isEmpty()
-                              ? std::nullopt
-                              : printable->print(*date, number, users.first(),
-                                                 copy == u"buyer" ? print::Copy::Buyer : print::Copy::Seller);
+    const auto document = users.isEmpty() ? std::nullopt
+                                          : compose(*printable, *date, number, users.first(),
+                                                    copy == u"buyer" ? app::Copy::Buyer : app::Copy::Seller);
     if (!document) {
         return failure(u"there is no %1 %2 on %3"_s.arg(printable->slip, number, *date) +
                        (printable == std::begin(kPrintables)
@@ -99,10 +103,12 @@ Outcome printSlip(const Invocation& call) {
 
 constinit const Command kPrintCommand{
     u"print",
-    u"sale|collection|card JUNNO",
+    u"sale|container|collection|card JUNNO",
     u"writes a slip's document as text",
-    u"The sales invoice, the collection slip or the receipt of a simple payment as the terminal's 32-column "
-    u"paper has it, the last two marked as reprints. The slip's print state stays.",
+    u"The sales invoice, the container receipt, the collection slip or the receipt of a simple payment as "
+    u"the "
+    u"terminal's 32-column paper has it, marked where that copy has been printed before, the last always. It "
+    u"does not count as a print.",
     2,
     2,
     addPrintOptions,

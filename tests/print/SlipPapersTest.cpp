@@ -1,0 +1,160 @@
+#include "print/SlipPapers.h"
+
+#include <gtest/gtest.h>
+
+#include "app/CollectionSlip.h"
+#include "platform/CodePage.h"
+#include "platform/termdev/PaperRoll.h"
+#include "platform/termdev/TermDev.h"
+#include "print/Layout.h"
+#include "sales/SlipStore.h"
+#include "support/Approved.h"
+#include "support/TestDevice.h"
+
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using app::Copy;
+using app::Paper;
+
+constexpr QStringView kDate = u"2024-05-10";
+
+class SlipPapers : public testing::Test {
+  protected:
+    SlipPapers() {
+        platform::termdev::setPrinter(nullptr);
+        device_.insert(u"config", {{u"sangho", u"똠방각하와 쀍쀍한 친구들 종합주류 주식회사"},
+                                   {u"sno", u"123-81-45678"},
+                                   {u"juso", u"경기도 성남시 분당구 판교역로 235 로바나빌딩"}});
+        device_.insert(u"GARAE", {{u"GCODE", u"0001"}, {u"CJMONEY", u"123456789012"}});
+    }
+
+    /// Slip 5001 of the user: names of every length around the paper's 32 columns, and one figure everywhere.
+    void addSlip(const QString& user, int lines, const QString& count, const QString& won) {
+        const QString statements =
+            uR"(
+            DELETE FROM PUMMOK;
+            INSERT INTO PUMMOK (Pcode, Pname, Size, BoxBonEa, TTT)
+                WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < $lines)
+                SELECT 1000 + i, '쀍' || substr('맥맥맥맥맥맥맥맥맥맥맥맥맥맥맥', 1, 5 + i / 2) || substr(' a', i % 2 * 9),
+                    '640ml', '20', 'Y' FROM n;
+            INSERT INTO MTM SELECT '2024-05-10', '매출', '0001', '펲시똠방각하쀍노래주점 강남역11번출구점', '5001',
+                '미발행', Pcode, Pname, '', $count, $count, $won, $won, $won, $won, '$user', '' FROM PUMMOK;
+            INSERT INTO YTM SELECT DDate, GCode, GName, JunNo, PCode, PName, $count, $count, $count, $won, $won,
+                $won, $won, UserID FROM MTM WHERE UserID = '$user';
+            INSERT INTO MTMOK SELECT DISTINCT DDate, Gubun, GCode, GName, JunNo, '', UserID, $won, $won, 0, 0, $won,
+                $won, $won, $won, $won, $won, $won, $won, 0, '', 'T1' FROM MTM WHERE UserID = '$user')"_s;
+        for (QString statement : statements.split(u';')) {
+            statement.replace(u"$lines"_s, QString::number(lines)).replace(u"$count"_s, count);
+            device_.execute(statement.replace(u"$won"_s, won).replace(u"$user"_s, user));
+        }
+    }
+
+    /// The copies that are reprints, such as "거래명세서공급자용".
+    static QString reprints(QStringView user = u"A") {
+        QStringList found;
+        for (const Paper paper : app::kPapers) {
+            for (const Copy copy : {Copy::Seller, Copy::Buyer}) {
+                if (!print::isReprint(paper, copy, kDate, u"5001", user)) continue;
+                found << app::paperName(paper).toString() + app::copyName(copy).toString();
+            }
+        }
+        return found.join(u' ');
+    }
+
+    QString states() {
+        return device_.value(
+            u"SELECT group_concat(s, ' ') FROM (SELECT DISTINCT UserID || WorkGubun AS s FROM MTM ORDER BY 1)"_s);
+    }
+
+    test::TestDevice device_;
+};
+
+TEST_F(SlipPapers, OddOnesLookAsApproved) {
+    const struct {
+        QString user, file;
+        int lines;
+        QString count, amount;
+        bool areAmountsWide;
+    } slips[] = {{u"A"_s, u"odd-long"_s, 20, u"7"_s, u"12345"_s, false},
+                 {u"B"_s, u"odd-wide"_s, 2, u"123456789"_s, u"-123456789012345"_s, true}};
+    const QStringView names[] = {u"invoice", u"container", u"collection"};
+    for (const auto& slip : slips) {
+        addSlip(slip.user, slip.lines, slip.count, slip.amount);
+        for (const Paper paper : app::kPapers) {
+            const auto document =
+                print::slipPaper(paper, kDate, u"5001", slip.user, Copy::Buyer, slip.areAmountsWide);
+            ASSERT_TRUE(document);
+            EXPECT_TRUE(platform::codepage::encode(document->text()));
+            for (const QString& line : document->lines()) {
+                EXPECT_TRUE(slip.areAmountsWide || print::displayWidth(line) <= print::kColumns + 1)
+                    << line.toStdString();
+            }
+            const QString file = u"print/approved/%1-%2.txt"_s.arg(slip.file, names[int(paper)]);
+            test::expectApproved(document->text(), file);
+        }
+        for (const QString& table : {u"MTM"_s, u"YTM"_s, u"PUMMOK"_s})
+            device_.execute(u"DELETE FROM "_s + table);
+    }
+}
+
+TEST_F(SlipPapers, AreReprintsUntilTheirSlipChanges) {
+    addSlip(u"A"_s, 2, u"1"_s, u"1000"_s);
+    addSlip(u"B"_s, 1, u"1"_s, u"1000"_s);
+    EXPECT_EQ(reprints(), QString());
+    const auto printAll = [](Copy copy) {
+        return print::SlipPapers(kDate, u"5001", u"A").print(app::kPapers, copy).size();
+    };
+    EXPECT_EQ(printAll(Copy::Seller), 3);
+    EXPECT_EQ(reprints(), u"거래명세서공급자용 용공인수증공급자용 입금표공급자용"_s);
+    EXPECT_EQ(reprints(u"B"), QString());
+    EXPECT_EQ(states(), u"A발행 B미발행"_s);
+    EXPECT_EQ(printAll(Copy::Buyer), 3);
+
+    // Saved as it was, the collection slip stays printed; saved otherwise, it alone is a first print again.
+    auto collection = *app::loadCollection(kDate, u"5001", u"A");
+    ASSERT_TRUE(app::saveCollection(collection));
+    EXPECT_TRUE(reprints().endsWith(u"입금표공급자용 입금표공급받는자용"_s));
+    collection.WonMoney += platform::Won(1);
+    ASSERT_TRUE(app::saveCollection(collection));
+    EXPECT_EQ(reprints(),
+              u"거래명세서공급자용 거래명세서공급받는자용 용공인수증공급자용 용공인수증공급받는자용"_s);
+
+    // No print takes a slip back from "결제".
+    device_.execute(u"UPDATE MTM SET WorkGubun = '결제' WHERE UserID = 'A'"_s);
+    printAll(Copy::Seller);
+    EXPECT_EQ(states(), u"A결제 B미발행"_s);
+
+    device_.execute(u"INSERT INTO TEMP (PCode) VALUES ('1001')"_s);
+    ASSERT_EQ(sales::saveSlip(u"A", kDate, u"5001"), sales::SaveOutcome::Saved);
+    EXPECT_FALSE(reprints().contains(u"거래명세서"_s));
+    printAll(Copy::Seller);
+    print::SlipPapers(kDate, u"5001", u"B").print(app::kPapers, Copy::Seller);
+    ASSERT_TRUE(sales::deleteSlip(kDate, u"5001", true));
+    EXPECT_EQ(device_.value(u"SELECT COUNT(*) FROM PRINTLOG"_s), u"0"_s)
+        << "the other user's go with the slip";
+    platform::termdev::resetRoll();
+    EXPECT_EQ(printAll(Copy::Seller), 0);
+    EXPECT_TRUE(platform::termdev::rollText().isEmpty());
+}
+
+TEST_F(SlipPapers, PrintWithoutTheTableOfAnOlderTerminal) {
+    addSlip(u"A"_s, 1, u"1"_s, u"1000"_s);
+    device_.execute(u"DROP TABLE PRINTLOG"_s);
+    print::SlipPapers papers(kDate, u"5001", u"A");
+    for (const Copy copy : {Copy::Seller, Copy::Buyer, Copy::Seller}) {
+        EXPECT_EQ(platform::termdev::rollText().count(u"재발행"_s), 0);
+        platform::termdev::resetRoll();
+        EXPECT_EQ(papers.print(app::kPapers, copy).size(), 3);
+    }
+    EXPECT_EQ(platform::termdev::rollText().count(u"재발행"_s), 3) << "the third one repeats the first";
+    // Of what was printed another time the slip's state is all that is known.
+    EXPECT_EQ(reprints(), u"거래명세서공급자용 거래명세서공급받는자용"_s);
+    auto collection = *app::loadCollection(kDate, u"5001", u"A");
+    collection.WonMoney += platform::Won(1);
+    EXPECT_TRUE(app::saveCollection(collection));
+    EXPECT_TRUE(sales::deleteSlip(kDate, u"5001", true));
+    EXPECT_EQ(states(), QString());
+}
+
+}  // namespace
