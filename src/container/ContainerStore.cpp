@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "app/PrintLog.h"
 #include "db/Query.h"
 #include "db/Statement.h"
 #include "db/Transaction.h"
@@ -10,6 +11,10 @@ namespace container {
 namespace {
 
 constexpr db::Statement<u"DELETE YTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' "> kDeleteOwn;
+constexpr db::Statement<
+    u"SELECT DDate,GCode,GName,JunNo,PCode,PName,FBox,NBox,Bon,YMONEY,GMONEY,YSAMT,GSAMT FROM YTM "
+    u"WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' ORDER BY PCode">
+    kSavedLines;
 constexpr db::Statement<u" SELECT * FROM YTEMP "> kWorkingLines;
 constexpr db::Statement<
     u"INSERT INTO YTM (DDate,GCode,GName,JunNo,PCode,PName,FBox,NBox,Bon,YMONEY,GMONEY,YSAMT,GSAMT,UserID) "
@@ -27,6 +32,8 @@ constexpr int kWorkingColumns = 13;
 
 SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo) {
     db::Transaction transaction;
+    const auto saved = [&] { return db::selectRows(kSavedLines(workDate, junNo, userId), kWorkingColumns); };
+    const db::Rows before = saved();
     if (!transaction.run(kDeleteOwn(workDate, junNo, userId))) return SaveOutcome::Failed;
     const db::Rows lines = db::selectRows(kWorkingLines(), kWorkingColumns);
     if (!lines.isComplete) return SaveOutcome::Failed;
@@ -37,6 +44,11 @@ SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo
         const db::Sql insert = kInsert(values);
         // A line with a quote in it is skipped; any other failure is the database's.
         if (!transaction.run(insert) && insert.isWellFormed()) return SaveOutcome::Failed;
+    }
+    // A slip that is saved as it was need not be printed again.
+    if (saved().cells != before.cells &&
+        !app::forgetPrints(transaction, app::Paper::ContainerReceipt, workDate, junNo, userId)) {
+        return SaveOutcome::Failed;
     }
     if (!transaction.commit()) return SaveOutcome::Failed;
     return lines.isEmpty() ? SaveOutcome::Empty : SaveOutcome::Saved;
@@ -56,7 +68,10 @@ db::Rows slipsOfDay(QStringView userId, QStringView workDate) {
 }
 
 void deleteSlip(QStringView workDate, QStringView junNo) {
-    db::execute(kDeleteAll(junNo, workDate));
+    db::Transaction transaction;
+    const bool isDeleted = transaction.run(kDeleteAll(junNo, workDate)) &&
+                           app::forgetPrints(transaction, app::Paper::ContainerReceipt, workDate, junNo);
+    if (isDeleted) transaction.commit();
 }
 
 CustomerAccount customerAccount(QStringView gCode) {

@@ -16,7 +16,7 @@ enum class SaveOutcome {
 };
 
 /// Replaces the user's saved slip by the working slip; another user's of the same number stays. The slip is
-/// saved whole or not at all.
+/// saved whole or not at all; the prints of a receipt that changes are forgotten.
 SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo);
 
 /// The user's slips of the day, highest number first, one row for each: slip number, customer name, customer
