@@ -75,11 +75,6 @@ TEST(Layout, WrapsAtBlanksAndNeverBeyondTheWidth) {
     }
 }
 
-TEST(Layout, RulesAreThePaperWide) {
-    EXPECT_EQ(print::kThinRule, QString(32, u'-') + u'\n');
-    EXPECT_EQ(print::kDoubleRule, QString(32, u'=') + u'\n');
-}
-
 TEST(Layout, BlocksFillThePaper) {
     print::Document document(u"제목");
     EXPECT_EQ(document.title(), u"      제목\n"_s) << "centred in the 16 columns of the enlarged size";

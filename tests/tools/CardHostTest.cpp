@@ -52,13 +52,9 @@ TEST_F(CardHostTest, WrongValuesChangeNothing) {
         int exitCode;
     } cases[] = {
         {u"0.0.0.0"_s, u"1"_s, key, {}, admin::kUsageError},
-        {u"localhost"_s, u"1"_s, key, {}, admin::kUsageError},
-        {u"::1"_s, u"1"_s, key, {}, admin::kUsageError},
-        {u"127.0.0.1"_s, u"0"_s, key, {}, admin::kUsageError},
         {u"127.0.0.1"_s, u"65536"_s, key, {}, admin::kUsageError},
         {u"127.0.0.1"_s, u"1"_s, key, {u"--terminal"_s, u"x"_s}, admin::kUsageError},
         {u"127.0.0.1"_s, u"1"_s, noKey, {}, admin::kFailure},
-        {u"127.0.0.1"_s, u"1"_s, u"/nowhere/host.pub"_s, {}, admin::kFailure},
     };
     for (const auto& [host, port, keyFile, more, exitCode] : cases) {
         const Ended ended = set(host, port, keyFile, more);

@@ -22,18 +22,12 @@ TEST_F(CommandsTest, ExitCodesTellUsageFromFailure) {
     } cases[] = {
         {{}, admin::kUsageError},
         {{u"nothing"_s}, admin::kUsageError},
-        {{u"slips"_s, u"more"_s}, admin::kUsageError},
         {{u"slips"_s, u"--nothing"_s}, admin::kUsageError},
         {{u"slips"_s, u"--date"_s, u"29.3.2024"_s}, admin::kUsageError},
         {{u"init"_s, u"--seed"_s, u"1"_s}, admin::kUsageError},
-        {{u"init"_s, u"--demo"_s, u"--seed"_s, u"x"_s}, admin::kUsageError},
-        {{u"init"_s, u"--demo"_s, u"--customers"_s, u"1"_s}, admin::kUsageError},
         {{u"print"_s, u"poem"_s, u"1"_s}, admin::kUsageError},
         {{u"slips"_s}, admin::kFailure},
-        {{u"import"_s}, admin::kFailure},
         {{u"price"_s, u"0001"_s, u"1001"_s, u"1"_s, u"0"_s}, admin::kFailure},
-        {{u"user"_s, u"A"_s}, admin::kFailure},
-        {{u"check"_s}, admin::kFailure},
         {{u"help"_s}, admin::kSuccess},
         {{u"price"_s, u"--help"_s}, admin::kSuccess},
     };

@@ -53,14 +53,6 @@ TEST_P(DemoSizeTest, EveryInventedLineIsLoadedUnderItsOwnCode) {
 INSTANTIATE_TEST_SUITE_P(Sizes, DemoSizeTest,
                          ::testing::Values(Size{120, 90, 400}, Size{10, 12, 80}, Size{12'000, 9'500, 3'000}));
 
-TEST_F(DemoTest, RefusesSizesThatCannotBeInvented) {
-    for (const Size size :
-         {Size{9, 90, 0}, Size{120, 11, 0}, Size{2'000'000, 90, 0}, Size{10, 12, 81}, Size{120, 90, -1}}) {
-        EXPECT_NE(narrow(admin::demo::findFault({size.customers, size.products, size.prices, 1, kDay})), "")
-            << size.customers << ' ' << size.products << ' ' << size.prices;
-    }
-}
-
 TEST_F(DemoTest, TheSameSeedInventsTheSame) {
     const auto contents = [](quint64 seed) {
         admin::demo::Options options;
@@ -98,23 +90,6 @@ TEST_F(DemoTest, OpenOrdersCostWhatTheTerminalWouldAsk) {
     }
     EXPECT_EQ(slips.size(), 6);
     EXPECT_EQ(sources, (QSet{sales::PriceSource::Contract, sales::PriceSource::Tier}));
-}
-
-TEST_F(DemoTest, HasWhatTheScreensNeedToShow) {
-    makeDemo();
-    admin::demo::Options options;
-    options.date = kDay;
-    importAll(admin::demo::invent(options));
-    EXPECT_EQ(rows(u"SELECT COUNT(DISTINCT SEEK) FROM GARAE WHERE USERID = 'A'"_s), QStringList{u"15"_s});
-    EXPECT_EQ(rows(u"SELECT COUNT(DISTINCT JGubun) FROM PUMMOK"_s), QStringList{u"6"_s});
-    EXPECT_EQ(rows(u"SELECT DISTINCT GUBUN FROM GARAE ORDER BY GUBUN"_s),
-              (QStringList{u"공용"_s, u"유흥"_s, u"일반"_s}));
-    EXPECT_EQ(rows(u"SELECT DISTINCT TTT FROM PUMMOK ORDER BY TTT"_s), (QStringList{u""_s, u"Y"_s, u"Z"_s}));
-    EXPECT_EQ(rows(u"SELECT COUNT(*) FROM MPUMMOK LEFT JOIN PUMMOK USING (PCode) WHERE PUMMOK.TTT <> 'Y'"_s),
-              rows(u"SELECT COUNT(*) FROM MPUMMOK"_s));
-    // Syllables that only the larger character set holds come through the import whole.
-    EXPECT_FALSE(rows(u"SELECT GNAME FROM GARAE WHERE GNAME LIKE '똠%' AND SEEK = 'ㄷ'"_s).isEmpty());
-    EXPECT_FALSE(rows(u"SELECT Pname FROM PUMMOK WHERE Pname LIKE '펲%' AND seek = 'ㅍ'"_s).isEmpty());
 }
 
 TEST(SeekKey, IsTheInitialConsonantOfTheFirstSyllable) {
