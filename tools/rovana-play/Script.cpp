@@ -25,6 +25,7 @@ enum class Operand {
     Reply,     ///< ok, cancel, yes or no: 1 for the first button, 0 for the other.
     Key,       ///< A key of the keyboard.
     KeypadKeys,
+    Keys,       ///< One or more keys of the keyboard, a step for each.
     Addresses,  ///< One or more, a step for each.
     Texts,      ///< A dialog and "CONTROL=TEXT" for each of its controls, a step for each.
     Login,      ///< A user's id and password.
@@ -52,7 +53,7 @@ const QList<Syntax>& syntaxes() {
         {u"row", Command::Row, {Address, Row}, u"D.C N|=TEXT"},
         {u"row2", Command::DoubleRow, {Address, Row}, u"D.C N|=TEXT"},
         {u"answer", Command::Answer, {Reply}, u"ok|cancel|yes|no [TEXT]"},
-        {u"key", Command::Key, {Key}, u"NAME"},
+        {u"key", Command::Key, {Keys}, u"NAME ..."},
         {u"expect", Command::ExpectText, {Address, Text}, u"D.C TEXT"},
         {u"expect texts", Command::ExpectText, {Texts}, u"D C=TEXT ..."},
         {u"expect message", Command::ExpectMessage, {Text}, u"TEXT"},
@@ -271,6 +272,7 @@ void readOperand(Operand operand, LineReader& line, Step* step) {
             return;
         }
         case Operand::KeypadKeys:
+        case Operand::Keys:
         case Operand::Addresses:
         case Operand::Texts:
         case Operand::Login:
@@ -335,9 +337,9 @@ QList<Step> readSeveral(Operand operand, LineReader& line, const Step& base) {
     if (operand == Operand::Texts) readOperand(Operand::Number, line, &first);
     do {
         Step step = base;
-        if (operand == Operand::Addresses) {
-            readOperand(Operand::Address, line, &step);
-            add(base.command, step.at, {});
+        if (operand == Operand::Addresses || operand == Operand::Keys) {
+            readOperand(operand == Operand::Keys ? Operand::Key : Operand::Address, line, &step);
+            steps << step;
             continue;
         }
         const QString word = line.word();
