@@ -10,7 +10,8 @@ BEGIN {
     height["sales"] = height["collect"] = height["van"] = height["container"] = height["totals"] = WORK = 6
     # The end of the day asks the card host for its sums, through the exchange that the card work has.
     may["totals van"] = 1
-    ROOF = 7
+    height["desk"] = 7
+    ROOF = 8
     for (i = 1; i < ARGC; i++) known[ARGV[i]] = 1
     findings = 0
 }

@@ -8,10 +8,12 @@
 #include <QVBoxLayout>
 #include <QWidget>
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 
 #include "Screens.h"
 #include "app/RovanaApp.h"
+#include "desk/Desk.h"
 #include "platform/Device.h"
 #include "platform/Trace.h"
 #include "platform/termdev/SwipeSocket.h"
@@ -23,11 +25,15 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
+/// What a desktop's title bar and panel take of the display, in pixels at scale 1.
+constexpr QSize kAroundWindow(0, 40);
+
 struct Options {
     QString device;
     qreal scale = 2;
     bool isScaleGiven = false;
     bool isFullScreen = false;
+    bool isDesk = false;
 };
 
 Options readOptions(int argc, char** argv) {
@@ -40,7 +46,9 @@ Options readOptions(int argc, char** argv) {
     const QCommandLineOption device(u"device"_s, u"The device folder."_s, u"DIR"_s);
     const QCommandLineOption scale(u"scale"_s, u"Enlarges the 240 by 320 screen (default 2)."_s, u"N"_s);
     const QCommandLineOption fullScreen(u"fullscreen"_s, u"Fills the display, as on a handheld."_s);
-    parser.addOptions({device, scale, fullScreen});
+    const QCommandLineOption desk(
+        u"desk"_s, u"Shows the terminal on a desk, with its paper, a card slot and its faults."_s);
+    parser.addOptions({device, scale, fullScreen, desk});
     if (!parser.parse(arguments) || parser.isSet(help) || parser.isSet(version)) {
         // The program ends here, before it needs a display; the text needs an application object.
         const QCoreApplication passing(argc, argv);
@@ -50,6 +58,7 @@ Options readOptions(int argc, char** argv) {
     Options options;
     options.device = parser.value(device);
     options.isFullScreen = parser.isSet(fullScreen);
+    options.isDesk = parser.isSet(desk) && !options.isFullScreen;
     options.isScaleGiven = parser.isSet(scale);
     if (options.isScaleGiven) {
         bool isNumber = false;
@@ -62,13 +71,13 @@ Options readOptions(int argc, char** argv) {
     return options;
 }
 
-/// The largest scale at which the whole screen fits the display. A scale is fixed before the application
-/// object is made, so a passing one looks at the display first.
-qreal scaleToFill(int argc, char** argv) {
+/// The largest scale at which so many pixels fit the display, at least 1. A scale is fixed before the
+/// application object is made, so a passing one looks at the display first.
+qreal scaleToFit(int argc, char** argv, QSize pixels) {
     const QGuiApplication passing(argc, argv);
     const QSize display = QGuiApplication::primaryScreen()->size();
-    return std::max(1.0, std::min(display.width() / qreal(ui::kScreenSize.width()),
-                                  display.height() / qreal(ui::kScreenSize.height())));
+    return std::max(
+        1.0, std::min(display.width() / qreal(pixels.width()), display.height() / qreal(pixels.height())));
 }
 
 }  // namespace
@@ -77,7 +86,13 @@ int runProgram(int argc, char** argv, const std::function<void(ui::Terminal&)>& 
     QCoreApplication::setApplicationName(u"rovana"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(ROVANA_VERSION));
     Options options = readOptions(argc, argv);
-    if (options.isFullScreen && !options.isScaleGiven) options.scale = scaleToFill(argc, argv);
+    if (options.isFullScreen && !options.isScaleGiven) {
+        options.scale = scaleToFit(argc, argv, ui::kScreenSize);
+    } else if (options.isDesk && !options.isScaleGiven) {
+        const qreal fitting = scaleToFit(argc, argv, desk::kDeskSize + kAroundWindow);
+        // Quarters keep the letters even.
+        options.scale = std::min(options.scale, std::floor(fitting * 4) / 4);
+    }
     qputenv("QT_SCALE_FACTOR", QByteArray::number(options.scale));
 
     const QApplication application(argc, argv);
@@ -95,8 +110,13 @@ int runProgram(int argc, char** argv, const std::function<void(ui::Terminal&)>& 
     auto* layout = new QVBoxLayout(&window);
     layout->setContentsMargins(0, 0, 0, 0);
     auto* terminal = new ui::Terminal(&window);
-    layout->addWidget(terminal, 0, Qt::AlignCenter);
-    if (!options.isFullScreen) layout->setSizeConstraint(QLayout::SetFixedSize);
+    if (options.isDesk) {
+        layout->addWidget(new desk::Desk(terminal, &window));
+        window.resize(desk::kDeskSize);
+    } else {
+        layout->addWidget(terminal, 0, Qt::AlignCenter);
+        if (!options.isFullScreen) layout->setSizeConstraint(QLayout::SetFixedSize);
+    }
 
     const platform::termdev::SwipeSocket swipes;
     registerScreens();

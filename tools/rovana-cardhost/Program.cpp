@@ -124,6 +124,12 @@ int serve(Ledger& ledger, const Options& options, QTextStream& out, QTextStream&
         }
     }
     Server server(ledger, options.faults);
+    if (options.isDemo) {
+        // Silence lasts no longer than the host that it was asked of.
+        const QString silencer = QDir(options.folder).filePath(u"silent"_s);
+        QFile::remove(silencer);
+        server.setSilencer(silencer);
+    }
     if (!server.listen(options.port)) {
         err << u"rovana-cardhost: cannot listen on port %1: %2\n"_s.arg(options.port).arg(server.errorText());
         return kFailure;

@@ -1,5 +1,6 @@
 #include "rovana-cardhost/Server.h"
 
+#include <QFile>
 #include <QHostAddress>
 #include <QPointer>
 #include <QTcpSocket>
@@ -94,7 +95,8 @@ void Server::serve(QTcpSocket* socket, const Frame& frame) {
     const auto isFault = [&](Misbehaviour misbehaviour) {
         return fault && fault->misbehaviour == misbehaviour;
     };
-    if (isFault(Misbehaviour::Silent)) return;
+    const bool isSilenced = !silencer_.isEmpty() && QFile::exists(silencer_);
+    if (isSilenced || isFault(Misbehaviour::Silent)) return;
     if (isFault(Misbehaviour::Close)) return socket->abort();
 
     const platform::SecureBytes fields = ledger_.answer(*request, isFault(Misbehaviour::Refuse));

@@ -23,6 +23,9 @@ class Server : public QObject {
   public:
     Server(Ledger& ledger, QList<Fault> faults, QObject* parent = nullptr);
 
+    /// While a file of that name exists, no request is answered.
+    void setSilencer(const QString& file) { silencer_ = file; }
+
     /// Listens on the port, on any free one for 0. False, with the reason in errorText(), when that fails.
     bool listen(quint16 port);
     quint16 port() const { return listener_.serverPort(); }
@@ -41,6 +44,7 @@ class Server : public QObject {
 
     Ledger& ledger_;
     QList<Fault> faults_;
+    QString silencer_;  ///< Empty for none.
     int requests_ = 0;
     QHash<QTcpSocket*, Terminal> terminals_;
     QTcpServer listener_;  ///< Last: its sockets tell when they go.

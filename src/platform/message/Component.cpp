@@ -26,6 +26,7 @@ constexpr int kKindValue = 6;  // place of the message kind among the header val
 constexpr auto kRepeatWithin = 10min;
 
 std::chrono::milliseconds timeOutUnit = 1s;
+Component::LastExchange last = Component::LastExchange::None;
 
 QStringView text(const Argument& argument) {
     return std::get<QStringView>(argument);
@@ -164,7 +165,13 @@ const Component::Operation* Component::findOperation(int dispatchId) {
 
 Component::Component(QObject* parent) : QObject(parent) {}
 
-Component::~Component() = default;
+Component::~Component() {
+    if (exchange_ && last == LastExchange::UnderWay) last = LastExchange::Failed;
+}
+
+Component::LastExchange Component::lastExchange() {
+    return last;
+}
 
 void Component::setTimeOutUnit(std::chrono::milliseconds unit) {
     timeOutUnit = unit;
@@ -344,6 +351,7 @@ Status Component::commun(Arguments arguments) {
     if (exchange_) return kLinkFailed;
     reply_.reset();
     exchange_ = std::make_shared<Exchange>();
+    last = LastExchange::UnderWay;
     // A port above 32,767 arrives as a negative integer of 16 bits.
     const Status status =
         start(text(arguments[0]), quint16(std::get<qint16>(arguments[1])), std::get<qint16>(arguments[2]));
@@ -429,6 +437,7 @@ void Component::takeReply(const Frame& frame) {
     // The previous transaction tells as well what became of a payment.
     if (request.digest || request.kind == kPreviousTransaction) unansweredPayment().reset();
 
+    last = LastExchange::Answered;
     exchange_->hangUp();
     if (!reach(Stage::Sent)) return;
     reply_ = std::move(fields);
@@ -468,6 +477,7 @@ bool Component::reach(Stage stage) {
 
 void Component::breakOff(QStringView reason) {
     trace(reason);
+    last = LastExchange::Failed;
     exchange_->hangUp();
     if (!reach(Stage::Communicating)) return;
     const std::weak_ptr<Exchange> current = exchange_;
@@ -476,6 +486,7 @@ void Component::breakOff(QStringView reason) {
 }
 
 void Component::failWith(Status status) {
+    last = LastExchange::Failed;
     const std::weak_ptr<Exchange> current = exchange_;
     Q_EMIT ksnetError(status);
     if (!current.expired()) endExchange();

@@ -41,6 +41,10 @@ class Component : public QObject {
     /// Treats the next payment as a new one even if it equals one that was sent and never answered.
     static void forgetUnanswered();
 
+    /// How the last exchange of the process stands, whichever component had it.
+    enum class LastExchange { None, UnderWay, Answered, Failed };
+    static LastExchange lastExchange();
+
   Q_SIGNALS:
     void communicating();
     void messageSent();

@@ -1,8 +1,10 @@
 #include "platform/termdev/PaperLine.h"
 
 #include <QFont>
+#include <QGuiApplication>
 #include <QPainter>
 #include <algorithm>
+#include <numeric>
 
 namespace platform::termdev {
 namespace {
@@ -20,20 +22,25 @@ QFont printerFont(int dots) {
     return font;
 }
 
-bool isEnlarged(const PaperLine& line) {
-    return std::ranges::any_of(line, &PaperGlyph::isEnlarged);
-}
-
 qsizetype indentOf(QStringView text) {
     return std::ranges::find_if(text, [](QChar character) { return character != u' '; }) - text.begin();
 }
 
 }  // namespace
 
+bool PaperLine::isEnlarged() const {
+    return std::ranges::any_of(glyphs, &Glyph::isEnlarged);
+}
+
+int PaperLine::columns() const {
+    return std::accumulate(glyphs.begin(), glyphs.end(), 0,
+                           [](int columns, const Glyph& glyph) { return columns + glyph.columns(); });
+}
+
 QString paperText(const PaperLine& line) {
     QString text;
-    for (const PaperGlyph& glyph : line) text += glyph.character;
-    if (!isEnlarged(line)) return text;
+    for (const Glyph& glyph : line.glyphs) text += QString::fromUcs4(&glyph.character, 1);
+    if (!line.isEnlarged()) return text;
     const qsizetype indent = indentOf(text);
     return QString(2 * indent, u' ') + kEnlargedStart + text.mid(indent) + kEnlargedEnd;
 }
@@ -44,29 +51,28 @@ PaperLine readPaperText(QStringView text) {
     const bool isEnlarged =
         marked.size() >= 2 && marked.front() == kEnlargedStart && marked.back() == kEnlargedEnd;
     PaperLine line;
-    if (isEnlarged) line.fill({u' ', true}, indent / 2);
-    for (const QChar character : isEnlarged ? marked.sliced(1).chopped(1) : text) {
-        line.append({character, isEnlarged});
+    if (isEnlarged) line.glyphs.fill({U' ', true}, indent / 2);
+    for (const char32_t character : (isEnlarged ? marked.sliced(1).chopped(1) : text).toUcs4()) {
+        line.glyphs.append({character, isEnlarged});
     }
     return line;
 }
 
-int paperHeight(const PaperLine& line) {
-    return isEnlarged(line) ? 2 * kLineDots : kLineDots;
+bool hasFonts() {
+    return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
 }
 
-void drawPaperLine(QPainter& painter, int top, const PaperLine& line) {
-    static const QFont normalFont = printerFont(kGlyphDots);
-    static const QFont enlargedFont = printerFont(2 * kGlyphDots);
-    const int lineHeight = paperHeight(line);
+void paintLine(QPainter& painter, const PaperLine& line, int top) {
+    const QFont normalFont = printerFont(kGlyphDots);
+    const QFont enlargedFont = printerFont(2 * kGlyphDots);
     int left = 0;
-    for (const PaperGlyph& glyph : line) {
+    for (const Glyph& glyph : line.glyphs) {
         const int width = glyph.columns() * kColumnDots;
-        const int glyphHeight = glyph.isEnlarged ? 2 * kGlyphDots : kGlyphDots;
+        const int height = glyph.isEnlarged ? 2 * kGlyphDots : kGlyphDots;
         painter.setFont(glyph.isEnlarged ? enlargedFont : normalFont);
         // The cell, not the font, gives the place: whatever font there is, the columns stay true.
-        painter.drawText(QRect(left, top + (lineHeight - glyphHeight) / 2, width, glyphHeight),
-                         Qt::AlignCenter | Qt::TextDontClip, QString(glyph.character));
+        painter.drawText(QRect(left, top + (line.dots() - height) / 2, width, height),
+                         Qt::AlignCenter | Qt::TextDontClip, QString::fromUcs4(&glyph.character, 1));
         left += width;
     }
 }

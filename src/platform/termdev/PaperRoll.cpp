@@ -1,10 +1,10 @@
 #include "platform/termdev/PaperRoll.h"
 
 #include <QFile>
-#include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
 #include <QSaveFile>
+#include <utility>
 
 #include "platform/Device.h"
 #include "platform/Trace.h"
@@ -35,12 +35,11 @@ int PaperRoll::open() {
 int PaperRoll::close() {
     if (!isOpen_) return 0;
     isOpen_ = false;
-    if (!line_.isEmpty()) endLine();
+    if (!line_.glyphs.isEmpty()) endLine();
     if (lines_.isEmpty()) return 1;
     const bool isTextWritten = writeText();
     if (!isTextWritten) trace(u"the paper roll's text could not be written");
-    const bool hasFonts = qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
-    const bool isPictureWritten = !hasFonts || writePicture();
+    const bool isPictureWritten = !hasFonts() || writePicture();
     if (!isPictureWritten) trace(u"the paper roll's picture could not be written");
     lines_.clear();
     return isTextWritten && isPictureWritten;
@@ -60,20 +59,19 @@ int PaperRoll::print(QStringView text) {
         trace(u"printing without an open device");
         return 0;
     }
-    int columns = 0;
-    for (const PaperGlyph& glyph : line_) columns += glyph.columns();
-    for (const QChar character : text) {
+    int columns = line_.columns();
+    for (const char32_t character : text.toUcs4()) {
         if (character == u'\n') {
             endLine();
             columns = 0;
             continue;
         }
-        const PaperGlyph glyph{character, isEnlarged_};
+        const Glyph glyph{character, isEnlarged_};
         if (columns + glyph.columns() > kPaperColumns) {
             endLine();
             columns = 0;
         }
-        line_ << glyph;
+        line_.glyphs << glyph;
         columns += glyph.columns();
     }
     return 1;
@@ -81,14 +79,13 @@ int PaperRoll::print(QStringView text) {
 
 int PaperRoll::feed(int lines) {
     if (!isOpen_) return 0;
-    if (!line_.isEmpty()) endLine();
+    if (!line_.glyphs.isEmpty()) endLine();
     for (int i = 0; i < lines; ++i) lines_ << PaperLine();
     return 1;
 }
 
 void PaperRoll::endLine() {
-    lines_ << line_;
-    line_.clear();
+    lines_ << std::exchange(line_, {});
 }
 
 bool PaperRoll::writeText() const {
@@ -103,7 +100,7 @@ bool PaperRoll::writePicture() const {
     const QImage before(pictureFile());
     const int start = before.width() == kPaperDots ? before.height() : 0;
     int height = start;
-    for (const PaperLine& line : lines_) height += paperHeight(line);
+    for (const PaperLine& line : lines_) height += line.dots();
 
     QImage strip(kPaperDots, height, QImage::Format_Grayscale8);
     strip.fill(Qt::white);
@@ -111,8 +108,8 @@ bool PaperRoll::writePicture() const {
     if (start > 0) painter.drawImage(0, 0, before);
     int top = start;
     for (const PaperLine& line : lines_) {
-        drawPaperLine(painter, top, line);
-        top += paperHeight(line);
+        paintLine(painter, line, top);
+        top += line.dots();
     }
     painter.end();
     if (height > kRollDots) strip = strip.copy(0, height - kRollDots, kPaperDots, kRollDots);

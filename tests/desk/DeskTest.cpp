@@ -1,0 +1,193 @@
+#include "desk/Desk.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QDir>
+#include <QImage>
+#include <QScrollBar>
+#include <QTest>
+
+#include "desk/CardSlot.h"
+#include "desk/PaperView.h"
+#include "desk/StatusStrip.h"
+#include "platform/termdev/CardReader.h"
+#include "platform/termdev/PaperRoll.h"
+#include "support/Exchange.h"
+#include "support/HostProcess.h"
+#include "support/PrintQt.h"
+#include "support/TestDevice.h"
+#include "ui/Terminal.h"
+
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using namespace platform::termdev;
+
+constexpr int kMargin = 40;  // dots of blank paper around a saved picture
+
+/// Leftmost, rightmost dot with ink between two rows of dots of the paper.
+std::pair<int, int> inked(const QImage& image, int top, int bottom) {
+    std::pair<int, int> span(image.width(), -1);
+    for (int y = top + kMargin; y < bottom + kMargin; ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (qGray(image.pixel(x, y)) >= 128) continue;
+            span = {std::min(span.first, x - kMargin), std::max(span.second, x - kMargin)};
+        }
+    }
+    return span;
+}
+
+void print(int titleSize, const QString& title, const QString& body) {
+    PaperRoll roll;
+    roll.open();
+    roll.setSize(titleSize);
+    roll.print(title);
+    roll.setSize(0);
+    roll.print(body);
+    roll.close();
+}
+
+class DeskTest : public testing::Test {
+  protected:
+    /// The desk as the program shows it; made after the paper that is there before.
+    desk::Desk& open() {
+        terminal_ = new ui::Terminal;
+        desk_ = std::make_unique<desk::Desk>(terminal_);
+        desk_->show();
+        desk_->activateWindow();
+        terminal_->setFocus();
+        return *desk_;
+    }
+
+    test::TestDevice device_;
+    ui::Terminal* terminal_ = nullptr;
+    std::unique_ptr<desk::Desk> desk_;
+};
+
+TEST_F(DeskTest, ShowsThePaperAsItIsPrinted) {
+    const QString bar = u"가나다라마바사아자차카타파하거|\n"_s;  // 31 columns
+    print(4, u" 명세서\n"_s, bar);
+    auto* paper = open().findChild<desk::PaperView*>();
+    const QString saved = device_.folder() + u"/saved.png"_s;
+    ASSERT_TRUE(paper->save(saved));
+    QImage picture(saved);
+    ASSERT_EQ(picture.size(), QSize(kPaperDots + 2 * kMargin, 3 * kLineDots + 2 * kMargin));
+    const auto title = inked(picture, 0, 2 * kLineDots);
+    EXPECT_GE(title.first, 2 * kColumnDots) << "the title's blank is enlarged too";
+    EXPECT_GT(title.second, 11 * kColumnDots);
+    EXPECT_LT(title.second, 14 * kColumnDots);
+    const auto line = inked(picture, 2 * kLineDots, 3 * kLineDots);
+    EXPECT_GE(line.second, 30 * kColumnDots);
+    EXPECT_LT(line.second, 31 * kColumnDots);
+
+    // What is printed later comes out below, also when the roll has started a new file, and is brought into
+    // view.
+    print(0, u"둘째\n"_s, bar.repeated(40));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return paper->accessibleDescription().startsWith(u"둘째"); }));
+    const QScrollBar* scroll = paper->verticalScrollBar();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return scroll->value() > 0 && scroll->value() == scroll->maximum(); }));
+    ASSERT_TRUE(QFile::rename(device_.folder() + u"/roll.txt"_s, device_.folder() + u"/roll.txt.1"_s));
+    print(0, u"셋째\n"_s, bar);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return paper->accessibleDescription().startsWith(u"셋째"); }));
+    ASSERT_TRUE(paper->save(saved));
+    EXPECT_EQ(QImage(saved).height(), (3 + 41 + 2) * kLineDots + 2 * kMargin);
+
+    // A day's paper is more than a picture can hold: the oldest goes.
+    paper->append(QList<PaperLine>(3000, readPaperText(u"x")));
+    ASSERT_TRUE(paper->save(saved));
+    EXPECT_EQ(QImage(saved).height(), 30000 + 2 * kMargin);
+    const QString document = device_.folder() + u"/saved.pdf"_s;
+    ASSERT_TRUE(paper->save(document));
+    QFile file(document);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.read(5), "%PDF-");
+    EXPECT_FALSE(paper->save(device_.folder() + u"/none/saved.png"_s));
+}
+
+TEST_F(DeskTest, DrawsCardsThroughTheReader) {
+    open();
+    QStringList numbers;
+    CardReader& reader = CardReader::instance();
+    reader.setReceiver([&](int) {
+        QByteArray track(kTrackBufferBytes, '\0');
+        reader.readTrack(2, track.data());
+        numbers << QString::fromLatin1(track.mid(1, 16));
+    });
+    const auto card = [this](const QString& name) { return desk_->findChild<desk::Card*>(name); };
+    const auto isRead = [&](qsizetype count) {
+        return QTest::qWaitFor([&] { return numbers.size() == count; });
+    };
+    QTest::mouseClick(card(u"good"_s), Qt::LeftButton);
+    QTest::qWait(0);
+    EXPECT_EQ(numbers, QStringList()) << "the reader takes no card yet";
+
+    reader.open();
+    reader.enable(true);
+    QTest::mouseClick(card(u"good"_s), Qt::LeftButton);
+    EXPECT_TRUE(isRead(1));
+    EXPECT_TRUE(terminal_->hasFocus()) << "the pointer takes no keys away from the terminal";
+
+    // Carried across the slot; put back before it, nothing is read.
+    const auto carry = [&](QWidget* from, QPoint by) {
+        const QPoint grip = from->rect().center();
+        QTest::mousePress(from, Qt::LeftButton, {}, grip);
+        for (const QPoint at : {grip + by / 2, grip + by, grip}) {
+            QMouseEvent move(QEvent::MouseMove, at, from->mapToGlobal(at), Qt::NoButton, Qt::LeftButton, {});
+            QApplication::sendEvent(from, &move);
+        }
+        QTest::mouseRelease(from, Qt::LeftButton, {}, grip);
+    };
+    carry(card(u"poor"_s), {0, -12});
+    carry(card(u"second"_s), {0, -60});
+    EXPECT_TRUE(isRead(2));
+
+    // By keys: F6 leaves the terminal, Tab goes round the desk, Esc returns.
+    QTest::keyClick(terminal_, Qt::Key_F6);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !terminal_->hasFocus(); }));
+    for (int i = 0; i < 20 && QApplication::focusWidget() != card(u"unknown"_s); ++i) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    }
+    ASSERT_EQ(QApplication::focusWidget(), card(u"unknown"_s));
+    QTest::keyClick(card(u"unknown"_s), Qt::Key_Return);
+    EXPECT_TRUE(isRead(3));
+    QTest::keyClick(card(u"unknown"_s), Qt::Key_Escape);
+    EXPECT_TRUE(terminal_->hasFocus());
+
+    EXPECT_EQ(numbers, QStringList({u"9409110000000001"_s, u"9409110000000002"_s, u"9409110000000009"_s}));
+    reader.setReceiver({});
+    reader.close();
+}
+
+TEST_F(DeskTest, SilencesTheDemonstrationHostAlone) {
+    EXPECT_FALSE(open().findChild<QCheckBox*>(u"host-silent"_s)->isEnabled()) << "there is no such host";
+    desk_.reset();
+    test::HostProcess host;
+    ASSERT_NO_FATAL_FAILURE(host.start());
+    ASSERT_TRUE(platform::message::writeSavedValues({{u"101"_s, u"4711"_s}}));
+    ASSERT_TRUE(QFile::link(host.folder(), device_.folder() + u"/cardhost"_s));
+    auto* silent = open().findChild<QCheckBox*>(u"host-silent"_s);
+    auto* lamp = desk_->findChild<desk::Lamp*>(u"host"_s);
+    const auto lights = [&](desk::Lamp::Light light) {
+        return QTest::qWaitFor([&] { return lamp->light() == light; });
+    };
+    test::Exchange terminal;
+    test::Exchange::Component::setTimeOutUnit(std::chrono::milliseconds(20));
+    silent->click();
+    terminal.previous();
+    EXPECT_EQ(terminal.run(host.port()), u"communicating sent error ended"_s);
+    EXPECT_TRUE(lights(desk::Lamp::Red));
+    test::Exchange::Component::setTimeOutUnit(std::chrono::seconds(1));
+    silent->click();
+    terminal.previous();
+    EXPECT_EQ(terminal.run(host.port()), u"communicating sent receiving ended"_s);
+    EXPECT_TRUE(lights(desk::Lamp::Green));
+
+    silent->click();
+    EXPECT_TRUE(QFile::exists(host.folder() + u"/silent"_s));
+    desk_.reset();
+    EXPECT_FALSE(QFile::exists(host.folder() + u"/silent"_s)) << "a fault lasts as long as the desk";
+}
+
+}  // namespace
