@@ -26,6 +26,9 @@ constexpr db::Statement<
     u"SELECT PCode, FBox, NBox, Bon FROM YTM WHERE DDate = '%s' AND ('%s' = '' OR UserID = '%s')">
     kReturnsOfDay;
 constexpr db::Statement<u"SELECT BoxBonEa FROM PUMMOK WHERE PCode = '%s' "> kBottlesPerBox;
+constexpr db::Statement<
+    u"SELECT YMONEY, GMONEY FROM YTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s'">
+    kDeposits;
 
 /// The counts are bounded so that no imported figure, however long, can overflow a sum or a product.
 std::int64_t bounded(std::int64_t count) {
@@ -132,6 +135,14 @@ std::optional<Containers> containersTakenBack(QStringView date, QStringView user
                                      count(row.GetFieldString(3))});
     });
     return rows < 0 ? std::nullopt : std::optional(back);
+}
+
+platform::Won savedRecovery(QStringView date, QStringView junNo, QStringView userId) {
+    platform::Won recovery;
+    db::forEachRow(kDeposits(date, junNo, userId), [&](db::CVORecordset& row) {
+        recovery += platform::parseWon(row.GetFieldString(0)) + platform::parseWon(row.GetFieldString(1));
+    });
+    return recovery;
 }
 
 }  // namespace app

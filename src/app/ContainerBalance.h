@@ -7,6 +7,8 @@
 #include <optional>
 #include <span>
 
+#include "platform/Won.h"
+
 /// What a customer holds of the wholesaler's crates and bottles, by the sales and container slips on the
 /// terminal.
 namespace app {
@@ -55,5 +57,9 @@ QList<ContainerBalance> containerBalances(QStringView gCode, QStringView date, Q
 /// What was taken back on the day, from all customers, by one user or, with an empty id, by everybody;
 /// nothing when it could not be read to the end.
 std::optional<Containers> containersTakenBack(QStringView date, QStringView userId);
+
+/// What the user's saved container slip of that date and number is worth, in won: its deposits. 0 without
+/// one.
+platform::Won savedRecovery(QStringView date, QStringView junNo, QStringView userId);
 
 }  // namespace app

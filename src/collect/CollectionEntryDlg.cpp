@@ -147,13 +147,18 @@ void CCollectionEntryDlg::addPaymentRows() {
 
 void CCollectionEntryDlg::load() {
     app::SessionValues& session = app::session();
-    const auto saved = app::loadCollection(session.WorkDate, session.action.JunNo, session.UserID);
+    auto saved = app::loadCollection(session.WorkDate, session.action.JunNo, session.UserID);
+    isApproved_ = saved && saved->isApproved();
+    // A number is given anew once its slip is deleted, but the collection may have stayed.
+    if (saved && !session.action.GCode.isEmpty() && saved->GCode != session.action.GCode) {
+        otherCustomer_ = saved->GName;
+        saved.reset();
+    }
+    if (session.WorkMode != app::kSalesWork) session.action.CrateDepositSum = saved ? saved->YMoney : Won();
     if (saved) {
         amounts_ = saved->amounts();
-        isApproved_ = saved->isApproved();
         // The collection list knows the customer's name only.
         session.action.GCode = saved->GCode;
-        if (session.WorkMode != app::kSalesWork) session.action.CrateDepositSum = saved->YMoney;
         if (isApproved_) setText(1110, u"결제"_s);
     }
     if (session.WorkMode == app::kSalesWork) {
@@ -209,6 +214,7 @@ void CCollectionEntryDlg::deletePrevious() {
     app::removeCollection(session.WorkDate, session.action.JunNo, session.UserID);
     ui::message(u"이전입금전표내역을 삭제하였습니다.."_s);
     isApproved_ = false;
+    otherCustomer_.reset();
     setText(1110, {});
     amounts_.previousReceivable =
         app::previousReceivable(session.action.GCode, session.WorkDate, session.action.JunNo, session.UserID);
@@ -219,6 +225,11 @@ void CCollectionEntryDlg::finish() {
     if (nothingToSettle(amounts_)) {
         ui::message(
             u"카드결제&현금결제&전미수입금&미결제액&용공회수액 중에서  금액이 0원 이상이여야 합니다.."_s);
+        return;
+    }
+    if (otherCustomer_) {
+        ui::message(
+            u"같은 번호의 [%1] 입금전표가 있습니다. 전표삭제 후 저장하세요..!"_s.arg(*otherCustomer_));
         return;
     }
     // The card was charged what it was charged: the slip keeps saying so.

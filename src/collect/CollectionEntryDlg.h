@@ -1,5 +1,8 @@
 #pragma once
 
+#include <QString>
+#include <optional>
+
 #include "app/Transaction.h"
 #include "ui/Screen.h"
 
@@ -27,6 +30,9 @@ class CCollectionEntryDlg : public ui::Screen {
 
     app::SettlementAmounts amounts_;
     bool isApproved_ = false;
+    /// Whose collection has this slip's number, when it is another customer's. It must go before this is
+    /// saved.
+    std::optional<QString> otherCustomer_;
     platform::Won approvedCard_;  ///< What the card was charged, when isApproved_.
 };
 

@@ -1,6 +1,7 @@
 #include "sales/GaraeSeek.h"
 
 #include "app/CollectionSlip.h"
+#include "app/ContainerBalance.h"
 #include "app/Dialogs.h"
 #include "app/Session.h"
 #include "sales/Checkout.h"
@@ -113,6 +114,9 @@ void CGaraeSeek::pay() {
     }
     action.GCode = slip->GCode;
     handOver(slip->sums, customerAccount(slip->GCode).CJMoney);
+    // This way passes the containers by; a collection that is saved has their worth already.
+    if (!app::loadCollection(session.WorkDate, action.JunNo, session.UserID))
+        action.ContainerRecovery = app::savedRecovery(session.WorkDate, action.JunNo, session.UserID);
     ui::runScreen(app::dialogs::kCollectionEntry);
     closeIfDone();
 }
