@@ -47,25 +47,5 @@ TEST(CodePageTest, RefusesCharactersOutside) {
         EXPECT_EQ(encode(text), std::nullopt) << QString::fromUtf16(text).toStdString();
 }
 
-TEST(CodePageTest, HoldsEverySyllableAndNoPairTwice) {
-    for (char16_t syllable = 0xAC00; syllable <= 0xD7A3; ++syllable) {
-        const std::optional<QByteArray> bytes = encode(QStringView(&syllable, 1));
-        ASSERT_TRUE(bytes && bytes->size() == 2) << int(syllable);
-        ASSERT_EQ(decode(*bytes), QString(QChar(syllable)));
-    }
-    int pairs = 0;
-    for (int lead = 0x80; lead <= 0xFF; ++lead) {
-        for (int trail = 0; trail <= 0xFF; ++trail) {
-            const QByteArray bytes = QByteArray(1, char(lead)) + char(trail);
-            const std::optional<QString> text = decode(bytes);
-            if (!text) continue;
-            ++pairs;
-            ASSERT_EQ(text->size(), 1) << bytes.toHex().constData();
-            ASSERT_EQ(encode(*text), bytes);
-        }
-    }
-    EXPECT_GT(pairs, 17000);  // 11,172 syllables, 4,888 Hanja and the symbols
-}
-
 }  // namespace
 }  // namespace platform::codepage

@@ -67,12 +67,5 @@ TEST_F(TraceTest, LogGoesOnAfterARestartAndEndsEveryLine) {
                                            "2004-03-02 09:30:00.000 with one\n"));
 }
 
-TEST_F(TraceTest, AMissingFolderIsToldAndHarmless) {
-    device::setFolder(folder_.filePath(u"missing"_s));
-    EXPECT_FALSE(openLog());
-    trace(u"goes nowhere");
-    EXPECT_FALSE(QFile::exists(folder_.filePath(u"missing"_s)));
-}
-
 }  // namespace
 }  // namespace platform

@@ -3,7 +3,6 @@
 #include "platform/CodePage.h"
 #include "print/CardReceipt.h"
 #include "print/CollectionSlip.h"
-#include "print/HostSummary.h"
 #include "print/Layout.h"
 #include "print/SalesInvoice.h"
 #include "support/Approved.h"
@@ -152,37 +151,6 @@ TEST(CardNumber, ShowsItsEndsOnly) {
     for (const auto& c : kCases) {
         EXPECT_EQ(print::maskedCardNumber(QStringView(c.track)), QString::fromUtf16(c.shown));
     }
-}
-
-TEST(HostSummary, HasExactlyItsLines) {
-    const print::Document slip = print::hostSummarySlip({.responseCode = u"0000"_s,
-                                                         .responseText = u"정상"_s,
-                                                         .identification = u"ID"_s,
-                                                         .transferCount = u"0000000012"_s,
-                                                         .supply = u"1234567"_s,
-                                                         .vat = u"123456"_s,
-                                                         .deposit = u"999"_s,
-                                                         .collected = u"-100000"_s,
-                                                         .transaction = u""_s,
-                                                         .fee = u"x"_s,
-                                                         .deposited = u"1000"_s},
-                                                        u"홍길동", kDate);
-    EXPECT_EQ(slip.title(), u"  PDA HOST집계\n"_s);
-    EXPECT_EQ(slip.lines().join(QString()),
-              u"================================\n"
-              u"영업사원: 홍길동\n"
-              u"작업일자: 2024-05-10\n"
-              u"--------------------------------\n"
-              u"이 체 횟 수:                12회\n"
-              u"공 급 가 액:         1,234,567원\n"
-              u"부 가 세 액:           123,456원\n"
-              u"보 증 금 액:               999원\n"
-              u"회 수 금 액:         -,100,000원\n"
-              u"거 래 금 액:                 0원\n"
-              u"수 수 료 액:                 0원\n"
-              u"입 금 금 액:             1,000원\n"
-              u"--------------------------------\n"
-              u"담당확인:                     인\n"_s);
 }
 
 }  // namespace

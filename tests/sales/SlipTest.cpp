@@ -93,57 +93,6 @@ class SlipTest : public testing::Test {
     test::TestDevice device;
 };
 
-TEST_F(SlipTest, OpensWithTheSavedLinesAndTheirSums) {
-    saved(kUser, kNumber, u"0001");
-    saved(kUser, kNumber, u"0003");
-    saved(kUser, kNumber, u"0002");
-    saved(kUser, u"5002", u"0009");
-    saved(u"lee", kNumber, u"0009");
-    saved(kUser, kNumber, u"0009", u"미발행", u"2024-05-06");
-    insertLine(line(u"0007"_s, u"1"_s, u"1"_s, won(1, 1, 1, 1)));
-
-    const OpenedSlip slip = openSlip(kUser, kToday, kNumber).value();
-    EXPECT_EQ(slip.sums, won(3000, 300, 60, 9));
-    EXPECT_EQ(slip.lines.cells, workingLines().cells);
-    EXPECT_EQ(
-        device.rows(u"SELECT * FROM TEMP ORDER BY PCode"_s),
-        device.rows(u"SELECT DDate, Gubun, GCode, GName, JunNo, WorkGubun, PCode, PName, JGubun, Box, Bon, "
-                    u"MMoney, BMoney, YMoney, GMoney FROM MTM WHERE UserID = 'kim' AND JunNo = '5001' "
-                    u"AND DDate = '2024-05-07' ORDER BY PCode"_s));
-
-    EXPECT_TRUE(openSlip(kUser, kToday, u"5099").value().lines.isEmpty());
-    EXPECT_TRUE(isWorkingSlipEmpty());
-}
-
-TEST_F(SlipTest, ChangesOneLineByItsProductAndQuantities) {
-    insertLine(line(u"0001"_s, u"1"_s, u"0"_s, won(1000, 100, 20, 3)));
-    insertLine(line(u"0001"_s, u"2"_s, u"0"_s, won(2000, 200, 40, 6)));
-    insertLine(line(u"0002"_s, u"1"_s, u"0"_s, won(500, 50, 10, 1)));
-    const LineKey key{u"0001"_s, u"1"_s, u"0"_s};
-    const LineKey changed{u"0001"_s, u"3"_s, u"12"_s};
-    const auto row = [&](QStringView columns) {
-        return device.rows(u"SELECT %1 FROM TEMP WHERE PCode = '0001' AND Box <> '2'"_s.arg(columns))
-            .value(0);
-    };
-    const QStringList before = row(u"DDate, Gubun, GCode, GName, JunNo, WorkGubun, PCode, PName, JGubun");
-    EXPECT_EQ(before[1] + before[5], u"매출미처리"_s);
-
-    EXPECT_EQ(lineAmounts(key), won(1000, 100, 20, 3));
-    EXPECT_TRUE(replaceAmounts(key, won(900, 90, 77, 77)));
-    EXPECT_EQ(lineAmounts(key), won(900, 90, 20, 3));  // deposits are not edited
-    EXPECT_TRUE(replaceQuantities(key, 3, 12, won(3500, 350, 60, 9)));
-    EXPECT_FALSE(lineAmounts(key));
-    EXPECT_EQ(lineAmounts(changed), won(3500, 350, 60, 9));
-    EXPECT_EQ(row(u"DDate, Gubun, GCode, GName, JunNo, WorkGubun, PCode, PName, JGubun"), before);
-    EXPECT_FALSE(replaceAmounts(key, won(1, 1, 1, 1)));
-    EXPECT_EQ(workingLines().count(), 3);
-
-    deleteLine(changed);
-    EXPECT_EQ(lineAmounts({u"0001"_s, u"2"_s, u"0"_s}), won(2000, 200, 40, 6));
-    EXPECT_EQ(workingLines().cells, (QStringList{u"0002"_s, u"소주 0002"_s, u"1"_s, u"0"_s, u"0001"_s,
-                                                 u"소주 0001"_s, u"2"_s, u"0"_s}));
-}
-
 TEST_F(SlipTest, KeepsTheLineWhenTheChangeIsLostHalfWay) {
     insertLine(line(u"0001"_s, u"1"_s, u"0"_s, won(1000, 100, 20, 3)));
     device.execute(

@@ -53,22 +53,6 @@ TEST_P(DemoSizeTest, EveryInventedLineIsLoadedUnderItsOwnCode) {
 INSTANTIATE_TEST_SUITE_P(Sizes, DemoSizeTest,
                          ::testing::Values(Size{120, 90, 400}, Size{10, 12, 80}, Size{12'000, 9'500, 3'000}));
 
-TEST_F(DemoTest, TheSameSeedInventsTheSame) {
-    const auto contents = [](quint64 seed) {
-        admin::demo::Options options;
-        options.seed = seed;
-        options.date = kDay;
-        const admin::demo::Data data = admin::demo::invent(options);
-        QByteArray all;
-        for (const db::ImportFile& file : db::importFiles()) {
-            all += admin::demo::importFileContent(data, file).value();
-        }
-        return all;
-    };
-    EXPECT_EQ(contents(3), contents(3));
-    EXPECT_NE(contents(3), contents(4));
-}
-
 TEST_F(DemoTest, OpenOrdersCostWhatTheTerminalWouldAsk) {
     makeDemo();
     admin::demo::Options options;
@@ -90,19 +74,6 @@ TEST_F(DemoTest, OpenOrdersCostWhatTheTerminalWouldAsk) {
     }
     EXPECT_EQ(slips.size(), 6);
     EXPECT_EQ(sources, (QSet{sales::PriceSource::Contract, sales::PriceSource::Tier}));
-}
-
-TEST(SeekKey, IsTheInitialConsonantOfTheFirstSyllable) {
-    const struct {
-        QStringView name;
-        QStringView key;
-    } cases[] = {{u"가람", u"ㄱ"},   {u"힣", u"ㅎ"},   {u"까치", u"ㄱ"},   {u"똠얌", u"ㄷ"}, {u"빨강", u"ㅂ"},
-                 {u"쌍둥이", u"ㅅ"}, {u"짱구", u"ㅈ"}, {u"이슬", u"ㅇ"},   {u"콩밭", u"ㅋ"}, {u"7080", u"00"},
-                 {u"BAR", u"00"},    {u"", u"00"},     {u"ㄱ나라", u"00"}, {u" 가", u"00"}};
-    for (const auto& [name, key] : cases) {
-        EXPECT_EQ(narrow(admin::demo::seekKey(name)), key.toUtf8().toStdString())
-            << name.toUtf8().toStdString();
-    }
 }
 
 }  // namespace

@@ -47,7 +47,7 @@ const QList<Syntax>& syntaxes() {
         {u"patience", Command::Patience, {Number}, u"SECONDS"},
         {u"login", Command::Type, {Login}, u"ID PASSWORD"},
         {u"import", Command::Answer, {Import}, u""},
-        {u"press", Command::Press, {Addresses}, u"D.C ..."},
+        {u"press", Command::Press, {Addresses}, u"D.C ... [keys KEY ...]"},
         {u"type", Command::Type, {Address, Text}, u"D.C TEXT"},
         {u"keys", Command::KeypadKey, {KeypadKeys}, u"DIGITS|00|-|next|again|erase|ok|cancel ..."},
         {u"row", Command::Row, {Address, Row}, u"D.C N|=TEXT"},
@@ -337,6 +337,10 @@ QList<Step> readSeveral(Operand operand, LineReader& line, const Step& base) {
     if (operand == Operand::Texts) readOperand(Operand::Number, line, &first);
     do {
         Step step = base;
+        if (base.command == Command::Press && !steps.isEmpty() && line.nextWord() == u"keys") {
+            line.word();
+            return steps + readKeypadKeys(line, base);
+        }
         if (operand == Operand::Addresses || operand == Operand::Keys) {
             readOperand(operand == Operand::Keys ? Operand::Key : Operand::Address, line, &step);
             steps << step;
