@@ -43,6 +43,11 @@ int main(int argc, char* argv[]) {
     const bool isHelpWanted = parser.isSet(help);
     if (!isHelpWanted && parser.positionalArguments().size() != 1)
         return fail(u"one script is wanted, see --help"_s, kUsageError);
+    if (isHelpWanted) {
+        // The text needs an application object, but no display.
+        const QCoreApplication passing(argc, argv);
+        parser.showHelp();
+    }
     // The scale has to be known before Qt starts.
     const QString size = parser.isSet(scale) ? parser.value(scale) : parser.isSet(shots) ? u"2"_s : QString();
     bool isSize = true;
@@ -51,7 +56,6 @@ int main(int argc, char* argv[]) {
     if (!size.isEmpty()) qputenv("QT_SCALE_FACTOR", size.toUtf8());
 
     QApplication application(argc, argv);
-    if (isHelpWanted) parser.showHelp();
     const pilot::Script script = pilot::readScript(parser.positionalArguments().constFirst());
     for (const QString& error : script.errors) fail(u"%1: %2"_s.arg(script.file, error), kUsageError);
     if (!script.errors.isEmpty()) return kUsageError;
