@@ -53,6 +53,8 @@ extern const Command kPrintCommand;
 extern const Command kExportCommand;
 extern const Command kCardHostCommand;
 extern const Command kSwipeCommand;
+extern const Command kBackupCommand;
+extern const Command kRestoreCommand;
 extern const Command kCheckCommand;
 
 /// Runs the command that `arguments` name (the program's own name first) and returns the exit code. Errors go

@@ -7,6 +7,8 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include "rovanactl/Sync.h"
+
 namespace admin {
 namespace {
 
@@ -15,14 +17,6 @@ using namespace Qt::Literals::StringLiterals;
 QString placeOf(const QString& path) {
     const QString canonical = QFileInfo(path).canonicalFilePath();
     return canonical.isEmpty() ? QDir::cleanPath(QFileInfo(path).absoluteFilePath()) : canonical;
-}
-
-bool syncFolder(const QString& path) {
-    const int folder = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
-    if (folder < 0) return false;
-    const bool isSynced = ::fsync(folder) == 0;
-    ::close(folder);
-    return isSynced;
 }
 
 }  // namespace
@@ -80,7 +74,7 @@ QString ExportFolder::commit() {
         isWritten_ = isWritten_ && file->flush() && ::fsync(file->handle()) == 0;
         file->close();
     }
-    isWritten_ = isWritten_ && syncFolder(unfinished_);
+    isWritten_ = isWritten_ && syncToDisk(unfinished_);
     if (!isWritten_) return u"the files cannot be written below %1; is its disk full?"_s.arg(unfinished_);
 
     const bool isReplacing = QFileInfo::exists(path_);

@@ -59,6 +59,22 @@ std::optional<QList<QStringList>> SqliteFile::rows(const QString& statement, con
     return isRead ? std::optional(found) : std::nullopt;
 }
 
+bool SqliteFile::copyFrom(SqliteFile& source) {
+    sqlite3_backup* copy = sqlite3_backup_init(handle_.get(), "main", source.handle_.get(), "main");
+    if (copy == nullptr) return false;
+    sqlite3_backup_step(copy, -1);
+    return sqlite3_backup_finish(copy) == SQLITE_OK;
+}
+
+SqliteFile::Lock SqliteFile::lock() {
+    // Whoever has the file open has its write-ahead log open, and keeps the mode from being changed.
+    const auto mode = rows(u"PRAGMA journal_mode=DELETE"_s);
+    if (mode && mode->first().first() != u"delete") return Lock::InUse;
+    if (mode && execute(u"PRAGMA locking_mode=EXCLUSIVE; BEGIN EXCLUSIVE; COMMIT"_s)) return Lock::Held;
+    const int reason = sqlite3_errcode(handle_.get());
+    return reason == SQLITE_BUSY || reason == SQLITE_LOCKED ? Lock::InUse : Lock::Unusable;
+}
+
 QString createTableStatement(QStringView name) {
     const db::schema::Table* table = db::schema::findTable(name);
     QStringList columns;

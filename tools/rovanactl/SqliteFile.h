@@ -12,7 +12,7 @@
 namespace admin {
 
 /// A database file opened past the terminal's own component, which makes no tables and hides every failure.
-/// Only making and checking a database need it.
+/// Only making, checking and copying a database need it.
 class SqliteFile {
   public:
     enum class Mode { Create, Existing };
@@ -26,6 +26,17 @@ class SqliteFile {
 
     /// Runs statements without values or rows; false when one failed.
     bool execute(const QString& statements);
+
+    /// Replaces the whole content by that of `source`, as it is between two changes: others may go on reading
+    /// and writing it. Nothing has changed when it fails.
+    bool copyFrom(SqliteFile& source);
+
+    enum class Lock { Held, InUse, Unusable };
+
+    /// Keeps everybody else out until this object goes. Nothing of a write-ahead log is left then: the file
+    /// alone is the database. `InUse` when another process has it open, `Unusable` when SQLite cannot work
+    /// with it.
+    Lock lock();
 
     /// Runs one statement with a text for each "?" and calls `readRow` on its rows as texts, NULL as an empty
     /// one, one at a time until it returns false. False when the statement failed or was broken off.

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QString>
+
+namespace admin {
+
+/// Sees to it that a file's content, or the names in a folder, outlive a loss of power; false when they may
+/// not.
+bool syncToDisk(const QString& path);
+
+}  // namespace admin
