@@ -43,22 +43,33 @@ TEST_F(CheckTest, NamesEachDepartureFromTheTables) {
     const struct {
         QString statement;
         QString wrong;
+        bool isMended = false;
     } cases[] = {
-        {u"DROP TABLE YTEMP"_s, u"table YTEMP"_s},
-        {u"DROP INDEX GARAE_SEEK"_s, u"index GARAE_SEEK"_s},
+        {u"DROP TABLE YTEMP"_s, u"table YTEMP"_s, true},
+        {u"DROP INDEX GARAE_SEEK"_s, u"index GARAE_SEEK"_s, true},
         {u"DROP INDEX GARAEDANGA_KEY; CREATE INDEX GARAEDANGA_KEY ON GARAEDANGA (pcode, gcode)"_s,
-         u"index GARAEDANGA_KEY"_s},
+         u"index GARAEDANGA_KEY"_s, true},
+        // An index that knows only some of the rows.
+        {u"INSERT INTO GARAE (GCODE) VALUES ('0001'), ('0002'); DROP INDEX GARAE_GCODE; CREATE INDEX "
+         "GARAE_GCODE ON GARAE (GCODE) WHERE GCODE > '0001'; PRAGMA writable_schema = ON; UPDATE "
+         "sqlite_schema "
+         "SET sql = 'CREATE INDEX GARAE_GCODE ON GARAE (GCODE)' WHERE name = 'GARAE_GCODE'"_s,
+         u"damaged"_s, true},
         {u"DROP TABLE TEMP; CREATE TABLE TEMP AS SELECT * FROM YTEMP"_s, u"columns of TEMP"_s},
         {u"ALTER TABLE JGUBUN ADD COLUMN more TEXT"_s, u"columns of JGUBUN"_s},
         {u"DELETE FROM config"_s, u"config has 0 rows"_s},
         {u"UPDATE PDAUSER SET userID = 'Q'"_s, u"who is not in PDAUSER"_s},
     };
-    for (const auto& [statement, wrong] : cases) {
+    for (const auto& [statement, wrong, isMended] : cases) {
         QFile::remove(database());
         makeDevice();
         ASSERT_EQ(run({u"check"_s}).exitCode, admin::kSuccess);
         execute(statement);
         expectFinding(wrong);
+        const Ended repaired = run({u"check"_s, u"--repair"_s});
+        EXPECT_EQ(repaired.exitCode, isMended ? admin::kSuccess : admin::kFailure) << narrow(repaired.out);
+        EXPECT_EQ(repaired.out.contains(u"mended: "_s), isMended) << narrow(repaired.out);
+        EXPECT_EQ(run({u"check"_s}).exitCode, repaired.exitCode) << narrow(wrong);
     }
 }
 
@@ -67,19 +78,25 @@ TEST_F(CheckTest, NamesFaultsOfTheFolder) {
     const struct {
         std::function<void()> spoil;
         QString wrong;
+        bool isMended = true;
     } cases[] = {
         {[&] { QDir(folder() + u"/저장소카드"_s).removeRecursively(); }, u"저장소카드"_s},
         {[&] { QFile::setPermissions(database(), QFile::ReadOwner | QFile::WriteOwner | QFile::ReadOther); },
          u"others may read"_s},
-        {[&] { writeFile(u"My Documents/GARAE.RVN.rejected"_s, "1\n"); }, u"GARAE.RVN.rejected"_s},
+        {[&] { writeFile(u"My Documents/GARAE.RVN.rejected"_s, "1\n"); }, u"GARAE.RVN.rejected"_s, false},
         {[&] { writeFile(u"My Documents/rvnclient.cdb.new"_s, "x"); }, u"an init that was stopped"_s},
     };
-    for (const auto& [spoil, wrong] : cases) {
+    for (const auto& [spoil, wrong, isMended] : cases) {
         QDir(documents).removeRecursively();
         makeDevice();
         ASSERT_EQ(run({u"check"_s}).exitCode, admin::kSuccess);
         spoil();
         expectFinding(wrong);
+        execute(u"INSERT INTO YTEMP DEFAULT VALUES"_s);
+        EXPECT_TRUE(run({u"check"_s, u"--repair"_s}).out.contains(u"mended: YTEMP holds 1 rows"_s));
+        const Ended again = run({u"check"_s});
+        EXPECT_EQ(again.exitCode, isMended ? admin::kSuccess : admin::kFailure) << narrow(wrong);
+        EXPECT_FALSE(again.out.contains(u"YTEMP"_s));
     }
 }
 

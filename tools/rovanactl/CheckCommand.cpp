@@ -2,11 +2,13 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QStringBuilder>
+#include <functional>
 
 #include "db/MasterImport.h"
-#include "db/Schema.h"
 #include "platform/Device.h"
 #include "rovanactl/Command.h"
+#include "rovanactl/DatabaseCheck.h"
+#include "rovanactl/DatabaseCopy.h"
 #include "rovanactl/SqliteFile.h"
 
 namespace admin {
@@ -14,31 +16,65 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-/// Gathers what is wrong and prints it with the way to mend it.
+/// Mends one finding; what went wrong with that, or nothing.
+using Repair = std::function<QString()>;
+
+/// Gathers what is wrong, and mends it or prints the way to mend it.
 class Findings {
   public:
-    explicit Findings(QTextStream& out) : out_(out) {}
+    Findings(QTextStream& out, bool repairs) : out_(out), repairs_(repairs) {}
 
-    void add(const QString& wrong, const QString& mend) {
-        out_ << u"wrong: "_s << wrong << u"\n  mend: "_s << mend << u'\n';
-        ++count_;
+    /// `mend` is what a person can do about it; with `repair`, rovanactl itself can.
+    void add(const QString& wrong, const QString& mend, const Repair& repair = {}) {
+        if (!repairs_ || !repair) {
+            out_ << u"wrong: "_s << wrong << u"\n  mend: "_s << mend << u'\n';
+            ++count_;
+            return;
+        }
+        const QString error = repair();
+        if (error.isEmpty()) {
+            out_ << u"mended: "_s << wrong << u'\n';
+        } else {
+            out_ << u"wrong: "_s << wrong << u"\n  cannot be mended: "_s << error << u'\n';
+            ++count_;
+        }
     }
     void note(const QString& text) { out_ << u"note: "_s << text << u'\n'; }
     int count() const { return count_; }
+    bool repairs() const { return repairs_; }
 
   private:
     QTextStream& out_;
+    bool repairs_;
     int count_ = 0;
 };
+
+const QString& repairCommand() {
+    static const QString text = u"rovanactl check --repair"_s;
+    return text;
+}
+
+Repair makeFolder(const QString& path) {
+    return [path] { return QDir().mkpath(path) ? QString() : u"it cannot be made"_s; };
+}
+
+Repair permit(const QString& path, QFile::Permissions permissions) {
+    return [path, permissions] {
+        return QFile::setPermissions(path, permissions) ? QString() : u"its rights cannot be changed"_s;
+    };
+}
+
+constexpr QFile::Permissions kOwnFile = QFile::ReadOwner | QFile::WriteOwner;
 
 void checkFolders(Findings& findings) {
     for (const QStringView folder :
          {platform::device::kDocumentsFolder, platform::device::kStorageCardFolder}) {
         const QString path = platform::device::path(folder);
         if (!QFileInfo(path).isDir()) {
-            findings.add(u"the folder %1 is missing"_s.arg(path), u"mkdir -p \"%1\""_s.arg(path));
+            findings.add(u"the folder %1 is missing"_s.arg(path), repairCommand(), makeFolder(path));
         } else if (!QFileInfo(path).isWritable()) {
-            findings.add(u"the folder %1 cannot be written"_s.arg(path), u"chmod u+rwx \"%1\""_s.arg(path));
+            findings.add(u"the folder %1 cannot be written"_s.arg(path), repairCommand(),
+                         permit(path, kOwnFile | QFile::ExeOwner));
         }
     }
 }
@@ -47,8 +83,8 @@ void checkFolders(Findings& findings) {
 void checkSettings(SqliteFile& database, Findings& findings) {
     const QString path = platform::device::path(platform::device::kSettingsFile);
     if (!QFileInfo(path).absoluteDir().exists()) {
-        findings.add(u"the folder of %1 is missing"_s.arg(path),
-                     u"mkdir -p \"%1\""_s.arg(QFileInfo(path).absolutePath()));
+        findings.add(u"the folder of %1 is missing"_s.arg(path), repairCommand(),
+                     makeFolder(QFileInfo(path).absolutePath()));
         return;
     }
     QFile file(path);
@@ -57,7 +93,7 @@ void checkSettings(SqliteFile& database, Findings& findings) {
         return;
     }
     if (!file.open(QIODevice::ReadOnly)) {
-        findings.add(u"%1 cannot be read"_s.arg(path), u"chmod u+rw \"%1\""_s.arg(path));
+        findings.add(u"%1 cannot be read"_s.arg(path), repairCommand(), permit(path, kOwnFile));
         return;
     }
     const QString user = QString::fromLatin1(file.readAll().trimmed().left(1));
@@ -68,52 +104,40 @@ void checkSettings(SqliteFile& database, Findings& findings) {
     }
 }
 
-QString sqliteCommand(const QString& statement) {
-    return u"sqlite3 \"%1\" \"%2\""_s.arg(platform::device::path(platform::device::kDatabaseFile), statement);
-}
-
 const QString& renewal() {
     static const QString text =
-        u"move the database away, make a new one with \"rovanactl init\" and have the office send its files again"_s;
+        u"restore the last backup with \"rovanactl restore FILE\"; without one, move the database away, make "
+        u"a new "
+        "one with \"rovanactl init\" and have the office send its files again"_s;
     return text;
 }
 
 void checkTables(SqliteFile& database, Findings& findings) {
-    for (const db::schema::Table& table : db::schema::tables()) {
-        const auto columns =
-            database.rows(u"SELECT name FROM pragma_table_info(?)"_s, {table.name.toString()});
-        if (!columns || columns->isEmpty()) {
-            findings.add(u"the table %1 is missing"_s.arg(table.name),
-                         sqliteCommand(createTableStatement(table.name)));
+    for (const Departure& departure : findDepartures(database)) {
+        if (departure.repair.isEmpty()) {
+            findings.add(departure.text, renewal());
             continue;
         }
-        bool isAsExpected = columns->size() == qsizetype(table.columns.size());
-        QStringList expected;
-        for (const QStringView column : table.columns) {
-            const qsizetype at = expected.size();
-            isAsExpected = isAsExpected && column.compare((*columns)[at].first(), Qt::CaseInsensitive) == 0;
-            expected << column.toString();
-        }
-        if (!isAsExpected) {
-            findings.add(
-                u"the columns of %1 are not %2, in that order"_s.arg(table.name, expected.join(u", "_s)),
-                renewal());
-        }
+        findings.add(departure.text, repairCommand(),
+                     [&] { return database.execute(departure.repair) ? QString() : database.errorText(); });
     }
 }
 
-void checkIndexes(SqliteFile& database, Findings& findings) {
-    for (const db::schema::Index& index : db::schema::indexes()) {
-        const auto found =
-            database.rows(u"SELECT name FROM pragma_index_info(?) ORDER BY seqno"_s, {index.name.toString()});
-        QStringList columns;
-        if (found) {
-            for (const QStringList& row : *found) columns << row.first();
+/// A slip being written stands in the working tables. Without a terminal that writes one, its rows are what a
+/// terminal left that died; the next work in the menu would drop them.
+void checkWorkingRows(SqliteFile& database, Findings& findings) {
+    for (const QString& table : {u"TEMP"_s, u"YTEMP"_s}) {
+        const auto rows = database.rows(u"SELECT COUNT(*) FROM "_s + table);
+        if (!rows || rows->first().first() == u"0") continue;
+        const QString what =
+            u"%1 holds %2 rows of a slip that is not saved"_s.arg(table, rows->first().first());
+        if (!findings.repairs()) {
+            findings.note(what % u"; the terminal drops them when it starts the next one"_s);
+            continue;
         }
-        if (index.columns.compare(columns.join(u", "_s), Qt::CaseInsensitive) == 0) continue;
-        const QString drop = columns.isEmpty() ? QString() : u"DROP INDEX %1; "_s.arg(index.name);
-        findings.add(u"the index %1 is missing or another; searches are slow"_s.arg(index.name),
-                     sqliteCommand(drop % createIndexStatement(index.name)));
+        findings.add(what, {}, [&] {
+            return database.execute(u"DELETE FROM "_s + table) ? QString() : database.errorText();
+        });
     }
 }
 
@@ -141,8 +165,8 @@ void checkImportFiles(Findings& findings) {
         for (const db::ImportSource folder : {db::ImportSource::Documents, db::ImportSource::StorageCard}) {
             const QString path = platform::device::path(db::importPath(file, folder));
             if (QFileInfo::exists(path) && source == db::ImportSource::None) {
-                findings.add(u"%1 cannot be opened for reading and writing"_s.arg(path),
-                             u"chmod u+rw \"%1\""_s.arg(path));
+                findings.add(u"%1 cannot be opened for reading and writing"_s.arg(path), repairCommand(),
+                             permit(path, kOwnFile));
             }
             if (QFileInfo::exists(path + u".rejected"_s)) {
                 findings.add(u"%1.rejected holds lines that were not taken"_s.arg(path),
@@ -152,38 +176,71 @@ void checkImportFiles(Findings& findings) {
     }
 }
 
+/// An index can be made anew from its table; a damaged table cannot. The database as it was stays beside.
+QString rebuildIndexes(SqliteFile& database, const QString& path, Findings& findings) {
+    const CopyResult kept = keepBeside(database, path);
+    if (!kept.error.isEmpty()) return kept.error;
+    findings.note(u"the database as it was is kept as "_s % kept.kept);
+    const bool isRebuilt = database.execute(u"REINDEX"_s);
+    const QString damage = isRebuilt ? findDamage(database) : database.errorText();
+    return damage.isEmpty() ? QString()
+                            : u"it is not an index alone that is damaged (%1); %2"_s.arg(damage, renewal());
+}
+
 void checkDatabase(Findings& findings) {
     const QString path = platform::device::path(platform::device::kDatabaseFile);
-    if (QFileInfo::exists(path + u".new"_s)) {
-        findings.add(u"%1.new is left from an init that was stopped"_s.arg(path), u"delete it"_s);
-    }
     if (!QFileInfo::exists(path)) {
         findings.add(u"the database %1 is missing"_s.arg(path),
-                     u"rovanactl init \"%1\""_s.arg(platform::device::folder()));
+                     u"rovanactl restore FILE with the last backup, or rovanactl init \"%1\""_s.arg(
+                         platform::device::folder()));
         return;
+    }
+    const QString unfinished = path + u".new"_s;
+    if (QFileInfo::exists(unfinished)) {
+        findings.add(u"%1 is left from an init that was stopped"_s.arg(unfinished), repairCommand(),
+                     [&] { return QFile::remove(unfinished) ? QString() : u"it cannot be deleted"_s; });
     }
     constexpr QFile::Permissions kOthers =
         QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
     if (QFileInfo(path).permissions() & kOthers) {
-        findings.add(u"others may read the database %1, which holds passwords"_s.arg(path),
-                     u"chmod 600 \"%1\""_s.arg(path));
+        findings.add(u"others may read the database %1, which holds passwords"_s.arg(path), repairCommand(),
+                     permit(path, kOwnFile));
     }
     SqliteFile database(path, SqliteFile::Mode::Existing);
-    const auto integrity = database.rows(u"PRAGMA integrity_check"_s);
-    if (!integrity || integrity->isEmpty() || integrity->first().first() != u"ok") {
-        const QString fault =
-            integrity && !integrity->isEmpty() ? integrity->first().first() : database.errorText();
-        findings.add(u"the database %1 is damaged: %2"_s.arg(path, fault.section(u'\n', 0, 0)), renewal());
+    if (findings.repairs() && database.lock() == SqliteFile::Lock::InUse) {
+        findings.add(u"%1 was opened by another program just now"_s.arg(path), u"close the terminal first"_s);
         return;
     }
+    if (const QString damage = findDamage(database); !damage.isEmpty()) {
+        const qsizetype before = findings.count();
+        findings.add(u"the database %1 is damaged: %2"_s.arg(path, damage),
+                     u"%1; where that does not help, %2"_s.arg(repairCommand(), renewal()),
+                     [&] { return rebuildIndexes(database, path, findings); });
+        if (!findings.repairs() || findings.count() > before) return;
+    }
     checkTables(database, findings);
-    checkIndexes(database, findings);
+    checkWorkingRows(database, findings);
     checkRows(database, findings);
     checkSettings(database, findings);
 }
 
+/// What forbids to mend the device folder now; empty when nothing does.
+QString findObstacle() {
+    const QString path = platform::device::path(platform::device::kDatabaseFile);
+    if (!QFileInfo::exists(path)) return {};
+    const bool isInUse = SqliteFile(path, SqliteFile::Mode::Existing).lock() == SqliteFile::Lock::InUse;
+    return isInUse ? describeUse(path) : QString();
+}
+
+void addCheckOptions(QCommandLineParser& parser) {
+    parser.addOption({u"repair"_s, u"Mends what can be mended."_s});
+}
+
 Outcome check(const Invocation& call) {
-    Findings findings(call.out);
+    Findings findings(call.out, call.options.isSet(u"repair"_s));
+    if (findings.repairs()) {
+        if (const QString obstacle = findObstacle(); !obstacle.isEmpty()) return failure(obstacle);
+    }
     checkFolders(findings);
     checkDatabase(findings);
     checkImportFiles(findings);
@@ -200,10 +257,12 @@ constinit const Command kCheckCommand{
     u"check",
     u"",
     u"looks for damage to the database and the device folder",
-    u"Prints what is wrong and how to mend it, and exits with 1 when anything is. Changes nothing.",
+    u"Prints what is wrong and how to mend it, and exits with 1 when anything is. Changes nothing without\n"
+    u"--repair, which rebuilds indexes, makes missing tables, indexes and folders, takes rights back and\n"
+    u"removes the rows of a slip that a terminal was writing when it died. It needs the terminal closed.",
     0,
     0,
-    nullptr,
+    addCheckOptions,
     check};
 
 }  // namespace admin
