@@ -21,6 +21,7 @@
 #include "sales/MtmDlg.h"
 #include "sales/PummokCheck.h"
 #include "sales/PummokSeekBoard.h"
+#include "totals/ReportDlg.h"
 #include "totals/TotalsDlg.h"
 #include "ui/Terminal.h"
 #include "van/CardDlg.h"
@@ -60,6 +61,7 @@ constexpr Entry kScreens[] = {
     {dialogs::kCard, make<van::CCardDlg>},
     {dialogs::kCollectionEntry, make<collect::CCollectionEntryDlg>},
     {dialogs::kTotals, make<totals::CTotalsDlg>},
+    {dialogs::kReport, make<totals::CReportDlg>},
 };
 
 }  // namespace

@@ -23,5 +23,6 @@ inline constexpr int kImport = 435;
 inline constexpr int kCard = 449;
 inline constexpr int kCollectionEntry = 450;
 inline constexpr int kTotals = 457;
+inline constexpr int kReport = 458;
 
 }  // namespace app::dialogs

@@ -67,6 +67,7 @@ constexpr std::array kTables{
 constexpr std::array kIndexes{
     Index{u"GARAE_GCODE", u"GARAE", u"GCODE"},
     Index{u"GARAE_SEEK", u"GARAE", u"SEEK, GNAME"},
+    Index{u"GARAE_USER", u"GARAE", u"USERID, GCODE"},
     Index{u"PUMMOK_PCODE", u"PUMMOK", u"Pcode"},
     Index{u"PUMMOK_SEEK", u"PUMMOK", u"seek, Pname"},
     Index{u"PUMMOK_CLASS", u"PUMMOK", u"JGubun, Pcode"},

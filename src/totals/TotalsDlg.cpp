@@ -6,7 +6,10 @@
 #include "app/Dialogs.h"
 #include "app/Session.h"
 #include "print/PrintJob.h"
+#include "totals/DailyReports.h"
+#include "totals/ReportDlg.h"
 #include "ui/Messages.h"
+#include "ui/WaitCursor.h"
 #include "van/HostRequest.h"
 
 namespace totals {
@@ -36,15 +39,30 @@ constexpr SummaryField kFields[] = {
     {1122, &print::HostSummary::deposited},
 };
 
+void showDailyReport(const DailyReport& daily) {
+    std::optional<Report> report;
+    {
+        const ui::WaitCursor cursor;
+        report = daily.make(app::session().WorkDate, app::session().UserID);
+    }
+    if (report) {
+        showReport(*report);
+    } else {
+        ui::message(u"자료를 읽지 못해 집계하지 못했습니다..!"_s);
+    }
+}
+
 }  // namespace
 
 CTotalsDlg::CTotalsDlg() : Screen(app::dialogs::kTotals), component_(this) {
     addLabel(0, u"영업/HOST집계"_s, {4, 4, 232, 26}, ui::FontHeight::Title, Qt::AlignCenter);
     addLabel(0, app::session().UserID + u' ' + app::session().UserField2 + u"  "_s + app::session().WorkDate,
-             {4, 32, 232, 22}, ui::FontHeight::Small, Qt::AlignCenter);
-    ui::BitmapButton* summary = addButton(kSummaryButton, u"HOST집계"_s, {12, 62}, ui::bitmaps::kDocument);
-    connect(summary, &ui::BitmapButton::clicked, this, [this] { request(); });
-    log_.emplace(component_, place(1146, new QPlainTextEdit(this), {2, 200, 236, 80}),
+             {4, 30, 232, 22}, ui::FontHeight::Small, Qt::AlignCenter);
+    for (const DailyReport& report : dailyReports()) {
+        addWork(report.button, report.caption.toString(), [&report] { showDailyReport(report); });
+    }
+    addWork(kSummaryButton, u"HOST집계"_s, [this] { request(); });
+    log_.emplace(component_, place(1146, new QPlainTextEdit(this), {2, 202, 236, 78}),
                  [this] { return readReply(); });
     connect(&*log_, &van::ExchangeLog::ended, this, [this] { exchangeEnded(); });
     ui::BitmapButton* done = addButton(1003, u"닫  기"_s, {182, 284}, ui::bitmaps::kCancel);
@@ -52,6 +70,15 @@ CTotalsDlg::CTotalsDlg() : Screen(app::dialogs::kTotals), component_(this) {
         if (!log_->isExchanging()) close(Cancelled);
     });
     setCancelButton(done);
+}
+
+void CTotalsDlg::addWork(int controlId, const QString& caption, std::function<void()> work) {
+    const QPoint place(4 + works_ % 2 * 118, 56 + works_ / 2 * 36);
+    ui::BitmapButton* button = addButton(controlId, caption, place, ui::bitmaps::kHalfDocument);
+    connect(button, &ui::BitmapButton::clicked, this, [this, work = std::move(work)] {
+        if (!log_->isExchanging()) work();
+    });
+    ++works_;
 }
 
 void CTotalsDlg::request() {

@@ -46,6 +46,7 @@ inline constexpr ButtonBitmaps kSaveSlip{526, 527, CaptionColour::Light};
 inline constexpr ButtonBitmaps kSearchCode{528, 529, CaptionColour::Light};
 inline constexpr ButtonBitmaps kWideAmount{530, 531};
 inline constexpr ButtonBitmaps kSettle{532, 533, CaptionColour::Light};
+inline constexpr ButtonBitmaps kHalfDocument{540, 541};
 inline constexpr ButtonBitmaps kKeySpecial{522, 523};
 
 inline constexpr int kApplicationIcon = 128;
