@@ -15,7 +15,9 @@
 #include "app/RovanaApp.h"
 #include "desk/Desk.h"
 #include "platform/Device.h"
+#include "platform/Settings.h"
 #include "platform/Trace.h"
+#include "platform/termdev/Devices.h"
 #include "platform/termdev/SwipeSocket.h"
 #include "ui/Bitmaps.h"
 #include "ui/Fonts.h"
@@ -63,7 +65,8 @@ Options readOptions(int argc, char** argv) {
     if (options.isScaleGiven) {
         bool isNumber = false;
         options.scale = parser.value(scale).toDouble(&isNumber);
-        if (!isNumber || !(options.scale >= 0.5 && options.scale <= 8)) {
+        if (!isNumber ||
+            !(options.scale >= platform::kSmallestScale && options.scale <= platform::kLargestScale)) {
             std::fprintf(stderr, "rovana: --scale takes a number from 0.5 to 8\n");
             std::exit(2);
         }
@@ -86,6 +89,12 @@ int runProgram(int argc, char** argv, const std::function<void(ui::Terminal&)>& 
     QCoreApplication::setApplicationName(u"rovana"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(ROVANA_VERSION));
     Options options = readOptions(argc, argv);
+    platform::device::setFolder(platform::device::choose(options.device));
+    const platform::Settings settings = platform::readSettings();
+    if (!options.isScaleGiven && settings.scale > 0) {
+        options.scale = settings.scale;
+        options.isScaleGiven = true;
+    }
     if (options.isFullScreen && !options.isScaleGiven) {
         options.scale = scaleToFit(argc, argv, ui::kScreenSize);
     } else if (options.isDesk && !options.isScaleGiven) {
@@ -96,11 +105,11 @@ int runProgram(int argc, char** argv, const std::function<void(ui::Terminal&)>& 
     qputenv("QT_SCALE_FACTOR", QByteArray::number(options.scale));
 
     const QApplication application(argc, argv);
-    platform::device::setFolder(platform::device::choose(options.device));
-    if (!platform::openLog()) {
+    if (!platform::openLog(settings.logKilobytes * qint64{1024})) {
         std::fprintf(stderr, "rovana: no log can be kept in %s\n",
                      qUtf8Printable(platform::device::folder()));
     }
+    for (const QString& complaint : settings.complaints) platform::trace(complaint);
     ui::prepareFonts();
     QApplication::setWindowIcon(ui::icon(ui::bitmaps::kApplicationIcon));
 
@@ -118,6 +127,7 @@ int runProgram(int argc, char** argv, const std::function<void(ui::Terminal&)>& 
         if (!options.isFullScreen) layout->setSizeConstraint(QLayout::SetFixedSize);
     }
 
+    const platform::termdev::Devices devices(settings);
     const platform::termdev::SwipeSocket swipes;
     registerScreens();
     if (terminalMade) terminalMade(*terminal);

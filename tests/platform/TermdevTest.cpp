@@ -1,28 +1,19 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
-#include <QGuiApplication>
 #include <QImage>
 #include <QStringList>
 
 #include "platform/Trace.h"
 #include "platform/termdev/PaperRoll.h"
 #include "platform/termdev/TermDev.h"
+#include "support/Pump.h"
 #include "support/TestDevice.h"
 
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
 using namespace platform::termdev;
-
-/// The picture needs fonts, and those an application.
-void needFonts() {
-    if (QCoreApplication::instance()) return;
-    static int count = 1;
-    static char name[] = "test";
-    static char* arguments[] = {name, nullptr};
-    static QGuiApplication application(count, arguments);
-}
 
 class Roll : public testing::Test {
   protected:
@@ -126,7 +117,7 @@ TEST_F(Roll, TextNeedsNoFonts) {
 }
 
 TEST_F(Roll, PictureKeepsTheColumns) {
-    needFonts();
+    test::needApplication();
     // The last character stands in column 32 in both lines, whatever stands before it.
     print({u"가나다라마바사아자차카타파하거|\n", u"                               |\n"}, 2);
     const QImage image = picture();
@@ -141,7 +132,7 @@ TEST_F(Roll, PictureKeepsTheColumns) {
 }
 
 TEST_F(Roll, PictureShowsTheTitleEnlarged) {
-    needFonts();
+    test::needApplication();
     PaperRoll roll;
     roll.open();
     roll.setSize(4);
@@ -159,7 +150,7 @@ TEST_F(Roll, PictureShowsTheTitleEnlarged) {
 }
 
 TEST_F(Roll, PictureGoesOnAndKeepsTheEnd) {
-    needFonts();
+    test::needApplication();
     print({u"첫째\n"});
     const QImage first = picture();
     print({u"둘째\n"});
@@ -175,6 +166,20 @@ TEST_F(Roll, PictureGoesOnAndKeepsTheEnd) {
     EXPECT_EQ(picture().height(), kRollDots);
     EXPECT_GT(inkedRows(picture(), kRollDots - kLineDots, kLineDots), 10);
     EXPECT_EQ(inkedRows(picture(), 0, kRollDots - kLineDots), 0) << "the oldest paper goes first";
+}
+
+TEST_F(Roll, TextTurnsOverAtItsLimit) {
+    for (int job = 0; job < 10; ++job) {
+        PaperRoll roll(40);
+        roll.open();
+        roll.print(u"job %1 ---------\n"_s.arg(job));
+        roll.close();
+        ASSERT_LE(rollText().size(), 40);
+    }
+    QFile older(device_.folder() + u"/roll.txt.1"_s);
+    ASSERT_TRUE(older.open(QIODevice::ReadOnly));
+    EXPECT_EQ(older.readAll() + rollText().toUtf8(),
+              "job 6 ---------\njob 7 ---------\njob 8 ---------\njob 9 ---------\n");
 }
 
 TEST_F(Roll, FailureIsTracedOnly) {

@@ -28,6 +28,7 @@ struct Glyph {
 /// One line of paper.
 struct PaperLine {
     QList<Glyph> glyphs;
+    bool isFed = false;  ///< Blank paper that no text asked for.
 
     bool isEnlarged() const;
     int columns() const;

@@ -2,6 +2,8 @@
 
 #include <QStringView>
 
+#include "platform/termdev/DeviceStatus.h"
+
 namespace platform::termdev {
 
 /// What stands behind the printer operations of the device library. Every operation returns 1 when it was
@@ -20,6 +22,8 @@ class Printer {
     virtual int print(QStringView text) = 0;
     /// Ends a line at hand, then advances `lines` blank lines.
     virtual int feed(int lines) = 0;
+    /// How the printer is; one that cannot fail is always ready.
+    virtual DeviceStatus status() const { return {}; }
 };
 
 }  // namespace platform::termdev

@@ -78,6 +78,11 @@ Operation operation(int ordinal) {
 
 void setPrinter(std::unique_ptr<Printer> printer) {
     installed() = std::move(printer);
+    statusChanged();
+}
+
+DeviceStatus printerStatus() {
+    return printer().status();
 }
 
 }  // namespace platform::termdev

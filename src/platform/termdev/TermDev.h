@@ -20,4 +20,7 @@ Operation operation(int ordinal);
 /// Puts another printer behind the operations; null brings the paper roll back.
 void setPrinter(std::unique_ptr<Printer> printer);
 
+/// How the printer behind the operations is.
+DeviceStatus printerStatus();
+
 }  // namespace platform::termdev

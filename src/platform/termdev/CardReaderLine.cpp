@@ -1,0 +1,203 @@
+#include "platform/termdev/CardReaderLine.h"
+
+#include <fcntl.h>
+#include <sodium.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <QDir>
+#include <QFileInfo>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+#include "platform/Trace.h"
+#include "platform/termdev/CardReader.h"
+#include "platform/termdev/DeviceLine.h"
+#include "platform/termdev/Swipe.h"
+
+namespace platform::termdev {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr int kLongestGap = 250;
+
+/// Takes an input device for this program alone, so that its keys reach no screen. What is no device types
+/// nothing anyway.
+bool grab(int descriptor) {
+    struct stat kind {};
+    if (::fstat(descriptor, &kind) == 0 && !S_ISCHR(kind.st_mode)) return true;
+    return ::ioctl(descriptor, EVIOCGRAB, 1) == 0;
+}
+
+/// The input device that the kernel makes of a hidraw keyboard; empty when it makes none.
+QString siblingOf(const QString& hidraw) {
+    const QString name = QFileInfo(QFileInfo(hidraw).canonicalFilePath()).fileName();
+    const QDir inputs(u"/sys/class/hidraw/%1/device/input"_s.arg(name));
+    for (const QString& input : inputs.entryList({u"input*"_s}, QDir::Dirs)) {
+        const QStringList events = QDir(inputs.filePath(input)).entryList({u"event*"_s}, QDir::Dirs);
+        if (!events.isEmpty()) return u"/dev/input/"_s + events.constFirst();
+    }
+    return {};
+}
+
+}  // namespace
+
+CardReaderLine::CardReaderLine(const ReaderSettings& settings, int retry)
+    : settings_(settings), retry_(retry) {
+    opening_.setSingleShot(true);
+    quiet_.setSingleShot(true);
+    quiet_.setTimerType(Qt::PreciseTimer);
+    connect(&opening_, &QTimer::timeout, this, &CardReaderLine::open);
+    connect(&quiet_, &QTimer::timeout, this, [this] {
+        // What came while the program was busy is no break.
+        const auto before = received_.size();
+        read();
+        if (received_.size() == before) swipeEnded(true);
+    });
+    open();
+}
+
+CardReaderLine::~CardReaderLine() {
+    close();
+}
+
+DeviceStatus CardReaderLine::status() const {
+    using State = DeviceStatus::State;
+    return {fault_.isEmpty() ? State::Ready : State::Fault, 0, fault_};
+}
+
+int CardReaderLine::openAndTake() {
+    if (settings_.kind == Kind::Serial) return openSerial(settings_.device, settings_.line);
+    const int line = openDevice(settings_.device, O_RDONLY);
+    if (line < 0) return -1;
+    bool isTaken = true;
+    if (settings_.kind == Kind::Evdev) {
+        isTaken = grab(line);
+    } else if (const QString sibling = siblingOf(settings_.device); !sibling.isEmpty()) {
+        sibling_ = openDevice(sibling, O_RDONLY);
+        isTaken = sibling_ >= 0 && grab(sibling_);
+    }
+    if (isTaken) return line;
+    // Better no reader than one that types card tracks into the screens.
+    const int reason = errno;
+    ::close(line);
+    if (sibling_ >= 0) ::close(std::exchange(sibling_, -1));
+    errno = reason;
+    return -1;
+}
+
+void CardReaderLine::open() {
+    line_ = openAndTake();
+    if (line_ < 0) {
+        setFault(QString::fromLocal8Bit(std::strerror(errno)));
+        opening_.start(retry_);
+        return;
+    }
+    keystrokes_.reset();
+    readable_ = std::make_unique<QSocketNotifier>(line_, QSocketNotifier::Read);
+    connect(readable_.get(), &QSocketNotifier::activated, this, &CardReaderLine::read);
+    setFault({});
+}
+
+void CardReaderLine::close() {
+    quiet_.stop();
+    forget();
+    if (readable_) {  // It may be the one that is being served.
+        readable_->setEnabled(false);
+        readable_.release()->deleteLater();
+    }
+    for (int* descriptor : {&line_, &sibling_}) {
+        if (*descriptor >= 0) ::close(std::exchange(*descriptor, -1));
+    }
+}
+
+void CardReaderLine::read() {
+    // A whole number of input events and of keyboard reports.
+    std::array<char, 32 * sizeof(input_event)> buffer;
+    const size_t most = settings_.kind == Kind::Hidraw ? Keystrokes::kReportBytes : buffer.size();
+    const ssize_t count = line_ < 0 ? -1 : ::read(line_, buffer.data(), most);
+    const int reason = errno;
+    if (count > 0) {
+        const QByteArrayView bytes(buffer.data(), count);
+        if (settings_.kind == Kind::Serial) {
+            for (const char character : bytes) take(character);
+        } else if (settings_.kind == Kind::Hidraw) {
+            keystrokes_.report(bytes, [this](char character) { take(character); });
+        } else {
+            for (size_t at = 0; at + sizeof(input_event) <= size_t(count); at += sizeof(input_event)) {
+                input_event event{};
+                std::memcpy(&event, buffer.data() + at, sizeof event);
+                takeEvent(event);
+                sodium_memzero(&event, sizeof event);
+            }
+        }
+    }
+    sodium_memzero(buffer.data(), buffer.size());
+    const bool isWaiting = count < 0 && (reason == EAGAIN || reason == EINTR);
+    if (count > 0 || isWaiting || line_ < 0) return;
+    close();
+    setFault(count == 0 ? u"it was taken away"_s : QString::fromLocal8Bit(std::strerror(reason)));
+    opening_.start(retry_);
+}
+
+void CardReaderLine::takeEvent(const input_event& event) {
+    // The kernel had to throw keys away.
+    if (event.type == EV_SYN && event.code == SYN_DROPPED) isSpoilt_ = true;
+    const char character = keystrokes_.character(event);
+    if (character == 0) return;
+    // The kernel's own time of the key: right however busy this program was.
+    const qint64 moment = qint64(event.input_event_sec) * 1000 + event.input_event_usec / 1000;
+    const qint64 gap = moment - std::exchange(lastEvent_, moment);
+    if (gap > kLongestGap && !received_.empty()) swipeEnded(true);
+    take(character);
+}
+
+void CardReaderLine::take(char character) {
+    if (received_.size() >= size_t(kLongestSwipe)) {
+        isSpoilt_ = true;
+    } else {
+        received_.push_back(static_cast<unsigned char>(character));
+    }
+    quiet_.start(kLongestGap);
+    // The end of a line may also stand between the tracks: what is not whole yet goes on.
+    if (character == '\r' || character == '\n' || character == '\x03') swipeEnded(false);
+}
+
+void CardReaderLine::swipeEnded(bool isQuiet) {
+    const QByteArrayView text(reinterpret_cast<const char*>(received_.data()), qsizetype(received_.size()));
+    const std::optional<Swipe> swipe = isSpoilt_ ? std::nullopt : readSwipe(text, settings_);
+    if (!swipe && !isQuiet) return;
+    const bool isFramingOnly = text.trimmed().isEmpty() || text == QByteArrayView("\x03");
+    forget();
+    if (!swipe) {
+        if (!isFramingOnly) trace(u"card reader: a partial or damaged swipe is dropped");
+        return;
+    }
+    // Handed on from the event loop, because the password keypad may hold it for long.
+    QTimer::singleShot(0, this, [this, taken = std::make_shared<const Swipe>(*swipe)] {
+        const auto view = [](const SecureBytes& bytes) {
+            return QByteArrayView(reinterpret_cast<const char*>(bytes.data()), qsizetype(bytes.size()));
+        };
+        if (!CardReader::instance().swipe(view(taken->track2), view(taken->track3)))
+            trace(u"card reader: a swipe is dropped; no screen reads cards now");
+    });
+}
+
+void CardReaderLine::forget() {
+    quiet_.stop();
+    SecureBytes().swap(received_);
+    isSpoilt_ = false;
+}
+
+void CardReaderLine::setFault(const QString& fault) {
+    if (fault == fault_) return;
+    fault_ = fault;
+    trace(fault.isEmpty() ? u"card reader: it works again"_s : u"card reader: "_s + fault);
+    statusChanged();
+}
+
+}  // namespace platform::termdev

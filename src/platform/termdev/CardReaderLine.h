@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QSocketNotifier>
+#include <QTimer>
+#include <memory>
+
+#include "platform/SecureBytes.h"
+#include "platform/Settings.h"
+#include "platform/termdev/DeviceStatus.h"
+#include "platform/termdev/Keystrokes.h"
+
+namespace platform::termdev {
+
+/// The card reader that the settings name: takes its device for itself, gathers what a swipe sends and puts
+/// whole ones through CardReader. Anything else is dropped: a swipe that breaks off for longer than 250 ms,
+/// that is damaged, or that comes while no screen reads cards. Tracks are in wiped memory only, and never in
+/// the log. A device that is away is looked for again and again.
+class CardReaderLine : public QObject {
+    Q_OBJECT
+
+  public:
+    /// `retry` is the time in milliseconds between two tries to open the device.
+    explicit CardReaderLine(const ReaderSettings& settings, int retry = 2000);
+    ~CardReaderLine() override;
+
+    /// Ready or a fault; no job ever waits.
+    DeviceStatus status() const;
+
+  private:
+    using Kind = ReaderSettings::Kind;
+
+    void open();
+    void close();
+    int openAndTake();
+    void read();
+    void take(char character);
+    void takeEvent(const input_event& event);
+    void swipeEnded(bool isQuiet);
+    void forget();
+    void setFault(const QString& fault);
+
+    const ReaderSettings settings_;
+    const int retry_;
+    QString fault_;
+    QTimer opening_;
+    QTimer quiet_;
+    int line_ = -1;
+    int sibling_ = -1;  ///< The input device of a hidraw keyboard, held so that its keys reach nobody.
+    std::unique_ptr<QSocketNotifier> readable_;
+    Keystrokes keystrokes_;
+    qint64 lastEvent_ = 0;  ///< Milliseconds of the clock that stamps input events.
+    SecureBytes received_;
+    bool isSpoilt_ = false;
+};
+
+}  // namespace platform::termdev

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/Settings.h"
+#include "platform/termdev/CardReaderLine.h"
+
+namespace platform::termdev {
+
+/// The devices that the settings name, in use while the object lives. It needs an application object; the
+/// paper roll comes back at its end.
+class Devices {
+  public:
+    explicit Devices(const Settings& settings);
+    ~Devices();
+    Devices(const Devices&) = delete;
+    Devices& operator=(const Devices&) = delete;
+
+  private:
+    std::unique_ptr<CardReaderLine> reader_;
+};
+
+/// How the card reader in use is; without one the terminal takes cards from its socket and is ready.
+DeviceStatus readerStatus();
+
+}  // namespace platform::termdev

@@ -1,0 +1,59 @@
+#include "platform/Settings.h"
+
+#include <gtest/gtest.h>
+
+#include "support/TestDevice.h"
+
+namespace platform {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+TEST(Settings, GoodValuesAreTakenAndBadOnesTold) {
+    test::TestDevice device;
+    EXPECT_TRUE(readSettings().complaints.isEmpty()) << "no file, no complaint";
+
+    device.writeFile(u"\\rovana.conf",
+                     "# the van\n[printer]\ntype = serial\ndevice = /dev/ttyS7\nspeed=19200\ncut = Partial\n"
+                     "ksx1001 = yes\n[Reader]\ntype = evdev\ndevice = \"/dev/input/by-id/a b\"\ntrack2 = ;\n"
+                     "track3 = ;+\ntracks = 3\n[screen]\nscale = 1.5\n[log]\nkilobytes = 64\n");
+    Settings settings = readSettings();
+    EXPECT_EQ(settings.complaints.join(u'\n').toStdString(), "");
+    EXPECT_EQ(settings.printer.kind, PrinterSettings::Kind::Serial);
+    EXPECT_EQ(settings.printer.device, u"/dev/ttyS7"_s);
+    EXPECT_EQ(settings.printer.line.speed, 19200);
+    EXPECT_EQ(settings.printer.cut, PrinterSettings::Cut::Partial);
+    EXPECT_TRUE(settings.printer.isKsx1001Only);
+    EXPECT_EQ(settings.reader.kind, ReaderSettings::Kind::Evdev);
+    EXPECT_EQ(settings.reader.device, u"/dev/input/by-id/a b"_s);
+    EXPECT_EQ(settings.reader.track2Starts, u";"_s) << "a semicolon is a value here";
+    EXPECT_EQ(settings.reader.track3Starts, u";+"_s);
+    EXPECT_EQ(settings.reader.tracks, ReaderSettings::Tracks::Only3);
+    EXPECT_EQ(settings.scale, 1.5);
+    EXPECT_EQ(settings.logKilobytes, 64);
+
+    const QByteArray bad[] = {"[printer]\nspeed = 9601",
+                              "[printer]\ntype = laser",
+                              "[printer]\nport = 70000",
+                              "[printer]\naddress = a.b",
+                              "[printer]\ntype = tcp",
+                              "[reader]\ntype = serial",
+                              "[reader]\ntrack3 = 12",
+                              "[screen]\nscale = nan",
+                              "[log]\nkilobytes = -1",
+                              "[log]\nsize = 5",
+                              "nonsense"};
+    for (const QByteArray& text : bad) {
+        device.writeFile(u"\\rovana.conf", text + '\n');
+        settings = readSettings();
+        EXPECT_EQ(settings.complaints.size(), 1) << text.toStdString();
+        EXPECT_EQ(settings.printer.kind, PrinterSettings::Kind::Roll) << text.toStdString();
+        EXPECT_EQ(settings.reader.kind, ReaderSettings::Kind::None) << text.toStdString();
+        EXPECT_EQ(settings.printer.line.speed, 9600);
+        EXPECT_EQ(settings.printer.port, 9100);
+        EXPECT_EQ(settings.scale, 0);
+    }
+}
+
+}  // namespace
+}  // namespace platform
