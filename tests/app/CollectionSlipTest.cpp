@@ -145,28 +145,6 @@ TEST_F(Collections, MoveTheReceivableExactlyOnce) {
     EXPECT_TRUE(app::saveCollection(stranger)) << "a customer who is not there has no receivable to move";
 }
 
-TEST_F(Collections, AreRemovedByUserOrWhoeverWroteThem) {
-    for (const QString& user : {u"A"_s, u"B"_s}) {
-        for (const QString& number : {u"5001"_s, u"5002"_s}) {
-            CollectionSlip each = slip(0, 0);
-            each.UserID = user;
-            each.JunNo = number;
-            ASSERT_TRUE(app::saveCollection(each));
-        }
-    }
-    EXPECT_EQ(receivable(), u"810000"_s);
-    EXPECT_EQ(app::collectionsOfDay(kUser, kDate).cells,
-              (QList<QString>{u"5002"_s, u"가나상회"_s, u"0001"_s, u"5001"_s, u"가나상회"_s, u"0001"_s}));
-    EXPECT_TRUE(app::removeCollection(kDate, u"5002", u"B"));
-    EXPECT_EQ(collections(), u"5001A=0 5002A=0 5001B=0"_s);
-    EXPECT_EQ(receivable(), u"695000"_s);
-    EXPECT_TRUE(app::removeCollections(kDate, u"5001"));
-    EXPECT_EQ(collections(), u"5002A=0"_s);
-    EXPECT_EQ(receivable(), u"465000"_s);
-    EXPECT_TRUE(app::removeCollections(u"2024-05-11", u"5002"));
-    EXPECT_EQ(collections(), u"5002A=0"_s);
-}
-
 TEST_F(Collections, StayAsTheyWereWhenAnyPartFails) {
     ASSERT_TRUE(app::saveCollection(slip(60000, 0)));
     const auto expectUntouched = [&](const char* why) {

@@ -2,11 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <QDir>
+#include <QStringList>
 
-#include "platform/Device.h"
 #include "support/PrintQt.h"
-#include "support/TestDevice.h"
 
 namespace db {
 namespace {
@@ -52,22 +50,6 @@ TEST(ImportFileTest, CutsLines) {
         while (expected.size() < file.fields) expected << u""_s;
         EXPECT_EQ(fields, expected) << c.line.toStdString();
     }
-}
-
-TEST(ImportFileTest, IsFoundInTheDocumentsFirst) {
-    test::TestDevice device;
-    const ImportFile& file = importFileOf(u"GARAE.RVN");
-    EXPECT_EQ(findImportFile(file), ImportSource::None);
-    EXPECT_FALSE(isImportWaiting());
-    device.writeFile(u"\\저장소카드\\GARAE.RVN", "");
-    EXPECT_EQ(findImportFile(file), ImportSource::StorageCard);
-    EXPECT_TRUE(isImportWaiting());
-    device.writeFile(u"\\My Documents\\GARAE.RVN", "");
-    EXPECT_EQ(findImportFile(file), ImportSource::Documents);
-    EXPECT_EQ(findImportFile(importFileOf(u"MTM.RVN")), ImportSource::None);
-    // A folder of that name is no file.
-    QDir().mkpath(platform::device::path(u"\\My Documents\\MTM.RVN"));
-    EXPECT_EQ(findImportFile(importFileOf(u"MTM.RVN")), ImportSource::None);
 }
 
 }  // namespace

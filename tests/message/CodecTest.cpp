@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <QList>
-
 #include "platform/message/Fields.h"
 #include "platform/message/Frame.h"
 #include "platform/message/Seal.h"
@@ -33,27 +31,6 @@ TEST(FrameTest, HasTheDocumentedLayout) {
                                                                          "78797a"));
     EXPECT_TRUE(encodeFrame(frameOf(1, QByteArray(kFrameLimit - 21, 'x'))).isEmpty());
     EXPECT_EQ(encodeFrame(frameOf(1, QByteArray(kFrameLimit - 22, 'x'))).size(), kFrameLimit);
-}
-
-TEST(FrameTest, ComesOutHoweverItsBytesArrive) {
-    const QByteArray bytes = encodeFrame(frameOf(1, "first")) + encodeFrame(frameOf(2, {})) +
-                             encodeFrame(frameOf(3, QByteArray(kFrameLimit - 22, 'x')));
-    for (const qsizetype piece : {qsizetype(1), qsizetype(7), qsizetype(4096), bytes.size()}) {
-        FrameReader reader;
-        QList<QByteArray> contents;
-        for (qsizetype at = 0; at < bytes.size(); at += piece) {
-            reader.add(bytes.mid(at, piece));
-            Frame frame;
-            while (reader.next(&frame) == Result::Complete) {
-                EXPECT_EQ(frame.number[15], contents.size() + 1);
-                contents << frame.sealed;
-            }
-        }
-        ASSERT_EQ(contents.size(), 3) << "in pieces of " << piece;
-        EXPECT_EQ(contents[0], "first");
-        EXPECT_EQ(contents[1], "");
-        EXPECT_EQ(contents[2].size(), kFrameLimit - 22);
-    }
 }
 
 TEST(FrameTest, FaultsAreToldAtTheFirstByteThatShowsThem) {

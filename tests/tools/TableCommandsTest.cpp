@@ -28,21 +28,6 @@ TEST(Csv, ReadsWhatTheStandardAllows) {
     }
 }
 
-TEST(Csv, NamesTheLineOfAFault) {
-    const struct {
-        QByteArray content;
-        int line;
-    } cases[] = {{"a,b\n1,\"2\n3\n", 2},
-                 {"a\n\"1\"x\n", 2},
-                 {"a\n1\"2\n", 2},
-                 {"a\nb\n\xBC\xD2\n", 3},
-                 {"a\n\xEC\nb\n", 2}};
-    for (const auto& [content, line] : cases) {
-        EXPECT_TRUE(admin::parseCsv(content).error.startsWith(u"line %1:"_s.arg(line)))
-            << content.toStdString() << narrow(admin::parseCsv(content).error);
-    }
-}
-
 TEST_F(TableCommandsTest, LoadReplacesTheTable) {
     makeDevice();
     const QString file =
