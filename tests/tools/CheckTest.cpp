@@ -84,7 +84,8 @@ TEST_F(CheckTest, NamesFaultsOfTheFolder) {
         {[&] { QFile::setPermissions(database(), QFile::ReadOwner | QFile::WriteOwner | QFile::ReadOther); },
          u"others may read"_s},
         {[&] { writeFile(u"My Documents/GARAE.RVN.rejected"_s, "1\n"); }, u"GARAE.RVN.rejected"_s, false},
-        {[&] { writeFile(u"My Documents/rvnclient.cdb.new"_s, "x"); }, u"an init that was stopped"_s},
+        {[&] { writeFile(u"My Documents/rvnclient.cdb.new"_s, "x"); }, u"a restore that was stopped"_s},
+        {[&] { writeFile(u"My Documents/rvnclient.cdb.a7Xk2Q"_s, "x"); }, u"a restore that was stopped"_s},
     };
     for (const auto& [spoil, wrong, isMended] : cases) {
         QDir(documents).removeRecursively();

@@ -187,6 +187,19 @@ QString rebuildIndexes(SqliteFile& database, const QString& path, Findings& find
                             : u"it is not an index alone that is damaged (%1); %2"_s.arg(damage, renewal());
 }
 
+/// Databases that were being made when their maker was stopped. One that was replaced and kept has a longer
+/// name.
+void checkLeftovers(const QString& path, Findings& findings) {
+    const QFileInfo database(path);
+    const QString name = database.fileName();
+    for (const QFileInfo& left : database.dir().entryInfoList(
+             {name % u".new"_s, name % u".restored"_s, name % u".??????"_s}, QDir::Files)) {
+        findings.add(
+            u"%1 is left from an init or a restore that was stopped"_s.arg(left.filePath()), repairCommand(),
+            [left] { return QFile::remove(left.filePath()) ? QString() : u"it cannot be deleted"_s; });
+    }
+}
+
 void checkDatabase(Findings& findings) {
     const QString path = platform::device::path(platform::device::kDatabaseFile);
     if (!QFileInfo::exists(path)) {
@@ -195,11 +208,7 @@ void checkDatabase(Findings& findings) {
                          platform::device::folder()));
         return;
     }
-    const QString unfinished = path + u".new"_s;
-    if (QFileInfo::exists(unfinished)) {
-        findings.add(u"%1 is left from an init that was stopped"_s.arg(unfinished), repairCommand(),
-                     [&] { return QFile::remove(unfinished) ? QString() : u"it cannot be deleted"_s; });
-    }
+    checkLeftovers(path, findings);
     constexpr QFile::Permissions kOthers =
         QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
     if (QFileInfo(path).permissions() & kOthers) {
