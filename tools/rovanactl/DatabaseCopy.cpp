@@ -212,8 +212,8 @@ CopyResult restoreDatabase(const QString& from, const QString& to) {
     if (!result.error.isEmpty()) return result;
     if (QFileInfo::exists(to)) result = moveAside(to);
     if (!result.error.isEmpty()) return result;
-    // A log that was left without its database would be taken for the new one's.
-    QFile::remove(to % u"-wal"_s);
+    // A journal that was left without its database would be taken for the new one's.
+    for (const QString& suffix : {u"-wal"_s, u"-shm"_s, u"-journal"_s}) QFile::remove(to % suffix);
     if (!QFile::rename(fresh, to) || !syncToDisk(folderOf(to))) {
         result.error = u"%1 cannot be renamed to %2"_s.arg(fresh, to);
         return result;
