@@ -113,6 +113,8 @@ int runProgram(int argc, char** argv, const std::function<void(ui::Terminal&)>& 
     ui::prepareFonts();
     QApplication::setWindowIcon(ui::icon(ui::bitmaps::kApplicationIcon));
 
+    // Before the window: a desk in it stands on them to its end.
+    const platform::termdev::Devices devices(settings);
     QWidget window;
     window.setWindowTitle(u"Rovana"_s);
     window.setPalette(QPalette(Qt::black));
@@ -120,14 +122,13 @@ int runProgram(int argc, char** argv, const std::function<void(ui::Terminal&)>& 
     layout->setContentsMargins(0, 0, 0, 0);
     auto* terminal = new ui::Terminal(&window);
     if (options.isDesk) {
-        layout->addWidget(new desk::Desk(terminal, &window));
+        layout->addWidget(new desk::Desk(terminal, settings, &window));
         window.resize(desk::kDeskSize);
     } else {
         layout->addWidget(terminal, 0, Qt::AlignCenter);
         if (!options.isFullScreen) layout->setSizeConstraint(QLayout::SetFixedSize);
     }
 
-    const platform::termdev::Devices devices(settings);
     const platform::termdev::SwipeSocket swipes;
     registerScreens();
     if (terminalMade) terminalMade(*terminal);

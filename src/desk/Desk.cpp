@@ -75,7 +75,8 @@ QPushButton* makeButton(const QString& text, const QString& accessibleName, QWid
 
 }  // namespace
 
-Desk::Desk(ui::Terminal* terminal, QWidget* parent) : QWidget(parent), terminal_(terminal) {
+Desk::Desk(ui::Terminal* terminal, const platform::Settings& settings, QWidget* parent)
+    : QWidget(parent), terminal_(terminal) {
     QFont small = ui::font(ui::FontHeight::Small);
     small.setPixelSize(kTextPixels);
     small.setWeight(QFont::Normal);
@@ -87,8 +88,8 @@ Desk::Desk(ui::Terminal* terminal, QWidget* parent) : QWidget(parent), terminal_
     layout->setContentsMargins(kGap, kGap, kGap, kGap);
     layout->setSpacing(kGap);
     layout->addWidget(new Frame(terminal, this), 0, 0, Qt::AlignCenter);
-    layout->addWidget(makePaperSide(), 0, 1);
-    status_ = new StatusStrip(this);
+    layout->addWidget(makePaperSide(settings.printer.kind == platform::PrinterSettings::Kind::Roll), 0, 1);
+    status_ = new StatusStrip(settings, this);
     layout->addWidget(status_, 1, 0, 1, 2);
     layout->setColumnStretch(1, 1);
     layout->setRowStretch(0, 1);
@@ -100,12 +101,12 @@ Desk::Desk(ui::Terminal* terminal, QWidget* parent) : QWidget(parent), terminal_
     refreshing->start(kRefreshTime);
 }
 
-QWidget* Desk::makePaperSide() {
+QWidget* Desk::makePaperSide(bool isRoll) {
     auto* side = new QWidget(this);
     auto* column = new QVBoxLayout(side);
     column->setContentsMargins(0, 0, 0, 0);
     auto* head = new QHBoxLayout;
-    auto* title = new QLabel(u"용지 Paper"_s, side);
+    auto* title = new QLabel(isRoll ? u"용지 Paper"_s : u"실제 프린터 Real printer"_s, side);
     head->addWidget(title);
     head->addStretch();
     paper_ = new PaperView(side);

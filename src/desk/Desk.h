@@ -3,6 +3,8 @@
 #include <QSize>
 #include <QWidget>
 
+#include "platform/Settings.h"
+
 namespace ui {
 class Terminal;
 }
@@ -23,8 +25,9 @@ class Desk : public QWidget {
     Q_OBJECT
 
   public:
-    /// Takes the terminal into its frame.
-    explicit Desk(ui::Terminal* terminal, QWidget* parent = nullptr);
+    /// Takes the terminal into its frame. Where the settings name no printer, the desk's own prints on the
+    /// roll.
+    Desk(ui::Terminal* terminal, const platform::Settings& settings, QWidget* parent = nullptr);
 
     QSize sizeHint() const override { return kDeskSize; }
 
@@ -33,7 +36,7 @@ class Desk : public QWidget {
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
-    QWidget* makePaperSide();
+    QWidget* makePaperSide(bool isRoll);
     void askWhereToSave(const QString& ending);
     void refresh();
     void changeSides();

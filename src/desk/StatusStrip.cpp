@@ -1,22 +1,31 @@
 #include "desk/StatusStrip.h"
 
 #include <QGridLayout>
+#include <QHBoxLayout>
 #include <QPainter>
+#include <memory>
+#include <tuple>
 
 #include "desk/DemoHost.h"
+#include "desk/DeskPrinter.h"
 #include "platform/message/Component.h"
 #include "platform/termdev/CardReader.h"
+#include "platform/termdev/Devices.h"
+#include "platform/termdev/TermDev.h"
 
 namespace desk {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
 using platform::message::Component;
+using platform::termdev::DeviceStatus;
 
 constexpr int kLampSize = 12;
+constexpr qint64 kKilobyte = 1024;
 
-QCheckBox* makeFault(const QString& name, QWidget* parent) {
-    auto* fault = new QCheckBox(name, parent);
+QCheckBox* makeFault(const QString& name, const QString& text, QWidget* parent) {
+    auto* fault = new QCheckBox(text, parent);
+    fault->setObjectName(name);
     fault->setFocusPolicy(Qt::TabFocus);
     fault->setMinimumHeight(24);
     return fault;
@@ -34,7 +43,6 @@ void Lamp::set(Light light, const QString& state) {
     light_ = light;
     state_ = state;
     setAccessibleName(u"%1: %2"_s.arg(name_, state));
-    setMinimumWidth(kLampSize + 8 + fontMetrics().horizontalAdvance(name_ + u"  "_s + state_));
     update();
 }
 
@@ -58,24 +66,46 @@ void Lamp::paintEvent(QPaintEvent*) {
     painter.drawText(text, Qt::AlignLeft | Qt::AlignVCenter, state_);
 }
 
-StatusStrip::StatusStrip(QWidget* parent)
+StatusStrip::StatusStrip(const platform::Settings& settings, QWidget* parent)
     : QWidget(parent),
       printer_(new Lamp(u"프린터 Printer"_s, this)),
       reader_(new Lamp(u"판독기 Reader"_s, this)),
       host_(new Lamp(u"호스트 Host"_s, this)),
-      hostSilent_(makeFault(u"응답 없음 Silent"_s, this)) {
+      noPaper_(makeFault(u"no-paper"_s, u"용지 없음 No paper"_s, this)),
+      printerGone_(makeFault(u"printer-gone"_s, u"꺼짐 Gone"_s, this)),
+      hostSilent_(makeFault(u"host-silent"_s, u"응답 없음 Silent"_s, this)) {
+    // The columns stay where they are, whatever the lamps say: the boxes below are being aimed at.
     auto* layout = new QGridLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setVerticalSpacing(0);
-    layout->addWidget(printer_, 0, 0);
-    layout->addWidget(reader_, 0, 1);
-    layout->addWidget(host_, 0, 2);
+    layout->setHorizontalSpacing(4);
+    auto* printerFaults = new QHBoxLayout;
+    printerFaults->addWidget(noPaper_);
+    printerFaults->addWidget(printerGone_);
+    printerFaults->addStretch();
+    layout->addLayout(printerFaults, 1, 0);
     layout->addWidget(hostSilent_, 1, 2);
+    int column = 0;
+    for (const auto& [lamp, name, share] :
+         {std::tuple{printer_, u"printer"_s, 23}, {reader_, u"reader"_s, 17}, {host_, u"host"_s, 18}}) {
+        lamp->setObjectName(name);
+        layout->addWidget(lamp, 0, column);
+        layout->setColumnStretch(column++, share);
+    }
 
-    printer_->setObjectName(u"printer"_s);
-    reader_->setObjectName(u"reader"_s);
-    host_->setObjectName(u"host"_s);
-    hostSilent_->setObjectName(u"host-silent"_s);
+    if (settings.printer.kind == platform::PrinterSettings::Kind::Roll) {
+        auto printer = std::make_unique<DeskPrinter>(settings.rollKilobytes * kKilobyte);
+        deskPrinter_ = printer.get();
+        platform::termdev::setPrinter(std::move(printer));
+    }
+    for (QCheckBox* fault : {noPaper_, printerGone_}) {
+        fault->setEnabled(deskPrinter_ != nullptr);
+        fault->setToolTip(deskPrinter_ ? u"인쇄물은 보관했다가 나옵니다 Slips are kept and printed later"_s
+                                       : u"실제 프린터가 연결되어 있습니다 A real printer is in use"_s);
+        connect(fault, &QCheckBox::toggled, this, &StatusStrip::setPrinterFault);
+    }
+    noPaper_->setAccessibleName(u"프린터 용지 없음 Printer without paper"_s);
+    printerGone_->setAccessibleName(u"프린터 꺼짐 Printer gone"_s);
     hostSilent_->setAccessibleName(u"호스트 응답 없음 Host silent"_s);
     hostSilent_->setEnabled(isDemoHost());
     hostSilent_->setToolTip(hostSilent_->isEnabled()
@@ -89,15 +119,45 @@ StatusStrip::StatusStrip(QWidget* parent)
 
 StatusStrip::~StatusStrip() {
     if (hostSilent_->isChecked()) setHostSilent(false);
+    if (!deskPrinter_) return;
+    deskPrinter_->setFault({});
+    platform::termdev::setPrinter(nullptr);
+}
+
+void StatusStrip::setPrinterFault() {
+    deskPrinter_->setFault(printerGone_->isChecked() ? u"it is switched off"_s
+                           : noPaper_->isChecked()   ? u"it is out of paper"_s
+                                                     : QString());
+    refresh();
+}
+
+void StatusStrip::showPrinter(const DeviceStatus& status) {
+    const QString waiting = status.waitingJobs > 0 ? u" · 대기 %1"_s.arg(status.waitingJobs) : QString();
+    printer_->setToolTip(status.fault);
+    switch (status.state) {
+        case DeviceStatus::State::Ready:
+            return printer_->set(Lamp::Green, u"준비 ready"_s);
+        case DeviceStatus::State::Waiting:
+            return printer_->set(Lamp::Yellow, u"인쇄 중 busy"_s + waiting);
+        case DeviceStatus::State::Fault:
+            return printer_->set(Lamp::Red, u"고장 fault"_s + waiting);
+    }
 }
 
 void StatusStrip::refresh() {
-    printer_->set(Lamp::Green, u"준비 ready"_s);
+    showPrinter(platform::termdev::printerStatus());
+    const DeviceStatus reader = platform::termdev::readerStatus();
     const bool isReading = platform::termdev::CardReader::instance().isReading();
-    reader_->set(isReading ? Lamp::Green : Lamp::Off, isReading ? u"읽는 중 reading"_s : u"닫힘 closed"_s);
+    reader_->setToolTip(reader.fault);
+    if (reader.state == DeviceStatus::State::Fault) {
+        reader_->set(Lamp::Red, u"고장 fault"_s);
+    } else {
+        reader_->set(isReading ? Lamp::Green : Lamp::Off,
+                     isReading ? u"읽는 중 reading"_s : u"닫힘 closed"_s);
+    }
     switch (Component::lastExchange()) {
         case Component::LastExchange::None:
-            host_->set(Lamp::Off, u"거래 전 no exchange yet"_s);
+            host_->set(Lamp::Off, u"거래 전 idle"_s);
             break;
         case Component::LastExchange::UnderWay:
             host_->set(Lamp::Yellow, u"교신 중 exchanging"_s);

@@ -3,7 +3,12 @@
 #include <QCheckBox>
 #include <QWidget>
 
+#include "platform/Settings.h"
+#include "platform/termdev/DeviceStatus.h"
+
 namespace desk {
+
+class DeskPrinter;
 
 /// A lamp with the name of what it stands for and its state in words.
 class Lamp : public QWidget {
@@ -30,7 +35,7 @@ class StatusStrip : public QWidget {
     Q_OBJECT
 
   public:
-    explicit StatusStrip(QWidget* parent = nullptr);
+    explicit StatusStrip(const platform::Settings& settings, QWidget* parent = nullptr);
     /// Ends the faults: they last as long as the desk.
     ~StatusStrip() override;
 
@@ -38,9 +43,15 @@ class StatusStrip : public QWidget {
     void refresh();
 
   private:
+    void setPrinterFault();
+    void showPrinter(const platform::termdev::DeviceStatus& status);
+
+    DeskPrinter* deskPrinter_ = nullptr;  ///< Null where a real printer prints.
     Lamp* printer_;
     Lamp* reader_;
     Lamp* host_;
+    QCheckBox* noPaper_;
+    QCheckBox* printerGone_;
     QCheckBox* hostSilent_;
 };
 

@@ -14,6 +14,7 @@
 #include "desk/StatusStrip.h"
 #include "platform/termdev/CardReader.h"
 #include "platform/termdev/PaperRoll.h"
+#include "platform/termdev/TermDev.h"
 #include "support/Exchange.h"
 #include "support/HostProcess.h"
 #include "support/PrintQt.h"
@@ -39,6 +40,14 @@ std::pair<int, int> inked(const QImage& image, int top, int bottom) {
     return span;
 }
 
+/// A job on the printer in use, as the screens print.
+void printByOrdinal(const char16_t* line) {
+    std::get<int (*)()>(operation(1))();
+    std::get<int (*)(int)>(operation(10))(4);
+    std::get<int (*)(const char16_t*)>(operation(11))(line);
+    std::get<int (*)()>(operation(2))();
+}
+
 void print(int titleSize, const QString& title, const QString& body) {
     PaperRoll roll;
     roll.open();
@@ -54,7 +63,7 @@ class DeskTest : public testing::Test {
     /// The desk as the program shows it; made after the paper that is there before.
     desk::Desk& open() {
         terminal_ = new ui::Terminal;
-        desk_ = std::make_unique<desk::Desk>(terminal_);
+        desk_ = std::make_unique<desk::Desk>(terminal_, platform::Settings());
         desk_->show();
         desk_->activateWindow();
         terminal_->setFocus();
@@ -104,6 +113,37 @@ TEST_F(DeskTest, ShowsThePaperAsItIsPrinted) {
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_EQ(file.read(5), "%PDF-");
     EXPECT_FALSE(paper->save(device_.folder() + u"/none/saved.png"_s));
+}
+
+TEST_F(DeskTest, KeepsSlipsWhileThePrinterIsOutOfOrder) {
+    desk::Desk* at = &open();
+    const auto box = [&at](const QString& name) { return at->findChild<QCheckBox*>(name); };
+    const auto* lamp = at->findChild<desk::Lamp*>(u"printer"_s);
+    printByOrdinal(u" 하나\n");
+    box(u"no-paper"_s)->click();
+    printByOrdinal(u" 둘\n");
+    box(u"printer-gone"_s)->click();
+    printByOrdinal(u"셋\n");
+    box(u"no-paper"_s)->click();
+    EXPECT_EQ(lamp->light(), desk::Lamp::Red) << "it is still switched off";
+    EXPECT_TRUE(lamp->accessibleName().contains(u"대기 2"_s)) << lamp->accessibleName().toStdString();
+    EXPECT_EQ(rollText(), u"  【하나】\n"_s);
+    box(u"printer-gone"_s)->click();
+    EXPECT_EQ(lamp->light(), desk::Lamp::Green);
+    EXPECT_EQ(rollText(), u"  【하나】\n  【둘】\n【셋】\n"_s);
+
+    // What waits in the folder was left by a program that was killed: it comes out first.
+    box(u"no-paper"_s)->click();
+    printByOrdinal(u"넷\n");
+    const QString spool = device_.folder() + u"/desk-spool"_s;
+    const QString aside = device_.folder() + u"/aside"_s;
+    ASSERT_TRUE(QDir().rename(spool, aside));
+    desk_.reset();
+    QDir(spool).removeRecursively();
+    ASSERT_TRUE(QDir().rename(aside, spool));
+    open();
+    printByOrdinal(u"다섯\n");
+    EXPECT_TRUE(rollText().endsWith(u"【셋】\n【넷】\n【다섯】\n"_s)) << rollText().toStdString();
 }
 
 TEST_F(DeskTest, DrawsCardsThroughTheReader) {

@@ -61,7 +61,7 @@ bool writeNew(const QString& path, QByteArrayView bytes) {
 
 }  // namespace
 
-PrintSpool::PrintSpool() : folder_(device::folder() + u"/spool"_s) {}
+PrintSpool::PrintSpool(QStringView name) : folder_(device::folder() % u'/' % name) {}
 
 PrintSpool::~PrintSpool() {
     unlock();

@@ -8,7 +8,7 @@
 
 namespace platform::termdev {
 
-/// The print jobs that the printer has not taken yet, each a file of its bytes in the folder `spool` of the
+/// The print jobs that the printer has not taken yet, each a file of its bytes in a folder of the
 /// device folder. A file is on disk before it counts as a job, and is named by its number, so the jobs
 /// survive any end of the program and keep their order. Names are NUMBER.STAGE:
 /// - job: kept, nothing sent yet;
@@ -22,7 +22,8 @@ class PrintSpool {
         Stage stage;
     };
 
-    PrintSpool();
+    /// `name` is the folder's.
+    explicit PrintSpool(QStringView name = u"spool");
     ~PrintSpool();
     PrintSpool(const PrintSpool&) = delete;
     PrintSpool& operator=(const PrintSpool&) = delete;

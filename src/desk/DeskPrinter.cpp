@@ -1,0 +1,71 @@
+#include "desk/DeskPrinter.h"
+
+#include <QStringTokenizer>
+
+#include "platform/Trace.h"
+
+namespace desk {
+
+using namespace Qt::Literals::StringLiterals;
+using namespace platform::termdev;
+
+namespace {
+
+constexpr int kNormalSize = 0;
+constexpr int kTitleSize = 4;
+
+}  // namespace
+
+DeskPrinter::DeskPrinter(qint64 rollBytes) : roll_(rollBytes) {
+    printWaiting();
+}
+
+void DeskPrinter::setFault(const QString& fault) {
+    if (fault == fault_) return;
+    fault_ = fault;
+    if (!fault.isEmpty()) {
+        platform::trace(u"printer: %1; %2 jobs are kept"_s.arg(fault).arg(spool_.count()));
+        return;
+    }
+    platform::trace(u"printer: it works again");
+    printWaiting();
+}
+
+DeviceStatus DeskPrinter::status() const {
+    using State = DeviceStatus::State;
+    const int waiting = spool_.count();
+    return {!fault_.isEmpty() ? State::Fault : waiting > 0 ? State::Waiting : State::Ready, waiting, fault_};
+}
+
+bool DeskPrinter::putOut(const QList<PaperLine>& lines) {
+    QByteArray job;
+    for (const PaperLine& line : lines) job += paperText(line).toUtf8() + '\n';
+    if (!fault_.isEmpty()) return spool_.add(job);
+    printWaiting();
+    return printOnRoll(job);
+}
+
+bool DeskPrinter::printOnRoll(const QByteArray& job) {
+    roll_.open();
+    const QString text = QString::fromUtf8(job.chopped(1));
+    for (const QStringView each : QStringTokenizer(text, u'\n')) {
+        const PaperLine line = readPaperText(each);
+        QString letters;
+        for (const Glyph& glyph : line.glyphs) letters += QString::fromUcs4(&glyph.character, 1);
+        roll_.setSize(line.isEnlarged() ? kTitleSize : kNormalSize);
+        roll_.print(letters + u'\n');
+    }
+    return roll_.close() == 1;
+}
+
+void DeskPrinter::printWaiting() {
+    if (spool_.count() == 0 || !spool_.lock()) return;
+    while (const auto entry = spool_.oldest()) {
+        const auto job = spool_.read(*entry);
+        // Removed after it is out: a program killed in between prints it again rather than never.
+        if (!job || !printOnRoll(*job) || !spool_.remove(*entry)) break;
+    }
+    spool_.unlock();
+}
+
+}  // namespace desk

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include "platform/termdev/LinePrinter.h"
+#include "platform/termdev/PaperRoll.h"
+#include "platform/termdev/PrintSpool.h"
+
+namespace desk {
+
+/// The paper roll as a printer that can be out of order. Jobs are kept meanwhile, on disk as a real printer's
+/// are, and come out in their order when it works again or when the next desk opens.
+class DeskPrinter : public platform::termdev::LinePrinter {
+  public:
+    /// `rollBytes` is where roll.txt turns over.
+    explicit DeskPrinter(qint64 rollBytes);
+
+    /// What is wrong with the printer, for the log; an empty text lets it work.
+    void setFault(const QString& fault);
+
+    platform::termdev::DeviceStatus status() const override;
+
+  protected:
+    bool putOut(const QList<platform::termdev::PaperLine>& lines) override;
+
+  private:
+    bool printOnRoll(const QByteArray& job);
+    void printWaiting();
+
+    platform::termdev::PaperRoll roll_;
+    /// Apart from a real printer's jobs, which are its bytes and not text.
+    platform::termdev::PrintSpool spool_{u"desk-spool"};
+    QString fault_;
+};
+
+}  // namespace desk
