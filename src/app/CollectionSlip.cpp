@@ -184,15 +184,13 @@ Won CollectionSlip::receivableEffect() const {
 }
 
 Won CollectionSlip::cashTaken() const {
-    const Won booked = WonMoney + MisuInMoney;
-    // A recovery above the total that the settling buttons have booked as paid against the earlier
-    // receivable: no money changed hands. The keyed recovery books the same with cash below 0, which makes up
-    // for it.
-    const bool isSettledByRecovery = !isSimplePayment() && WonMoney.isZero() && CardMoney.isZero();
-    if (!isSettledByRecovery) return booked;
-    // Once an earlier receivable was keyed over it, the excess stands below 0 in the unpaid amount instead.
-    const Won excess = YDMoney - MMoney - YGMoney + UnderMoney;
-    return booked - std::max(Won(), std::min(excess, MisuInMoney));
+    // The settling buttons book a recovery above the total as paid against the earlier receivable, and
+    // nothing else: no money changes hands. The keyed recovery books it with cash below 0, which makes up for
+    // it; an earlier receivable that is keyed is money.
+    const Won excess = YDMoney - MMoney - YGMoney;
+    const bool isSettledByRecovery = !isSimplePayment() && excess > Won() && MisuInMoney == excess &&
+                                     WonMoney.isZero() && CardMoney.isZero() && UnderMoney.isZero();
+    return isSettledByRecovery ? Won() : WonMoney + MisuInMoney;
 }
 
 bool saveCollection(const CollectionSlip& entered) {

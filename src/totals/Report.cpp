@@ -104,7 +104,7 @@ QList<Sum> sums(const Report& report) {
             sums.append({label, sumOf(section, i)});
         }
     }
-    return sums;
+    return sums + report.results;
 }
 
 QList<Column> listColumns(const Report& report) {

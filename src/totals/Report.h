@@ -48,24 +48,25 @@ struct Section {
     QList<Row> rows;
 };
 
+/// The sum of one column over one section, or another figure that the list is shown for.
+struct Sum {
+    QString label;  ///< The column's title, in a report of several sections with the section's before it.
+    platform::Won value;
+};
+
 struct Report {
     QString title;     ///< At most print::kTitleColumns wide.
     QString salesman;  ///< As the head shows him.
     QString date;      ///< "yyyy-MM-dd".
     QList<Column> columns;
     QList<Section> sections;  ///< Not added up with each other.
+    QList<Sum> results;       ///< What the list shows under it besides; on paper it is among the rows.
 
     /// True when there is no row.
     bool isEmpty() const;
 };
 
-/// The sum of one column over one section.
-struct Sum {
-    QString label;  ///< The column's title, in a report of several sections with the section's before it.
-    platform::Won value;
-};
-
-/// The sums of all summed columns, section after section; 0 for a section without rows.
+/// The sums of all summed columns, section after section, and the results; 0 for a section without rows.
 QList<Sum> sums(const Report& report);
 
 /// The columns of the list, and its rows with grouped thousands. A section with a title begins with a row

@@ -2,15 +2,18 @@
 
 #include <QLabel>
 #include <QPlainTextEdit>
+#include <utility>
 
 #include "app/Dialogs.h"
+#include "app/KeypadRequest.h"
 #include "app/Session.h"
+#include "platform/Clock.h"
 #include "print/PrintJob.h"
 #include "totals/DailyReports.h"
+#include "totals/DayClose.h"
 #include "totals/ReportDlg.h"
 #include "ui/Messages.h"
 #include "ui/WaitCursor.h"
-#include "van/HostRequest.h"
 
 namespace totals {
 namespace {
@@ -18,26 +21,10 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 
 constexpr int kSummaryButton = 1022;
+constexpr int kReconcileButton = 1023;
+constexpr int kCloseButton = 1024;
 
-/// The fields of the reply in the order in which they are read.
-struct SummaryField {
-    short number;
-    QString print::HostSummary::*text;
-};
-constexpr SummaryField kFields[] = {
-    {1102, &print::HostSummary::responseCode},
-    {1203, &print::HostSummary::responseText},
-    {1002, &print::HostSummary::identification},
-    {1115, &print::HostSummary::transferCount},
-    {1116, &print::HostSummary::supply},
-    {1117, &print::HostSummary::vat},
-    {1118, &print::HostSummary::deposit},
-    {1119, &print::HostSummary::collected},
-    {1106, nullptr},  // Read with the others and thrown away.
-    {1120, &print::HostSummary::transaction},
-    {1121, &print::HostSummary::fee},
-    {1122, &print::HostSummary::deposited},
-};
+constexpr QStringView kUnread = u"자료를 읽지 못해 집계하지 못했습니다..!";
 
 void showDailyReport(const DailyReport& daily) {
     std::optional<Report> report;
@@ -48,26 +35,30 @@ void showDailyReport(const DailyReport& daily) {
     if (report) {
         showReport(*report);
     } else {
-        ui::message(u"자료를 읽지 못해 집계하지 못했습니다..!"_s);
+        ui::message(kUnread.toString());
     }
 }
 
 }  // namespace
 
-CTotalsDlg::CTotalsDlg() : Screen(app::dialogs::kTotals), component_(this) {
+CTotalsDlg::CTotalsDlg() : Screen(app::dialogs::kTotals) {
     addLabel(0, u"영업/HOST집계"_s, {4, 4, 232, 26}, ui::FontHeight::Title, Qt::AlignCenter);
     addLabel(0, app::session().UserID + u' ' + app::session().UserField2 + u"  "_s + app::session().WorkDate,
              {4, 30, 232, 22}, ui::FontHeight::Small, Qt::AlignCenter);
     for (const DailyReport& report : dailyReports()) {
         addWork(report.button, report.caption.toString(), [&report] { showDailyReport(report); });
     }
-    addWork(kSummaryButton, u"HOST집계"_s, [this] { request(); });
-    log_.emplace(component_, place(1146, new QPlainTextEdit(this), {2, 202, 236, 78}),
-                 [this] { return readReply(); });
-    connect(&*log_, &van::ExchangeLog::ended, this, [this] { exchangeEnded(); });
+    addWork(kSummaryButton, u"HOST집계"_s,
+            [this] { ask(u"HOST집계요청 중입니다.."_s, [this] { printSummary(); }); });
+    addWork(kReconcileButton, u"대사"_s, [this] {
+        ask(u"HOST대사요청 중입니다.."_s, [this, day = platform::clock::now().date()] { reconcile(day); });
+    });
+    addWork(kCloseButton, u"일마감"_s, [this] { closeDay(); });
+    exchange_.emplace(this, place(1146, new QPlainTextEdit(this), {2, 202, 236, 78}));
+    connect(&*exchange_, &SummaryExchange::ended, this, [this] { exchangeEnded(); });
     ui::BitmapButton* done = addButton(1003, u"닫  기"_s, {182, 284}, ui::bitmaps::kCancel);
     connect(done, &ui::BitmapButton::clicked, this, [this] {
-        if (!log_->isExchanging()) close(Cancelled);
+        if (!exchange_->isExchanging()) close(Cancelled);
     });
     setCancelButton(done);
 }
@@ -76,45 +67,66 @@ void CTotalsDlg::addWork(int controlId, const QString& caption, std::function<vo
     const QPoint place(4 + works_ % 2 * 118, 56 + works_ / 2 * 36);
     ui::BitmapButton* button = addButton(controlId, caption, place, ui::bitmaps::kHalfDocument);
     connect(button, &ui::BitmapButton::clicked, this, [this, work = std::move(work)] {
-        if (!log_->isExchanging()) work();
+        if (!exchange_->isExchanging()) work();
     });
     ++works_;
 }
 
-void CTotalsDlg::request() {
-    log_->begin();
+void CTotalsDlg::ask(const QString& opening, std::function<void()> answered) {
+    answered_ = std::move(answered);
     // The hidden button would hand the focus to the closing one.
     setFocus();
     control(kSummaryButton)->hide();
     repaint();
-    log_->set(u"HOST집계요청 중입니다.."_s);
-    summary_ = {};
-    log_->append(van::sendRequest(component_, van::RequestKind::Summary, app::transactionRecord()));
-}
-
-QString CTotalsDlg::readReply() {
-    component_.RecvHeader();
-    component_.RecvSummary();
-    QString text = u"<응답값: "_s;
-    for (const SummaryField& field : kFields) {
-        const QString value = van::receivedField(component_, field.number);
-        if (field.text != nullptr) summary_.*field.text = value;
-        if (field.number == 1102 || field.number == 1203) text += u'[' + value + u']';
-        if (field.number == 1121) text += u"수수료:"_s + value;
-        if (field.number == 1122) text += u"이체액:"_s + value;
-    }
-    return text + u"> "_s;
+    exchange_->request(opening);
 }
 
 void CTotalsDlg::exchangeEnded() {
     control(kSummaryButton)->show();
-    if (summary_.responseCode == u"0000") {
-        print::printDocument(
-            print::hostSummarySlip(summary_, app::session().UserField2, app::session().WorkDate));
+    if (exchange_->isApproved()) {
+        answered_();
     } else {
         ui::message(u"하단의 전문에러값을 확인하세요!!"_s);
     }
     repaint();
+}
+
+void CTotalsDlg::printSummary() {
+    print::printDocument(
+        print::hostSummarySlip(exchange_->summary(), app::session().UserField2, app::session().WorkDate));
+}
+
+void CTotalsDlg::reconcile(const QDate& day) {
+    std::optional<Reconciliation> result;
+    {
+        const ui::WaitCursor cursor;
+        result = totals::reconcile(day, exchange_->hostDay());
+    }
+    if (result) {
+        showReport(reconciliationReport(day, *result));
+    } else {
+        ui::message(kUnread.toString());
+    }
+}
+
+void CTotalsDlg::closeDay() {
+    // Asked before anything is shown that the count could be made to fit.
+    if (!app::askNumber(u"현금시재"_s)) return;
+    const platform::Won counted = platform::parseWon(app::keypadRequest().KeypadValue1);
+    if (counted < platform::Won()) {
+        ui::message(u"현금시재를 다시 확인하세요..!!"_s);
+        return;
+    }
+    std::optional<QList<DayClose>> closes;
+    {
+        const ui::WaitCursor cursor;
+        closes = totals::closeDay(app::session().WorkDate, app::session().UserID, counted);
+    }
+    if (closes) {
+        showReport(dayCloseReport(app::session().WorkDate, *closes));
+    } else {
+        ui::message(u"마감을 저장하지 못했습니다..!"_s);
+    }
 }
 
 }  // namespace totals

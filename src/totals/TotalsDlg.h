@@ -1,18 +1,17 @@
 #pragma once
 
+#include <QDate>
 #include <QString>
 #include <functional>
 #include <optional>
 
-#include "print/HostSummary.h"
+#include "totals/SummaryExchange.h"
 #include "ui/Screen.h"
-#include "van/ExchangeLog.h"
-#include "van/KsnetMsgLib.h"
 
 namespace totals {
 
-/// The end-of-day dialog (457): shows the reports of the day, and asks the card host for its totals of the
-/// day and prints them.
+/// The end-of-day dialog (457): shows the reports of the day, asks the card host for its totals, which it
+/// prints or sets against the slips, and closes the day.
 class CTotalsDlg : public ui::Screen {
     Q_OBJECT
 
@@ -23,13 +22,15 @@ class CTotalsDlg : public ui::Screen {
     /// Puts a button on the next free place, two beside each other. What it does waits for the end of an
     /// exchange.
     void addWork(int controlId, const QString& caption, std::function<void()> work);
-    void request();
-    QString readReply();
+    /// Asks the card host for its day; `answered` runs when it has answered well.
+    void ask(const QString& opening, std::function<void()> answered);
     void exchangeEnded();
+    void printSummary();
+    void reconcile(const QDate& day);
+    void closeDay();
 
-    van::CKsnet_msg_lib component_;
-    std::optional<van::ExchangeLog> log_;
-    print::HostSummary summary_;
+    std::optional<SummaryExchange> exchange_;
+    std::function<void()> answered_;
     int works_ = 0;
 };
 

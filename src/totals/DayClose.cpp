@@ -1,0 +1,177 @@
+#include "totals/DayClose.h"
+
+#include <algorithm>
+#include <array>
+
+#include "app/CollectionSlip.h"
+#include "db/Query.h"
+#include "db/Transaction.h"
+#include "platform/Clock.h"
+#include "totals/DailyReports.h"
+
+namespace totals {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using platform::formatWon;
+using platform::parseInteger;
+using platform::parseWon;
+using platform::Won;
+
+// An empty user leaves the condition on him out.
+constexpr db::Statement<
+    u"SELECT Box, Bon FROM MTM WHERE DDate = '%s' AND ('%s' = '' OR UserID = '%s') "
+    u"AND (WorkGubun <> '%s' or WorkGubun <> '%s')">
+    kSold;
+constexpr db::Statement<
+    u"SELECT * FROM DAYCLOSE WHERE DDate = '%s' AND ('%s' = '' OR UserID = '%s') ORDER BY UserID, rowid">
+    kClosesOfDay;
+constexpr db::Statement<
+    u"INSERT INTO DAYCLOSE (DDate,UserID,ClosedAt,CountedCash,ExpectedCash,Cash,Card,Approvals,Unpaid,"
+    u"EarlierPaid,Recovery,Boxes,Bottles,CratesBack,BottlesBack) VALUES ('%s','%s','%s','%s','%s','%s','%s',"
+    u"'%s','%s','%s','%s','%s','%s','%s','%s')">
+    kInsert;
+
+QString text(std::int64_t number) {
+    return QString::number(number);
+}
+
+/// Sums of counts saturate as amounts do.
+void add(std::int64_t* sum, std::int64_t count) {
+    *sum = (Won(*sum) + Won(count)).value();
+}
+
+Cell count(std::int64_t number) {
+    return Won(number);
+}
+
+/// The strip's two columns: what, and how much.
+Report strip(QStringView title, QStringView date, QStringView userId, const DayFigures& figures) {
+    Report report = reportHead(title, date, userId);
+    report.columns = {{.title = u"항목"_s, .pixels = 124, .paper = 18},
+                      {.title = u"금액/수량"_s, .kind = Kind::Amount, .pixels = 96, .paper = 14}};
+    report.sections = {{u"입금"_s,
+                        {{u"현금"_s, figures.cash},
+                         {u"카드(승인%1건)"_s.arg(figures.approvals), figures.card},
+                         {u"외상(미결제)"_s, figures.unpaid},
+                         {u"전미수입금"_s, figures.earlierPaid},
+                         {u"용공회수"_s, figures.recovery}}},
+                       {u"판매·회수"_s,
+                        {{u"판매 상자"_s, count(figures.boxes)},
+                         {u"판매 본"_s, count(figures.bottles)},
+                         {u"회수 상자"_s, count(figures.back.crates)},
+                         {u"회수 공병"_s, count(figures.back.bottles)}}},
+                       {u"현금"_s, {}}};
+    QList<Row>& cash = report.sections.last().rows;
+    // What makes the expected cash less than cash and earlier receivables together.
+    const Won unmoved = figures.expectedCash - figures.cash - figures.earlierPaid;
+    if (!unmoved.isZero()) cash.append({u"용공상계 전미수"_s, unmoved});
+    cash.append({u"예상현금"_s, figures.expectedCash});
+    return report;
+}
+
+}  // namespace
+
+std::optional<DayFigures> dayFigures(QStringView date, QStringView userId) {
+    DayFigures figures;
+    const auto slips = app::slipsOfDay(date, userId);
+    if (!slips) return std::nullopt;
+    for (const app::CollectionSlip& slip : *slips) {
+        figures.cash += slip.WonMoney;
+        figures.card += slip.CardMoney;
+        figures.approvals += slip.isApproved() && slip.CardMoney > Won();
+        figures.unpaid += slip.UnderMoney;
+        figures.earlierPaid += slip.MisuInMoney;
+        figures.recovery += slip.YDMoney;
+        figures.expectedCash += slip.cashTaken();
+    }
+    // True for every row: no text is both. So slips of every print state count.
+    const int lines =
+        db::forEachRow(kSold(date, userId, userId, u"미처리", u"미발행"), [&](db::CVORecordset& row) {
+            add(&figures.boxes, parseInteger(row.GetFieldString(0)));
+            add(&figures.bottles, parseInteger(row.GetFieldString(1)));
+        });
+    const auto back = app::containersTakenBack(date, userId);
+    if (lines < 0 || !back) return std::nullopt;
+    figures.back = *back;
+    return figures;
+}
+
+std::optional<QList<DayClose>> closesOfDay(QStringView date, QStringView userId) {
+    QList<DayClose> closes;
+    const int rows = db::forEachRow(kClosesOfDay(date, userId, userId), [&](db::CVORecordset& row) {
+        const auto won = [&](int column) { return parseWon(row.GetFieldString(column)); };
+        const auto number = [&](int column) { return parseInteger(row.GetFieldString(column)); };
+        closes.append({row.GetFieldString(1),
+                       row.GetFieldString(2),
+                       won(3),
+                       {.cash = won(5),
+                        .card = won(6),
+                        .approvals = number(7),
+                        .unpaid = won(8),
+                        .earlierPaid = won(9),
+                        .recovery = won(10),
+                        .boxes = number(11),
+                        .bottles = number(12),
+                        .back = {number(13), number(14)},
+                        .expectedCash = won(4)}});
+    });
+    return rows < 0 ? std::nullopt : std::optional(closes);
+}
+
+std::optional<QList<DayClose>> closeDay(QStringView date, QStringView userId, Won counted) {
+    db::Transaction transaction;
+    const auto figures = dayFigures(date, userId);
+    const auto before = closesOfDay(date, userId);
+    if (!figures || !before) return std::nullopt;
+    const QString now = platform::clock::now().toString(u"yyyy-MM-dd HH:mm:ss"_s);
+    const DayFigures& day = *figures;
+    const std::array<QString, decltype(kInsert)::kValues> texts{date.toString(),
+                                                                userId.toString(),
+                                                                now,
+                                                                formatWon(counted),
+                                                                formatWon(day.expectedCash),
+                                                                formatWon(day.cash),
+                                                                formatWon(day.card),
+                                                                text(day.approvals),
+                                                                formatWon(day.unpaid),
+                                                                formatWon(day.earlierPaid),
+                                                                formatWon(day.recovery),
+                                                                text(day.boxes),
+                                                                text(day.bottles),
+                                                                text(day.back.crates),
+                                                                text(day.back.bottles)};
+    std::array<QStringView, texts.size()> values;
+    std::ranges::copy(texts, values.begin());
+    if (!transaction.run(kInsert(values))) return std::nullopt;
+    // What is shown is what was kept.
+    auto closes = closesOfDay(date, userId);
+    const bool isKept =
+        closes && *closes == *before + QList<DayClose>{{userId.toString(), now, counted, day}};
+    return isKept && transaction.commit() ? closes : std::nullopt;
+}
+
+Report dayCloseReport(QStringView date, const QList<DayClose>& closes) {
+    const DayClose& close = closes.last();
+    const qsizetype number = closes.size();
+    Report report =
+        strip(number > 1 ? u"%1차 마감"_s.arg(number) : u"일마감"_s, date, close.userId, close.figures);
+    const Won over = close.counted - close.figures.expectedCash;
+    const QString verdict = over > Won() ? u"과입"_s : over < Won() ? u"부족"_s : u"과부족"_s;
+    const Won difference = over < Won() ? -over : over;
+    QList<Row>& cash = report.sections.last().rows;
+    cash.append({u"현금시재"_s, close.counted});
+    cash.append({verdict, difference});
+    for (qsizetype i = 0; i + 1 < number; ++i)
+        cash.append({u"%1차 현금시재"_s.arg(i + 1), closes[i].counted});
+    cash.append({u"마감시각 "_s + close.closedAt.mid(11, 5), Cell(QString())});
+    report.results = {
+        {u"예상현금"_s, close.figures.expectedCash}, {u"현금시재"_s, close.counted}, {verdict, difference}};
+    return report;
+}
+
+Report openDayReport(QStringView date, QStringView userId, const DayFigures& figures) {
+    return strip(u"마감전 집계", date, userId, figures);
+}
+
+}  // namespace totals

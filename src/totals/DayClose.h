@@ -1,0 +1,60 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QStringView>
+#include <cstdint>
+#include <optional>
+
+#include "app/ContainerBalance.h"
+#include "platform/Won.h"
+#include "totals/Report.h"
+
+/// The close of a salesman's day: his figures, the cash that he has counted, and what was kept of both.
+namespace totals {
+
+/// A day's figures; amounts in won.
+struct DayFigures {
+    platform::Won cash;
+    platform::Won card;
+    std::int64_t approvals = 0;  ///< Approved card payments.
+    platform::Won unpaid;
+    platform::Won earlierPaid;  ///< Earlier receivables paid.
+    platform::Won recovery;     ///< Container recovery.
+    std::int64_t boxes = 0;     ///< Sold.
+    std::int64_t bottles = 0;   ///< Sold singly.
+    app::Containers back;       ///< Taken back.
+    platform::Won expectedCash;
+
+    friend bool operator==(const DayFigures&, const DayFigures&) = default;
+};
+
+/// The figures of a date and a user; an empty user stands for everybody. Nothing when they could not be read
+/// to the end.
+std::optional<DayFigures> dayFigures(QStringView date, QStringView userId);
+
+/// A close as it is kept.
+struct DayClose {
+    QString userId;
+    QString closedAt;  ///< "yyyy-MM-dd HH:mm:ss".
+    platform::Won counted;
+    DayFigures figures;
+
+    friend bool operator==(const DayClose&, const DayClose&) = default;
+};
+
+/// Keeps a close of the user's day as it stands now, safe on disk on return, and returns all closes of that
+/// day, this one last. Nothing when it could not be kept; then nothing is.
+std::optional<QList<DayClose>> closeDay(QStringView date, QStringView userId, platform::Won counted);
+
+/// The kept closes of the day in their order; an empty user stands for everybody. Nothing when they could not
+/// be read to the end.
+std::optional<QList<DayClose>> closesOfDay(QStringView date, QStringView userId);
+
+/// The strip of the last of a user's closes, with what he had counted in those before it.
+Report dayCloseReport(QStringView date, const QList<DayClose>& closes);
+
+/// The strip of a day that is not closed: without what was counted.
+Report openDayReport(QStringView date, QStringView userId, const DayFigures& figures);
+
+}  // namespace totals

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <QDate>
+#include <QList>
+#include <QString>
+#include <QStringView>
+#include <optional>
+
+#include "app/CollectionSlip.h"
+#include "platform/Won.h"
+#include "print/HostSummary.h"
+#include "totals/Report.h"
+
+/// The card host's approved payments of a day against the terminal's slips.
+namespace totals {
+
+/// A payment of the host's list.
+struct HostPayment {
+    QString number;  ///< Transaction number.
+    QString time;    ///< "hhmmss", by the host's clock.
+    platform::Won amount;
+};
+
+/// What the host says of a terminal's day.
+struct HostDay {
+    std::int64_t count = 0;
+    platform::Won sum;
+    /// By transaction number; nothing when the host has sent none that can be read.
+    std::optional<QList<HostPayment>> payments;
+    /// False when the list was cut: the payments with the highest numbers are not on it.
+    bool isWhole = true;
+};
+
+/// Reads the host's answer. `listTotal` and `list` are its fields 1123 and 1124, empty from a host that does
+/// not send them. A list with a line that is none counts as not sent.
+HostDay readHostDay(const print::HostSummary& summary, QStringView listTotal, QStringView list);
+
+/// A payment on which the two do not agree.
+struct Difference {
+    enum class Kind { MissingAtHost, MissingOnTerminal, AmountDiffers };
+
+    Kind kind;
+    QString number;                           ///< Transaction number.
+    std::optional<app::CollectionSlip> slip;  ///< The terminal's; nothing when it has none.
+    std::optional<HostPayment> payment;       ///< The host's; nothing when it has none.
+};
+
+struct Reconciliation {
+    std::int64_t count = 0;  ///< The terminal's payments of the day.
+    platform::Won sum;
+    HostDay host;
+    QList<Difference> differences;  ///< By transaction number; none without the host's list.
+
+    /// True when number and sum are the same, and every payment where the host has listed them.
+    bool isAgreed() const;
+};
+
+/// Sets the host's day against the terminal's slips, whoever wrote them: those by card whose request was sent
+/// on that day. A payment that host and terminal count to neighbouring days is no difference. Nothing when
+/// the slips could not be read.
+std::optional<Reconciliation> reconcile(const QDate& day, const HostDay& host);
+
+/// The result as a report: both counts and sums, then every difference.
+Report reconciliationReport(const QDate& day, const Reconciliation& result);
+
+}  // namespace totals
