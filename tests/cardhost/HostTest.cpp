@@ -4,8 +4,6 @@
 #include <QFile>
 #include <QProcess>
 #include <QTcpSocket>
-#include <memory>
-#include <vector>
 
 #include "platform/message/Component.h"
 #include "platform/message/SavedValues.h"
@@ -342,23 +340,6 @@ TEST_F(HostTest, NonsenseClosesItsConnectionOnly) {
     cut.socket.disconnectFromHost();
     EXPECT_EQ(pay(u"good"), QString::fromLatin1(kGood));
     EXPECT_EQ(balance(u"good"), u"99989000") << "none of it was charged";
-}
-
-TEST_F(HostTest, TerminalsAreServedAtOnce) {
-    host.start({u"--fault"_s, u"late 0.3"_s});
-    Component::forgetUnanswered();
-    std::vector<std::unique_ptr<Exchange>> terminals;
-    for (int i = 0; i < 8; ++i) {
-        terminals.push_back(std::make_unique<Exchange>());
-        ASSERT_EQ(terminals.back()->payment(cardData(u"good"), u"1234", QString::number(1000 + i)), kDone);
-        ASSERT_EQ(terminals.back()->commun(host.port()), kDone);
-    }
-    const Wire idle(host.port());
-    for (int i = 0; i < 8; ++i) {
-        EXPECT_EQ(terminals[std::size_t(i)]->wait(), QString::fromLatin1(kGood));
-        EXPECT_EQ(terminals[std::size_t(i)]->field(1104), QString::number(1000 + i));
-    }
-    EXPECT_EQ(balance(u"good"), QString::number(100'000'000 - 8 * 1000 - 28));
 }
 
 TEST_F(HostTest, NoTrackAndNoPasswordIsOnDisk) {

@@ -137,12 +137,6 @@ TEST_F(MasterImportTest, OrdersAreAddedAndMasterDataReplaced) {
         EXPECT_EQ(device.value(u"SELECT count(*) FROM MTM"_s).toInt(), 2 * pass);
         EXPECT_EQ(device.value(u"SELECT count(*) FROM GARAE"_s), u"1"_s);
     }
-    write(u"MTM.RVN", "");
-    write(u"GARAE.RVN", "");
-    EXPECT_EQ(load(u"MTM.RVN").outcome, Loaded);
-    EXPECT_EQ(load(u"GARAE.RVN").outcome, Loaded);
-    EXPECT_EQ(device.value(u"SELECT count(*) FROM MTM"_s), u"4"_s);
-    EXPECT_EQ(device.value(u"SELECT count(*) FROM GARAE"_s), u"0"_s);
 }
 
 TEST_F(MasterImportTest, OnlyTheNamedFolderIsTouched) {
