@@ -15,10 +15,10 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr std::array kCommands{&kInitCommand,   &kLoadCommand,     &kUserCommand,   &kSwipeCommand,
-                               &kImportCommand, &kPriceCommand,    &kSlipsCommand,  &kPrintCommand,
-                               &kExportCommand, &kCardHostCommand, &kBackupCommand, &kRestoreCommand,
-                               &kCheckCommand};
+constexpr std::array kCommands{&kInitCommand,     &kLoadCommand,      &kUserCommand,      &kSwipeCommand,
+                               &kDevicesCommand,  &kPrintTestCommand, &kSwipeTestCommand, &kImportCommand,
+                               &kPriceCommand,    &kSlipsCommand,     &kPrintCommand,     &kExportCommand,
+                               &kCardHostCommand, &kBackupCommand,    &kRestoreCommand,   &kCheckCommand};
 
 constexpr db::Statement<u"SELECT name FROM sqlite_master WHERE name = '%s'"> kSelectTable;
 

@@ -1,10 +1,12 @@
 #include <langinfo.h>
 #include <sys/stat.h>
 
-#include <QCoreApplication>
+#include <QGuiApplication>
 #include <QTextStream>
+#include <algorithm>
 #include <clocale>
 #include <cstdio>
+#include <memory>
 
 #include "rovanactl/Command.h"
 
@@ -15,7 +17,12 @@ int main(int argc, char* argv[]) {
     std::setlocale(LC_ALL, "");
     if (qstrcmp(::nl_langinfo(CODESET), "UTF-8") != 0) ::setenv("LC_ALL", "C.UTF-8", 1);
 
-    QCoreApplication application(argc, argv);
+    // A test page may hold characters that are drawn, which takes fonts but no display.
+    const bool isDrawing =
+        std::any_of(argv, argv + argc, [](const char* each) { return qstrcmp(each, "print-test") == 0; });
+    if (isDrawing) ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    const std::unique_ptr<QCoreApplication> application(isDrawing ? new QGuiApplication(argc, argv)
+                                                                  : new QCoreApplication(argc, argv));
     QTextStream in(stdin);
     QTextStream out(stdout);
     QTextStream err(stderr);

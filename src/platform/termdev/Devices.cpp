@@ -18,12 +18,14 @@ const CardReaderLine*& readerInUse() {
 
 }  // namespace
 
+std::unique_ptr<Printer> makePrinter(const Settings& settings) {
+    if (settings.printer.kind == PrinterSettings::Kind::Roll)
+        return std::make_unique<PaperRoll>(settings.rollKilobytes * kKilobyte);
+    return std::make_unique<EscPosPrinter>(settings.printer);
+}
+
 Devices::Devices(const Settings& settings) {
-    if (settings.printer.kind == PrinterSettings::Kind::Roll) {
-        setPrinter(std::make_unique<PaperRoll>(settings.rollKilobytes * kKilobyte));
-    } else {
-        setPrinter(std::make_unique<EscPosPrinter>(settings.printer));
-    }
+    setPrinter(makePrinter(settings));
     if (settings.reader.kind == ReaderSettings::Kind::None) return;
     reader_ = std::make_unique<CardReaderLine>(settings.reader);
     readerInUse() = reader_.get();

@@ -4,8 +4,12 @@
 
 #include "platform/Settings.h"
 #include "platform/termdev/CardReaderLine.h"
+#include "platform/termdev/Printer.h"
 
 namespace platform::termdev {
+
+/// The printer that the settings name, the paper roll without one.
+std::unique_ptr<Printer> makePrinter(const Settings& settings);
 
 /// The devices that the settings name, in use while the object lives. It needs an application object; the
 /// paper roll comes back at its end.
