@@ -28,6 +28,7 @@ Result measureStartup();
 Result measureMemory();
 Result measureList();
 Result measureSlip();
+Result measureReport();
 /// One approved payment of the terminal's component, seal to parsed reply, against the same bytes over a bare
 /// socket and the bare cipher calls.
 Result measureExchange();

@@ -26,6 +26,9 @@ TEST_F(CommandsTest, ExitCodesTellUsageFromFailure) {
         {{u"slips"_s, u"--date"_s, u"29.3.2024"_s}, admin::kUsageError},
         {{u"init"_s, u"--seed"_s, u"1"_s}, admin::kUsageError},
         {{u"print"_s, u"poem"_s, u"1"_s}, admin::kUsageError},
+        {{u"totals"_s, u"--report"_s, u"poem"_s}, admin::kUsageError},
+        {{u"totals"_s, u"--date"_s, u"2024-02-30"_s}, admin::kUsageError},
+        {{u"totals"_s}, admin::kFailure},
         {{u"slips"_s}, admin::kFailure},
         {{u"price"_s, u"0001"_s, u"1001"_s, u"1"_s, u"0"_s}, admin::kFailure},
         {{u"help"_s}, admin::kSuccess},
@@ -122,6 +125,25 @@ TEST_F(CommandsTest, PrintsWhatWasPaid) {
         EXPECT_EQ(ended.exitCode, c.exitCode) << narrow(c.document + c.number);
         EXPECT_TRUE(ended.out.contains(c.printed)) << narrow(ended.out);
         EXPECT_EQ(ended.err.isEmpty(), c.exitCode == admin::kSuccess) << narrow(ended.err);
+    }
+}
+
+TEST_F(CommandsTest, TotalsAreTextOrTables) {
+    makeDevice();
+    execute(
+        u"INSERT INTO GARAE (GCODE, GNAME, CJMONEY, USERID) VALUES ('0001', '가람, 본점', '-500', 'A'), "
+        "('0002', '나루', '700', 'B')"_s);
+    const auto totals = [&](const QStringList& options) {
+        return run(QStringList{u"totals"_s, u"--date"_s, kDay} + options);
+    };
+    EXPECT_EQ(narrow(totals({u"--report"_s, u"receivables"_s, u"--csv"_s}).out),
+              "코드,거래처명,채권잔액\n0001,\"가람, 본점\",-500\n0002,나루,700\n");
+    const QString own = totals({u"--report"_s, u"receivables"_s, u"--user"_s, u"A"_s}).out;
+    EXPECT_TRUE(own.contains(u"영업사원: 사용자\n"_s)) << narrow(own);
+    EXPECT_TRUE(own.contains(u"합계                        -500\n"_s)) << narrow(own);
+    EXPECT_EQ(totals({}).out.count(u"작업일자: "_s + kDay), 5);
+    for (const QString& user : {u"Z"_s, u""_s}) {
+        EXPECT_EQ(totals({u"--user"_s, user}).exitCode, admin::kUsageError) << narrow(user);
     }
 }
 

@@ -50,6 +50,7 @@ extern const Command kImportCommand;
 extern const Command kPriceCommand;
 extern const Command kSlipsCommand;
 extern const Command kPrintCommand;
+extern const Command kTotalsCommand;
 extern const Command kExportCommand;
 extern const Command kCardHostCommand;
 extern const Command kSwipeCommand;

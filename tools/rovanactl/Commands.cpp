@@ -15,10 +15,11 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr std::array kCommands{&kInitCommand,     &kLoadCommand,      &kUserCommand,      &kSwipeCommand,
-                               &kDevicesCommand,  &kPrintTestCommand, &kSwipeTestCommand, &kImportCommand,
-                               &kPriceCommand,    &kSlipsCommand,     &kPrintCommand,     &kExportCommand,
-                               &kCardHostCommand, &kBackupCommand,    &kRestoreCommand,   &kCheckCommand};
+constexpr std::array kCommands{&kInitCommand,    &kLoadCommand,      &kUserCommand,      &kSwipeCommand,
+                               &kDevicesCommand, &kPrintTestCommand, &kSwipeTestCommand, &kImportCommand,
+                               &kPriceCommand,   &kSlipsCommand,     &kPrintCommand,     &kTotalsCommand,
+                               &kExportCommand,  &kCardHostCommand,  &kBackupCommand,    &kRestoreCommand,
+                               &kCheckCommand};
 
 constexpr db::Statement<u"SELECT name FROM sqlite_master WHERE name = '%s'"> kSelectTable;
 

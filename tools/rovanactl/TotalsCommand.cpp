@@ -1,0 +1,85 @@
+#include <algorithm>
+
+#include "db/Query.h"
+#include "rovanactl/Command.h"
+#include "rovanactl/Csv.h"
+#include "totals/DailyReports.h"
+
+namespace admin {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr db::Statement<u"SELECT userNAME  FROM PDAUSER WHERE userID = '%s'"> kUser;
+
+void addTotalsOptions(QCommandLineParser& parser) {
+    parser.addOption({u"date"_s, u"The day of the reports, today without it."_s, u"yyyy-MM-dd"_s});
+    parser.addOption({u"user"_s, u"Only what this user did, everybody's without it."_s, u"ID"_s});
+    parser.addOption({u"report"_s, u"Only this report, all without it."_s, u"NAME"_s});
+    parser.addOption({u"csv"_s, u"Comma-separated values in UTF-8 instead of text."_s});
+}
+
+QString reportNames() {
+    QStringList names;
+    for (const totals::DailyReport& report : totals::dailyReports()) names << report.name.toString();
+    return names.join(u", "_s);
+}
+
+void writeCsv(QTextStream& out, const totals::Report& report) {
+    for (const QStringList& line : totals::table(report)) out << QString::fromUtf8(csvLine(line));
+}
+
+Outcome writeTotals(const Invocation& call) {
+    const std::optional<QString> date = dateOption(call.options, u"date"_s);
+    if (!date) return usageError(u"--date takes a date such as 2024-03-31"_s);
+    const QString name = call.options.value(u"report"_s);
+    const auto isWanted = [&](const totals::DailyReport& report) {
+        return !call.options.isSet(u"report"_s) || report.name == name;
+    };
+    if (std::ranges::none_of(totals::dailyReports(), isWanted)) {
+        return usageError(u"there is no report \"%1\"; totals makes %2"_s.arg(name, reportNames()));
+    }
+    for (const QStringView table : {u"MTM", u"YTM", u"MTMOK", u"GARAE", u"BankMoney", u"PDAUSER"}) {
+        if (Outcome missing = requireTable(table); missing.exitCode != kSuccess) return missing;
+    }
+    const QString user = call.options.value(u"user"_s);
+    if (call.options.isSet(u"user"_s) && !db::hasRow(kUser(user))) {
+        return usageError(u"there is no user \"%1\""_s.arg(user));
+    }
+
+    bool isFirst = true;
+    for (const totals::DailyReport& daily : totals::dailyReports()) {
+        if (!isWanted(daily)) continue;
+        const std::optional<totals::Report> report = daily.make(*date, user);
+        if (!report) {
+            return failure(
+                u"the database could not be read for the report %1; \"rovanactl check\" tells more"_s.arg(
+                    daily.name));
+        }
+        if (!isFirst) call.out << u'\n';
+        isFirst = false;
+        if (call.options.isSet(u"csv"_s)) {
+            writeCsv(call.out, *report);
+        } else {
+            call.out << totals::document(*report).text();
+        }
+    }
+    return {};
+}
+
+}  // namespace
+
+constinit const Command kTotalsCommand{
+    u"totals",
+    u"",
+    u"writes the reports of a day",
+    u"The reports sales, containers, receivables, cards and collections, as the terminal's 32-column paper\n"
+    u"has them, or with --csv as tables with their columns' titles and without sums. An empty line stands\n"
+    u"between two reports. Receivables are those of now, and the bank's payments those of all users,\n"
+    u"whatever is asked for.",
+    0,
+    0,
+    addTotalsOptions,
+    writeTotals};
+
+}  // namespace admin
