@@ -164,14 +164,29 @@ Report dayCloseReport(QStringView date, const QList<DayClose>& closes) {
     cash.append({verdict, difference});
     for (qsizetype i = 0; i + 1 < number; ++i)
         cash.append({u"%1차 현금시재"_s.arg(i + 1), closes[i].counted});
-    cash.append({u"마감시각 "_s + close.closedAt.mid(11, 5), Cell(QString())});
+    // The table for the office has no head that would say whose close it is.
+    cash.append({u"마감 %1 (%2)"_s.arg(close.closedAt.mid(11, 5), close.userId), Cell(QString())});
     report.results = {
         {u"예상현금"_s, close.figures.expectedCash}, {u"현금시재"_s, close.counted}, {verdict, difference}};
     return report;
 }
 
-Report openDayReport(QStringView date, QStringView userId, const DayFigures& figures) {
-    return strip(u"마감전 집계", date, userId, figures);
+std::optional<QList<Report>> dayCloseReports(QStringView date, QStringView userId) {
+    const auto closes = closesOfDay(date, userId);
+    if (!closes) return std::nullopt;
+    if (closes->isEmpty()) {
+        const auto figures = dayFigures(date, userId);
+        return figures ? std::optional(QList<Report>{strip(u"마감전 집계", date, userId, *figures)})
+                       : std::nullopt;
+    }
+    QList<Report> reports;
+    QList<DayClose> ofUser;
+    for (const DayClose& close : *closes) {
+        if (!ofUser.isEmpty() && ofUser.last().userId != close.userId) ofUser.clear();
+        ofUser << close;
+        reports << dayCloseReport(date, ofUser);
+    }
+    return reports;
 }
 
 }  // namespace totals

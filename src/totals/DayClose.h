@@ -54,7 +54,9 @@ std::optional<QList<DayClose>> closesOfDay(QStringView date, QStringView userId)
 /// The strip of the last of a user's closes, with what he had counted in those before it.
 Report dayCloseReport(QStringView date, const QList<DayClose>& closes);
 
-/// The strip of a day that is not closed: without what was counted.
-Report openDayReport(QStringView date, QStringView userId, const DayFigures& figures);
+/// The strips of all kept closes of the day, user by user in their order; of a day that nobody has closed,
+/// its figures without what was counted. An empty user stands for everybody. Nothing when they could not be
+/// read to the end.
+std::optional<QList<Report>> dayCloseReports(QStringView date, QStringView userId);
 
 }  // namespace totals

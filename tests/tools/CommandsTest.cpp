@@ -3,6 +3,7 @@
 #include <QProcess>
 
 #include "AdminTest.h"
+#include "totals/DayClose.h"
 
 namespace test {
 namespace {
@@ -142,6 +143,15 @@ TEST_F(CommandsTest, TotalsAreTextOrTables) {
     EXPECT_TRUE(own.contains(u"영업사원: 사용자\n"_s)) << narrow(own);
     EXPECT_TRUE(own.contains(u"합계                        -500\n"_s)) << narrow(own);
     EXPECT_EQ(totals({}).out.count(u"작업일자: "_s + kDay), 5);
+    // Two closes of one user; of a day without any, what there is to close.
+    const auto close = [&] { return totals({u"--report"_s, u"close"_s}).out; };
+    EXPECT_TRUE(close().contains(u"마감전 집계"_s) && !close().contains(u"현금시재"_s)) << narrow(close());
+    EXPECT_TRUE(totals::closeDay(kDay, u"A", platform::Won(700)));
+    EXPECT_TRUE(totals::closeDay(kDay, u"A", platform::Won(0)));
+    execute(u"CREATE TRIGGER full BEFORE INSERT ON DAYCLOSE BEGIN SELECT RAISE(ABORT, 'no'); END"_s);
+    EXPECT_FALSE(totals::closeDay(kDay, u"A", platform::Won(5)));
+    EXPECT_EQ(close().count(u"과입"_s), 1) << narrow(close());
+    EXPECT_EQ(close().count(u"1차 현금시재"_s), 1) << narrow(close());
     for (const QString& user : {u"Z"_s, u""_s}) {
         EXPECT_EQ(totals({u"--user"_s, user}).exitCode, admin::kUsageError) << narrow(user);
     }

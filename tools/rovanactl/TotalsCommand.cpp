@@ -1,9 +1,11 @@
 #include <algorithm>
+#include <utility>
 
 #include "db/Query.h"
 #include "rovanactl/Command.h"
 #include "rovanactl/Csv.h"
 #include "totals/DailyReports.h"
+#include "totals/DayClose.h"
 
 namespace admin {
 namespace {
@@ -19,9 +21,13 @@ void addTotalsOptions(QCommandLineParser& parser) {
     parser.addOption({u"csv"_s, u"Comma-separated values in UTF-8 instead of text."_s});
 }
 
+/// The kept closes of the day; written only when asked for by this name.
+constexpr QStringView kClose = u"close";
+
 QString reportNames() {
     QStringList names;
     for (const totals::DailyReport& report : totals::dailyReports()) names << report.name.toString();
+    names << kClose.toString();
     return names.join(u", "_s);
 }
 
@@ -33,10 +39,11 @@ Outcome writeTotals(const Invocation& call) {
     const std::optional<QString> date = dateOption(call.options, u"date"_s);
     if (!date) return usageError(u"--date takes a date such as 2024-03-31"_s);
     const QString name = call.options.value(u"report"_s);
+    const bool isClose = name == kClose;
     const auto isWanted = [&](const totals::DailyReport& report) {
         return !call.options.isSet(u"report"_s) || report.name == name;
     };
-    if (std::ranges::none_of(totals::dailyReports(), isWanted)) {
+    if (!isClose && std::ranges::none_of(totals::dailyReports(), isWanted)) {
         return usageError(u"there is no report \"%1\"; totals makes %2"_s.arg(name, reportNames()));
     }
     for (const QStringView table : {u"MTM", u"YTM", u"MTMOK", u"GARAE", u"BankMoney", u"PDAUSER"}) {
@@ -47,21 +54,32 @@ Outcome writeTotals(const Invocation& call) {
         return usageError(u"there is no user \"%1\""_s.arg(user));
     }
 
-    bool isFirst = true;
+    const auto unread = [](QStringView report) {
+        return failure(
+            u"the database could not be read for the report %1; \"rovanactl check\" tells more"_s.arg(
+                report));
+    };
+    QList<totals::Report> reports;
+    if (isClose) {
+        // A database from before there were closes makes the other reports as ever.
+        if (Outcome missing = requireTable(u"DAYCLOSE"); missing.exitCode != kSuccess) return missing;
+        auto closes = totals::dayCloseReports(*date, user);
+        if (!closes) return unread(kClose);
+        reports = *std::move(closes);
+    }
     for (const totals::DailyReport& daily : totals::dailyReports()) {
         if (!isWanted(daily)) continue;
-        const std::optional<totals::Report> report = daily.make(*date, user);
-        if (!report) {
-            return failure(
-                u"the database could not be read for the report %1; \"rovanactl check\" tells more"_s.arg(
-                    daily.name));
-        }
-        if (!isFirst) call.out << u'\n';
-        isFirst = false;
+        std::optional<totals::Report> report = daily.make(*date, user);
+        if (!report) return unread(daily.name);
+        reports << *std::move(report);
+    }
+    bool isFirst = true;
+    for (const totals::Report& report : reports) {
+        if (!std::exchange(isFirst, false)) call.out << u'\n';
         if (call.options.isSet(u"csv"_s)) {
-            writeCsv(call.out, *report);
+            writeCsv(call.out, report);
         } else {
-            call.out << totals::document(*report).text();
+            call.out << totals::document(report).text();
         }
     }
     return {};
@@ -76,7 +94,8 @@ constinit const Command kTotalsCommand{
     u"The reports sales, containers, receivables, cards and collections, as the terminal's 32-column paper\n"
     u"has them, or with --csv as tables with their columns' titles and without sums. An empty line stands\n"
     u"between two reports. Receivables are those of now, and the bank's payments those of all users,\n"
-    u"whatever is asked for.",
+    u"whatever is asked for. The report close is written when it is named: the kept closes of the day, or\n"
+    u"without one the day's figures as they stand.",
     0,
     0,
     addTotalsOptions,
