@@ -27,7 +27,7 @@ constexpr db::Statement<
     kReturnsOfDay;
 constexpr db::Statement<u"SELECT BoxBonEa FROM PUMMOK WHERE PCode = '%s' "> kBottlesPerBox;
 constexpr db::Statement<
-    u"SELECT YMONEY, GMONEY FROM YTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s'">
+    u"SELECT YMONEY, GMONEY FROM YTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode = '%s'">
     kDeposits;
 
 /// The counts are bounded so that no imported figure, however long, can overflow a sum or a product.
@@ -137,9 +137,9 @@ std::optional<Containers> containersTakenBack(QStringView date, QStringView user
     return rows < 0 ? std::nullopt : std::optional(back);
 }
 
-platform::Won savedRecovery(QStringView date, QStringView junNo, QStringView userId) {
+platform::Won savedRecovery(QStringView date, QStringView junNo, QStringView userId, QStringView gCode) {
     platform::Won recovery;
-    db::forEachRow(kDeposits(date, junNo, userId), [&](db::CVORecordset& row) {
+    db::forEachRow(kDeposits(date, junNo, userId, gCode), [&](db::CVORecordset& row) {
         recovery += platform::parseWon(row.GetFieldString(0)) + platform::parseWon(row.GetFieldString(1));
     });
     return recovery;

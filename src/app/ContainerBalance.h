@@ -59,7 +59,7 @@ QList<ContainerBalance> containerBalances(QStringView gCode, QStringView date, Q
 std::optional<Containers> containersTakenBack(QStringView date, QStringView userId);
 
 /// What the user's saved container slip of that date and number is worth, in won: its deposits. 0 without
-/// one.
-platform::Won savedRecovery(QStringView date, QStringView junNo, QStringView userId);
+/// one, or when it is another customer's.
+platform::Won savedRecovery(QStringView date, QStringView junNo, QStringView userId, QStringView gCode);
 
 }  // namespace app

@@ -36,6 +36,21 @@ ContainerEntry::ContainerEntry(int dialogId) : Screen(dialogId) {
             close(Cancelled);
         });
     }
+    // A number is given anew once its sale is deleted, but the containers may have stayed.
+    if (const auto other = otherCustomer(session.action.GCode)) {
+        emptySlip();
+        QTimer::singleShot(0, this, [this, other] { askToReplace(*other); });
+    }
+}
+
+void ContainerEntry::askToReplace(const QString& customer) {
+    const app::SessionValues& session = app::session();
+    if (ui::confirm(u"같은 번호의 [%1] 용공회수전표가 있습니다. 삭제할까요?"_s.arg(customer),
+                    u"용공회수내역 삭제"_s)) {
+        deleteSlip(session.WorkDate, session.action.JunNo);
+    } else {
+        close(Cancelled);
+    }
 }
 
 void ContainerEntry::showCustomer() {

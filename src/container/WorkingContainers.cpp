@@ -37,6 +37,7 @@ constexpr db::Statement<
 constexpr db::Statement<u"DELETE YTEMP WHERE PCode= '%s' and FBox = '%s' and NBox = '%s' and Bon = '%s'">
     kDelete;
 constexpr db::Statement<u"SELECT YMONEY,GMONEY,YSAMT,GSAMT FROM YTEMP"> kWorkingAmounts;
+constexpr db::Statement<u"SELECT GName FROM YTEMP WHERE GCode <> '%s'"> kOthers;
 
 /// The columns of the working table in their order.
 constexpr std::array kColumns{&ContainerLine::DDate,  &ContainerLine::GCode,  &ContainerLine::GName,
@@ -86,6 +87,15 @@ bool openSlip(QStringView userId, QStringView workDate, QStringView junNo) {
         if (!transaction.run(insert) && insert.isWellFormed()) isWhole = false;
     });
     return isWhole && lines >= 0 && transaction.commit();
+}
+
+void emptySlip() {
+    db::execute(kEmpty());
+}
+
+std::optional<QString> otherCustomer(QStringView gCode) {
+    const auto row = db::firstRow(kOthers(gCode));
+    return row ? std::optional(row->first()) : std::nullopt;
 }
 
 db::Rows workingLines() {

@@ -15,6 +15,13 @@ namespace container {
 /// empty. False, and the working slip stays as it was, when the database does not take the change.
 bool openSlip(QStringView userId, QStringView workDate, QStringView junNo);
 
+/// Leaves the working slip without lines.
+void emptySlip();
+
+/// The name of the customer, another than `gCode`, whose lines the working slip has; nothing when it has
+/// none.
+std::optional<QString> otherCustomer(QStringView gCode);
+
 /// The lines by product code descending, in five columns: code, name, empty crates, filled crates, bottles.
 db::Rows workingLines();
 

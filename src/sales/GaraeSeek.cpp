@@ -116,7 +116,8 @@ void CGaraeSeek::pay() {
     handOver(slip->sums, customerAccount(slip->GCode).CJMoney);
     // This way passes the containers by; a collection that is saved has their worth already.
     if (!app::loadCollection(session.WorkDate, action.JunNo, session.UserID))
-        action.ContainerRecovery = app::savedRecovery(session.WorkDate, action.JunNo, session.UserID);
+        action.ContainerRecovery =
+            app::savedRecovery(session.WorkDate, action.JunNo, session.UserID, action.GCode);
     ui::runScreen(app::dialogs::kCollectionEntry);
     closeIfDone();
 }
