@@ -159,7 +159,6 @@ void CCollectionEntryDlg::load() {
         amounts_ = saved->amounts();
         // The collection list knows the customer's name only.
         session.action.GCode = saved->GCode;
-        if (isApproved_) setText(1110, u"결제"_s);
     }
     if (session.WorkMode == app::kSalesWork) {
         // The goods as they are payable, so that the total is the slip's own, rounded as the salesman's VAT
@@ -174,12 +173,16 @@ void CCollectionEntryDlg::load() {
     if (saved && saved->amounts().total != amounts_.total) {
         collect::keyEarlierReceivable(amounts_, amounts_.earlierReceivable);
     }
-    approvedCard_ = amounts_.card;
+    if (saved && isApproved_) {
+        approvedCard_ = amounts_.card;
+        setText(1110, u"결제"_s);
+    }
     amounts_.previousReceivable =
         app::previousReceivable(session.action.GCode, session.WorkDate, session.action.JunNo, session.UserID);
     // What the container slip handed over is used up here.
     if (const auto recovery = std::exchange(session.action.ContainerRecovery, std::nullopt)) {
         const Won excess = takeOverRecovery(amounts_, *recovery, session.WorkMode == app::kContainerWork);
+        holdApprovedCard();
         if (!excess.isZero()) QTimer::singleShot(0, this, [excess] { tellExcess(excess); });
     }
 }
@@ -193,12 +196,22 @@ void CCollectionEntryDlg::showAmounts() {
 void CCollectionEntryDlg::keyAmount(const QString& title, Key key) {
     if (!app::askNumber(title)) return;
     const Won excess = key(amounts_, parseWon(app::keypadRequest().KeypadValue1));
+    holdApprovedCard();
     if (!excess.isZero()) tellExcess(excess);
     showAmounts();
 }
 
+void CCollectionEntryDlg::holdApprovedCard() {
+    if (approvedCard_) holdCard(amounts_, *approvedCard_);
+}
+
 void CCollectionEntryDlg::settle(void (*rule)(app::SettlementAmounts&)) {
+    if (approvedCard_ && rule == settleByCard) {
+        ui::message(u"카드결제된 전표의 카드금액은 바꿀수 없습니다..!"_s);
+        return;
+    }
     rule(amounts_);
+    holdApprovedCard();
     showAmounts();
 }
 
@@ -211,9 +224,13 @@ void CCollectionEntryDlg::keyEarlierReceivable() {
 void CCollectionEntryDlg::deletePrevious() {
     const app::SessionValues& session = app::session();
     if (isApproved_ && !ui::confirm(u"카드결제된 입금표를 삭제할까요?"_s, u"카드결제된 입금표삭제"_s)) return;
-    app::removeCollection(session.WorkDate, session.action.JunNo, session.UserID);
+    if (!app::removeCollection(session.WorkDate, session.action.JunNo, session.UserID)) {
+        ui::message(u"입금전표를 삭제하지 못했습니다..!"_s);
+        return;
+    }
     ui::message(u"이전입금전표내역을 삭제하였습니다.."_s);
     isApproved_ = false;
+    approvedCard_.reset();
     otherCustomer_.reset();
     setText(1110, {});
     amounts_.previousReceivable =
@@ -230,11 +247,6 @@ void CCollectionEntryDlg::finish() {
     if (otherCustomer_) {
         ui::message(
             u"같은 번호의 [%1] 입금전표가 있습니다. 전표삭제 후 저장하세요..!"_s.arg(*otherCustomer_));
-        return;
-    }
-    // The card was charged what it was charged: the slip keeps saying so.
-    if (isApproved_ && amounts_.card != approvedCard_) {
-        ui::message(u"카드결제된 전표의 카드금액은 바꿀수 없습니다..!"_s);
         return;
     }
     const app::SessionValues& session = app::session();

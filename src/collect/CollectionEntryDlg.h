@@ -26,6 +26,8 @@ class CCollectionEntryDlg : public ui::Screen {
     void keyEarlierReceivable();
     void deletePrevious();
     void finish();
+    /// After every change: the card of an approved collection keeps its amount.
+    void holdApprovedCard();
     void showAmounts();
 
     app::SettlementAmounts amounts_;
@@ -33,7 +35,8 @@ class CCollectionEntryDlg : public ui::Screen {
     /// Whose collection has this slip's number, when it is another customer's. It must go before this is
     /// saved.
     std::optional<QString> otherCustomer_;
-    platform::Won approvedCard_;  ///< What the card was charged, when isApproved_.
+    /// What the card was charged, when this customer's collection is approved.
+    std::optional<platform::Won> approvedCard_;
 };
 
 }  // namespace collect

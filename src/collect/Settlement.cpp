@@ -79,9 +79,25 @@ Won keyRecovery(SettlementAmounts& amounts, Won keyed) {
 Won takeOverRecovery(SettlementAmounts& amounts, Won recovery, bool isContainerWork) {
     recomputeTotal(amounts);
     if (recovery == amounts.containerRecovery) return Won();
+    // What the replaced recovery handed out beyond the total goes with it.
+    const Won handedOut = amounts.containerRecovery - amounts.total;
+    if (handedOut > Won() && amounts.cash == -handedOut && amounts.earlierReceivable == handedOut) {
+        amounts.cash = amounts.earlierReceivable = Won();
+    }
     if (!isContainerWork || !amounts.total.isZero()) return keyRecovery(amounts, recovery);
     amounts.containerRecovery = recovery;
     return Won();
+}
+
+void holdCard(SettlementAmounts& amounts, Won charged) {
+    const Won moved = amounts.card - charged;
+    if (moved.isZero()) return;
+    amounts.card = charged;
+    if (amounts.containerRecovery > amounts.total) {
+        keyRecovery(amounts, amounts.containerRecovery);
+    } else {
+        (amounts.cash.isZero() ? amounts.unpaid : amounts.cash) += moved;
+    }
 }
 
 void settleByCard(SettlementAmounts& amounts) {

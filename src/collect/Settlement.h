@@ -27,8 +27,13 @@ platform::Won keyRecovery(app::SettlementAmounts& amounts, platform::Won keyed);
 
 /// Takes over the recovery of a container slip. One that is on the slip already changes nothing. Where
 /// nothing was sold (`isContainerWork`, total 0) it is set and nothing else, so that it comes off the
-/// customer's receivable; otherwise it counts as keyed: result as for keyRecovery.
+/// customer's receivable; otherwise it counts as keyed: result as for keyRecovery. What the replaced one had
+/// handed out beyond the total is taken back first.
 platform::Won takeOverRecovery(app::SettlementAmounts& amounts, platform::Won recovery, bool isContainerWork);
+
+/// Puts the card back to what it was charged. Cash, else the unpaid amount, takes the difference, below 0
+/// where too much was charged; a recovery above the total is then settled as if keyed.
+void holdCard(app::SettlementAmounts& amounts, platform::Won charged);
 
 /// Settles what the recovery leaves of the total by card, in cash or on credit, and nothing of it otherwise.
 /// Where it leaves nothing, all three are 0 and the excess is paid against the earlier receivable.

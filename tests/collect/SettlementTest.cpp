@@ -54,6 +54,10 @@ TEST(Settlement, SplitsTheTotal) {
     const Rule visit = [](SettlementAmounts& amounts, Won won) {
         return takeOverRecovery(amounts, won, false);
     };
+    const Rule held = [](SettlementAmounts& amounts, Won charged) {
+        recomputeTotal(amounts);
+        return holdCard(amounts, charged), Won();
+    };
     const Rule alone = [](SettlementAmounts& amounts, Won won) {
         return takeOverRecovery(amounts, won, true);
     };
@@ -83,7 +87,19 @@ TEST(Settlement, SplitsTheTotal) {
         {"taken over", visit, {50000, 0, 0, 50000, 0, 0}, 8000, {50000, 8000, 0, 42000, 0, 0}, 0},
         {"taken over, none", visit, {50000, 0, 0, 0, 0, 0}, 0, {50000, 0, 0, 0, 0, 0}, 0},
         {"taken over again", visit, {50000, 60000, 1, 2, 3, 4}, 60000, {50000, 60000, 1, 2, 3, 4}, 0},
+        {"taken over, smaller",
+         visit,
+         {50000, 60000, 0, -10000, 0, 10000},
+         40000,
+         {50000, 40000, 0, 0, 10000, 0},
+         0},
         {"taken over, above", visit, {50000, 0, 0, 0, 0, 0}, 50001, {50000, 50001, 0, -1, 0, 1}, 1},
+        {"card held, above",
+         held,
+         {50000, 60000, 0, 0, 0, 10000},
+         50000,
+         {50000, 60000, 50000, -10000, 0, 10000},
+         0},
         {"alone", alone, {0, 0, 0, 0, 0, 7}, 8000, {0, 8000, 0, 0, 0, 7}, 0},
         {"alone, a visit's", alone, {50000, 0, 0, 50000, 0, 0}, 8000, {50000, 8000, 0, 42000, 0, 0}, 0},
         {"earlier, no total", earlier, {0, 0, 2000, 0, 9, 4}, 7000, {0, 0, 2000, 0, 0, 7000}, 0},
