@@ -255,18 +255,27 @@ class Wire {
 
 /// A request as another terminal program might make it.
 struct Request {
-    explicit Request(QStringView amount, QStringView kind = u"0100") {
+    Request(std::in_place_t, QStringView kind, QStringView terminalNumber) {
         EXPECT_EQ(readHostKey(&hostKey), kDone);
         EXPECT_EQ(makeKeyPair(&replyKey), kDone);
         number = makeMessageNumber();
-        const QStringView header[] = {u"JB", u"84", u"00", u"1234567890", u"    ", u"0200", kind, u"99"};
+        const QStringView header[] = {u"JB",   u"84",   u"00", u"1234567890",
+                                      u"    ", u"0200", kind,  terminalNumber};
         quint16 field = 1;
         for (const QStringView text : header) fields.add(field++, text);
+    }
+    explicit Request(QStringView amount, QStringView kind = u"0100") : Request(std::in_place, kind, u"99") {
         const QString card = cardData(u"good");
         const QStringView parameters[] = {u"123", u"",  card, u"1234", u"39", u"0",
                                           u"0",   u"0", u"0", u"0",    amount};
-        field = kFirstParameterField;
+        quint16 field = kFirstParameterField;
         for (const QStringView text : parameters) fields.add(field++, text);
+    }
+    /// What became of a payment.
+    static Request question(QStringView asked, QStringView terminalNumber = u"99") {
+        Request request(std::in_place, u"0600", terminalNumber);
+        request.fields.add(kAskedNumberField, asked);
+        return request;
     }
 
     QByteArray frame() const {
@@ -313,6 +322,52 @@ TEST_F(HostTest, ARepeatedMessageNumberGetsTheSameAnswerAcrossRestarts) {
     wire.send(strange.frame());
     EXPECT_EQ(strange.open(wire.receive()).text(1102), u"0018") << "no such kind";
     EXPECT_EQ(balance(u"good"), u"99999000");
+}
+
+TEST_F(HostTest, TellsWhatBecameOfAPaymentAndRefusesOneThatItDeclaredUnknown) {
+    host.start();
+    const Request paid(u"1000");
+    const Request refused(u"0");
+    const Request lost(u"2000");
+    const auto exchange = [&](const Request& request) {
+        Wire wire(host.port());
+        wire.send(request.frame());
+        return request.open(wire.receive());
+    };
+    const auto texts = [](const Fields& reply) {
+        QStringList found;
+        for (const quint16 field : {1102, 1203, 1008, 1002, 1103, 1104, 1105, 1106, 1107})
+            found << reply.text(field);
+        return found.join(u' ');
+    };
+    const QString approval = texts(exchange(paid));
+    const QString refusal = texts(exchange(refused));
+    ASSERT_TRUE(approval.startsWith(u"0000 ") && refusal.startsWith(u"0015 "));
+    const auto ask = [&](const Request& about) {
+        const Fields reply = exchange(Request::question(toText(about.number).toUpper()));
+        EXPECT_EQ(reply.text(1131).toLower(), toText(about.number));
+        return texts(reply);
+    };
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_EQ(ask(paid), approval);
+        EXPECT_EQ(ask(refused), refusal);
+        EXPECT_TRUE(ask(lost).startsWith(u"0019 해당거래없음  JB"));
+        EXPECT_EQ(exchange(lost).text(1102), u"0017") << "came after it was declared unknown";
+        host.stop();
+        host.start();
+    }
+    EXPECT_EQ(balance(u"good"), u"99999000");
+
+    // Questions that are none: nothing is told, and nobody's payment is refused for them.
+    const Request later(u"3000");
+    EXPECT_EQ(texts(exchange(later)).left(4), u"0000");
+    for (const Request& question :
+         {Request::question(toText(later.number), u"98"), Request::question(toText(paid.number).chopped(1)),
+          Request::question(toText(Request::question(u"").number).replace(0, 1, u'g'))}) {
+        const Fields reply = exchange(question);
+        EXPECT_EQ(reply.text(1102), u"0018");
+        EXPECT_FALSE(reply.has(1131) || reply.has(1008));
+    }
 }
 
 TEST_F(HostTest, NonsenseClosesItsConnectionOnly) {

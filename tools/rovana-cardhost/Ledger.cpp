@@ -109,6 +109,15 @@ QString maskedNumber(QStringView cardData) {
     return number.first(6) % QString(number.size() - kShown, u'*') % number.last(4);
 }
 
+/// The response of that code, which a payment was answered with.
+Response responseOf(QStringView code) {
+    for (const Response& response : {kApproved, kUnknownCard, kWrongPassword, kOverBalance, kOverLimit,
+                                     kBadAmount, kRefused, kNeverReceived}) {
+        if (response.code == code) return response;
+    }
+    return kBadMessage;
+}
+
 SecureBytes utf8(QStringView text) {
     FieldWriter writer;
     writer.add(0, text);
@@ -314,6 +323,11 @@ Response Ledger::inquire(Call& call) {
 }
 
 Response Ledger::tellPrevious(Call& call) {
+    if (call.fields.has(kAskedNumberField)) {
+        const std::optional<MessageNumber> asked = parseMessageNumber(call.fields.text(kAskedNumberField));
+        if (!asked) return kBadMessage;
+        return call.isRefused ? kRefused : tellOf(call, *asked);
+    }
     Statement last = file_.statement(
         "SELECT id, exchange, amount, fee, transferred, remaining FROM payment WHERE terminal = ? "
         "ORDER BY id DESC LIMIT 1");
@@ -326,6 +340,45 @@ Response Ledger::tellPrevious(Call& call) {
     addAmount(call.reply, kDepositedField, last.integer(4));
     addBalance(call.reply, kRemainingField, last.integer(5));
     return kApproved;
+}
+
+Response Ledger::tellOf(Call& call, const MessageNumber& number) {
+    Statement asked =
+        file_.statement("SELECT id, terminal, kind, code, reply FROM exchange WHERE message_number = ?");
+    if (!asked.bind(QByteArrayView(number)).step()) return closeNumber(call, number);
+    const QString kind = asked.text(2);
+    // What others asked for is not told.
+    if (asked.text(1) != call.terminal || (kind != kCardPayment && kind != kCashPayment && !kind.isEmpty())) {
+        return kBadMessage;
+    }
+    call.subject = asked.integer(0);
+    const QByteArray bytes = asked.bytes(4);
+    const std::optional<Fields> first = Fields::parse(SecureBytes(bytes.begin(), bytes.end()));
+    if (!first) return kBadMessage;
+    for (const quint16 field :
+         {kTransactionField, kAmountField, kFeeField, kDepositedField, kBalanceSignField, kRemainingField}) {
+        if (first->has(field)) call.reply.add(field, first->text(field));
+    }
+    call.reply.add(kAnsweredNumberField, call.fields.text(kAskedNumberField));
+    return responseOf(first->text(kResponseCodeField));
+}
+
+Response Ledger::closeNumber(Call& call, const MessageNumber& number) {
+    // The terminal will be told that nothing was charged, so a late copy of the payment must not be: with
+    // this entry its number is a known one, and no content has an empty digest.
+    FieldWriter never;
+    addResponse(never, kNeverReceived);
+    file_.statement("INSERT INTO exchange VALUES (?, ?, x'', ?, ?, '', ?, ?)")
+        .bind(call.exchange + 1)
+        .bind(QByteArrayView(number))
+        .bind(platform::clock::now().toString(u"yyyy-MM-dd HH:mm:ss"))
+        .bind(call.terminal)
+        .bind(kNeverReceived.code.toString())
+        .bind(view(never.bytes()))
+        .step();
+    call.subject = call.exchange + 1;
+    call.reply.add(kAnsweredNumberField, call.fields.text(kAskedNumberField));
+    return kNeverReceived;
 }
 
 Response Ledger::sum(Call& call) {

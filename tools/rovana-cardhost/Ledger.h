@@ -28,6 +28,8 @@ inline constexpr Response kBadAmount{u"0015", u"거래금액오류"};
 inline constexpr Response kNoPrevious{u"0016", u"직전거래없음"};
 inline constexpr Response kNumberReused{u"0017", u"전문번호중복"};
 inline constexpr Response kBadMessage{u"0018", u"전문오류"};
+inline constexpr Response kNeverReceived{
+    u"0019", u"해당거래없음"};  ///< The number asked about; it is refused from then on.
 inline constexpr Response kLedgerFailed{u"0098", u"호스트장애"};
 inline constexpr Response kRefused{u"0099", u"거래거절"};  ///< For no reason: a fault that was asked for.
 
@@ -93,6 +95,9 @@ class Ledger {
     Response pay(Call& call);
     Response inquire(Call& call);
     Response tellPrevious(Call& call);
+    Response tellOf(Call& call, const platform::message::MessageNumber& number);
+    /// Enters that the number was asked about and had not come, which refuses it for good.
+    Response closeNumber(Call& call, const platform::message::MessageNumber& number);
     Response sum(Call& call);
     void list(Call& call, const QString& day);
 

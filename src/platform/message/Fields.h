@@ -17,6 +17,9 @@ inline constexpr quint16 kMessageTypeField = 6;  ///< Header value "0200" of a r
 inline constexpr quint16 kMessageKindField = 7;
 inline constexpr quint16 kTerminalField = 8;         ///< The terminal's saved value "101".
 inline constexpr quint16 kFirstParameterField = 11;  ///< Parameter n of a request is field 10 + n.
+/// The payment that a previous-transaction request asks about, by its message number in 32 hexadecimal
+/// digits.
+inline constexpr quint16 kAskedNumberField = 31;
 inline constexpr quint16 kIdentificationField = 1002;
 inline constexpr quint16 kTransactionField = 1008;
 inline constexpr quint16 kResponseCodeField = 1102;
@@ -35,8 +38,9 @@ inline constexpr quint16 kRecoveryTotalField = 1119;
 inline constexpr quint16 kAmountTotalField = 1120;
 inline constexpr quint16 kFeeTotalField = 1121;
 inline constexpr quint16 kTransferTotalField = 1122;
-inline constexpr quint16 kListTotalField = 1123;  ///< How many payments the day has, listed or cut.
-inline constexpr quint16 kListField = 1124;       ///< The day's payments, a line each.
+inline constexpr quint16 kListTotalField = 1123;       ///< How many payments the day has, listed or cut.
+inline constexpr quint16 kListField = 1124;            ///< The day's payments, a line each.
+inline constexpr quint16 kAnsweredNumberField = 1131;  ///< The asked number, in an answer that tells of it.
 inline constexpr quint16 kResponseTextField = 1203;
 
 inline constexpr QStringView kRequestType = u"0200";

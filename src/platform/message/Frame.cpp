@@ -14,6 +14,22 @@ constexpr qsizetype kSealedAt = kNumberAt + qsizetype(sizeof(MessageNumber));
 
 }  // namespace
 
+QString toText(const MessageNumber& number) {
+    return QString::fromLatin1(QByteArrayView(number).toByteArray().toHex());
+}
+
+std::optional<MessageNumber> parseMessageNumber(QStringView digits) {
+    const auto isDigit = [](QChar c) {
+        return (c >= u'0' && c <= u'9') || (c >= u'a' && c <= u'f') || (c >= u'A' && c <= u'F');
+    };
+    MessageNumber number;
+    if (digits.size() != qsizetype(2 * number.size()) || !std::ranges::all_of(digits, isDigit))
+        return std::nullopt;
+    const QByteArray bytes = QByteArray::fromHex(digits.toLatin1());
+    std::copy(bytes.begin(), bytes.end(), number.begin());
+    return number;
+}
+
 QByteArray encodeFrame(const Frame& frame) {
     const qsizetype size = kSealedAt + frame.sealed.size();
     if (size > kFrameLimit) return {};

@@ -2,8 +2,10 @@
 
 #include <QByteArray>
 #include <QByteArrayView>
+#include <QString>
 #include <QStringView>
 #include <array>
+#include <optional>
 
 /// How a message travels over TCP. Shared by the terminal's component and the card host.
 namespace platform::message {
@@ -13,6 +15,11 @@ inline constexpr quint8 kFrameVersion = 1;
 
 /// Tells a request from all others, of all terminals: 16 random bytes.
 using MessageNumber = std::array<unsigned char, 16>;
+
+/// The number as 32 lower-case hexadecimal digits.
+QString toText(const MessageNumber& number);
+/// The number that such digits, in either case, stand for; nothing for any other text.
+std::optional<MessageNumber> parseMessageNumber(QStringView digits);
 
 enum class FrameKind : quint8 { Request = 1, Reply = 2 };
 
