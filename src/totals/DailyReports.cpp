@@ -32,8 +32,8 @@ constexpr db::Statement<u"SELECT GCode, GName, CardMoney FROM BankMoney WHERE DD
     kBankMoney;
 constexpr db::Statement<
     u"SELECT GCode, GName, CardMoney, JunNo, BANKTRANNO FROM MTMOK "
-    u"WHERE DDate = '%s' AND ('%s' = '' OR UserID = '%s') AND BANKTRANNO <> '' ORDER BY JunNo">
-    kApprovals;
+    u"WHERE DDate = '%s' AND ('%s' = '' OR UserID = '%s') ORDER BY JunNo">
+    kCardPayments;
 constexpr db::Statement<
     u"SELECT GCode, GName, WonMoney, CardMoney, MisuInMoney, YDMoney, UnderMoney FROM MTMOK "
     u"WHERE DDate = '%s' AND ('%s' = '' OR UserID = '%s') ORDER BY JunNo">
@@ -155,18 +155,22 @@ std::optional<Report> cards(QStringView date, QStringView user) {
         {.title = u"거래번호"_s, .pixels = 104, .paper = 26}};
     QList<Row> banked;
     QList<Row> approved;
+    QList<Row> unapproved;
     // The bank's payments name no salesman, so every salesman sees those of the day.
     const int bankedRows = db::forEachRow(kBankMoney(date), [&](db::CVORecordset& row) {
         banked << Row{row.GetFieldString(0), row.GetFieldString(1), won(row, 2), QString(), QString()};
     });
-    const int approvedRows = db::forEachRow(kApprovals(date, user, user), [&](db::CVORecordset& row) {
+    const int slips = db::forEachRow(kCardPayments(date, user, user), [&](db::CVORecordset& row) {
         // A cash payment that the host approved carries a transaction number, too.
         if (won(row, 2) < Won(1)) return;
-        approved << Row{row.GetFieldString(0), row.GetFieldString(1), won(row, 2), row.GetFieldString(3),
-                        row.GetFieldString(4)};
+        (row.GetFieldString(4).isEmpty() ? unapproved : approved)
+            << Row{row.GetFieldString(0), row.GetFieldString(1), won(row, 2), row.GetFieldString(3),
+                   row.GetFieldString(4)};
     });
-    if (bankedRows < 0 || approvedRows < 0) return std::nullopt;
+    if (bankedRows < 0 || slips < 0) return std::nullopt;
     report.sections = {{u"은행입금"_s, banked}, {u"카드승인"_s, approved}};
+    // Money without a sale is taken by card without asking the host; the close counts it among the cards.
+    if (!unapproved.isEmpty()) report.sections.append({u"카드미승인"_s, unapproved});
     return report;
 }
 
