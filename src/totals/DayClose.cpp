@@ -164,8 +164,11 @@ Report dayCloseReport(QStringView date, const QList<DayClose>& closes) {
     cash.append({verdict, difference});
     for (qsizetype i = 0; i + 1 < number; ++i)
         cash.append({u"%1차 현금시재"_s.arg(i + 1), closes[i].counted});
+    // A day that is closed after midnight, or under another work date, says on which date that was.
+    const QString time =
+        close.closedAt.startsWith(date) ? close.closedAt.mid(11, 5) : close.closedAt.mid(5, 11);
     // The table for the office has no head that would say whose close it is.
-    cash.append({u"마감 %1 (%2)"_s.arg(close.closedAt.mid(11, 5), close.userId), Cell(QString())});
+    cash.append({u"마감 %1 (%2)"_s.arg(time, close.userId), Cell(QString())});
     report.results = {
         {u"예상현금"_s, close.figures.expectedCash}, {u"현금시재"_s, close.counted}, {verdict, difference}};
     return report;
