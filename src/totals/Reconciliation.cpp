@@ -15,7 +15,6 @@ using platform::Won;
 
 constexpr qsizetype kNumberLength = 12;
 constexpr qsizetype kTimeLength = 6;
-constexpr qsizetype kDateLength = 8;
 
 bool areDigits(QStringView text) {
     return !text.isEmpty() && std::ranges::all_of(text, [](QChar c) { return c >= u'0' && c <= u'9'; });
@@ -61,9 +60,7 @@ class Slips {
     }
 
   private:
-    bool isOfDay(const CollectionSlip& slip) const {
-        return QStringView(slip.MSGSENDTIME).first(kDateLength) == date_;
-    }
+    bool isOfDay(const CollectionSlip& slip) const { return slip.MSGSENDTIME.startsWith(date_); }
     /// A cash payment has a number as well, but the host's totals are of card payments.
     static bool isByCard(const CollectionSlip& slip) { return slip.CardMoney > Won(); }
 

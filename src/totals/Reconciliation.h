@@ -56,8 +56,9 @@ struct Reconciliation {
 };
 
 /// Sets the host's day against the terminal's slips, whoever wrote them: those by card whose request was sent
-/// on that day. A payment that host and terminal count to neighbouring days is no difference. Nothing when
-/// the slips could not be read.
+/// on that day. A payment of the host's list whose slip the terminal counts to a neighbouring day is no
+/// difference; of the host's own neighbouring days nothing is known. Nothing when the slips could not be
+/// read.
 std::optional<Reconciliation> reconcile(const QDate& day, const HostDay& host);
 
 /// The result as a report: both counts and sums, then every difference.
