@@ -23,6 +23,7 @@ using namespace Qt::Literals::StringLiterals;
 constexpr int kSummaryButton = 1022;
 constexpr int kReconcileButton = 1023;
 constexpr int kCloseButton = 1024;
+constexpr int kWhoLabel = 1059;
 
 constexpr QStringView kUnread = u"자료를 읽지 못해 집계하지 못했습니다..!";
 
@@ -43,8 +44,11 @@ void showDailyReport(const DailyReport& daily) {
 
 CTotalsDlg::CTotalsDlg() : Screen(app::dialogs::kTotals) {
     addLabel(0, u"영업/HOST집계"_s, {4, 4, 232, 26}, ui::FontHeight::Title, Qt::AlignCenter);
-    addLabel(0, app::session().UserID + u' ' + app::session().UserField2 + u"  "_s + app::session().WorkDate,
-             {4, 30, 232, 22}, ui::FontHeight::Small, Qt::AlignCenter);
+    addLabel(kWhoLabel, {}, {4, 30, 232, 22}, ui::FontHeight::Small, Qt::AlignCenter);
+    setFittedText(
+        kWhoLabel,
+        app::session().UserID + u' ' + app::session().UserField2 + u"  "_s + app::session().WorkDate,
+        ui::FontHeight::Small);
     for (const DailyReport& report : dailyReports()) {
         addWork(report.button, report.caption.toString(), [&report] { showDailyReport(report); });
     }
