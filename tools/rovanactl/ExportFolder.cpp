@@ -38,8 +38,9 @@ QString ExportFolder::begin() {
     const QString around = QFileInfo(path_).absolutePath();
     if (!QDir().mkpath(around)) return u"the folder %1 cannot be made"_s.arg(around);
     const int parent = ::open(QFile::encodeName(around).constData(), O_RDONLY | O_CLOEXEC);
-    if (parent < 0 || ::flock(parent, LOCK_EX | LOCK_NB) != 0) {
-        if (parent >= 0) ::close(parent);
+    if (parent < 0) return u"the folder %1 cannot be read"_s.arg(around);
+    if (::flock(parent, LOCK_EX | LOCK_NB) != 0) {
+        ::close(parent);
         return u"another export is writing below %1; wait for it"_s.arg(around);
     }
     parent_ = parent;

@@ -105,10 +105,9 @@ constinit const Command kPrintCommand{
     u"print",
     u"sale|container|collection|card JUNNO",
     u"writes a slip's document as text",
-    u"The sales invoice, the container receipt, the collection slip or the receipt of a simple payment as "
-    u"the "
-    u"terminal's 32-column paper has it, marked where that copy has been printed before, the last always. It "
-    u"does not count as a print.",
+    u"The sales invoice, container receipt, collection slip or receipt of a simple payment as the 32-column\n"
+    u"paper has it, marked where that copy has been printed before, the last always. It does not count as a\n"
+    u"print.",
     2,
     2,
     addPrintOptions,
