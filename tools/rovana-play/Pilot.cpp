@@ -9,6 +9,8 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QImage>
+#include <QPainter>
 #include <QPixmap>
 #include <QTest>
 #include <QWindow>
@@ -18,6 +20,7 @@
 #include "platform/message/Component.h"
 #include "platform/termdev/CardReader.h"
 #include "platform/termdev/DemoCards.h"
+#include "platform/termdev/PaperLine.h"
 #include "platform/termdev/PaperRoll.h"
 #include "rovana-play/Approval.h"
 #include "rovana-play/DatabaseReader.h"
@@ -43,6 +46,8 @@ using Attempt = Pilot::Attempt;
 constexpr int kPollMs = 5;
 /// Dialogs that do not close are left behind after this time.
 constexpr int kClosingMs = 10000;
+/// Dots of white around the printed paper of a picture.
+constexpr int kPaperMargin = 16;
 
 Attempt waitFor(const QString& problem) {
     return {problem, {}};
@@ -358,6 +363,8 @@ Attempt Pilot::attempt(const Step& step) {
             return {{}, [name = textOf(step)] { return removeFile(name); }};
         case Command::Shot:
             return ready([this, name = textOf(step)] { saveShot(name); });
+        case Command::Paper:
+            return savePaper(textOf(step));
         case Command::Quit:
             break;
     }
@@ -384,9 +391,40 @@ Attempt Pilot::compareRoll(const Step& step) {
 void Pilot::saveShot(const QString& name) {
     ui::Terminal* terminal = ui::Terminal::current();
     if (options_.shots.isEmpty() || terminal == nullptr) return;
-    QDir().mkpath(options_.shots);
-    const QString file = u"%1/%2-%3.png"_s.arg(options_.shots).arg(++shots_, 2, 10, QChar(u'0')).arg(name);
+    const QString file = nextPicture(name);
     if (!terminal->grab().save(file)) qWarning("cannot write %s", qUtf8Printable(file));
+}
+
+Attempt Pilot::savePaper(const QString& name) {
+    using namespace platform::termdev;
+    QStringList texts = rollSoFar().split(u'\n');
+    // Behind the last line's end, and what was fed after it.
+    while (!texts.isEmpty() && texts.last().trimmed().isEmpty()) texts.removeLast();
+    if (texts.isEmpty()) return waitFor(u"no paper was printed"_s);
+    return ready([this, name, texts] {
+        if (options_.shots.isEmpty()) return;
+        QList<PaperLine> lines;
+        int height = 2 * kPaperMargin;
+        for (const QString& text : texts) height += lines.emplace_back(readPaperText(text)).dots();
+        QImage paper(kPaperDots + 2 * kPaperMargin, height, QImage::Format_Grayscale8);
+        paper.fill(Qt::white);
+        QPainter painter(&paper);
+        painter.drawRect(paper.rect().adjusted(0, 0, -1, -1));
+        painter.translate(kPaperMargin, kPaperMargin);
+        int top = 0;
+        for (const PaperLine& line : std::as_const(lines)) {
+            paintLine(painter, line, top);
+            top += line.dots();
+        }
+        painter.end();
+        const QString file = nextPicture(name);
+        if (!paper.save(file)) qWarning("cannot write %s", qUtf8Printable(file));
+    });
+}
+
+QString Pilot::nextPicture(const QString& name) {
+    QDir().mkpath(options_.shots);
+    return u"%1/%2-%3.png"_s.arg(options_.shots).arg(++shots_, 2, 10, QChar(u'0')).arg(name);
 }
 
 }  // namespace pilot

@@ -58,6 +58,8 @@ class Pilot : public QObject {
     Attempt attempt(const Step& step);
     Attempt compareRoll(const Step& step);
     void saveShot(const QString& name);
+    Attempt savePaper(const QString& name);
+    QString nextPicture(const QString& name);
     QString rollSoFar() const;
 
     Script script_;

@@ -78,6 +78,7 @@ const QList<Syntax>& syntaxes() {
         {u"timeout", Command::TimeOut, {Position}, u"MS"},
         {u"remove", Command::Remove, {Text}, u"FILE"},
         {u"shot", Command::Shot, {Name}, u"NAME"},
+        {u"paper", Command::Paper, {Name}, u"NAME"},
         {u"quit", Command::Quit, {}, u""},
     };
     return table;

@@ -41,6 +41,7 @@ enum class Command {
     TimeOut,
     Remove,
     Shot,
+    Paper,
     Quit,
 };
 
