@@ -3,6 +3,7 @@
 #include <QStringBuilder>
 #include <array>
 
+#include "platform/Hangul.h"
 #include "rovanactl/demo/Parts.h"
 
 namespace admin::demo {
@@ -76,13 +77,9 @@ QString telephone(Chance& chance) {
 }  // namespace
 
 QString seekKey(QStringView name) {
-    constexpr int kFirstSyllable = 0xAC00;
-    constexpr int kLastSyllable = 0xD7A3;
-    constexpr int kSyllablesPerInitial = 21 * 28;
-    constexpr QStringView kInitials = u"ㄱㄱㄴㄷㄷㄹㅁㅂㅂㅅㅅㅇㅈㅈㅊㅋㅌㅍㅎ";
-    const int first = name.isEmpty() ? 0 : name.front().unicode();
-    if (first < kFirstSyllable || first > kLastSyllable) return u"00"_s;
-    return kInitials[(first - kFirstSyllable) / kSyllablesPerInitial];
+    namespace hangul = platform::hangul;
+    const char16_t initial = name.isEmpty() ? u'\0' : hangul::initialOf(name.front().unicode());
+    return initial == 0 ? u"00"_s : QString(QChar(hangul::plainOf(initial)));
 }
 
 std::vector<Customer> inventCustomers(const Options& options, Chance& chance) {
