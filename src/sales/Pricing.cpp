@@ -118,7 +118,14 @@ PricedLine priceLine(QStringView gcode, QStringView customerKind, QStringView pc
             contract = {wonAt(row, 3), wonAt(row, 4), wonAt(row, 5), wonAt(row, 6),
                         wonAt(row, 7), wonAt(row, 8), wonAt(row, 9)};
         })) {
-        return {PriceSource::Contract, contractAmounts(contract, boxes, bottles)};
+        const auto one = [](Won won) { return double(won.value()); };
+        return {PriceSource::Contract,
+                contractAmounts(contract, boxes, bottles),
+                {one(contract.boxmoney),
+                 one(contract.bonmoney),
+                 one(contract.boxbmoney),
+                 one(contract.bonbmoney),
+                 {}}};
     }
 
     QString productClass;
@@ -130,21 +137,22 @@ PricedLine priceLine(QStringView gcode, QStringView customerKind, QStringView pc
     const auto readCostPrices = [&](db::CVORecordset& row) { prices = costPricesAt(row); };
     if (readFirst(connection, kClassMargin(gcode, productClass), readMargin)) {
         readFirst(connection, kClassMarginPrices(pcode), readCostPrices);
-        return {PriceSource::ClassMargin, marginAmounts(prices, margin, boxes, bottles)};
+        return {PriceSource::ClassMargin, marginAmounts(prices, margin, boxes, bottles), prices, margin};
     }
 
     readFirst(connection, kCustomerMargin(gcode), readMargin);
     if (margin != 0) {
         readFirst(connection, kCustomerMarginPrices(pcode), readCostPrices);
-        return {PriceSource::CustomerMargin, marginAmounts(prices, margin, boxes, bottles)};
+        return {PriceSource::CustomerMargin, marginAmounts(prices, margin, boxes, bottles), prices, margin};
     }
 
+    const bool isTierA = customerKind == kTierAKind;
     readFirst(connection, kTierPrices(pcode), [&](db::CVORecordset& row) {
-        const int tier = customerKind == kTierAKind ? 0 : 1;
+        const int tier = isTierA ? 0 : 1;
         prices = {realAt(row, tier), realAt(row, 2 + tier), realAt(row, 4 + tier), realAt(row, 6 + tier),
                   depositsAt(row, 8)};
     });
-    return {PriceSource::Tier, tierAmounts(prices, boxes, bottles)};
+    return {PriceSource::Tier, tierAmounts(prices, boxes, bottles), prices, 0, isTierA};
 }
 
 }  // namespace sales

@@ -16,16 +16,6 @@ enum class PriceSource {
     Tier,            ///< None of these: selling tier A or B.
 };
 
-struct PricedLine {
-    PriceSource source = PriceSource::Tier;
-    LineAmounts amounts;  ///< All 0 when the source that applies has no price for the product.
-};
-
-/// The amounts of `boxes` boxes and `bottles` single bottles of product `pcode` for customer `gcode`.
-/// `customerKind` is the customer's `Gubun`. A price that is missing or no number counts as 0.
-PricedLine priceLine(QStringView gcode, QStringView customerKind, QStringView pcode, std::int64_t boxes,
-                     std::int64_t bottles);
-
 /// The prices that the sources work on, in won for one box or one bottle. Names in the database's spelling
 /// are the columns.
 struct ContractPrices {
@@ -38,6 +28,19 @@ struct UnitPrices {
     double boxSupply = 0, bottleSupply = 0, boxVat = 0, bottleVat = 0;
     Deposits deposits;
 };
+
+struct PricedLine {
+    PriceSource source = PriceSource::Tier;
+    LineAmounts amounts;       ///< All 0 when the source that applies has no price for the product.
+    UnitPrices prices;         ///< What the source has for one, before a margin.
+    double marginPercent = 0;  ///< Of the two margins, else 0.
+    bool isTierA = false;      ///< Of the tiers.
+};
+
+/// The amounts of `boxes` boxes and `bottles` single bottles of product `pcode` for customer `gcode`.
+/// `customerKind` is the customer's `Gubun`. A price that is missing or no number counts as 0.
+PricedLine priceLine(QStringView gcode, QStringView customerKind, QStringView pcode, std::int64_t boxes,
+                     std::int64_t bottles);
 
 /// Contract price times quantity, in whole won.
 LineAmounts contractAmounts(const ContractPrices& prices, std::int64_t boxes, std::int64_t bottles);

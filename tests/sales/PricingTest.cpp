@@ -1,14 +1,18 @@
 #include "sales/Pricing.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <QString>
 
 #include "PrintAmounts.h"
+#include "sales/PriceOrigin.h"
+#include "support/PrintQt.h"
 #include "support/TestDevice.h"
 
 namespace sales {
 
+using namespace Qt::Literals::StringLiterals;
 using platform::Won;
 
 namespace {
@@ -92,6 +96,14 @@ TEST_F(PricingTest, UsesTheFirstSourceThatApplies) {
         EXPECT_EQ(line.source, c.source);
         EXPECT_EQ(line.amounts, c.amounts);
     }
+}
+
+TEST_F(PricingTest, TellsTheTierThatMadeAPrice) {
+    EXPECT_EQ(
+        priceOrigin(priceLine(u"A", u"일반", u"0001", 2, 3), 2, 3),
+        u"판매단가 A\n상자 2 × 2,000 (세 200)\n본 3 × 210 (세 21)\n공급가 4,630\n부가세 463\n용기 22, 공병 77"_s);
+    EXPECT_THAT(priceOrigin(priceLine(u"A", u"유흥", u"0001", 2, 3), 2, 3).toStdString(),
+                testing::HasSubstr(" B\n"));
 }
 
 TEST_F(PricingTest, TakesTextThatIsNoPriceAsZero) {
