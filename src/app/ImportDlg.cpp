@@ -41,12 +41,13 @@ CImportDlg::CImportDlg() : Screen(dialogs::kImport) {
         const int top = 42 + i * 47;
         addLabel(kRows[i].label, kRows[i].caption.toString(), {8, top, 224, 22}, ui::FontHeight::Medium);
         bars_[size_t(i)] = place(kRows[i].bar, new QProgressBar(this), {8, top + 22, 224, 18});
+        describe(bars_[size_t(i)], kRows[i].caption.toString());
         bars_[size_t(i)]->setTextVisible(false);
         bars_[size_t(i)]->setValue(0);
     }
-    ui::BitmapButton* cancel = addButton(1001, u"취  소"_s, {2, 282}, ui::bitmaps::kCancel);
+    ui::BitmapButton* cancel = addBottomButton(1001, u"취  소"_s, 0, ui::bitmaps::kCancel);
     connect(cancel, &ui::BitmapButton::clicked, this, [this] { close(Cancelled); });
-    ui::BitmapButton* confirm = addButton(1000, u"확  인"_s, {182, 282}, ui::bitmaps::kConfirm);
+    ui::BitmapButton* confirm = addBottomButton(1000, u"확  인"_s, 3, ui::bitmaps::kConfirm);
     connect(confirm, &ui::BitmapButton::clicked, this, [this] { importAll(); });
     setDefaultButton(confirm);
     setCancelButton(cancel);

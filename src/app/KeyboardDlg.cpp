@@ -34,7 +34,7 @@ constexpr Key kDigitKeys[] = {{1029, u"1", 0, 0}, {1030, u"2", 1, 0}, {1031, u"3
 
 /// Top left corner of a key in the grid of four columns and rows.
 QPoint keyAt(int column, int row) {
-    return {3 + column * 59, 144 + row * 43};
+    return {ui::kGridLeft + column * ui::kGridPitch, 146 + row * 44};
 }
 
 }  // namespace
@@ -58,9 +58,12 @@ void CKeyboardDlg::addFields() {
     for (int i = 0; i < Keypad::kFields; ++i) {
         const FieldRow& row = kRows[i];
         addLabel(row.caption, captions[i], {4, row.top, 64, 32});
-        addLabel(row.display, {}, {70, row.top, 114, 32}, ui::FontHeight::Medium,
-                 Qt::AlignRight | Qt::AlignVCenter);
+        QLabel* display = addAmount(row.display, {}, {70, row.top, 114, 32}, ui::FontHeight::Medium);
+        // What may be a password is not read out.
+        keypadRequest().KeypadMode == kTextField ? display->setAccessibleName(captions[i])
+                                                 : describe(display, captions[i]);
         ui::BitmapButton* erase = addButton(row.erase, u"지움"_s, {190, row.top}, ui::bitmaps::kErase);
+        describe(erase, captions[i] + u" 지움"_s);
         connect(erase, &ui::BitmapButton::clicked, this, [this, i] {
             keypad_.erase(i + 1);
             refresh();
@@ -101,10 +104,9 @@ void CKeyboardDlg::addKeys() {
         keypad_.clear();
         refresh();
     });
-    ui::BitmapButton* cancel = addButton(1003, u"취  소"_s, keyAt(3, 2) + QPoint(0, 4), ui::bitmaps::kCancel);
+    ui::BitmapButton* cancel = addButton(1003, u"취  소"_s, keyAt(3, 2) + QPoint(0, 8), ui::bitmaps::kCancel);
     connect(cancel, &ui::BitmapButton::clicked, this, [this] { leave(Cancelled); });
-    ui::BitmapButton* confirm =
-        addButton(1000, u"확  인"_s, keyAt(3, 3) + QPoint(0, 4), ui::bitmaps::kConfirm);
+    ui::BitmapButton* confirm = addBottomButton(1000, u"확  인"_s, 3, ui::bitmaps::kConfirm);
     connect(confirm, &ui::BitmapButton::clicked, this, [this] { leave(Accepted); });
     setDefaultButton(confirm);
     setCancelButton(cancel);
@@ -132,8 +134,8 @@ void CKeyboardDlg::refresh() {
     const int fieldsInUse = std::max(1, keypadRequest().KeypadMode);
     for (int field = 1; field <= Keypad::kFields; ++field) {
         QLabel* display = label(kRows[field - 1].display);
-        display->setText(keypad_.display(field));
         display->setFrameShape(field > fieldsInUse ? QFrame::NoFrame : QFrame::Box);
+        fitText(display, keypad_.display(field), ui::FontHeight::Medium);
         QPalette colours = palette();
         const bool isActive = field == keypad_.activeField();
         colours.setColor(QPalette::Window, isActive ? QColor(0xff, 0xf7, 0xd6) : QColor(Qt::white));
@@ -156,6 +158,11 @@ void CKeyboardDlg::chooseNextField() {
     third_->setChecked(next == 3);
     keypad_.secondClicked(second_->isChecked(), third_->isChecked());
     refresh();
+}
+
+bool CKeyboardDlg::focusNextPrevChild(bool) {
+    chooseNextField();
+    return true;
 }
 
 void CKeyboardDlg::keyPressEvent(QKeyEvent* event) {

@@ -17,6 +17,8 @@ class CKeyboardDlg : public ui::Screen {
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
+    /// Tab goes from field to field: the keys of a keyboard stand for all buttons.
+    bool focusNextPrevChild(bool next) override;
 
   private:
     void addFields();

@@ -28,7 +28,7 @@ constexpr int kUserName = 1009;
 constexpr int kContainerButton = 1046;
 
 QPoint tileAt(int index) {
-    return {5 + index % 2 * 118, 8 + index / 2 * 68};
+    return {ui::kGridLeft + index % 2 * 2 * ui::kGridPitch, 8 + index / 2 * 68};
 }
 
 }  // namespace
@@ -37,7 +37,7 @@ CRovanaDlg::CRovanaDlg() : Screen(dialogs::kMain) {
     addLoginControls();
     addMenuControls();
     loadCompany();
-    setText(1007, session().sangho);
+    setFittedText(1007, session().sangho, ui::FontHeight::Title);
     setText(1008, session().calltel.isEmpty() ? QString() : u"콜센터 "_s + session().calltel);
     userId_->setCurrentText(u"A"_s);
     date_->setDate(platform::clock::now().date());
@@ -58,7 +58,7 @@ void CRovanaDlg::addLoginControls() {
     date_->setDisplayFormat(u"yyyy-MM-dd"_s);
     date_->setCalendarPopup(true);
 
-    userId_ = place(1005, new QComboBox(this), field(1, 62));
+    userId_ = addCombo(1005, field(1, 62));
     userId_->setEditable(true);
     userId_->setInsertPolicy(QComboBox::NoInsert);
     userId_->setCompleter(nullptr);
@@ -68,23 +68,26 @@ void CRovanaDlg::addLoginControls() {
 
     password_ = place(1006, new QLineEdit(this), field(2, 100));
     password_->setEchoMode(QLineEdit::Password);
+    describe(date_, u"작업일자"_s);
+    describe(userId_, u"사번"_s);
+    describe(password_, u"암호"_s);
 
     ui::BitmapButton* keypad = addButton(1010, u"비밀번호"_s, {170, 213}, ui::bitmaps::kPassword);
     connect(keypad, &ui::BitmapButton::clicked, this, [this] { enterPassword(); });
-    ui::BitmapButton* confirm = addButton(1000, u"확  인"_s, {182, 282}, ui::bitmaps::kConfirm);
+    ui::BitmapButton* confirm = addBottomButton(1000, u"확  인"_s, 3, ui::bitmaps::kConfirm);
     connect(confirm, &ui::BitmapButton::clicked, this, [this] { logIn(); });
     setDefaultButton(confirm);
-    ui::BitmapButton* quit = addButton(1003, u"X"_s, {2, 282}, ui::bitmaps::kCancel);
+    ui::BitmapButton* quit = addBottomButton(1003, u"X"_s, 0, ui::bitmaps::kCancel);
     connect(quit, &ui::BitmapButton::clicked, this, [this] { close(Cancelled); });
-    ui::BitmapButton* left = addButton(1001, {}, {62, 282}, ui::bitmaps::kBlank);
-    ui::BitmapButton* right = addButton(1002, {}, {122, 282}, ui::bitmaps::kBlank);
+    ui::BitmapButton* left = addBottomButton(1001, {}, 1, ui::bitmaps::kBlank);
+    ui::BitmapButton* right = addBottomButton(1002, {}, 2, ui::bitmaps::kBlank);
     left->setEnabled(false);
     right->setEnabled(false);
 
     loginControls_ = {addLabel(1007, {}, {4, 76, 232, 26}, ui::FontHeight::Title, Qt::AlignCenter),
                       addLabel(1008, {}, {4, 102, 232, 22}, ui::FontHeight::Small, Qt::AlignCenter),
                       addPicture(1060, ui::bitmaps::kLogo, {12, 10}),
-                      addPicture(0, ui::bitmaps::kFooter, {0, 254}),
+                      addPicture(0, ui::bitmaps::kFooter, {0, 258}),
                       caption(0, u"작업일자"_s),
                       caption(1, u"사  번"_s),
                       caption(2, u"암  호"_s),
@@ -96,8 +99,7 @@ void CRovanaDlg::addLoginControls() {
                       confirm,
                       left,
                       right};
-    for (QWidget* control :
-         {static_cast<QWidget*>(date_), static_cast<QWidget*>(userId_), static_cast<QWidget*>(password_)}) {
+    for (QWidget* control : {static_cast<QWidget*>(date_), static_cast<QWidget*>(password_)}) {
         control->setFont(ui::font(ui::FontHeight::Medium));
     }
 }
@@ -137,7 +139,7 @@ bool CRovanaDlg::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void CRovanaDlg::showUserName() {
-    setText(kUserName, userName(userId_->currentText()));
+    setFittedText(kUserName, userName(userId_->currentText()), ui::FontHeight::Small);
     label(kUserName)->repaint();
 }
 
@@ -176,8 +178,10 @@ void CRovanaDlg::showMenu() {
     setDefaultButton(nullptr);
     // Tab begins with the work, not with the way out.
     setTabOrder(menuControls_.last(), control(1003));
-    QLabel* who = addLabel(0, session().UserID + u' ' + session().UserField2 + u"  "_s + session().WorkDate,
-                           {64, 282, 172, 32}, ui::FontHeight::Small, Qt::AlignRight | Qt::AlignVCenter);
+    QLabel* who = addLabel(0, {}, {64, ui::kBottomRow, 172, 32}, ui::FontHeight::Small,
+                           Qt::AlignRight | Qt::AlignVCenter);
+    fitText(who, session().UserID + u' ' + session().UserField2 + u"  "_s + session().WorkDate,
+            ui::FontHeight::Small);
     who->show();
     setFocus();
 }

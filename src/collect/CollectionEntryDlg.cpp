@@ -71,17 +71,18 @@ CCollectionEntryDlg::CCollectionEntryDlg() : Screen(app::dialogs::kCollectionEnt
     const app::ActionValues& action = app::session().action;
     addLabel(1108, {}, {4, 0, 150, 24}, ui::FontHeight::Medium);
     setFittedText(1108, action.GName, ui::FontHeight::Medium);
-    addLabel(1109, action.JunNo, {156, 0, 40, 24}, ui::FontHeight::Medium, Qt::AlignRight | Qt::AlignVCenter);
+    addAmount(1109, u"전표번호"_s, {156, 0, 40, 24}, ui::FontHeight::Medium);
+    setText(1109, action.JunNo);
     addLabel(1110, {}, {198, 0, 40, 24}, ui::FontHeight::Small, Qt::AlignRight | Qt::AlignVCenter);
 
     addSaleRows();
     addPaymentRows();
 
-    ui::BitmapButton* back = addButton(1000, u"이전"_s, {2, 286}, ui::bitmaps::kCancel);
+    ui::BitmapButton* back = addBottomButton(1000, u"이전"_s, 0, ui::bitmaps::kCancel);
     connect(back, &ui::BitmapButton::clicked, this, [this] { close(Cancelled); });
-    ui::BitmapButton* remove = addButton(1002, u"전표삭제"_s, {62, 286}, ui::bitmaps::kDelete);
+    ui::BitmapButton* remove = addBottomButton(1002, u"전표삭제"_s, 1, ui::bitmaps::kDelete);
     connect(remove, &ui::BitmapButton::clicked, this, [this] { deletePrevious(); });
-    ui::BitmapButton* done = addButton(1003, u"완료"_s, {182, 286}, ui::bitmaps::kConfirm);
+    ui::BitmapButton* done = addBottomButton(1003, u"완료"_s, 3, ui::bitmaps::kConfirm);
     connect(done, &ui::BitmapButton::clicked, this, [this] { finish(); });
     setDefaultButton(done);
     setCancelButton(back);
@@ -110,7 +111,7 @@ void CCollectionEntryDlg::addSaleRows() {
         ui::BitmapButton* button = addButton(row.button, row.caption, cellAt(0, i), ui::bitmaps::kWideAmount);
         button->setEnabled(row.key != nullptr);
         connect(button, &ui::BitmapButton::clicked, this, [this, row] { keyAmount(row.caption, row.key); });
-        addLabel(row.value, {}, valueAt(0, i), ui::FontHeight::Small, Qt::AlignRight | Qt::AlignVCenter);
+        addAmount(row.value, row.caption, valueAt(0, i));
     }
 }
 
@@ -131,7 +132,7 @@ void CCollectionEntryDlg::addPaymentRows() {
     for (int i = 0; i < int(std::size(rows)); ++i) {
         ui::BitmapButton* button = addButton(rows[i].button, rows[i].caption, cellAt(1, i), rows[i].bitmaps);
         connect(button, &ui::BitmapButton::clicked, this, rows[i].action);
-        addLabel(rows[i].value, {}, valueAt(1, i), ui::FontHeight::Small, Qt::AlignRight | Qt::AlignVCenter);
+        addAmount(rows[i].value, rows[i].caption, valueAt(1, i));
     }
     const struct {
         QString caption;
@@ -140,8 +141,7 @@ void CCollectionEntryDlg::addPaymentRows() {
     for (int i = 0; i < 2; ++i) {
         addLabel(0, receivables[i].caption, {cellAt(1, 4 + i), QSize(kColumnWidth, kCaptionHeight)},
                  ui::FontHeight::Small, Qt::AlignCenter);
-        addLabel(receivables[i].value, {}, valueAt(1, 4 + i), ui::FontHeight::Small,
-                 Qt::AlignRight | Qt::AlignVCenter);
+        addAmount(receivables[i].value, receivables[i].caption, valueAt(1, 4 + i));
     }
 }
 

@@ -17,10 +17,11 @@ using namespace Qt::Literals::StringLiterals;
 CCollectionListDlg::CCollectionListDlg() : Screen(app::dialogs::kCollectionList) {
     addPicture(65535, ui::bitmaps::kSlipsHeading, {0, 0});
     setTextColour(addLabel(0, u"입금전표"_s, {38, 0, 198, 31}, ui::FontHeight::Title), Qt::white);
-    list_ = addList(1054, {0, 34, 240, 246});
+    list_ = addList(1054, {0, 34, 240, 248});
     // The third column carries the customer code under this title.
     const ui::ListColumn columns[] = {{u"번호"_s, 50}, {u"거래처명"_s, 180}, {u"결제금액"_s, 50}};
     list_->setColumns(columns);
+    describe(list_, u"입금전표 목록"_s);
     connect(list_, &ui::ReportList::rowClicked, this, &CCollectionListDlg::choose);
     connect(list_, &ui::ReportList::rowDoubleClicked, this, [this](int row) {
         choose(row);
@@ -28,19 +29,14 @@ CCollectionListDlg::CCollectionListDlg() : Screen(app::dialogs::kCollectionList)
         closeIfDone();
     });
 
-    const auto button = [this](int controlId, const QString& caption, int left, ui::ButtonBitmaps pictures,
-                               auto&& action) {
-        ui::BitmapButton* result = addButton(controlId, caption, {left, 284}, pictures);
-        connect(result, &ui::BitmapButton::clicked, this, action);
-        return result;
-    };
-    setCancelButton(button(1003, u"취  소"_s, 2, ui::bitmaps::kCancel, [this] { close(Cancelled); }));
-    button(1001, u"삭  제"_s, 62, ui::bitmaps::kDelete, [this] { deleteChosen(); });
-    button(1002, u"추  가"_s, 122, ui::bitmaps::kAdd, [this] {
+    setCancelButton(
+        addBottomButton(1003, u"취  소"_s, 0, ui::bitmaps::kCancel, [this] { close(Cancelled); }));
+    addBottomButton(1001, u"삭  제"_s, 1, ui::bitmaps::kDelete, [this] { deleteChosen(); });
+    addBottomButton(1002, u"추  가"_s, 2, ui::bitmaps::kAdd, [this] {
         ui::runScreen(app::dialogs::kConsonantBoard);
         closeIfDone();
     });
-    setDefaultButton(button(1000, u"확  인"_s, 182, ui::bitmaps::kConfirm, [this] { openHere(); }));
+    setDefaultButton(addBottomButton(1000, u"확  인"_s, 3, ui::bitmaps::kConfirm, [this] { openHere(); }));
 
     fill();
     list_->setFocus();

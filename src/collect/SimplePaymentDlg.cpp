@@ -44,14 +44,14 @@ CSimplePaymentDlg::CSimplePaymentDlg() : Screen(app::dialogs::kSimplePayment) {
     addLabel(0, u"단순결제"_s, {4, 4, 232, 26}, ui::FontHeight::Title, Qt::AlignCenter);
     addLabel(1059, {}, {6, 36, 170, 24}, ui::FontHeight::Medium);
     setFittedText(1059, action.GName, ui::FontHeight::Medium);
-    addLabel(1088, action.JunNo, {180, 36, 54, 24}, ui::FontHeight::Medium,
-             Qt::AlignRight | Qt::AlignVCenter);
+    addAmount(1088, u"전표번호"_s, {180, 36, 54, 24}, ui::FontHeight::Medium);
+    setText(1088, action.JunNo);
 
     constexpr int kTop = 70;
     constexpr int kRowHeight = 34;
     const auto place = [this](int controlId, const QString& caption, int valueId, int row) {
         const int top = kTop + row * kRowHeight;
-        addLabel(valueId, {}, {122, top, 112, 24}, ui::FontHeight::Medium, Qt::AlignRight | Qt::AlignVCenter);
+        addAmount(valueId, caption, {122, top, 112, 24}, ui::FontHeight::Medium);
         return addButton(controlId, caption, {4, top}, ui::bitmaps::kWideAmount);
     };
     for (int i = 0; i < int(std::size(kRows)); ++i) {
@@ -62,14 +62,14 @@ CSimplePaymentDlg::CSimplePaymentDlg() : Screen(app::dialogs::kSimplePayment) {
     // The total follows from the others; its button only names it.
     place(kTotalButton, u"합계"_s, kTotalValue, int(std::size(kRows)))->setEnabled(false);
 
-    ui::BitmapButton* cancel = addButton(1000, u"취  소"_s, {2, 284}, ui::bitmaps::kCancel);
+    ui::BitmapButton* cancel = addBottomButton(1000, u"취  소"_s, 0, ui::bitmaps::kCancel);
     connect(cancel, &ui::BitmapButton::clicked, this, [this] { close(Cancelled); });
-    ui::BitmapButton* clear = addButton(1001, u"크리어"_s, {92, 284}, ui::bitmaps::kPay);
+    ui::BitmapButton* clear = addBottomButton(1001, u"크리어"_s, 1, ui::bitmaps::kPay);
     connect(clear, &ui::BitmapButton::clicked, this, [this] {
         amounts_ = {};
         showAmounts();
     });
-    ui::BitmapButton* done = addButton(1003, u"완  료"_s, {182, 284}, ui::bitmaps::kConfirm);
+    ui::BitmapButton* done = addBottomButton(1003, u"완  료"_s, 3, ui::bitmaps::kConfirm);
     connect(done, &ui::BitmapButton::clicked, this, [this] { finish(); });
     setDefaultButton(done);
     setCancelButton(cancel);

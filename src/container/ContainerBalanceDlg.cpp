@@ -1,6 +1,7 @@
 #include "container/ContainerBalanceDlg.h"
 
 #include <QLabel>
+#include <QStringBuilder>
 
 #include "app/Dialogs.h"
 #include "app/Session.h"
@@ -42,6 +43,7 @@ CContainerBalanceDlg::CContainerBalanceDlg() : Screen(app::dialogs::kContainerBa
     ui::ReportList* list = addList(1054, {0, 25, 240, 138});
     const ui::ListColumn columns[] = {{u"상품명"_s, 116}, {u"상자"_s, 50, kRight}, {u"공병"_s, 58, kRight}};
     list->setColumns(columns);
+    describe(list, u"용공잔액 상품"_s);
     connect(list, &ui::ReportList::rowClicked, this, &CContainerBalanceDlg::showProduct);
 
     addLabel(kProductName, {}, {4, 164, 232, 18});
@@ -50,11 +52,11 @@ CContainerBalanceDlg::CContainerBalanceDlg() : Screen(app::dialogs::kContainerBa
     int top = kFirstRowTop;
     for (const FigureRow& row : kFigureRows) {
         addLabel(0, row.caption.toString(), {4, top, 76, kRowHeight});
-        addLabel(row.crates, {}, {84, top, 70, kRowHeight}, ui::FontHeight::Small, kRight);
-        addLabel(row.bottles, {}, {160, top, 74, kRowHeight}, ui::FontHeight::Small, kRight);
+        addAmount(row.crates, row.caption % u" 상자", {84, top, 70, kRowHeight});
+        addAmount(row.bottles, row.caption % u" 공병", {160, top, 74, kRowHeight});
         top += kRowHeight;
     }
-    ui::BitmapButton* done = addButton(1000, u"확  인"_s, {182, 284}, ui::bitmaps::kConfirm);
+    ui::BitmapButton* done = addBottomButton(1000, u"확  인"_s, 3, ui::bitmaps::kConfirm);
     connect(done, &ui::BitmapButton::clicked, this, [this] { close(Accepted); });
     setDefaultButton(done);
     setCancelButton(done);

@@ -1,6 +1,7 @@
 #include "container/ContainerDepositDlg.h"
 
 #include <QLabel>
+#include <QStringBuilder>
 
 #include "app/Dialogs.h"
 #include "container/ContainerProduct.h"
@@ -48,6 +49,7 @@ CContainerDepositDlg::CContainerDepositDlg() : ContainerEntry(app::dialogs::kCon
     const ui::ListColumn columns[] = {
         {u"상품명"_s, 78}, {u"상자"_s, 30, kRight}, {u"본"_s, 30, kRight}, {u"공상/입상/병"_s, 86, kRight}};
     list_->setColumns(columns);
+    describe(list_, u"용공 보증금 상품"_s);
     connect(list_, &ui::ReportList::rowClicked, this, &CContainerDepositDlg::showAmounts);
     connect(list_, &ui::ReportList::rowDoubleClicked, this, [this] { takeBack(); });
     addAmountRows();
@@ -63,25 +65,20 @@ void CContainerDepositDlg::addAmountRows() {
     int top = kFirstRowTop;
     for (const AmountRow& row : kAmountRows) {
         addLabel(0, row.caption.toString(), {4, top, 68, kRowHeight});
-        QLabel* value = addLabel(row.lineValue, {}, {74, top, 76, kRowHeight}, ui::FontHeight::Small, kRight);
+        QLabel* value = addAmount(row.lineValue, row.caption % u" 선택상품", {74, top, 76, kRowHeight});
         setTextColour(value, QColor(0x1c, 0x5b, 0xa8));
-        addLabel(row.sum, {}, {156, top, 80, kRowHeight}, ui::FontHeight::Small, kRight);
+        addAmount(row.sum, row.caption % u" 전표합계", {156, top, 80, kRowHeight});
         top += kRowHeight;
     }
 }
 
 void CContainerDepositDlg::addButtons() {
-    const auto button = [this](int controlId, const QString& caption, QPoint at, ui::ButtonBitmaps pictures,
-                               auto action) {
-        ui::BitmapButton* result = addButton(controlId, caption, at, pictures);
-        connect(result, &ui::BitmapButton::clicked, this, action);
-        return result;
-    };
-    button(1091, u"용공잔액"_s, {62, 287}, ui::bitmaps::kSearch,
-           [] { ui::runScreen(app::dialogs::kContainerBalance); });
-    setCancelButton(button(1001, u"취  소"_s, {2, 287}, ui::bitmaps::kCancel, [this] { close(Cancelled); }));
-    button(1000, u"회  수"_s, {122, 287}, ui::bitmaps::kAdd, [this] { takeBack(); });
-    setDefaultButton(button(1003, u"완  료"_s, {182, 287}, ui::bitmaps::kConfirm, [this] { finish(); }));
+    addBottomButton(1091, u"용공잔액"_s, 1, ui::bitmaps::kSearch,
+                    [] { ui::runScreen(app::dialogs::kContainerBalance); });
+    setCancelButton(
+        addBottomButton(1001, u"취  소"_s, 0, ui::bitmaps::kCancel, [this] { close(Cancelled); }));
+    addBottomButton(1000, u"회  수"_s, 2, ui::bitmaps::kAdd, [this] { takeBack(); });
+    setDefaultButton(addBottomButton(1003, u"완  료"_s, 3, ui::bitmaps::kConfirm, [this] { finish(); }));
 }
 
 void CContainerDepositDlg::takeBack() {

@@ -27,7 +27,7 @@ constexpr std::int64_t kHighestCount = 999;
 ContainerEntry::ContainerEntry(int dialogId) : Screen(dialogId) {
     addLabel(kCustomerName, {}, {4, 0, 232, 22});
     addLabel(0, u"채권잔액"_s, {4, 22, 60, 18});
-    addLabel(kReceivable, {}, {66, 22, 170, 18}, ui::FontHeight::Small, Qt::AlignRight | Qt::AlignVCenter);
+    addAmount(kReceivable, u"채권잔액"_s, {66, 22, 170, 18});
     showCustomer();
     const app::SessionValues& session = app::session();
     if (!openSlip(session.UserID, session.WorkDate, session.action.JunNo)) {

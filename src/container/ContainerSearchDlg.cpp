@@ -20,26 +20,21 @@ void forgetChoice() {
 }  // namespace
 
 CContainerSearchDlg::CContainerSearchDlg() : Screen(app::dialogs::kContainerSearch) {
-    list_ = addList(1090, {0, 0, 240, 278});
+    list_ = addList(1090, {0, 0, 240, 282});
+    describe(list_, u"용공 상품 목록"_s);
     connect(list_, &ui::ReportList::rowClicked, this, &CContainerSearchDlg::choose);
     connect(list_, &ui::ReportList::rowDoubleClicked, this, [this](int row) {
         choose(row);
         close(Accepted);
     });
 
-    const auto button = [this](int controlId, const QString& caption, int left, ui::ButtonBitmaps pictures,
-                               auto&& action) {
-        ui::BitmapButton* result = addButton(controlId, caption, {left, 282}, pictures);
-        connect(result, &ui::BitmapButton::clicked, this, action);
-        return result;
-    };
-    setCancelButton(button(1003, u"취  소"_s, 2, ui::bitmaps::kCancel, [this] { cancel(); }));
-    addButton(1002, {}, {62, 282}, ui::bitmaps::kBlank)->setEnabled(false);
-    button(1001, u"전 체"_s, 122, ui::bitmaps::kListAll, [this] {
+    setCancelButton(addBottomButton(1003, u"취  소"_s, 0, ui::bitmaps::kCancel, [this] { cancel(); }));
+    addBottomButton(1002, {}, 1, ui::bitmaps::kBlank)->setEnabled(false);
+    addBottomButton(1001, u"전 체"_s, 2, ui::bitmaps::kListAll, [this] {
         app::session().action.ContainerSearchKey.clear();
         fill();
     });
-    setDefaultButton(button(1000, u"확  인"_s, 182, ui::bitmaps::kConfirm, [this] { confirm(); }));
+    setDefaultButton(addBottomButton(1000, u"확  인"_s, 3, ui::bitmaps::kConfirm, [this] { confirm(); }));
 
     fill();
     list_->setFocus();

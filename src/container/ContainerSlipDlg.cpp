@@ -38,7 +38,7 @@ constexpr AmountRow kAmountRows[] = {
 };
 constexpr int kTotalSum = 1081;
 constexpr int kTotalOfLine = 1086;
-constexpr int kFirstRowTop = 154;
+constexpr int kFirstRowTop = 153;
 constexpr int kRowHeight = 25;
 
 }  // namespace
@@ -46,20 +46,21 @@ constexpr int kRowHeight = 25;
 CContainerSlipDlg::CContainerSlipDlg() : ContainerEntry(app::dialogs::kContainerSlip) {
     addList();
     addAmountRows();
-    addLabel(kBalance, {}, {4, 271, 232, 15});
+    addLabel(kBalance, {}, {4, 270, 232, 15});
     addButtons();
     showLines();
     list_->setFocus();
 }
 
 void CContainerSlipDlg::addList() {
-    list_ = Screen::addList(1054, {0, 41, 240, 98});
+    list_ = Screen::addList(1054, {0, 41, 240, 97});
     const ui::ListColumn columns[] = {{u"코드"_s, 38},
                                       {u"상품명"_s, 84},
                                       {u"공상"_s, 34, kRight},
                                       {u"입상"_s, 34, kRight},
                                       {u"공병"_s, 34, kRight}};
     list_->setColumns(columns);
+    describe(list_, u"용공회수 상품"_s);
     connect(list_, &ui::ReportList::rowClicked, this, &CContainerSlipDlg::selectLine);
     connect(list_, &ui::ReportList::emptyPartClicked, this, [this] {
         deselect();
@@ -72,41 +73,36 @@ void CContainerSlipDlg::addList() {
 }
 
 void CContainerSlipDlg::addAmountRows() {
-    addLabel(0, u"선택상품"_s, {48, 139, 60, 15}, ui::FontHeight::Small, kRight);
-    addLabel(0, u"전표합계"_s, {110, 139, 68, 15}, ui::FontHeight::Small, kRight);
-    const auto values = [this](int lineValue, int slipSum, int top, int height) {
-        QLabel* value = addLabel(lineValue, {}, {48, top, 60, height}, ui::FontHeight::Small, kRight);
+    addLabel(0, u"선택상품"_s, {47, 138, 63, 15}, ui::FontHeight::Small, kRight);
+    addLabel(0, u"전표합계"_s, {114, 138, 66, 15}, ui::FontHeight::Small, kRight);
+    const auto values = [this](const QString& name, int lineValue, int slipSum, int top, int height) {
+        QLabel* value = addAmount(lineValue, name + u" 선택상품"_s, {47, top, 63, height});
         setTextColour(value, QColor(0x1c, 0x5b, 0xa8));
-        addLabel(slipSum, {}, {110, top, 68, height}, ui::FontHeight::Small, kRight);
+        addAmount(slipSum, name + u" 전표합계"_s, {114, top, 66, height});
     };
     int top = kFirstRowTop;
     for (const AmountRow& row : kAmountRows) {
         const QString caption = row.caption.toString();
-        ui::BitmapButton* button = addButton(row.button, caption, {2, top}, ui::bitmaps::kTallAmount);
+        ui::BitmapButton* button = addButton(row.button, caption, {2, top}, ui::bitmaps::kAmount);
         connect(button, &ui::BitmapButton::clicked, this,
                 [this, caption, &row] { editAmount(caption, row.amount); });
-        values(row.lineValue, row.slipSum, top, 24);
+        values(caption, row.lineValue, row.slipSum, top, 24);
         top += kRowHeight;
     }
-    addLabel(0, u"합  계"_s, {4, top, 44, 16});
-    values(kTotalOfLine, kTotalSum, top, 16);
+    addLabel(0, u"합  계"_s, {4, top, 43, 16});
+    values(u"합계"_s, kTotalOfLine, kTotalSum, top, 16);
 }
 
 void CContainerSlipDlg::addButtons() {
-    const auto button = [this](int controlId, const QString& caption, QPoint at, ui::ButtonBitmaps pictures,
-                               auto action) {
-        ui::BitmapButton* result = addButton(controlId, caption, at, pictures);
-        connect(result, &ui::BitmapButton::clicked, this, action);
-        return result;
-    };
-    button(1010, u"용공코드검색"_s, {182, 154}, ui::bitmaps::kSearchCode, [this] { addFromSearch(false); });
-    button(1091, u"용공잔액"_s, {182, 214}, ui::bitmaps::kSearch,
-           [] { ui::runScreen(app::dialogs::kContainerBalance); });
-    setCancelButton(button(1001, u"취 소"_s, {2, 287}, ui::bitmaps::kCancel, [this] { close(Cancelled); }));
-    button(1002, u"삭  제"_s, {62, 287}, ui::bitmaps::kDelete, [this] { deleteSelected(); });
-    button(1000, u"등  록"_s, {122, 287}, ui::bitmaps::kAdd,
-           [this] { addFromSearch(app::session().UserField6 == u"Y"); });
-    setDefaultButton(button(1003, u"완  료"_s, {182, 287}, ui::bitmaps::kConfirm, [this] { finish(); }));
+    addButton(1010, u"용공코드검색"_s, {182, 153}, ui::bitmaps::kSearchCode,
+              [this] { addFromSearch(false); });
+    addButton(1091, u"용공잔액"_s, {182, 213}, ui::bitmaps::kSearch,
+              [] { ui::runScreen(app::dialogs::kContainerBalance); });
+    setCancelButton(addBottomButton(1001, u"취 소"_s, 0, ui::bitmaps::kCancel, [this] { close(Cancelled); }));
+    addBottomButton(1002, u"삭  제"_s, 1, ui::bitmaps::kDelete, [this] { deleteSelected(); });
+    addBottomButton(1000, u"등  록"_s, 2, ui::bitmaps::kAdd,
+                    [this] { addFromSearch(app::session().UserField6 == u"Y"); });
+    setDefaultButton(addBottomButton(1003, u"완  료"_s, 3, ui::bitmaps::kConfirm, [this] { finish(); }));
 }
 
 ContainerKey CContainerSlipDlg::keyOfRow(int row) const {

@@ -1,6 +1,7 @@
 #include "print/PrintJob.h"
 
 #include "print/Printer.h"
+#include "ui/WaitCursor.h"
 
 namespace print {
 namespace {
@@ -38,7 +39,10 @@ void printDocuments(std::span<const Document> documents) {
     PrintJob job;
     for (const Document& document : documents) {
         job.title(document.title());
-        for (const QString& line : document.lines()) job.line(line);
+        for (const QString& line : document.lines()) {
+            job.line(line);
+            ui::WaitCursor::alive();
+        }
         job.feed();
     }
 }

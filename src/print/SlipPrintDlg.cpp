@@ -28,8 +28,8 @@ CSlipPrintDlg::CSlipPrintDlg()
     addLabel(0, u"전표 출력"_s, {4, 4, 232, 26}, ui::FontHeight::Title, Qt::AlignCenter);
     addLabel(1059, {}, {12, 34, 168, 22}, ui::FontHeight::Medium);
     setFittedText(1059, action.GName, ui::FontHeight::Medium);
-    addLabel(1088, action.JunNo, {180, 34, 48, 22}, ui::FontHeight::Medium,
-             Qt::AlignRight | Qt::AlignVCenter);
+    addAmount(1088, u"전표번호"_s, {180, 34, 48, 22}, ui::FontHeight::Medium);
+    setText(1088, action.JunNo);
 
     auto* seller = place(kSellerCopy, new QRadioButton(u"공급자용"_s, this), {12, 62, 96, 30});
     buyer_ = place(kBuyerCopy, new QRadioButton(u"공급받는자용"_s, this), {112, 62, 120, 30});
@@ -49,7 +49,7 @@ CSlipPrintDlg::CSlipPrintDlg()
     choice(1007, u"전체출력"_s, int(papers.size()), papers);
     addLabel(kPrintedMark, {}, {12, 258, 216, 22}, ui::FontHeight::Small, Qt::AlignCenter);
 
-    ui::BitmapButton* closeButton = addButton(1003, u"닫  기"_s, {182, 284}, ui::bitmaps::kConfirm);
+    ui::BitmapButton* closeButton = addBottomButton(1003, u"닫  기"_s, 3, ui::bitmaps::kConfirm);
     connect(closeButton, &ui::BitmapButton::clicked, this, [this] {
         app::session().SlipDone = 1;
         close(Accepted);

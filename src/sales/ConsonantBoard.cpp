@@ -35,7 +35,7 @@ ConsonantBoard::ConsonantBoard(int dialogId, const QString& title) : Screen(dial
 }
 
 QPoint ConsonantBoard::keyAt(int place) {
-    return {3 + place % 4 * 59, 40 + place / 4 * 51};
+    return {ui::kGridLeft + place % 4 * ui::kGridPitch, 40 + place / 4 * 52};
 }
 
 void ConsonantBoard::choose(const QString& seek) {

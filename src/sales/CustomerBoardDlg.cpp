@@ -16,12 +16,12 @@ constexpr int kCancelHint = 1134;
 }  // namespace
 
 CCustomerBoardDlg::CCustomerBoardDlg() : ConsonantBoard(app::dialogs::kConsonantBoard, u"거래처 초성"_s) {
-    addButton(kBlankKey, {}, keyAt(15), ui::bitmaps::kConsonant);
-    addLabel(kCancelHint, u"[취소]클릭시 미등록거래처로 세팅!"_s, {4, 250, 232, 24}, ui::FontHeight::Small,
+    addButton(kBlankKey, {}, keyAt(15), ui::bitmaps::kConsonant)->setEnabled(false);
+    addLabel(kCancelHint, u"[취소]클릭시 미등록거래처로 세팅!"_s, {4, 254, 232, 24}, ui::FontHeight::Small,
              Qt::AlignCenter)
         ->setVisible(app::session().WorkMode == app::kSimplePayment);
 
-    ui::BitmapButton* cancel = addButton(1003, u"취  소"_s, {2, 282}, ui::bitmaps::kCancel);
+    ui::BitmapButton* cancel = addBottomButton(1003, u"취  소"_s, 0, ui::bitmaps::kCancel);
     connect(cancel, &ui::BitmapButton::clicked, this, [this] {
         if (app::session().WorkMode == app::kSimplePayment) {
             closeAndOpen(app::dialogs::kSimplePayment);
@@ -29,7 +29,7 @@ CCustomerBoardDlg::CCustomerBoardDlg() : ConsonantBoard(app::dialogs::kConsonant
             close(Cancelled);
         }
     });
-    ui::BitmapButton* confirm = addButton(1000, u"확  인"_s, {182, 282}, ui::bitmaps::kConfirm);
+    ui::BitmapButton* confirm = addBottomButton(1000, u"확  인"_s, 3, ui::bitmaps::kConfirm);
     connect(confirm, &ui::BitmapButton::clicked, this, [this] { seekChosen(); });
     setDefaultButton(confirm);
     setCancelButton(cancel);

@@ -1,9 +1,11 @@
 #include "sales/GaeaeDlg.h"
 
 #include <QLabel>
+#include <utility>
 
 #include "app/Dialogs.h"
 #include "app/Session.h"
+#include "platform/Hangul.h"
 #include "sales/CustomerQuery.h"
 #include "sales/SlipNumber.h"
 #include "ui/Messages.h"
@@ -38,10 +40,11 @@ int workScreen(int workMode) {
 
 }  // namespace
 
-CGaeaeDlg::CGaeaeDlg() : Screen(app::dialogs::kCustomerList), seek_(app::session().action.SeekValue) {
-    ui::ReportList* list = addList(kList, {0, 0, 240, 236});
+CGaeaeDlg::CGaeaeDlg() : NarrowScreen(app::dialogs::kCustomerList), seek_(app::session().action.SeekValue) {
+    ui::ReportList* list = addList(kList, {0, 32, 240, 208});
     const ui::ListColumn columns[] = {{u"코드"_s, 50}, {u"거래처명"_s, 180}, {u"거래일자"_s, 70}};
     list->setColumns(columns);
+    describe(list, u"거래처 목록"_s);
     connect(list, &ui::ReportList::rowClicked, this, &CGaeaeDlg::choose);
     connect(list, &ui::ReportList::rowDoubleClicked, this, [this](int row) {
         choose(row);
@@ -50,26 +53,28 @@ CGaeaeDlg::CGaeaeDlg() : Screen(app::dialogs::kCustomerList), seek_(app::session
         confirm();
     });
 
-    addLabel(0, u"전화"_s, {4, 238, 100, 16});
-    addLabel(0, u"마진"_s, {108, 238, 40, 16}, ui::FontHeight::Small, Qt::AlignCenter);
-    addLabel(0, u"채권잔액"_s, {150, 238, 86, 16}, ui::FontHeight::Small, Qt::AlignRight | Qt::AlignVCenter);
-    addLabel(kTel, {}, {4, 254, 104, 24});
-    addLabel(kMargin, {}, {108, 254, 40, 24}, ui::FontHeight::Small, Qt::AlignCenter);
-    addLabel(kReceivable, {}, {150, 254, 86, 24}, ui::FontHeight::Small, Qt::AlignRight | Qt::AlignVCenter);
+    addLabel(0, u"전화"_s, {4, 242, 100, 16});
+    addLabel(0, u"마진"_s, {108, 242, 40, 16}, ui::FontHeight::Small, Qt::AlignCenter);
+    addLabel(0, u"채권잔액"_s, {150, 242, 86, 16}, ui::FontHeight::Small, Qt::AlignRight | Qt::AlignVCenter);
+    describe(addLabel(kTel, {}, {4, 258, 104, 24}), u"전화"_s);
+    describe(addLabel(kMargin, {}, {108, 258, 40, 24}, ui::FontHeight::Small, Qt::AlignCenter), u"마진"_s);
+    addAmount(kReceivable, u"채권잔액"_s, {150, 258, 86, 24});
 
-    ui::BitmapButton* cancel = addButton(1003, u"취  소"_s, {2, 282}, ui::bitmaps::kCancel);
+    ui::BitmapButton* cancel = addBottomButton(1003, u"취  소"_s, 0, ui::bitmaps::kCancel);
     connect(cancel, &ui::BitmapButton::clicked, this, [this] { close(Cancelled); });
-    addButton(1002, {}, {62, 282}, ui::bitmaps::kBlank)->setEnabled(false);
-    ui::BitmapButton* all = addButton(1001, u"전  체"_s, {122, 282}, ui::bitmaps::kSearch);
+    addBottomButton(1002, {}, 1, ui::bitmaps::kBlank)->setEnabled(false);
+    ui::BitmapButton* all = addBottomButton(1001, u"전  체"_s, 2, ui::bitmaps::kSearch);
     connect(all, &ui::BitmapButton::clicked, this, [this] {
         ownOnly_ = !ownOnly_;
         fill();
     });
-    ui::BitmapButton* confirmButton = addButton(1000, u"확  인"_s, {182, 282}, ui::bitmaps::kConfirm);
+    ui::BitmapButton* confirmButton = addBottomButton(1000, u"확  인"_s, 3, ui::bitmaps::kConfirm);
     connect(confirmButton, &ui::BitmapButton::clicked, this, [this] { confirm(); });
     setDefaultButton(confirmButton);
     setCancelButton(cancel);
 
+    addNarrowing(list, 2, platform::hangul::continues);
+    connect(list, &ui::ReportList::narrowed, this, &CGaeaeDlg::forgetChoice);
     fill();
     list->setFocus();
 }
@@ -86,11 +91,20 @@ void CGaeaeDlg::choose(int row) {
     app::ActionValues& action = app::session().action;
     action.GCode = list->text(row, 0);
     action.GName = list->text(row, 1);
+    isChosenHere_ = true;
     const std::optional<CustomerFooter> footer = customerFooter(action.GCode);
     if (!footer) return;
     setFittedText(kTel, footer->tel, ui::FontHeight::Small);
     setFittedText(kMargin, u" %1 "_s.arg(footer->Majin), ui::FontHeight::Small);
     setAmount(kReceivable, footer->CJMoney);
+}
+
+void CGaeaeDlg::forgetChoice() {
+    // A customer of earlier work stays chosen: no row of this list stood for it.
+    if (!std::exchange(isChosenHere_, false)) return;
+    app::session().action.GCode.clear();
+    app::session().action.GName.clear();
+    for (const int id : {kTel, kMargin, kReceivable}) setText(id, {});
 }
 
 void CGaeaeDlg::confirm() {

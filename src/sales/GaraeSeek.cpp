@@ -1,5 +1,7 @@
 #include "sales/GaraeSeek.h"
 
+#include <QLabel>
+
 #include "app/CollectionSlip.h"
 #include "app/ContainerBalance.h"
 #include "app/Dialogs.h"
@@ -28,6 +30,7 @@ CGaraeSeek::CGaraeSeek() : Screen(app::dialogs::kSlipList) {
     list_ = addList(1054, {0, 0, 240, 242});
     const ui::ListColumn columns[] = {{u"구분"_s, 60}, {u"거래처명"_s, 180}, {u"전표"_s, 50}};
     list_->setColumns(columns);
+    describe(list_, u"주문전표 목록"_s);
     connect(list_, &ui::ReportList::rowClicked, this, &CGaraeSeek::choose);
     connect(list_, &ui::ReportList::rowDoubleClicked, this, [this](int row) {
         choose(row);
@@ -40,23 +43,20 @@ CGaraeSeek::CGaraeSeek() : Screen(app::dialogs::kSlipList) {
     } counts[] = {{kTotalCount, u"전체"_s}, {kPrintedCount, u"발행"_s}, {kUnprintedCount, u"미발행"_s}};
     for (int i = 0; i < int(std::size(counts)); ++i) {
         addLabel(0, counts[i].caption, {2 + i * 60, 244, 56, 16}, ui::FontHeight::Small, Qt::AlignCenter);
-        addLabel(counts[i].control, {}, {2 + i * 60, 260, 56, 20}, ui::FontHeight::Small, Qt::AlignCenter);
+        describe(addLabel(counts[i].control, {}, {2 + i * 60, 260, 56, 20}, ui::FontHeight::Small,
+                          Qt::AlignCenter),
+                 counts[i].caption);
     }
 
-    const auto button = [this](int controlId, const QString& caption, QPoint at, ui::ButtonBitmaps pictures,
-                               auto&& action) {
-        ui::BitmapButton* result = addButton(controlId, caption, at, pictures);
-        connect(result, &ui::BitmapButton::clicked, this, action);
-        return result;
-    };
-    button(1004, u"결  제"_s, {182, 246}, ui::bitmaps::kPay, [this] { pay(); });
-    setCancelButton(button(1003, u"취  소"_s, {2, 284}, ui::bitmaps::kCancel, [this] { close(Cancelled); }));
-    button(1001, u"삭  제"_s, {62, 284}, ui::bitmaps::kDelete, [this] { deleteChosen(); });
-    button(1002, u"추 가"_s, {122, 284}, ui::bitmaps::kAdd, [this] {
+    addButton(1004, u"결  제"_s, {182, 246}, ui::bitmaps::kPay, [this] { pay(); });
+    setCancelButton(
+        addBottomButton(1003, u"취  소"_s, 0, ui::bitmaps::kCancel, [this] { close(Cancelled); }));
+    addBottomButton(1001, u"삭  제"_s, 1, ui::bitmaps::kDelete, [this] { deleteChosen(); });
+    addBottomButton(1002, u"추 가"_s, 2, ui::bitmaps::kAdd, [this] {
         ui::runScreen(app::dialogs::kConsonantBoard);
         closeIfDone();
     });
-    setDefaultButton(button(1000, u"확  인"_s, {182, 284}, ui::bitmaps::kConfirm, [this] { openSlip(); }));
+    setDefaultButton(addBottomButton(1000, u"확  인"_s, 3, ui::bitmaps::kConfirm, [this] { openSlip(); }));
 
     fill();
     list_->setFocus();

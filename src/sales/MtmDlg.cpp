@@ -1,6 +1,7 @@
 #include "sales/MtmDlg.h"
 
 #include <QLabel>
+#include <QStringBuilder>
 #include <QTimer>
 
 #include "app/Dialogs.h"
@@ -9,6 +10,7 @@
 #include "platform/Clock.h"
 #include "sales/Checkout.h"
 #include "sales/CustomerQuery.h"
+#include "sales/PriceOrigin.h"
 #include "sales/Pricing.h"
 #include "sales/ProductQuery.h"
 #include "sales/SlipStore.h"
@@ -36,18 +38,19 @@ constexpr std::int64_t kHighestQuantity = 999;
 struct AmountRow {
     int lineValue;
     int slipSum;
+    QStringView name;
     Won (*of)(const LineAmounts&);
     int top;
 };
-constexpr int kRowHeight = 22;
+constexpr int kRowHeight = 24;
 constexpr int kTotalSum = 1087;
 constexpr AmountRow kAmountRows[] = {
-    {1082, 1077, [](const LineAmounts& a) { return a.supply; }, 163},
-    {1083, 1078, [](const LineAmounts& a) { return a.vat; }, 186},
-    {1084, 1079, [](const LineAmounts& a) { return a.crateDeposit; }, 208},
-    {1085, 1080, [](const LineAmounts& a) { return a.bottleDeposit; }, 223},
-    {1086, 1081, [](const LineAmounts& a) { return a.subtotal(); }, 240},
-    {1089, kTotalSum, [](const LineAmounts& a) { return a.total(); }, 263},
+    {1082, 1077, u"공급가", [](const LineAmounts& a) { return a.supply; }, 160},
+    {1083, 1078, u"부가세", [](const LineAmounts& a) { return a.vat; }, 184},
+    {1084, 1079, u"용기", [](const LineAmounts& a) { return a.crateDeposit; }, 208},
+    {1085, 1080, u"공병", [](const LineAmounts& a) { return a.bottleDeposit; }, 222},
+    {1086, 1081, u"소계", [](const LineAmounts& a) { return a.subtotal(); }, 236},
+    {1089, kTotalSum, u"합계", [](const LineAmounts& a) { return a.total(); }, 260},
 };
 
 }  // namespace
@@ -55,14 +58,15 @@ constexpr AmountRow kAmountRows[] = {
 CMtmDlg::CMtmDlg() : Screen(app::dialogs::kSalesSlip) {
     addLabel(kCustomerName, {}, {4, 0, 232, 22});
     addLabel(0, u"채권잔액"_s, {4, 22, 60, 18});
-    addLabel(kReceivable, {}, {66, 22, 170, 18}, ui::FontHeight::Small, Qt::AlignRight | Qt::AlignVCenter);
+    addAmount(kReceivable, u"채권잔액"_s, {66, 22, 170, 18});
 
-    list_ = addList(kList, {0, 41, 240, 106});
+    list_ = addList(kList, {0, 41, 240, 103});
     const ui::ListColumn columns[] = {{u"코드"_s, 40},
                                       {u"상품명"_s, 110},
                                       {u"상자"_s, 34, Qt::AlignRight | Qt::AlignVCenter},
                                       {u"본"_s, 34, Qt::AlignRight | Qt::AlignVCenter}};
     list_->setColumns(columns);
+    describe(list_, u"주문서 상품"_s);
     connect(list_, &ui::ReportList::rowClicked, this, &CMtmDlg::selectLine);
     connect(list_, &ui::ReportList::emptyPartClicked, this, [this] {
         list_->clearSelection();
@@ -83,18 +87,20 @@ CMtmDlg::CMtmDlg() : Screen(app::dialogs::kSalesSlip) {
 
 void CMtmDlg::addAmountRows() {
     constexpr auto kRight = Qt::AlignRight | Qt::AlignVCenter;
-    addLabel(0, u"선택상품"_s, {48, 148, 60, 14}, ui::FontHeight::Small, kRight);
-    addLabel(0, u"전표합계"_s, {110, 148, 68, 14}, ui::FontHeight::Small, kRight);
-    savedMark_ = addLabel(0, {}, {182, 148, 56, 14}, ui::FontHeight::Small, Qt::AlignCenter);
-    addLabel(0, u"용  기"_s, {4, 208, 44, 15});
-    addLabel(0, u"공  병"_s, {4, 223, 44, 15});
+    addLabel(0, u"선택상품"_s, {47, 144, 63, 15}, ui::FontHeight::Small, kRight);
+    addLabel(0, u"전표합계"_s, {114, 144, 66, 15}, ui::FontHeight::Small, kRight);
+    savedMark_ = addLabel(0, {}, {182, 144, 56, 15}, ui::FontHeight::Small, Qt::AlignCenter);
+    addLabel(0, u"용  기"_s, {4, 208, 43, 14});
+    addLabel(0, u"공  병"_s, {4, 222, 43, 14});
     for (const AmountRow& row : kAmountRows) {
         const bool isDeposit = row.of(LineAmounts{{}, {}, Won(1), Won(1)}) == Won(1);
-        const int height = isDeposit ? 15 : kRowHeight;
-        QLabel* lineValue =
-            addLabel(row.lineValue, {}, {48, row.top, 60, height}, ui::FontHeight::Small, kRight);
+        const int height = isDeposit ? 14 : kRowHeight;
+        QLabel* lineValue = addPressableAmount(row.lineValue, row.name % u" 선택상품",
+                                               {47, row.top, 63, height}, [this] { explainPrice(); });
         setTextColour(lineValue, QColor(0x1c, 0x5b, 0xa8));
-        addLabel(row.slipSum, {}, {110, row.top, 68, height}, ui::FontHeight::Small, kRight);
+        // All of them tell the same, so Tab stops at one.
+        if (&row != std::begin(kAmountRows)) lineValue->setFocusPolicy(Qt::NoFocus);
+        addAmount(row.slipSum, row.name % u" 전표합계", {114, row.top, 66, height});
     }
 
     const QString noGoods = u"품목이 없으면 공급가액을 수정할수 없습니다.."_s;
@@ -114,18 +120,12 @@ void CMtmDlg::addAmountRows() {
 }
 
 void CMtmDlg::addButtons() {
-    const auto button = [this](int controlId, const QString& caption, QPoint at, ui::ButtonBitmaps pictures,
-                               auto action) {
-        ui::BitmapButton* result = addButton(controlId, caption, at, pictures);
-        connect(result, &ui::BitmapButton::clicked, this, action);
-        return result;
-    };
-    button(1137, u"주문서 저장"_s, {182, 165}, ui::bitmaps::kSaveSlip, &CMtmDlg::save);
-    button(1010, u"상품코드검색"_s, {182, 225}, ui::bitmaps::kSearchCode, &CMtmDlg::addByCode);
-    button(1002, u"삭  제"_s, {62, 287}, ui::bitmaps::kDelete, &CMtmDlg::deleteSelected);
-    button(1000, u"등  록"_s, {122, 287}, ui::bitmaps::kAdd, &CMtmDlg::addFromSearch);
-    setDefaultButton(button(1003, u"완  료"_s, {182, 287}, ui::bitmaps::kConfirm, &CMtmDlg::finish));
-    ui::BitmapButton* cancel = addButton(1001, u"취 소"_s, {2, 287}, ui::bitmaps::kCancel);
+    addButton(1137, u"주문서 저장"_s, {182, 162}, ui::bitmaps::kSaveSlip, [this] { save(); });
+    addButton(1010, u"상품코드검색"_s, {182, 222}, ui::bitmaps::kSearchCode, [this] { addByCode(); });
+    addBottomButton(1002, u"삭  제"_s, 1, ui::bitmaps::kDelete, [this] { deleteSelected(); });
+    addBottomButton(1000, u"등  록"_s, 2, ui::bitmaps::kAdd, [this] { addFromSearch(); });
+    setDefaultButton(addBottomButton(1003, u"완  료"_s, 3, ui::bitmaps::kConfirm, [this] { finish(); }));
+    ui::BitmapButton* cancel = addBottomButton(1001, u"취 소"_s, 0, ui::bitmaps::kCancel);
     connect(cancel, &ui::BitmapButton::clicked, this, [this] { close(Cancelled); });
     setCancelButton(cancel);
 }
@@ -299,6 +299,20 @@ void CMtmDlg::editAmount(const AmountEdit& edit) {
     selectedAmounts_ = changed;
     markUnsaved();
     showAmounts();
+}
+
+void CMtmDlg::explainPrice() {
+    if (!selected_) {
+        ui::message(u"매출상품이 선택되지 않았습니다..!"_s);
+        return;
+    }
+    const app::ActionValues& action = app::session().action;
+    const std::int64_t boxes = parseInteger(selected_->Box);
+    const std::int64_t bottles = parseInteger(selected_->Bon);
+    const PricedLine line = priceLine(action.GCode, action.CustomerKind, selected_->PCode, boxes, bottles);
+    QString text = priceOrigin(line, boxes, bottles);
+    if (line.amounts != selectedAmounts_) text += u"\n전표의 금액은 수정된 금액입니다."_s;
+    ui::message(text);
 }
 
 void CMtmDlg::deleteSelected() {

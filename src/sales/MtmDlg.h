@@ -38,6 +38,8 @@ class CMtmDlg : public ui::Screen {
     void selectLine(int row);
     void changeQuantities();
     void editAmount(const AmountEdit& edit);
+    /// Tells where the selected line's price comes from.
+    void explainPrice();
     void deleteSelected();
     /// False when the database did not take the slip.
     bool save();

@@ -4,6 +4,7 @@
 
 #include "app/Dialogs.h"
 #include "app/Session.h"
+#include "platform/Hangul.h"
 #include "sales/ProductQuery.h"
 #include "ui/Messages.h"
 #include "ui/ReportList.h"
@@ -13,9 +14,10 @@ namespace sales {
 
 using namespace Qt::Literals::StringLiterals;
 
-CPummokCheck::CPummokCheck() : Screen(app::dialogs::kProductSearch) {
-    class_ = place(1005, new QComboBox(this), {2, 2, 176, 32});
+CPummokCheck::CPummokCheck() : NarrowScreen(app::dialogs::kProductSearch) {
+    class_ = addCombo(1005, {2, 2, 176, 32});
     class_->setFont(ui::font(ui::FontHeight::Small));
+    describe(class_, u"주류구분"_s);
     class_->addItem(u"전체"_s);
     classCodes_.append(QString());
     for (const ProductClass& productClass : productClasses()) {
@@ -25,25 +27,29 @@ CPummokCheck::CPummokCheck() : Screen(app::dialogs::kProductSearch) {
     ui::BitmapButton* searchButton = addButton(1004, u"검  색"_s, {182, 2}, ui::bitmaps::kSearch);
     connect(searchButton, &ui::BitmapButton::clicked, this, [this] { search(); });
 
-    list_ = addList(1090, {0, 38, 240, 240});
+    list_ = addList(1090, {0, 68, 240, 214});
     const ui::ListColumn columns[] = {{u"코드"_s, 50}, {u"상품명"_s, 150}, {u"용량"_s, 60}, {u"용도"_s, 50}};
     list_->setColumns(columns);
+    describe(list_, u"상품 목록"_s);
     connect(list_, &ui::ReportList::rowClicked, this, &CPummokCheck::choose);
     connect(list_, &ui::ReportList::rowDoubleClicked, this, [this](int row) {
         choose(row);
         close(Accepted);
     });
 
-    ui::BitmapButton* cancelButton = addButton(1003, u"취  소"_s, {2, 282}, ui::bitmaps::kCancel);
+    ui::BitmapButton* cancelButton = addBottomButton(1003, u"취  소"_s, 0, ui::bitmaps::kCancel);
     connect(cancelButton, &ui::BitmapButton::clicked, this, [this] { cancel(); });
-    addButton(1002, {}, {62, 282}, ui::bitmaps::kBlank)->setEnabled(false);
-    ui::BitmapButton* frequent = addButton(1001, u"체  크"_s, {122, 282}, ui::bitmaps::kAdd);
+    addBottomButton(1002, {}, 1, ui::bitmaps::kBlank)->setEnabled(false);
+    ui::BitmapButton* frequent = addBottomButton(1001, u"체  크"_s, 2, ui::bitmaps::kAdd);
     connect(frequent, &ui::BitmapButton::clicked, this, [this] { showFrequent(); });
-    ui::BitmapButton* confirmButton = addButton(1000, u"확  인"_s, {182, 282}, ui::bitmaps::kConfirm);
+    ui::BitmapButton* confirmButton = addBottomButton(1000, u"확  인"_s, 3, ui::bitmaps::kConfirm);
     connect(confirmButton, &ui::BitmapButton::clicked, this, [this] { confirm(); });
     setDefaultButton(confirmButton);
     setCancelButton(cancelButton);
 
+    addNarrowing(list_, 37, platform::hangul::matches);
+    // A row that is not shown any more is not the choice either.
+    connect(list_, &ui::ReportList::narrowed, this, &CPummokCheck::forgetChoice);
     search();
     list_->setFocus();
 }

@@ -3,7 +3,7 @@
 #include <QList>
 
 #include "db/Rows.h"
-#include "ui/Screen.h"
+#include "ui/NarrowScreen.h"
 
 class QComboBox;
 
@@ -14,7 +14,7 @@ class ReportList;
 namespace sales {
 
 /// The product search (dialog 139). The chosen product is left in the session.
-class CPummokCheck : public ui::Screen {
+class CPummokCheck : public ui::NarrowScreen {
     Q_OBJECT
 
   public:

@@ -19,14 +19,16 @@ using namespace Qt::Literals::StringLiterals;
 constexpr int kFirstSum = 1077;
 constexpr int kSumHeight = 18;
 constexpr int kCellMargins = 8;
-constexpr int kListWidth = 224;  // Without its frame and scroll bar.
-constexpr int kLeastNameWidth = 56;
+constexpr int kListWidth = 232;  // Without its frame and scroll bar.
+/// In which a long name goes on two lines.
+constexpr int kLeastNameWidth = 78;
+constexpr int kSmallestNumbers = 9;
 constexpr int kListTop = 48;
 constexpr int kListBottom = 282;
 
 /// Pixels that the widest text of a column takes in the list: a number is never shown cut.
-int widest(const db::Rows& rows, int column) {
-    const QFontMetrics metrics(ui::font(ui::FontHeight::Small));
+int widest(const db::Rows& rows, int column, const QFont& type) {
+    const QFontMetrics metrics(type);
     int width = 0;
     for (int row = 0; row < rows.count(); ++row) {
         width = std::max(width, metrics.horizontalAdvance(rows.at(row, column)) + kCellMargins);
@@ -36,7 +38,7 @@ int widest(const db::Rows& rows, int column) {
 
 /// The list's columns. Number columns are as wide as their numbers need, and the widest names give way to
 /// those that show without scrolling: a number that ran over the edge would read as a smaller one.
-QList<ui::ListColumn> fittedColumns(const Report& report, const db::Rows& rows) {
+QList<ui::ListColumn> fittedColumns(const Report& report, const db::Rows& rows, QFont numbers) {
     QList<ui::ListColumn> columns;
     ui::ListColumn* names = nullptr;
     int right = 0;
@@ -45,13 +47,19 @@ QList<ui::ListColumn> fittedColumns(const Report& report, const db::Rows& rows) 
     columns.reserve(shown.size());
     for (const Column& column : shown) {
         const bool isNumber = column.kind != Kind::Text;
-        const int needed = isNumber ? widest(rows, int(columns.size())) : 0;
+        const int needed = isNumber ? widest(rows, int(columns.size()), numbers) : 0;
         columns.append({column.title, std::max(column.pixels, needed),
                         (isNumber ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter});
         right += column.pixels;
         if (right > kListWidth) continue;
         excess += columns.last().width - column.pixels;
         if (!isNumber && (names == nullptr || column.pixels > names->width)) names = &columns.last();
+    }
+    // The list sets numbers smaller where names would have no room left.
+    if (names != nullptr && names->width - excess < kLeastNameWidth &&
+        numbers.pixelSize() > kSmallestNumbers) {
+        numbers.setPixelSize(numbers.pixelSize() - 1);
+        return fittedColumns(report, rows, numbers);
     }
     if (names != nullptr)
         names->width = std::max(std::min(names->width, kLeastNameWidth), names->width - excess);
@@ -79,16 +87,14 @@ CReportDlg::CReportDlg() : Screen(app::dialogs::kReport), report_(std::exchange(
     const int listBottom = addSums(kListBottom);
     ui::ReportList* list = addList(1054, {0, kListTop, 240, listBottom - kListTop});
     db::Rows rows = listRows(report_);
-    const QList<ui::ListColumn> columns = fittedColumns(report_, rows);
+    const QList<ui::ListColumn> columns = fittedColumns(report_, rows, ui::font(ui::FontHeight::Small));
     list->setColumns(columns);
     list->setRows(std::move(rows));
 
-    ui::BitmapButton* back = addButton(1003, u"닫  기"_s, {2, 284}, ui::bitmaps::kCancel);
-    connect(back, &ui::BitmapButton::clicked, this, [this] { close(Cancelled); });
-    setCancelButton(back);
-    ui::BitmapButton* print = addButton(1000, u"출  력"_s, {182, 284}, ui::bitmaps::kConfirm);
-    connect(print, &ui::BitmapButton::clicked, this, [this] { printReport(); });
-    setDefaultButton(print);
+    describe(list, report_.title);
+    setCancelButton(
+        addBottomButton(1003, u"닫  기"_s, 0, ui::bitmaps::kCancel, [this] { close(Cancelled); }));
+    setDefaultButton(addBottomButton(1000, u"출  력"_s, 3, ui::bitmaps::kConfirm, [this] { printReport(); }));
     list->setFocus();
 }
 
@@ -106,8 +112,7 @@ int CReportDlg::addSums(int bottom) {
         const int titleWidth = std::min(metrics.horizontalAdvance(figures[i].label), area.width() / 2);
         addLabel(kFirstSum + 2 * i, {}, QRect(area.topLeft(), QSize(titleWidth, kSumHeight)));
         setFittedText(kFirstSum + 2 * i, figures[i].label, ui::FontHeight::Small);
-        addLabel(kFirstSum + 2 * i + 1, {}, area.adjusted(titleWidth + 2, 0, 0, 0), ui::FontHeight::Small,
-                 Qt::AlignRight | Qt::AlignVCenter);
+        addAmount(kFirstSum + 2 * i + 1, figures[i].label, area.adjusted(titleWidth + 2, 0, 0, 0));
         setAmount(kFirstSum + 2 * i + 1, figures[i].value);
     }
     return top - 1;

@@ -60,17 +60,14 @@ CTotalsDlg::CTotalsDlg() : Screen(app::dialogs::kTotals) {
     addWork(kCloseButton, u"일마감"_s, [this] { closeDay(); });
     exchange_.emplace(this, place(1146, new QPlainTextEdit(this), {2, 202, 236, 78}));
     connect(&*exchange_, &SummaryExchange::ended, this, [this] { exchangeEnded(); });
-    ui::BitmapButton* done = addButton(1003, u"닫  기"_s, {182, 284}, ui::bitmaps::kCancel);
-    connect(done, &ui::BitmapButton::clicked, this, [this] {
+    setCancelButton(addBottomButton(1003, u"닫  기"_s, 3, ui::bitmaps::kCancel, [this] {
         if (!exchange_->isExchanging()) close(Cancelled);
-    });
-    setCancelButton(done);
+    }));
 }
 
 void CTotalsDlg::addWork(int controlId, const QString& caption, std::function<void()> work) {
-    const QPoint place(4 + works_ % 2 * 118, 56 + works_ / 2 * 36);
-    ui::BitmapButton* button = addButton(controlId, caption, place, ui::bitmaps::kHalfDocument);
-    connect(button, &ui::BitmapButton::clicked, this, [this, work = std::move(work)] {
+    const QPoint place(ui::kGridLeft + works_ % 2 * 2 * ui::kGridPitch, 56 + works_ / 2 * 36);
+    addButton(controlId, caption, place, ui::bitmaps::kHalfDocument, [this, work = std::move(work)] {
         if (!exchange_->isExchanging()) work();
     });
     ++works_;

@@ -19,6 +19,12 @@ constexpr int kTileCaptionTop = 36;
 /// The lower lip of a face that is not pressed.
 constexpr int kLip = 2;
 
+/// The ring helps who works with keys, also where a screen hands the focus on; a finger knows where it was.
+bool& worksWithKeys() {
+    static bool is = false;
+    return is;
+}
+
 }  // namespace
 
 BitmapButton::BitmapButton(const QString& caption, ButtonBitmaps bitmaps, QWidget* parent)
@@ -45,9 +51,25 @@ int BitmapButton::wrapping() const {
     return isWordTooWide ? Qt::TextWrapAnywhere : Qt::TextWordWrap;
 }
 
+QRect BitmapButton::captionBounds() const {
+    return QFontMetrics(font()).boundingRect(captionArea().adjusted(2, 0, -2, 0),
+                                             Qt::AlignCenter | wrapping(), text());
+}
+
 void BitmapButton::focusInEvent(QFocusEvent* event) {
-    showsFocus_ = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+    if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason)
+        worksWithKeys() = true;
     QAbstractButton::focusInEvent(event);
+}
+
+void BitmapButton::keyPressEvent(QKeyEvent* event) {
+    worksWithKeys() = true;
+    QAbstractButton::keyPressEvent(event);
+}
+
+void BitmapButton::mousePressEvent(QMouseEvent* event) {
+    worksWithKeys() = false;
+    QAbstractButton::mousePressEvent(event);
 }
 
 void BitmapButton::paintEvent(QPaintEvent*) {
@@ -59,13 +81,15 @@ void BitmapButton::paintEvent(QPaintEvent*) {
     painter.setPen(!isEnabled()                               ? kDisabledCaption
                    : bitmaps_.caption == CaptionColour::Light ? QColor(Qt::white)
                                                               : kDarkCaption);
-    painter.drawText(captionArea().adjusted(2, 0, -2, 0), Qt::AlignCenter | wrapping(), text());
-    if (hasFocus() && showsFocus_ && isEnabled()) {
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(QPen(kFocusRing, 2));
-        painter.setBrush(Qt::NoBrush);
-        painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 4, 4);
-    }
+    painter.drawText(captionBounds(), Qt::AlignCenter | wrapping(), text());
+    if (hasFocus() && worksWithKeys() && isEnabled()) paintFocusRing(&painter, rect());
+}
+
+void paintFocusRing(QPainter* painter, const QRect& area) {
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->setPen(QPen(kFocusRing, 2));
+    painter->setBrush(Qt::NoBrush);
+    painter->drawRoundedRect(QRectF(area).adjusted(1, 1, -1, -1), 4, 4);
 }
 
 }  // namespace ui

@@ -17,9 +17,14 @@ class BitmapButton : public QAbstractButton {
 
     QSize sizeHint() const override { return bitmapSize(bitmaps_.normal); }
 
+    /// Where the caption is painted; reaches beyond the button when it is too long for it.
+    QRect captionBounds() const;
+
   protected:
     void paintEvent(QPaintEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
 
   private:
     QRect captionArea() const;
@@ -27,7 +32,9 @@ class BitmapButton : public QAbstractButton {
     int wrapping() const;
 
     ButtonBitmaps bitmaps_;
-    bool showsFocus_ = false;  ///< The ring helps who works with keys; a finger knows where it was.
 };
+
+/// The mark of the control that the keyboard's keys go to.
+void paintFocusRing(QPainter* painter, const QRect& area);
 
 }  // namespace ui

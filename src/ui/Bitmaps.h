@@ -37,7 +37,6 @@ inline constexpr ButtonBitmaps kOtherConsonant{520, 521};
 inline constexpr ButtonBitmaps kAdd{504, 505, CaptionColour::Light};
 inline constexpr ButtonBitmaps kDelete{506, 507, CaptionColour::Light};
 inline constexpr ButtonBitmaps kAmount{508, 509};
-inline constexpr ButtonBitmaps kTallAmount{534, 535};
 inline constexpr ButtonBitmaps kSearch{510, 511, CaptionColour::Light};
 inline constexpr ButtonBitmaps kListAll{275, 274, CaptionColour::Light};
 inline constexpr ButtonBitmaps kPay{512, 513, CaptionColour::Light};
@@ -48,6 +47,8 @@ inline constexpr ButtonBitmaps kWideAmount{530, 531};
 inline constexpr ButtonBitmaps kSettle{532, 533, CaptionColour::Light};
 inline constexpr ButtonBitmaps kHalfDocument{540, 541};
 inline constexpr ButtonBitmaps kKeySpecial{522, 523};
+inline constexpr ButtonBitmaps kNarrow{550, 551};
+inline constexpr ButtonBitmaps kSmallConsonant{552, 553};
 
 inline constexpr int kApplicationIcon = 128;
 inline constexpr int kLogo = 154;

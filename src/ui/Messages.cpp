@@ -49,6 +49,7 @@ MessageBox::MessageBox(const QString& text, const QString& caption, Buttons butt
         FontHeight::Medium, Qt::AlignLeft | Qt::AlignTop);
     body->setWordWrap(true);
 
+    setAccessibleName(text);
     addButtons(buttons);
 }
 

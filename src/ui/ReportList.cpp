@@ -3,9 +3,11 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QScrollBar>
 #include <QStyledItemDelegate>
 
+#include "ui/FlickScroll.h"
 #include "ui/Fonts.h"
 
 namespace ui {
@@ -13,20 +15,105 @@ namespace {
 
 constexpr int kRowHeight = 24;
 constexpr int kHeaderHeight = 24;
-constexpr int kScrollBarWidth = 14;
+constexpr int kScrollBarWidth = 6;
 constexpr QColor kSelection(0x1f, 0x6f, 0xb2);
+constexpr QColor kScrollMark(0x8f, 0xa3, 0xb5);
 constexpr QColor kGrid(0xd5, 0xdc, 0xe4);
 
-/// Paints no frame around the cell that the keys stand on: a row is chosen as a whole or not at all.
+/// Shows where a list stands. The finger scrolls the list itself, so the bar can be narrow.
+class ScrollMark : public QScrollBar {
+  public:
+    using QScrollBar::QScrollBar;
+
+    QSize sizeHint() const override {
+        const QSize hint = QScrollBar::sizeHint();
+        return orientation() == Qt::Vertical ? QSize(kScrollBarWidth, hint.height())
+                                             : QSize(hint.width(), kScrollBarWidth);
+    }
+
+  protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        painter.fillRect(rect(), Qt::white);
+        const int whole = maximum() - minimum() + pageStep();
+        const int length = orientation() == Qt::Vertical ? height() : width();
+        const int begin = int(qint64(length) * (value() - minimum()) / whole);
+        const int extent = int(qint64(length) * pageStep() / whole);
+        painter.fillRect(orientation() == Qt::Vertical ? QRect(1, begin, width() - 1, extent)
+                                                       : QRect(begin, 1, extent, height() - 1),
+                         kScrollMark);
+    }
+};
+
+/// Left and right of a cell's text the style keeps this much free.
+constexpr int kCellMargin = 3;
+constexpr int kSmallestOneLineType = 10;
+constexpr int kSmallestType = 8;
+
+/// How a text is set in a cell.
+struct CellType {
+    QFont font;
+    QSize size;
+    bool isWrapped = false;
+    QString text;  ///< With the places in it where a line may end.
+};
+
+/// A name may break after any of its syllables: in a narrow column a word alone can be too wide.
+QString breakable(const QString& text) {
+    constexpr QChar kZeroWidthSpace(0x200b);
+    QString result;
+    for (const QChar character : text) {
+        result += character;
+        if (!character.isHighSurrogate()) result += kZeroWidthSpace;
+    }
+    return result;
+}
+
+/// The largest type in which `text` fits `width` pixels: on one line, or on two of smaller type.
+CellType typeFor(const QString& text, QFont font, int width) {
+    for (int pixels = font.pixelSize(); pixels >= kSmallestOneLineType; --pixels) {
+        font.setPixelSize(pixels);
+        const int advance = QFontMetrics(font).horizontalAdvance(text);
+        if (advance <= width) return {font, {advance, QFontMetrics(font).height()}, false, text};
+    }
+    const QString lines = breakable(text);
+    QSize size;
+    for (int pixels = kSmallestOneLineType; pixels >= kSmallestType; --pixels) {
+        font.setPixelSize(pixels);
+        size = QFontMetrics(font).boundingRect(QRect(0, 0, width, 0), Qt::TextWordWrap, lines).size();
+        if (size.width() <= width && size.height() < kRowHeight) break;
+    }
+    return {font, size, true, lines};
+}
+
+/// Sets a text that is too long for its column smaller, and last on two lines: nothing is cut off. Paints no
+/// frame around the cell that the keys stand on: a row is chosen as a whole or not at all.
 class RowDelegate : public QStyledItemDelegate {
   public:
-    using QStyledItemDelegate::QStyledItemDelegate;
+    explicit RowDelegate(QTableView* list) : QStyledItemDelegate(list), list_(*list) {}
+
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+        const CellType type = typeFor(displayText(index.data(), {}), option.font, textWidth(index));
+        return type.size + QSize(2 * kCellMargin + 1, 0);
+    }
 
   protected:
     void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
         QStyledItemDelegate::initStyleOption(option, index);
         option->state &= ~(QStyle::State_HasFocus | QStyle::State_MouseOver);
+        const CellType type = typeFor(option->text, option->font, textWidth(index));
+        option->font = type.font;
+        option->text = type.text;
+        option->features.setFlag(QStyleOptionViewItem::WrapText, type.isWrapped);
     }
+
+  private:
+    /// The grid takes a pixel of the column.
+    int textWidth(const QModelIndex& index) const {
+        return list_.columnWidth(index.column()) - 2 * kCellMargin - 1;
+    }
+
+    const QTableView& list_;
 };
 
 }  // namespace
@@ -53,6 +140,8 @@ int RowsModel::columnCount(const QModelIndex& parent) const {
 
 QVariant RowsModel::data(const QModelIndex& index, int role) const {
     if (role == Qt::DisplayRole) return rows_.at(index.row(), index.column());
+    if (role == Qt::AccessibleTextRole)
+        return QString(titles_.value(index.column()) + u' ' + rows_.at(index.row(), index.column()));
     if (role == Qt::TextAlignmentRole && index.column() < alignments_.size()) {
         return int(alignments_[index.column()]);
     }
@@ -76,10 +165,10 @@ ReportList::ReportList(QWidget* parent) : QTableView(parent), model_(new RowsMod
     setTextElideMode(Qt::ElideRight);
     setShowGrid(true);
     setCornerButtonEnabled(false);
+    setVerticalScrollBar(new ScrollMark(Qt::Vertical, this));
+    setHorizontalScrollBar(new ScrollMark(Qt::Horizontal, this));
     setVerticalScrollMode(ScrollPerPixel);
     setHorizontalScrollMode(ScrollPerPixel);
-    verticalScrollBar()->setFixedWidth(kScrollBarWidth);
-    horizontalScrollBar()->setFixedHeight(kScrollBarWidth);
     // Rows of one fixed height keep a list of any length quick: no row is measured.
     verticalHeader()->hide();
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
@@ -100,6 +189,7 @@ ReportList::ReportList(QWidget* parent) : QTableView(parent), model_(new RowsMod
     colours.setColor(QPalette::Mid, kGrid);
     setPalette(colours);
 
+    new FlickScroll(this);
     connect(this, &QTableView::clicked, this,
             [this](const QModelIndex& index) { Q_EMIT rowClicked(index.row()); });
     connect(this, &QTableView::doubleClicked, this,
@@ -119,7 +209,26 @@ void ReportList::setColumns(std::span<const ListColumn> columns) {
 }
 
 void ReportList::setRows(db::Rows rows) {
-    model_->setRows(std::move(rows));
+    all_ = std::move(rows);
+    showRows();
+}
+
+void ReportList::narrow(Filter filter) {
+    filter_ = std::move(filter);
+    showRows();
+    Q_EMIT narrowed();
+}
+
+void ReportList::showRows() {
+    db::Rows shown = all_;
+    if (filter_) {
+        shown.cells.clear();
+        for (int row = 0; row < all_.count(); ++row) {
+            if (filter_(all_, row))
+                shown.cells += all_.cells.mid(qsizetype(row) * all_.columns, all_.columns);
+        }
+    }
+    model_->setRows(std::move(shown));
     scrollToTop();
 }
 
@@ -149,6 +258,12 @@ void ReportList::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Down && selectedRow() < 0 && rowCount() > 0) {
         selectRow(0);
         Q_EMIT rowClicked(0);
+        return;
+    }
+    const QString text = event->text();
+    if (!text.isEmpty() && text[0].isPrint() && !text[0].isSpace()) {
+        // The list's own search would go to a row without choosing it.
+        filter_ ? Q_EMIT typed(text) : event->ignore();
         return;
     }
     const int before = currentIndex().row();

@@ -3,6 +3,7 @@
 #include <QAbstractTableModel>
 #include <QString>
 #include <QTableView>
+#include <functional>
 #include <span>
 
 #include "db/Rows.h"
@@ -47,8 +48,13 @@ class ReportList : public QTableView {
     explicit ReportList(QWidget* parent);
 
     void setColumns(std::span<const ListColumn> columns);
-    /// Replaces all rows and takes the selection away.
+    /// Replaces all rows and takes the selection away. A narrowed list stays so.
     void setRows(db::Rows rows);
+    /// Says whether a row of the rows that were set is shown.
+    using Filter = std::function<bool(const db::Rows& rows, int row)>;
+    /// Shows only the rows that go through `filter`, and takes the selection away. The rows of a list are
+    /// counted as they are shown. From then on a text that is keyed on the list is told by typed().
+    void narrow(Filter filter);
     void clear() { setRows({}); }
 
     int rowCount() const { return model_->rowCount(); }
@@ -65,13 +71,21 @@ class ReportList : public QTableView {
     void rowDoubleClicked(int row);
     /// The list was tapped where no row is.
     void emptyPartClicked();
+    /// A text was keyed on a list that can be narrowed.
+    void typed(const QString& text);
+    /// narrow() has taken the choice away.
+    void narrowed();
 
   protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
+    void showRows();
+
     RowsModel* model_;
+    db::Rows all_;
+    Filter filter_;
 };
 
 }  // namespace ui

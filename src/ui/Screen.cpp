@@ -1,10 +1,13 @@
 #include "ui/Screen.h"
 
+#include <QComboBox>
 #include <QFontMetrics>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPainter>
+#include <QStyledItemDelegate>
 
+#include "ui/PressableText.h"
 #include "ui/ReportList.h"
 #include "ui/Terminal.h"
 
@@ -13,6 +16,25 @@ namespace {
 
 /// Type is not set smaller than this many pixels to make a text fit.
 constexpr int kSmallestType = 8;
+
+/// The property of a label that holds its name for a reader of the screen.
+constexpr char kSpokenName[] = "spokenName";
+
+void speak(QLabel* label) {
+    const QString name = label->property(kSpokenName).toString();
+    if (!name.isEmpty()) label->setAccessibleName(name + u' ' + label->text());
+}
+
+constexpr int kEntryHeight = 24;
+
+class EntryDelegate : public QStyledItemDelegate {
+  public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+        return QStyledItemDelegate::sizeHint(option, index).expandedTo({0, kEntryHeight});
+    }
+};
 
 }  // namespace
 
@@ -56,11 +78,19 @@ void Screen::adopt(int controlId, QWidget* widget) {
     if (controlId != 0) widget->setObjectName(QString::number(controlId));
 }
 
-BitmapButton* Screen::addButton(int controlId, const QString& caption, QPoint at, ButtonBitmaps pictures) {
+BitmapButton* Screen::addButton(int controlId, const QString& caption, QPoint at, ButtonBitmaps pictures,
+                                std::function<void()> pressed) {
     auto* button = new BitmapButton(caption, pictures, this);
     adopt(controlId, button);
     button->move(at);
+    if (pressed) connect(button, &BitmapButton::clicked, this, std::move(pressed));
     return button;
+}
+
+BitmapButton* Screen::addBottomButton(int controlId, const QString& caption, int place,
+                                      ButtonBitmaps pictures, std::function<void()> pressed) {
+    return addButton(controlId, caption, {kGridLeft + place * kGridPitch, kBottomRow}, pictures,
+                     std::move(pressed));
 }
 
 QLabel* Screen::addLabel(int controlId, const QString& text, const QRect& area, FontHeight height,
@@ -69,6 +99,22 @@ QLabel* Screen::addLabel(int controlId, const QString& text, const QRect& area, 
     result->setTextFormat(Qt::PlainText);
     result->setFont(ui::font(height));
     result->setAlignment(alignment);
+    return result;
+}
+
+QLabel* Screen::addAmount(int controlId, const QString& name, const QRect& area, FontHeight height) {
+    QLabel* result = addLabel(controlId, {}, area, height, Qt::AlignRight | Qt::AlignVCenter);
+    describe(result, name);
+    return result;
+}
+
+QLabel* Screen::addPressableAmount(int controlId, const QString& name, const QRect& area,
+                                   std::function<void()> pressed) {
+    auto* result = place(controlId, new PressableText(this), area);
+    result->setFont(ui::font(FontHeight::Small));
+    result->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    describe(result, name);
+    connect(result, &PressableText::pressed, this, std::move(pressed));
     return result;
 }
 
@@ -82,8 +128,23 @@ ReportList* Screen::addList(int controlId, const QRect& area) {
     return place(controlId, new ReportList(this), area);
 }
 
+QComboBox* Screen::addCombo(int controlId, const QRect& area) {
+    auto* result = place(controlId, new QComboBox(this), area);
+    result->setFont(ui::font(FontHeight::Medium));
+    result->setItemDelegate(new EntryDelegate(result));
+    return result;
+}
+
 QLabel* Screen::label(int controlId) const {
     return qobject_cast<QLabel*>(control(controlId));
+}
+
+void Screen::describe(QWidget* control, const QString& name) {
+    control->setAccessibleName(name);
+    auto* text = qobject_cast<QLabel*>(control);
+    if (text == nullptr) return;
+    text->setProperty(kSpokenName, name);
+    speak(text);
 }
 
 void Screen::setTextColour(QWidget* widget, const QColor& colour) {
@@ -93,7 +154,10 @@ void Screen::setTextColour(QWidget* widget, const QColor& colour) {
 }
 
 void Screen::setText(int controlId, const QString& text) {
-    if (QLabel* target = label(controlId)) target->setText(text);
+    QLabel* target = label(controlId);
+    if (target == nullptr) return;
+    target->setText(text);
+    speak(target);
 }
 
 void Screen::setAmount(int controlId, platform::Won amount) {
@@ -101,8 +165,10 @@ void Screen::setAmount(int controlId, platform::Won amount) {
 }
 
 void Screen::setFittedText(int controlId, const QString& text, FontHeight height) {
-    QLabel* target = label(controlId);
-    if (target == nullptr) return;
+    if (QLabel* target = label(controlId)) fitText(target, text, height);
+}
+
+void Screen::fitText(QLabel* target, const QString& text, FontHeight height) {
     QFont fitted = ui::font(height);
     while (fitted.pixelSize() > kSmallestType &&
            QFontMetrics(fitted).horizontalAdvance(text) > target->contentsRect().width()) {
@@ -110,6 +176,7 @@ void Screen::setFittedText(int controlId, const QString& text, FontHeight height
     }
     target->setFont(fitted);
     target->setText(text);
+    speak(target);
 }
 
 void Screen::paintEvent(QPaintEvent*) {

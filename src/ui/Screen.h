@@ -3,11 +3,13 @@
 #include <QEventLoop>
 #include <QPointer>
 #include <QWidget>
+#include <functional>
 
 #include "platform/Won.h"
 #include "ui/BitmapButton.h"
 #include "ui/Fonts.h"
 
+class QComboBox;
 class QLabel;
 
 namespace ui {
@@ -16,6 +18,12 @@ class ReportList;
 
 /// Size of the terminal's screen in pixels at scale 1.
 inline constexpr QSize kScreenSize(240, 320);
+
+/// The grid of the screens: four columns of a button's width, 4 pixels apart, 2 from the edges.
+inline constexpr int kGridLeft = 2;
+inline constexpr int kGridPitch = 60;
+/// Where the row of buttons at the bottom begins.
+inline constexpr int kBottomRow = 286;
 
 /// A full-screen modal dialog. It is found by its dialog id, its controls by their control ids.
 class Screen : public QWidget {
@@ -51,14 +59,28 @@ class Screen : public QWidget {
     /// Lets the dialog with that id take this screen's place when it is closed.
     void setSuccessor(int dialogId) { successor_ = dialogId; }
 
-    BitmapButton* addButton(int controlId, const QString& caption, QPoint at, ButtonBitmaps bitmaps);
+    /// `pressed` may be left out for a button that is connected elsewhere or does nothing.
+    BitmapButton* addButton(int controlId, const QString& caption, QPoint at, ButtonBitmaps bitmaps,
+                            std::function<void()> pressed = {});
+    /// A button in the row at the bottom, which has four places: 0, left, leaves the screen, and 3, right, is
+    /// its main button.
+    BitmapButton* addBottomButton(int controlId, const QString& caption, int place, ButtonBitmaps bitmaps,
+                                  std::function<void()> pressed = {});
     /// A static text. `controlId` 0 marks a text that nothing refers to.
     QLabel* addLabel(int controlId, const QString& text, const QRect& area,
                      FontHeight height = FontHeight::Small,
                      Qt::Alignment alignment = Qt::AlignLeft | Qt::AlignVCenter);
+    /// A figure, right-aligned, that a reader of the screen announces after `name`.
+    QLabel* addAmount(int controlId, const QString& name, const QRect& area,
+                      FontHeight height = FontHeight::Small);
+    /// The same, with more to say when it is pressed.
+    QLabel* addPressableAmount(int controlId, const QString& name, const QRect& area,
+                               std::function<void()> pressed);
     /// A static picture.
     QLabel* addPicture(int controlId, int bitmapNumber, QPoint at);
     ReportList* addList(int controlId, const QRect& area);
+    /// A combo box whose entries are high enough for a finger.
+    QComboBox* addCombo(int controlId, const QRect& area);
     /// Places any other control.
     template <typename Control>
     Control* place(int controlId, Control* widget, const QRect& area) {
@@ -68,12 +90,15 @@ class Screen : public QWidget {
     }
 
     QLabel* label(int controlId) const;
+    /// Names a control for a reader of the screen. A label's text follows its name.
+    static void describe(QWidget* control, const QString& name);
     static void setTextColour(QWidget* widget, const QColor& colour);
     void setText(int controlId, const QString& text);
     /// Shows an amount with the slip screens' grouping, in the largest type that fits its control.
     void setAmount(int controlId, platform::Won amount);
     /// Shows a text in the largest type, up to `height`, that fits its control on one line.
     void setFittedText(int controlId, const QString& text, FontHeight height);
+    static void fitText(QLabel* label, const QString& text, FontHeight height);
 
     /// The buttons that Enter and Esc press.
     void setDefaultButton(BitmapButton* button) { default_ = button; }

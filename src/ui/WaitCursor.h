@@ -1,16 +1,18 @@
 #pragma once
 
-#include <QGuiApplication>
-
 namespace ui {
 
-/// Shows the wait cursor as long as it lives.
+/// Shows the wait cursor as long as it lives. Work that takes longer also gets a mark that moves in the
+/// terminal's corner: by itself where the work lets the event loop run, else with every call of alive().
 class WaitCursor {
   public:
-    WaitCursor() { QGuiApplication::setOverrideCursor(Qt::WaitCursor); }
-    ~WaitCursor() { QGuiApplication::restoreOverrideCursor(); }
+    WaitCursor();
+    ~WaitCursor();
     WaitCursor(const WaitCursor&) = delete;
     WaitCursor& operator=(const WaitCursor&) = delete;
+
+    /// Tells between the steps of work that it goes on. Nothing happens when nobody waits.
+    static void alive();
 };
 
 }  // namespace ui

@@ -17,6 +17,7 @@
 #include "ui/Messages.h"
 #include "ui/ReportList.h"
 #include "ui/Terminal.h"
+#include "ui/WaitCursor.h"
 #include "van/CardReaderPort.h"
 
 namespace van {
@@ -83,9 +84,11 @@ void CCardDlg::addControls() {
     const ui::ListColumn columns[] = {{u"명  칭"_s, 90},
                                       {u"금  액"_s, 135, Qt::AlignRight | Qt::AlignVCenter}};
     results_->setColumns(columns);
+    describe(results_, u"잔액조회 결과"_s);
     results_->setVisible(mode == app::kBalanceInquiry);
 
     picture_ = addPicture(1143, ui::bitmaps::kAskForCard, {20, 84});
+    describe(picture_, u"카드를 읽어주세요!"_s);
     log_.emplace(component_, place(1142, new QPlainTextEdit(this), {2, 208, 236, 74}), [this] {
         app::TransactionRecord& record = app::transactionRecord();
         return readReply(component_, record.requestType, &record.reply);
@@ -100,9 +103,9 @@ void CCardDlg::addControls() {
                                       {1017, u"직전거래"_s}}) {
         addButton(id, caption, {2, 84}, ui::bitmaps::kPassword)->hide();
     }
-    ui::BitmapButton* back = addButton(1000, u"이전"_s, {2, 286}, ui::bitmaps::kCancel);
+    ui::BitmapButton* back = addBottomButton(1000, u"이전"_s, 0, ui::bitmaps::kCancel);
     connect(back, &ui::BitmapButton::clicked, this, [this] { goBack(); });
-    ui::BitmapButton* done = addButton(1003, u"완료"_s, {182, 286}, ui::bitmaps::kConfirm);
+    ui::BitmapButton* done = addBottomButton(1003, u"완료"_s, 3, ui::bitmaps::kConfirm);
     connect(done, &ui::BitmapButton::clicked, this, [this] { finish(); });
     setDefaultButton(done);
     setCancelButton(back);
@@ -135,10 +138,10 @@ void CCardDlg::preparePayment() {
         record.cardPaymentFlag = 0;
     }
     const app::ActionValues& action = app::session().action;
-    addLabel(0, {}, {8, 6, 224, 26}, ui::FontHeight::Medium)->setText(action.GName);
+    fitText(addLabel(0, {}, {8, 6, 224, 26}), action.GName, ui::FontHeight::Medium);
     addLabel(0, u"결제금액"_s, {8, 40, 80, 30}, ui::FontHeight::Medium);
-    addLabel(0, groupDigits(formatWon(record.amountToCharge)) + u"원"_s, {90, 40, 142, 30},
-             ui::FontHeight::Title, Qt::AlignRight | Qt::AlignVCenter);
+    fitText(addLabel(0, {}, {90, 40, 142, 30}, ui::FontHeight::Title, Qt::AlignRight | Qt::AlignVCenter),
+            groupDigits(formatWon(record.amountToCharge)) + u"원"_s, ui::FontHeight::Title);
 }
 
 void CCardDlg::cardSwiped() {
@@ -274,6 +277,7 @@ void CCardDlg::printCopies(print::SlipPapers papers) {
 }
 
 bool CCardDlg::printSlip(print::SlipPapers& papers, int selector, app::Copy copy) {
+    const ui::WaitCursor wait;
     app::transactionRecord().printSelector = selector;
     const auto print = [&](app::Paper paper) { return !papers.print({&paper, 1}, copy).isEmpty(); };
     if (print(app::Paper::Invoice)) return true;

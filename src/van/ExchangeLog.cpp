@@ -1,8 +1,8 @@
 #include "van/ExchangeLog.h"
 
-#include <QGuiApplication>
 #include <QPlainTextEdit>
 
+#include "ui/FlickScroll.h"
 #include "ui/Fonts.h"
 
 namespace van {
@@ -12,6 +12,8 @@ using namespace Qt::Literals::StringLiterals;
 ExchangeLog::ExchangeLog(CKsnet_msg_lib& component, QPlainTextEdit* box, std::function<QString()> readReply)
     : box_(box) {
     box_->setReadOnly(true);
+    new ui::FlickScroll(box_);
+    box_->setAccessibleName(u"진행 상황"_s);
     box_->setFocusPolicy(Qt::NoFocus);
     box_->setFont(ui::font(ui::FontHeight::Small));
     component.setObjectName(QString::number(CKsnet_msg_lib::kControlId));
@@ -41,15 +43,11 @@ void ExchangeLog::set(const QString& text) {
 }
 
 void ExchangeLog::begin() {
-    if (isExchanging_) return;
-    isExchanging_ = true;
-    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    if (!wait_) wait_.emplace();
 }
 
 void ExchangeLog::end() {
-    if (!isExchanging_) return;
-    isExchanging_ = false;
-    QGuiApplication::restoreOverrideCursor();
+    wait_.reset();
 }
 
 }  // namespace van

@@ -3,7 +3,9 @@
 #include <QObject>
 #include <QString>
 #include <functional>
+#include <optional>
 
+#include "ui/WaitCursor.h"
 #include "van/KsnetMsgLib.h"
 
 class QPlainTextEdit;
@@ -29,7 +31,7 @@ class ExchangeLog : public QObject {
 
     /// To be called before the request goes out.
     void begin();
-    bool isExchanging() const { return isExchanging_; }
+    bool isExchanging() const { return wait_.has_value(); }
 
   Q_SIGNALS:
     /// The exchange is over, well or not; the log says which.
@@ -40,7 +42,7 @@ class ExchangeLog : public QObject {
 
     QPlainTextEdit* box_;
     QString text_;
-    bool isExchanging_ = false;
+    std::optional<ui::WaitCursor> wait_;  ///< While an exchange is under way.
 };
 
 }  // namespace van

@@ -1,0 +1,368 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QAccessible>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QRadioButton>
+#include <QScrollBar>
+#include <QSet>
+#include <QTest>
+#include <QTimer>
+
+#include "Screens.h"
+#include "app/KeypadRequest.h"
+#include "app/Session.h"
+#include "app/Transaction.h"
+#include "sales/WorkingSlip.h"
+#include "support/PrintQt.h"
+#include "support/TestDevice.h"
+#include "totals/DailyReports.h"
+#include "ui/BitmapButton.h"
+#include "ui/Messages.h"
+#include "ui/NarrowScreen.h"
+#include "ui/ReportList.h"
+#include "ui/Terminal.h"
+
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+/// As long as names get: twice the paper's width would be 32 syllables.
+constexpr QStringView kLongName = u"주식회사 한국종합주류유통 제삼지점";
+constexpr QStringView kLongProduct = u"꿀빛복분자발효주 선물용 대병묶음";
+constexpr QStringView kLargest = u"999999999";
+constexpr QStringView kDebt = u"-999999999";
+constexpr QStringView kDay = u"2026-11-21";
+constexpr int kFingerHeight = 24;
+/// In place of a keypad's mode: the consonants that narrow the list are open.
+constexpr int kKeysOpen = 9;
+
+/// A screen as it is at its fullest: what it is opened with, and the row that is chosen in its list.
+struct Case {
+    const char* name;
+    int dialog;
+    int workMode = app::kSalesWork;
+    int keypadMode = app::kOneNumber;
+};
+constexpr Case kCases[] = {
+    {"login", 102},
+    {"password", 130, 0, app::kTextField},
+    {"one number", 130},
+    {"two numbers", 130, 0, app::kTwoNumbers},
+    {"three numbers", 130, 0, app::kThreeNumbers},
+    {"slips", 132},
+    {"sales slip", 134},
+    {"product board", 138},
+    {"product search", 139},
+    {"printing", 142},
+    {"customer board", 143, app::kSimplePayment},
+    {"customers", 144},
+    {"customers with consonants", 144, app::kSalesWork, kKeysOpen},
+    {"simple payment", 104, app::kSimplePayment},
+    {"collections", 150},
+    {"container slips", 391},
+    {"container deposits", 393},
+    {"container slip", 394},
+    {"container balance", 395},
+    {"container products", 397},
+    {"import", 435},
+    {"card payment", 449},
+    {"balance inquiry", 449, app::kBalanceInquiry},
+    {"collection", 450},
+    {"totals", 457},
+};
+
+class Screens : public testing::Test {
+  protected:
+    Screens() {
+        registerScreens();
+        terminal.setVisible(true);
+        fillDevice();
+    }
+
+    void fillDevice() {
+        device.insert(u"PDAUSER", {{u"userID", u"A"}, {u"userPASS", u"1"}, {u"userNAME", u"남궁김영수"}});
+        device.insert(u"config", {{u"sangho", kLongName}, {u"calltel", u"0502-1234-5678"}});
+        device.insert(u"JGUBUN", {{u"CODE", u"10"}, {u"NAME", u"기타주류와 발효주, 증류주"}});
+        device.insert(u"GARAE", {{u"GCODE", u"0001"},
+                                 {u"GNAME", kLongName},
+                                 {u"ENDDATE", kDay},
+                                 {u"MAJIN", u"100"},
+                                 {u"CJMONEY", kDebt},
+                                 {u"TEL", u"0502-1234-5678"},
+                                 {u"SEEK", u"ㅈ"},
+                                 {u"USERID", u"A"}});
+        for (const QStringView code : {u"1001", u"1002"}) {
+            device.insert(u"PUMMOK", {{u"Pcode", code},
+                                      {u"Pname", kLongProduct},
+                                      {u"Gubun", u"공용"},
+                                      {u"Size", u"1,000ml"},
+                                      {u"JGubun", u"10"},
+                                      {u"TTT", u"A"},
+                                      {u"seek", u"ㄲ"}});
+        }
+        device.insert(u"MTM", {{u"DDate", kDay},
+                               {u"GCode", u"0001"},
+                               {u"GName", kLongName},
+                               {u"JunNo", u"5001"},
+                               {u"WorkGubun", u"미발행"},
+                               {u"PCode", u"1001"},
+                               {u"PName", kLongProduct},
+                               {u"JGubun", u"10"},
+                               {u"Box", u"999"},
+                               {u"Bon", u"-999"},
+                               {u"MMoney", kLargest},
+                               {u"BMoney", kDebt},
+                               {u"YMoney", kLargest},
+                               {u"GMoney", kLargest},
+                               {u"UserID", u"A"}});
+        device.insert(u"MTMOK", {{u"DDate", kDay},
+                                 {u"GCode", u"0001"},
+                                 {u"GName", kLongName},
+                                 {u"JunNo", u"5001"},
+                                 {u"UserID", u"A"},
+                                 {u"MMoney", kLargest},
+                                 {u"PMoney", kLargest},
+                                 {u"BMoney", kLargest},
+                                 {u"InMoney", kLargest},
+                                 {u"WonMoney", kDebt},
+                                 {u"CardMoney", kLargest},
+                                 {u"MisuInMoney", kDebt},
+                                 {u"UnderMoney", kDebt},
+                                 {u"BANKTRANNO", u"1"}});
+        device.insert(u"YTM", {{u"DDate", kDay},
+                               {u"GCode", u"0001"},
+                               {u"GName", kLongName},
+                               {u"JunNo", u"5001"},
+                               {u"PCode", u"1001"},
+                               {u"PName", kLongProduct},
+                               {u"FBox", u"999"},
+                               {u"NBox", u"999"},
+                               {u"Bon", u"999"},
+                               {u"YMONEY", kLargest},
+                               {u"GMONEY", kLargest},
+                               {u"YSAMT", kDebt},
+                               {u"GSAMT", kLargest},
+                               {u"UserID", u"A"}});
+    }
+
+    /// The screen in front of the terminal, its first row chosen.
+    std::unique_ptr<ui::Screen> open(const Case& screen) {
+        app::SessionValues& session = app::session();
+        session = {};
+        session.UserID = u"A"_s;
+        session.UserField2 = u"남궁김영수"_s;
+        session.WorkDate = kDay.toString();
+        session.WorkMode = screen.workMode;
+        session.action.GCode = u"0001"_s;
+        session.action.GName = kLongName.toString();
+        session.action.JunNo = u"5001"_s;
+        if (screen.dialog == 144) session.action.SeekValue = u"ㅈ"_s;
+        sales::reloadSlip(session.UserID, session.WorkDate, session.action.JunNo);
+        app::resetTransactionRecord();
+        app::transactionRecord().amounts.card = platform::Won(999999999);
+        const QString number = kDebt.toString();
+        app::keypadRequest() = {number,      number,      number,      u"패스워드"_s,    u"공상자"_s,
+                                u"입상자"_s, u"공상자"_s, u"입상자"_s, screen.keypadMode};
+        std::unique_ptr<ui::Screen> made = ui::makeScreen(screen.dialog);
+        terminal.show(made.get());
+        if (screen.keypadMode == kKeysOpen)
+            static_cast<QAbstractButton*>(made->control(ui::kNarrowButton))->click();
+        for (auto* list : made->findChildren<ui::ReportList*>()) {
+            if (list->rowCount() == 0) continue;
+            list->selectRow(0);
+            Q_EMIT list->rowClicked(0);
+        }
+        return made;
+    }
+
+    test::TestDevice device;
+    ui::Terminal terminal;
+};
+
+QString nameOf(const QWidget& control) {
+    return u"%1 (%2)"_s.arg(control.objectName(), QLatin1StringView(control.metaObject()->className()));
+}
+
+/// Every control of the screen that shows, the parts of a control left out.
+QList<QWidget*> controls(const ui::Screen& screen) {
+    QList<QWidget*> shown = screen.findChildren<QWidget*>(Qt::FindDirectChildrenOnly);
+    shown.removeIf([](const QWidget* control) { return !control->isVisible(); });
+    return shown;
+}
+
+/// The texts of a list that its cells and titles do not take.
+QStringList cutTexts(const ui::ReportList& list) {
+    QStringList cut;
+    const QAbstractItemModel& model = *list.model();
+    for (int column = 0; column < model.columnCount(); ++column) {
+        const QString title = model.headerData(column, Qt::Horizontal).toString();
+        if (list.horizontalHeader()->fontMetrics().horizontalAdvance(title) + 4 > list.columnWidth(column))
+            cut << title;
+        for (int row = 0; row < model.rowCount(); ++row) {
+            QStyleOptionViewItem option;
+            option.initFrom(&list);
+            option.rect = list.visualRect(model.index(row, column));
+            const QSize needed = list.itemDelegate()->sizeHint(option, model.index(row, column));
+            if (needed.width() > list.columnWidth(column) || needed.height() > list.rowHeight(row))
+                cut << model.index(row, column).data().toString();
+        }
+    }
+    return cut;
+}
+
+/// The texts of the control that do not fit it.
+QStringList cutTexts(QWidget& control) {
+    if (const auto* list = qobject_cast<const ui::ReportList*>(&control)) return cutTexts(*list);
+    QString text;
+    QSize needed;
+    QSize room = control.contentsRect().size();
+    if (const auto* label = qobject_cast<const QLabel*>(&control)) {
+        text = label->text();
+        needed =
+            label->fontMetrics()
+                .boundingRect(QRect(0, 0, room.width(), 0), label->wordWrap() ? Qt::TextWordWrap : 0, text)
+                .size();
+        // A line's blank space above and below its letters may lie outside.
+        if (!label->wordWrap()) {
+            needed = {label->fontMetrics().horizontalAdvance(text),
+                      label->fontMetrics().tightBoundingRect(text).height()};
+        }
+    } else if (const auto* button = qobject_cast<const ui::BitmapButton*>(&control)) {
+        text = button->text();
+        needed = button->captionBounds().size();
+        room = button->rect().united(button->captionBounds()) == button->rect() ? needed : QSize();
+    } else if (qobject_cast<QCheckBox*>(&control) || qobject_cast<QRadioButton*>(&control)) {
+        text = static_cast<QAbstractButton&>(control).text();
+        needed = control.sizeHint();
+    } else if (const auto* combo = qobject_cast<const QComboBox*>(&control)) {
+        constexpr int kArrowAndFrame = 30;
+        for (int i = 0; i < combo->count(); ++i) {
+            text = combo->itemText(i);
+            needed = {combo->fontMetrics().horizontalAdvance(text) + kArrowAndFrame, 0};
+            if (needed.width() > room.width()) break;
+        }
+    }
+    const bool fits = text.isEmpty() || (needed.width() <= room.width() && needed.height() <= room.height());
+    return fits ? QStringList() : QStringList{text};
+}
+
+bool isPicture(const QWidget* control) {
+    const auto* label = qobject_cast<const QLabel*>(control);
+    return label != nullptr && !label->pixmap(Qt::ReturnByValue).isNull();
+}
+
+/// What a finger, an eye or a reader of the screen would miss on it.
+QStringList faults(const ui::Screen& screen) {
+    QStringList found;
+    const QList<QWidget*> shown = controls(screen);
+    for (QWidget* control : shown) {
+        for (const QString& text : cutTexts(*control)) found << nameOf(*control) + u" cuts "_s + text;
+        if (!screen.rect().contains(control->geometry())) found << nameOf(*control) + u" leaves the screen"_s;
+        const bool isPressed =
+            control->focusPolicy() != Qt::NoFocus || qobject_cast<QAbstractButton*>(control);
+        if (isPressed && control->height() < kFingerHeight) found << nameOf(*control) + u" is low"_s;
+        for (const QWidget* other : shown) {
+            if (other == control) break;
+            // A heading's text lies on its picture.
+            if (!isPicture(other) && other->geometry().intersects(control->geometry()))
+                found << nameOf(*control) + u" covers "_s + nameOf(*other);
+        }
+    }
+    return found;
+}
+
+TEST_F(Screens, HoldTheLongestTexts) {
+    for (const Case& screen : kCases) {
+        SCOPED_TRACE(screen.name);
+        const auto opened = open(screen);
+        EXPECT_THAT(faults(*opened), testing::IsEmpty());
+        terminal.remove(opened.get());
+    }
+}
+
+TEST_F(Screens, HoldTheLongestTextsInReports) {
+    int reports = 0;
+    QObject::connect(&terminal, &ui::Terminal::topChanged, &terminal, [&](ui::Screen* front) {
+        if (front == nullptr || front->id() != 458) return;
+        ++reports;
+        EXPECT_GT(static_cast<ui::ReportList*>(front->control(1054))->rowCount(), 0);
+        EXPECT_FALSE(front->control(1054)->accessibleName().isEmpty());
+        EXPECT_THAT(faults(*front), testing::IsEmpty());
+        QTimer::singleShot(0, front, [front] { front->close(ui::Screen::Cancelled); });
+    });
+    const auto opened = open({"totals", 457});
+    for (const totals::DailyReport& report : totals::dailyReports())
+        static_cast<QAbstractButton*>(opened->control(report.button))->click();
+    EXPECT_EQ(reports, int(std::size(totals::dailyReports())));
+    terminal.remove(opened.get());
+}
+
+TEST_F(Screens, SpeakToAReaderAndToTheKeys) {
+    const auto isLetter = [](QChar character) { return character.isLetter(); };
+    for (const Case& screen : kCases) {
+        SCOPED_TRACE(screen.name);
+        const auto opened = open(screen);
+        QSet<QWidget*> wanted;
+        for (QWidget* control : controls(*opened)) {
+            if (!control->isEnabled()) continue;
+            const QString spoken = QAccessible::queryAccessibleInterface(control)->text(QAccessible::Name);
+            const auto* text = qobject_cast<const QLabel*>(control);
+            // A picture or an empty text has nothing to say, and a figure says what it is.
+            const bool isSilent = text != nullptr && text->text().isEmpty();
+            const bool isNamed =
+                text == nullptr ? !spoken.isEmpty() : std::any_of(spoken.begin(), spoken.end(), isLetter);
+            EXPECT_TRUE(isSilent || isNamed) << qPrintable(nameOf(*control) + u" is read as "_s + spoken);
+            if (qobject_cast<const QAbstractButton*>(control) || control->focusPolicy() != Qt::NoFocus)
+                wanted << control;
+            auto* list = qobject_cast<ui::ReportList*>(control);
+            if (list == nullptr || list->rowCount() == 0) continue;
+            const QModelIndex cell = list->model()->index(0, 0);
+            EXPECT_EQ(
+                cell.data(Qt::AccessibleTextRole).toString(),
+                list->model()->headerData(0, Qt::Horizontal).toString() + u' ' + cell.data().toString());
+        }
+        // On the keypad the keys of a keyboard stand for the buttons.
+        if (screen.dialog != 130) {
+            for (qsizetype steps = wanted.size(); steps > 0; --steps) {
+                opened->focusNextPrevChild(true);
+                wanted.remove(opened->focusWidget());
+            }
+            for (const QWidget* missed : wanted)
+                ADD_FAILURE() << qPrintable(nameOf(*missed) + u" is not reached"_s);
+        }
+        terminal.remove(opened.get());
+    }
+}
+
+TEST_F(Screens, ScrollUnderAFingerWithoutChoosing) {
+    for (int code = 1100; code < 1200; ++code) {
+        device.insert(u"PUMMOK",
+                      {{u"Pcode", QString::number(code)}, {u"Pname", u"소주"}, {u"Gubun", u"공용"}});
+    }
+    const auto opened = open({"product search", 139});
+    auto* list = static_cast<ui::ReportList*>(opened->control(1090));
+    list->clearSelection();
+    app::session().action.ProductChosen = 0;
+    QWidget* finger = list->viewport();
+    const QPoint start(60, 150);
+    QTest::mousePress(finger, Qt::LeftButton, {}, start);
+    for (int way = 10; way <= 100; way += 10) QTest::mouseMove(finger, start - QPoint(0, way));
+    EXPECT_EQ(list->verticalScrollBar()->value(), 100);
+    QTest::mouseRelease(finger, Qt::LeftButton, {}, start - QPoint(0, 100));
+    EXPECT_EQ(list->selectedRow(), -1);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return list->verticalScrollBar()->value() > 110; })) << "runs on";
+    // The touch that stops it chooses nothing either; the next one does.
+    QTest::mouseClick(finger, Qt::LeftButton, {}, start);
+    EXPECT_EQ(app::session().action.ProductChosen, 0);
+    QTest::mouseClick(finger, Qt::LeftButton, {}, start);
+    EXPECT_EQ(app::session().action.ProductChosen, 1);
+    EXPECT_EQ(list->selectedRow(), list->rowAt(start.y()));
+    terminal.remove(opened.get());
+}
+
+}  // namespace
