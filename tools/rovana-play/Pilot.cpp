@@ -392,7 +392,7 @@ void Pilot::saveShot(const QString& name) {
     ui::Terminal* terminal = ui::Terminal::current();
     if (options_.shots.isEmpty() || terminal == nullptr) return;
     const QString file = nextPicture(name);
-    if (!terminal->grab().save(file)) qWarning("cannot write %s", qUtf8Printable(file));
+    if (!terminal->window()->grab().save(file)) qWarning("cannot write %s", qUtf8Printable(file));
 }
 
 Attempt Pilot::savePaper(const QString& name) {

@@ -3,9 +3,12 @@
 #include <QFileInfo>
 #include <QTimer>
 #include <cstdio>
+#include <memory>
+#include <tuple>
 
 #include "Screens.h"
 #include "app/RovanaApp.h"
+#include "desk/Desk.h"
 #include "platform/Device.h"
 #include "platform/Trace.h"
 #include "rovana-play/Pilot.h"
@@ -35,7 +38,8 @@ int main(int argc, char* argv[]) {
     const QCommandLineOption shots(u"shots"_s, u"Folder for the screenshots; none without it."_s, u"DIR"_s);
     const QCommandLineOption scale(u"scale"_s, u"Size of the terminal; 2 with --shots, else 1."_s, u"N"_s);
     const QCommandLineOption pace(u"pace"_s, u"Pause before every step, to watch it."_s, u"MS"_s, u"0"_s);
-    parser.addOptions({device, shots, scale, pace});
+    const QCommandLineOption onDesk(u"desk"_s, u"Shows the terminal on its desk, as rovana --desk does."_s);
+    parser.addOptions({device, shots, scale, pace, onDesk});
 
     QStringList arguments;
     for (int i = 0; i < argc; ++i) arguments << QString::fromLocal8Bit(argv[i]);
@@ -68,9 +72,16 @@ int main(int argc, char* argv[]) {
     QApplication::setCursorFlashTime(0);  // Screenshots of the same screen are the same.
     ui::prepareFonts();
     registerScreens();
-    ui::Terminal terminal;
-    terminal.setVisible(true);
-    terminal.activateWindow();
+    auto* terminal = new ui::Terminal;
+    std::unique_ptr<QWidget> window(terminal);
+    if (parser.isSet(onDesk)) {
+        // The desk takes the terminal over.
+        std::ignore = window.release();
+        window = std::make_unique<desk::Desk>(terminal, platform::Settings());
+        window->resize(desk::kDeskSize);
+    }
+    window->setVisible(true);
+    window->activateWindow();
 
     pilot::Options options;
     options.shots = parser.value(shots);
@@ -82,7 +93,7 @@ int main(int argc, char* argv[]) {
                      [](const QString& failure) { fail(failure, 1); });
     int exitCode = 0;
     // The program runs inside the event loop, as it does without a script.
-    QTimer::singleShot(0, &terminal, [&] {
+    QTimer::singleShot(0, terminal, [&] {
         player.start();
         exitCode = app::CRovanaApp().run();
         QCoreApplication::quit();
