@@ -15,6 +15,7 @@
 #include "app/RovanaApp.h"
 #include "desk/Desk.h"
 #include "platform/Device.h"
+#include "platform/OwnerOnly.h"
 #include "platform/Settings.h"
 #include "platform/Trace.h"
 #include "platform/termdev/Devices.h"
@@ -109,6 +110,7 @@ int runProgram(int argc, char** argv, const std::function<void(ui::Terminal&)>& 
         std::fprintf(stderr, "rovana: no log can be kept in %s\n",
                      qUtf8Printable(platform::device::folder()));
     }
+    platform::tightenFiles(platform::device::folder());
     for (const QString& complaint : settings.complaints) platform::trace(complaint);
     ui::prepareFonts();
     QApplication::setWindowIcon(ui::icon(ui::bitmaps::kApplicationIcon));

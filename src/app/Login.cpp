@@ -7,6 +7,7 @@
 #include "db/Query.h"
 #include "platform/CodePage.h"
 #include "platform/Device.h"
+#include "platform/Wipe.h"
 #include "platform/Won.h"
 
 namespace app {
@@ -29,14 +30,17 @@ constexpr qint64 kSettingsPieceBytes = 32;
 
 constexpr Won kThreshold(7000);
 
+constexpr int kPasswordColumn = 1;
+
 }  // namespace
 
 bool logIn(const QString& userId, const QString& password, const QString& workDate) {
     SessionValues& values = session();
     values.UserID = userId;
     values.WorkDate = workDate;
-    const std::optional<QStringList> user = db::firstRow(kSelectUser(userId, password));
+    std::optional<QStringList> user = db::firstRow(kSelectUser(userId, password));
     if (!user) return false;
+    if (user->size() > kPasswordColumn) platform::wipe(&(*user)[kPasswordColumn]);
     QString* const fields[] = {&values.UserField2, &values.UserField3, &values.UserField4,
                                &values.UserField5, &values.UserField6, &values.UserField7,
                                &values.UserField8, &values.UserField9};

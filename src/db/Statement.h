@@ -6,6 +6,8 @@
 #include <array>
 #include <concepts>
 
+#include "platform/Wipe.h"
+
 namespace db {
 
 /// A UTF-16 literal as a template argument.
@@ -19,9 +21,15 @@ struct StatementText {
 };
 
 /// The text of one statement, ready to run. Only a Statement makes one, so no other text reaches the
-/// database.
+/// database. The text is overwritten when the last copy goes: a login's holds the password.
 class Sql {
   public:
+    Sql(const Sql&) = default;
+    Sql(Sql&&) = default;
+    Sql& operator=(const Sql&) = delete;
+    Sql& operator=(Sql&&) = delete;
+    ~Sql() { platform::wipe(&text_); }
+
     /// The statement with its values in single quotes, unescaped.
     const QString& text() const { return text_; }
 

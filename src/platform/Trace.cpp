@@ -17,10 +17,7 @@ Q_LOGGING_CATEGORY(traceCategory, "rovana.trace", QtWarningMsg)
 /// The log file and its one predecessor.
 class BoundedLog {
   public:
-    BoundedLog(const QString& path, qint64 limitBytes) : file_(path), limit_(limitBytes) {
-        file_.open(QIODevice::WriteOnly | QIODevice::Append);
-        file_.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
-    }
+    BoundedLog(const QString& path, qint64 limitBytes) : file_(path), limit_(limitBytes) { open(); }
 
     bool isOpen() const { return file_.isOpen(); }
 
@@ -42,7 +39,12 @@ class BoundedLog {
         const bool isAside = QFile::rename(path, path + u".1"_s);
         if (!isAside) limit_ += limit_;
         file_.setFileName(path);
-        file_.open(QIODevice::WriteOnly | QIODevice::Append);
+        open();
+    }
+
+    /// Only its owner can read a log, from its first moment on.
+    void open() {
+        file_.open(QIODevice::WriteOnly | QIODevice::Append, QFile::ReadOwner | QFile::WriteOwner);
         file_.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
     }
 

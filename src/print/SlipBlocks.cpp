@@ -10,7 +10,7 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr db::Statement<u"SELECT *  FROM PDAUSER WHERE userID = '%s'"> kSelectUser;
+constexpr db::Statement<u"SELECT userNAME, vatMode, userTEL FROM PDAUSER WHERE userID = '%s'"> kSelectUser;
 constexpr db::Statement<
     u"SELECT sangho, sno, name, tel, fax, juso, calltel, cardid, cardpass, cardno FROM config">
     kSelectConfig;
@@ -43,7 +43,7 @@ void partyBlock(Document& document, QStringView heading, const Party& party) {
 
 Salesman salesman(QStringView userId) {
     const std::optional<QStringList> row = db::firstRow(kSelectUser(userId));
-    return row ? Salesman{row->value(2), row->value(3), row->value(7)} : Salesman{};
+    return row ? Salesman{row->value(0), row->value(1), row->value(2)} : Salesman{};
 }
 
 Party customer(QStringView gCode, QStringView gName) {

@@ -6,6 +6,8 @@
 
 #include "app/Session.h"
 #include "platform/Device.h"
+#include "platform/Wipe.h"
+#include "support/MemorySearch.h"
 #include "support/PrintQt.h"
 #include "support/TestDevice.h"
 
@@ -21,6 +23,21 @@ TEST(Login, FillsTheSessionByPosition) {
     EXPECT_EQ(session.UserField2, u"김영수"_s);
     EXPECT_EQ(session.UserField9, u"r2"_s);
     EXPECT_EQ(session.WorkDate, u"2026-11-21"_s);
+}
+
+// Refused, so that the user's row, which is read from the database, is not what is found.
+TEST(Login, LeavesNoPasswordInMemory) {
+    if (!test::kCanSearchMemory) GTEST_SKIP();
+    test::TestDevice device;
+    device.execute(u"INSERT INTO PDAUSER (userID,userPASS) VALUES ('A','1111')"_s);
+    {
+        const platform::SecureText entered = test::kRarePassword.make();
+        QString password(entered.view().data(), entered.size());
+        EXPECT_FALSE(test::kRarePassword.places().empty()) << "the search finds what is there";
+        EXPECT_FALSE(app::logIn(u"A"_s, password, u"2026-11-21"_s));
+        platform::wipe(&password);
+    }
+    EXPECT_EQ(test::kRarePassword.places(), std::vector<std::string>());
 }
 
 TEST(Settings, OfALongFileTheLastPieceCounts) {

@@ -1,16 +1,12 @@
-#include <sys/prctl.h>
-#include <sys/stat.h>
-
 #include <QCoreApplication>
 #include <QTextStream>
 #include <cstdio>
 
+#include "platform/OwnerOnly.h"
 #include "rovana-cardhost/Program.h"
 
 int main(int argc, char* argv[]) {
-    // Keys and ledger are for their owner alone, and no picture of the memory is left behind by a crash.
-    ::umask(077);
-    ::prctl(PR_SET_DUMPABLE, 0);
+    platform::keepToOwner();
     QCoreApplication application(argc, argv);
     QTextStream in(stdin);
     QTextStream out(stdout);

@@ -10,6 +10,7 @@
 #include "app/RovanaApp.h"
 #include "desk/Desk.h"
 #include "platform/Device.h"
+#include "platform/OwnerOnly.h"
 #include "platform/Trace.h"
 #include "rovana-play/Pilot.h"
 #include "rovana-play/Script.h"
@@ -30,6 +31,7 @@ int fail(const QString& error, int exitCode) {
 }  // namespace
 
 int main(int argc, char* argv[]) {
+    platform::keepToOwner();
     QCommandLineParser parser;
     parser.setApplicationDescription(u"Plays a visit script on the terminal's screens."_s);
     parser.addPositionalArgument(u"FILE.visit"_s, u"The script."_s);
@@ -69,6 +71,7 @@ int main(int argc, char* argv[]) {
         return fail(u"no terminal in %1; \"rovanactl init\" makes one"_s.arg(platform::device::folder()),
                     kUsageError);
     platform::openLog();
+    platform::tightenFiles(platform::device::folder());
     QApplication::setCursorFlashTime(0);  // Screenshots of the same screen are the same.
     ui::prepareFonts();
     registerScreens();

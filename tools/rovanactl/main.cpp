@@ -1,5 +1,4 @@
 #include <langinfo.h>
-#include <sys/stat.h>
 
 #include <QGuiApplication>
 #include <QTextStream>
@@ -8,11 +7,12 @@
 #include <cstdio>
 #include <memory>
 
+#include "platform/OwnerOnly.h"
 #include "rovanactl/Command.h"
 
 int main(int argc, char* argv[]) {
     // Whatever this program makes, the rejected lines of an import too, is for its owner's eyes only.
-    ::umask(077);
+    platform::keepToOwner();
     // The device folder has Korean names; without a UTF-8 locale Qt warns before it helps itself.
     std::setlocale(LC_ALL, "");
     if (qstrcmp(::nl_langinfo(CODESET), "UTF-8") != 0) ::setenv("LC_ALL", "C.UTF-8", 1);

@@ -1,5 +1,7 @@
 #include "platform/adoce/Adoce.h"
 
+#include <QScopeGuard>
+
 #include "platform/Trace.h"
 #include "platform/adoce/DatabaseFile.h"
 #include "platform/adoce/Literals.h"
@@ -127,6 +129,8 @@ HResult Recordset::Open(const QVariant& source, const QVariant& activeConnection
     if (connection == nullptr || !connection->file() || source.typeId() != QMetaType::QString) return kFail;
 
     thread_local ParsedStatement parsed;
+    // Values may be passwords: none stays behind in the memory that the next statement uses.
+    const auto wipe = qScopeGuard([] { sodium_memzero(parsed.values.data(), size_t(parsed.values.size())); });
     const bool isWellFormed = parseStatement(*static_cast<const QString*>(source.constData()), &parsed);
     if (!isWellFormed) {
         // A broken text may show a piece of a value where its structure should be.
@@ -147,11 +151,16 @@ HResult Recordset::Open(const QVariant& source, const QVariant& activeConnection
     sqlite3_stmt* handle = statement_->handle;
 
     // A SELECT goes on reading its values while rows are fetched, long after `parsed` serves another one.
-    const auto lifetime = sqlite3_stmt_readonly(handle) ? SQLITE_TRANSIENT : SQLITE_STATIC;
+    // SQLite's own copies would not be wiped.
+    const char* values = parsed.values.constData();
+    if (sqlite3_stmt_readonly(handle) != 0) {
+        values_.reserve(parsed.values.size() + 1);  // Never null, which would bind NULL.
+        values_.assign(parsed.values.cbegin(), parsed.values.cend());
+        values = reinterpret_cast<const char*>(values_.data());
+    }
     int begin = 0;
     for (size_t i = 0; i < parsed.ends.size(); ++i) {
-        sqlite3_bind_text(handle, int(i) + 1, parsed.values.constData() + begin, parsed.ends[i] - begin,
-                          lifetime);
+        sqlite3_bind_text(handle, int(i) + 1, values + begin, parsed.ends[i] - begin, SQLITE_STATIC);
         begin = parsed.ends[i];
     }
     const HResult result = step();
@@ -167,6 +176,7 @@ HResult Recordset::Open(const QVariant& source, const QVariant& activeConnection
 HResult Recordset::Close() {
     if (statement_ != nullptr) file_->release(statement_);
     statement_ = nullptr;
+    SecureBytes().swap(values_);
     file_.reset();
     rowNumber_ = -1;
     hasRow_ = false;

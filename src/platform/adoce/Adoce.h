@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <memory>
 
+#include "platform/SecureBytes.h"
+
 /// The handheld's database component, reduced to the operations that the system uses, over SQLite. Statements
 /// come as text with their values in single quotes; the quoted values become bound parameters.
 namespace platform::adoce {
@@ -119,6 +121,7 @@ class Recordset {
 
     Connection* active_ = nullptr;
     std::shared_ptr<DatabaseFile> file_;
+    SecureBytes values_;  ///< Of a SELECT: SQLite reads them while rows are fetched.
     PreparedStatement* statement_ = nullptr;
     qint64 rowNumber_ = -1;
     bool hasRow_ = false;

@@ -43,7 +43,9 @@ bool readKnown(QStringView sql, ParsedStatement* parsed) {
 
 bool readNew(QStringView sql, ParsedStatement* parsed) {
     parsed->text.resize(0);
+    // Room for all of them at once: growing would leave copies of what may be a password.
     parsed->values.resize(0);
+    parsed->values.reserve(3 * sql.size());
     parsed->ends.clear();
     qsizetype at = 0;
     while (true) {

@@ -36,8 +36,8 @@ bool writeText(const QList<PaperLine>& lines, qint64 limit) {
         QFile::remove(olderTextFile());
         QFile::rename(textFile(), olderTextFile());
     }
-    return file.open(QIODevice::WriteOnly | QIODevice::Append) && file.write(bytes) == bytes.size() &&
-           file.flush();
+    return file.open(QIODevice::WriteOnly | QIODevice::Append, QFile::ReadOwner | QFile::WriteOwner) &&
+           file.write(bytes) == bytes.size() && file.flush();
 }
 
 bool writePicture(const QList<PaperLine>& lines) {
