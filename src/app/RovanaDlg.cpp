@@ -6,11 +6,13 @@
 #include <QEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QTimer>
 #include <functional>
 
 #include "app/Dialogs.h"
 #include "app/KeypadRequest.h"
 #include "app/Login.h"
+#include "app/LoginWait.h"
 #include "app/Session.h"
 #include "db/ImportFile.h"
 #include "platform/Clock.h"
@@ -153,7 +155,34 @@ void CRovanaDlg::enterPassword() {
 }
 
 void CRovanaDlg::logIn() {
-    const QString shown = password_->text();
+    if (isWaiting_) return;
+    const std::chrono::milliseconds wait = enterLoginTry();
+    if (wait.count() == 0) return answerLogin();
+    setWaiting(true);
+    // A right password waits as well: a quick answer would tell it from a wrong one.
+    QTimer::singleShot(wait, this, [this] {
+        setWaiting(false);
+        answerLogin();
+    });
+}
+
+/// While the answer waits, nothing but "X" can be pressed.
+void CRovanaDlg::setWaiting(bool isWaiting) {
+    isWaiting_ = isWaiting;
+    for (QWidget* each : {static_cast<QWidget*>(date_), static_cast<QWidget*>(userId_),
+                          static_cast<QWidget*>(password_), control(1010), control(1000)}) {
+        each->setEnabled(!isWaiting);
+    }
+    if (isWaiting) {
+        setText(kUserName, u"확인 중..."_s);
+    } else {
+        showUserName();
+        password_->setFocus();
+    }
+}
+
+void CRovanaDlg::answerLogin() {
+    QString shown = password_->text();
     QString password(shown.constData(), shown.size());
     const bool isKnown =
         app::logIn(userId_->currentText(), password, date_->date().toString(u"yyyy-MM-dd"_s));
@@ -162,7 +191,10 @@ void CRovanaDlg::logIn() {
         ui::message(u"로그인 사원의 ID와 PASS가 일치하지 않습니다..!"_s);
         return;
     }
+    loginSucceeded();
+    // The last holder of the edit line's characters wipes them.
     password_->clear();
+    platform::wipe(&shown);
     showMenu();
     {
         const ui::WaitCursor wait;

@@ -25,6 +25,8 @@ class CRovanaDlg : public ui::Screen {
     void addLoginControls();
     void addMenuControls();
     void logIn();
+    void answerLogin();
+    void setWaiting(bool isWaiting);
     void enterPassword();
     void showMenu();
     void showUserName();
@@ -36,6 +38,7 @@ class CRovanaDlg : public ui::Screen {
     QComboBox* userId_ = nullptr;
     QLineEdit* password_ = nullptr;
     QDateEdit* date_ = nullptr;
+    bool isWaiting_ = false;  ///< For the answer to a login.
     QList<QWidget*> loginControls_;
     QList<QWidget*> menuControls_;
 };

@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QFile>
 
+#include "app/LoginWait.h"
 #include "app/Session.h"
 #include "platform/Device.h"
 #include "platform/Wipe.h"
@@ -38,6 +40,27 @@ TEST(Login, LeavesNoPasswordInMemory) {
         platform::wipe(&password);
     }
     EXPECT_EQ(test::kRarePassword.places(), std::vector<std::string>());
+}
+
+TEST(LoginWait, GrowsToTenSecondsAndOutlivesTheProgram) {
+    using namespace std::chrono_literals;
+    test::TestDevice device;
+    const std::chrono::milliseconds waits[] = {0s, 0s, 0s, 1s, 2s, 4s, 8s, 10s, 10s};
+    for (std::size_t i = 0; i < std::size(waits); ++i) {
+        EXPECT_EQ(app::enterLoginTry(), waits[i]) << i;
+        // Another folder in between takes what the process remembers; only the file is left.
+        if (i % 2 == 0) {
+            const test::TestDevice another;
+            EXPECT_EQ(app::enterLoginTry(), 0s) << "of another terminal";
+        }
+    }
+    app::loginSucceeded();
+    EXPECT_EQ(app::enterLoginTry(), 0s);
+    // Where the file cannot be kept the process counts on.
+    const QString file = device.folder() + u"/login-failures"_s;
+    ASSERT_TRUE(QFile::remove(file) && QDir().mkdir(file));
+    for (int i = 0; i < 2; ++i) EXPECT_EQ(app::enterLoginTry(), 0s);
+    EXPECT_EQ(app::enterLoginTry(), 1s);
 }
 
 TEST(Settings, OfALongFileTheLastPieceCounts) {

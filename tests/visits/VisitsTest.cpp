@@ -2,14 +2,17 @@
 #include <sqlite3.h>
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
 #include <QProcessEnvironment>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <string>
 #include <vector>
 
+#include "platform/termdev/DemoCards.h"
 #include "support/PrintQt.h"
 
 namespace {
@@ -82,6 +85,41 @@ std::string prepare(const QString& device, const QString& sqlFile) {
     return error;
 }
 
+/// Lets others read and write every file, as a careless copy of a device does.
+void openToOthers(const QString& folder) {
+    QDirIterator files(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (files.hasNext()) QFile::setPermissions(files.next(), QFile::Permissions(0x6666));
+}
+
+/// What of cards and passwords the files below a folder tell, and which of them others may read.
+QStringList leaks(const QString& folder) {
+    QList<QByteArray> secrets;
+    for (const platform::termdev::DemoCard& card : platform::termdev::demoCards()) {
+        for (const QString& text :
+             {card.number.toString(), track2(card).mid(1, 30), track3(card).mid(1, 30)}) {
+            secrets << text.toUtf8()
+                    << QByteArray(reinterpret_cast<const char*>(text.utf16()), 2 * text.size());
+        }
+    }
+    static const QRegularExpression password(u"\\b(1111|1112|1234|4321|2222|3333|9999)\\b"_s);
+    QStringList found;
+    QDirIterator files(folder, QDir::Files | QDir::System | QDir::Hidden, QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        QFile file(files.next());
+        constexpr auto kOthers = QFile::Permissions(0x0077);
+        if (file.permissions() & kOthers) found << u"others may read "_s + file.fileName();
+        if (!QFileInfo(file).isFile()) continue;
+        const QByteArray content = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        for (const QByteArray& secret : std::as_const(secrets)) {
+            if (content.contains(secret)) found << u"a card's data is in "_s + file.fileName();
+        }
+        const bool isLog = QFileInfo(file).fileName().startsWith(u"rovana.log");
+        if (isLog && QString::fromUtf8(content).contains(password))
+            found << u"a password is in "_s + file.fileName();
+    }
+    return found;
+}
+
 class Visit : public testing::TestWithParam<QString> {};
 
 TEST_P(Visit, Plays) {
@@ -97,8 +135,10 @@ TEST_P(Visit, Plays) {
         ASSERT_TRUE(loaded.isDone) << loaded.output;
         ASSERT_EQ(prepare(device, ownRows), "");
     }
+    openToOthers(device);
     const Outcome played = run(u"rovana-play"_s, {GetParam(), u"--device"_s, device});
     EXPECT_TRUE(played.isDone) << played.output;
+    EXPECT_EQ(leaks(device), QStringList());
 }
 
 INSTANTIATE_TEST_SUITE_P(Tests, Visit, testing::ValuesIn(visits()), caseName);
