@@ -169,12 +169,14 @@ void CRovanaDlg::logIn() {
 /// While the answer waits, nothing but "X" can be pressed.
 void CRovanaDlg::setWaiting(bool isWaiting) {
     isWaiting_ = isWaiting;
+    // The disabled button would hand the focus to "X", which the next key would press.
+    if (isWaiting) setFocus();
     for (QWidget* each : {static_cast<QWidget*>(date_), static_cast<QWidget*>(userId_),
                           static_cast<QWidget*>(password_), control(1010), control(1000)}) {
         each->setEnabled(!isWaiting);
     }
     if (isWaiting) {
-        setText(kUserName, u"확인 중..."_s);
+        setFittedText(kUserName, u"확인 중..."_s, ui::FontHeight::Small);
     } else {
         showUserName();
         password_->setFocus();
