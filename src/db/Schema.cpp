@@ -37,9 +37,10 @@ constexpr Columns<22> kMtmOk{u"DDate",       u"Gubun",       u"GCode",      u"GN
                              u"MSGSENDTIME", u"BANKTRANNO"};
 constexpr Columns<14> kYtm{u"DDate", u"GCode", u"GName",  u"JunNo",  u"PCode", u"PName", u"FBox",
                            u"NBox",  u"Bon",   u"YMONEY", u"GMONEY", u"YSAMT", u"GSAMT", u"UserID"};
-constexpr Columns<15> kDayClose{u"DDate",    u"UserID", u"ClosedAt",  u"CountedCash", u"ExpectedCash",
-                                u"Cash",     u"Card",   u"Approvals", u"Unpaid",      u"EarlierPaid",
-                                u"Recovery", u"Boxes",  u"Bottles",   u"CratesBack",  u"BottlesBack"};
+constexpr Columns<16> kDayClose{u"DDate",        u"UserID",      u"ClosedAt",    u"CountedCash",
+                                u"ExpectedCash", u"Cash",        u"Card",        u"Approvals",
+                                u"Unpaid",       u"EarlierPaid", u"Recovery",    u"Boxes",
+                                u"Bottles",      u"CratesBack",  u"BottlesBack", u"OpenSlips"};
 constexpr Columns<5> kImportLog{u"Path", u"Digest", u"Size", u"Modified", u"LoadedAt"};
 constexpr Columns<6> kPrintLog{u"DDate", u"JunNo", u"UserID", u"Document", u"Copy", u"PrintedAt"};
 
@@ -59,7 +60,7 @@ constexpr std::array kTables{
     Table{u"YTM", kYtm},
     Table{u"TEMP", std::span(kMtm).first(15)},
     Table{u"YTEMP", std::span(kYtm).first(13)},
-    Table{u"DAYCLOSE", kDayClose},
+    Table{u"DAYCLOSE", kDayClose, false},
     Table{u"IMPORTLOG", kImportLog},
     Table{u"PRINTLOG", kPrintLog, false},
 };

@@ -28,6 +28,10 @@ void Document::centred(QStringView text) {
     for (const QString& piece : wrapped(text, kColumns)) line(print::centred(piece));
 }
 
+void Document::reprintMark() {
+    centred(u"* 재발행 *");
+}
+
 void Document::labelText(QStringView label, QStringView text) {
     const QString content = text.trimmed().toString();
     if (content.isEmpty()) return;

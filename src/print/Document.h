@@ -43,6 +43,8 @@ class Document {
     void blank() { line({}); }
     /// One line as it stands, without the blanks at its end.
     void line(QStringView text);
+    /// "* 재발행 *", the mark of a paper that was printed before.
+    void reprintMark();
     /// A line in the middle of the paper, wrapped when it is too long.
     void centred(QStringView text);
     /// The label in ten columns, a blank, and the text wrapped in the 21 columns beside it. Nothing for an

@@ -54,7 +54,7 @@ Party customer(QStringView gCode, QStringView gName) {
 Document slipDocument(QStringView title, std::optional<Copy> copy, bool reprint, const SlipHead& head) {
     Document document(title);
     if (copy) document.centred(*copy == Copy::Seller ? u"(공급자 보관용)" : u"(공급받는자 보관용)");
-    if (reprint) document.centred(u"* 재발행 *");
+    if (reprint) document.reprintMark();
     document.rule(Document::Rule::Double);
     document.labelText(u"거래일시", QString(head.date % u' ' % head.time));
     document.labelText(u"전표번호", head.junNo);

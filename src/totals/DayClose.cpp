@@ -24,11 +24,17 @@ constexpr db::Statement<
     u"AND (WorkGubun <> '%s' or WorkGubun <> '%s')">
     kSold;
 constexpr db::Statement<
+    u"SELECT COUNT(*) FROM (SELECT DISTINCT JunNo, UserID FROM MTM WHERE DDate = '%s' "
+    u"AND ('%s' = '' OR UserID = '%s') AND NOT EXISTS (SELECT 1 FROM MTMOK WHERE MTMOK.DDate = MTM.DDate "
+    u"AND MTMOK.JunNo = MTM.JunNo AND MTMOK.UserID = MTM.UserID))">
+    kOpenSlips;
+constexpr db::Statement<
     u"SELECT * FROM DAYCLOSE WHERE DDate = '%s' AND ('%s' = '' OR UserID = '%s') ORDER BY UserID, rowid">
     kClosesOfDay;
 constexpr db::Statement<
     u"INSERT INTO DAYCLOSE (DDate,UserID,ClosedAt,CountedCash,ExpectedCash,Cash,Card,Approvals,Unpaid,"
-    u"EarlierPaid,Recovery,Boxes,Bottles,CratesBack,BottlesBack) VALUES ('%s','%s','%s','%s','%s','%s','%s',"
+    u"EarlierPaid,Recovery,Boxes,Bottles,CratesBack,BottlesBack,OpenSlips) VALUES "
+    u"('%s','%s','%s','%s','%s','%s','%s','%s',"
     u"'%s','%s','%s','%s','%s','%s','%s','%s')">
     kInsert;
 
@@ -62,6 +68,9 @@ Report strip(QStringView title, QStringView date, QStringView userId, const DayF
                          {u"회수 상자"_s, count(figures.back.crates)},
                          {u"회수 공병"_s, count(figures.back.bottles)}}},
                        {u"현금"_s, {}}};
+    // Their goods are among those sold, and no money above stands for them.
+    if (figures.openSlips != 0)
+        report.sections[1].rows.append({u"수금없는 전표"_s, count(figures.openSlips)});
     QList<Row>& cash = report.sections.last().rows;
     // What makes the expected cash less than cash and earlier receivables together.
     const Won unmoved = figures.expectedCash - figures.cash - figures.earlierPaid;
@@ -92,8 +101,10 @@ std::optional<DayFigures> dayFigures(QStringView date, QStringView userId) {
             add(&figures.bottles, parseInteger(row.GetFieldString(1)));
         });
     const auto back = app::containersTakenBack(date, userId);
-    if (lines < 0 || !back) return std::nullopt;
+    const auto open = db::firstRow(kOpenSlips(date, userId, userId));
+    if (lines < 0 || !back || !open) return std::nullopt;
     figures.back = *back;
+    figures.openSlips = parseInteger(open->first());
     return figures;
 }
 
@@ -114,6 +125,7 @@ std::optional<QList<DayClose>> closesOfDay(QStringView date, QStringView userId)
                         .boxes = number(11),
                         .bottles = number(12),
                         .back = {number(13), number(14)},
+                        .openSlips = number(15),
                         .expectedCash = won(4)}});
     });
     return rows < 0 ? std::nullopt : std::optional(closes);
@@ -140,7 +152,8 @@ std::optional<QList<DayClose>> closeDay(QStringView date, QStringView userId, Wo
                                                                 text(day.boxes),
                                                                 text(day.bottles),
                                                                 text(day.back.crates),
-                                                                text(day.back.bottles)};
+                                                                text(day.back.bottles),
+                                                                text(day.openSlips)};
     std::array<QStringView, texts.size()> values;
     std::ranges::copy(texts, values.begin());
     if (!transaction.run(kInsert(values))) return std::nullopt;

@@ -21,9 +21,11 @@ struct DayFigures {
     platform::Won unpaid;
     platform::Won earlierPaid;  ///< Earlier receivables paid.
     platform::Won recovery;     ///< Container recovery.
-    std::int64_t boxes = 0;     ///< Sold.
-    std::int64_t bottles = 0;   ///< Sold singly.
+    std::int64_t boxes = 0;     ///< On sales slips.
+    std::int64_t bottles = 0;   ///< The same, single bottles.
     app::Containers back;       ///< Taken back.
+    std::int64_t openSlips =
+        0;  ///< Sales slips that nothing was collected for, the office's orders among them.
     platform::Won expectedCash;
 
     friend bool operator==(const DayFigures&, const DayFigures&) = default;

@@ -134,9 +134,10 @@ db::Rows listRows(const Report& report) {
     return rows;
 }
 
-print::Document document(const Report& report) {
+print::Document document(const Report& report, bool isReprint) {
     using Rule = print::Document::Rule;
     print::Document document(report.title);
+    if (isReprint) document.reprintMark();
     document.rule(Rule::Double);
     document.line(QString(u"영업사원: " % report.salesman));
     document.line(QString(u"작업일자: " % report.date));

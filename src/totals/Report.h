@@ -76,7 +76,8 @@ db::Rows listRows(const Report& report);
 
 /// The printout: head, column titles, rows, sums, place to sign. A text wider than its column takes a line of
 /// its own above its row, a line without content is left out. Without rows the sums are 0.
-print::Document document(const Report& report);
+/// A reprint says so under its title.
+print::Document document(const Report& report, bool isReprint = false);
 
 /// All columns of all rows as plain texts, their titles first, without the sums. With sections of a title
 /// the first column says "구분" and the section.

@@ -121,7 +121,9 @@ int CReportDlg::addSums(int bottom) {
 void CReportDlg::printReport() {
     if (report_.isEmpty()) return;
     const ui::WaitCursor cursor;
-    print::printDocument(document(report_));
+    print::printDocument(document(report_, wasPrinted_));
+    wasPrinted_ = true;
+    setFittedText(1059, report_.salesman + u"  "_s + report_.date + u"  출력"_s, ui::FontHeight::Small);
 }
 
 }  // namespace totals

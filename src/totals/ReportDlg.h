@@ -21,6 +21,7 @@ class CReportDlg : public ui::Screen {
     void printReport();
 
     Report report_;
+    bool wasPrinted_ = false;
 };
 
 }  // namespace totals

@@ -111,6 +111,13 @@ void CTotalsDlg::reconcile(const QDate& day) {
 }
 
 void CTotalsDlg::closeDay() {
+    const app::SessionValues& session = app::session();
+    const auto before = closesOfDay(session.WorkDate, session.UserID);
+    if (before && !before->isEmpty() &&
+        !ui::confirm(u"이미 마감하였습니다. 다시 마감할까요?"_s, u"일마감"_s)) {
+        showReport(dayCloseReport(session.WorkDate, *before));
+        return;
+    }
     // Asked before anything is shown that the count could be made to fit.
     if (!app::askNumber(u"현금시재"_s)) return;
     const platform::Won counted = platform::parseWon(app::keypadRequest().KeypadValue1);
@@ -121,10 +128,10 @@ void CTotalsDlg::closeDay() {
     std::optional<QList<DayClose>> closes;
     {
         const ui::WaitCursor cursor;
-        closes = totals::closeDay(app::session().WorkDate, app::session().UserID, counted);
+        closes = totals::closeDay(session.WorkDate, session.UserID, counted);
     }
     if (closes) {
-        showReport(dayCloseReport(app::session().WorkDate, *closes));
+        showReport(dayCloseReport(session.WorkDate, *closes));
     } else {
         ui::message(u"마감을 저장하지 못했습니다..!"_s);
     }
