@@ -7,6 +7,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <QDir>
 #include <QFile>
 #include <QImage>
 #include <QProcess>
@@ -288,37 +289,57 @@ class NetworkPrinter {
 TEST_F(Printers, ANetworkPrinterMayStopAndBreakOff) {
     test::needApplication();
     NetworkPrinter printer;
-    PrintQueue queue(printer.settings(), kQuick);
+    auto queue = std::make_unique<PrintQueue>(printer.settings(), kQuick);
     QByteArray large;
     while (large.size() < 8'000'000) large += "line " + QByteArray::number(large.size()) + '\n';
-    EXPECT_TRUE(queue.add("small\n"));
-    EXPECT_TRUE(queue.add(large));
-    EXPECT_TRUE(queue.add("end\n"));
+    EXPECT_TRUE(queue->add("small\n"));
+    EXPECT_TRUE(queue->add(large));
+    EXPECT_TRUE(queue->add("end\n"));
     QByteArray paper;
     EXPECT_TRUE(test::pump([&] {
         paper += printer.read();
-        return queue.status().waitingJobs == 2;
+        return queue->status().waitingJobs == 2;
     }));
     EXPECT_EQ(paper, "small\n");
     // Out of paper: it takes no more. Then it loses its power in the middle of the job.
-    EXPECT_TRUE(test::pump([&] { return queue.status().state == State::Fault; }));
+    EXPECT_TRUE(test::pump([&] { return queue->status().state == State::Fault; }));
     EXPECT_TRUE(test::pump([&] { return !printer.read(false).isEmpty(); }));
     printer.breakOff();
     paper.clear();
     EXPECT_TRUE(test::pump([&] {
         paper += printer.read();
-        return queue.status().state == State::Ready;
+        return queue->status().state == State::Ready;
     }));
     EXPECT_TRUE(paper == '\n' + large + "end\n") << paper.size();
 
     // One that never ends a connection has its job all the same.
-    EXPECT_TRUE(queue.add("silent\n"));
+    EXPECT_TRUE(queue->add("silent\n"));
     paper.clear();
     EXPECT_TRUE(test::pump([&] {
         paper += printer.read(false);
-        return queue.status().state == State::Ready;
+        return queue->status().state == State::Ready;
     }));
     EXPECT_EQ(paper, "silent\n");
+
+    printer.hangUp();
+
+    // It breaks off its farewell as the program ends: the next program has the job.
+    const auto isHanded = [&] { return !QDir(file(u"spool"_s)).entryList({u"*.handed"_s}).isEmpty(); };
+    EXPECT_TRUE(test::pump([&] { return !isHanded(); }));
+    EXPECT_TRUE(queue->add("late\n"));
+    EXPECT_TRUE(test::pump([&] {
+        printer.read(false);
+        return isHanded();
+    }));
+    printer.breakOff();
+    queue.reset();
+    queue = std::make_unique<PrintQueue>(printer.settings(), kQuick);
+    paper.clear();
+    EXPECT_TRUE(test::pump([&] {
+        paper += printer.read();
+        return queue->status().state == State::Ready;
+    }));
+    EXPECT_EQ(paper, "\nlate\n");
 }
 
 TEST_F(Printers, JobsOutliveTheProgram) {

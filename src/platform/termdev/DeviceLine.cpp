@@ -3,6 +3,7 @@
 #include <arpa/inet.h>
 #include <fcntl.h>
 #include <netinet/in.h>
+#include <sys/file.h>
 #include <sys/socket.h>
 #include <termios.h>
 #include <unistd.h>
@@ -36,9 +37,16 @@ int openDevice(const QString& path, int flags) {
 int openSerial(const QString& path, const SerialMode& mode) {
     const int line = openDevice(path, O_RDWR);
     if (line < 0) return -1;
+    // Two programs on one line would each have half of a card, or mix their jobs.
+    if (::flock(line, LOCK_EX | LOCK_NB) != 0) {
+        if (errno == EWOULDBLOCK) errno = EBUSY;
+        return closeForErrno(line);
+    }
     termios settings{};
     if (::tcgetattr(line, &settings) != 0) return closeForErrno(line);
     ::cfmakeraw(&settings);
+    // Left by another program these would drop what is damaged, or put bytes among those of a job.
+    settings.c_iflag &= ~tcflag_t(IGNPAR | INPCK | IXOFF | IXANY);
     // The line is not hung up when it is closed: many printers take that for being switched off.
     settings.c_cflag &= ~tcflag_t(HUPCL | CSTOPB | CRTSCTS | PARODD);
     settings.c_cflag |= CLOCAL | CREAD;

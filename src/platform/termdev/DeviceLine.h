@@ -11,7 +11,8 @@ namespace platform::termdev {
 /// `flags` are those of open(2) that say what is done with the device. The file must exist.
 int openDevice(const QString& path, int flags);
 
-/// A serial line set to `mode`, 8-bit clean.
+/// A serial line set to `mode`, 8-bit clean, and this program's alone: EBUSY while another one of this
+/// system has it.
 int openSerial(const QString& path, const SerialMode& mode);
 
 /// A connection that may still be under way: what becomes of it shows with the first write.

@@ -39,9 +39,9 @@ bool isPatient(int code) {
     return code == EAGAIN || code == EWOULDBLOCK || code == EINTR;
 }
 
-bool isReadyToWrite(int line, int milliseconds) {
+bool isReadyToWrite(int line) {
     pollfd state{line, POLLOUT, 0};
-    return ::poll(&state, 1, milliseconds) == 1 && (state.revents & POLLOUT) != 0;
+    return ::poll(&state, 1, 0) == 1 && (state.revents & POLLOUT) != 0;
 }
 
 bool isBroken(int line) {
@@ -80,8 +80,10 @@ PrintQueue::PrintQueue(const PrinterSettings& settings, Times times) : settings_
 PrintQueue::~PrintQueue() {
     QElapsedTimer leaving;
     leaving.start();
-    while ((phase_ == Phase::Sending || phase_ == Phase::Draining) && leaving.elapsed() < times_.leaving) {
-        isReadyToWrite(line_, kShortestPoll);
+    // A farewell has its own time: a job whose connection breaks only now is still kept.
+    while (phase_ == Phase::Parting || (phase_ != Phase::Idle && leaving.elapsed() < times_.leaving)) {
+        pollfd state{line_, short(phase_ == Phase::Sending ? POLLOUT : 0), 0};
+        ::poll(&state, 1, kShortestPoll);
         step();
     }
     hangUp();
@@ -117,7 +119,9 @@ void PrintQueue::proceed() {
         statusChanged();
         return;
     }
-    if (!spool_.lock()) {  // Another program on this device folder sends; it takes this job with its own.
+    if (!spool_.lock()) {
+        if (errno != EWOULDBLOCK) return fail(u"the spool cannot be locked: "_s + errorText(errno));
+        // Another program on this device folder sends; it takes this job with its own.
         timer_.start(times_.retry);
         statusChanged();
         return;
@@ -160,7 +164,7 @@ void PrintQueue::step() {
         if (left < 0 || (left > 0 && isBroken(line_))) return fail(u"the line broke"_s);
         if (left != untransmitted_) sinceProgress_.start();
         untransmitted_ = left;
-        if (left == 0 && isReadyToWrite(line_, 0)) {
+        if (left == 0 && isReadyToWrite(line_)) {
             if (!isTcp()) return jobIsOut();
             // The printer has all of it. One that ends the connection in its turn has also worked through it;
             // one that breaks it has not.
@@ -199,7 +203,8 @@ bool PrintQueue::isGone() {
         tcp_info info{};
         socklen_t size = sizeof info;
         ::getsockopt(line_, IPPROTO_TCP, TCP_INFO, &info, &size);
-        if (sent_ == 0 || info.tcpi_retransmits >= kLostRepetitions) {
+        // One that took no more and then went leaves the probes for it unanswered.
+        if (sent_ == 0 || std::max(info.tcpi_retransmits, info.tcpi_probes) >= kLostRepetitions) {
             fail(u"no answer from "_s + settings_.address);
             return true;
         }
@@ -227,7 +232,14 @@ qsizetype PrintQueue::untransmitted() const {
     if (::fstat(line_, &kind) != 0 || S_ISREG(kind.st_mode)) return 0;
     // A pipe counts what its reader has not taken, a terminal line or a socket what has not gone out.
     const unsigned long question = S_ISFIFO(kind.st_mode) ? FIONREAD : TIOCOUTQ;
-    if (::ioctl(line_, question, &bytes) == 0) return bytes;
+    unsigned int lineStatus = TIOCSER_TEMT;
+    if (::ioctl(line_, question, &bytes) == 0) {
+        // The last bytes are in the line's own memory, where a printer that is not ready holds them as well.
+        const bool isInMemory = bytes == 0 && S_ISCHR(kind.st_mode) &&
+                                ::ioctl(line_, TIOCSERGETLSR, &lineStatus) == 0 &&
+                                (lineStatus & TIOCSER_TEMT) == 0;
+        return isInMemory ? 1 : bytes;
+    }
     return errno == EIO || errno == ENODEV ? -1 : 0;
 }
 
@@ -264,8 +276,15 @@ void PrintQueue::hangUp() {
         (*notifier)->setEnabled(false);
         notifier->release()->deleteLater();
     }
-    // What a serial line still holds would keep close() waiting for the printer; the job is sent anew.
-    if (line_ >= 0 && untransmitted() > 0 && ::isatty(line_) == 1) ::tcflush(line_, TCOFLUSH);
+    // What a serial line still holds would keep close() waiting for the printer, half a minute under flow
+    // control; the job is sent anew.
+    if (line_ >= 0 && untransmitted() > 0 && ::isatty(line_) == 1) {
+        ::tcflush(line_, TCOFLUSH);
+        termios settings{};
+        ::tcgetattr(line_, &settings);
+        settings.c_cflag &= ~tcflag_t(CRTSCTS);
+        ::tcsetattr(line_, TCSANOW, &settings);
+    }
     if (line_ >= 0) ::close(line_);
     line_ = -1;
     phase_ = Phase::Idle;

@@ -26,7 +26,7 @@ class PrintQueue : public QObject {
         int retry = 2000;    ///< Between two tries to reach a printer.
         int stall = 5000;    ///< Without any progress until it counts as a fault.
         int parting = 3000;  ///< For a network printer to end the connection after a job.
-        int leaving = 1000;  ///< For the job under way when the program ends.
+        int leaving = 1000;  ///< For a job to go out when the program ends; its parting not counted.
     };
 
     explicit PrintQueue(const PrinterSettings& settings, Times times);

@@ -85,7 +85,7 @@ QString PrintSpool::path(const Entry& entry) const {
 }
 
 bool PrintSpool::add(QByteArrayView job) {
-    ::mkdir(QFile::encodeName(folder_).constData(), 0700);
+    if (::mkdir(QFile::encodeName(folder_).constData(), 0700) == 0) syncFolder(device::folder());
     const QList<Entry> before = entries();
     int number = before.isEmpty() ? 1 : before.last().number + 1;
     // Another program may take a number at the same moment.
@@ -124,7 +124,9 @@ bool PrintSpool::lock() {
     lock_ = ::open(QFile::encodeName(folder_ + u"/lock"_s).constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     if (lock_ < 0) return false;
     if (::flock(lock_, LOCK_EX | LOCK_NB) != 0) {
+        const int reason = errno;
         unlock();
+        errno = reason;
         return false;
     }
     // What a program left that was killed before its job was whole.
@@ -143,6 +145,7 @@ void PrintSpool::unlock() {
 std::optional<PrintSpool::Entry> PrintSpool::oldest() {
     for (const Entry& entry : entries()) {
         if (entry.stage != Stage::Handed) return entry;
+        trace(u"printer: a program ended while the printer took its leave; its job counts as printed");
         remove(entry);
     }
     return std::nullopt;

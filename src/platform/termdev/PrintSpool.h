@@ -35,7 +35,8 @@ class PrintSpool {
     int count() const;
 
     /// Makes this the one sender of the folder, for several programs may share it. False while there is
-    /// another one. A program's end lets go of it.
+    /// another one, errno is then EWOULDBLOCK; any other says why the folder cannot be locked. A program's
+    /// end lets go of it.
     bool lock();
     void unlock();
 
