@@ -7,6 +7,8 @@
 #include <QFileInfo>
 #include <array>
 #include <atomic>
+#include <cstdio>
+#include <memory>
 #include <thread>
 #include <vector>
 
@@ -95,7 +97,15 @@ TEST(SwipeSocket, PutsACardThroughARunningTerminal) {
     const test::TestDevice device;
     EXPECT_EQ(SwipeSocket::send("2", "3"), SwipeSocket::Answer::NoTerminal);
     Reader reader;
+    auto dead = std::make_unique<SwipeSocket>();
+    const QByteArray path = QFile::encodeName(device.folder()) + "/card.socket";
+    // One that was killed leaves its socket, which the next terminal takes over.
+    ASSERT_EQ(::rename(path, path + ".kept"), 0);
+    dead.reset();
+    ASSERT_EQ(::rename(path + ".kept", path), 0);
     const SwipeSocket socket;
+    // A second terminal leaves the first one its cards.
+    std::make_unique<SwipeSocket>().reset();
     const QFileInfo file(device.folder() + QStringLiteral("/card.socket"));
     EXPECT_EQ(
         file.permissions() & (QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther),

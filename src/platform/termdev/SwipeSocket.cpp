@@ -52,6 +52,24 @@ class SocketAddress {
     sockaddr_un address_{};
 };
 
+/// Gives the listener the address that a terminal before may have left behind; errno is EADDRINUSE when one
+/// still listens there.
+bool takeAddress(int listener, const SocketAddress& address) {
+    const auto isBound = [&] { return ::bind(listener, address.get(), SocketAddress::size()) == 0; };
+    if (isBound()) return true;
+    if (errno != EADDRINUSE) return false;
+    const int asking = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    if (asking < 0) return false;
+    const bool isLeft = ::connect(asking, address.get(), SocketAddress::size()) != 0 && errno == ECONNREFUSED;
+    ::close(asking);
+    if (isLeft) {
+        ::unlink(address.path());
+        return isBound();
+    }
+    errno = EADDRINUSE;
+    return false;
+}
+
 bool isSameUser(int connection) {
     ucred peer{};
     socklen_t size = sizeof peer;
@@ -65,18 +83,19 @@ SwipeSocket::SwipeSocket(QObject* parent) : QObject(parent) {
     listener_ = address.isValid() ? ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0) : -1;
     int reason = errno;
     if (listener_ >= 0) {
-        ::unlink(address.path());
         const mode_t before = ::umask(0177);
-        const bool isBound = ::bind(listener_, address.get(), SocketAddress::size()) == 0;
+        const bool isListening = takeAddress(listener_, address) && ::listen(listener_, 1) == 0;
+        reason = errno;
         ::umask(before);
-        if (!isBound || ::listen(listener_, 1) != 0) {
-            reason = errno;
+        if (!isListening) {
             ::close(listener_);
             listener_ = -1;
         }
     }
     if (listener_ < 0) {
-        trace(u"card reader: no swipe socket: %1"_s.arg(QString::fromLocal8Bit(std::strerror(reason))));
+        trace(u"card reader: no swipe socket: %1"_s.arg(
+            reason == EADDRINUSE ? u"another terminal on this device folder has it"_s
+                                 : QString::fromLocal8Bit(std::strerror(reason))));
         return;
     }
     path_ = device::folder() + u'/' + QLatin1StringView(kSocketName);

@@ -16,7 +16,8 @@ class SwipeSocket : public QObject {
     Q_OBJECT
 
   public:
-    /// Listens in the device folder. A socket that cannot be made is traced; the terminal then runs without.
+    /// Listens in the device folder. A socket that cannot be made, or that another terminal has, is traced;
+    /// the terminal then runs without.
     explicit SwipeSocket(QObject* parent = nullptr);
     ~SwipeSocket() override;
 
