@@ -5,6 +5,7 @@
 #include <QObject>
 
 #include "platform/termdev/PaperLine.h"
+#include "platform/termdev/PaperRoll.h"
 
 namespace desk {
 
@@ -16,7 +17,7 @@ class RollFollower : public QObject {
     explicit RollFollower(QObject* parent = nullptr);
 
     /// The paper printed before, at most the last 64 KiB of roll.txt. Call once; what comes later is
-    /// signalled.
+    /// signalled, also when the roll turns over.
     QList<platform::termdev::PaperLine> earlierPaper();
 
   Q_SIGNALS:
@@ -27,8 +28,7 @@ class RollFollower : public QObject {
     void look();
 
     QFileSystemWatcher watcher_;
-    qint64 read_ = 0;   ///< Bytes of roll.txt that have been read.
-    quint64 file_ = 0;  ///< Its number in the file system; 0 while there is none.
+    platform::termdev::RollReader roll_;
 };
 
 }  // namespace desk

@@ -21,7 +21,6 @@
 #include "platform/termdev/CardReader.h"
 #include "platform/termdev/DemoCards.h"
 #include "platform/termdev/PaperLine.h"
-#include "platform/termdev/PaperRoll.h"
 #include "rovana-play/Approval.h"
 #include "rovana-play/DatabaseReader.h"
 #include "rovana-play/Reach.h"
@@ -236,13 +235,12 @@ Pilot::Pilot(Script script, Options options, QObject* parent)
 Pilot::~Pilot() = default;
 
 void Pilot::start() {
-    rollStart_ = platform::termdev::rollText().size();
+    tear();
     while (current_ < script_.steps.size() && needsNoScreen(script_.steps[current_].command)) {
         const Attempt head = attempt(script_.steps[current_]);
         ++current_;
         if (head.act) head.act();
     }
-    waiting_.start();
     timer_.start(options_.paceMs);
 }
 
@@ -262,6 +260,8 @@ void Pilot::poll() {
     }
     // Before the step, because it may open a dialog and come back only when that is closed.
     timer_.start(kPollMs);
+    // Not before: a busy machine, or the step before this one, may take longer than any patience.
+    if (!waiting_.isValid()) waiting_.start();
     const Step step = script_.steps[current_];
     const Attempt tried = attempt(step);
     if (!tried.problem.isEmpty()) {
@@ -276,7 +276,7 @@ void Pilot::poll() {
 
 void Pilot::advance() {
     ++current_;
-    waiting_.restart();
+    waiting_.invalidate();
     timer_.start(qMax(kPollMs, options_.paceMs));
 }
 
@@ -348,7 +348,7 @@ Attempt Pilot::attempt(const Step& step) {
         case Command::ExpectRoll:
             return compareRoll(step);
         case Command::Tear:
-            return ready([this] { rollStart_ = platform::termdev::rollText().size(); });
+            return ready([this] { tear(); });
         case Command::Host:
             return {{}, [this, options = textOf(step)] {
                         return cardHost_.start(QProcess::splitCommand(options));
@@ -371,8 +371,14 @@ Attempt Pilot::attempt(const Step& step) {
     return {};
 }
 
-QString Pilot::rollSoFar() const {
-    return platform::termdev::rollText().mid(rollStart_);
+QString Pilot::rollSoFar() {
+    paper_ += QString::fromUtf8(roll_.read());
+    return paper_;
+}
+
+void Pilot::tear() {
+    roll_.read();
+    paper_.clear();
 }
 
 Attempt Pilot::compareRoll(const Step& step) {

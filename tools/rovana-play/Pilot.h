@@ -6,6 +6,7 @@
 #include <QTimer>
 #include <functional>
 
+#include "platform/termdev/PaperRoll.h"
 #include "rovana-play/CardHost.h"
 #include "rovana-play/Script.h"
 
@@ -60,15 +61,17 @@ class Pilot : public QObject {
     void saveShot(const QString& name);
     Attempt savePaper(const QString& name);
     QString nextPicture(const QString& name);
-    QString rollSoFar() const;
+    QString rollSoFar();
+    void tear();
 
     Script script_;
     Options options_;
     CardHost cardHost_;
     QTimer timer_;
-    QElapsedTimer waiting_;  ///< Since the step at hand came up.
+    QElapsedTimer waiting_;  ///< Since the first look at the step at hand; invalid before.
     qsizetype current_ = 0;
-    qsizetype rollStart_ = 0;  ///< Characters of the roll that are not this play's, or torn off.
+    platform::termdev::RollReader roll_;
+    QString paper_;  ///< What this play printed and has not torn off.
     int shots_ = 0;
     bool isClosing_ = false;
     QString failure_;

@@ -1,9 +1,12 @@
 #include "platform/termdev/PaperRoll.h"
 
+#include <sys/stat.h>
+
 #include <QFile>
 #include <QImage>
 #include <QPainter>
 #include <QSaveFile>
+#include <algorithm>
 
 #include "platform/Device.h"
 #include "platform/Trace.h"
@@ -62,6 +65,24 @@ bool writePicture(const QList<PaperLine>& lines) {
     return file.open(QIODevice::WriteOnly) && strip.save(&file, "PNG", kQuickCompression) && file.commit();
 }
 
+/// Opens the file for reading; its number in the file system, 0 when it is not there.
+quint64 openNumbered(QFile& file) {
+    struct stat known {};
+    const bool isOpen = file.open(QIODevice::ReadOnly) && ::fstat(file.handle(), &known) == 0;
+    return isOpen ? known.st_ino : 0;
+}
+
+/// The whole lines from `*place` on, which moves behind them. One that is not written to its end yet waits.
+QByteArray readLines(QFile& file, qint64 most, qint64* place) {
+    const qint64 start = std::max(*place, file.size() - most);
+    const bool isCut = start > *place;
+    file.seek(start);
+    QByteArray bytes = file.readAll();
+    bytes.truncate(bytes.lastIndexOf('\n') + 1);
+    *place = start + bytes.size();
+    return isCut ? bytes.sliced(bytes.indexOf('\n') + 1) : bytes;
+}
+
 }  // namespace
 
 bool PaperRoll::putOut(const QList<PaperLine>& lines) {
@@ -75,6 +96,22 @@ bool PaperRoll::putOut(const QList<PaperLine>& lines) {
 QString rollText() {
     QFile file(textFile());
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+QByteArray RollReader::read(qint64 most) {
+    QByteArray bytes;
+    QFile file(textFile());
+    const quint64 number = openNumbered(file);
+    if (number != file_) {
+        // What came before the roll turned over.
+        QFile older(olderTextFile());
+        if (file_ != 0 && openNumbered(older) == file_) bytes = readLines(older, most, &read_);
+        file_ = number;
+        read_ = 0;
+    }
+    if (number == 0) return bytes;
+    if (file.size() < read_) read_ = 0;
+    return bytes + readLines(file, most, &read_);
 }
 
 void resetRoll() {

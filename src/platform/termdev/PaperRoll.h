@@ -1,7 +1,9 @@
 #pragma once
 
+#include <QByteArray>
 #include <QList>
 #include <QString>
+#include <limits>
 
 #include "platform/termdev/LinePrinter.h"
 
@@ -27,6 +29,19 @@ class PaperRoll : public LinePrinter {
 
 /// The paper printed so far, as text; empty for none.
 QString rollText();
+
+/// Reads on in the paper's text as it is printed, also where roll.txt turns over.
+class RollReader {
+  public:
+    /// The whole lines that came since the last call, UTF-8; at the first call those of roll.txt. Of more
+    /// than `most` bytes of one file the end.
+    QByteArray read(qint64 most = std::numeric_limits<qint64>::max());
+
+  private:
+    quint64 file_ =
+        0;  ///< The number in the file system of the roll.txt that was read; 0 before there is one.
+    qint64 read_ = 0;  ///< Bytes of it.
+};
 
 /// Tears the paper off: removes roll.txt, the one before it, and roll.png.
 void resetRoll();
