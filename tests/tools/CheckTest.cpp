@@ -85,11 +85,13 @@ TEST_F(CheckTest, NamesFaultsOfTheFolder) {
          u"others may read"_s},
         {[&] { writeFile(u"My Documents/GARAE.RVN.rejected"_s, "1\n"); }, u"GARAE.RVN.rejected"_s, false},
         {[&] { writeFile(u"My Documents/rvnclient.cdb.new"_s, "x"); }, u"a restore that was stopped"_s},
-        {[&] { writeFile(u"My Documents/rvnclient.cdb.a7Xk2Q"_s, "x"); }, u"a restore that was stopped"_s},
+        {[&] { writeFile(u"My Documents/rvnclient.cdb.unfinished-a7Xk2Q"_s, "x"); },
+         u"a restore that was stopped"_s},
     };
     for (const auto& [spoil, wrong, isMended] : cases) {
         QDir(documents).removeRecursively();
         makeDevice();
+        writeFile(u"My Documents/rvnclient.cdb.backup"_s, "the administrator's");
         ASSERT_EQ(run({u"check"_s}).exitCode, admin::kSuccess);
         spoil();
         expectFinding(wrong);
@@ -98,6 +100,7 @@ TEST_F(CheckTest, NamesFaultsOfTheFolder) {
         const Ended again = run({u"check"_s});
         EXPECT_EQ(again.exitCode, isMended ? admin::kSuccess : admin::kFailure) << narrow(wrong);
         EXPECT_FALSE(again.out.contains(u"YTEMP"_s));
+        EXPECT_TRUE(QFile::exists(documents + u"rvnclient.cdb.backup"_s));
     }
 }
 

@@ -187,13 +187,13 @@ QString rebuildIndexes(SqliteFile& database, const QString& path, Findings& find
                             : u"it is not an index alone that is damaged (%1); %2"_s.arg(damage, renewal());
 }
 
-/// Databases that were being made when their maker was stopped. One that was replaced and kept has a longer
-/// name.
+/// Databases that were being made when their maker was stopped. Every other file beside the database is
+/// somebody's copy.
 void checkLeftovers(const QString& path, Findings& findings) {
     const QFileInfo database(path);
     const QString name = database.fileName();
     for (const QFileInfo& left : database.dir().entryInfoList(
-             {name % u".new"_s, name % u".restored"_s, name % u".??????"_s}, QDir::Files)) {
+             {name % u".new"_s, name % u".restored"_s, name % u"*.unfinished-??????"_s}, QDir::Files)) {
         findings.add(
             u"%1 is left from an init or a restore that was stopped"_s.arg(left.filePath()), repairCommand(),
             [left] { return QFile::remove(left.filePath()) ? QString() : u"it cannot be deleted"_s; });

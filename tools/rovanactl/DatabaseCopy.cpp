@@ -35,7 +35,7 @@ QString folderOf(const QString& path) {
 class Unfinished {
   public:
     explicit Unfinished(const QString& place) : place_(place) {
-        QByteArray name = QFile::encodeName(place) + ".XXXXXX";
+        QByteArray name = QFile::encodeName(place) + ".unfinished-XXXXXX";
         const int descriptor = ::mkostemp(name.data(), O_CLOEXEC);
         if (descriptor < 0) {
             error_ = u"no file can be made in %1: %2"_s.arg(folderOf(place), systemReason());

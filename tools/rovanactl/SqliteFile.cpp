@@ -62,8 +62,9 @@ std::optional<QList<QStringList>> SqliteFile::rows(const QString& statement, con
 bool SqliteFile::copyFrom(SqliteFile& source) {
     sqlite3_backup* copy = sqlite3_backup_init(handle_.get(), "main", source.handle_.get(), "main");
     if (copy == nullptr) return false;
-    sqlite3_backup_step(copy, -1);
-    return sqlite3_backup_finish(copy) == SQLITE_OK;
+    // Finishing reports no step that had to wait for a lock in vain.
+    const bool isWhole = sqlite3_backup_step(copy, -1) == SQLITE_DONE;
+    return sqlite3_backup_finish(copy) == SQLITE_OK && isWhole;
 }
 
 SqliteFile::Lock SqliteFile::lock() {
