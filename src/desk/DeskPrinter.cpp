@@ -40,9 +40,10 @@ DeviceStatus DeskPrinter::status() const {
 bool DeskPrinter::putOut(const QList<PaperLine>& lines) {
     QByteArray job;
     for (const PaperLine& line : lines) job += paperText(line).toUtf8() + '\n';
-    if (!fault_.isEmpty()) return spool_.add(job);
-    printWaiting();
-    return printOnRoll(job);
+    if (fault_.isEmpty()) printWaiting();
+    // Behind those that the roll did not take either.
+    if (spool_.count() > 0 || !fault_.isEmpty()) return spool_.add(job);
+    return printOnRoll(job) || spool_.add(job);
 }
 
 bool DeskPrinter::printOnRoll(const QByteArray& job) {

@@ -108,6 +108,8 @@ StatusStrip::StatusStrip(const platform::Settings& settings, QWidget* parent)
     printerGone_->setAccessibleName(u"프린터 꺼짐 Printer gone"_s);
     hostSilent_->setAccessibleName(u"호스트 응답 없음 Host silent"_s);
     hostSilent_->setEnabled(isDemoHost());
+    // A desk that was killed ended its fault no more.
+    if (hostSilent_->isEnabled()) setHostSilent(false);
     hostSilent_->setToolTip(hostSilent_->isEnabled()
                                 ? u"호스트가 답하지 않습니다 The host answers nothing"_s
                                 : u"시연용 호스트가 아닙니다 Not the demonstration host"_s);

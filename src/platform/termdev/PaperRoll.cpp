@@ -88,9 +88,9 @@ QByteArray readLines(QFile& file, qint64 most, qint64* place) {
 bool PaperRoll::putOut(const QList<PaperLine>& lines) {
     const bool isTextWritten = writeText(lines, limit_);
     if (!isTextWritten) trace(u"the paper roll's text could not be written");
-    const bool isPictureWritten = !hasFonts() || writePicture(lines);
-    if (!isPictureWritten) trace(u"the paper roll's picture could not be written");
-    return isTextWritten && isPictureWritten;
+    if (hasFonts() && !writePicture(lines)) trace(u"the paper roll's picture could not be written");
+    // The text is the paper: a job that is in it must not come out again for a picture's sake.
+    return isTextWritten;
 }
 
 QString rollText() {
