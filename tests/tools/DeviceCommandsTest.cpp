@@ -32,6 +32,9 @@ TEST_F(DeviceCommandsTest, ListTryAndReadTheDevices) {
 
     configure(printer);
     EXPECT_EQ(run({u"devices"_s}).exitCode, admin::kSuccess);
+    const QString noFolder = writeFile(u"spool"_s, {});
+    EXPECT_EQ(run({u"print-test"_s}).exitCode, admin::kFailure) << "the page is nowhere";
+    QFile::remove(noFolder);
     EXPECT_EQ(run({u"print-test"_s}).exitCode, admin::kSuccess);
     const QByteArray page = readFile(printer);
     EXPECT_TRUE(page.startsWith("\x1B@\x1C&\x1D!\x11")) << page.left(16).toHex(' ').constData();

@@ -9,15 +9,17 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <memory>
 #include <optional>
 
+#include "platform/Device.h"
 #include "platform/Settings.h"
 #include "platform/termdev/CardReader.h"
 #include "platform/termdev/DeviceLine.h"
 #include "platform/termdev/Devices.h"
 #include "platform/termdev/PrintSpool.h"
-#include "platform/termdev/TermDev.h"
-#include "print/PrintJob.h"
+#include "platform/termdev/Printer.h"
+#include "print/Document.h"
 #include "rovanactl/Command.h"
 
 namespace admin {
@@ -125,21 +127,34 @@ print::Document testPage() {
     return page;
 }
 
+/// Prints the page and tells whether the printer took or kept it, which no print job of the screens learns.
+bool print(const print::Document& page, Printer& printer) {
+    printer.open();
+    printer.initialise();
+    printer.setSize(4);
+    printer.print(page.title());
+    printer.setSize(0);
+    for (const QString& line : page.lines()) printer.print(line);
+    printer.feed(2);
+    return printer.close() == 1;
+}
+
 Outcome printTest(const Invocation& call) {
     const platform::Settings settings = platform::readSettings();
     tellComplaints(settings, call.err);
-    setPrinter(makePrinter(settings));
-    print::printDocument(testPage());
+    const std::unique_ptr<Printer> printer = makePrinter(settings);
+    if (!print(testPage(), *printer)) {
+        return failure(u"the page cannot be written below %1; is its disk full, and the folder yours?"_s.arg(
+            platform::device::folder()));
+    }
     QEventLoop loop;
-    const auto look = [&loop] {
-        if (printerStatus().state == DeviceStatus::State::Ready) loop.quit();
-    };
-    setStatusObserver(look);
+    setStatusObserver([&] {
+        if (printer->status().state == DeviceStatus::State::Ready) loop.quit();
+    });
     QTimer::singleShot(kPrintMilliseconds, &loop, &QEventLoop::quit);
-    if (printerStatus().state != DeviceStatus::State::Ready) loop.exec();
+    if (printer->status().state != DeviceStatus::State::Ready) loop.exec();
     setStatusObserver({});
-    const DeviceStatus status = printerStatus();
-    setPrinter(nullptr);
+    const DeviceStatus status = printer->status();
     if (status.state == DeviceStatus::State::Ready) {
         call.out << u"the page is out\n"_s;
         return {};
