@@ -203,8 +203,7 @@ bool PrintQueue::isGone() {
         tcp_info info{};
         socklen_t size = sizeof info;
         ::getsockopt(line_, IPPROTO_TCP, TCP_INFO, &info, &size);
-        // One that took no more and then went leaves the probes for it unanswered.
-        if (sent_ == 0 || std::max(info.tcpi_retransmits, info.tcpi_probes) >= kLostRepetitions) {
+        if (sent_ == 0 || info.tcpi_retransmits >= kLostRepetitions) {
             fail(u"no answer from "_s + settings_.address);
             return true;
         }
