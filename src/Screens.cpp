@@ -25,6 +25,7 @@
 #include "totals/TotalsDlg.h"
 #include "ui/Terminal.h"
 #include "van/CardDlg.h"
+#include "van/PaymentCheckDlg.h"
 
 namespace {
 
@@ -62,6 +63,7 @@ constexpr Entry kScreens[] = {
     {dialogs::kCollectionEntry, make<collect::CCollectionEntryDlg>},
     {dialogs::kTotals, make<totals::CTotalsDlg>},
     {dialogs::kReport, make<totals::CReportDlg>},
+    {dialogs::kPaymentCheck, make<van::CPaymentCheckDlg>},
 };
 
 }  // namespace

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
+#include "app/Login.h"
 #include "app/PrintLog.h"
 #include "db/Query.h"
 #include "platform/Clock.h"
@@ -57,6 +59,9 @@ constexpr db::Statement<
 constexpr db::Statement<
     u"SELECT JunNo FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' ORDER BY PCode DESC">
     kSalesSlip;
+constexpr db::Statement<
+    u"SELECT GCode FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode <> '%s'">
+    kOthersSalesSlip;
 constexpr db::Statement<u"SELECT CJMoney FROM GARAE WHERE GCode= '%s'"> kReceivable;
 constexpr db::Statement<u"UPDATE GARAE SET CJMoney = '%s' WHERE GCode = '%s'"> kMoveReceivable;
 
@@ -75,9 +80,8 @@ constexpr std::array kAmounts{
 constexpr int kColumns = kTextColumns + int(kAmounts.size());  ///< Without the approval's two.
 static_assert(kTexts.size() == kTextColumns && decltype(kInsert)::kValues == kColumns);
 
-CollectionSlip slipOf(db::CVORecordset& row) {
+CollectionSlip slipOf(db::CVORecordset& row, int column = 0) {
     CollectionSlip slip;
-    int column = 0;
     for (const auto text : kTexts) slip.*text = row.GetFieldString(column++);
     for (const auto amount : kAmounts) slip.*amount = parseWon(row.GetFieldString(column++));
     return slip;
@@ -86,12 +90,7 @@ CollectionSlip slipOf(db::CVORecordset& row) {
 /// The rows of a SELECT of the whole table; nothing when they broke off.
 std::optional<QList<CollectionSlip>> allRows(const db::Sql& select) {
     QList<CollectionSlip> slips;
-    const int count = db::forEachRow(select, [&](db::CVORecordset& row) {
-        CollectionSlip slip = slipOf(row);
-        slip.MSGSENDTIME = row.GetFieldString(kColumns);
-        slip.BANKTRANNO = row.GetFieldString(kColumns + 1);
-        slips << slip;
-    });
+    const int count = db::forEachRow(select, [&](db::CVORecordset& row) { slips << readCollection(row, 0); });
     return count < 0 ? std::nullopt : std::optional(slips);
 }
 
@@ -104,13 +103,7 @@ QList<CollectionSlip> wholeRows(const db::Sql& select) {
 struct RowTexts {
     std::array<QString, kColumns + 2> texts;
 
-    explicit RowTexts(const CollectionSlip& slip) {
-        std::size_t column = 0;
-        for (const auto text : kTexts) texts[column++] = slip.*text;
-        for (const auto amount : kAmounts) texts[column++] = formatWon(slip.*amount);
-        texts[column++] = slip.MSGSENDTIME;
-        texts[column] = slip.BANKTRANNO;
-    }
+    explicit RowTexts(const CollectionSlip& slip) : texts(columnTexts(slip)) {}
 
     template <std::size_t Columns>
     std::array<QStringView, Columns> values() const {
@@ -142,11 +135,37 @@ bool isSameSlip(const QList<CollectionSlip>& rows, CollectionSlip slip) {
     return rows.first() == slip;
 }
 
+/// True when `row` is what `slip` was before its approval, but for the time of saving.
+bool isUnapproved(CollectionSlip row, const CollectionSlip& slip) {
+    row.DTime = slip.DTime;
+    row.MSGSENDTIME = slip.MSGSENDTIME;
+    row.BANKTRANNO = slip.BANKTRANNO;
+    return row == slip;
+}
+
 QString timeOfSaving() {
     return platform::clock::now().toString(u"HH:mm"_s);
 }
 
 }  // namespace
+
+std::array<QString, kCollectionColumns> columnTexts(const CollectionSlip& slip) {
+    static_assert(kCollectionColumns == kColumns + 2);
+    std::array<QString, kCollectionColumns> texts;
+    std::size_t column = 0;
+    for (const auto text : kTexts) texts[column++] = slip.*text;
+    for (const auto amount : kAmounts) texts[column++] = formatWon(slip.*amount);
+    texts[column++] = slip.MSGSENDTIME;
+    texts[column] = slip.BANKTRANNO;
+    return texts;
+}
+
+CollectionSlip readCollection(db::CVORecordset& row, int firstColumn) {
+    CollectionSlip slip = slipOf(row, firstColumn);
+    slip.MSGSENDTIME = row.GetFieldString(firstColumn + kColumns);
+    slip.BANKTRANNO = row.GetFieldString(firstColumn + kColumns + 1);
+    return slip;
+}
 
 void CollectionSlip::setAmounts(const SettlementAmounts& amounts, Won crateDeposit) {
     MMoney = amounts.sales;
@@ -193,10 +212,11 @@ Won CollectionSlip::cashTaken() const {
     return isSettledByRecovery ? Won() : WonMoney + MisuInMoney;
 }
 
-bool saveCollection(const CollectionSlip& entered) {
+bool saveCollection(const CollectionSlip& entered, std::optional<CollectionSlip>* before) {
     db::Transaction transaction;
     const auto rows = [&] { return wholeRows(kOwn(entered.DDate, entered.JunNo, entered.UserID)); };
     const QList<CollectionSlip> replaced = rows();
+    if (before) *before = replaced.isEmpty() ? std::nullopt : std::optional(replaced.first());
     CollectionSlip slip = entered;
     slip.Gubun =
         (db::hasRow(kSalesSlip(slip.DDate, slip.JunNo, slip.UserID)) ? kCollectionOfSale : kCollectionAlone)
@@ -204,13 +224,13 @@ bool saveCollection(const CollectionSlip& entered) {
     slip.DTime = timeOfSaving();
     slip.MSGSENDTIME.clear();
     slip.BANKTRANNO.clear();
-    for (const CollectionSlip& before : replaced) {
-        if (before.isSimplePayment()) slip.Gubun = before.Gubun;
-        if (!before.isApproved()) continue;
+    for (const CollectionSlip& row : replaced) {
+        if (row.isSimplePayment()) slip.Gubun = row.Gubun;
+        if (!row.isApproved()) continue;
         // One row has no room for two approvals.
         if (slip.isApproved()) return false;
-        slip.MSGSENDTIME = before.MSGSENDTIME;
-        slip.BANKTRANNO = before.BANKTRANNO;
+        slip.MSGSENDTIME = row.MSGSENDTIME;
+        slip.BANKTRANNO = row.BANKTRANNO;
     }
 
     transaction.connection().Execute(kDeleteOwn(slip.DDate, slip.JunNo, slip.UserID));
@@ -228,6 +248,17 @@ bool saveCollection(const CollectionSlip& entered) {
     }
     return takeReceivablesBack(transaction, replaced) &&
            moveReceivable(transaction, slip.GCode, slip.receivableEffect()) && transaction.commit();
+}
+
+std::optional<CollectionSlip>& replacedCollection() {
+    static std::optional<CollectionSlip> replaced;
+    return replaced;
+}
+
+bool takeBackCollection(QStringView date, QStringView junNo, QStringView userId) {
+    const std::optional<CollectionSlip> before = std::exchange(replacedCollection(), std::nullopt);
+    const bool isIts = before && before->DDate == date && before->JunNo == junNo && before->UserID == userId;
+    return isIts ? saveCollection(*before) : removeCollection(date, junNo, userId);
 }
 
 bool removeCollection(QStringView date, QStringView junNo, QStringView userId) {
@@ -280,26 +311,44 @@ std::optional<QList<CollectionSlip>> approvedSlips(QStringView first, QStringVie
     return allRows(kApproved(first, last));
 }
 
-bool recordApproval(QStringView date, QStringView junNo, QStringView userId, QStringView transactionNumber,
-                    QStringView sentTime) {
-    db::Transaction transaction;
-    transaction.connection().Execute(kApprove(sentTime, transactionNumber, date, junNo, userId));
-    transaction.connection().Execute(kMarkPaid(date, junNo, userId));
-    const std::optional<CollectionSlip> slip = loadCollection(date, junNo, userId);
-    return slip && slip->BANKTRANNO == transactionNumber && slip->MSGSENDTIME == sentTime &&
-           transaction.commit();
-}
-
-bool saveSimplePayment(const CollectionSlip& paid) {
-    db::Transaction transaction;
-    CollectionSlip slip = paid;
-    slip.Gubun = kSimplePaymentSlip.toString();
-    slip.DTime = timeOfSaving();
+std::optional<CollectionSlip> putApproved(db::Transaction& transaction, const CollectionSlip& approved) {
+    CollectionSlip slip = approved;
     const auto rows = [&] { return wholeRows(kOwn(slip.DDate, slip.JunNo, slip.UserID)); };
-    const qsizetype before = rows().size();
-    transaction.connection().Execute(kInsertApproved(RowTexts(slip).values<kColumns + 2>()));
-    const QList<CollectionSlip> after = rows();
-    return after.size() == before + 1 && after.contains(slip) && transaction.commit();
+    QList<CollectionSlip> before = rows();
+    const auto isOthers = [&](const CollectionSlip& row) {
+        return row.GCode != slip.GCode || row.isApproved() || row.isSimplePayment();
+    };
+    // A number is given anew once its slip is deleted.
+    if (!slip.isSimplePayment() &&
+        (std::ranges::any_of(before, isOthers) ||
+         db::hasRow(kOthersSalesSlip(slip.DDate, slip.JunNo, slip.UserID, slip.GCode)))) {
+        slip.JunNo = nextSimplePaymentNumber(slip.DDate);
+        slip.Gubun = kCollectionAlone.toString();
+        before = rows();
+    }
+    const bool isThere = !slip.isSimplePayment() && before.size() == 1 && isUnapproved(before.first(), slip);
+    const bool replaces = !isThere && !slip.isSimplePayment();
+    if (isThere) {
+        slip.DTime = before.first().DTime;
+        transaction.connection().Execute(
+            kApprove(slip.MSGSENDTIME, slip.BANKTRANNO, slip.DDate, slip.JunNo, slip.UserID));
+    } else {
+        slip.DTime = timeOfSaving();
+        // A simple payment stays beside another of its number: each holds an approval of its own.
+        if (replaces) transaction.connection().Execute(kDeleteOwn(slip.DDate, slip.JunNo, slip.UserID));
+        transaction.connection().Execute(kInsertApproved(RowTexts(slip).values<kColumns + 2>()));
+    }
+    const QList<CollectionSlip> expected =
+        slip.isSimplePayment() ? before + QList<CollectionSlip>{slip} : QList<CollectionSlip>{slip};
+    if (!slip.isApproved() || rows() != expected) return std::nullopt;
+    if (replaces && (!forgetPrints(transaction, Paper::CollectionSlip, slip.DDate, slip.JunNo, slip.UserID) ||
+                     !takeReceivablesBack(transaction, before) ||
+                     !moveReceivable(transaction, slip.GCode, slip.receivableEffect()))) {
+        return std::nullopt;
+    }
+    if (!slip.isSimplePayment() && !transaction.run(kMarkPaid(slip.DDate, slip.JunNo, slip.UserID)))
+        return std::nullopt;
+    return slip;
 }
 
 Won receivable(QStringView gCode) {

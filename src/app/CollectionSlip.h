@@ -3,11 +3,13 @@
 #include <QList>
 #include <QString>
 #include <QStringView>
+#include <array>
 #include <optional>
 
 #include "app/Transaction.h"
 #include "db/Rows.h"
 #include "db/Transaction.h"
+#include "db/VORecordset.h"
 #include "platform/Won.h"
 
 /// The collection slips, in `MTMOK`, and the customers' receivables that move with them. A change of both is
@@ -65,13 +67,30 @@ struct CollectionSlip {
     friend bool operator==(const CollectionSlip&, const CollectionSlip&) = default;
 };
 
+inline constexpr int kCollectionColumns = 22;
+
+/// The slip's columns in the table's order, amounts in decimal digits.
+std::array<QString, kCollectionColumns> columnTexts(const CollectionSlip& slip);
+
+/// The slip whose columns stand in a row in that order, from `firstColumn` on.
+CollectionSlip readCollection(db::CVORecordset& row, int firstColumn);
+
 /// Replaces the slip of that date, number and user, and moves the customer's receivable from what the
 /// replaced row had made of it to what this one makes. `Gubun` is "매출" when MTM has the sales slip of that
 /// date, number and user, else "입금"; a simple payment that is corrected stays one. `DTime` is the clock's.
 /// An approval that the replaced row carries stays on the slip; the slip's own last two columns are not
 /// looked at. The prints of a slip that changes are forgotten. False when the slip did not get in (disk full,
 /// a single quote in a text, several approvals under its number): slip and receivable are then as before.
-bool saveCollection(const CollectionSlip& slip);
+/// `before` receives the row that it replaces, nothing where there was none.
+bool saveCollection(const CollectionSlip& slip, std::optional<CollectionSlip>* before = nullptr);
+
+/// The row that the entry of a collection has replaced last, for the way back out of its payment; nothing
+/// when it has replaced none.
+std::optional<CollectionSlip>& replacedCollection();
+
+/// Takes the entry of a collection back whose payment is given up: puts replacedCollection() back, or without
+/// one of that date, number and user deletes the row. Results as for saveCollection and removeCollection.
+bool takeBackCollection(QStringView date, QStringView junNo, QStringView userId);
 
 /// Deletes the user's slip of that date and number and takes its receivable back. True also when there was
 /// none; false when the database did not take the change, and then nothing is.
@@ -102,16 +121,14 @@ std::optional<QList<CollectionSlip>> slipsOfDay(QStringView date, QStringView us
 /// "yyyyMMddHHmmss" and included, by number and time; nothing when they could not be read to the end.
 std::optional<QList<CollectionSlip>> approvedSlips(QStringView first, QStringView last);
 
-/// Writes an approval on the collection slip, replacing an earlier one, and makes the sales slip of the same
-/// date, number and user "결제", both or neither, safe on disk on return. `sentTime` is kept as it stands in
-/// MSGSENDTIME. True only when it lasts; false also when there is no such collection slip.
-bool recordApproval(QStringView date, QStringView junNo, QStringView userId, QStringView transactionNumber,
-                    QStringView sentTime);
-
-/// Adds the slip of an approved simple payment with all its columns, as "단순결제" with the clock's time,
-/// safe on disk on return. A row of the same number stays: each holds an approval of its own. True only when
-/// it lasts. The receivable does not move.
-bool saveSimplePayment(const CollectionSlip& slip);
+/// Puts the slip of an approved payment into MTMOK as part of `transaction`, its last two columns included,
+/// and makes the sales slip of the same date, number and user "결제". The row that is there without the
+/// approval gets it, or is replaced where it says something else; the receivable moves as when it is saved. A
+/// simple payment, which does not move it, is added to what is there. Where the number is another customer's
+/// or carries another approval, the slip comes in under the next number from 7001 on. Returns the slip as it
+/// stands. After nothing, when the database did not take it, the transaction must not be committed.
+[[nodiscard]] std::optional<CollectionSlip> putApproved(db::Transaction& transaction,
+                                                        const CollectionSlip& slip);
 
 /// The customer's receivable balance, `CJMoney`, in won; 0 for a customer who is not there.
 platform::Won receivable(QStringView gCode);

@@ -24,5 +24,6 @@ inline constexpr int kCard = 449;
 inline constexpr int kCollectionEntry = 450;
 inline constexpr int kTotals = 457;
 inline constexpr int kReport = 458;
+inline constexpr int kPaymentCheck = 459;
 
 }  // namespace app::dialogs

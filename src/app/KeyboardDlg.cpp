@@ -45,9 +45,14 @@ CKeyboardDlg::CKeyboardDlg() : Screen(dialogs::kKeypad), keypad_(keypadRequest()
     addKeys();
     hideByMode();
     refresh();
+    keypadRequest().StartAnew = [this] {
+        keypad_.clear();
+        refresh();
+    };
 }
 
 CKeyboardDlg::~CKeyboardDlg() {
+    keypadRequest().StartAnew = {};
     // The displays may have shown a password.
     for (const FieldRow& row : kRows) setText(row.display, {});
 }

@@ -13,6 +13,7 @@
 #include "app/KeypadRequest.h"
 #include "app/Login.h"
 #include "app/LoginWait.h"
+#include "app/PaymentJournal.h"
 #include "app/Session.h"
 #include "db/ImportFile.h"
 #include "platform/Clock.h"
@@ -203,6 +204,8 @@ void CRovanaDlg::answerLogin() {
         session().ImportPending = db::isImportWaiting() ? u"Y"_s : u"N"_s;
     }
     if (session().ImportPending == u"Y") ui::runScreen(dialogs::kImport);
+    // After the import, which brings the balances that a payment found approved then moves.
+    if (hasUnsettledPayments()) ui::runScreen(dialogs::kPaymentCheck);
 }
 
 void CRovanaDlg::showMenu() {

@@ -9,9 +9,11 @@
 #include "app/CollectionSlip.h"
 #include "app/Dialogs.h"
 #include "app/KeypadRequest.h"
+#include "app/PaymentJournal.h"
 #include "app/Session.h"
 #include "collect/Settlement.h"
 #include "ui/Messages.h"
+#include "ui/Terminal.h"
 #include "ui/WaitCursor.h"
 
 namespace collect {
@@ -238,6 +240,25 @@ void CCollectionEntryDlg::deletePrevious() {
     showAmounts();
 }
 
+bool CCollectionEntryDlg::isPaymentSettled() {
+    app::SessionValues& session = app::session();
+    const auto isUnsettled = [&] {
+        return app::hasUnsettledPayment(session.WorkDate, session.action.JunNo, session.UserID);
+    };
+    if (!isUnsettled()) return true;
+    ui::runScreen(app::dialogs::kPaymentCheck);
+    if (isUnsettled()) {
+        ui::message(app::kPaymentUnsettled.toString());
+        return false;
+    }
+    const auto last = app::lastPayment(session.WorkDate, session.action.JunNo, session.UserID);
+    if (!last || last->state != app::PaymentState::Approved) return true;
+    // The visit is paid already, by what the card was charged then.
+    session.SlipDone = 1;
+    close(Accepted);
+    return false;
+}
+
 void CCollectionEntryDlg::finish() {
     if (nothingToSettle(amounts_)) {
         ui::message(
@@ -249,6 +270,7 @@ void CCollectionEntryDlg::finish() {
             u"같은 번호의 [%1] 입금전표가 있습니다. 전표삭제 후 저장하세요..!"_s.arg(*otherCustomer_));
         return;
     }
+    if (!isPaymentSettled()) return;
     const app::SessionValues& session = app::session();
     app::CollectionSlip slip;
     slip.DDate = session.WorkDate;
@@ -260,7 +282,7 @@ void CCollectionEntryDlg::finish() {
     bool isSaved = false;
     {
         const ui::WaitCursor wait;
-        isSaved = app::saveCollection(slip);
+        isSaved = app::saveCollection(slip, &app::replacedCollection());
     }
     // Without its row an approval would have no place, so the way to the card ends here.
     if (!isSaved) {

@@ -25,6 +25,9 @@ class CCollectionEntryDlg : public ui::Screen {
     void settle(void (*rule)(app::SettlementAmounts&));
     void keyEarlierReceivable();
     void deletePrevious();
+    /// Asks what became of a payment of this slip that was not answered. False when that stays open, or when
+    /// it was approved, which ends the visit.
+    bool isPaymentSettled();
     void finish();
     /// After every change: the card of an approved collection keeps its amount.
     void holdApprovedCard();

@@ -43,6 +43,12 @@ constexpr Columns<16> kDayClose{u"DDate",        u"UserID",      u"ClosedAt",   
                                 u"Bottles",      u"CratesBack",  u"BottlesBack", u"OpenSlips"};
 constexpr Columns<5> kImportLog{u"Path", u"Digest", u"Size", u"Modified", u"LoadedAt"};
 constexpr Columns<6> kPrintLog{u"DDate", u"JunNo", u"UserID", u"Document", u"Copy", u"PrintedAt"};
+// The payment's own columns, then those of the slip that it pays.
+constexpr Columns<27> kPayJournal{
+    u"Number",      u"State",      u"Kind",    u"Charged", u"SettledAt",   u"DDate",     u"Gubun",
+    u"GCode",       u"GName",      u"JunNo",   u"DTime",   u"UserID",      u"MMoney",    u"PMoney",
+    u"BMoney",      u"YMoney",     u"GMoney",  u"YGMoney", u"InMoney",     u"WonMoney",  u"CardMoney",
+    u"MisuInMoney", u"UnderMoney", u"YDMoney", u"GDMoney", u"MSGSENDTIME", u"BANKTRANNO"};
 
 // The working tables hold one slip while it is edited: MTM's first 15 and YTM's first 13 columns.
 constexpr std::array kTables{
@@ -63,6 +69,7 @@ constexpr std::array kTables{
     Table{u"DAYCLOSE", kDayClose, false},
     Table{u"IMPORTLOG", kImportLog},
     Table{u"PRINTLOG", kPrintLog, false},
+    Table{u"PAYJOURNAL", kPayJournal, false},
 };
 
 constexpr std::array kIndexes{
@@ -87,6 +94,10 @@ constexpr std::array kIndexes{
     Index{u"BANKMONEY_DATE", u"BankMoney", u"DDate"},
     Index{u"DAYCLOSE_DAY", u"DAYCLOSE", u"DDate, UserID"},
     Index{u"PRINTLOG_SLIP", u"PRINTLOG", u"DDate, JunNo"},
+    Index{u"PAYJOURNAL_NUMBER", u"PAYJOURNAL", u"Number"},
+    Index{u"PAYJOURNAL_STATE", u"PAYJOURNAL", u"State"},
+    Index{u"PAYJOURNAL_SLIP", u"PAYJOURNAL", u"DDate, JunNo, UserID"},
+    Index{u"PAYJOURNAL_TRANSACTION", u"PAYJOURNAL", u"BANKTRANNO"},
 };
 
 }  // namespace

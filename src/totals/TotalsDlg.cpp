@@ -6,6 +6,7 @@
 
 #include "app/Dialogs.h"
 #include "app/KeypadRequest.h"
+#include "app/PaymentJournal.h"
 #include "app/Session.h"
 #include "platform/Clock.h"
 #include "print/PrintJob.h"
@@ -13,6 +14,7 @@
 #include "totals/DayClose.h"
 #include "totals/ReportDlg.h"
 #include "ui/Messages.h"
+#include "ui/Terminal.h"
 #include "ui/WaitCursor.h"
 
 namespace totals {
@@ -55,6 +57,8 @@ CTotalsDlg::CTotalsDlg() : Screen(app::dialogs::kTotals) {
     addWork(kSummaryButton, u"HOST집계"_s,
             [this] { ask(u"HOST집계요청 중입니다.."_s, [this] { printSummary(); }); });
     addWork(kReconcileButton, u"대사"_s, [this] {
+        // A payment whose outcome is open would be a difference that is none.
+        if (app::hasUnsettledPayments()) ui::runScreen(app::dialogs::kPaymentCheck);
         ask(u"HOST대사요청 중입니다.."_s, [this, day = platform::clock::now().date()] { reconcile(day); });
     });
     addWork(kCloseButton, u"일마감"_s, [this] { closeDay(); });

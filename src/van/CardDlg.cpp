@@ -151,11 +151,37 @@ void CCardDlg::cardSwiped() {
     ReaderTrack(2, &record.track2);
     ReaderTrack(3, &record.track3);
     log_->set(u"주류CARD를 읽었습니다.!"_s);
-    // A second card while the keypad is open replaces the first; the password is being asked already.
-    if (isAskingPassword_) return;
-    isAskingPassword_ = true;
+    // A second card while the keypad is open replaces the first, and what was keyed is not its password.
+    if (isBusyWithCard_) {
+        if (app::keypadRequest().StartAnew) app::keypadRequest().StartAnew();
+        return;
+    }
+    isBusyWithCard_ = true;
+    const bool isFree = app::session().WorkMode == app::kBalanceInquiry || isPaymentFree();
+    if (isFree) askPassword();
+    isBusyWithCard_ = false;
+}
+
+bool CCardDlg::isPaymentFree() {
+    const app::SlipIdentity& slip = app::transactionRecord().slip;
+    if (!app::hasUnsettledPayment(slip.date, slip.junNo, slip.userId)) return true;
+    ui::runScreen(app::dialogs::kPaymentCheck);
+    if (app::hasUnsettledPayment(slip.date, slip.junNo, slip.userId)) {
+        ui::message(app::kPaymentUnsettled.toString());
+        return false;
+    }
+    const auto last = app::lastPayment(slip.date, slip.junNo, slip.userId);
+    isApproved_ = last && last->state == app::PaymentState::Approved;
+    if (isApproved_) {
+        picture_->hide();
+        ReaderEnable(false);
+    }
+    return !isApproved_;
+}
+
+void CCardDlg::askPassword() {
+    app::TransactionRecord& record = app::transactionRecord();
     const bool isEntered = app::askText(u"패스워드"_s);
-    isAskingPassword_ = false;
     const qsizetype length = app::keypadRequest().KeypadValue1.size();
     if (isEntered && length == kPasswordLength)
         record.password.assign(QStringView(app::keypadRequest().KeypadValue1));
@@ -193,7 +219,42 @@ void CCardDlg::send(RequestKind kind, app::RequestType type) {
     sentTime_ = platform::clock::now().toString(u"yyyyMMddHHmmss"_s);
     log_->begin();
     // The failures show with the next event's rewrite of the status box.
-    log_->appendUnseen(sendRequest(component_, kind, record));
+    paymentNumber_.clear();
+    bool isNoted = true;
+    log_->appendUnseen(sendRequest(component_, kind, record, [&](const QString& number) {
+        paymentNumber_ = number;
+        return isNoted = app::notePayment(journalPayment(number));
+    }));
+    if (isNoted) return;
+    paymentNumber_.clear();
+    log_->abandon();
+    picture_->show();
+    ui::message(u"결제기록을 저장하지 못해 결제를 보내지 않았습니다..!"_s);
+}
+
+app::JournalPayment CCardDlg::journalPayment(const QString& number) const {
+    const app::TransactionRecord& record = app::transactionRecord();
+    app::JournalPayment payment;
+    payment.number = number;
+    payment.isCard = record.amounts.card > Won() || record.cardPaymentFlag >= 1;
+    payment.charged = record.amounts.total - record.amounts.containerRecovery;
+    payment.slip = simplePayment();
+    if (isVisit()) {
+        const auto saved = app::loadCollection(record.slip.date, record.slip.junNo, record.slip.userId);
+        if (saved) payment.slip = *saved;
+    }
+    payment.slip.MSGSENDTIME = sentTime_;
+    payment.slip.BANKTRANNO.clear();
+    return payment;
+}
+
+void CCardDlg::settleUnapproved() {
+    if (paymentNumber_.isEmpty()) return;
+    const bool isAnswered = !app::transactionRecord().reply.responseCode.isEmpty();
+    const bool hasSent = component_.component().hasSent();
+    app::settlePayment(paymentNumber_, isAnswered ? app::PaymentState::Refused
+                                       : hasSent  ? app::PaymentState::Unknown
+                                                  : app::PaymentState::Released);
 }
 
 void CCardDlg::exchangeEnded() {
@@ -204,6 +265,7 @@ void CCardDlg::exchangeEnded() {
             if (isGood) {
                 paymentApproved();
             } else {
+                settleUnapproved();
                 ui::message(u"한번더 카드리딩후 암호를 입력해주세여 ^^!"_s);
                 picture_->show();
             }
@@ -221,15 +283,8 @@ void CCardDlg::exchangeEnded() {
 }
 
 bool CCardDlg::recordApproval() {
-    const app::TransactionRecord& record = app::transactionRecord();
-    const QString& number = record.reply.transactionNumber;
-    // Without a number the slip would not count as paid.
-    if (number.isEmpty()) return false;
-    if (isVisit()) {
-        return app::recordApproval(record.slip.date, record.slip.junNo, record.slip.userId, number,
-                                   sentTime_);
-    }
-    return app::saveSimplePayment(simplePayment());
+    // Without a number the slip would not count as paid; the payment then stays unsettled.
+    return app::approvePayment(paymentNumber_, app::transactionRecord().reply.transactionNumber).has_value();
 }
 
 app::CollectionSlip CCardDlg::simplePayment() const {
@@ -336,7 +391,11 @@ void CCardDlg::goBack() {
     const app::SlipIdentity& slip = app::transactionRecord().slip;
     // A card payment that was not approved has not been made: its collection is taken back.
     if (isVisit() && !isApproved_ && app::transactionRecord().amounts.card > Won()) {
-        app::removeCollection(slip.date, slip.junNo, slip.userId);
+        app::takeBackCollection(slip.date, slip.junNo, slip.userId);
+        if (app::hasUnsettledPayment(slip.date, slip.junNo, slip.userId)) {
+            ui::message(
+                u"카드결제 결과가 확인되지 않았습니다..! 다음 결제전이나 로그인때 다시 확인합니다."_s);
+        }
     }
     if (isApproved_) app::session().SlipDone = 1;
     close(Cancelled);

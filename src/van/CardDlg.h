@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "app/CollectionSlip.h"
+#include "app/PaymentJournal.h"
 #include "app/Transaction.h"
 #include "print/CardReceipt.h"
 #include "print/SlipPapers.h"
@@ -45,6 +46,13 @@ class CCardDlg : public ui::Screen {
     /// The slip of a simple payment as its approval makes it.
     app::CollectionSlip simplePayment() const;
     bool recordApproval();
+    /// The journal's entry for the payment that is about to leave.
+    app::JournalPayment journalPayment(const QString& number) const;
+    /// Notes what became of a payment that was not approved.
+    void settleUnapproved();
+    /// False when this slip is paid already, or when it is open whether it is.
+    bool isPaymentFree();
+    void askPassword();
     void goBack();
     void finish();
 
@@ -52,8 +60,9 @@ class CCardDlg : public ui::Screen {
     ui::ReportList* results_ = nullptr;
     QWidget* picture_ = nullptr;
     std::optional<ExchangeLog> log_;
-    QString sentTime_;  ///< When the request at hand left, "yyyyMMddHHmmss".
-    bool isAskingPassword_ = false;
+    QString sentTime_;       ///< When the request at hand left, "yyyyMMddHHmmss".
+    QString paymentNumber_;  ///< Message number of the payment at hand.
+    bool isBusyWithCard_ = false;
     bool isApproved_ = false;
 };
 

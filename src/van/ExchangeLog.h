@@ -31,6 +31,8 @@ class ExchangeLog : public QObject {
 
     /// To be called before the request goes out.
     void begin();
+    /// Ends an exchange that was not started after all, without a signal.
+    void abandon() { end(); }
     bool isExchanging() const { return wait_.has_value(); }
 
   Q_SIGNALS:

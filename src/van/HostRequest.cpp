@@ -142,7 +142,8 @@ QString hostAddress(QStringView savedDigits) {
     return octets.join(u'.');
 }
 
-QString sendRequest(CKsnet_msg_lib& component, RequestKind kind, const app::TransactionRecord& record) {
+QString sendRequest(CKsnet_msg_lib& component, RequestKind kind, const app::TransactionRecord& record,
+                    const std::function<bool(const QString& number)>& mayLeave) {
     QString failures;
     const QString address = hostAddress(savedValue(component, u"221", kind, &failures));
     const std::int64_t savedPort = parseInteger(savedValue(component, u"222", kind, &failures));
@@ -154,8 +155,17 @@ QString sendRequest(CKsnet_msg_lib& component, RequestKind kind, const app::Tran
         Call::Header, kind,
         component.HeaderReq(u"JB", u"84", u"00", u"1234567890", u"    ", u"0200", messageKind(kind)));
     failures += request(component, kind, record);
+    // A payment that could not be sealed cannot leave; its exchange is tried all the same.
+    const auto number = component.component().paymentNumber();
+    if (mayLeave && number && !mayLeave(platform::message::toText(*number))) return failures;
     failures += failureText(Call::Exchange, kind, component.Commun(address, port, kTimeOutSeconds, 0));
     return failures;
+}
+
+QString askAbout(CKsnet_msg_lib& component, QStringView number) {
+    if (const auto asked = platform::message::parseMessageNumber(number))
+        component.component().askAbout(*asked);
+    return sendRequest(component, RequestKind::PreviousTransaction, app::transactionRecord());
 }
 
 QString receivedField(CKsnet_msg_lib& component, short number) {

@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <QStringView>
+#include <functional>
 
 #include "app/Transaction.h"
 #include "van/KsnetMsgLib.h"
@@ -14,8 +15,14 @@ enum class RequestKind { CardPayment, CashPayment, Balance, PreviousTransaction,
 /// Calls the component for one request, in the order that every request keeps: the two saved values, header,
 /// request, exchange. A call that fails does not stop the ones after it. Returns the texts of the failures,
 /// in order, for the status log; empty when all went well. Payment and balance take the card and the amounts
-/// from `record`.
-QString sendRequest(CKsnet_msg_lib& component, RequestKind kind, const app::TransactionRecord& record);
+/// from `record`. `mayLeave` is asked with the message number before a sealed payment leaves; when it says
+/// no, the exchange is not started.
+QString sendRequest(CKsnet_msg_lib& component, RequestKind kind, const app::TransactionRecord& record,
+                    const std::function<bool(const QString& number)>& mayLeave = {});
+
+/// Asks what became of the payment with that message number, as a previous-transaction request. Result as for
+/// sendRequest.
+QString askAbout(CKsnet_msg_lib& component, QStringView number);
 
 /// The address that 12 digits stand for, three for each octet: 210011022003 is 210.11.22.3. Missing digits
 /// read as 0.

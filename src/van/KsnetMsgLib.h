@@ -66,6 +66,9 @@ class CKsnet_msg_lib : public QWidget {
     short Commun(QStringView hostAddress, short port, short timeOut, short flag);
     short Operation26(QString* p1, QString* p2, QString* p3, QString* p4, QString* p5);
 
+    /// The component itself, for what it offers beside its operations.
+    platform::message::Component& component() { return component_; }
+
   Q_SIGNALS:
     // The component's events, in this order unless the exchange fails; `communicationEnded` is always the
     // last.

@@ -6,6 +6,7 @@
 #include <QDateTime>
 #include <QTime>
 
+#include "app/PaymentJournal.h"
 #include "platform/Clock.h"
 #include "support/FullDisk.h"
 #include "support/PrintQt.h"
@@ -36,6 +37,7 @@ class Collections : public testing::Test {
     void addSalesSlip(QStringView user = kUser) {
         for (const QStringView product : {u"1001", u"1002"}) {
             device_.insert(u"MTM", {{u"DDate", kDate},
+                                    {u"GCode", u"0001"},
                                     {u"JunNo", kNumber},
                                     {u"PCode", product},
                                     {u"WorkGubun", u"미발행"},
@@ -82,6 +84,20 @@ class Collections : public testing::Test {
     QString printStates() {
         return device_.value(
             u"SELECT group_concat(state) FROM (SELECT DISTINCT UserID || WorkGubun AS state FROM MTM ORDER BY 1)"_s);
+    }
+    /// Sends the slip's payment unless it is sent already, and has it approved.
+    static std::optional<CollectionSlip> approve(CollectionSlip slip, QStringView transaction,
+                                                 const QString& sent) {
+        slip.MSGSENDTIME = sent;
+        slip.BANKTRANNO.clear();
+        if (!app::hasUnsettledPayment(slip.DDate, slip.JunNo, slip.UserID)) {
+            app::JournalPayment payment;
+            payment.number = slip.JunNo + sent;
+            payment.slip = slip;
+            if (!app::notePayment(payment)) return std::nullopt;
+        }
+        return app::approvePayment(app::lastPayment(slip.DDate, slip.JunNo, slip.UserID)->number,
+                                   transaction);
     }
     void breakStatement(const QString& when) {
         device_.execute(u"CREATE TRIGGER broken BEFORE %1 BEGIN SELECT RAISE(ABORT, 'no'); END"_s.arg(when));
@@ -169,7 +185,7 @@ TEST_F(Collections, StayAsTheyWereWhenAnyPartFails) {
     {
         const test::FullDisk full(1);
         EXPECT_FALSE(app::saveCollection(slip(1, 0)));
-        EXPECT_FALSE(app::recordApproval(kDate, kNumber, kUser, u"T1", u"1"));
+        EXPECT_FALSE(approve(slip(1, 0), u"T1", u"1"_s));
     }
     expectUntouched("disk full");
     EXPECT_EQ(device_.value(u"SELECT BANKTRANNO FROM MTMOK"_s), u""_s);
@@ -178,17 +194,15 @@ TEST_F(Collections, StayAsTheyWereWhenAnyPartFails) {
 TEST_F(Collections, KeepTheirApprovalWhenSavedAgain) {
     addSalesSlip();
     addSalesSlip(u"B");
-    EXPECT_FALSE(app::recordApproval(kDate, kNumber, kUser, u"T1", u"143000")) << "no slip to write it on";
-    EXPECT_EQ(printStates(), u"A미발행,B미발행"_s);
-
     ASSERT_TRUE(app::saveCollection(slip(115000, 0)));
+    const CollectionSlip saved = *app::loadCollection(kDate, kNumber, kUser);
     breakStatement(u"UPDATE ON MTMOK"_s);
-    EXPECT_FALSE(app::recordApproval(kDate, kNumber, kUser, u"T1", u"143000"));
+    EXPECT_FALSE(approve(saved, u"T1", u"143000"_s));
     EXPECT_EQ(printStates(), u"A미발행,B미발행"_s);
     device_.execute(u"DROP TRIGGER broken"_s);
-    EXPECT_FALSE(app::recordApproval(kDate, kNumber, kUser, u"T'1", u"143000"));
+    EXPECT_FALSE(approve(saved, u"T'1", u"143000"_s));
 
-    EXPECT_TRUE(app::recordApproval(kDate, kNumber, kUser, u"T1", u"143000"));
+    EXPECT_TRUE(approve(saved, u"T1", u"143000"_s));
     EXPECT_EQ(printStates(), u"A결제,B미발행"_s);
     CollectionSlip changed = slip(100000, 15000);
     changed.BANKTRANNO = u"forged"_s;
@@ -201,8 +215,11 @@ TEST_F(Collections, KeepTheirApprovalWhenSavedAgain) {
     EXPECT_EQ(found->CardMoney, Won(100000));
     EXPECT_EQ(found->JunNo + found->UserID + found->BANKTRANNO, u"5001AT1"_s);
     EXPECT_FALSE(app::findByTransactionNumber(u"T2"));
-    EXPECT_TRUE(app::recordApproval(kDate, kNumber, kUser, u"T2", u"150000"));
-    EXPECT_FALSE(app::findByTransactionNumber(u"T1"));
+    // One row holds one approval: another comes in beside it.
+    const auto second = approve(saved, u"T2", u"150000"_s);
+    ASSERT_TRUE(second);
+    EXPECT_EQ(second->JunNo + second->Gubun, u"7001입금"_s);
+    EXPECT_TRUE(app::findByTransactionNumber(u"T1") && app::findByTransactionNumber(u"T2"));
 }
 
 TEST_F(Collections, KeepEverySimplePayment) {
@@ -214,9 +231,8 @@ TEST_F(Collections, KeepEverySimplePayment) {
     amounts.containerRecovery = Won(10000);
     amounts.card = Won(95000);
     paid.setAmounts(amounts, Won());
-    paid.MSGSENDTIME = u"143000"_s;
-    paid.BANKTRANNO = u"T1"_s;
-    ASSERT_TRUE(app::saveSimplePayment(paid));
+    paid.Gubun = app::kSimplePaymentSlip.toString();
+    ASSERT_TRUE(approve(paid, u"T1", u"143000"_s));
     EXPECT_EQ(receivable(), u"350000"_s);
     const auto loaded = app::loadCollection(kDate, u"7001", kUser);
     ASSERT_TRUE(loaded);
@@ -225,15 +241,13 @@ TEST_F(Collections, KeepEverySimplePayment) {
     EXPECT_EQ(loaded->amounts().total, Won(105000));
     EXPECT_EQ(loaded->InMoney, Won(95000));
 
-    paid.BANKTRANNO = u"T'2"_s;
-    EXPECT_FALSE(app::saveSimplePayment(paid));
+    EXPECT_FALSE(approve(paid, u"T'2", u"143100"_s));
     // Corrected as a collection slip it stays a simple payment; two of one number cannot become one row.
     paid.GName = u"다라상회"_s;
     EXPECT_TRUE(app::saveCollection(paid));
     EXPECT_EQ(device_.rows(u"SELECT Gubun, GName, BANKTRANNO FROM MTMOK"_s),
               (QList<QStringList>{{u"단순결제"_s, u"다라상회"_s, u"T1"_s}}));
-    paid.BANKTRANNO = u"T2"_s;
-    ASSERT_TRUE(app::saveSimplePayment(paid));
+    ASSERT_TRUE(approve(paid, u"T2", u"143100"_s));
     EXPECT_FALSE(app::saveCollection(paid));
     EXPECT_TRUE(app::findByTransactionNumber(u"T1") && app::findByTransactionNumber(u"T2"));
     EXPECT_TRUE(app::removeCollections(kDate, u"7001"));

@@ -32,10 +32,7 @@ QStringView password(QStringView name) {
 
 class HostTest : public ::testing::Test {
   protected:
-    HostTest() {
-        Component::forgetUnanswered();
-        EXPECT_TRUE(writeSavedValues({{u"101"_s, u"4711"_s}}));
-    }
+    HostTest() { EXPECT_TRUE(writeSavedValues({{u"101"_s, u"4711"_s}})); }
     ~HostTest() override { Component::setTimeOutUnit(std::chrono::seconds(1)); }
 
     QString pay(QStringView card, QStringView amount = u"11000", int timeOut = 30) {
@@ -177,7 +174,6 @@ TEST_F(HostTest, EveryFaultIsADefinedEventAndLeavesNothingBehind) {
     };
     qint64 expected = 100'000'000;
     for (const auto& [fault, events, code, isCharged] : cases) {
-        Component::forgetUnanswered();
         host.start({u"--fault"_s, QString::fromLatin1(fault) + u"@1"_s});
         EXPECT_EQ(pay(u"good", u"1000"), QString::fromLatin1(events)) << fault;
         EXPECT_EQ(terminal.field(1102), QString::fromLatin1(code)) << fault;
@@ -199,30 +195,40 @@ TEST_F(HostTest, ALateAnswerDoesNotReachTheNextExchange) {
     EXPECT_EQ(terminal.field(1104), u"2000");
 }
 
-TEST_F(HostTest, APaymentWithoutAnAnswerIsNotChargedTwice) {
-    host.start({u"--fault"_s, u"approve-then-close@1"_s, u"--fault"_s, u"approve-then-close@4"_s});
-    EXPECT_EQ(pay(u"good", u"1000"), QString::fromLatin1(kBroken));
-    // Asked again, by another dialog.
+TEST_F(HostTest, APaymentWithoutAnAnswerIsAskedForByItsNumber) {
+    host.start({u"--fault"_s, u"approve-then-close@1"_s, u"--fault"_s, u"close@2"_s});
+    const auto payUnanswered = [&] {
+        EXPECT_EQ(terminal.payment(cardData(u"good"), password(u"good"), u"1000"), kDone);
+        const auto number = terminal.component.paymentNumber();
+        EXPECT_EQ(terminal.run(host.port()), QString::fromLatin1(kBroken));
+        EXPECT_TRUE(number && terminal.component.hasSent());
+        return number.value_or(MessageNumber());
+    };
+    const MessageNumber charged = payUnanswered();
+    const MessageNumber lost = payUnanswered();
+    EXPECT_NE(charged, lost) << "no payment repeats another's number";
+
+    // Another dialog asks.
     Exchange next;
-    ASSERT_EQ(next.payment(cardData(u"good"), password(u"good"), u"1000"), kDone);
-    EXPECT_EQ(next.run(host.port()), QString::fromLatin1(kGood));
-    EXPECT_EQ(next.field(1008), u"000000000001") << "the payment of before";
+    const auto ask = [&](const MessageNumber& number) {
+        next.component.askAbout(number);
+        EXPECT_EQ(next.previous(), kDone);
+        EXPECT_FALSE(next.component.paymentNumber());
+        EXPECT_EQ(next.run(host.port()), QString::fromLatin1(kGood));
+        return QStringList{next.field(1102), next.field(1008), next.field(1131)}.join(u' ');
+    };
+    EXPECT_EQ(ask(charged), u"0000 000000000001 "_s + toText(charged));
+    EXPECT_EQ(ask(lost), u"0019  "_s + toText(lost));
+    ASSERT_EQ(next.previous(), kDone);
+    next.run(host.port());
+    EXPECT_EQ(next.field(1131), u"") << "the question was for one request";
     EXPECT_EQ(balance(u"good"), u"99999000");
 
-    EXPECT_EQ(pay(u"good", u"1000"), QString::fromLatin1(kBroken)) << "answered before, so this is a new one";
-    EXPECT_EQ(pay(u"good", u"3000"), QString::fromLatin1(kGood)) << "another amount is another payment";
-    EXPECT_EQ(terminal.field(1008), u"000000000003");
-    EXPECT_EQ(balance(u"good"), u"99995000");
-}
-
-TEST_F(HostTest, ThePreviousTransactionSettlesWhatBecameOfAPayment) {
-    host.start({u"--fault"_s, u"approve-then-close@1"_s});
-    pay(u"good", u"1000");
-    ASSERT_EQ(terminal.previous(), kDone);
-    terminal.run(host.port());
-    EXPECT_EQ(terminal.field(1008), u"000000000001");
-    pay(u"good", u"1000");
-    EXPECT_EQ(terminal.field(1008), u"000000000002") << "now known, so the same amount is a new payment";
+    const quint16 port = host.port();
+    host.stop();
+    ASSERT_EQ(terminal.payment(cardData(u"good"), password(u"good"), u"1000"), kDone);
+    terminal.run(port);
+    EXPECT_FALSE(terminal.component.hasSent()) << "nobody was there";
 }
 
 /// A connection to the host that sends what it likes.

@@ -23,7 +23,6 @@ constexpr qsizetype kLongestCardData = 104;
 constexpr qsizetype kPasswordLength = 4;
 constexpr qsizetype kMostDigits = 18;
 constexpr int kKindValue = 6;  // place of the message kind among the header values
-constexpr auto kRepeatWithin = 10min;
 
 std::chrono::milliseconds timeOutUnit = 1s;
 Component::LastExchange last = Component::LastExchange::None;
@@ -57,34 +56,6 @@ bool isDate(QStringView text) {
     return text.size() == 8 && areDigits(text) && QDate::fromString(text, u"yyyyMMdd").isValid();
 }
 
-using Digest = std::array<unsigned char, crypto_generichash_BYTES>;
-
-/// A payment whose outcome is not known: it was sent and never answered. The same payment asked for again is
-/// the same one to the host as well, which then does not charge twice. Every payment dialog has a component
-/// of its own, so this belongs to the process.
-struct UnansweredPayment {
-    MessageNumber number;
-    Digest digest;
-    std::chrono::steady_clock::time_point sent;
-};
-
-std::optional<UnansweredPayment>& unansweredPayment() {
-    static std::optional<UnansweredPayment> payment;
-    return payment;
-}
-
-/// Tells equal requests from others without keeping what they say.
-Digest digestOf(const SecureBytes& body) {
-    static const SecureBytes key = [] {
-        SecureBytes bytes(crypto_generichash_KEYBYTES);
-        randombytes_buf(bytes.data(), bytes.size());
-        return bytes;
-    }();
-    Digest digest;
-    crypto_generichash(digest.data(), digest.size(), body.data(), body.size(), key.data(), key.size());
-    return digest;
-}
-
 }  // namespace
 
 struct Component::Operation {
@@ -95,7 +66,6 @@ struct Component::Operation {
 
 struct Component::Request {
     MessageNumber number{};
-    std::optional<Digest> digest;  ///< Of a payment.
     KeyPair replyKey;
     PublicKey hostKey{};
     QString kind;
@@ -177,8 +147,9 @@ void Component::setTimeOutUnit(std::chrono::milliseconds unit) {
     timeOutUnit = unit;
 }
 
-void Component::forgetUnanswered() {
-    unansweredPayment().reset();
+std::optional<MessageNumber> Component::paymentNumber() const {
+    if (!request_ || (request_->kind != kCardPayment && request_->kind != kCashPayment)) return std::nullopt;
+    return request_->number;
 }
 
 Status Component::invoke(int dispatchId, Arguments arguments) {
@@ -265,6 +236,9 @@ Status Component::setPreTradeRep(Arguments) {
     unsealed_.reset();
     if (!isKind({kPreviousTransaction})) return kBadInput;
     unsealed_ = *header_;
+    if (const auto asked = std::exchange(asked_, std::nullopt)) {
+        unsealed_->add(kAskedNumberField, toText(*asked));
+    }
     return kDone;
 }
 
@@ -285,14 +259,6 @@ Status Component::seal(const FieldWriter& body) {
     if (const Status status = makeKeyPair(&request->replyKey); status != kDone) return status;
     request->kind = kind_;
     request->number = makeMessageNumber();
-    if (kind_ == kCardPayment || kind_ == kCashPayment) {
-        request->digest = digestOf(body.bytes());
-        const auto& unanswered = unansweredPayment();
-        if (unanswered && unanswered->digest == *request->digest &&
-            std::chrono::steady_clock::now() - unanswered->sent < kRepeatWithin) {
-            request->number = unanswered->number;
-        }
-    }
     const std::optional<QByteArray> sealed =
         sealRequest(request->number, request->replyKey.publicKey, body.bytes(), request->hostKey);
     if (!sealed) return kPublicKeyFailed;
@@ -350,6 +316,7 @@ Status Component::aboutBox(Arguments) {
 Status Component::commun(Arguments arguments) {
     if (exchange_) return kLinkFailed;
     reply_.reset();
+    hasSent_ = false;
     exchange_ = std::make_shared<Exchange>();
     last = LastExchange::UnderWay;
     // A port above 32,767 arrives as a negative integer of 16 bits.
@@ -404,11 +371,8 @@ Status Component::start(QStringView host, quint16 port, int timeOut) {
 
 void Component::sendRequest() {
     if (std::exchange(exchange_->isWritten, true)) return;
-    const Request& request = *exchange_->request;
-    if (request.digest) {
-        unansweredPayment() = {request.number, *request.digest, std::chrono::steady_clock::now()};
-    }
-    exchange_->connection->write(request.frame);
+    hasSent_ = true;
+    exchange_->connection->write(exchange_->request->frame);
 }
 
 void Component::readReply() {
@@ -434,8 +398,6 @@ void Component::takeReply(const Frame& frame) {
         fields->text(kMessageKindField) != request.kind || !fields->has(kResponseCodeField)) {
         return breakOff(u"the reply does not fit the request");
     }
-    // The previous transaction tells as well what became of a payment.
-    if (request.digest || request.kind == kPreviousTransaction) unansweredPayment().reset();
 
     last = LastExchange::Answered;
     exchange_->hangUp();

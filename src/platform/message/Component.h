@@ -10,6 +10,7 @@
 #include <variant>
 
 #include "platform/message/Fields.h"
+#include "platform/message/Frame.h"
 #include "platform/message/Seal.h"
 #include "platform/message/Status.h"
 
@@ -38,8 +39,18 @@ class Component : public QObject {
     /// What one unit of Commun's time-out lasts; a second unless a test shortens it.
     static void setTimeOutUnit(std::chrono::milliseconds unit);
 
-    /// Treats the next payment as a new one even if it equals one that was sent and never answered.
-    static void forgetUnanswered();
+    /// The message number of the payment that Commun would send next; nothing when no payment is ready.
+    /// Whoever has kept it can ask later what became of the payment.
+    std::optional<MessageNumber> paymentNumber() const;
+
+    /// True when the request of the last Commun may have left, wholly or in part. Without it the host cannot
+    /// know the request.
+    bool hasSent() const { return hasSent_; }
+
+    /// Makes the previous-transaction request being set up ask for the payment of that number; to be called
+    /// before setPreTradeRep and good for one. A host that knows such questions repeats the number in field
+    /// 1131.
+    void askAbout(const MessageNumber& number) { asked_ = number; }
 
     /// How the last exchange of the process stands, whichever component had it.
     enum class LastExchange { None, UnderWay, Answered, Failed };
@@ -95,6 +106,8 @@ class Component : public QObject {
 
     std::optional<FieldWriter> header_;
     QString kind_;
+    std::optional<MessageNumber> asked_;  ///< What the next previous-transaction request asks about.
+    bool hasSent_ = false;
     std::optional<FieldWriter> unsealed_;  ///< A request without secrets, sealed by Commun.
     std::unique_ptr<Request> request_;
     Status requestStatus_ = kBadInput;    ///< How the request operation ended.

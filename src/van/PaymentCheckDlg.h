@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QList>
+#include <optional>
+
+#include "app/PaymentJournal.h"
+#include "app/Transaction.h"
+#include "print/SlipPapers.h"
+#include "ui/Screen.h"
+#include "van/ExchangeLog.h"
+#include "van/KsnetMsgLib.h"
+
+namespace van {
+
+/// Asks the host at once, one after another, what became of the payments whose outcome is open, tells the
+/// salesman and closes itself. Leaving it early leaves the rest open.
+class CPaymentCheckDlg : public ui::Screen {
+    Q_OBJECT
+
+  public:
+    CPaymentCheckDlg();
+
+  private:
+    void askNext();
+    void answered();
+    void approved();
+    void print(print::SlipPapers papers, const app::CollectionSlip& slip);
+
+    CKsnet_msg_lib component_;
+    std::optional<ExchangeLog> log_;
+    QList<app::JournalPayment> waiting_;
+    app::JournalPayment asked_;
+    app::HostReply reply_;
+    QString answeredNumber_;  ///< Field 1131 of the reply.
+};
+
+}  // namespace van

@@ -1,0 +1,42 @@
+#include "van/PaymentInquiry.h"
+
+#include <QDateTime>
+
+#include "platform/Clock.h"
+
+namespace van {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using platform::parseWon;
+using platform::Won;
+
+constexpr QStringView kApproved = u"0000";
+constexpr qint64 kSecondsOfDay = 24 * 60 * 60;
+
+bool isSurely(const app::JournalPayment& payment, const app::HostReply& reply) {
+    const QDateTime sent = QDateTime::fromString(payment.slip.MSGSENDTIME, u"yyyyMMddHHmmss"_s);
+    const qint64 age = sent.isValid() ? sent.secsTo(platform::clock::now()) : -1;
+    // Cash that was entered deposits nothing.
+    const bool isCard = parseWon(reply.depositedAmount) > Won();
+    return age >= 0 && age < kSecondsOfDay && parseWon(reply.transactionAmount) == payment.charged &&
+           isCard == payment.isCard && app::isLastPayment(payment, reply.transactionNumber) &&
+           !app::findByTransactionNumber(reply.transactionNumber);
+}
+
+}  // namespace
+
+PaymentVerdict judge(const app::JournalPayment& payment, const app::HostReply& reply,
+                     QStringView answeredNumber) {
+    const bool isApproved = reply.responseCode == kApproved && !reply.transactionNumber.isEmpty();
+    if (answeredNumber.compare(payment.number, Qt::CaseInsensitive) == 0) {
+        if (isApproved) return PaymentVerdict::Approved;
+        // An approval without its number cannot be put on a slip.
+        return reply.responseCode == kApproved || reply.responseCode.isEmpty() ? PaymentVerdict::Open
+                                                                               : PaymentVerdict::NotCharged;
+    }
+    return answeredNumber.isEmpty() && isApproved && isSurely(payment, reply) ? PaymentVerdict::Approved
+                                                                              : PaymentVerdict::Open;
+}
+
+}  // namespace van

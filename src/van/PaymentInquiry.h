@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QStringView>
+
+#include "app/PaymentJournal.h"
+#include "app/Transaction.h"
+
+/// What the host's answer to a question about a payment means.
+namespace van {
+
+enum class PaymentVerdict {
+    Approved,    ///< Charged; the reply has the transaction number.
+    NotCharged,  ///< Refused, or never received and refused from now on.
+    Open,        ///< The answer does not tell.
+};
+
+/// `answeredNumber` is the reply's field 1131. Without it the host has answered with the terminal's last
+/// payment, as an older one does: that counts as this one only when nothing else can be meant, which is when
+/// amount and kind agree, it was sent less than a day ago, no payment was sent after it, and the transaction
+/// number is on no slip and on no other payment.
+PaymentVerdict judge(const app::JournalPayment& payment, const app::HostReply& reply,
+                     QStringView answeredNumber);
+
+}  // namespace van
