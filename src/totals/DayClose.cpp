@@ -4,6 +4,7 @@
 #include <array>
 
 #include "app/CollectionSlip.h"
+#include "app/PaymentJournal.h"
 #include "db/Query.h"
 #include "db/Transaction.h"
 #include "platform/Clock.h"
@@ -51,6 +52,17 @@ Cell count(std::int64_t number) {
     return Won(number);
 }
 
+/// The card host's payments whose outcome is open, which no other figure counts.
+QList<Row> unsettledRows(QStringView date, QStringView userId) {
+    QList<Row> rows;
+    for (const app::JournalPayment& payment : app::unsettledPayments()) {
+        const app::CollectionSlip& slip = payment.slip;
+        if (slip.DDate == date && (userId.isEmpty() || slip.UserID == userId))
+            rows.append({slip.JunNo + u' ' + slip.GName, payment.charged});
+    }
+    return rows;
+}
+
 /// The strip's two columns: what, and how much.
 Report strip(QStringView title, QStringView date, QStringView userId, const DayFigures& figures) {
     Report report = reportHead(title, date, userId);
@@ -76,6 +88,8 @@ Report strip(QStringView title, QStringView date, QStringView userId, const DayF
     const Won unmoved = figures.expectedCash - figures.cash - figures.earlierPaid;
     if (!unmoved.isZero()) cash.append({u"용공상계 전미수"_s, unmoved});
     cash.append({u"예상현금"_s, figures.expectedCash});
+    const QList<Row> unsettled = unsettledRows(date, userId);
+    if (!unsettled.isEmpty()) report.sections.insert(0, {u"카드결제 결과 미확인"_s, unsettled});
     return report;
 }
 

@@ -29,6 +29,10 @@ constexpr int kWhoLabel = 1059;
 
 constexpr QStringView kUnread = u"자료를 읽지 못해 집계하지 못했습니다..!";
 
+void settlePayments() {
+    if (app::hasUnsettledPayments()) ui::runScreen(app::dialogs::kPaymentCheck);
+}
+
 void showDailyReport(const DailyReport& daily) {
     std::optional<Report> report;
     {
@@ -58,10 +62,13 @@ CTotalsDlg::CTotalsDlg() : Screen(app::dialogs::kTotals) {
             [this] { ask(u"HOST집계요청 중입니다.."_s, [this] { printSummary(); }); });
     addWork(kReconcileButton, u"대사"_s, [this] {
         // A payment whose outcome is open would be a difference that is none.
-        if (app::hasUnsettledPayments()) ui::runScreen(app::dialogs::kPaymentCheck);
+        settlePayments();
         ask(u"HOST대사요청 중입니다.."_s, [this, day = platform::clock::now().date()] { reconcile(day); });
     });
-    addWork(kCloseButton, u"일마감"_s, [this] { closeDay(); });
+    addWork(kCloseButton, u"일마감"_s, [this] {
+        settlePayments();
+        closeDay();
+    });
     exchange_.emplace(this, place(1146, new QPlainTextEdit(this), {2, 202, 236, 78}));
     connect(&*exchange_, &SummaryExchange::ended, this, [this] { exchangeEnded(); });
     setCancelButton(addBottomButton(1003, u"닫  기"_s, 3, ui::bitmaps::kCancel, [this] {

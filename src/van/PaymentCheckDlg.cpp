@@ -46,9 +46,8 @@ CPaymentCheckDlg::CPaymentCheckDlg() : Screen(app::dialogs::kPaymentCheck), comp
     });
     connect(&*log_, &ExchangeLog::ended, this, [this] { answered(); });
     // The question changes nothing on the terminal, so it may be left at any time.
-    ui::BitmapButton* leave = addButton(1003, u"닫  기"_s, {182, 284}, ui::bitmaps::kCancel);
-    connect(leave, &ui::BitmapButton::clicked, this, [this] { close(Cancelled); });
-    setCancelButton(leave);
+    setCancelButton(
+        addBottomButton(1003, u"닫  기"_s, 3, ui::bitmaps::kCancel, [this] { close(Cancelled); }));
 
     app::closeStoppedPayments();
     waiting_ = app::unsettledPayments();

@@ -51,6 +51,7 @@ extern const Command kPriceCommand;
 extern const Command kSlipsCommand;
 extern const Command kPrintCommand;
 extern const Command kTotalsCommand;
+extern const Command kJournalCommand;
 extern const Command kExportCommand;
 extern const Command kCardHostCommand;
 extern const Command kSwipeCommand;

@@ -18,8 +18,8 @@ using namespace Qt::Literals::StringLiterals;
 constexpr std::array kCommands{&kInitCommand,    &kLoadCommand,      &kUserCommand,      &kSwipeCommand,
                                &kDevicesCommand, &kPrintTestCommand, &kSwipeTestCommand, &kImportCommand,
                                &kPriceCommand,   &kSlipsCommand,     &kPrintCommand,     &kTotalsCommand,
-                               &kExportCommand,  &kCardHostCommand,  &kBackupCommand,    &kRestoreCommand,
-                               &kCheckCommand};
+                               &kJournalCommand, &kExportCommand,    &kCardHostCommand,  &kBackupCommand,
+                               &kRestoreCommand, &kCheckCommand};
 
 constexpr db::Statement<u"SELECT name FROM sqlite_master WHERE name = '%s'"> kSelectTable;
 
