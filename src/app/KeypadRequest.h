@@ -20,8 +20,8 @@ struct KeypadRequest {
     QString KeypadCheck2;
     QString KeypadCheck3;
     int KeypadMode = kTextField;
-    std::function<void()> StartAnew;  ///< Empties the fields of the open keypad; empty while none is open.
-    int KeypadResult = 0;             ///< 1 after "확  인" with at least one field filled, else 0.
+    std::function<void()> StartAnew{};  ///< Empties the fields of the open keypad; empty while none is open.
+    int KeypadResult = 0;               ///< 1 after "확  인" with at least one field filled, else 0.
 };
 
 /// The one request record of the process. It keeps its values after the keypad closes.
