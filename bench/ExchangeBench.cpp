@@ -160,7 +160,9 @@ class PayingTerminal {
         const SavedValues values{{kHostAddressKey.toString(), u"127000000001"_s},
                                  {kHostPortKey.toString(), QString::number(port_)},
                                  {kTerminalKey.toString(), u"0000000001"_s}};
-        if (startCipher() != kDone || !writeHostKey(host.publicKey()) || !writeSavedValues(values)) {
+        SigningKey own;
+        if (startCipher() != kDone || !writeHostKey(host.publicKey()) || !writeSavedValues(values) ||
+            makeSigningKey(&own) != kDone) {
             throw std::runtime_error("the terminal's files cannot be written");
         }
         QObject::connect(&component_, &Component::communicationEnded, [this] { loop_.quit(); });

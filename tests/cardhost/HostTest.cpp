@@ -1,9 +1,16 @@
+#include <arpa/inet.h>
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 #include <QDateTime>
+#include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QProcess>
 #include <QTcpSocket>
+#include <deque>
 
 #include "platform/message/Component.h"
 #include "platform/message/SavedValues.h"
@@ -231,6 +238,21 @@ TEST_F(HostTest, APaymentWithoutAnAnswerIsAskedForByItsNumber) {
     EXPECT_FALSE(terminal.component.hasSent()) << "nobody was there";
 }
 
+struct Ended {
+    int exitCode;
+    QByteArray out;
+    QByteArray err;
+};
+
+Ended runHost(const QStringList& arguments, const QByteArray& input = {}) {
+    QProcess process;
+    process.start(HostProcess::program(), arguments);
+    process.write(input);
+    process.closeWriteChannel();
+    EXPECT_TRUE(process.waitForFinished(20'000));
+    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+}
+
 /// A connection to the host that sends what it likes.
 class Wire {
   public:
@@ -264,13 +286,15 @@ struct Request {
     Request(std::in_place_t, QStringView kind, QStringView terminalNumber) {
         EXPECT_EQ(readHostKey(&hostKey), kDone);
         EXPECT_EQ(makeKeyPair(&replyKey), kDone);
+        EXPECT_EQ(readSigningKey(&signer), kDone);
         number = makeMessageNumber();
         const QStringView header[] = {u"JB",   u"84",   u"00", u"1234567890",
                                       u"    ", u"0200", kind,  terminalNumber};
         quint16 field = 1;
         for (const QStringView text : header) fields.add(field++, text);
     }
-    explicit Request(QStringView amount, QStringView kind = u"0100") : Request(std::in_place, kind, u"99") {
+    explicit Request(QStringView amount, QStringView kind = u"0100", QStringView terminalNumber = u"99")
+        : Request(std::in_place, kind, terminalNumber) {
         const QString card = cardData(u"good");
         const QStringView parameters[] = {u"123", u"",  card, u"1234", u"39", u"0",
                                           u"0",   u"0", u"0", u"0",    amount};
@@ -285,8 +309,8 @@ struct Request {
     }
 
     QByteArray frame() const {
-        return encodeFrame(
-            {FrameKind::Request, number, *sealRequest(number, replyKey.publicKey, fields.bytes(), hostKey)});
+        return encodeFrame({FrameKind::Request, number,
+                            *sealRequest(number, replyKey.publicKey, fields.bytes(), hostKey, signer)});
     }
     Fields open(const std::optional<Frame>& reply) const {
         EXPECT_TRUE(reply && reply->number == number);
@@ -297,6 +321,7 @@ struct Request {
 
     PublicKey hostKey{};
     KeyPair replyKey;
+    SigningKey signer;
     MessageNumber number{};
     FieldWriter fields;
 };
@@ -403,6 +428,126 @@ TEST_F(HostTest, NonsenseClosesItsConnectionOnly) {
     EXPECT_EQ(balance(u"good"), u"99989000") << "none of it was charged";
 }
 
+TEST_F(HostTest, OnlyAnEnrolledTerminalGetsAnAnswer) {
+    host.start();
+    const Request good(u"1000");
+    Request forged = good;
+    forged.signer = signingKeyFrom(platform::SecureBytes(crypto_sign_SEEDBYTES, 9));
+    const Request unknown(u"1000", u"0100", u"97");
+    const Request astray(u"1000", u"0100", u"../99");
+    for (const Request& request : {forged, unknown, astray}) {
+        Wire wire(host.port());
+        wire.send(request.frame());
+        EXPECT_TRUE(wire.isClosed());
+        EXPECT_TRUE(wire.socket.readAll().isEmpty());
+    }
+    QFile log(host.folder() + u"/rovana.log"_s);
+    ASSERT_TRUE(log.open(QIODevice::ReadOnly));
+    const QByteArray said = log.readAll();
+    for (const char* text :
+         {"terminal 99 has not signed it", "terminal 97 is not enrolled", "names no terminal"})
+        EXPECT_TRUE(said.contains(text)) << text;
+
+    // Enrolled while the host runs, and forgotten again.
+    const QString key = QString::fromLatin1(QByteArrayView(good.signer.publicKey).toByteArray().toHex());
+    const QStringList folder{u"--dir"_s, host.folder()};
+    EXPECT_EQ(runHost(QStringList{u"enrol"_s, u"--terminal"_s, u"97"_s, u"--key"_s, key} + folder).exitCode,
+              0);
+    EXPECT_EQ(runHost(QStringList{u"terminals"_s} + folder).out,
+              "0000000001\n4711\n4712\n4713\n97\n98\n99\n");
+    {
+        Wire wire(host.port());
+        wire.send(unknown.frame());
+        EXPECT_EQ(unknown.open(wire.receive()).text(1102), u"0000");
+        EXPECT_EQ(runHost(QStringList{u"forget"_s, u"--terminal"_s, u"97"_s} + folder).exitCode, 0);
+        EXPECT_EQ(runHost(QStringList{u"forget"_s, u"--terminal"_s, u"97"_s} + folder).exitCode, 1);
+        wire.send(unknown.frame());
+        EXPECT_TRUE(wire.isClosed()) << "also on a connection that was good";
+    }
+    EXPECT_EQ(balance(u"good"), u"99999000") << "none of the others was charged";
+}
+
+/// Connections that mean no good, from addresses of their own, as many at once as one program may have.
+class Attack {
+  public:
+    explicit Attack(quint16 port) : port_(port) {}
+    ~Attack() {
+        for (const int socket : open_) ::close(socket);
+    }
+
+    void connectOne() {
+        if (open_.size() >= 400) {
+            ::close(open_.front());
+            open_.pop_front();
+        }
+        const int socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        ASSERT_GE(socket, 0);
+        open_.push_back(socket);
+        sockaddr_in from{.sin_family = AF_INET, .sin_port = 0, .sin_addr = {}, .sin_zero = {}};
+        from.sin_addr.s_addr = htonl(INADDR_LOOPBACK + 1 + count_ % 16);
+        ASSERT_EQ(::bind(socket, reinterpret_cast<sockaddr*>(&from), sizeof from), 0);
+        ::fcntl(socket, F_SETFL, O_NONBLOCK);
+        sockaddr_in to{.sin_family = AF_INET, .sin_port = htons(port_), .sin_addr = {}, .sin_zero = {}};
+        to.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        ::connect(socket, reinterpret_cast<sockaddr*>(&to), sizeof to);
+        const QByteArray sent[] = {
+            {},                                                                  // says nothing
+            QByteArray::fromHex("0000fffc0201") + QByteArray(30'000, 'x'),       // stops half way
+            QByteArray::fromHex("ffffffff0201") + QByteArray(60'000, 'x'),       // oversized
+            QByteArray::fromHex("000001000201") + QByteArray(252 + 16, '\x5a'),  // a frame of rubbish
+        };
+        const QByteArray& bytes = sent[count_ % 4];
+        if (!bytes.isEmpty()) ::send(socket, bytes.constData(), std::size_t(bytes.size()), MSG_NOSIGNAL);
+        if (count_ % 8 == 0) ::shutdown(socket, SHUT_WR);  // half open
+        ++count_;
+    }
+    int count() const { return count_; }
+
+  private:
+    quint16 port_;
+    int count_ = 0;
+    std::deque<int> open_;
+};
+
+TEST_F(HostTest, TenThousandHostileConnectionsKeepNoHonestTerminalWaiting) {
+    host.start();
+    Attack attack(host.port());
+    qint64 worst = 0;
+    for (int round = 0; round < 100; ++round) {
+        for (int i = 0; i < 100; ++i) ASSERT_NO_FATAL_FAILURE(attack.connectOne());
+        QElapsedTimer timer;
+        timer.start();
+        if (round == 50) {
+            ASSERT_EQ(pay(u"good"), QString::fromLatin1(kGood));
+        } else {
+            ASSERT_EQ(terminal.previous(), kDone);
+            ASSERT_EQ(terminal.run(host.port()), QString::fromLatin1(kGood)) << round;
+        }
+        worst = std::max(worst, timer.elapsed());
+    }
+    EXPECT_EQ(attack.count(), 10'000);
+    EXPECT_LT(worst, 1000);
+    RecordProperty("worst_ms", int(worst));
+    EXPECT_EQ(terminal.field(1104), u"11000");
+    EXPECT_LT(QFileInfo(host.folder() + u"/rovana.log"_s).size(), 64 * 1024) << "nor is the log flooded";
+}
+
+TEST_F(HostTest, ATerminalThatAsksTooOftenIsClosed) {
+    host.start();
+    Request request(u"0");
+    Wire wire(host.port());
+    int answers = 0;
+    for (; answers < 1000; ++answers) {
+        wire.socket.write(request.frame());
+        if (!wire.receive()) break;
+    }
+    EXPECT_GE(answers, 200);
+    EXPECT_LT(answers, 1000);
+    ASSERT_EQ(terminal.previous(), kDone);
+    EXPECT_EQ(terminal.run(host.port()), QString::fromLatin1(kGood))
+        << "another terminal's allowance is its own";
+}
+
 TEST_F(HostTest, NoTrackAndNoPasswordIsOnDisk) {
     host.start();
     pay(u"good");
@@ -419,21 +564,6 @@ TEST_F(HostTest, NoTrackAndNoPasswordIsOnDisk) {
         EXPECT_EQ(file.permissions() & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions())
             << name.toStdString();
     }
-}
-
-struct Ended {
-    int exitCode;
-    QByteArray out;
-    QByteArray err;
-};
-
-Ended runHost(const QStringList& arguments, const QByteArray& input = {}) {
-    QProcess process;
-    process.start(HostProcess::program(), arguments);
-    process.write(input);
-    process.closeWriteChannel();
-    EXPECT_TRUE(process.waitForFinished(20'000));
-    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
 }
 
 TEST_F(HostTest, CardsAreEnteredFromStandardInput) {

@@ -64,7 +64,8 @@ TEST_F(MemoryTest, NothingOfACardIsLeftAfterARequestWasOpened) {
         const SecureText track = kTrack.make();
         FieldWriter fields;
         for (quint16 field = 1; field < 50; ++field) fields.add(field, track.view());
-        sealed = *sealRequest(number, terminal.publicKey, fields.bytes(), host.publicKey);
+        sealed = *sealRequest(number, terminal.publicKey, fields.bytes(), host.publicKey,
+                              signingKeyFrom(platform::SecureBytes(crypto_sign_SEEDBYTES)));
     }
     EXPECT_EQ(whereOfACard(), std::vector<std::string>());
     {

@@ -25,7 +25,7 @@ QByteArray hex(const char* digits) {
 
 TEST(FrameTest, HasTheDocumentedLayout) {
     EXPECT_EQ(encodeFrame(frameOf(0xAB, "xyz", FrameKind::Request)), hex("00000015"
-                                                                         "01"
+                                                                         "02"
                                                                          "01"
                                                                          "abababababababababababababababab"
                                                                          "78797a"));
@@ -43,9 +43,9 @@ TEST(FrameTest, FaultsAreToldAtTheFirstByteThatShowsThem) {
         {"0000fffc", Result::Incomplete},
         {"00000011", Result::TooShort},
         {"00000012", Result::Incomplete},
-        {"0000001202", Result::UnknownVersion},
-        {"000000120103", Result::UnknownKind},
-        {"000000120102", Result::Incomplete},
+        {"0000001201", Result::UnknownVersion},
+        {"000000120203", Result::UnknownKind},
+        {"000000120202", Result::Incomplete},
     };
     for (const auto& [bytes, result] : cases) {
         FrameReader reader;
@@ -100,19 +100,32 @@ class SealTest : public ::testing::Test {
     KeyPair host;
     KeyPair terminal;
     KeyPair stranger;
+    const SigningKey signer = signingKeyFrom(SecureBytes(crypto_sign_SEEDBYTES, 7));
     MessageNumber number{};
     const SecureBytes fields = secure("what is said");
 };
 
 TEST_F(SealTest, OnlyTheHostReadsARequest) {
-    const QByteArray sealed = *sealRequest(number, terminal.publicKey, fields, host.publicKey);
+    const QByteArray sealed = *sealRequest(number, terminal.publicKey, fields, host.publicKey, signer);
     EXPECT_FALSE(sealed.contains("what"));
     const auto opened = openRequest(sealed, host);
     ASSERT_TRUE(opened);
     EXPECT_EQ(opened->replyKey, terminal.publicKey);
     EXPECT_EQ(opened->fields, fields);
+    EXPECT_TRUE(isSignedBy(*opened, signer.publicKey, host.publicKey));
+    EXPECT_FALSE(isSignedBy(*opened, terminal.publicKey, host.publicKey));
+    EXPECT_FALSE(isSignedBy(*opened, signer.publicKey, stranger.publicKey)) << "for another host";
+    for (auto change : std::initializer_list<void (*)(OpenedRequest&)>{
+             [](OpenedRequest& request) { request.number[0] ^= 1; },
+             [](OpenedRequest& request) { request.replyKey[0] ^= 1; },
+             [](OpenedRequest& request) { request.fields[0] ^= 1; }}) {
+        OpenedRequest changed = *opened;
+        change(changed);
+        EXPECT_FALSE(isSignedBy(changed, signer.publicKey, host.publicKey));
+    }
     EXPECT_FALSE(openRequest(sealed, stranger));
-    EXPECT_FALSE(sealRequest(number, terminal.publicKey, fields, PublicKey{})) << "a key that is none";
+    EXPECT_FALSE(sealRequest(number, terminal.publicKey, fields, PublicKey{}, signer))
+        << "a key that is none";
 }
 
 TEST_F(SealTest, OnlyTheHostsReplyToThisRequestCounts) {

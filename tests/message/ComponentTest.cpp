@@ -56,6 +56,8 @@ class ComponentTest : public ::testing::Test {
         EXPECT_EQ(startCipher(), kDone);
         EXPECT_EQ(makeKeyPair(&host), kDone);
         EXPECT_TRUE(writeHostKey(host.publicKey));
+        SigningKey own;
+        EXPECT_EQ(makeSigningKey(&own), kDone);
         EXPECT_TRUE(writeSavedValues(
             {{u"101"_s, u"4711"_s}, {u"221"_s, savedAddress(0x7F000001)}, {u"222"_s, u"8480"_s}}));
         EXPECT_TRUE(listener.listen(QHostAddress::LocalHost));

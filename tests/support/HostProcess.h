@@ -8,6 +8,7 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
+#include "platform/message/Enrolment.h"
 #include "platform/message/SavedValues.h"
 
 namespace test {
@@ -18,7 +19,8 @@ class HostProcess {
   public:
     ~HostProcess() { stop(); }
 
-    /// Starts the host and enters its key for the terminal.
+    /// Starts the host, enters its key for the terminal and enrols the tests' terminals with the key of this
+    /// one.
     void start(const QStringList& more = {}) {
         using namespace Qt::Literals::StringLiterals;
         process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
@@ -32,6 +34,10 @@ class HostProcess {
         ASSERT_TRUE(key.open(QIODevice::ReadOnly));
         const auto parsed = platform::message::parsePublicKey(key.readAll());
         ASSERT_TRUE(parsed && platform::message::writeHostKey(*parsed));
+        platform::message::SigningKey own;
+        ASSERT_EQ(platform::message::makeSigningKey(&own), platform::message::kDone);
+        for (const QString& number : {u"4711"_s, u"4712"_s, u"4713"_s, u"98"_s, u"99"_s, u"0000000001"_s})
+            ASSERT_TRUE(platform::message::enrolTerminal(folder(), number, own.publicKey));
     }
     void stop() {
         if (process_.state() == QProcess::NotRunning) return;

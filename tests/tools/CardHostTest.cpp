@@ -2,6 +2,7 @@
 
 #include "AdminTest.h"
 #include "platform/Device.h"
+#include "platform/message/Enrolment.h"
 #include "platform/message/SavedValues.h"
 
 namespace test {
@@ -21,7 +22,13 @@ TEST_F(CardHostTest, WritesWhatTheTerminalReads) {
     const QString key = writeFile(u"host.pub"_s, QByteArray(62, 'a') + "B1\n");
     Ended ended = set(u"10.11.2.3"_s, u"40001"_s, key, {u"--terminal"_s, u"4711"_s});
     EXPECT_EQ(ended.exitCode, admin::kSuccess) << narrow(ended.err);
-    EXPECT_EQ(narrow(ended.out), "terminal 4711 uses the card host 10.11.2.3:40001\n");
+    SigningKey own;
+    ASSERT_EQ(readSigningKey(&own), kDone);
+    const QByteArray ownKey = QByteArrayView(own.publicKey).toByteArray().toHex();
+    EXPECT_EQ(narrow(ended.out),
+              "terminal 4711 uses the card host 10.11.2.3:40001\n"
+              "the host answers it after: rovana-cardhost enrol --dir HOSTDIR --terminal 4711 --key " +
+                  ownKey.toStdString() + "\n");
     SavedValues values;
     ASSERT_EQ(readSavedValues(&values), kDone);
     EXPECT_EQ(values,
@@ -34,7 +41,10 @@ TEST_F(CardHostTest, WritesWhatTheTerminalReads) {
     // Another host keeps the terminal's number and what else is saved.
     values[u"301"_s] = u"kept"_s;
     ASSERT_TRUE(writeSavedValues(values));
+    const QString folder = QFileInfo(key).path();
+    writeFile(u"host.key"_s, "the host's own folder");
     EXPECT_EQ(set(u"127.0.0.1"_s, u"1"_s, key).exitCode, admin::kSuccess);
+    EXPECT_EQ(enrolledKey(folder, u"4711"_s), own.publicKey) << "with the key of before";
     ASSERT_EQ(readSavedValues(&values), kDone);
     EXPECT_EQ(values, (SavedValues{{u"101"_s, u"4711"_s},
                                    {u"221"_s, u"127000000001"_s},

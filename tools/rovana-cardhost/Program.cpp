@@ -7,7 +7,12 @@
 #include <QRegularExpression>
 
 #include "platform/Clock.h"
+#include "platform/Device.h"
+#include "platform/OwnerOnly.h"
+#include "platform/Trace.h"
 #include "platform/Wipe.h"
+#include "platform/message/Enrolment.h"
+#include "platform/message/SavedValues.h"
 #include "platform/termdev/DemoCards.h"
 #include "rovana-cardhost/Faults.h"
 #include "rovana-cardhost/Keys.h"
@@ -24,10 +29,16 @@ constexpr QStringView kUsage =
     u"HH:mm\"]\n"
     "       rovana-cardhost card --dir DIR --balance WON --limit WON\n"
     "       rovana-cardhost cards --dir DIR\n"
+    "       rovana-cardhost enrol --dir DIR --terminal NUMBER --key KEY\n"
+    "       rovana-cardhost forget --dir DIR --terminal NUMBER\n"
+    "       rovana-cardhost terminals --dir DIR\n"
     "The card network's host: keeps cards and payments in DIR and answers terminals on 127.0.0.1. Keys and\n"
     "ledger are made at the first start; DIR/host.pub goes to the terminals.\n"
     "\"card\" enters a card or replaces what is known of it, and reads two lines: its track 3 as a reader\n"
-    "gives it, and its password of four characters. \"cards\" lists numbers, balances and limits.\n";
+    "gives it, and its password of four characters. \"cards\" lists numbers, balances and limits.\n"
+    "Only terminals that were enrolled get answers. \"enrol\" enters one, or gives it another key: the 64\n"
+    "hexadecimal digits that \"rovanactl card-host\" shows. \"forget\" takes it out, \"terminals\" lists "
+    "them.\n";
 
 struct Options {
     QString folder;
@@ -37,6 +48,8 @@ struct Options {
     QString command;
     qint64 balance = 0;
     qint64 limit = 0;
+    QString terminal;
+    std::optional<platform::message::PublicKey> key;
 };
 
 /// "--fault late 3" in two words is "--fault 'late 3'".
@@ -66,6 +79,8 @@ void addOptions(QCommandLineParser& parser) {
          u"NAME[@N]"_s},
         {u"clock"_s, u"Stops the host's clock, for tests."_s, u"yyyy-MM-dd HH:mm"_s},
         {u"balance"_s, u"The account's balance, won."_s, u"WON"_s},
+        {u"terminal"_s, u"A terminal's number, up to ten digits."_s, u"NUMBER"_s},
+        {u"key"_s, u"The terminal's public key."_s, u"KEY"_s},
         {u"limit"_s, u"The most that one payment may take, won."_s, u"WON"_s},
     });
 }
@@ -75,7 +90,10 @@ QString read(const QCommandLineParser& parser, Options* options) {
     if (parser.positionalArguments().size() > 1) return u"too many arguments"_s;
     options->command = parser.positionalArguments().value(0);
     const bool isCard = options->command == u"card";
-    if (!isCard && !options->command.isEmpty() && options->command != u"cards")
+    const bool isEnrol = options->command == u"enrol";
+    const bool isTerminalWanted = isEnrol || options->command == u"forget";
+    if (!isCard && !isTerminalWanted && !options->command.isEmpty() && options->command != u"cards" &&
+        options->command != u"terminals")
         return u"there is no command \"%1\""_s.arg(options->command);
     options->folder = parser.value(u"dir"_s);
     if (options->folder.isEmpty()) return u"--dir DIR is needed"_s;
@@ -94,6 +112,13 @@ QString read(const QCommandLineParser& parser, Options* options) {
         if (!moment.isValid()) return u"--clock takes a moment such as \"2026-11-21 09:05\""_s;
         platform::clock::set(moment);
     }
+    options->terminal = parser.value(u"terminal"_s);
+    if (parser.isSet(u"terminal"_s) != isTerminalWanted ||
+        (isTerminalWanted && !platform::message::isTerminalNumber(options->terminal)))
+        return u"--terminal takes up to ten digits and goes with \"enrol\" and \"forget\""_s;
+    options->key = platform::message::parsePublicKey(parser.value(u"key"_s).toLatin1());
+    if (parser.isSet(u"key"_s) != isEnrol || (isEnrol && !options->key))
+        return u"--key takes 64 hexadecimal digits and goes with \"enrol\""_s;
     options->isDemo = parser.isSet(u"demo"_s);
     const auto readWon = [&](const QString& name, qint64* won) {
         if (parser.isSet(name) != isCard) return false;
@@ -115,6 +140,19 @@ QString putCard(Ledger& ledger, const Options& options, QTextStream& in) {
     return isCard ? QString() : u"two lines are wanted: track 3, and a password of four characters"_s;
 }
 
+/// Enrols, forgets or lists terminals; what went wrong, or nothing.
+QString runTerminals(const Options& options, QTextStream& out) {
+    using namespace platform::message;
+    if (options.command == u"enrol" && !enrolTerminal(options.folder, options.terminal, *options.key))
+        return u"terminal %1 could not be entered in %2"_s.arg(options.terminal, options.folder);
+    if (options.command == u"forget" && !removeTerminal(options.folder, options.terminal))
+        return u"there is no terminal %1 in %2"_s.arg(options.terminal, options.folder);
+    if (options.command == u"terminals") {
+        for (const QString& number : enrolledTerminals(options.folder)) out << number << u'\n';
+    }
+    return {};
+}
+
 int serve(Ledger& ledger, const Options& options, QTextStream& out, QTextStream& err) {
     if (options.isDemo) {
         for (const platform::termdev::DemoCard& card : platform::termdev::demoCards()) {
@@ -123,7 +161,10 @@ int serve(Ledger& ledger, const Options& options, QTextStream& out, QTextStream&
                 ledger.putCard(track, card.password, card.balance, card.limit);
         }
     }
-    Server server(ledger, options.faults);
+    platform::device::setFolder(options.folder);
+    if (!platform::openLog()) err << u"rovana-cardhost: no log can be kept in %1\n"_s.arg(options.folder);
+    platform::tightenFiles(options.folder);
+    Server server(ledger, options.folder, options.faults);
     if (options.isDemo) {
         // Silence lasts no longer than the host that it was asked of.
         const QString silencer = QDir(options.folder).filePath(u"silent"_s);
@@ -163,7 +204,11 @@ int run(const QStringList& arguments, QTextStream& in, QTextStream& out, QTextSt
         } else if (std::optional<Keys> keys = openKeys(options.folder, &error)) {
             Ledger ledger(options.folder, std::move(*keys));
             if (options.command.isEmpty()) return serve(ledger, options, out, err);
-            if (options.command == u"card") error = putCard(ledger, options, in);
+            if (options.command == u"card") {
+                error = putCard(ledger, options, in);
+            } else {
+                error = runTerminals(options, out);
+            }
             for (const CardState& card : options.command == u"cards" ? ledger.cards() : QList<CardState>()) {
                 out << card.number << u'\t' << card.balance << u'\t' << card.limit << u'\n';
             }

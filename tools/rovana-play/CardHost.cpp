@@ -2,9 +2,11 @@
 
 #include <QCoreApplication>
 #include <QFile>
+#include <QFileInfo>
 #include <QHostAddress>
 
 #include "platform/Device.h"
+#include "platform/message/Enrolment.h"
 #include "platform/message/SavedValues.h"
 #include "platform/message/Seal.h"
 
@@ -26,8 +28,10 @@ QString tellTerminal(const QString& keyFile, quint16 port) {
         {kHostAddressKey.toString(), savedAddress(QHostAddress(QHostAddress::LocalHost).toIPv4Address())},
         {kHostPortKey.toString(), QString::number(port)},
         {kTerminalKey.toString(), kTerminal.toString()}};
-    return writeHostKey(*key) && writeSavedValues(values) ? QString()
-                                                          : u"the saved values could not be written"_s;
+    SigningKey own;
+    const bool isTold = writeHostKey(*key) && writeSavedValues(values) && makeSigningKey(&own) == kDone &&
+                        enrolTerminal(QFileInfo(keyFile).path(), kTerminal.toString(), own.publicKey);
+    return isTold ? QString() : u"the saved values could not be written"_s;
 }
 
 }  // namespace

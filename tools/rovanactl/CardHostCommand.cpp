@@ -1,8 +1,9 @@
 #include <QFile>
+#include <QFileInfo>
 #include <QHostAddress>
-#include <algorithm>
 
 #include "platform/Device.h"
+#include "platform/message/Enrolment.h"
 #include "platform/message/SavedValues.h"
 #include "platform/message/Seal.h"
 #include "rovanactl/Command.h"
@@ -26,10 +27,6 @@ void addCardHostOptions(QCommandLineParser& parser) {
     });
 }
 
-bool areDigits(const QString& text) {
-    return !text.isEmpty() && std::ranges::all_of(text, [](QChar c) { return c >= u'0' && c <= u'9'; });
-}
-
 QString newTerminal() {
     QString digits;
     while (digits.size() < kTerminalDigits) digits += QChar(u'0' + char16_t(randombytes_uniform(10)));
@@ -48,7 +45,7 @@ Outcome setCardHost(const Invocation& call) {
     const quint16 port = options.value(u"port"_s).toUShort(&isPort);
     if (!isPort || port == 0) return usageError(u"--port takes a number from 1 to 65535"_s);
     const QString terminal = options.value(u"terminal"_s);
-    if (options.isSet(u"terminal"_s) && !(areDigits(terminal) && terminal.size() <= kTerminalDigits))
+    if (options.isSet(u"terminal"_s) && !isTerminalNumber(terminal))
         return usageError(u"--terminal takes up to ten digits"_s);
 
     QFile file(options.value(u"key"_s));
@@ -66,13 +63,24 @@ Outcome setCardHost(const Invocation& call) {
     QString& number = values[kTerminalKey.toString()];
     if (!terminal.isEmpty()) number = terminal;
     if (number.isEmpty()) number = newTerminal();
-    if (!writeHostKey(*key) || !writeSavedValues(values)) {
+    SigningKey own;
+    if (!writeHostKey(*key) || !writeSavedValues(values) || makeSigningKey(&own) != kDone) {
         return failure(
             u"the saved values could not be written to %1; make the device folder with \"rovanactl init\""_s
                 .arg(platform::device::folder()));
     }
     call.out << u"terminal "_s << number << u" uses the card host "_s << address.toString() << u':' << port
              << u'\n';
+    // A host of this machine, as that of the demonstration, is told here and now.
+    const QString hostFolder = QFileInfo(file).absolutePath();
+    if (QFileInfo(hostFolder + u"/host.key"_s).isWritable() &&
+        enrolTerminal(hostFolder, number, own.publicKey)) {
+        call.out << u"and is enrolled there\n"_s;
+    } else {
+        call.out << u"the host answers it after: rovana-cardhost enrol --dir HOSTDIR --terminal "_s << number
+                 << u" --key "_s << QString::fromLatin1(QByteArrayView(own.publicKey).toByteArray().toHex())
+                 << u'\n';
+    }
     return {};
 }
 
@@ -83,7 +91,11 @@ constinit const Command kCardHostCommand{
     u"",
     u"tells the terminal its card host",
     u"Writes the address, the port, the terminal's number and the host's public key into the device folder,\n"
-    "in place of those of before. A running terminal uses them with its next request.",
+    "in place of those of before. A running terminal uses them with its next request. The terminal gets a "
+    "key of\n"
+    "its own, by which the host has to know it: where host.pub lies in the host's own folder it is enrolled "
+    "at\n"
+    "once, else the command for it is shown.",
     0,
     0,
     addCardHostOptions,

@@ -256,11 +256,13 @@ Status Component::seal(const FieldWriter& body) {
     auto request = std::make_unique<Request>();
     if (const Status status = readHostKey(&request->hostKey); status != kDone) return status;
     if (const Status status = startCipher(); status != kDone) return status;
+    SigningKey terminal;
+    if (const Status status = readSigningKey(&terminal); status != kDone) return status;
     if (const Status status = makeKeyPair(&request->replyKey); status != kDone) return status;
     request->kind = kind_;
     request->number = makeMessageNumber();
     const std::optional<QByteArray> sealed =
-        sealRequest(request->number, request->replyKey.publicKey, body.bytes(), request->hostKey);
+        sealRequest(request->number, request->replyKey.publicKey, body.bytes(), request->hostKey, terminal);
     if (!sealed) return kPublicKeyFailed;
     request->frame = encodeFrame({FrameKind::Request, request->number, *sealed});
     if (request->frame.isEmpty()) return kBadInput;

@@ -11,7 +11,7 @@
 namespace platform::message {
 
 inline constexpr qsizetype kFrameLimit = 64 * 1024;  ///< Bytes of a whole frame, its length included.
-inline constexpr quint8 kFrameVersion = 1;
+inline constexpr quint8 kFrameVersion = 2;
 
 /// Tells a request from all others, of all terminals: 16 random bytes.
 using MessageNumber = std::array<unsigned char, 16>;

@@ -32,10 +32,10 @@ std::optional<QByteArray> readFile(QStringView handheldPath) {
     return content;
 }
 
-bool writeFile(QStringView handheldPath, const QByteArray& content) {
+bool writeFile(QStringView handheldPath, QByteArrayView content) {
     QSaveFile file(device::path(handheldPath));
     return file.open(QIODevice::WriteOnly) && file.setPermissions(QFile::ReadOwner | QFile::WriteOwner) &&
-           file.write(content) == content.size() && file.commit();
+           file.write(content.data(), content.size()) == content.size() && file.commit();
 }
 
 }  // namespace
@@ -102,6 +102,37 @@ Status readHostKey(PublicKey* key) {
 bool writeHostKey(const PublicKey& key) {
     const QByteArrayView bytes(key);
     return writeFile(kHostKeyFile, bytes.toByteArray().toHex() + '\n');
+}
+
+Status readSigningKey(SigningKey* key) {
+    const QString path = device::path(kSigningKeyFile);
+    if (!QFileInfo::exists(path)) return kKeyFileMissing;
+    // Unbuffered, so that no copy of the secret stays behind.
+    QFile file(path);
+    SecureBytes digits(2 * crypto_sign_SEEDBYTES);
+    SecureBytes seed(crypto_sign_SEEDBYTES);
+    std::size_t size = 0;
+    const auto text = reinterpret_cast<char*>(digits.data());
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly | QIODevice::Unbuffered) ||
+        file.read(text, qint64(digits.size())) != qint64(digits.size()) ||
+        sodium_hex2bin(seed.data(), seed.size(), text, digits.size(), nullptr, &size, nullptr) != 0 ||
+        size != seed.size()) {
+        return kKeyFileUnreadable;
+    }
+    *key = signingKeyFrom(seed);
+    return kDone;
+}
+
+Status makeSigningKey(SigningKey* key) {
+    if (const Status status = readSigningKey(key); status != kKeyFileMissing) return status;
+    SecureBytes seed(crypto_sign_SEEDBYTES);
+    randombytes_buf(seed.data(), seed.size());
+    SecureBytes digits(2 * seed.size() + 1);
+    sodium_bin2hex(reinterpret_cast<char*>(digits.data()), digits.size(), seed.data(), seed.size());
+    digits.back() = '\n';
+    return writeFile(kSigningKeyFile, QByteArrayView(digits.data(), qsizetype(digits.size())))
+               ? readSigningKey(key)
+               : kKeyFileUnreadable;
 }
 
 QString savedAddress(quint32 address) {

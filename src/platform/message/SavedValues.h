@@ -7,12 +7,14 @@
 #include "platform/message/Seal.h"
 #include "platform/message/Status.h"
 
-/// The component's two files in the device folder: its saved values, lines such as "222=8480", and the host's
-/// public key, 64 hexadecimal digits.
+/// The component's files in the device folder: its saved values, lines such as "222=8480", and the host's
+/// public key, 64 hexadecimal digits. A third holds the secret of the terminal's own key, 64 digits too.
 namespace platform::message {
 
 inline constexpr QStringView kSavedValuesFile = u"\\Flash Disk\\KSNETMSG.ini";
 inline constexpr QStringView kHostKeyFile = u"\\Flash Disk\\KSNETMSG.pub";
+
+inline constexpr QStringView kSigningKeyFile = u"\\Flash Disk\\KSNETMSG.key";
 
 inline constexpr QStringView kTerminalKey = u"101";     ///< The terminal's number at the host.
 inline constexpr QStringView kHostAddressKey = u"221";  ///< IPv4 address, each octet as three digits.
@@ -37,6 +39,12 @@ Status readHostKey(PublicKey* key);
 
 /// Replaces the host's public key; false when that fails.
 bool writeHostKey(const PublicKey& key);
+
+/// The key with which this terminal signs: kDone, kKeyFileMissing or kKeyFileUnreadable.
+Status readSigningKey(SigningKey* key);
+
+/// The same, made first when there is none; a file that is there is never replaced, since hosts know its key.
+Status makeSigningKey(SigningKey* key);
 
 /// An IPv4 address as saved value "221" has it: 12 digits, first octet first.
 QString savedAddress(quint32 address);

@@ -1,12 +1,15 @@
 #include "platform/message/Seal.h"
 
 #include <algorithm>
+#include <string_view>
 
 namespace platform::message {
 namespace {
 
 constexpr std::size_t kNumberSize = sizeof(MessageNumber);
-constexpr std::size_t kRequestPrefix = kNumberSize + crypto_box_PUBLICKEYBYTES;
+constexpr std::size_t kRequestPrefix = kNumberSize + crypto_box_PUBLICKEYBYTES + crypto_sign_BYTES;
+/// Stands before what is signed, so that no signature made for anything else fits.
+constexpr std::string_view kSignedAs = "rovana request 2";
 
 unsigned char* bytes(QByteArray& array) {
     return reinterpret_cast<unsigned char*>(array.data());
@@ -14,6 +17,18 @@ unsigned char* bytes(QByteArray& array) {
 
 const unsigned char* bytes(QByteArrayView view) {
     return reinterpret_cast<const unsigned char*>(view.data());
+}
+
+/// What a terminal signs. The host's key is part of it: what was signed for one host says nothing to another.
+SecureBytes toBeSigned(const MessageNumber& number, const PublicKey& replyKey, const SecureBytes& fields,
+                       const PublicKey& hostKey) {
+    SecureBytes text(kSignedAs.size() + hostKey.size() + number.size() + replyKey.size() + fields.size());
+    auto at = std::copy(kSignedAs.begin(), kSignedAs.end(), text.begin());
+    at = std::copy(hostKey.begin(), hostKey.end(), at);
+    at = std::copy(number.begin(), number.end(), at);
+    at = std::copy(replyKey.begin(), replyKey.end(), at);
+    std::copy(fields.begin(), fields.end(), at);
+    return text;
 }
 
 }  // namespace
@@ -43,11 +58,25 @@ MessageNumber makeMessageNumber() {
     return number;
 }
 
+SigningKey signingKeyFrom(const SecureBytes& seed) {
+    SigningKey key;
+    if (seed.size() != crypto_sign_SEEDBYTES) return key;
+    key.secretKey.resize(crypto_sign_SECRETKEYBYTES);
+    crypto_sign_seed_keypair(key.publicKey.data(), key.secretKey.data(), seed.data());
+    return key;
+}
+
 std::optional<QByteArray> sealRequest(const MessageNumber& number, const PublicKey& replyKey,
-                                      const SecureBytes& fields, const PublicKey& hostKey) {
+                                      const SecureBytes& fields, const PublicKey& hostKey,
+                                      const SigningKey& terminal) {
+    if (terminal.secretKey.size() != crypto_sign_SECRETKEYBYTES) return std::nullopt;
+    Signature signature;
+    const SecureBytes text = toBeSigned(number, replyKey, fields, hostKey);
+    crypto_sign_detached(signature.data(), nullptr, text.data(), text.size(), terminal.secretKey.data());
     SecureBytes plain(kRequestPrefix + fields.size());
     auto at = std::copy(number.begin(), number.end(), plain.begin());
     at = std::copy(replyKey.begin(), replyKey.end(), at);
+    at = std::copy(signature.begin(), signature.end(), at);
     std::copy(fields.begin(), fields.end(), at);
     QByteArray sealed(qsizetype(crypto_box_SEALBYTES + plain.size()), Qt::Uninitialized);
     if (crypto_box_seal(bytes(sealed), plain.data(), plain.size(), hostKey.data()) != 0) return std::nullopt;
@@ -64,8 +93,16 @@ std::optional<OpenedRequest> openRequest(QByteArrayView sealed, const KeyPair& h
     OpenedRequest request;
     std::copy_n(plain.begin(), kNumberSize, request.number.begin());
     std::copy_n(plain.begin() + kNumberSize, request.replyKey.size(), request.replyKey.begin());
+    std::copy_n(plain.begin() + kNumberSize + request.replyKey.size(), request.signature.size(),
+                request.signature.begin());
     request.fields.assign(plain.begin() + kRequestPrefix, plain.end());
     return request;
+}
+
+bool isSignedBy(const OpenedRequest& request, const PublicKey& terminal, const PublicKey& hostKey) {
+    const SecureBytes text = toBeSigned(request.number, request.replyKey, request.fields, hostKey);
+    return crypto_sign_verify_detached(request.signature.data(), text.data(), text.size(), terminal.data()) ==
+           0;
 }
 
 std::optional<QByteArray> sealReply(const MessageNumber& number, const SecureBytes& fields,

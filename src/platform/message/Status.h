@@ -10,8 +10,8 @@ enum Status : qint16 {
     kBadInput = -100,           ///< A wrong parameter, a call out of order, an operation that is not offered.
     kConnectionFailed = -500,   ///< No way to the host, or it refuses the connection.
     kLinkFailed = -504,         ///< No socket, or an exchange is under way already.
-    kKeyFileMissing = -801,     ///< There is no file with the host's public key.
-    kKeyFileUnreadable = -804,  ///< The file cannot be read or holds no key.
+    kKeyFileMissing = -801,     ///< The file with the host's or the terminal's key is missing.
+    kKeyFileUnreadable = -804,  ///< Such a file cannot be read or holds no key.
     kSavedUnreadable = -806,    ///< The saved values are missing or cannot be read.
     kSavedMissing = -807,       ///< The saved values lack the one asked for.
     kCipherFailed = -901,       ///< The cipher library does not start, or its random source stands still.

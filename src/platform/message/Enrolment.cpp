@@ -1,0 +1,64 @@
+#include "platform/message/Enrolment.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSaveFile>
+#include <QStringBuilder>
+#include <algorithm>
+
+#include "platform/message/SavedValues.h"
+
+namespace platform::message {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr qsizetype kMostDigits = 10;
+constexpr qint64 kLargestFile = 1024;
+constexpr QStringView kSuffix = u".pub";
+
+QString terminalsFolder(const QString& hostFolder) {
+    return hostFolder + u"/terminals"_s;
+}
+
+QString keyFile(const QString& hostFolder, const QString& number) {
+    return terminalsFolder(hostFolder) % u'/' % number % kSuffix;
+}
+
+}  // namespace
+
+bool isTerminalNumber(QStringView text) {
+    return !text.isEmpty() && text.size() <= kMostDigits &&
+           std::ranges::all_of(text, [](QChar c) { return c >= u'0' && c <= u'9'; });
+}
+
+bool enrolTerminal(const QString& hostFolder, const QString& number, const PublicKey& key) {
+    if (!isTerminalNumber(number) || !QDir().mkpath(terminalsFolder(hostFolder))) return false;
+    QSaveFile file(keyFile(hostFolder, number));
+    const QByteArray digits = QByteArrayView(key).toByteArray().toHex() + '\n';
+    return file.open(QIODevice::WriteOnly) && file.setPermissions(QFile::ReadOwner | QFile::WriteOwner) &&
+           file.write(digits) == digits.size() && file.commit();
+}
+
+bool removeTerminal(const QString& hostFolder, const QString& number) {
+    return isTerminalNumber(number) && QFile::remove(keyFile(hostFolder, number));
+}
+
+std::optional<PublicKey> enrolledKey(const QString& hostFolder, const QString& number) {
+    if (!isTerminalNumber(number)) return std::nullopt;
+    QFile file(keyFile(hostFolder, number));
+    if (!file.open(QIODevice::ReadOnly)) return std::nullopt;
+    return parsePublicKey(file.read(kLargestFile));
+}
+
+QStringList enrolledTerminals(const QString& hostFolder) {
+    QStringList numbers;
+    const QDir folder(terminalsFolder(hostFolder));
+    for (const QString& name : folder.entryList({u'*' + kSuffix.toString()}, QDir::Files, QDir::Name)) {
+        const QString number = name.chopped(kSuffix.size());
+        if (isTerminalNumber(number)) numbers << number;
+    }
+    return numbers;
+}
+
+}  // namespace platform::message
