@@ -10,11 +10,15 @@
 #include <QFileInfo>
 #include <QProcess>
 #include <QTcpSocket>
+#include <atomic>
+#include <cstdio>
 #include <deque>
+#include <thread>
 
 #include "platform/message/Component.h"
 #include "platform/message/SavedValues.h"
 #include "platform/termdev/DemoCards.h"
+#include "rovana-cardhost/RateLimit.h"
 #include "rovana-cardhost/Sqlite.h"
 #include "support/Exchange.h"
 #include "support/HostProcess.h"
@@ -444,8 +448,7 @@ TEST_F(HostTest, OnlyAnEnrolledTerminalGetsAnAnswer) {
     QFile log(host.folder() + u"/rovana.log"_s);
     ASSERT_TRUE(log.open(QIODevice::ReadOnly));
     const QByteArray said = log.readAll();
-    for (const char* text :
-         {"terminal 99 has not signed it", "terminal 97 is not enrolled", "names no terminal"})
+    for (const char* text : {"terminal 99 is not signed", "terminal 97 is not enrolled", "names no terminal"})
         EXPECT_TRUE(said.contains(text)) << text;
 
     // Enrolled while the host runs, and forgotten again.
@@ -467,85 +470,166 @@ TEST_F(HostTest, OnlyAnEnrolledTerminalGetsAnAnswer) {
     EXPECT_EQ(balance(u"good"), u"99999000") << "none of the others was charged";
 }
 
-/// Connections that mean no good, from addresses of their own, as many at once as one program may have.
+/// Connections that mean no good, made by a thread as fast as it can and 400 open at once: silent and
+/// half-open ones, slow ones, and those whose frames are oversized, rubbish or a stranger's.
 class Attack {
   public:
-    explicit Attack(quint16 port) : port_(port) {}
+    /// After each heap of connections it waits until `go` was called.
+    Attack(quint16 port, int connections, int heap, unsigned addresses, const QByteArray& stranger)
+        : thread_([=, this] {
+              const QByteArray sent[] = {
+                  {},
+                  QByteArray::fromHex("0000fffc0201") + QByteArray(30'000, 'x'),
+                  QByteArray::fromHex("ffffffff0201") + QByteArray(60'000, 'x'),
+                  QByteArray::fromHex("000001000201") + QByteArray(254, 'x'),
+                  stranger,
+              };
+              std::deque<int> open;
+              for (int i = 0; i < connections && !isStopped_; ++i) {
+                  if (open.size() >= 400) {
+                      ::close(open.front());
+                      open.pop_front();
+                  }
+                  open.push_back(connectFrom(unsigned(i) % addresses, port));
+                  send(open.back(), sent[i % std::ssize(sent)]);
+                  send(open[open.size() / 2], "x");
+                  if (i % 8 == 0) ::shutdown(open.back(), SHUT_WR);
+                  const int gone = goes_;
+                  if (i % heap == heap - 1 && !isStopped_) goes_.wait(gone);
+              }
+              for (const int socket : open) ::close(socket);
+              isOver_ = true;
+          }) {}
     ~Attack() {
-        for (const int socket : open_) ::close(socket);
+        isStopped_ = true;
+        go();
+        thread_.join();
     }
+    Attack(const Attack&) = delete;
+    Attack& operator=(const Attack&) = delete;
 
-    void connectOne() {
-        if (open_.size() >= 400) {
-            ::close(open_.front());
-            open_.pop_front();
-        }
-        const int socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-        ASSERT_GE(socket, 0);
-        open_.push_back(socket);
-        sockaddr_in from{.sin_family = AF_INET, .sin_port = 0, .sin_addr = {}, .sin_zero = {}};
-        from.sin_addr.s_addr = htonl(INADDR_LOOPBACK + 1 + count_ % 16);
-        ASSERT_EQ(::bind(socket, reinterpret_cast<sockaddr*>(&from), sizeof from), 0);
-        ::fcntl(socket, F_SETFL, O_NONBLOCK);
-        sockaddr_in to{.sin_family = AF_INET, .sin_port = htons(port_), .sin_addr = {}, .sin_zero = {}};
-        to.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        ::connect(socket, reinterpret_cast<sockaddr*>(&to), sizeof to);
-        const QByteArray sent[] = {
-            {},                                                                  // says nothing
-            QByteArray::fromHex("0000fffc0201") + QByteArray(30'000, 'x'),       // stops half way
-            QByteArray::fromHex("ffffffff0201") + QByteArray(60'000, 'x'),       // oversized
-            QByteArray::fromHex("000001000201") + QByteArray(252 + 16, '\x5a'),  // a frame of rubbish
-        };
-        const QByteArray& bytes = sent[count_ % 4];
-        if (!bytes.isEmpty()) ::send(socket, bytes.constData(), std::size_t(bytes.size()), MSG_NOSIGNAL);
-        if (count_ % 8 == 0) ::shutdown(socket, SHUT_WR);  // half open
-        ++count_;
+    void go() {
+        ++goes_;
+        goes_.notify_all();
     }
-    int count() const { return count_; }
+    bool isOver() const { return isOver_; }
+    int reached() const { return reached_; }
 
   private:
-    quint16 port_;
-    int count_ = 0;
-    std::deque<int> open_;
+    static sockaddr_in loopback(unsigned number, quint16 port) {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_port = htons(port);
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK + number);
+        return address;
+    }
+    int connectFrom(unsigned number, quint16 port) {
+        const int socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        // It ends with a reset, which leaves the machine no port that waits.
+        const linger reset{1, 0};
+        ::setsockopt(socket, SOL_SOCKET, SO_LINGER, &reset, sizeof reset);
+        const sockaddr_in from = loopback(number, 0);
+        const sockaddr_in to = loopback(0, port);
+        if (::bind(socket, reinterpret_cast<const sockaddr*>(&from), sizeof from) == 0 &&
+            ::connect(socket, reinterpret_cast<const sockaddr*>(&to), sizeof to) == 0)
+            ++reached_;
+        return socket;
+    }
+    static void send(int socket, const QByteArray& bytes) {
+        ::send(socket, bytes.constData(), std::size_t(bytes.size()), MSG_NOSIGNAL | MSG_DONTWAIT);
+    }
+
+    std::atomic<int> goes_ = 0;
+    std::atomic<int> reached_ = 0;
+    std::atomic<bool> isStopped_ = false;
+    std::atomic<bool> isOver_ = false;
+    std::thread thread_;  ///< Last: it uses the others.
 };
 
 TEST_F(HostTest, TenThousandHostileConnectionsKeepNoHonestTerminalWaiting) {
+#ifdef __SANITIZE_ADDRESS__
+    constexpr int kConnections = 500;
+#else
+    constexpr int kConnections = 4'000;
+#endif
     host.start();
-    Attack attack(host.port());
-    qint64 worst = 0;
-    for (int round = 0; round < 100; ++round) {
-        for (int i = 0; i < 100; ++i) ASSERT_NO_FATAL_FAILURE(attack.connectOne());
+    ASSERT_EQ(pay(u"good"), QString::fromLatin1(kGood));
+    const auto ask = [&] {
         QElapsedTimer timer;
         timer.start();
-        if (round == 50) {
-            ASSERT_EQ(pay(u"good"), QString::fromLatin1(kGood));
-        } else {
-            ASSERT_EQ(terminal.previous(), kDone);
-            ASSERT_EQ(terminal.run(host.port()), QString::fromLatin1(kGood)) << round;
+        EXPECT_EQ(terminal.previous(), kDone);
+        EXPECT_EQ(terminal.run(host.port()), QString::fromLatin1(kGood));
+        return timer.elapsed();
+    };
+    qint64 calm = 0;
+    for (int i = 0; i < 20; ++i) calm = std::max(calm, ask());
+    const QByteArray stranger = Request(u"1000", u"0100", u"97").frame();
+    constexpr struct {
+        int connections;
+        int heap;
+        unsigned addresses;
+    } kAttacks[] = {
+        {kConnections, 100, 16},
+        {kConnections, 100, 1},  // the honest terminal's own
+        {kConnections / 2, kConnections, 16},
+    };
+    for (const auto& [connections, heap, addresses] : kAttacks) {
+        Attack attack(host.port(), connections, heap, addresses, stranger);
+        qint64 worst = 0;
+        int answers = 0;
+        while (!attack.isOver() && !HasFailure()) {
+            worst = std::max(worst, ask());
+            ++answers;
+            attack.go();
         }
-        worst = std::max(worst, timer.elapsed());
+        std::printf("%d hostile connections from %u addresses in heaps of %d: %d answers, worst %lld ms\n",
+                    attack.reached(), addresses, std::min(heap, connections), answers, worst);
+        EXPECT_EQ(attack.reached(), connections);
+        EXPECT_GE(answers, connections / heap);
+        // All at once they are as quick as the machine is; one that takes its time in peace may do so here.
+        if (heap < connections) {
+            EXPECT_LT(worst, std::max<qint64>(1000, 20 * calm));
+        }
     }
-    EXPECT_EQ(attack.count(), 10'000);
-    EXPECT_LT(worst, 1000);
-    RecordProperty("worst_ms", int(worst));
+    std::printf("in peace the worst was %lld ms; the host took %lld KiB\n", calm, host.mostMemory());
     EXPECT_EQ(terminal.field(1104), u"11000");
     EXPECT_LT(QFileInfo(host.folder() + u"/rovana.log"_s).size(), 64 * 1024) << "nor is the log flooded";
+#ifndef __SANITIZE_ADDRESS__
+    EXPECT_LT(host.mostMemory(), 160 * 1024);
+#endif
 }
 
 TEST_F(HostTest, ATerminalThatAsksTooOftenIsClosed) {
     host.start();
-    Request request(u"0");
+    const Request request(u"0");
     Wire wire(host.port());
+    QElapsedTimer timer;
+    timer.start();
     int answers = 0;
-    for (; answers < 1000; ++answers) {
+    for (; answers < 3000; ++answers) {
         wire.socket.write(request.frame());
         if (!wire.receive()) break;
     }
-    EXPECT_GE(answers, 200);
-    EXPECT_LT(answers, 1000);
+    EXPECT_GE(answers, 500);
+    EXPECT_LE(answers, 501 + timer.elapsed() / 10);
     ASSERT_EQ(terminal.previous(), kDone);
     EXPECT_EQ(terminal.run(host.port()), QString::fromLatin1(kGood))
         << "another terminal's allowance is its own";
+
+    using namespace std::chrono_literals;
+    cardhost::RateLimit limit(2, 10);
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_TRUE(limit.take(u"a"_s, start) && limit.take(u"a"_s, start));
+    EXPECT_FALSE(limit.take(u"a"_s, start + 99ms));
+    EXPECT_TRUE(limit.take(u"a"_s, start + 101ms));
+    EXPECT_FALSE(limit.take(u"a"_s, start + 101ms));
+    limit.giveBack(u"a"_s);
+    EXPECT_TRUE(limit.take(u"a"_s, start + 101ms));
+    // However many come, what is kept of them is bounded: the last of them share.
+    int taken = 0;
+    for (int i = 0; i < 10'000; ++i) taken += limit.take(QString::number(i), start) ? 1 : 0;
+    EXPECT_LT(taken, 4100);
+    EXPECT_TRUE(limit.take(u"9999"_s, start + 10s)) << "those who were quiet make room";
 }
 
 TEST_F(HostTest, NoTrackAndNoPasswordIsOnDisk) {

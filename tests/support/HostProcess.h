@@ -48,6 +48,14 @@ class HostProcess {
     quint16 port() const { return port_; }
     QString folder() const { return folder_.path(); }
 
+    /// The most memory that it has had at once, in KiB.
+    qint64 mostMemory() const {
+        QFile status(QStringLiteral("/proc/%1/status").arg(process_.processId()));
+        EXPECT_TRUE(status.open(QIODevice::ReadOnly));
+        const QByteArray text = status.readAll();
+        return text.sliced(text.indexOf("VmHWM:") + 6).simplified().split(' ').first().toLongLong();
+    }
+
     static QString program() {
         return QCoreApplication::applicationDirPath() + QStringLiteral("/rovana-cardhost");
     }

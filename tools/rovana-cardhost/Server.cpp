@@ -1,16 +1,15 @@
 #include "rovana-cardhost/Server.h"
 
+#include <sys/resource.h>
+
 #include <QFile>
 #include <QHostAddress>
-#include <QPointer>
 #include <QTcpSocket>
-#include <QTimer>
 #include <QtEndian>
 #include <algorithm>
+#include <tuple>
 
 #include "platform/Trace.h"
-#include "platform/message/Enrolment.h"
-#include "platform/message/Fields.h"
 
 namespace cardhost {
 namespace {
@@ -19,17 +18,37 @@ using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
 using platform::message::Frame;
 using platform::message::FrameKind;
-using platform::message::FrameReader;
 using platform::message::kFrameLimit;
+using platform::message::OpenedRequest;
 
 constexpr auto kIdleTime = 60s;
-constexpr auto kProofTime = 10s;  ///< For the first request of a connection.
-constexpr qsizetype kMostTerminals = 256;
+constexpr auto kProofTime = 10s;          ///< For the first request of a connection.
+constexpr auto kUnwelcomeProofTime = 1s;  ///< The same, from an address that connects too often.
+/// What a connection has in any case: a terminal's request may come this long after its connection.
+constexpr auto kGrace = 20ms;
+constexpr auto kAgain = 5ms;
+constexpr auto kAcceptAgain = 100ms;
+constexpr qsizetype kMostTerminals = 512;
+constexpr int kHeap = 32;  ///< Connections that are taken before any is read.
+constexpr qsizetype kOwnDescriptors = 64;
 /// A flood of connections must not push an honest one out of the system's own queue.
-constexpr int kQueue = 1024;
+constexpr int kQueue = 4096;
 constexpr qint64 kMostUnread = 4 * kFrameLimit;
 constexpr qsizetype kPieceSize = 16;
 constexpr auto kPieceTime = 2ms;
+
+/// As many connections as the process may have descriptors for.
+qsizetype mostTerminals() {
+    rlimit limit{};
+    if (::getrlimit(RLIMIT_NOFILE, &limit) != 0) return kMostTerminals;
+    const rlim_t wanted = rlim_t(kMostTerminals + kHeap + kOwnDescriptors);
+    if (limit.rlim_cur < wanted) {
+        limit.rlim_cur = std::min(wanted, limit.rlim_max);
+        ::setrlimit(RLIMIT_NOFILE, &limit);
+    }
+    const auto descriptors = qsizetype(std::min(limit.rlim_cur, wanted));
+    return std::max<qsizetype>(1, descriptors - kHeap - kOwnDescriptors);
+}
 
 /// Sends the bytes piece by piece, each on its own.
 void sendInPieces(QTcpSocket* socket, const QByteArray& bytes) {
@@ -42,17 +61,36 @@ void sendInPieces(QTcpSocket* socket, const QByteArray& bytes) {
 
 }  // namespace
 
+Server::Listener::Listener() {
+    setListenBacklogSize(kQueue);
+    setMaxPendingConnections(kHeap);
+}
+
+void Server::Listener::incomingConnection(qintptr descriptor) {
+    auto* const socket = new QTcpSocket(this);
+    // Before its first byte is read.
+    socket->setReadBufferSize(kFrameLimit);
+    socket->setSocketDescriptor(descriptor);
+    addPendingConnection(socket);
+}
+
 Server::Server(Ledger& ledger, QString folder, QList<Fault> faults, QObject* parent)
     : QObject(parent),
       ledger_(ledger),
       folder_(std::move(folder)),
       faults_(std::move(faults)),
-      strangers_(100, 20),
-      requestsOf_(200, 20),
+      mostTerminals_(mostTerminals()),
+      connections_(100, 20),
+      requestsOf_(500, 100),
       complaints_(100, 1) {
-    listener_.setListenBacklogSize(kQueue);
-    listener_.setMaxPendingConnections(kQueue);
-    connect(&listener_, &QTcpServer::newConnection, this, &Server::accept);
+    again_.setSingleShot(true);
+    connect(&again_, &QTimer::timeout, this, &Server::accept);
+    // Queued, so that the listener stops at its heap: it would go on taking as long as any come.
+    connect(&listener_, &QTcpServer::newConnection, this, &Server::accept, Qt::QueuedConnection);
+    connect(&listener_, &QTcpServer::acceptError, this, [this] {
+        complain(u"no connection can be taken: %1"_s.arg(listener_.errorString()));
+        QTimer::singleShot(kAcceptAgain, &listener_, &QTcpServer::resumeAccepting);
+    });
 }
 
 bool Server::listen(quint16 port) {
@@ -60,43 +98,46 @@ bool Server::listen(quint16 port) {
 }
 
 void Server::accept() {
-    while (QTcpSocket* socket = listener_.nextPendingConnection()) {
-        connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
-        connect(socket, &QObject::destroyed, this, [this, socket] { terminals_.remove(socket); });
-        const QString address = socket->peerAddress().toString();
-        if (!strangers_.take(address)) {
-            complain(u"too many connections from %1: one is turned away"_s.arg(address));
-            socket->abort();
-            continue;
-        }
-        if (terminals_.size() >= kMostTerminals && !makeRoom()) {
-            complain(u"too many terminals at once: one is turned away"_s);
-            socket->abort();
-            continue;
-        }
-        socket->setReadBufferSize(kFrameLimit);
-        socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
-        Terminal& terminal = terminals_[socket];
-        terminal.address = address;
-        terminal.order = ++connections_;
-        terminal.idle = new QTimer(socket);
-        terminal.idle->setSingleShot(true);
-        connect(terminal.idle, &QTimer::timeout, socket, &QTcpSocket::abort);
-        terminal.idle->start(kProofTime);
-        connect(socket, &QTcpSocket::readyRead, this, [this, socket] { read(socket); });
+    while (listener_.hasPendingConnections()) {
+        if (terminals_.size() >= mostTerminals_ && !makeRoom()) return again_.start(kAgain);
+        admit(listener_.nextPendingConnection());
     }
 }
 
-/// Closes the connection that came first of those that have brought no request; false when there is none.
+void Server::admit(QTcpSocket* socket) {
+    if (socket->state() != QAbstractSocket::ConnectedState) return socket->deleteLater();
+    connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+    connect(socket, &QObject::destroyed, this, [this, socket] { terminals_.remove(socket); });
+    connect(socket, &QTcpSocket::readyRead, this, [this, socket] { read(socket); });
+    socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    Terminal& terminal = terminals_[socket];
+    terminal.address = socket->peerAddress().toString();
+    terminal.since = std::chrono::steady_clock::now();
+    terminal.isUnwelcome = !connections_.take(terminal.address);
+    if (terminal.isUnwelcome) complain(u"too many connections from %1"_s.arg(terminal.address));
+    terminal.idle = new QTimer(socket);
+    terminal.idle->setSingleShot(true);
+    connect(terminal.idle, &QTimer::timeout, socket, &QTcpSocket::abort);
+    terminal.idle->start(terminal.isUnwelcome ? kUnwelcomeProofTime : kProofTime);
+    read(socket);
+}
+
+/// Closes the connection that can best be spared: one of an unwelcome address, one that has brought no
+/// request, the one that has done nothing for longest. False while all have just come.
 bool Server::makeRoom() {
-    QTcpSocket* oldest = nullptr;
+    const Moment latest = std::chrono::steady_clock::now() - kGrace;
+    const auto worth = [](const Terminal& terminal) {
+        return std::tuple(terminal.isProven, !terminal.isUnwelcome, terminal.since);
+    };
+    QTcpSocket* spared = nullptr;
     for (auto each = terminals_.cbegin(); each != terminals_.cend(); ++each) {
-        if (!each->isProven && (oldest == nullptr || each->order < terminals_[oldest].order))
-            oldest = each.key();
+        if (each->since > latest) continue;
+        if (spared == nullptr || worth(*each) < worth(*terminals_.constFind(spared))) spared = each.key();
     }
-    if (oldest == nullptr) return false;
-    terminals_.remove(oldest);
-    oldest->abort();
+    if (spared == nullptr) return false;
+    complain(u"too many connections at once: one from %1 makes way"_s.arg(terminals_[spared].address));
+    terminals_.remove(spared);
+    spared->abort();
     return true;
 }
 
@@ -105,59 +146,33 @@ void Server::complain(const QString& text) {
     if (complaints_.take({})) platform::trace(text);
 }
 
-/// Whether an enrolled terminal has signed the request and may ask now. The log says why not.
-bool Server::isFromTerminal(QTcpSocket* socket, const platform::message::OpenedRequest& request) {
-    Terminal& terminal = terminals_[socket];
-    const auto fields = platform::message::Fields::parse(request.fields);
-    const QString number = fields ? fields->text(platform::message::kTerminalField) : QString();
-    const auto key = platform::message::enrolledKey(folder_, number);
-    if (!key) {
-        const bool isNumber = platform::message::isTerminalNumber(number);
-        complain(u"a request from %1 gets no answer: %2"_s.arg(
-            terminal.address,
-            isNumber ? u"terminal %1 is not enrolled"_s.arg(number) : u"it names no terminal"_s));
-        return false;
-    }
-    if (!isSignedBy(request, *key, ledger_.keys().box.publicKey)) {
-        complain(u"a request from %1 gets no answer: terminal %2 has not signed it"_s.arg(terminal.address,
-                                                                                          number));
-        return false;
-    }
-    if (!terminal.isProven) strangers_.giveBack(terminal.address);
-    terminal.isProven = true;
-    if (requestsOf_.take(number)) return true;
-    complain(u"terminal %1 asks too often: a request gets no answer"_s.arg(number));
-    return false;
-}
-
 void Server::read(QTcpSocket* socket) {
     while (terminals_.contains(socket) && socket->bytesAvailable() > 0) {
-        FrameReader& reader = terminals_[socket].reader;
-        reader.add(socket->read(kFrameLimit));
+        Terminal& terminal = terminals_[socket];
+        terminal.reader.add(socket->read(kFrameLimit));
         for (;;) {
-            Frame frame;
-            const FrameReader::Result result = reader.next(&frame);
-            if (result == FrameReader::Result::Incomplete) break;
-            if (result != FrameReader::Result::Complete || frame.kind != FrameKind::Request) {
-                complain(result == FrameReader::Result::Complete ? u"a reply came in"_s
-                                                                 : describe(result).toString());
+            OpenedRequest request;
+            const RequestReader::Result result = terminal.reader.next(ledger_.keys().box, folder_, &request);
+            if (result == RequestReader::Result::Incomplete) break;
+            if (result == RequestReader::Result::Fault) {
+                complain(u"%1 gets no answer: %2"_s.arg(terminal.address, terminal.reader.fault()));
                 return socket->abort();
             }
-            serve(socket, frame);
+            if (!terminal.isProven) connections_.giveBack(terminal.address);
+            terminal.isProven = true;
+            terminal.since = std::chrono::steady_clock::now();
+            if (!requestsOf_.take(terminal.reader.terminal())) {
+                complain(u"terminal %1 asks too often"_s.arg(terminal.reader.terminal()));
+                return socket->abort();
+            }
+            serve(socket, request);
             if (socket->state() != QAbstractSocket::ConnectedState) return;
-            terminals_[socket].idle->start(kIdleTime);
+            terminal.idle->start(kIdleTime);
         }
     }
 }
 
-void Server::serve(QTcpSocket* socket, const Frame& frame) {
-    const auto request = openRequest(frame.sealed, ledger_.keys().box);
-    if (!request || request->number != frame.number) {
-        // Whoever cannot seal to this host's key cannot read its answer either.
-        complain(u"a request is not sealed to this host's key"_s);
-        return socket->abort();
-    }
-    if (!isFromTerminal(socket, *request)) return socket->abort();
+void Server::serve(QTcpSocket* socket, const OpenedRequest& request) {
     const std::optional<Fault> fault = faultFor(faults_, ++requests_);
     const auto isFault = [&](Misbehaviour misbehaviour) {
         return fault && fault->misbehaviour == misbehaviour;
@@ -166,10 +181,10 @@ void Server::serve(QTcpSocket* socket, const Frame& frame) {
     if (isSilenced || isFault(Misbehaviour::Silent)) return;
     if (isFault(Misbehaviour::Close)) return socket->abort();
 
-    const platform::SecureBytes fields = ledger_.answer(*request, isFault(Misbehaviour::Refuse));
-    const auto sealed = sealReply(request->number, fields, request->replyKey, ledger_.keys().box);
+    const platform::SecureBytes fields = ledger_.answer(request, isFault(Misbehaviour::Refuse));
+    const auto sealed = sealReply(request.number, fields, request.replyKey, ledger_.keys().box);
     if (!sealed || isFault(Misbehaviour::ApproveThenClose)) return socket->abort();
-    reply(socket, {FrameKind::Reply, request->number, *sealed}, fault);
+    reply(socket, {FrameKind::Reply, request.number, *sealed}, fault);
 }
 
 void Server::reply(QTcpSocket* socket, const Frame& reply, const std::optional<Fault>& fault) {
