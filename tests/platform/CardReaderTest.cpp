@@ -98,6 +98,7 @@ TEST(SwipeSocket, PutsACardThroughARunningTerminal) {
     EXPECT_EQ(SwipeSocket::send("2", "3"), SwipeSocket::Answer::NoTerminal);
     Reader reader;
     auto dead = std::make_unique<SwipeSocket>();
+    EXPECT_EQ(SwipeSocket::send("2", "3", 50), SwipeSocket::Answer::NoAnswer) << "nobody serves it";
     const QByteArray path = QFile::encodeName(device.folder()) + "/card.socket";
     // One that was killed leaves its socket, which the next terminal takes over.
     ASSERT_EQ(::rename(path, path + ".kept"), 0);

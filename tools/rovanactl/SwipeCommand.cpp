@@ -27,6 +27,9 @@ Outcome swipe(const Invocation& call) {
             return {};
         case SwipeSocket::Answer::NotReading:
             return failure(u"the terminal reads no card now; open the card screen"_s);
+        case SwipeSocket::Answer::NoAnswer:
+            return failure(u"the terminal on %1 does not answer; it may be busy or stopped"_s.arg(
+                platform::device::folder()));
         case SwipeSocket::Answer::NoTerminal:
             break;
     }

@@ -190,6 +190,7 @@ void CardReaderLine::swipeEnded(bool isQuiet) {
 void CardReaderLine::forget() {
     quiet_.stop();
     SecureBytes().swap(received_);
+    keystrokes_.wipe();
     isSpoilt_ = false;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <linux/input.h>
+#include <sodium.h>
 
 #include <QByteArrayView>
 #include <algorithm>
@@ -12,6 +13,11 @@ namespace platform::termdev {
 /// become the character 255, which spoils the swipe.
 class Keystrokes {
   public:
+    Keystrokes() = default;
+    ~Keystrokes() { wipe(); }
+    Keystrokes(const Keystrokes&) = delete;
+    Keystrokes& operator=(const Keystrokes&) = delete;
+
     /// The character of an input event; 0 for one that types nothing.
     char character(const input_event& event);
 
@@ -31,8 +37,11 @@ class Keystrokes {
     /// Lets go of all keys, for a device that was opened anew.
     void reset() {
         isShifted_ = false;
-        down_.fill(0);
+        wipe();
     }
+
+    /// Overwrites the keys of the last report, which may be the end of a track.
+    void wipe() { sodium_memzero(down_.data(), down_.size()); }
 
     /// Bytes of a keyboard report.
     static constexpr qsizetype kReportBytes = 8;

@@ -165,23 +165,25 @@ void SwipeSocket::endConversation() {
     conversation_ = -1;
 }
 
-SwipeSocket::Answer SwipeSocket::send(QByteArrayView track2, QByteArrayView track3) {
+SwipeSocket::Answer SwipeSocket::send(QByteArrayView track2, QByteArrayView track3, int timeOut) {
     const SocketAddress address;
     const int connection = address.isValid() ? ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0) : -1;
     if (connection < 0) return Answer::NoTerminal;
-    Answer result = Answer::NoTerminal;
-    if (::connect(connection, address.get(), SocketAddress::size()) == 0) {
-        const auto sendAll = [&](QByteArrayView text) {
-            return ::send(connection, text.data(), size_t(text.size()), MSG_NOSIGNAL) == text.size();
-        };
-        std::array<char, 8> answer{};
-        if (sendAll(track2) && sendAll("\n") && sendAll(track3) && sendAll("\n") &&
-            ::recv(connection, answer.data(), answer.size() - 1, 0) > 0) {
-            result = answer[0] == 'o' && answer[1] == 'k' ? Answer::Taken : Answer::NotReading;
-        }
-    }
+    const timeval patience{timeOut / 1000, timeOut % 1000 * 1000};
+    for (const int step : {SO_SNDTIMEO, SO_RCVTIMEO})
+        ::setsockopt(connection, SOL_SOCKET, step, &patience, sizeof patience);
+    const auto sendAll = [&](QByteArrayView text) {
+        return ::send(connection, text.data(), size_t(text.size()), MSG_NOSIGNAL) == text.size();
+    };
+    std::array<char, 8> answer{};
+    errno = 0;
+    const bool isAnswered = ::connect(connection, address.get(), SocketAddress::size()) == 0 &&
+                            sendAll(track2) && sendAll("\n") && sendAll(track3) && sendAll("\n") &&
+                            ::recv(connection, answer.data(), answer.size() - 1, 0) > 0;
+    const bool isLate = !isAnswered && errno == EAGAIN;
     ::close(connection);
-    return result;
+    if (!isAnswered) return isLate ? Answer::NoAnswer : Answer::NoTerminal;
+    return answer[0] == 'o' && answer[1] == 'k' ? Answer::Taken : Answer::NotReading;
 }
 
 }  // namespace platform::termdev

@@ -25,10 +25,12 @@ class SwipeSocket : public QObject {
         Taken,       ///< The terminal read the card.
         NotReading,  ///< The terminal runs, but its reader is not enabled.
         NoTerminal,  ///< No terminal runs on this device folder.
+        NoAnswer,    ///< One has the socket, but did not answer in time; it may read the card yet.
     };
 
-    /// Sends a card to the terminal that runs on the device folder.
-    static Answer send(QByteArrayView track2, QByteArrayView track3);
+    /// Sends a card to the terminal that runs on the device folder, which has that many milliseconds for each
+    /// step of its answer.
+    static Answer send(QByteArrayView track2, QByteArrayView track3, int timeOut = 5000);
 
   private:
     void accept();
