@@ -87,6 +87,12 @@ TEST_F(CheckTest, NamesFaultsOfTheFolder) {
         {[&] { writeFile(u"My Documents/rvnclient.cdb.new"_s, "x"); }, u"a restore that was stopped"_s},
         {[&] { writeFile(u"My Documents/rvnclient.cdb.unfinished-a7Xk2Q"_s, "x"); },
          u"a restore that was stopped"_s},
+        // As a terminal has it that was set up before terminals had keys of their own.
+        {[&] {
+             writeFile(u"Flash Disk/KSNETMSG.ini"_s, "101=4711\n");
+             writeFile(u"Flash Disk/KSNETMSG.pub"_s, QByteArray(64, 'a'));
+         },
+         u"KSNETMSG.key with the terminal's own key is missing"_s, false},
     };
     for (const auto& [spoil, wrong, isMended] : cases) {
         QDir(documents).removeRecursively();

@@ -6,6 +6,7 @@
 
 #include "db/MasterImport.h"
 #include "platform/Device.h"
+#include "platform/message/SavedValues.h"
 #include "rovanactl/Command.h"
 #include "rovanactl/DatabaseCheck.h"
 #include "rovanactl/DatabaseCopy.h"
@@ -155,6 +156,27 @@ void checkRows(SqliteFile& database, Findings& findings) {
     }
 }
 
+/// What a terminal that was told its card host needs to be answered by it.
+void checkCardHost(Findings& findings) {
+    using namespace platform::message;
+    SavedValues values;
+    if (readSavedValues(&values) != kDone) return;
+    const auto check = [&](Status status, QStringView file, const QString& what, const QString& mend) {
+        if (status == kDone) return;
+        const QString path = platform::device::path(file);
+        findings.add(status == kKeyFileMissing
+                         ? u"%1 with %2 is missing: no card can be paid with"_s.arg(path, what)
+                         : u"%1 holds no key, but is to hold %2"_s.arg(path, what),
+                     status == kKeyFileMissing ? mend : u"delete the file, then "_s + mend);
+    };
+    PublicKey host;
+    check(readHostKey(&host), kHostKeyFile, u"the card host's key"_s,
+          u"\"rovanactl card-host\" with the host's address, port and host.pub"_s);
+    SigningKey own;
+    check(readSigningKey(&own), kSigningKeyFile, u"the terminal's own key"_s,
+          u"\"rovanactl card-host\", which makes one and shows how the host enrols it"_s);
+}
+
 void checkImportFiles(Findings& findings) {
     for (const db::ImportFile& file : db::importFiles()) {
         const db::ImportSource source = db::findImportFile(file);
@@ -252,6 +274,7 @@ Outcome check(const Invocation& call) {
     }
     checkFolders(findings);
     checkDatabase(findings);
+    checkCardHost(findings);
     checkImportFiles(findings);
     if (findings.count() > 0) {
         return failure(u"%1 found wrong in %2"_s.arg(findings.count()).arg(platform::device::folder()));

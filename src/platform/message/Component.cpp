@@ -257,7 +257,10 @@ Status Component::seal(const FieldWriter& body) {
     if (const Status status = readHostKey(&request->hostKey); status != kDone) return status;
     if (const Status status = startCipher(); status != kDone) return status;
     SigningKey terminal;
-    if (const Status status = readSigningKey(&terminal); status != kDone) return status;
+    if (const Status status = readSigningKey(&terminal); status != kDone) {
+        trace(u"no request is made: the terminal's own key is missing, see \"rovanactl check\"");
+        return status;
+    }
     if (const Status status = makeKeyPair(&request->replyKey); status != kDone) return status;
     request->kind = kind_;
     request->number = makeMessageNumber();
