@@ -15,10 +15,8 @@ using namespace Qt::Literals::StringLiterals;
 using namespace platform::message;
 using platform::SecureText;
 
-constexpr Secret kTrack{kTrackStart.character, 104};
-
 std::vector<std::string> whereOfACard() {
-    std::vector<std::string> places = kTrackStart.places();
+    std::vector<std::string> places = kTrackPiece.places();
     for (const std::string& place : kRarePassword.places()) places.push_back(place);
     return places;
 }
@@ -38,7 +36,7 @@ TEST_F(MemoryTest, NothingOfACardIsLeftAfterAPayment) {
     Exchange terminal;
     SecureText track = kTrack.make();
     SecureText password = kRarePassword.make();
-    ASSERT_FALSE(kTrackStart.places().empty()) << "the search finds what is there";
+    ASSERT_FALSE(kTrackPiece.places().empty()) << "the search finds what is there";
     ASSERT_FALSE(kRarePassword.places().empty());
     ASSERT_EQ(terminal.payment(track.view(), password.view()), kDone);
     ASSERT_EQ(terminal.run(host.port()), u"communicating sent receiving ended");

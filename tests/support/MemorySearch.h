@@ -86,9 +86,12 @@ struct Secret {
     }
 };
 
-/// The beginning of a track: characters in a row that are no coincidence.
-inline constexpr Secret kTrackStart{
-    [](std::size_t at) { return char16_t(u'0' + (at * at * 7 + at * 3 + at / 5) % 10); }, 24};
+/// A track: characters that are in no other order anywhere.
+inline constexpr Secret kTrack{
+    [](std::size_t at) { return char16_t(u'0' + (at * at * 7 + at * 3 + at / 5) % 10); }, 104};
+
+/// A piece from its middle: the heap writes over the beginning of what it takes back.
+inline constexpr Secret kTrackPiece{[](std::size_t at) { return kTrack.character(at + 40); }, 24};
 
 /// A password of four characters that nothing else has in a row, each of three bytes in UTF-8.
 inline constexpr Secret kRarePassword{[](std::size_t at) { return char16_t(0xB3C9 + at * 1237); }, 4};
