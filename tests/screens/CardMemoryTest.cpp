@@ -11,6 +11,7 @@
 #include "rovana-cardhost/Ledger.h"
 #include "support/HostProcess.h"
 #include "support/MemorySearch.h"
+#include "support/PrintQt.h"
 #include "support/TestDevice.h"
 #include "ui/Terminal.h"
 
