@@ -52,13 +52,14 @@ Cell count(std::int64_t number) {
     return Won(number);
 }
 
-/// The card host's payments whose outcome is open, which no other figure counts.
+/// The card host's payments up to that day whose outcome is open, which no other figure counts.
 QList<Row> unsettledRows(QStringView date, QStringView userId) {
     QList<Row> rows;
     for (const app::JournalPayment& payment : app::unsettledPayments()) {
         const app::CollectionSlip& slip = payment.slip;
-        if (slip.DDate == date && (userId.isEmpty() || slip.UserID == userId))
-            rows.append({slip.JunNo + u' ' + slip.GName, payment.charged});
+        if (slip.DDate > date || !(userId.isEmpty() || slip.UserID == userId)) continue;
+        const QString day = slip.DDate == date ? QString() : slip.DDate.mid(5) + u' ';
+        rows.append({day + slip.JunNo + u' ' + slip.GName, payment.charged});
     }
     return rows;
 }

@@ -51,7 +51,15 @@ CPaymentCheckDlg::CPaymentCheckDlg() : Screen(app::dialogs::kPaymentCheck), comp
 
     app::closeStoppedPayments();
     waiting_ = app::unsettledPayments();
+    if (!waiting_.isEmpty()) show(waiting_.first());
     QTimer::singleShot(0, this, [this] { askNext(); });
+}
+
+void CPaymentCheckDlg::show(const app::JournalPayment& payment) {
+    const app::CollectionSlip& slip = payment.slip;
+    setFittedText(kCustomer, slip.GName, ui::FontHeight::Medium);
+    setFittedText(kSlip, u"%1  %2번"_s.arg(slip.DDate, slip.JunNo), ui::FontHeight::Medium);
+    setFittedText(kAmount, won(payment.charged), ui::FontHeight::Title);
 }
 
 void CPaymentCheckDlg::askNext() {
@@ -62,9 +70,7 @@ void CPaymentCheckDlg::askNext() {
     asked_ = waiting_.takeFirst();
     reply_ = {};
     answeredNumber_.clear();
-    setFittedText(kCustomer, asked_.slip.GName, ui::FontHeight::Medium);
-    setFittedText(kSlip, u"%1  %2번"_s.arg(asked_.slip.DDate, asked_.slip.JunNo), ui::FontHeight::Medium);
-    setFittedText(kAmount, won(asked_.charged), ui::FontHeight::Title);
+    show(asked_);
     log_->set(u"결제결과 확인중!"_s);
     log_->begin();
     log_->appendUnseen(askAbout(component_, asked_.number));

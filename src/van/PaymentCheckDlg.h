@@ -21,6 +21,7 @@ class CPaymentCheckDlg : public ui::Screen {
     CPaymentCheckDlg();
 
   private:
+    void show(const app::JournalPayment& payment);
     void askNext();
     void answered();
     void approved();

@@ -74,6 +74,7 @@ constexpr Case kCases[] = {
     {"balance inquiry", 449, app::kBalanceInquiry},
     {"collection", 450},
     {"totals", 457},
+    {"open payment", 459},
 };
 
 class Screens : public testing::Test {
@@ -134,6 +135,12 @@ class Screens : public testing::Test {
                                  {u"MisuInMoney", kDebt},
                                  {u"UnderMoney", kDebt},
                                  {u"BANKTRANNO", u"1"}});
+        device.insert(u"PAYJOURNAL", {{u"Number", u"1"},
+                                      {u"State", u"unknown"},
+                                      {u"Charged", kLargest},
+                                      {u"DDate", kDay},
+                                      {u"GName", kLongName},
+                                      {u"JunNo", u"5001"}});
         device.insert(u"YTM", {{u"DDate", kDay},
                                {u"GCode", u"0001"},
                                {u"GName", kLongName},

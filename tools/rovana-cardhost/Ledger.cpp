@@ -180,7 +180,7 @@ QList<CardState> Ledger::cards() {
     return cards;
 }
 
-SecureBytes Ledger::answer(const OpenedRequest& request, bool isRefused) {
+SecureBytes Ledger::answer(const OpenedRequest& request, Manner manner) {
     const std::optional<Fields> fields = Fields::parse(request.fields);
     FieldWriter reply;
     if (!fields) {
@@ -210,7 +210,7 @@ SecureBytes Ledger::answer(const OpenedRequest& request, bool isRefused) {
                   fields->text(kMessageKindField),
                   exchange,
                   exchange,
-                  isRefused,
+                  manner,
                   reply};
         // Entered first, so that a payment can refer to it; code and reply follow.
         file_.statement("INSERT INTO exchange VALUES (?, ?, ?, ?, ?, ?, '', '')")
@@ -276,7 +276,7 @@ Response Ledger::pay(Call& call) {
     // Cash changes hands on the spot; it is entered without moving the account.
     if (!isCash && *settled > card.limit) return kOverLimit;
     if (!isCash && *settled > card.balance) return kOverBalance;
-    if (call.isRefused) return kRefused;
+    if (call.manner == Manner::Refusing) return kRefused;
 
     const qint64 fee = isCash ? 0 : feeOf(*settled);
     const qint64 transferred = isCash ? 0 : *settled - fee;
@@ -316,23 +316,23 @@ Response Ledger::inquire(Call& call) {
     Card card{};
     if (const Response found = findCard(*cardData, *password, &card); found.code != kApproved.code)
         return found;
-    if (call.isRefused) return kRefused;
+    if (call.manner == Manner::Refusing) return kRefused;
     addBalance(call.reply, kBalanceField, card.balance);
     addAmount(call.reply, kLimitField, card.limit);
     return kApproved;
 }
 
 Response Ledger::tellPrevious(Call& call) {
-    if (call.fields.has(kAskedNumberField)) {
+    if (call.fields.has(kAskedNumberField) && call.manner != Manner::Old) {
         const std::optional<MessageNumber> asked = parseMessageNumber(call.fields.text(kAskedNumberField));
         if (!asked) return kBadMessage;
-        return call.isRefused ? kRefused : tellOf(call, *asked);
+        return call.manner == Manner::Refusing ? kRefused : tellOf(call, *asked);
     }
     Statement last = file_.statement(
         "SELECT id, exchange, amount, fee, transferred, remaining FROM payment WHERE terminal = ? "
         "ORDER BY id DESC LIMIT 1");
     if (!last.bind(call.terminal).step()) return kNoPrevious;
-    if (call.isRefused) return kRefused;
+    if (call.manner == Manner::Refusing) return kRefused;
     call.reply.add(kTransactionField, transactionNumber(last.integer(0)));
     call.subject = last.integer(1);
     addAmount(call.reply, kAmountField, last.integer(2));
@@ -384,7 +384,7 @@ Response Ledger::closeNumber(Call& call, const MessageNumber& number) {
 Response Ledger::sum(Call& call) {
     const QString day = call.fields.text(parameter(2));
     if (!QDate::fromString(day, u"yyyyMMdd").isValid()) return kBadMessage;
-    if (call.isRefused) return kRefused;
+    if (call.manner == Manner::Refusing) return kRefused;
     Statement totals = file_.statement(
         "SELECT count(*), coalesce(sum(supply), 0), coalesce(sum(vat), 0), coalesce(sum(deposit), 0), "
         "coalesce(sum(recovery), 0), coalesce(sum(amount), 0), coalesce(sum(fee), 0), "

@@ -44,6 +44,13 @@ constexpr qint64 feeOf(qint64 amount) {
     return amount * 15 / 10'000;
 }
 
+/// How a request is answered where a fault was asked for.
+enum class Manner {
+    Usual,
+    Refusing,  ///< What would be approved is refused.
+    Old,       ///< A question about a payment is answered with the terminal's last one.
+};
+
 /// A card as the administrator sees it.
 struct CardState {
     QString number;  ///< First 6 and last 4 digits, the rest masked.
@@ -68,9 +75,9 @@ class Ledger {
     QList<CardState> cards();
 
     /// The fields of the answer to a request. What an approved payment changes is on disk when this returns.
-    /// A request with a known message number gets its answer of before and changes nothing. `isRefused`
-    /// refuses what would be approved.
-    platform::SecureBytes answer(const platform::message::OpenedRequest& request, bool isRefused = false);
+    /// A request with a known message number gets its answer of before and changes nothing.
+    platform::SecureBytes answer(const platform::message::OpenedRequest& request,
+                                 Manner manner = Manner::Usual);
 
   private:
     struct Card {
@@ -85,7 +92,7 @@ class Ledger {
         QString kind;
         qint64 exchange;
         qint64 subject;  ///< The exchange that the answer tells of.
-        bool isRefused;
+        Manner manner;
         platform::message::FieldWriter& reply;
     };
 

@@ -181,7 +181,10 @@ void Server::serve(QTcpSocket* socket, const OpenedRequest& request) {
     if (isSilenced || isFault(Misbehaviour::Silent)) return;
     if (isFault(Misbehaviour::Close)) return socket->abort();
 
-    const platform::SecureBytes fields = ledger_.answer(request, isFault(Misbehaviour::Refuse));
+    const Manner manner = isFault(Misbehaviour::Refuse)    ? Manner::Refusing
+                          : isFault(Misbehaviour::OldHost) ? Manner::Old
+                                                           : Manner::Usual;
+    const platform::SecureBytes fields = ledger_.answer(request, manner);
     const auto sealed = sealReply(request.number, fields, request.replyKey, ledger_.keys().box);
     if (!sealed || isFault(Misbehaviour::ApproveThenClose)) return socket->abort();
     reply(socket, {FrameKind::Reply, request.number, *sealed}, fault);
@@ -233,6 +236,7 @@ void Server::reply(QTcpSocket* socket, const Frame& reply, const std::optional<F
             break;
         }
         case Misbehaviour::Refuse:
+        case Misbehaviour::OldHost:
             socket->write(bytes);
             break;
         case Misbehaviour::Close:
