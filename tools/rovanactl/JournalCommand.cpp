@@ -1,5 +1,11 @@
+#include <algorithm>
+
 #include "app/PaymentJournal.h"
+#include "platform/Device.h"
+#include "platform/message/Frame.h"
 #include "rovanactl/Command.h"
+#include "rovanactl/DatabaseCopy.h"
+#include "rovanactl/SqliteFile.h"
 
 namespace admin {
 namespace {
@@ -9,9 +15,67 @@ using namespace Qt::Literals::StringLiterals;
 void addJournalOptions(QCommandLineParser& parser) {
     parser.addOption({u"date"_s, u"Only the payments of slips of this day."_s, u"yyyy-MM-dd"_s});
     parser.addOption({u"open"_s, u"Only those of which it is open whether the customer was charged."_s});
+    parser.addOption({u"settle"_s, u"Settles the open payment with this message number."_s, u"NUMBER"_s});
 }
 
-Outcome listJournal(const Invocation& call) {
+bool isTransactionNumber(const QString& text) {
+    constexpr qsizetype kDigits = 12;
+    return text.size() == kDigits &&
+           std::ranges::all_of(text, [](QChar c) { return c >= u'0' && c <= u'9'; });
+}
+
+/// Why the payment cannot be settled so; empty when it can.
+QString findHindrance(const QString& number, const QString& transactionNumber) {
+    const auto payments = app::journalPayments({});
+    if (!payments) return u"the journal could not be read; \"rovanactl check\" tells more"_s;
+    const auto payment = std::ranges::find(*payments, number, &app::JournalPayment::number);
+    if (payment == payments->end()) return u"the journal has no payment %1"_s.arg(number);
+    if (!payment->isUnsettled())
+        return u"payment %1 is %2 already"_s.arg(number, app::stateName(payment->state));
+    if (transactionNumber.isEmpty()) return {};
+    if (const auto slip = app::findByTransactionNumber(transactionNumber))
+        return u"transaction %1 is on slip %2 of %3 already"_s.arg(transactionNumber, slip->JunNo,
+                                                                   slip->DDate);
+    const bool isTaken = std::ranges::any_of(
+        *payments, [&](const auto& each) { return each.slip.BANKTRANNO == transactionNumber; });
+    return isTaken ? u"transaction %1 belongs to another payment"_s.arg(transactionNumber) : QString();
+}
+
+Outcome settle(const Invocation& call) {
+    const auto asked = platform::message::parseMessageNumber(call.options.value(u"settle"_s));
+    const QString outcome = call.arguments.value(0);
+    const QString transactionNumber = call.arguments.value(1);
+    const bool isApproved = outcome == u"approved" && isTransactionNumber(transactionNumber);
+    if (!asked || (!isApproved && (outcome != u"released" || call.arguments.size() != 1))) {
+        return usageError(
+            u"--settle takes a message number of the list, then \"approved\" and the host's transaction "
+            u"number "
+            u"of twelve digits, or \"released\""_s);
+    }
+    const QString path = platform::device::path(platform::device::kDatabaseFile);
+    // A terminal at work may be asking the host about this very payment.
+    if (SqliteFile(path, SqliteFile::Mode::Existing).lock() == SqliteFile::Lock::InUse)
+        return failure(describeUse(path));
+    if (Outcome missing = requireTable(u"PAYJOURNAL"); missing.exitCode != kSuccess) return missing;
+    const QString number = platform::message::toText(*asked);
+    if (const QString hindrance = findHindrance(number, transactionNumber); !hindrance.isEmpty())
+        return failure(hindrance);
+    if (!isApproved) {
+        if (!app::settlePayment(number, app::PaymentState::Released))
+            return failure(u"payment %1 could not be settled; nothing was changed"_s.arg(number));
+        call.out << u"payment %1 is released: its slip can be paid again\n"_s.arg(number);
+        return {};
+    }
+    const auto slip = app::approvePayment(number, transactionNumber);
+    if (!slip) return failure(u"payment %1 could not be settled; nothing was changed"_s.arg(number));
+    call.out << u"payment %1 is approved: slip %2 of %3 (%4, %5) has transaction %6\n"_s.arg(
+        number, slip->JunNo, slip->DDate, slip->UserID, slip->GName, transactionNumber);
+    return {};
+}
+
+Outcome runJournal(const Invocation& call) {
+    if (call.options.isSet(u"settle"_s)) return settle(call);
+    if (!call.arguments.isEmpty()) return usageError(u"without --settle it takes no argument"_s);
     const std::optional<QString> date = dateOption(call.options, u"date"_s);
     if (!date) return usageError(u"--date takes a date such as 2024-03-31"_s);
     if (Outcome missing = requireTable(u"PAYJOURNAL"); missing.exitCode != kSuccess) return missing;
@@ -40,18 +104,24 @@ Outcome listJournal(const Invocation& call) {
 
 constinit const Command kJournalCommand{
     u"journal",
-    u"",
-    u"lists the payments sent to the card host",
+    u"[OUTCOME]",
+    u"lists the payments sent to the card host, or settles one",
     u"One line for each payment in the order of sending, tabs between: when it was sent, what became of it\n"
     u"(sent, approved, refused, unknown, released), card or cash, what the host was asked for in won, the\n"
     u"slip, and the host's transaction number. \"released\" means that nothing was charged and never will "
     u"be;\n"
     u"\"sent\" and \"unknown\" are open until the terminal has asked the host, which it does at the next "
     u"login.\n"
-    u"There is neither a track nor a password nor a card number in it.",
+    u"There is neither a track nor a password nor a card number in it.\n"
+    u"\n"
+    u"--settle NUMBER approved TRANSACTION puts the host's transaction number on the payment's slip, which "
+    u"is\n"
+    u"put back where it has gone. --settle NUMBER released says that nothing was charged and never will be.\n"
+    u"Both are for a payment of which the host tells the terminal nothing, and believe what they are told:\n"
+    u"ask whoever runs the host first. Refused while a terminal has the database open.",
     0,
-    0,
+    2,
     addJournalOptions,
-    listJournal};
+    runJournal};
 
 }  // namespace admin
