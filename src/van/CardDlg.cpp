@@ -6,6 +6,7 @@
 #include "app/CollectionSlip.h"
 #include "app/Dialogs.h"
 #include "app/KeypadRequest.h"
+#include "app/Login.h"
 #include "app/Session.h"
 #include "db/Query.h"
 #include "platform/Clock.h"
@@ -163,7 +164,8 @@ void CCardDlg::cardSwiped() {
 }
 
 bool CCardDlg::isPaymentFree() {
-    const app::SlipIdentity& slip = app::transactionRecord().slip;
+    app::TransactionRecord& record = app::transactionRecord();
+    app::SlipIdentity& slip = record.slip;
     if (!app::hasUnsettledPayment(slip.date, slip.junNo, slip.userId)) return true;
     ui::runScreen(app::dialogs::kPaymentCheck);
     if (app::hasUnsettledPayment(slip.date, slip.junNo, slip.userId)) {
@@ -172,6 +174,14 @@ bool CCardDlg::isPaymentFree() {
     }
     const auto last = app::lastPayment(slip.date, slip.junNo, slip.userId);
     isApproved_ = last && last->state == app::PaymentState::Approved;
+    // The number of a simple payment is given anew until one is approved: what was found may be another's.
+    if (isApproved_ && app::session().WorkMode == app::kSimplePayment &&
+        (last->slip.GCode != slip.gCode ||
+         last->charged != record.amounts.total - record.amounts.containerRecovery)) {
+        slip.junNo = app::nextSimplePaymentNumber(slip.date);
+        app::session().action.JunNo = slip.junNo;
+        isApproved_ = false;
+    }
     if (isApproved_) {
         picture_->hide();
         ReaderEnable(false);
@@ -386,17 +396,21 @@ void CCardDlg::reprintPrevious() {
     printCopies(papers);
 }
 
+void CCardDlg::tellOpenPayment() const {
+    const app::SlipIdentity& slip = app::transactionRecord().slip;
+    if (!paymentNumber_.isEmpty() && app::hasUnsettledPayment(slip.date, slip.junNo, slip.userId)) {
+        ui::message(u"카드결제 결과가 확인되지 않았습니다..! 다음 결제전이나 로그인때 다시 확인합니다."_s);
+    }
+}
+
 void CCardDlg::goBack() {
     if (log_->isExchanging()) return;
     const app::SlipIdentity& slip = app::transactionRecord().slip;
     // A card payment that was not approved has not been made: its collection is taken back.
     if (isVisit() && !isApproved_ && app::transactionRecord().amounts.card > Won()) {
         app::takeBackCollection(slip.date, slip.junNo, slip.userId);
-        if (app::hasUnsettledPayment(slip.date, slip.junNo, slip.userId)) {
-            ui::message(
-                u"카드결제 결과가 확인되지 않았습니다..! 다음 결제전이나 로그인때 다시 확인합니다."_s);
-        }
     }
+    tellOpenPayment();
     if (isApproved_) app::session().SlipDone = 1;
     close(Cancelled);
 }
@@ -414,6 +428,7 @@ void CCardDlg::finish() {
     } else if (mode == app::kSimplePayment) {
         close(Accepted);
     } else {
+        tellOpenPayment();
         closeAndOpen(app::dialogs::kSlipPrinting);
     }
 }

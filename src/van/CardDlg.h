@@ -53,6 +53,8 @@ class CCardDlg : public ui::Screen {
     /// False when this slip is paid already, or when it is open whether it is.
     bool isPaymentFree();
     void askPassword();
+    /// Tells, when it is so, that a payment of this dialog was not answered.
+    void tellOpenPayment() const;
     void goBack();
     void finish();
 
