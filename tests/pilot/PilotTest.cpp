@@ -219,6 +219,9 @@ TEST_F(PilotTest, ComparesThePaper) {
     EXPECT_FALSE(compare(u"expect roll other.txt"_s));
     EXPECT_TRUE(failure.endsWith(u"(- approved, + printed):\n one\n-three\n+둘\n"_s))
         << failure.toStdString();
+    EXPECT_TRUE(compare(u"expect printed 1 one\nexpect printed 0 from before"_s)) << failure.toStdString();
+    EXPECT_FALSE(compare(u"expect printed 2 둘"_s));
+    EXPECT_TRUE(failure.contains(u"found 1 such lines"_s)) << failure.toStdString();
     options.approve = true;
     EXPECT_TRUE(compare(u"expect roll other.txt\nexpect roll new/made.txt"_s)) << failure.toStdString();
     options.approve = false;

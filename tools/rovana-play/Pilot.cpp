@@ -347,6 +347,8 @@ Attempt Pilot::attempt(const Step& step) {
             return expectSql(step);
         case Command::ExpectRoll:
             return compareRoll(step);
+        case Command::ExpectPrinted:
+            return expectPrinted(step);
         case Command::Tear:
             return ready([this] { tear(); });
         case Command::Host:
@@ -392,6 +394,13 @@ Attempt Pilot::compareRoll(const Step& step) {
     if (approved.isNull())
         return waitFor(u"%1 is not there; ROVANA_APPROVE=1 writes it. Printed:\n%2"_s.arg(file, printed));
     return waitFor(u"the paper differs (- approved, + printed):\n"_s + lineDiff(approved, printed));
+}
+
+Attempt Pilot::expectPrinted(const Step& step) {
+    int found = 0;
+    for (const QString& line : rollSoFar().split(u'\n')) found += line.simplified() == step.texts[0];
+    if (found == step.numbers[0]) return {};
+    return waitFor(u"found %1 such lines on this paper:\n%2"_s.arg(found).arg(paper_));
 }
 
 void Pilot::saveShot(const QString& name) {

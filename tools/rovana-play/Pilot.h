@@ -58,6 +58,7 @@ class Pilot : public QObject {
     void advance();
     Attempt attempt(const Step& step);
     Attempt compareRoll(const Step& step);
+    Attempt expectPrinted(const Step& step);
     void saveShot(const QString& name);
     Attempt savePaper(const QString& name);
     QString nextPicture(const QString& name);

@@ -72,6 +72,7 @@ const QList<Syntax>& syntaxes() {
         {u"expect unchecked", Command::ExpectUnchecked, {Addresses}, u"D.C ..."},
         {u"expect sql", Command::ExpectSql, {Word, Text}, u"\"SELECT ...\" TEXT"},
         {u"expect roll", Command::ExpectRoll, {Text}, u"FILE"},
+        {u"expect printed", Command::ExpectPrinted, {Number, Text}, u"N LINE"},
         {u"tear", Command::Tear, {}, u""},
         {u"host", Command::Host, {Text}, u"\"OPTIONS\""},
         {u"swipe", Command::Swipe, {Word}, u"CARD [KEYS ...]"},

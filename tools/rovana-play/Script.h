@@ -35,6 +35,7 @@ enum class Command {
     ExpectUnchecked,
     ExpectSql,
     ExpectRoll,
+    ExpectPrinted,
     Tear,
     Host,
     Swipe,
