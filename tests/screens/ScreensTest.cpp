@@ -86,75 +86,30 @@ class Screens : public testing::Test {
     }
 
     void fillDevice() {
-        device.insert(u"PDAUSER", {{u"userID", u"A"}, {u"userPASS", u"1"}, {u"userNAME", u"남궁김영수"}});
-        device.insert(u"config", {{u"sangho", kLongName}, {u"calltel", u"0502-1234-5678"}});
-        device.insert(u"JGUBUN", {{u"CODE", u"10"}, {u"NAME", u"기타주류와 발효주, 증류주"}});
-        device.insert(u"GARAE", {{u"GCODE", u"0001"},
-                                 {u"GNAME", kLongName},
-                                 {u"ENDDATE", kDay},
-                                 {u"MAJIN", u"100"},
-                                 {u"CJMONEY", kDebt},
-                                 {u"TEL", u"0502-1234-5678"},
-                                 {u"SEEK", u"ㅈ"},
-                                 {u"USERID", u"A"}});
-        for (const QStringView code : {u"1001", u"1002"}) {
-            device.insert(u"PUMMOK", {{u"Pcode", code},
-                                      {u"Pname", kLongProduct},
-                                      {u"Gubun", u"공용"},
-                                      {u"Size", u"1,000ml"},
-                                      {u"JGubun", u"10"},
-                                      {u"TTT", u"A"},
-                                      {u"seek", u"ㄲ"}});
-        }
-        device.insert(u"MTM", {{u"DDate", kDay},
-                               {u"GCode", u"0001"},
-                               {u"GName", kLongName},
-                               {u"JunNo", u"5001"},
-                               {u"WorkGubun", u"미발행"},
-                               {u"PCode", u"1001"},
-                               {u"PName", kLongProduct},
-                               {u"JGubun", u"10"},
-                               {u"Box", u"999"},
-                               {u"Bon", u"-999"},
-                               {u"MMoney", kLargest},
-                               {u"BMoney", kDebt},
-                               {u"YMoney", kLargest},
-                               {u"GMoney", kLargest},
-                               {u"UserID", u"A"}});
-        device.insert(u"MTMOK", {{u"DDate", kDay},
-                                 {u"GCode", u"0001"},
-                                 {u"GName", kLongName},
-                                 {u"JunNo", u"5001"},
-                                 {u"UserID", u"A"},
-                                 {u"MMoney", kLargest},
-                                 {u"PMoney", kLargest},
-                                 {u"BMoney", kLargest},
-                                 {u"InMoney", kLargest},
-                                 {u"WonMoney", kDebt},
-                                 {u"CardMoney", kLargest},
-                                 {u"MisuInMoney", kDebt},
-                                 {u"UnderMoney", kDebt},
-                                 {u"BANKTRANNO", u"1"}});
-        device.insert(u"PAYJOURNAL", {{u"Number", u"1"},
-                                      {u"State", u"unknown"},
-                                      {u"Charged", kLargest},
-                                      {u"DDate", kDay},
-                                      {u"GName", kLongName},
-                                      {u"JunNo", u"5001"}});
-        device.insert(u"YTM", {{u"DDate", kDay},
-                               {u"GCode", u"0001"},
-                               {u"GName", kLongName},
-                               {u"JunNo", u"5001"},
-                               {u"PCode", u"1001"},
-                               {u"PName", kLongProduct},
-                               {u"FBox", u"999"},
-                               {u"NBox", u"999"},
-                               {u"Bon", u"999"},
-                               {u"YMONEY", kLargest},
-                               {u"GMONEY", kLargest},
-                               {u"YSAMT", kDebt},
-                               {u"GSAMT", kLargest},
-                               {u"UserID", u"A"}});
+        QString rows =
+            uR"(
+            INSERT INTO PDAUSER (userID, userPASS, userNAME) VALUES ('A', '1', '남궁김영수');
+            INSERT INTO config (sangho, calltel) VALUES ('$shop', '0502-1234-5678');
+            INSERT INTO JGUBUN (CODE, NAME) VALUES ('10', '기타주류와 발효주, 증류주');
+            INSERT INTO GARAE (GCODE, GNAME, ENDDATE, MAJIN, CJMONEY, TEL, SEEK, USERID)
+                VALUES ('0001', '$shop', '$day', '100', '$debt', '0502-1234-5678', 'ㅈ', 'A');
+            INSERT INTO PUMMOK (Pcode, Pname, Gubun, Size, JGubun, TTT, seek) SELECT column1, '$goods', '공용',
+                '1,000ml', '10', 'A', 'ㄲ' FROM (VALUES ('1001'), ('1002'));
+            INSERT INTO MTM VALUES ('$day', '', '0001', '$shop', '5001', '미발행', '1001', '$goods', '10', '999',
+                '-999', '$most', '$debt', '$most', '$most', 'A', '');
+            INSERT INTO MTMOK VALUES ('$day', '', '0001', '$shop', '5001', '', 'A', '$most', '$most', '$most', '', '',
+                '', '$most', '$debt', '$most', '$debt', '$debt', '', '', '', '1');
+            INSERT INTO PAYJOURNAL (Number, State, Charged, DDate, GName, JunNo)
+                VALUES ('1', 'unknown', '$most', '$day', '$shop', '5001');
+            INSERT INTO YTM VALUES ('$day', '0001', '$shop', '5001', '1001', '$goods', '999', '999', '999', '$most',
+                '$most', '$debt', '$most', 'A'))"_s;
+        for (const auto& [mark, text] : {std::pair(u"$shop"_s, kLongName),
+                                         {u"$goods"_s, kLongProduct},
+                                         {u"$day"_s, kDay},
+                                         {u"$most"_s, kLargest},
+                                         {u"$debt"_s, kDebt}})
+            rows.replace(mark, text.toString());
+        device.execute(rows);
     }
 
     /// The screen in front of the terminal, its first row chosen.
@@ -347,10 +302,9 @@ TEST_F(Screens, SpeakToAReaderAndToTheKeys) {
 }
 
 TEST_F(Screens, ScrollUnderAFingerWithoutChoosing) {
-    for (int code = 1100; code < 1200; ++code) {
-        device.insert(u"PUMMOK",
-                      {{u"Pcode", QString::number(code)}, {u"Pname", u"소주"}, {u"Gubun", u"공용"}});
-    }
+    device.execute(
+        u"WITH RECURSIVE code(i) AS (SELECT 1100 UNION ALL SELECT i + 1 FROM code WHERE i < 1199)"
+        "INSERT INTO PUMMOK (Pcode, Pname, Gubun, TTT) SELECT i, '소주', '공용', '' FROM code"_s);
     const auto opened = open({"product search", 139});
     auto* list = static_cast<ui::ReportList*>(opened->control(1090));
     list->clearSelection();

@@ -67,8 +67,8 @@ void TestDevice::insert(QStringView table, std::initializer_list<Field> fields) 
     run(u"INSERT INTO "_s % found->name % u" VALUES ("_s % places % u')', values);
 }
 
-void TestDevice::execute(const QString& statement) {
-    run(statement, {});
+void TestDevice::execute(const QString& script) {
+    run(script, {});
 }
 
 QList<QStringList> TestDevice::rows(const QString& select) {
@@ -94,22 +94,26 @@ QList<QStringList> TestDevice::run(const QString& statement, const QStringList& 
               SQLITE_OK);
     sqlite3_busy_timeout(handle, 2000);
     sqlite3_exec(handle, "PRAGMA synchronous=OFF", nullptr, nullptr, nullptr);
-    EXPECT_EQ(sqlite3_prepare_v2(handle, statement.toUtf8().constData(), -1, &prepared, nullptr), SQLITE_OK)
-        << sqlite3_errmsg(handle);
-    for (int i = 0; i < values.size(); ++i) {
-        const QByteArray text = values[i].toUtf8();
-        sqlite3_bind_text(prepared, i + 1, text.constData(), int(text.size()), SQLITE_TRANSIENT);
-    }
-    int result = prepared ? sqlite3_step(prepared) : SQLITE_DONE;
-    for (; result == SQLITE_ROW; result = sqlite3_step(prepared)) {
-        QStringList row;
-        for (int column = 0; column < sqlite3_column_count(prepared); ++column) {
-            row << QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(prepared, column)));
+    const QByteArray script = statement.toUtf8();
+    for (const char* next = script.constData(); *next != '\0';) {
+        EXPECT_EQ(sqlite3_prepare_v2(handle, next, -1, &prepared, &next), SQLITE_OK)
+            << sqlite3_errmsg(handle);
+        for (int i = 0; i < values.size(); ++i) {
+            const QByteArray text = values[i].toUtf8();
+            sqlite3_bind_text(prepared, i + 1, text.constData(), int(text.size()), SQLITE_TRANSIENT);
         }
-        found << row;
+        int result = prepared ? sqlite3_step(prepared) : SQLITE_DONE;
+        for (; result == SQLITE_ROW; result = sqlite3_step(prepared)) {
+            QStringList row;
+            for (int column = 0; column < sqlite3_column_count(prepared); ++column) {
+                row << QString::fromUtf8(
+                    reinterpret_cast<const char*>(sqlite3_column_text(prepared, column)));
+            }
+            found << row;
+        }
+        EXPECT_EQ(result, SQLITE_DONE) << sqlite3_errmsg(handle);
+        sqlite3_finalize(prepared);
     }
-    EXPECT_EQ(result, SQLITE_DONE) << sqlite3_errmsg(handle);
-    sqlite3_finalize(prepared);
     sqlite3_close(handle);
     return found;
 }

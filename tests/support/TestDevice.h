@@ -30,8 +30,8 @@ class TestDevice {
     /// Adds one row; columns that are not named are empty texts.
     void insert(QStringView table, std::initializer_list<Field> fields);
 
-    /// Runs any statement of SQLite.
-    void execute(const QString& statement);
+    /// Runs any statements of SQLite, `;` between them.
+    void execute(const QString& script);
 
     /// Every row of a SELECT; NULL reads as an empty text.
     QList<QStringList> rows(const QString& select);
