@@ -25,4 +25,9 @@ void expectApproved(QStringView text, const QString& path) {
     }
 }
 
+QString belowTheHead(const QString& paper) {
+    const QString rule = QString(32, u'=') + u'\n';
+    return paper.sliced(paper.indexOf(rule, paper.indexOf(rule) + rule.size()));
+}
+
 }  // namespace test

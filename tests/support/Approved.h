@@ -10,4 +10,7 @@ namespace test {
 /// environment the file is written instead, for a person to read over.
 void expectApproved(QStringView text, const QString& path);
 
+/// What a slip's paper has below its parties: from the second double rule on.
+QString belowTheHead(const QString& paper);
+
 }  // namespace test
