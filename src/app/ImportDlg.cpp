@@ -45,12 +45,9 @@ CImportDlg::CImportDlg() : Screen(dialogs::kImport) {
         bars_[size_t(i)]->setTextVisible(false);
         bars_[size_t(i)]->setValue(0);
     }
-    ui::BitmapButton* cancel = addBottomButton(1001, u"취  소"_s, 0, ui::bitmaps::kCancel);
-    connect(cancel, &ui::BitmapButton::clicked, this, [this] { close(Cancelled); });
-    ui::BitmapButton* confirm = addBottomButton(1000, u"확  인"_s, 3, ui::bitmaps::kConfirm);
-    connect(confirm, &ui::BitmapButton::clicked, this, [this] { importAll(); });
-    setDefaultButton(confirm);
-    setCancelButton(cancel);
+    setCancelButton(
+        addBottomButton(1001, u"취  소"_s, 0, ui::bitmaps::kCancel, [this] { close(Cancelled); }));
+    setDefaultButton(addBottomButton(1000, u"확  인"_s, 3, ui::bitmaps::kConfirm, [this] { importAll(); }));
     countFiles();
 }
 

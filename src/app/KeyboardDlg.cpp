@@ -104,17 +104,14 @@ void CKeyboardDlg::addKeys() {
         keypad_.minus();
         refresh();
     });
-    ui::BitmapButton* again = addButton(1002, u"다시입력"_s, keyAt(3, 0), ui::bitmaps::kEnterAgain);
-    connect(again, &ui::BitmapButton::clicked, this, [this] {
+    addButton(1002, u"다시입력"_s, keyAt(3, 0), ui::bitmaps::kEnterAgain, [this] {
         keypad_.clear();
         refresh();
     });
-    ui::BitmapButton* cancel = addButton(1003, u"취  소"_s, keyAt(3, 2) + QPoint(0, 8), ui::bitmaps::kCancel);
-    connect(cancel, &ui::BitmapButton::clicked, this, [this] { leave(Cancelled); });
-    ui::BitmapButton* confirm = addBottomButton(1000, u"확  인"_s, 3, ui::bitmaps::kConfirm);
-    connect(confirm, &ui::BitmapButton::clicked, this, [this] { leave(Accepted); });
-    setDefaultButton(confirm);
-    setCancelButton(cancel);
+    setCancelButton(addButton(1003, u"취  소"_s, keyAt(3, 2) + QPoint(0, 8), ui::bitmaps::kCancel,
+                              [this] { leave(Cancelled); }));
+    setDefaultButton(
+        addBottomButton(1000, u"확  인"_s, 3, ui::bitmaps::kConfirm, [this] { leave(Accepted); }));
     // Keys of a keyboard always go to the active field, wherever a finger was last.
     for (QAbstractButton* button : findChildren<QAbstractButton*>()) button->setFocusPolicy(Qt::NoFocus);
 }

@@ -75,13 +75,12 @@ void CRovanaDlg::addLoginControls() {
     describe(userId_, u"사번"_s);
     describe(password_, u"암호"_s);
 
-    ui::BitmapButton* keypad = addButton(1010, u"비밀번호"_s, {170, 213}, ui::bitmaps::kPassword);
-    connect(keypad, &ui::BitmapButton::clicked, this, [this] { enterPassword(); });
-    ui::BitmapButton* confirm = addBottomButton(1000, u"확  인"_s, 3, ui::bitmaps::kConfirm);
-    connect(confirm, &ui::BitmapButton::clicked, this, [this] { logIn(); });
+    ui::BitmapButton* keypad =
+        addButton(1010, u"비밀번호"_s, {170, 213}, ui::bitmaps::kPassword, [this] { enterPassword(); });
+    ui::BitmapButton* confirm =
+        addBottomButton(1000, u"확  인"_s, 3, ui::bitmaps::kConfirm, [this] { logIn(); });
     setDefaultButton(confirm);
-    ui::BitmapButton* quit = addBottomButton(1003, u"X"_s, 0, ui::bitmaps::kCancel);
-    connect(quit, &ui::BitmapButton::clicked, this, [this] { close(Cancelled); });
+    addBottomButton(1003, u"X"_s, 0, ui::bitmaps::kCancel, [this] { close(Cancelled); });
     ui::BitmapButton* left = addBottomButton(1001, {}, 1, ui::bitmaps::kBlank);
     ui::BitmapButton* right = addBottomButton(1002, {}, 2, ui::bitmaps::kBlank);
     left->setEnabled(false);
@@ -129,8 +128,8 @@ void CRovanaDlg::addMenuControls() {
         {1055, u"단순결제"_s, ui::bitmaps::kSimplePayment, [this] { runSimplePayment(); }},
     };
     for (int i = 0; i < int(std::size(tiles)); ++i) {
-        ui::BitmapButton* button = addButton(tiles[i].control, tiles[i].text, tileAt(i), tiles[i].bitmaps);
-        connect(button, &ui::BitmapButton::clicked, this, tiles[i].action);
+        ui::BitmapButton* button =
+            addButton(tiles[i].control, tiles[i].text, tileAt(i), tiles[i].bitmaps, tiles[i].action);
         button->hide();
         menuControls_.append(button);
     }

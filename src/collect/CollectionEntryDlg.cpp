@@ -80,14 +80,9 @@ CCollectionEntryDlg::CCollectionEntryDlg() : Screen(app::dialogs::kCollectionEnt
     addSaleRows();
     addPaymentRows();
 
-    ui::BitmapButton* back = addBottomButton(1000, u"이전"_s, 0, ui::bitmaps::kCancel);
-    connect(back, &ui::BitmapButton::clicked, this, [this] { close(Cancelled); });
-    ui::BitmapButton* remove = addBottomButton(1002, u"전표삭제"_s, 1, ui::bitmaps::kDelete);
-    connect(remove, &ui::BitmapButton::clicked, this, [this] { deletePrevious(); });
-    ui::BitmapButton* done = addBottomButton(1003, u"완료"_s, 3, ui::bitmaps::kConfirm);
-    connect(done, &ui::BitmapButton::clicked, this, [this] { finish(); });
-    setDefaultButton(done);
-    setCancelButton(back);
+    setCancelButton(addBottomButton(1000, u"이전"_s, 0, ui::bitmaps::kCancel, [this] { close(Cancelled); }));
+    addBottomButton(1002, u"전표삭제"_s, 1, ui::bitmaps::kDelete, [this] { deletePrevious(); });
+    setDefaultButton(addBottomButton(1003, u"완료"_s, 3, ui::bitmaps::kConfirm, [this] { finish(); }));
 
     load();
     showAmounts();
@@ -132,8 +127,7 @@ void CCollectionEntryDlg::addPaymentRows() {
         {1013, u"전미수"_s, 1087, ui::bitmaps::kWideAmount, [this] { keyEarlierReceivable(); }},
     };
     for (int i = 0; i < int(std::size(rows)); ++i) {
-        ui::BitmapButton* button = addButton(rows[i].button, rows[i].caption, cellAt(1, i), rows[i].bitmaps);
-        connect(button, &ui::BitmapButton::clicked, this, rows[i].action);
+        addButton(rows[i].button, rows[i].caption, cellAt(1, i), rows[i].bitmaps, rows[i].action);
         addAmount(rows[i].value, rows[i].caption, valueAt(1, i));
     }
     const struct {

@@ -56,8 +56,8 @@ CContainerBalanceDlg::CContainerBalanceDlg() : Screen(app::dialogs::kContainerBa
         addAmount(row.bottles, row.caption % u" 공병", {160, top, 74, kRowHeight});
         top += kRowHeight;
     }
-    ui::BitmapButton* done = addBottomButton(1000, u"확  인"_s, 3, ui::bitmaps::kConfirm);
-    connect(done, &ui::BitmapButton::clicked, this, [this] { close(Accepted); });
+    ui::BitmapButton* done =
+        addBottomButton(1000, u"확  인"_s, 3, ui::bitmaps::kConfirm, [this] { close(Accepted); });
     setDefaultButton(done);
     setCancelButton(done);
 

@@ -83,9 +83,8 @@ void CContainerSlipDlg::addAmountRows() {
     int top = kFirstRowTop;
     for (const AmountRow& row : kAmountRows) {
         const QString caption = row.caption.toString();
-        ui::BitmapButton* button = addButton(row.button, caption, {2, top}, ui::bitmaps::kAmount);
-        connect(button, &ui::BitmapButton::clicked, this,
-                [this, caption, &row] { editAmount(caption, row.amount); });
+        addButton(row.button, caption, {2, top}, ui::bitmaps::kAmount,
+                  [this, caption, &row] { editAmount(caption, row.amount); });
         values(caption, row.lineValue, row.slipSum, top, 24);
         top += kRowHeight;
     }

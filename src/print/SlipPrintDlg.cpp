@@ -49,8 +49,7 @@ CSlipPrintDlg::CSlipPrintDlg()
     choice(1007, u"전체출력"_s, int(papers.size()), papers);
     addLabel(kPrintedMark, {}, {12, 258, 216, 22}, ui::FontHeight::Small, Qt::AlignCenter);
 
-    ui::BitmapButton* closeButton = addBottomButton(1003, u"닫  기"_s, 3, ui::bitmaps::kConfirm);
-    connect(closeButton, &ui::BitmapButton::clicked, this, [this] {
+    ui::BitmapButton* closeButton = addBottomButton(1003, u"닫  기"_s, 3, ui::bitmaps::kConfirm, [this] {
         app::session().SlipDone = 1;
         close(Accepted);
     });

@@ -29,9 +29,8 @@ ConsonantBoard::ConsonantBoard(int dialogId, const QString& title) : Screen(dial
         key->setFont(keyFont);
         connect(key, &ui::BitmapButton::clicked, this, [this, seek] { choose(seek); });
     }
-    ui::BitmapButton* other =
-        addButton(kOtherKey, u"기타"_s, keyAt(int(kConsonants.size())), ui::bitmaps::kOtherConsonant);
-    connect(other, &ui::BitmapButton::clicked, this, [this] { choose(kOtherSeek.toString()); });
+    addButton(kOtherKey, u"기타"_s, keyAt(int(kConsonants.size())), ui::bitmaps::kOtherConsonant,
+              [this] { choose(kOtherSeek.toString()); });
 }
 
 QPoint ConsonantBoard::keyAt(int place) {

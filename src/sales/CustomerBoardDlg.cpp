@@ -21,18 +21,14 @@ CCustomerBoardDlg::CCustomerBoardDlg() : ConsonantBoard(app::dialogs::kConsonant
              Qt::AlignCenter)
         ->setVisible(app::session().WorkMode == app::kSimplePayment);
 
-    ui::BitmapButton* cancel = addBottomButton(1003, u"취  소"_s, 0, ui::bitmaps::kCancel);
-    connect(cancel, &ui::BitmapButton::clicked, this, [this] {
+    setCancelButton(addBottomButton(1003, u"취  소"_s, 0, ui::bitmaps::kCancel, [this] {
         if (app::session().WorkMode == app::kSimplePayment) {
             closeAndOpen(app::dialogs::kSimplePayment);
         } else {
             close(Cancelled);
         }
-    });
-    ui::BitmapButton* confirm = addBottomButton(1000, u"확  인"_s, 3, ui::bitmaps::kConfirm);
-    connect(confirm, &ui::BitmapButton::clicked, this, [this] { seekChosen(); });
-    setDefaultButton(confirm);
-    setCancelButton(cancel);
+    }));
+    setDefaultButton(addBottomButton(1000, u"확  인"_s, 3, ui::bitmaps::kConfirm, [this] { seekChosen(); }));
 }
 
 void CCustomerBoardDlg::seekChosen() {

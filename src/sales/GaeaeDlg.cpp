@@ -60,18 +60,14 @@ CGaeaeDlg::CGaeaeDlg() : NarrowScreen(app::dialogs::kCustomerList), seek_(app::s
     describe(addLabel(kMargin, {}, {108, 258, 40, 24}, ui::FontHeight::Small, Qt::AlignCenter), u"마진"_s);
     addAmount(kReceivable, u"채권잔액"_s, {150, 258, 86, 24});
 
-    ui::BitmapButton* cancel = addBottomButton(1003, u"취  소"_s, 0, ui::bitmaps::kCancel);
-    connect(cancel, &ui::BitmapButton::clicked, this, [this] { close(Cancelled); });
+    setCancelButton(
+        addBottomButton(1003, u"취  소"_s, 0, ui::bitmaps::kCancel, [this] { close(Cancelled); }));
     addBottomButton(1002, {}, 1, ui::bitmaps::kBlank)->setEnabled(false);
-    ui::BitmapButton* all = addBottomButton(1001, u"전  체"_s, 2, ui::bitmaps::kSearch);
-    connect(all, &ui::BitmapButton::clicked, this, [this] {
+    addBottomButton(1001, u"전  체"_s, 2, ui::bitmaps::kSearch, [this] {
         ownOnly_ = !ownOnly_;
         fill();
     });
-    ui::BitmapButton* confirmButton = addBottomButton(1000, u"확  인"_s, 3, ui::bitmaps::kConfirm);
-    connect(confirmButton, &ui::BitmapButton::clicked, this, [this] { confirm(); });
-    setDefaultButton(confirmButton);
-    setCancelButton(cancel);
+    setDefaultButton(addBottomButton(1000, u"확  인"_s, 3, ui::bitmaps::kConfirm, [this] { confirm(); }));
 
     addNarrowing(list, 2, platform::hangul::continues);
     connect(list, &ui::ReportList::narrowed, this, &CGaeaeDlg::forgetChoice);

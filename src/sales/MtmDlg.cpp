@@ -106,8 +106,7 @@ void CMtmDlg::addAmountRows() {
     const QString noGoods = u"품목이 없으면 공급가액을 수정할수 없습니다.."_s;
     const QString noGoodsToSum = u"품목이 없으면 합계금액을 수정할수 없습니다.."_s;
     const auto amountButton = [&](int controlId, const QString& caption, int top, const AmountEdit& edit) {
-        ui::BitmapButton* button = addButton(controlId, caption, {2, top}, ui::bitmaps::kAmount);
-        connect(button, &ui::BitmapButton::clicked, this, [this, edit] { editAmount(edit); });
+        addButton(controlId, caption, {2, top}, ui::bitmaps::kAmount, [this, edit] { editAmount(edit); });
     };
     amountButton(1076, u"공급가"_s, kAmountRows[0].top,
                  {u"공급가"_s, kAmountRows[0].of, withSupply, noGoods});
@@ -125,9 +124,7 @@ void CMtmDlg::addButtons() {
     addBottomButton(1002, u"삭  제"_s, 1, ui::bitmaps::kDelete, [this] { deleteSelected(); });
     addBottomButton(1000, u"등  록"_s, 2, ui::bitmaps::kAdd, [this] { addFromSearch(); });
     setDefaultButton(addBottomButton(1003, u"완  료"_s, 3, ui::bitmaps::kConfirm, [this] { finish(); }));
-    ui::BitmapButton* cancel = addBottomButton(1001, u"취 소"_s, 0, ui::bitmaps::kCancel);
-    connect(cancel, &ui::BitmapButton::clicked, this, [this] { close(Cancelled); });
-    setCancelButton(cancel);
+    setCancelButton(addBottomButton(1001, u"취 소"_s, 0, ui::bitmaps::kCancel, [this] { close(Cancelled); }));
 }
 
 void CMtmDlg::openSlip() {

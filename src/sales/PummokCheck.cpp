@@ -24,8 +24,7 @@ CPummokCheck::CPummokCheck() : NarrowScreen(app::dialogs::kProductSearch) {
         class_->addItem(productClass.name);
         classCodes_.append(productClass.code);
     }
-    ui::BitmapButton* searchButton = addButton(1004, u"검  색"_s, {182, 2}, ui::bitmaps::kSearch);
-    connect(searchButton, &ui::BitmapButton::clicked, this, [this] { search(); });
+    addButton(1004, u"검  색"_s, {182, 2}, ui::bitmaps::kSearch, [this] { search(); });
 
     list_ = addList(1090, {0, 68, 240, 214});
     const ui::ListColumn columns[] = {{u"코드"_s, 50}, {u"상품명"_s, 150}, {u"용량"_s, 60}, {u"용도"_s, 50}};
@@ -37,15 +36,10 @@ CPummokCheck::CPummokCheck() : NarrowScreen(app::dialogs::kProductSearch) {
         close(Accepted);
     });
 
-    ui::BitmapButton* cancelButton = addBottomButton(1003, u"취  소"_s, 0, ui::bitmaps::kCancel);
-    connect(cancelButton, &ui::BitmapButton::clicked, this, [this] { cancel(); });
+    setCancelButton(addBottomButton(1003, u"취  소"_s, 0, ui::bitmaps::kCancel, [this] { cancel(); }));
     addBottomButton(1002, {}, 1, ui::bitmaps::kBlank)->setEnabled(false);
-    ui::BitmapButton* frequent = addBottomButton(1001, u"체  크"_s, 2, ui::bitmaps::kAdd);
-    connect(frequent, &ui::BitmapButton::clicked, this, [this] { showFrequent(); });
-    ui::BitmapButton* confirmButton = addBottomButton(1000, u"확  인"_s, 3, ui::bitmaps::kConfirm);
-    connect(confirmButton, &ui::BitmapButton::clicked, this, [this] { confirm(); });
-    setDefaultButton(confirmButton);
-    setCancelButton(cancelButton);
+    addBottomButton(1001, u"체  크"_s, 2, ui::bitmaps::kAdd, [this] { showFrequent(); });
+    setDefaultButton(addBottomButton(1000, u"확  인"_s, 3, ui::bitmaps::kConfirm, [this] { confirm(); }));
 
     addNarrowing(list_, 37, platform::hangul::matches);
     // A row that is not shown any more is not the choice either.

@@ -9,9 +9,8 @@ namespace sales {
 using namespace Qt::Literals::StringLiterals;
 
 CPummokSeekBoard::CPummokSeekBoard() : ConsonantBoard(app::dialogs::kProductBoard, u"상품 초성"_s) {
-    ui::BitmapButton* cancel = addBottomButton(1003, u"취  소"_s, 0, ui::bitmaps::kCancel);
-    connect(cancel, &ui::BitmapButton::clicked, this, [this] { close(Cancelled); });
-    setCancelButton(cancel);
+    setCancelButton(
+        addBottomButton(1003, u"취  소"_s, 0, ui::bitmaps::kCancel, [this] { close(Cancelled); }));
 }
 
 void CPummokSeekBoard::seekChosen() {

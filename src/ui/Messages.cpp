@@ -71,9 +71,9 @@ void MessageBox::addButtons(Buttons buttons) {
     const int gap = (panel_.width() - int(choices.size()) * width) / int(choices.size() + 1);
     int left = panel_.left() + gap;
     for (const Choice& choice : choices) {
-        BitmapButton* button = addButton(choice.control, choice.caption,
-                                         {left, panel_.bottom() - kButtonRow + 8}, choice.bitmaps);
-        connect(button, &BitmapButton::clicked, this, [this, result = choice.result] { close(result); });
+        BitmapButton* button =
+            addButton(choice.control, choice.caption, {left, panel_.bottom() - kButtonRow + 8},
+                      choice.bitmaps, [this, result = choice.result] { close(result); });
         if (choice.control == kMessageOk) setDefaultButton(button);
         setCancelButton(button);
         left += width + gap;
