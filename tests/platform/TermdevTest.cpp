@@ -32,20 +32,6 @@ class Roll : public testing::Test {
         return rows;
     }
 
-    /// Leftmost and rightmost dot with ink between `top` and `top + height`.
-    static std::pair<int, int> inkedSpan(const QImage& image, int top, int height) {
-        int left = image.width();
-        int right = -1;
-        for (int y = top; y < top + height; ++y) {
-            for (int x = 0; x < image.width(); ++x) {
-                if (qGray(image.pixel(x, y)) >= 128) continue;
-                left = qMin(left, x);
-                right = qMax(right, x);
-            }
-        }
-        return {left, right};
-    }
-
     /// One job of the given prints through the roll itself.
     static void print(std::initializer_list<QStringView> texts, int feed = 0) {
         PaperRoll roll;
@@ -114,39 +100,6 @@ TEST_F(Roll, TextNeedsNoFonts) {
     print({u"다음\n"});
     EXPECT_EQ(rollText(), u"글\n다음\n"_s);
     EXPECT_TRUE(picture().isNull());
-}
-
-TEST_F(Roll, PictureKeepsTheColumns) {
-    test::needApplication();
-    // The last character stands in column 32 in both lines, whatever stands before it.
-    print({u"가나다라마바사아자차카타파하거|\n", u"                               |\n"}, 2);
-    const QImage image = picture();
-    ASSERT_EQ(image.size(), QSize(384, 4 * kLineDots));
-    const auto first = inkedSpan(image, 0, kLineDots);
-    const auto second = inkedSpan(image, kLineDots, kLineDots);
-    EXPECT_GE(second.first, 31 * kColumnDots);
-    EXPECT_LT(first.first, kColumnDots);
-    EXPECT_LT(first.second, 31 * kColumnDots) << "15 syllables and a bar take 31 columns";
-    EXPECT_EQ(first.second - 30 * kColumnDots, second.second - 31 * kColumnDots);
-    EXPECT_EQ(inkedRows(image, 2 * kLineDots, 2 * kLineDots), 0) << "the feed is blank paper";
-}
-
-TEST_F(Roll, PictureShowsTheTitleEnlarged) {
-    test::needApplication();
-    PaperRoll roll;
-    roll.open();
-    roll.setSize(4);
-    roll.print(u"명세서\n");
-    roll.setSize(0);
-    roll.print(u"명세서\n");
-    roll.close();
-    const QImage image = picture();
-    ASSERT_EQ(image.height(), 3 * kLineDots);
-    const int normal = inkedRows(image, 2 * kLineDots, kLineDots);
-    EXPECT_GT(normal, 15);
-    EXPECT_NEAR(inkedRows(image, 0, 2 * kLineDots), 2 * normal, 4);
-    EXPECT_NEAR(inkedSpan(image, 0, 2 * kLineDots).second,
-                2 * inkedSpan(image, 2 * kLineDots, kLineDots).second, 6);
 }
 
 TEST_F(Roll, PictureGoesOnAndKeepsTheEnd) {

@@ -68,32 +68,19 @@ class SlipPapers : public testing::Test {
     test::TestDevice device_;
 };
 
-TEST_F(SlipPapers, OddOnesLookAsApproved) {
-    const struct {
-        QString user, file;
-        int lines;
-        QString count, amount;
-        bool areAmountsWide;
-    } slips[] = {{u"A"_s, u"odd-long"_s, 6, u"7"_s, u"12345"_s, false},
-                 {u"B"_s, u"odd-wide"_s, 2, u"123456789"_s, u"-123456789012345"_s, true}};
-    for (const auto& slip : slips) {
-        addSlip(slip.user, slip.lines, slip.count, slip.amount);
-        QString papers;
-        for (const Paper paper : app::kPapers) {
-            const auto document =
-                print::slipPaper(paper, kDate, u"5001", slip.user, Copy::Buyer, slip.areAmountsWide);
-            ASSERT_TRUE(document);
-            EXPECT_TRUE(platform::codepage::encode(document->text()));
-            for (const QString& line : document->lines()) {
-                EXPECT_TRUE(slip.areAmountsWide || print::displayWidth(line) <= print::kColumns + 1)
-                    << line.toStdString();
-            }
-            // The head is the same on all of them.
-            papers += papers.isEmpty() ? document->text() : test::belowTheHead(document->text());
-        }
-        test::expectApproved(papers, u"print/approved/%1.txt"_s.arg(slip.file));
-        device_.execute(u"DELETE FROM MTM; DELETE FROM YTM"_s);
+TEST_F(SlipPapers, WithNamesAroundThePapersWidthLookAsApproved) {
+    addSlip(u"A"_s, 6, u"7"_s, u"12345"_s);
+    QString papers;
+    for (const Paper paper : app::kPapers) {
+        const auto document = print::slipPaper(paper, kDate, u"5001", u"A", Copy::Buyer, false);
+        ASSERT_TRUE(document);
+        EXPECT_TRUE(platform::codepage::encode(document->text()));
+        for (const QString& line : document->lines())
+            EXPECT_LE(print::displayWidth(line), print::kColumns + 1) << line.toStdString();
+        // The head is the same on all of them.
+        papers += papers.isEmpty() ? document->text() : test::belowTheHead(document->text());
     }
+    test::expectApproved(papers, u"print/approved/odd-names.txt"_s);
 }
 
 TEST_F(SlipPapers, AreReprintsUntilTheirSlipChanges) {

@@ -21,20 +21,11 @@ QString codes(const db::Rows& rows) {
 
 TEST(Customers, AreListedByKeyAndSalesman) {
     test::TestDevice device;
-    const struct {
-        QStringView code, name, seek, user;
-    } kCustomers[] = {
-        {u"0001", u"가나상회", u"ㄱ", u"kim"}, {u"0002", u"고려주점", u"ㄱ", u"lee"},
-        {u"0003", u"강남식당", u"ㄱ", u"kim"}, {u"0004", u"나라", u"ㄴ", u"kim"},
-        {u"0005", u"7080", u"00", u"kim"},
-    };
-    for (const auto& c : kCustomers) {
-        device.insert(u"GARAE", {{u"GCODE", c.code},
-                                 {u"GNAME", c.name},
-                                 {u"ENDDATE", u"2024-05-01"},
-                                 {u"SEEK", c.seek},
-                                 {u"USERID", c.user}});
-    }
+    device.execute(
+        uR"(
+        INSERT INTO GARAE (GCODE, GNAME, SEEK, USERID, ENDDATE) SELECT *, '2024-05-01' FROM (VALUES
+            ('0001', '가나상회', 'ㄱ', 'kim'), ('0002', '고려주점', 'ㄱ', 'lee'), ('0003', '강남식당', 'ㄱ', 'kim'),
+            ('0004', '나라', 'ㄴ', 'kim'), ('0005', '7080', '00', 'kim')))"_s);
     const struct {
         QStringView seek, user;
         bool ownOnly;
@@ -49,31 +40,13 @@ TEST(Customers, AreListedByKeyAndSalesman) {
     }
 }
 
-class ProductsTest : public testing::Test {
-  protected:
-    ProductsTest() {
-        const struct {
-            QStringView code, name, use, productClass, seek, withdrawn;
-        } kProducts[] = {
-            {u"0001", u"가평", u"일반", u"10", u"ㄱ", u""},  {u"0002", u"국화", u"유흥", u"10", u"ㄱ", u"N"},
-            {u"0003", u"금주", u"공용", u"20", u"ㄱ", u""},  {u"0004", u"고량", u"일반", u"20", u"ㄱ", u"Y"},
-            {u"0005", u"나주", u"유흥", u"20", u"ㄴ", u"Z"},
-        };
-        for (const auto& p : kProducts) {
-            device.insert(u"PUMMOK", {{u"Pcode", p.code},
-                                      {u"Pname", p.name},
-                                      {u"Size", u"360"},
-                                      {u"Gubun", p.use},
-                                      {u"JGubun", p.productClass},
-                                      {u"seek", p.seek},
-                                      {u"TTT", p.withdrawn}});
-        }
-        device.execute(u"UPDATE PUMMOK SET TTT = NULL WHERE Pcode = '0001'"_s);
-    }
+TEST(Products, AreFoundByKeyClassAndKindOfCustomer) {
     test::TestDevice device;
-};
-
-TEST_F(ProductsTest, AreFoundByKeyClassAndKindOfCustomer) {
+    device.execute(
+        uR"(
+        INSERT INTO PUMMOK (Pcode, Pname, Gubun, JGubun, seek, TTT) VALUES ('0001', '가평', '일반', '10', 'ㄱ', NULL),
+            ('0002', '국화', '유흥', '10', 'ㄱ', 'N'), ('0003', '금주', '공용', '20', 'ㄱ', ''),
+            ('0004', '고량', '일반', '20', 'ㄱ', 'Y'), ('0005', '나주', '유흥', '20', 'ㄴ', 'Z'))"_s);
     const struct {
         QStringView seek, productClass, kind, wanted;
     } kCases[] = {

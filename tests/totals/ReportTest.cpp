@@ -73,18 +73,13 @@ TEST(Report, MakesListPaperAndTableOfTheSameRows) {
 
 TEST(DailyReports, AreOfOneUserOrEverybodyAndNeverShort) {
     test::TestDevice device;
-    for (const QStringView user : {u"A", u"B"}) {
-        device.insert(u"MTM",
-                      {{u"DDate", u"2024-03-29"}, {u"UserID", user}, {u"PCode", u"1"}, {u"MMoney", u"5"}});
-        device.insert(u"YTM",
-                      {{u"DDate", u"2024-03-29"}, {u"UserID", user}, {u"PCode", u"1"}, {u"FBox", u"5"}});
-        device.insert(u"MTMOK", {{u"DDate", u"2024-03-29"},
-                                 {u"UserID", user},
-                                 {u"GCode", u"1"},
-                                 {u"CardMoney", u"5"},
-                                 {u"BANKTRANNO", u"9"}});
-        device.insert(u"GARAE", {{u"GCODE", user}, {u"USERID", user}, {u"CJMONEY", u"5"}});
-    }
+    device.execute(
+        uR"(
+        INSERT INTO GARAE (GCODE, USERID, CJMONEY) VALUES ('A', 'A', '5'), ('B', 'B', '5');
+        INSERT INTO MTM (DDate, UserID, PCode, MMoney) SELECT '2024-03-29', USERID, '1', '5' FROM GARAE;
+        INSERT INTO YTM (DDate, UserID, PCode, FBox) SELECT '2024-03-29', USERID, '1', '5' FROM GARAE;
+        INSERT INTO MTMOK (DDate, UserID, GCode, CardMoney, BANKTRANNO) SELECT '2024-03-29', USERID, '1', '5', '9' FROM
+            GARAE)"_s);
     const auto sumOf = [](const DailyReport& daily, QStringView user) {
         Won sum;
         for (const Sum& each : sums(daily.make(u"2024-03-29", user).value_or(Report()))) sum += each.value;
@@ -96,8 +91,7 @@ TEST(DailyReports, AreOfOneUserOrEverybodyAndNeverShort) {
         EXPECT_EQ(sumOf(daily, u""), 10);
         EXPECT_EQ(sumOf(daily, u"C"), 0);
     }
-    for (const QString& name : {u"MTM"_s, u"YTM"_s, u"MTMOK"_s, u"GARAE"_s})
-        device.execute(u"DROP TABLE "_s + name);
+    device.execute(u"DROP TABLE MTM; DROP TABLE YTM; DROP TABLE MTMOK; DROP TABLE GARAE"_s);
     for (const DailyReport& daily : dailyReports()) EXPECT_FALSE(daily.make(u"2024-03-29", u"A"));
 }
 
