@@ -76,7 +76,8 @@ TEST(DailyReports, AreOfOneUserOrEverybodyAndNeverShort) {
     device.execute(
         uR"(
         INSERT INTO GARAE (GCODE, USERID, CJMONEY) VALUES ('A', 'A', '5'), ('B', 'B', '5');
-        INSERT INTO MTM (DDate, UserID, PCode, MMoney) SELECT '2024-03-29', USERID, '1', '5' FROM GARAE;
+        INSERT INTO MTM (DDate, UserID, PCode, MMoney, WorkGubun) SELECT '2024-03-29', USERID, '1', '5', '발행' FROM
+            GARAE;
         INSERT INTO YTM (DDate, UserID, PCode, FBox) SELECT '2024-03-29', USERID, '1', '5' FROM GARAE;
         INSERT INTO MTMOK (DDate, UserID, GCode, CardMoney, BANKTRANNO) SELECT '2024-03-29', USERID, '1', '5', '9' FROM
             GARAE)"_s);
