@@ -216,6 +216,7 @@ class BareExchange {
               connection.send(reply_);
           }) {
         crypto_box_keypair(hostPublic_.data(), hostSecret_.data());
+        crypto_sign_keypair(signPublic_.data(), signSecret_.data());
     }
 
     void run() {
@@ -242,6 +243,8 @@ class BareExchange {
         Key replySecret;
         crypto_box_keypair(replyPublic.data(), replySecret.data());
         const auto* text = reinterpret_cast<const unsigned char*>(request_.constData());
+        std::array<unsigned char, crypto_sign_BYTES> signature;
+        crypto_sign_detached(signature.data(), nullptr, text, size_t(request_.size()), signSecret_.data());
         std::vector<unsigned char> sealed(size_t(request_.size()) + crypto_box_SEALBYTES);
         std::vector<unsigned char> opened(sealed.size());
         crypto_box_seal(sealed.data(), text, size_t(request_.size()), hostPublic_.data());
@@ -267,6 +270,8 @@ class BareExchange {
     QByteArray reply_;
     Key hostPublic_{};
     Key hostSecret_{};
+    Key signPublic_{};
+    std::array<unsigned char, crypto_sign_SECRETKEYBYTES> signSecret_{};
     Listener listener_;
 };
 

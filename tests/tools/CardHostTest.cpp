@@ -74,6 +74,10 @@ TEST_F(CardHostTest, WrongValuesChangeNothing) {
     EXPECT_EQ(run({u"card-host"_s, u"--host"_s, u"127.0.0.1"_s}).exitCode, admin::kUsageError);
     EXPECT_FALSE(QFileInfo::exists(platform::device::path(kSavedValuesFile)));
     EXPECT_FALSE(QFileInfo::exists(platform::device::path(kHostKeyFile)));
+    // A key that hosts may know is not replaced, whatever is left of it.
+    writeFile(u"Flash Disk/KSNETMSG.key"_s, "half a key");
+    EXPECT_TRUE(set(u"127.0.0.1"_s, u"1"_s, key).err.contains(u"KSNETMSG.key holds no key"_s));
+    EXPECT_EQ(readFile(platform::device::path(kSigningKeyFile)), "half a key");
 }
 
 TEST_F(CardHostTest, ATerminalWithoutANumberGetsOneOfItsOwn) {

@@ -63,11 +63,15 @@ Outcome setCardHost(const Invocation& call) {
     QString& number = values[kTerminalKey.toString()];
     if (!terminal.isEmpty()) number = terminal;
     if (number.isEmpty()) number = newTerminal();
-    SigningKey own;
-    if (!writeHostKey(*key) || !writeSavedValues(values) || makeSigningKey(&own) != kDone) {
+    if (!writeHostKey(*key) || !writeSavedValues(values)) {
         return failure(
             u"the saved values could not be written to %1; make the device folder with \"rovanactl init\""_s
                 .arg(platform::device::folder()));
+    }
+    SigningKey own;
+    if (makeSigningKey(&own) != kDone) {
+        return failure(u"%1 holds no key, or none can be written there; see \"rovanactl check\""_s.arg(
+            platform::device::path(kSigningKeyFile)));
     }
     call.out << u"terminal "_s << number << u" uses the card host "_s << address.toString() << u':' << port
              << u'\n';
