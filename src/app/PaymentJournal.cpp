@@ -94,7 +94,8 @@ QStringView stateName(PaymentState state) {
 bool notePayment(const JournalPayment& payment) {
     const CollectionSlip& slip = payment.slip;
     db::Transaction transaction;
-    if (hasUnsettledPayment(slip.DDate, slip.JunNo, slip.UserID)) return false;
+    const auto earlier = payments(kOfSlip(slip.DDate, slip.JunNo, slip.UserID));
+    if (!earlier || std::ranges::any_of(*earlier, &JournalPayment::isUnsettled)) return false;
     const auto columns = columnTexts(slip);
     const QString charged = platform::formatWon(payment.charged);
     std::array<QStringView, decltype(kInsert)::kValues> values{payment.number, stateName(PaymentState::Sent),

@@ -50,6 +50,14 @@ TEST_F(CardHostTest, WritesWhatTheTerminalReads) {
                                    {u"221"_s, u"127000000001"_s},
                                    {u"222"_s, u"1"_s},
                                    {u"301"_s, u"kept"_s}}));
+
+    // While it is open what became of a payment, nobody but the host of before can tell.
+    execute(u"INSERT INTO PAYJOURNAL (Number, State) VALUES ('1', 'unknown')"_s);
+    EXPECT_EQ(set(u"127.0.0.1"_s, u"2"_s, key).exitCode, admin::kSuccess) << "it may move";
+    ended = set(u"127.0.0.1"_s, u"3"_s, writeFile(u"other.pub"_s, QByteArray(64, 'c')));
+    EXPECT_EQ(ended.exitCode, admin::kFailure) << narrow(ended.out);
+    ASSERT_EQ(readHostKey(&read), kDone);
+    EXPECT_EQ(read[0], 0xAA);
 }
 
 TEST_F(CardHostTest, WrongValuesChangeNothing) {

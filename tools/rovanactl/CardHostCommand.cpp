@@ -2,6 +2,7 @@
 #include <QFileInfo>
 #include <QHostAddress>
 
+#include "app/PaymentJournal.h"
 #include "platform/Device.h"
 #include "platform/message/Enrolment.h"
 #include "platform/message/SavedValues.h"
@@ -55,6 +56,13 @@ Outcome setCardHost(const Invocation& call) {
     if (!key)
         return failure(u"%1 holds no public key: 64 hexadecimal digits are wanted"_s.arg(file.fileName()));
     if (startCipher() != kDone) return failure(u"the cipher library does not start"_s);
+    // Another host has never seen the payment, and would let the terminal say that nothing was charged.
+    PublicKey before{};
+    if (readHostKey(&before) == kDone && before != *key && app::hasUnsettledPayments()) {
+        return failure(
+            u"what became of a payment is open, and only the host of before can tell: log in at the terminal "
+            u"while it answers, or see \"rovanactl journal --help\""_s);
+    }
 
     SavedValues values;
     readSavedValues(&values);  // Without readable ones they are made anew.
@@ -99,7 +107,8 @@ constinit const Command kCardHostCommand{
     "key of\n"
     "its own, by which the host has to know it: where host.pub lies in the host's own folder it is enrolled "
     "at\n"
-    "once, else the command for it is shown.",
+    "once, else the command for it is shown. Another host is refused while it is open what became of a\n"
+    "payment, see \"rovanactl journal --open\".",
     0,
     0,
     addCardHostOptions,
