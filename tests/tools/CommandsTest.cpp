@@ -159,79 +159,49 @@ TEST_F(CommandsTest, TotalsAreTextOrTables) {
 
 TEST_F(CommandsTest, JournalListsPaymentsAndSettlesOpenOnes) {
     makeDevice();
-    // Three payments of one amount: one approved, one unknown, and one at which the terminal stopped.
-    const auto number = [](char16_t digit) { return QString(32, digit); };
-    for (const auto& [digit, state, slip, transaction] :
-         {std::tuple{u'a', u"approved"_s, u"5001"_s, u"000000000001"_s},
-          {u'b', u"unknown"_s, u"5002"_s, u""_s},
-          {u'c', u"sent"_s, u"7001"_s, u""_s}}) {
-        execute(
-            u"INSERT INTO PAYJOURNAL (Number, State, Kind, Charged, DDate, Gubun, GCode, GName, JunNo, "
-            u"UserID, "
-            "CardMoney, MSGSENDTIME, BANKTRANNO) VALUES ('%1', '%2', 'card', '1000', '%3', '매출', '1', "
-            "'가람', "
-            "'%4', 'A', '1000', '20240329090500', '%5')"_s.arg(number(digit), state, kDay, slip,
-                                                               transaction));
-    }
-    const auto journal = [&](const QStringList& more) {
-        platform::adoce::DatabaseFile::forgetAll();
-        return run(QStringList{u"journal"_s} + more);
-    };
-    EXPECT_EQ(journal({u"--date"_s, kDay}).out.count(u'\n'), 4);
-    EXPECT_EQ(journal({u"--date"_s, u"2024-03-30"_s}).out.count(u'\n'), 1);
-    const QString open = journal({u"--open"_s}).out;
-    EXPECT_TRUE(open.contains(u"20240329090500\tunknown\tcard\t1000\t가람\t"_s + kDay + u"\t5002\tA\t\t"_s +
-                              number(u'b')))
-        << narrow(open);
-    EXPECT_FALSE(open.contains(u"5001"_s)) << narrow(open);
-
+    execute(
+        u"INSERT INTO PAYJOURNAL (Number, State, JunNo, BANKTRANNO, DDate, Charged, GCode) VALUES "
+        "('%1', 'approved', '5001', '000000000001', '2024-03-29', '1000', '1'), "
+        "('%2', 'unknown', '5002', '', '2024-03-29', '1000', '1'), "
+        "('%3', 'sent', '7001', '', '2024-03-29', '1000', '1')"_s.arg(QString(32, u'a'), QString(32, u'b'),
+                                                                      QString(32, u'c')));
     const struct {
-        QStringList settle;
+        const char* options;  ///< "B" is the second payment's number and so on.
         int exitCode;
-        QString said;
-        QString states;
+        const char* said;
     } cases[] = {
-        {{u"bb"_s, u"released"_s}, admin::kUsageError, u"message number"_s, u"approved unknown sent"_s},
-        {{number(u'b'), u"approved"_s}, admin::kUsageError, u"twelve"_s, u"approved unknown sent"_s},
-        {{number(u'b'), u"released"_s, u"000000000002"_s},
-         admin::kUsageError,
-         u"released"_s,
-         u"approved unknown sent"_s},
-        {{number(u'd'), u"released"_s}, admin::kFailure, u"no payment"_s, u"approved unknown sent"_s},
-        {{number(u'a'), u"released"_s}, admin::kFailure, u"approved already"_s, u"approved unknown sent"_s},
-        {{number(u'b'), u"approved"_s, u"000000000001"_s},
-         admin::kFailure,
-         u"another payment"_s,
-         u"approved unknown sent"_s},
-        {{number(u'B'), u"approved"_s, u"000000000002"_s},
-         admin::kSuccess,
-         u"slip 5002"_s,
-         u"approved approved sent"_s},
-        {{number(u'c'), u"approved"_s, u"000000000002"_s},
-         admin::kFailure,
-         u"on slip 5002"_s,
-         u"approved approved sent"_s},
-        {{number(u'c'), u"released"_s}, admin::kSuccess, u"paid again"_s, u"approved approved released"_s},
-        {{number(u'c'), u"released"_s},
-         admin::kFailure,
-         u"released already"_s,
-         u"approved approved released"_s},
+        {"--date 2024-03-30", admin::kSuccess, "sent\tstate"},
+        {"--open", admin::kSuccess, "5002"},
+        {"--settle bb released", admin::kUsageError, "message number"},
+        {"--settle B approved", admin::kUsageError, "twelve"},
+        {"--settle B released 000000000002", admin::kUsageError, "released"},
+        {"--settle D released", admin::kFailure, "no payment"},
+        {"--settle A released", admin::kFailure, "approved already"},
+        {"--settle B approved 000000000001", admin::kFailure, "another payment"},
+        {"--settle B approved 000000000002", admin::kSuccess, "slip 5002"},
+        {"--settle C approved 000000000002", admin::kFailure, "on slip 5002"},
+        {"--settle C released", admin::kSuccess, "paid again"},
+        {"--settle C released", admin::kFailure, "released already"},
+        {"stray", admin::kUsageError, "--settle"},
     };
-    for (const auto& c : cases) {
-        const Ended ended = journal(QStringList{u"--settle"_s} + c.settle);
-        EXPECT_EQ(ended.exitCode, c.exitCode) << narrow(ended.err);
-        EXPECT_TRUE((ended.out + ended.err).contains(c.said)) << narrow(ended.out + ended.err);
-        EXPECT_EQ(narrow(rows(u"SELECT State FROM PAYJOURNAL ORDER BY Number"_s).join(u' ')),
-                  narrow(c.states));
+    for (const auto& [options, exitCode, said] : cases) {
+        QStringList arguments{u"journal"_s};
+        for (const QString& word : QString::fromLatin1(options).split(u' '))
+            arguments << (word.size() == 1 ? QString(32, word[0]) : word);
+        platform::adoce::DatabaseFile::forgetAll();
+        const Ended ended = run(arguments);
+        EXPECT_EQ(ended.exitCode, exitCode) << options;
+        EXPECT_TRUE((ended.out + ended.err).contains(QLatin1StringView(said)))
+            << narrow(ended.out + ended.err);
+        EXPECT_FALSE(ended.out.contains(u"5001"_s)) << options;
     }
-    EXPECT_EQ(rows(u"SELECT JunNo, CardMoney, BANKTRANNO FROM MTMOK"_s),
-              QStringList{u"5002|1000|000000000002"_s});
-    EXPECT_EQ(journal({u"stray"_s}).exitCode, admin::kUsageError);
-    platform::adoce::DatabaseFile::forgetAll();
+    EXPECT_EQ(
+        rows(u"SELECT State FROM PAYJOURNAL UNION ALL SELECT JunNo || BANKTRANNO FROM MTMOK"_s).join(u' '),
+        u"approved approved released 5002000000000002"_s);
     admin::SqliteFile terminal(database(), admin::SqliteFile::Mode::Existing);
     ASSERT_TRUE(terminal.execute(u"PRAGMA journal_mode=WAL"_s) && terminal.rows(u"SELECT * FROM MTM"_s));
-    EXPECT_TRUE(run({u"journal"_s, u"--settle"_s, number(u'c'), u"released"_s})
-                    .err.contains(u"close the terminal"_s));
+    EXPECT_TRUE(
+        run({u"journal"_s, u"--settle"_s, QString(32, u'c'), u"released"_s}).err.contains(u"close the"_s));
 }
 
 /// The program itself, in an environment that knows no UTF-8.
