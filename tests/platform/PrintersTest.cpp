@@ -51,6 +51,17 @@ QByteArray readAvailable(int descriptor) {
     return all;
 }
 
+/// What comes out, piece by piece, until nothing waits for the printer any more.
+template <typename Read>
+QByteArray paperUntilReady(const PrintQueue& queue, Read read) {
+    QByteArray paper;
+    EXPECT_TRUE(test::pump([&] {
+        paper += read();
+        return queue.status().state == State::Ready;
+    }));
+    return paper + read();
+}
+
 class Printers : public testing::Test {
   protected:
     QString file(const QString& name) const { return device_.folder() + u'/' + name; }
@@ -181,12 +192,8 @@ TEST_F(Printers, JobsWaitForAPrinterInOrder) {
     EXPECT_EQ(queue.status().waitingJobs, 2);
     ASSERT_EQ(::mkfifo(QFile::encodeName(settings.device).constData(), 0600), 0);
     const int reader = ::open(QFile::encodeName(settings.device).constData(), O_RDONLY | O_NONBLOCK);
-    QByteArray paper;
-    EXPECT_TRUE(test::pump([&] {
-        paper += readAvailable(reader);
-        return queue.status().state == State::Ready;
-    }));
-    EXPECT_EQ(paper + readAvailable(reader), "one\ntwo\n");
+    QByteArray paper = paperUntilReady(queue, [&] { return readAvailable(reader); });
+    EXPECT_EQ(paper, "one\ntwo\n");
     EXPECT_EQ(traces.take().size(), 2) << "the fault and its end, each once";
 
     // It stops reading: the job stays until the last byte is taken, and nothing waits meanwhile.
@@ -195,12 +202,8 @@ TEST_F(Printers, JobsWaitForAPrinterInOrder) {
     EXPECT_TRUE(queue.add("end\n"));
     EXPECT_TRUE(test::pump([&] { return queue.status().state == State::Fault; }));
     EXPECT_EQ(queue.status().waitingJobs, 2);
-    paper.clear();
-    EXPECT_TRUE(test::pump([&] {
-        paper += readAvailable(reader);
-        return queue.status().state == State::Ready;
-    }));
-    EXPECT_EQ(paper + readAvailable(reader), large + "end\n") << "goes on where it stopped";
+    paper = paperUntilReady(queue, [&] { return readAvailable(reader); });
+    EXPECT_EQ(paper, large + "end\n") << "goes on where it stopped";
     ::close(reader);
 }
 
@@ -305,20 +308,12 @@ TEST_F(Printers, ANetworkPrinterMayStopAndBreakOff) {
     EXPECT_TRUE(test::pump([&] { return queue->status().state == State::Fault; }));
     EXPECT_TRUE(test::pump([&] { return !printer.read(false).isEmpty(); }));
     printer.breakOff();
-    paper.clear();
-    EXPECT_TRUE(test::pump([&] {
-        paper += printer.read();
-        return queue->status().state == State::Ready;
-    }));
+    paper = paperUntilReady(*queue, [&] { return printer.read(); });
     EXPECT_TRUE(paper == '\n' + large + "end\n") << paper.size();
 
     // One that never ends a connection has its job all the same.
     EXPECT_TRUE(queue->add("silent\n"));
-    paper.clear();
-    EXPECT_TRUE(test::pump([&] {
-        paper += printer.read(false);
-        return queue->status().state == State::Ready;
-    }));
+    paper = paperUntilReady(*queue, [&] { return printer.read(false); });
     EXPECT_EQ(paper, "silent\n");
 
     printer.hangUp();
@@ -334,11 +329,7 @@ TEST_F(Printers, ANetworkPrinterMayStopAndBreakOff) {
     printer.breakOff();
     queue.reset();
     queue = std::make_unique<PrintQueue>(printer.settings(), kQuick);
-    paper.clear();
-    EXPECT_TRUE(test::pump([&] {
-        paper += printer.read();
-        return queue->status().state == State::Ready;
-    }));
+    paper = paperUntilReady(*queue, [&] { return printer.read(); });
     EXPECT_EQ(paper, "\nlate\n");
 }
 
@@ -372,11 +363,7 @@ TEST_F(Printers, JobsOutliveTheProgram) {
     PrintSpool other;
     EXPECT_TRUE(test::pump([] { return !PrintSpool().lock(); }));
     EXPECT_TRUE(other.add("four\n"));
-    paper.clear();
-    EXPECT_TRUE(test::pump([&] {
-        paper += printer.read();
-        return queue.status().state == State::Ready;
-    }));
+    paper = paperUntilReady(queue, [&] { return printer.read(); });
     EXPECT_TRUE(paper.endsWith('\n' + large + "three\nfour\n")) << paper.size();
     EXPECT_FALSE(paper.contains("one")) << "what went out whole does not come again";
     EXPECT_TRUE(test::pump([&] { return other.lock(); })) << "let go of when nothing waits";
