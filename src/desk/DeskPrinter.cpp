@@ -16,7 +16,10 @@ constexpr int kTitleSize = 4;
 
 }  // namespace
 
-DeskPrinter::DeskPrinter(qint64 rollBytes) : roll_(rollBytes) {
+DeskPrinter::DeskPrinter(qint64 rollBytes, int retry) : roll_(rollBytes) {
+    retry_.setSingleShot(true);
+    retry_.setInterval(retry);
+    QObject::connect(&retry_, &QTimer::timeout, [this] { printWaiting(); });
     printWaiting();
 }
 
@@ -40,10 +43,15 @@ DeviceStatus DeskPrinter::status() const {
 bool DeskPrinter::putOut(const QList<PaperLine>& lines) {
     QByteArray job;
     for (const PaperLine& line : lines) job += paperText(line).toUtf8() + '\n';
-    if (fault_.isEmpty()) printWaiting();
+    printWaiting();
     // Behind those that the roll did not take either.
-    if (spool_.count() > 0 || !fault_.isEmpty()) return spool_.add(job);
-    return printOnRoll(job) || spool_.add(job);
+    if (spool_.count() > 0 || !fault_.isEmpty()) return keep(job);
+    return printOnRoll(job) || keep(job);
+}
+
+bool DeskPrinter::keep(const QByteArray& job) {
+    retry_.start();
+    return spool_.add(job);
 }
 
 bool DeskPrinter::printOnRoll(const QByteArray& job) {
@@ -60,13 +68,18 @@ bool DeskPrinter::printOnRoll(const QByteArray& job) {
 }
 
 void DeskPrinter::printWaiting() {
-    if (spool_.count() == 0 || !spool_.lock()) return;
+    // Out of order it waits for the end of that.
+    if (!fault_.isEmpty() || spool_.count() == 0) return;
+    retry_.start();
+    if (!spool_.lock()) return;
     while (const auto entry = spool_.oldest()) {
         const auto job = spool_.read(*entry);
         // Removed after it is out: a program killed in between prints it again rather than never.
         if (!job || !printOnRoll(*job) || !spool_.remove(*entry)) break;
     }
     spool_.unlock();
+    if (spool_.count() == 0) retry_.stop();
+    statusChanged();
 }
 
 }  // namespace desk

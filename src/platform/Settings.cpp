@@ -41,7 +41,10 @@ class Values {
                 QStringView value = line.sliced(equals + 1).trimmed();
                 if (value.size() >= 2 && value.startsWith(u'"') && value.endsWith(u'"'))
                     value = value.sliced(1, value.size() - 2);
-                values_[section % u'/' % key] = {value.toString(), number};
+                Value& entry = values_[section % u'/' % key];
+                if (entry.line > 0)
+                    complain(number, QString(u"the key " % key % u" stands a second time; this one counts"));
+                entry = {value.toString(), number};
             }
         }
     }
@@ -83,9 +86,9 @@ class Values {
         });
     }
 
-    void text(const QString& key, const QString& wanted, QString* into) {
-        use(key, wanted, [&](const QString& text) {
-            if (text.isEmpty()) return false;
+    void path(const QString& key, QString* into) {
+        use(key, u"a path from / on"_s, [&](const QString& text) {
+            if (!text.startsWith(u'/')) return false;
             *into = text;
             return true;
         });
@@ -119,7 +122,7 @@ class Values {
   private:
     struct Value {
         QString text;
-        int line;
+        int line = 0;
     };
 
     void complain(int line, QStringView what) {
@@ -138,7 +141,7 @@ void readPrinter(Values* values, Settings* settings) {
         u"printer/type"_s,
         {{u"roll", Kind::Roll}, {u"file", Kind::File}, {u"serial", Kind::Serial}, {u"tcp", Kind::Tcp}},
         &printer.kind);
-    values->text(u"printer/device"_s, u"a path"_s, &printer.device);
+    values->path(u"printer/device"_s, &printer.device);
     values->use(u"printer/address"_s, u"an IPv4 address"_s, [&](const QString& text) {
         if (!message::parseAddress(text)) return false;
         printer.address = text;
@@ -169,7 +172,7 @@ void readReader(Values* values, Settings* settings) {
                     {u"evdev", Kind::Evdev},
                     {u"hidraw", Kind::Hidraw}},
                    &reader.kind);
-    values->text(u"reader/device"_s, u"a path"_s, &reader.device);
+    values->path(u"reader/device"_s, &reader.device);
     values->line(u"reader"_s, &reader.line);
     values->choose(u"reader/tracks"_s,
                    {{u"both", Tracks::Both}, {u"2", Tracks::Only2}, {u"3", Tracks::Only3}}, &reader.tracks);
@@ -201,6 +204,8 @@ Settings readSettings() {
         settings.complaints << u"rovana.conf cannot be read: "_s + file.errorString();
         return settings;
     }
+    if (file.size() > kLargestFile)
+        settings.complaints << u"rovana.conf: what stands behind its first 64 KiB is not read"_s;
     Values values(&settings.complaints);
     values.read(QString::fromUtf8(file.read(kLargestFile)));
     readPrinter(&values, &settings);

@@ -10,6 +10,7 @@
 #include <QTest>
 
 #include "desk/CardSlot.h"
+#include "desk/DeskPrinter.h"
 #include "desk/PaperView.h"
 #include "desk/StatusStrip.h"
 #include "platform/termdev/CardReader.h"
@@ -144,6 +145,19 @@ TEST_F(DeskTest, KeepsSlipsWhileThePrinterIsOutOfOrder) {
     open();
     printByOrdinal(u"다섯\n");
     EXPECT_TRUE(rollText().endsWith(u"【셋】\n【넷】\n【다섯】\n"_s)) << rollText().toStdString();
+
+    // What the roll does not take is tried again by itself.
+    desk_.reset();
+    platform::termdev::resetRoll();
+    const QString roll = device_.folder() + u"/roll.txt"_s;
+    ASSERT_TRUE(QDir().mkdir(roll));
+    desk::DeskPrinter printer(1 << 20, 20);
+    printer.open();
+    printer.print(u"여섯\n");
+    printer.close();
+    EXPECT_EQ(printer.status().waitingJobs, 1);
+    ASSERT_TRUE(QDir().rmdir(roll));
+    EXPECT_TRUE(QTest::qWaitFor([] { return rollText() == u"여섯\n"; }));
 }
 
 TEST_F(DeskTest, DrawsCardsThroughTheReader) {

@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QImage>
 #include <QProcess>
@@ -30,7 +31,8 @@ using platform::PrinterSettings;
 using State = DeviceStatus::State;
 
 const QByteArray kStart("\x1B@\x1C&", 4);
-constexpr PrintQueue::Times kQuick{.retry = 20, .stall = 100, .parting = 150, .leaving = 100};
+constexpr PrintQueue::Times kQuick{
+    .retry = 20, .longest = 80, .look = 20, .stall = 100, .parting = 150, .leaving = 100};
 
 int call(int ordinal) {
     return std::get<int (*)()>(operation(ordinal))();
@@ -331,6 +333,16 @@ TEST_F(Printers, ANetworkPrinterMayStopAndBreakOff) {
     queue = std::make_unique<PrintQueue>(printer.settings(), kQuick);
     paper = paperUntilReady(*queue, [&] { return printer.read(); });
     EXPECT_EQ(paper, "\nlate\n");
+
+    // One that breaks off in every job gets its start less and less often.
+    EXPECT_TRUE(queue->add("start\n"));
+    QElapsedTimer breaking;
+    breaking.start();
+    for (int tries = 0; tries < 5; ++tries) {
+        EXPECT_TRUE(test::pump([&] { return !printer.read(false).isEmpty(); }));
+        printer.breakOff();
+    }
+    EXPECT_GE(breaking.elapsed(), 20 + 40 + 80 + 80);
 }
 
 TEST_F(Printers, JobsOutliveTheProgram) {
@@ -367,6 +379,10 @@ TEST_F(Printers, JobsOutliveTheProgram) {
     EXPECT_TRUE(paper.endsWith('\n' + large + "three\nfour\n")) << paper.size();
     EXPECT_FALSE(paper.contains("one")) << "what went out whole does not come again";
     EXPECT_TRUE(test::pump([&] { return other.lock(); })) << "let go of when nothing waits";
+    // What another program leaves is found without a job of one's own.
+    other.unlock();
+    EXPECT_TRUE(other.add("five\n"));
+    EXPECT_TRUE(test::pump([&] { return printer.read() == "five\n"; }));
 }
 
 }  // namespace

@@ -32,17 +32,13 @@ TEST(Settings, GoodValuesAreTakenAndBadOnesTold) {
     EXPECT_EQ(settings.scale, 1.5);
     EXPECT_EQ(settings.logKilobytes, 64);
 
-    const QByteArray bad[] = {"[printer]\nspeed = 9601",
-                              "[printer]\ntype = laser",
-                              "[printer]\nport = 70000",
-                              "[printer]\naddress = a.b",
-                              "[printer]\ntype = tcp",
-                              "[reader]\ntype = serial",
-                              "[reader]\ntrack3 = 12",
-                              "[screen]\nscale = nan",
-                              "[log]\nkilobytes = -1",
-                              "[log]\nsize = 5",
-                              "nonsense"};
+    const QByteArray bad[] = {"[printer]\nspeed = 9601",        "[printer]\ntype = laser",
+                              "[printer]\nport = 70000",        "[printer]\naddress = a.b",
+                              "[printer]\ntype = tcp",          "[reader]\ntype = serial",
+                              "[reader]\ntrack3 = 12",          "[screen]\nscale = nan",
+                              "[log]\nkilobytes = -1",          "[log]\nsize = 5",
+                              "[printer]\ndevice = lp0",        "[printer]\nport = 9100\nport = 9100",
+                              '#' + QByteArray(64 * 1024, '-'), "nonsense"};
     for (const QByteArray& text : bad) {
         device.writeFile(u"\\rovana.conf", text + '\n');
         settings = readSettings();

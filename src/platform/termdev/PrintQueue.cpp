@@ -74,6 +74,8 @@ PrintQueue::PrintQueue(const PrinterSettings& settings, Times times) : settings_
     if (const int waiting = spool_.count(); waiting > 0) {
         trace(u"printer: %1 jobs wait from before"_s.arg(waiting));
         timer_.start(0);
+    } else {
+        timer_.start(times_.look);
     }
 }
 
@@ -115,6 +117,7 @@ void PrintQueue::proceed() {
     }
     if (spool_.count() == 0) {
         spool_.unlock();
+        timer_.start(times_.look);
         setFault({});
         statusChanged();
         return;
@@ -130,12 +133,12 @@ void PrintQueue::proceed() {
     if (!job_) return proceed();
     const std::optional<QByteArray> bytes = spool_.read(*job_);
     if (!bytes) return fail(u"a waiting job cannot be read"_s);
+    sent_ = 0;
     line_ = openPrinter(settings_);
     if (line_ < 0) return fail(errorText(errno));
 
     // What the printer holds of the first try is ended, lest the command that follows be taken for its rest.
     bytes_ = job_->stage == PrintSpool::Stage::Begun ? '\n' + *bytes : *bytes;
-    sent_ = 0;
     untransmitted_ = 0;
     hasPeerEnded_ = false;
     readFailure_.clear();
@@ -244,6 +247,7 @@ qsizetype PrintQueue::untransmitted() const {
 
 void PrintQueue::jobIsOut() {
     hangUp();
+    breaks_ = 0;
     out_ = std::exchange(job_, std::nullopt);
     if (spool_.remove(*out_)) out_.reset();
     timer_.start(0);
@@ -254,7 +258,13 @@ void PrintQueue::jobIsOut() {
 void PrintQueue::fail(const QString& reason) {
     hangUp();
     setFault(reason);
-    timer_.start(times_.retry);
+    // Each try puts the job's start on paper once more.
+    int pause = times_.retry;
+    if (sent_ > 0) {
+        for (int doubled = 0; doubled < breaks_ && pause < times_.longest; ++doubled) pause *= 2;
+        ++breaks_;
+    }
+    timer_.start(std::min(pause, times_.longest));
 }
 
 void PrintQueue::setFault(const QString& fault) {
