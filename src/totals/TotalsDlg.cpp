@@ -71,30 +71,33 @@ CTotalsDlg::CTotalsDlg() : Screen(app::dialogs::kTotals) {
     });
     exchange_.emplace(this, place(1146, new QPlainTextEdit(this), {2, 202, 236, 78}));
     connect(&*exchange_, &SummaryExchange::ended, this, [this] { exchangeEnded(); });
-    setCancelButton(addBottomButton(1003, u"닫  기"_s, 3, ui::bitmaps::kCancel, [this] {
-        if (!exchange_->isExchanging()) close(Cancelled);
-    }));
+    buttons_ << addBottomButton(1003, u"닫  기"_s, 3, ui::bitmaps::kCancel, [this] { close(Cancelled); });
+    setCancelButton(buttons_.last());
 }
 
 void CTotalsDlg::addWork(int controlId, const QString& caption, std::function<void()> work) {
-    const QPoint place(ui::kGridLeft + works_ % 2 * 2 * ui::kGridPitch, 56 + works_ / 2 * 36);
-    addButton(controlId, caption, place, ui::bitmaps::kHalfDocument, [this, work = std::move(work)] {
-        if (!exchange_->isExchanging()) work();
-    });
-    ++works_;
+    const int works = int(buttons_.size());
+    const QPoint place(ui::kGridLeft + works % 2 * 2 * ui::kGridPitch, 56 + works / 2 * 36);
+    buttons_ << addButton(controlId, caption, place, ui::bitmaps::kHalfDocument, std::move(work));
+}
+
+void CTotalsDlg::enableButtons(bool areEnabled) {
+    for (ui::BitmapButton* button : buttons_) button->setEnabled(areEnabled);
 }
 
 void CTotalsDlg::ask(const QString& opening, std::function<void()> answered) {
     answered_ = std::move(answered);
-    // The hidden button would hand the focus to the closing one.
+    // The hidden button would hand the focus to another one.
     setFocus();
     control(kSummaryButton)->hide();
+    enableButtons(false);
     repaint();
     exchange_->request(opening);
 }
 
 void CTotalsDlg::exchangeEnded() {
     control(kSummaryButton)->show();
+    enableButtons(true);
     if (exchange_->isApproved()) {
         answered_();
     } else {

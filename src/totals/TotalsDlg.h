@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDate>
+#include <QList>
 #include <QString>
 #include <functional>
 #include <optional>
@@ -19,11 +20,12 @@ class CTotalsDlg : public ui::Screen {
     CTotalsDlg();
 
   private:
-    /// Puts a button on the next free place, two beside each other. What it does waits for the end of an
-    /// exchange.
+    /// Puts a button on the next free place, two beside each other.
     void addWork(int controlId, const QString& caption, std::function<void()> work);
     /// Asks the card host for its day; `answered` runs when it has answered well.
     void ask(const QString& opening, std::function<void()> answered);
+    /// During an exchange no button can be pressed.
+    void enableButtons(bool areEnabled);
     void exchangeEnded();
     void printSummary();
     void reconcile(const QDate& day);
@@ -31,7 +33,7 @@ class CTotalsDlg : public ui::Screen {
 
     std::optional<SummaryExchange> exchange_;
     std::function<void()> answered_;
-    int works_ = 0;
+    QList<ui::BitmapButton*> buttons_;
 };
 
 }  // namespace totals
