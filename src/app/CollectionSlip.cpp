@@ -6,6 +6,7 @@
 
 #include "app/Login.h"
 #include "app/PrintLog.h"
+#include "app/ReusedNumber.h"
 #include "db/Query.h"
 #include "platform/Clock.h"
 
@@ -40,6 +41,12 @@ constexpr db::Statement<
     kMarkPaid;
 constexpr db::Statement<u"SELECT * FROM MTMOK WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s'"> kOwn;
 constexpr db::Statement<u"SELECT * FROM MTMOK WHERE DDate = '%s' AND JunNo = '%s'"> kAnyones;
+// Those that stand beside their container slip. An empty user leaves the condition on him out.
+constexpr db::Statement<
+    u"SELECT * FROM MTMOK WHERE DDate = '%s' AND JunNo = '%s' AND ('%s' = '' OR UserID = '%s') AND Gubun <> "
+    u"'단순결제' AND EXISTS (SELECT PCode FROM YTM WHERE YTM.DDate = MTMOK.DDate AND YTM.JunNo = MTMOK.JunNo "
+    u"AND YTM.UserID = MTMOK.UserID AND YTM.GCode = MTMOK.GCode)">
+    kOfContainers;
 constexpr db::Statement<
     u"SELECT DDate,Gubun,GCode,GName, JunNo,DTime ,UserID,MMoney,PMoney,BMoney,YMoney,GMoney, YGMoney, "
     u"InMoney,WonMoney,CardMoney,MisuInMoney,UnderMoney,YDMoney, GDMoney FROM MTMOK WHERE BANKTRANNO= '%s' "
@@ -147,6 +154,36 @@ QString timeOfSaving() {
     return platform::clock::now().toString(u"HH:mm"_s);
 }
 
+/// Puts the slip in the place of the rows of its number, with the approval that it carries, and moves the
+/// receivables. After false the transaction must not be committed.
+bool replaceRows(db::Transaction& transaction, const QList<CollectionSlip>& replaced,
+                 const CollectionSlip& slip) {
+    transaction.connection().Execute(kDeleteOwn(slip.DDate, slip.JunNo, slip.UserID));
+    transaction.connection().Execute(kInsert(RowTexts(slip).values<kColumns>()));
+    if (slip.isApproved()) {
+        transaction.connection().Execute(
+            kApprove(slip.MSGSENDTIME, slip.BANKTRANNO, slip.DDate, slip.JunNo, slip.UserID));
+    }
+    // A statement that failed was skipped; a payment is not kept by halves.
+    if (wholeRows(kOwn(slip.DDate, slip.JunNo, slip.UserID)) != QList<CollectionSlip>{slip}) return false;
+    // A slip that is saved as it was need not be printed again.
+    if (!isSameSlip(replaced, slip) &&
+        !forgetPrints(transaction, Paper::CollectionSlip, slip.DDate, slip.JunNo, slip.UserID)) {
+        return false;
+    }
+    return takeReceivablesBack(transaction, replaced) &&
+           moveReceivable(transaction, slip.GCode, slip.receivableEffect());
+}
+
+/// Deletes the rows of a number and takes their receivables back. Result as for replaceRows.
+bool deleteRows(db::Transaction& transaction, QStringView date, QStringView junNo, QStringView userId) {
+    const QList<CollectionSlip> removed = wholeRows(kOwn(date, junNo, userId));
+    transaction.connection().Execute(kDeleteOwn(date, junNo, userId));
+    return !db::hasRow(kOwn(date, junNo, userId)) &&
+           forgetPrints(transaction, Paper::CollectionSlip, date, junNo, userId) &&
+           takeReceivablesBack(transaction, removed);
+}
+
 }  // namespace
 
 std::array<QString, kCollectionColumns> columnTexts(const CollectionSlip& slip) {
@@ -203,19 +240,34 @@ Won CollectionSlip::receivableEffect() const {
 }
 
 Won CollectionSlip::cashTaken() const {
+    return isExcessBooked() ? Won() : WonMoney + MisuInMoney;
+}
+
+bool CollectionSlip::isExcessBooked() const {
     // The settling buttons book a recovery above the total as paid against the earlier receivable, and
-    // nothing else: no money changes hands. The keyed recovery books it with cash below 0, which makes up for
-    // it; an earlier receivable that is keyed is money.
+    // nothing else. The keyed recovery books it with cash below 0, which makes up for it. An earlier
+    // receivable that is keyed is money.
     const Won excess = YDMoney - MMoney - YGMoney;
-    const bool isSettledByRecovery = !isSimplePayment() && excess > Won() && MisuInMoney == excess &&
-                                     WonMoney.isZero() && CardMoney.isZero() && UnderMoney.isZero();
-    return isSettledByRecovery ? Won() : WonMoney + MisuInMoney;
+    const bool isByButton = WonMoney.isZero() && CardMoney.isZero() && UnderMoney.isZero();
+    return !isSimplePayment() && excess > Won() && MisuInMoney == excess &&
+           (isByButton || WonMoney == -excess);
+}
+
+void CollectionSlip::takeRecoveryBack() {
+    if (isExcessBooked()) {
+        // By button the cash is 0 already.
+        WonMoney = MisuInMoney = Won();
+        InMoney = CardMoney;
+    }
+    YDMoney = Won();
+    const Won total = MMoney + YGMoney;
+    UnderMoney = total < Won(1) ? Won() : total - InMoney;
 }
 
 bool saveCollection(const CollectionSlip& entered, std::optional<CollectionSlip>* before) {
     db::Transaction transaction;
-    const auto rows = [&] { return wholeRows(kOwn(entered.DDate, entered.JunNo, entered.UserID)); };
-    const QList<CollectionSlip> replaced = rows();
+    if (!freeNumber(transaction, entered.DDate, entered.JunNo, entered.UserID, entered.GCode)) return false;
+    const QList<CollectionSlip> replaced = wholeRows(kOwn(entered.DDate, entered.JunNo, entered.UserID));
     if (before) *before = replaced.isEmpty() ? std::nullopt : std::optional(replaced.first());
     CollectionSlip slip = entered;
     slip.Gubun =
@@ -232,22 +284,29 @@ bool saveCollection(const CollectionSlip& entered, std::optional<CollectionSlip>
         slip.MSGSENDTIME = row.MSGSENDTIME;
         slip.BANKTRANNO = row.BANKTRANNO;
     }
+    return replaceRows(transaction, replaced, slip) && transaction.commit();
+}
 
-    transaction.connection().Execute(kDeleteOwn(slip.DDate, slip.JunNo, slip.UserID));
-    transaction.connection().Execute(kInsert(RowTexts(slip).values<kColumns>()));
-    if (slip.isApproved()) {
-        transaction.connection().Execute(
-            kApprove(slip.MSGSENDTIME, slip.BANKTRANNO, slip.DDate, slip.JunNo, slip.UserID));
+std::optional<Won> takeRecoveriesBack(db::Transaction& transaction, QStringView date, QStringView junNo,
+                                      QStringView userId) {
+    const auto slips = allRows(kOfContainers(date, junNo, userId, userId));
+    if (!slips) return std::nullopt;
+    Won takenBack;
+    for (const CollectionSlip& before : *slips) {
+        if (before.YDMoney.isZero()) continue;
+        takenBack += before.YDMoney;
+        CollectionSlip slip = before;
+        slip.takeRecoveryBack();
+        const auto amounts = slip.amounts();
+        const bool isLeft = slip.isApproved() || !amounts.total.isZero() || !amounts.card.isZero() ||
+                            !amounts.cash.isZero() || !amounts.earlierReceivable.isZero() ||
+                            !amounts.nonLiquor.isZero();
+        if (isLeft ? !replaceRows(transaction, {before}, slip)
+                   : !deleteRows(transaction, date, junNo, before.UserID)) {
+            return std::nullopt;
+        }
     }
-    // A statement that failed was skipped; a payment is not kept by halves.
-    if (rows() != QList<CollectionSlip>{slip}) return false;
-    // A slip that is saved as it was need not be printed again.
-    if (!isSameSlip(replaced, slip) &&
-        !forgetPrints(transaction, Paper::CollectionSlip, slip.DDate, slip.JunNo, slip.UserID)) {
-        return false;
-    }
-    return takeReceivablesBack(transaction, replaced) &&
-           moveReceivable(transaction, slip.GCode, slip.receivableEffect()) && transaction.commit();
+    return takenBack;
 }
 
 std::optional<CollectionSlip>& replacedCollection() {
@@ -256,18 +315,16 @@ std::optional<CollectionSlip>& replacedCollection() {
 }
 
 bool takeBackCollection(QStringView date, QStringView junNo, QStringView userId) {
-    const std::optional<CollectionSlip> before = std::exchange(replacedCollection(), std::nullopt);
+    const std::optional<CollectionSlip>& before = replacedCollection();
     const bool isIts = before && before->DDate == date && before->JunNo == junNo && before->UserID == userId;
-    return isIts ? saveCollection(*before) : removeCollection(date, junNo, userId);
+    if (isIts ? !saveCollection(*before) : !removeCollection(date, junNo, userId)) return false;
+    replacedCollection().reset();
+    return true;
 }
 
 bool removeCollection(QStringView date, QStringView junNo, QStringView userId) {
     db::Transaction transaction;
-    const QList<CollectionSlip> removed = wholeRows(kOwn(date, junNo, userId));
-    transaction.connection().Execute(kDeleteOwn(date, junNo, userId));
-    if (db::hasRow(kOwn(date, junNo, userId))) return false;
-    return forgetPrints(transaction, Paper::CollectionSlip, date, junNo, userId) &&
-           takeReceivablesBack(transaction, removed) && transaction.commit();
+    return deleteRows(transaction, date, junNo, userId) && transaction.commit();
 }
 
 bool removeCollections(QStringView date, QStringView junNo) {

@@ -60,8 +60,16 @@ struct CollectionSlip {
     /// them. 0 for a simple payment, where sale and payment are one.
     platform::Won receivableEffect() const;
 
+    /// True when the recovery above the total is booked as paid against the earlier receivable, while no
+    /// money changed hands.
+    bool isExcessBooked() const;
+
+    /// Makes the slip one without container recovery: what was booked of it beyond the total goes with it,
+    /// what was paid stays, and the sale's difference is unpaid.
+    void takeRecoveryBack();
+
     /// The cash in won that the slip brought in, below 0 where it went out: cash and earlier receivable paid,
-    /// without what was booked as paid against the earlier receivable while no money changed hands.
+    /// without what isExcessBooked.
     platform::Won cashTaken() const;
 
     friend bool operator==(const CollectionSlip&, const CollectionSlip&) = default;
@@ -76,7 +84,8 @@ std::array<QString, kCollectionColumns> columnTexts(const CollectionSlip& slip);
 CollectionSlip readCollection(db::CVORecordset& row, int firstColumn);
 
 /// Replaces the slip of that date, number and user, and moves the customer's receivable from what the
-/// replaced row had made of it to what this one makes. `Gubun` is "매출" when MTM has the sales slip of that
+/// replaced row had made of it to what this one makes. What another customer has under the number gets one of
+/// its own (freeNumber). `Gubun` is "매출" when MTM has the sales slip of that
 /// date, number and user, else "입금"; a simple payment that is corrected stays one. `DTime` is the clock's.
 /// An approval that the replaced row carries stays on the slip; the slip's own last two columns are not
 /// looked at. The prints of a slip that changes are forgotten. False when the slip did not get in (disk full,
@@ -89,7 +98,7 @@ bool saveCollection(const CollectionSlip& slip, std::optional<CollectionSlip>* b
 std::optional<CollectionSlip>& replacedCollection();
 
 /// Takes the entry of a collection back whose payment is given up: puts replacedCollection() back, or without
-/// one of that date, number and user deletes the row. Results as for saveCollection and removeCollection.
+/// one of that date, number and user deletes the row. False when that failed; it can be tried again then.
 bool takeBackCollection(QStringView date, QStringView junNo, QStringView userId);
 
 /// Deletes the user's slip of that date and number and takes its receivable back. True also when there was
@@ -102,6 +111,13 @@ bool removeCollections(QStringView date, QStringView junNo);
 /// The same as part of `transaction`, for what deletes more along with it. After false it must not be
 /// committed.
 [[nodiscard]] bool removeCollections(db::Transaction& transaction, QStringView date, QStringView junNo);
+
+/// Takes back as part of `transaction` what the collections of that date, number and user, or with an empty
+/// id of everybody, have for a container slip that is about to go: its own user's and customer's. A
+/// collection of which nothing is left goes too. Returns what they had for it, in won; after nothing, when
+/// the database did not take it, the transaction must not be committed.
+[[nodiscard]] std::optional<platform::Won> takeRecoveriesBack(db::Transaction& transaction, QStringView date,
+                                                              QStringView junNo, QStringView userId);
 
 /// The slip; nothing when MTMOK has no such row.
 std::optional<CollectionSlip> loadCollection(QStringView date, QStringView junNo, QStringView userId);

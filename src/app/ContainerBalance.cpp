@@ -137,12 +137,13 @@ std::optional<Containers> containersTakenBack(QStringView date, QStringView user
     return rows < 0 ? std::nullopt : std::optional(back);
 }
 
-platform::Won savedRecovery(QStringView date, QStringView junNo, QStringView userId, QStringView gCode) {
+std::optional<platform::Won> savedRecovery(QStringView date, QStringView junNo, QStringView userId,
+                                           QStringView gCode) {
     platform::Won recovery;
-    db::forEachRow(kDeposits(date, junNo, userId, gCode), [&](db::CVORecordset& row) {
+    const int lines = db::forEachRow(kDeposits(date, junNo, userId, gCode), [&](db::CVORecordset& row) {
         recovery += platform::parseWon(row.GetFieldString(0)) + platform::parseWon(row.GetFieldString(1));
     });
-    return recovery;
+    return lines > 0 ? std::optional(recovery) : std::nullopt;
 }
 
 }  // namespace app

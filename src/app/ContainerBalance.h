@@ -58,8 +58,9 @@ QList<ContainerBalance> containerBalances(QStringView gCode, QStringView date, Q
 /// nothing when it could not be read to the end.
 std::optional<Containers> containersTakenBack(QStringView date, QStringView userId);
 
-/// What the user's saved container slip of that date and number is worth, in won: its deposits. 0 without
-/// one, or when it is another customer's.
-platform::Won savedRecovery(QStringView date, QStringView junNo, QStringView userId, QStringView gCode);
+/// What the user's saved container slip of that date and number is worth, in won: its deposits. Nothing
+/// without one, or when it is another customer's.
+std::optional<platform::Won> savedRecovery(QStringView date, QStringView junNo, QStringView userId,
+                                           QStringView gCode);
 
 }  // namespace app

@@ -22,6 +22,10 @@ constexpr db::Statement<
 constexpr db::Statement<
     u"DELETE PRINTLOG WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND Document = '%s'">
     kDeleteOwn;
+constexpr db::Statement<
+    u"UPDATE PRINTLOG SET JunNo = '%s' WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' "
+    u"AND Document = '%s'">
+    kMoveOwn;
 constexpr db::Statement<u"SELECT JunNo FROM PRINTLOG WHERE DDate = '%s' AND JunNo = '%s' AND Document = '%s'">
     kSelectAnyones;
 constexpr db::Statement<u"DELETE PRINTLOG WHERE DDate = '%s' AND JunNo = '%s' AND Document = '%s'">
@@ -55,7 +59,7 @@ void notePrint(db::Transaction& transaction, Paper paper, Copy copy, QStringView
     transaction.connection().Execute(kInsert(date, junNo, userId, paperName(paper), copyName(copy), now));
 }
 
-// Where the table is missing the DELETE fails and no row is found: nothing is left to forget.
+// Where the table is missing the statement fails and no row is found: nothing is left to forget or to move.
 bool forgetPrints(db::Transaction& transaction, Paper paper, QStringView date, QStringView junNo,
                   QStringView userId) {
     transaction.connection().Execute(kDeleteOwn(date, junNo, userId, paperName(paper)));
@@ -65,6 +69,12 @@ bool forgetPrints(db::Transaction& transaction, Paper paper, QStringView date, Q
 bool forgetPrints(db::Transaction& transaction, Paper paper, QStringView date, QStringView junNo) {
     transaction.connection().Execute(kDeleteAnyones(date, junNo, paperName(paper)));
     return !db::hasRow(kSelectAnyones(date, junNo, paperName(paper)));
+}
+
+bool movePrints(db::Transaction& transaction, Paper paper, QStringView date, QStringView junNo,
+                QStringView userId, QStringView number) {
+    transaction.connection().Execute(kMoveOwn(number, date, junNo, userId, paperName(paper)));
+    return !db::hasRow(kSelectOwn(date, junNo, userId, paperName(paper)));
 }
 
 }  // namespace app

@@ -43,4 +43,9 @@ void notePrint(db::Transaction& transaction, Paper paper, Copy copy, QStringView
 [[nodiscard]] bool forgetPrints(db::Transaction& transaction, Paper paper, QStringView date,
                                 QStringView junNo);
 
+/// Takes the prints of a paper along to the number that its rows get, as part of `transaction`. Result as for
+/// forgetPrints.
+[[nodiscard]] bool movePrints(db::Transaction& transaction, Paper paper, QStringView date, QStringView junNo,
+                              QStringView userId, QStringView number);
+
 }  // namespace app

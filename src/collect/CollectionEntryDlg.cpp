@@ -6,7 +6,7 @@
 #include <optional>
 #include <utility>
 
-#include "app/CollectionSlip.h"
+#include "app/ContainerBalance.h"
 #include "app/Dialogs.h"
 #include "app/KeypadRequest.h"
 #include "app/PaymentJournal.h"
@@ -144,12 +144,10 @@ void CCollectionEntryDlg::addPaymentRows() {
 void CCollectionEntryDlg::load() {
     app::SessionValues& session = app::session();
     auto saved = app::loadCollection(session.WorkDate, session.action.JunNo, session.UserID);
+    // A number is given again once its slip is deleted, but the collection may have stayed.
+    isOthers_ = saved && !session.action.GCode.isEmpty() && saved->GCode != session.action.GCode;
+    if (isOthers_) saved.reset();
     isApproved_ = saved && saved->isApproved();
-    // A number is given anew once its slip is deleted, but the collection may have stayed.
-    if (saved && !session.action.GCode.isEmpty() && saved->GCode != session.action.GCode) {
-        otherCustomer_ = saved->GName;
-        saved.reset();
-    }
     if (session.WorkMode != app::kSalesWork) session.action.CrateDepositSum = saved ? saved->YMoney : Won();
     if (saved) {
         amounts_ = saved->amounts();
@@ -165,22 +163,53 @@ void CCollectionEntryDlg::load() {
         amounts_.deposit = session.action.CheckoutDeposits;
     }
     recomputeTotal(amounts_);
-    // A slip that changed since its collection was saved leaves the difference unpaid.
-    if (saved && saved->amounts().total != amounts_.total) {
-        collect::keyEarlierReceivable(amounts_, amounts_.earlierReceivable);
-    }
+    Won excess;
+    if (saved && !saved->isSimplePayment() && saved->amounts().total != amounts_.total)
+        excess = settleNewTotal(amounts_, saved->amounts().total);
     if (saved && isApproved_) {
         approvedCard_ = amounts_.card;
         setText(1110, u"결제"_s);
     }
     amounts_.previousReceivable =
         app::previousReceivable(session.action.GCode, session.WorkDate, session.action.JunNo, session.UserID);
-    // What the container slip handed over is used up here.
-    if (const auto recovery = std::exchange(session.action.ContainerRecovery, std::nullopt)) {
-        const Won excess = takeOverRecovery(amounts_, *recovery, session.WorkMode == app::kContainerWork);
-        holdApprovedCard();
-        if (!excess.isZero()) QTimer::singleShot(0, this, [excess] { tellExcess(excess); });
+    takeOverContainers(saved, excess);
+}
+
+void CCollectionEntryDlg::takeOverContainers(const std::optional<app::CollectionSlip>& saved, Won excess) {
+    app::SessionValues& session = app::session();
+    // What the container slip handed over is used up here. Where the way here passes the containers by, their
+    // slip says what it is worth.
+    auto recovery = std::exchange(session.action.ContainerRecovery, std::nullopt);
+    const bool isHandedOver = recovery.has_value();
+    if (!isHandedOver && !(saved && saved->isSimplePayment())) {
+        recovery =
+            app::savedRecovery(session.WorkDate, session.action.JunNo, session.UserID, session.action.GCode);
     }
+    if (recovery == amounts_.containerRecovery) recovery.reset();
+    // Another amount on the saved collection may have been keyed.
+    const bool isAsked = recovery && !isHandedOver && saved;
+    if (recovery && !isAsked) excess = takeOver(*recovery);
+    holdApprovedCard();
+    if (excess.isZero() && !isAsked) return;
+    QTimer::singleShot(0, this, [this, excess, recovery, isAsked] {
+        if (!excess.isZero()) tellExcess(excess);
+        if (isAsked) askToTakeOver(*recovery);
+    });
+}
+
+Won CCollectionEntryDlg::takeOver(Won recovery) {
+    return takeOverRecovery(amounts_, recovery, app::session().WorkMode != app::kSalesWork);
+}
+
+void CCollectionEntryDlg::askToTakeOver(Won recovery) {
+    if (!ui::confirm(u"용공회수전표의 금액은 ['%1'원]입니다. 용공회수액을 바꿀까요?"_s.arg(grouped(recovery)),
+                     u"용공회수액"_s)) {
+        return;
+    }
+    const Won excess = takeOver(recovery);
+    holdApprovedCard();
+    if (!excess.isZero()) tellExcess(excess);
+    showAmounts();
 }
 
 void CCollectionEntryDlg::showAmounts() {
@@ -220,14 +249,14 @@ void CCollectionEntryDlg::keyEarlierReceivable() {
 void CCollectionEntryDlg::deletePrevious() {
     const app::SessionValues& session = app::session();
     if (isApproved_ && !ui::confirm(u"카드결제된 입금표를 삭제할까요?"_s, u"카드결제된 입금표삭제"_s)) return;
-    if (!app::removeCollection(session.WorkDate, session.action.JunNo, session.UserID)) {
+    // Another customer's collection is not this one's to delete.
+    if (!isOthers_ && !app::removeCollection(session.WorkDate, session.action.JunNo, session.UserID)) {
         ui::message(u"입금전표를 삭제하지 못했습니다..!"_s);
         return;
     }
     ui::message(u"이전입금전표내역을 삭제하였습니다.."_s);
     isApproved_ = false;
     approvedCard_.reset();
-    otherCustomer_.reset();
     setText(1110, {});
     amounts_.previousReceivable =
         app::previousReceivable(session.action.GCode, session.WorkDate, session.action.JunNo, session.UserID);
@@ -257,11 +286,6 @@ void CCollectionEntryDlg::finish() {
     if (nothingToSettle(amounts_)) {
         ui::message(
             u"카드결제&현금결제&전미수입금&미결제액&용공회수액 중에서  금액이 0원 이상이여야 합니다.."_s);
-        return;
-    }
-    if (otherCustomer_) {
-        ui::message(
-            u"같은 번호의 [%1] 입금전표가 있습니다. 전표삭제 후 저장하세요..!"_s.arg(*otherCustomer_));
         return;
     }
     if (!isPaymentSettled()) return;

@@ -3,6 +3,7 @@
 #include <QString>
 #include <optional>
 
+#include "app/CollectionSlip.h"
 #include "app/Transaction.h"
 #include "ui/Screen.h"
 
@@ -29,15 +30,21 @@ class CCollectionEntryDlg : public ui::Screen {
     /// it was approved, which ends the visit.
     bool isPaymentSettled();
     void finish();
+    /// Takes over what the container slip of the visit is worth, and tells `excess`, or the recovery's excess
+    /// after that, once the screen shows.
+    void takeOverContainers(const std::optional<app::CollectionSlip>& saved, platform::Won excess);
+    /// Takes the worth of the container slip over, as if keyed. Result as for keyRecovery.
+    platform::Won takeOver(platform::Won recovery);
+    /// The container slip is worth another amount than the saved collection has for it.
+    void askToTakeOver(platform::Won recovery);
     /// After every change: the card of an approved collection keeps its amount.
     void holdApprovedCard();
     void showAmounts();
 
     app::SettlementAmounts amounts_;
     bool isApproved_ = false;
-    /// Whose collection has this slip's number, when it is another customer's. It must go before this is
-    /// saved.
-    std::optional<QString> otherCustomer_;
+    /// The saved collection of this number is another customer's; it gets one of its own when this is saved.
+    bool isOthers_ = false;
     /// What the card was charged, when this customer's collection is approved.
     std::optional<platform::Won> approvedCard_;
 };

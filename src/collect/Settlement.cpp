@@ -25,6 +25,16 @@ bool settledByRecovery(SettlementAmounts& amounts) {
     return true;
 }
 
+/// Takes back what a recovery above `total` was booked as: an earlier receivable paid while no money changed
+/// hands, by a settling button or with the cash below 0 that makes up for it.
+void takeBackExcess(SettlementAmounts& amounts, Won total) {
+    const Won excess = amounts.containerRecovery - total;
+    const bool isByButton = amounts.cash.isZero() && amounts.card.isZero() && amounts.unpaid.isZero();
+    if (excess <= Won() || amounts.earlierReceivable != excess || (!isByButton && amounts.cash != -excess))
+        return;
+    amounts.cash = amounts.earlierReceivable = Won();
+}
+
 }  // namespace
 
 void recomputeTotal(SettlementAmounts& amounts) {
@@ -79,13 +89,17 @@ Won keyRecovery(SettlementAmounts& amounts, Won keyed) {
 Won takeOverRecovery(SettlementAmounts& amounts, Won recovery, bool isContainerWork) {
     recomputeTotal(amounts);
     if (recovery == amounts.containerRecovery) return Won();
-    // What the replaced recovery handed out beyond the total goes with it.
-    const Won handedOut = amounts.containerRecovery - amounts.total;
-    if (handedOut > Won() && amounts.cash == -handedOut && amounts.earlierReceivable == handedOut) {
-        amounts.cash = amounts.earlierReceivable = Won();
-    }
+    takeBackExcess(amounts, amounts.total);
     if (!isContainerWork || !amounts.total.isZero()) return keyRecovery(amounts, recovery);
     amounts.containerRecovery = recovery;
+    return Won();
+}
+
+Won settleNewTotal(SettlementAmounts& amounts, Won before) {
+    recomputeTotal(amounts);
+    takeBackExcess(amounts, before);
+    if (amounts.containerRecovery > amounts.total) return keyRecovery(amounts, amounts.containerRecovery);
+    recomputeUnpaid(amounts);
     return Won();
 }
 

@@ -27,9 +27,14 @@ platform::Won keyRecovery(app::SettlementAmounts& amounts, platform::Won keyed);
 
 /// Takes over the recovery of a container slip. One that is on the slip already changes nothing. Where
 /// nothing was sold (`isContainerWork`, total 0) it is set and nothing else, so that it comes off the
-/// customer's receivable; otherwise it counts as keyed: result as for keyRecovery. What the replaced one had
-/// handed out beyond the total is taken back first.
+/// customer's receivable; otherwise it counts as keyed: result as for keyRecovery. What the replaced one was
+/// booked as beyond the total goes first.
 platform::Won takeOverRecovery(app::SettlementAmounts& amounts, platform::Won recovery, bool isContainerWork);
+
+/// Settles anew what was settled with a total of `before`, now that the sale has another one: what a recovery
+/// above that was booked as goes, one above the new total counts as keyed (result as for keyRecovery), else
+/// the difference is unpaid.
+platform::Won settleNewTotal(app::SettlementAmounts& amounts, platform::Won before);
 
 /// Puts the card back to what it was charged. Cash, else the unpaid amount, takes the difference, below 0
 /// where too much was charged; a recovery above the total is then settled as if keyed.

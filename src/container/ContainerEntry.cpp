@@ -36,21 +36,8 @@ ContainerEntry::ContainerEntry(int dialogId) : Screen(dialogId) {
             close(Cancelled);
         });
     }
-    // A number is given anew once its sale is deleted, but the containers may have stayed.
-    if (const auto other = otherCustomer(session.action.GCode)) {
-        emptySlip();
-        QTimer::singleShot(0, this, [this, other] { askToReplace(*other); });
-    }
-}
-
-void ContainerEntry::askToReplace(const QString& customer) {
-    const app::SessionValues& session = app::session();
-    if (ui::confirm(u"같은 번호의 [%1] 용공회수전표가 있습니다. 삭제할까요?"_s.arg(customer),
-                    u"용공회수내역 삭제"_s)) {
-        deleteSlip(session.WorkDate, session.action.JunNo);
-    } else {
-        close(Cancelled);
-    }
+    // A number is given again once its sale is deleted, but the containers may have stayed.
+    if (isOtherCustomers(session.action.GCode)) emptySlip();
 }
 
 void ContainerEntry::showCustomer() {
@@ -107,7 +94,8 @@ bool ContainerEntry::recount(const ContainerKey& key, const ContainerCounts& cou
 
 void ContainerEntry::finish() {
     app::SessionValues& session = app::session();
-    const SaveOutcome outcome = saveSlip(session.UserID, session.WorkDate, session.action.JunNo);
+    const SaveOutcome outcome =
+        saveSlip(session.UserID, session.WorkDate, session.action.JunNo, session.action.GCode);
     // Money follows what is saved.
     if (outcome == SaveOutcome::Failed) {
         ui::message(u"용공회수 전표를 저장하지 못했습니다..!"_s);
@@ -115,6 +103,8 @@ void ContainerEntry::finish() {
     }
     // On a visit taking nothing back is the normal case.
     if (outcome == SaveOutcome::Empty && session.WorkMode != app::kSalesWork) {
+        // What the slip had been worth is off the balance.
+        showCustomer();
         ui::message(u"용공회수 전표에 등록된 상품이 없습니다..!"_s);
         return;
     }

@@ -30,8 +30,6 @@ class ContainerEntry : public ui::Screen {
     void finish();
 
   private:
-    /// Another customer's slip has the number: it goes, or this screen does.
-    void askToReplace(const QString& customer);
     void showCustomer();
 };
 

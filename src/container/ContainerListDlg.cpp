@@ -82,7 +82,13 @@ void CContainerListDlg::deleteChosen() {
         ui::message(u"삭제할 전표를 선택하세요!"_s);
         return;
     }
-    deleteSlip(session.WorkDate, session.action.JunNo);
+    const auto takenBack = deleteSlip(session.WorkDate, session.action.JunNo);
+    if (!takenBack) {
+        ui::message(u"용공회수 전표를 삭제하지 못했습니다..!"_s);
+    } else if (!takenBack->isZero()) {
+        ui::message(u"입금전표의 용공회수액 ['%1'원]을 취소하였습니다..!"_s.arg(
+            platform::groupDigits(platform::formatWon(*takenBack))));
+    }
     fill();
 }
 

@@ -2,7 +2,9 @@
 
 #include <array>
 
+#include "app/CollectionSlip.h"
 #include "app/PrintLog.h"
+#include "app/ReusedNumber.h"
 #include "db/Query.h"
 #include "db/Statement.h"
 #include "db/Transaction.h"
@@ -30,10 +32,15 @@ constexpr int kWorkingColumns = 13;
 
 }  // namespace
 
-SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo) {
+SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo, QStringView gCode) {
     db::Transaction transaction;
+    if (!app::freeNumber(transaction, workDate, junNo, userId, gCode)) return SaveOutcome::Failed;
     const auto saved = [&] { return db::selectRows(kSavedLines(workDate, junNo, userId), kWorkingColumns); };
     const db::Rows before = saved();
+    // A slip without lines is none, and no collection is left with its worth.
+    if (!db::hasRow(kWorkingLines()) && !app::takeRecoveriesBack(transaction, workDate, junNo, userId)) {
+        return SaveOutcome::Failed;
+    }
     if (!transaction.run(kDeleteOwn(workDate, junNo, userId))) return SaveOutcome::Failed;
     const db::Rows lines = db::selectRows(kWorkingLines(), kWorkingColumns);
     if (!lines.isComplete) return SaveOutcome::Failed;
@@ -67,11 +74,12 @@ db::Rows slipsOfDay(QStringView userId, QStringView workDate) {
     return slips;
 }
 
-void deleteSlip(QStringView workDate, QStringView junNo) {
+std::optional<platform::Won> deleteSlip(QStringView workDate, QStringView junNo) {
     db::Transaction transaction;
-    const bool isDeleted = transaction.run(kDeleteAll(junNo, workDate)) &&
+    const auto takenBack = app::takeRecoveriesBack(transaction, workDate, junNo, {});
+    const bool isDeleted = takenBack && transaction.run(kDeleteAll(junNo, workDate)) &&
                            app::forgetPrints(transaction, app::Paper::ContainerReceipt, workDate, junNo);
-    if (isDeleted) transaction.commit();
+    return isDeleted && transaction.commit() ? takenBack : std::nullopt;
 }
 
 CustomerAccount customerAccount(QStringView gCode) {

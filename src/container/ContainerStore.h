@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <QStringView>
+#include <optional>
 
 #include "db/Rows.h"
 #include "platform/Won.h"
@@ -16,15 +17,18 @@ enum class SaveOutcome {
 };
 
 /// Replaces the user's saved slip by the working slip; another user's of the same number stays. The slip is
-/// saved whole or not at all; the prints of a receipt that changes are forgotten.
-SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo);
+/// saved whole or not at all; the prints of a receipt that changes are forgotten. Without lines the recovery
+/// of its collection is taken back. What another customer than `gCode` has under the number gets one of its
+/// own.
+SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo, QStringView gCode);
 
 /// The user's slips of the day, highest number first, one row for each: slip number, customer name, customer
 /// code.
 db::Rows slipsOfDay(QStringView userId, QStringView workDate);
 
-/// Deletes the container slip of that number and date, whoever wrote it. A failure is traced only.
-void deleteSlip(QStringView workDate, QStringView junNo);
+/// Deletes the container slip of that number and date, whoever wrote it, and takes back what its collections
+/// have for it: that sum in won. Nothing, traced, when the database did not take it; all is as before then.
+std::optional<platform::Won> deleteSlip(QStringView workDate, QStringView junNo);
 
 /// What a slip needs of its customer; kind empty and balance 0 for an unknown one.
 struct CustomerAccount {

@@ -93,9 +93,8 @@ void emptySlip() {
     db::execute(kEmpty());
 }
 
-std::optional<QString> otherCustomer(QStringView gCode) {
-    const auto row = db::firstRow(kOthers(gCode));
-    return row ? std::optional(row->first()) : std::nullopt;
+bool isOtherCustomers(QStringView gCode) {
+    return db::hasRow(kOthers(gCode));
 }
 
 db::Rows workingLines() {

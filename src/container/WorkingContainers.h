@@ -18,9 +18,8 @@ bool openSlip(QStringView userId, QStringView workDate, QStringView junNo);
 /// Leaves the working slip without lines.
 void emptySlip();
 
-/// The name of the customer, another than `gCode`, whose lines the working slip has; nothing when it has
-/// none.
-std::optional<QString> otherCustomer(QStringView gCode);
+/// True when the working slip has lines of another customer than `gCode`.
+bool isOtherCustomers(QStringView gCode);
 
 /// The lines by product code descending, in five columns: code, name, empty crates, filled crates, bottles.
 db::Rows workingLines();

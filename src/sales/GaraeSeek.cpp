@@ -3,7 +3,6 @@
 #include <QLabel>
 
 #include "app/CollectionSlip.h"
-#include "app/ContainerBalance.h"
 #include "app/Dialogs.h"
 #include "app/Session.h"
 #include "sales/Checkout.h"
@@ -114,10 +113,6 @@ void CGaraeSeek::pay() {
     }
     action.GCode = slip->GCode;
     handOver(slip->sums, customerAccount(slip->GCode).CJMoney);
-    // This way passes the containers by; a collection that is saved has their worth already.
-    if (!app::loadCollection(session.WorkDate, action.JunNo, session.UserID))
-        action.ContainerRecovery =
-            app::savedRecovery(session.WorkDate, action.JunNo, session.UserID, action.GCode);
     ui::runScreen(app::dialogs::kCollectionEntry);
     closeIfDone();
 }

@@ -4,6 +4,7 @@
 
 #include "app/CollectionSlip.h"
 #include "app/PrintLog.h"
+#include "app/ReusedNumber.h"
 #include "db/Query.h"
 #include "db/Statement.h"
 #include "db/Transaction.h"
@@ -31,6 +32,7 @@ constexpr db::Statement<u"DELETE   MTM WHERE JunNo= '%s' AND DDate = '%s' "> kDe
 constexpr db::Statement<u"DELETE YTM WHERE JunNo= '%s' AND DDate = '%s' "> kDeleteContainers;
 
 constexpr int kWorkingColumns = 15;
+constexpr int kCustomerColumn = 2;
 constexpr int kWorkGubunColumn = 5;
 
 }  // namespace
@@ -52,7 +54,9 @@ SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo
         // A line with a quote in it is skipped; any other failure is the database's.
         if (!transaction.run(insert) && insert.isWellFormed()) return SaveOutcome::Failed;
     }
-    if (!app::forgetPrints(transaction, app::Paper::Invoice, workDate, junNo, userId)) {
+    // What stayed of an earlier customer's slip leaves the number to the sale that has it now.
+    if (!app::forgetPrints(transaction, app::Paper::Invoice, workDate, junNo, userId) ||
+        !app::freeNumber(transaction, workDate, junNo, userId, lines.cell(0, kCustomerColumn))) {
         return SaveOutcome::Failed;
     }
     if (!transaction.commit()) return SaveOutcome::Failed;

@@ -14,7 +14,7 @@ enum class SaveOutcome {
 };
 
 /// Replaces the user's saved slip by the working slip, as unprinted and with the time of the clock. The slip
-/// is saved whole or not at all.
+/// is saved whole or not at all. What another customer has under the number gets one of its own.
 SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo);
 
 /// The salesman's slips of a day.

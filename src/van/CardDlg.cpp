@@ -408,7 +408,11 @@ void CCardDlg::goBack() {
     const app::SlipIdentity& slip = app::transactionRecord().slip;
     // A card payment that was not approved has not been made: its collection is taken back.
     if (isVisit() && !isApproved_ && app::transactionRecord().amounts.card > Won()) {
-        app::takeBackCollection(slip.date, slip.junNo, slip.userId);
+        if (!app::takeBackCollection(slip.date, slip.junNo, slip.userId)) {
+            platform::trace(u"the collection %1 of %2 could not be taken back"_s.arg(slip.junNo, slip.date));
+            ui::message(
+                u"결제를 취소한 입금전표를 되돌리지 못했습니다..! 입금전표 목록에서 다시 확인하세요!!"_s);
+        }
     }
     tellOpenPayment();
     if (isApproved_) app::session().SlipDone = 1;

@@ -141,15 +141,17 @@ TEST_F(Collections, MoveTheReceivableExactlyOnce) {
     EXPECT_EQ(receivable(), u"340000"_s);
     EXPECT_EQ(collections(), u"5001A=0"_s);
 
-    CollectionSlip moved = slip(115000, 0);
-    moved.GCode = u"0002"_s;
+    // The number is another customer's now: what the first one settled stays, under a number of its own.
+    CollectionSlip others = slip(115000, 0);
+    others.GCode = u"0002"_s;
     app::SettlementAmounts onlyEarlier;
     onlyEarlier.earlierReceivable = Won(500);
-    moved.setAmounts(onlyEarlier, Won());
-    ASSERT_TRUE(app::saveCollection(moved));
-    EXPECT_EQ(receivable(), u"350000"_s);
+    others.setAmounts(onlyEarlier, Won());
+    ASSERT_TRUE(app::saveCollection(others));
+    EXPECT_EQ(receivable(), u"340000"_s);
     EXPECT_EQ(receivable(u"0002"), u"-1000"_s);
-    EXPECT_EQ(device_.value(u"SELECT Gubun FROM MTMOK"_s), u"입금"_s);
+    EXPECT_EQ(collections(), u"4001A=0 5001A=0"_s);
+    EXPECT_EQ(device_.value(u"SELECT Gubun FROM MTMOK WHERE JunNo = '5001'"_s), u"입금"_s);
 
     EXPECT_TRUE(app::removeCollection(kDate, kNumber, kUser));
     EXPECT_EQ(receivable(u"0002"), u"-500"_s);
@@ -220,6 +222,22 @@ TEST_F(Collections, KeepTheirApprovalWhenSavedAgain) {
     ASSERT_TRUE(second);
     EXPECT_EQ(second->JunNo + second->Gubun, u"7001입금"_s);
     EXPECT_TRUE(app::findByTransactionNumber(u"T1") && app::findByTransactionNumber(u"T2"));
+
+    // The sale was deleted, the payment stayed, and its number is another customer's now.
+    device_.insert(u"YTM", {{u"DDate", kDate}, {u"GCode", u"0001"}, {u"JunNo", kNumber}, {u"UserID", kUser}});
+    CollectionSlip others = slip(1, 0);
+    others.GCode = u"0002"_s;
+    breakStatement(u"UPDATE ON YTM"_s);
+    EXPECT_FALSE(app::saveCollection(others));
+    device_.execute(u"DROP TRIGGER broken"_s);
+    const QString before = receivable();
+    EXPECT_FALSE(app::findByTransactionNumber(u"T1")->JunNo != kNumber) << "nothing is moved by halves";
+    ASSERT_TRUE(app::saveCollection(others));
+    EXPECT_EQ(receivable(), before);
+    EXPECT_FALSE(app::loadCollection(kDate, kNumber, kUser)->isApproved()) << "it is not his payment";
+    EXPECT_EQ(app::findByTransactionNumber(u"T1")->JunNo, u"4001"_s);
+    EXPECT_EQ(device_.value(u"SELECT JunNo FROM YTM"_s), u"4001"_s);
+    EXPECT_EQ(device_.value(u"SELECT group_concat(JunNo) FROM PAYJOURNAL"_s), u"4001,7001"_s);
 }
 
 TEST_F(Collections, KeepEverySimplePayment) {

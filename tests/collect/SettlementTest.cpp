@@ -58,6 +58,9 @@ TEST(Settlement, SplitsTheTotal) {
         recomputeTotal(amounts);
         return holdCard(amounts, charged), Won();
     };
+    const Rule changed = [](SettlementAmounts& amounts, Won before) {
+        return settleNewTotal(amounts, before);
+    };
     const Rule alone = [](SettlementAmounts& amounts, Won won) {
         return takeOverRecovery(amounts, won, true);
     };
@@ -92,6 +95,25 @@ TEST(Settlement, SplitsTheTotal) {
          {50000, 60000, 0, -10000, 0, 10000},
          40000,
          {50000, 40000, 0, 0, 10000, 0},
+         0},
+        {"taken over after a button",
+         visit,
+         {50000, 60000, 0, 0, 0, 10000},
+         40000,
+         {50000, 40000, 0, 0, 10000, 0},
+         0},
+        {"sale shrunk", changed, {40000, 0, 0, 50000, 0, 7}, 50000, {40000, 0, 0, 50000, -10000, 7}, 0},
+        {"sale shrunk below the recovery",
+         changed,
+         {5000, 8000, 0, 2000, 0, 0},
+         50000,
+         {5000, 8000, 0, -3000, 0, 3000},
+         3000},
+        {"sale grown above the recovery",
+         changed,
+         {70000, 60000, 0, -10000, 0, 10000},
+         50000,
+         {70000, 60000, 0, 0, 10000, 0},
          0},
         {"taken over, above", visit, {50000, 0, 0, 0, 0, 0}, 50001, {50000, 50001, 0, -1, 0, 1}, 1},
         {"card held, above",

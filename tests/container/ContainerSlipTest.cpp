@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "app/CollectionSlip.h"
 #include "container/ContainerLine.h"
 #include "container/ContainerStore.h"
 #include "container/WorkingContainers.h"
@@ -60,7 +61,7 @@ TEST(ContainerSlip, IsSavedWholeOrStaysAsItWas) {
     const QString saved =
         u"SELECT UserID, PCode, FBox, NBox, Bon, YMONEY, GMONEY, YSAMT, GSAMT FROM YTM "
         "ORDER BY UserID, PCode"_s;
-    const auto save = [] { return container::saveSlip(u"A", u"2026-11-21", u"6001"); };
+    const auto save = [] { return container::saveSlip(u"A", u"2026-11-21", u"6001", u"0001"); };
     device.insert(u"YTM", {{u"DDate", u"2026-11-21"}, {u"JunNo", u"6001"}, {u"UserID", u"B"}});
     const QStringList others{u"B"_s, {}, {}, {}, {}, {}, {}, {}, {}};
 
@@ -88,6 +89,57 @@ TEST(ContainerSlip, IsSavedWholeOrStaysAsItWas) {
     device.execute(u"DELETE FROM YTEMP"_s);
     EXPECT_EQ(save(), container::SaveOutcome::Empty);
     EXPECT_EQ(device.rows(saved), QList<QStringList>{others});
+}
+
+TEST(ContainerSlip, TakesItsCreditAlong) {
+    const struct {
+        const char* what;
+        Won sales, card, cash, earlier;
+        const char* left;  ///< Cash, earlier receivable and unpaid of the collection; nothing when it goes.
+    } cases[] = {
+        {"taken back alone", Won(), Won(), Won(), Won(), ""},
+        {"with an old debt paid", Won(), Won(), Won(), Won(500), "0/500/0"},
+        {"the rest paid", Won(50000), Won(20000), Won(22000), Won(), "22000/0/8000"},
+        {"above the sale, keyed", Won(5000), Won(), Won(-3000), Won(3000), "0/0/5000"},
+        {"above the sale, by a button", Won(5000), Won(), Won(), Won(3000), "0/0/5000"},
+    };
+    for (const bool isDeleted : {true, false}) {
+        for (const auto& test : cases) {
+            test::TestDevice device;
+            device.insert(u"GARAE", {{u"GCODE", u"0001"}, {u"CJMONEY", u"100000"}});
+            for (const QStringView customer : {u"0001", u"0002"}) {
+                device.insert(u"YTM", {{u"DDate", u"2026-11-21"},
+                                       {u"GCode", customer},
+                                       {u"JunNo", u"6001"},
+                                       {u"UserID", customer == u"0001" ? u"A" : u"B"}});
+            }
+            app::CollectionSlip slip;
+            slip.DDate = u"2026-11-21"_s;
+            slip.JunNo = u"6001"_s;
+            slip.UserID = u"A"_s;
+            slip.GCode = u"0001"_s;
+            app::SettlementAmounts amounts;
+            amounts.sales = test.sales;
+            amounts.containerRecovery = Won(8000);
+            amounts.card = test.card;
+            amounts.cash = test.cash;
+            amounts.earlierReceivable = test.earlier;
+            slip.setAmounts(amounts, Won());
+            ASSERT_TRUE(app::saveCollection(slip));
+            if (isDeleted) {
+                EXPECT_EQ(container::deleteSlip(u"2026-11-21", u"6001"), Won(8000)) << test.what;
+            } else {
+                EXPECT_EQ(container::saveSlip(u"A", u"2026-11-21", u"6001", u"0001"),
+                          container::SaveOutcome::Empty);
+            }
+            EXPECT_EQ(device.value(u"SELECT WonMoney || '/' || MisuInMoney || '/' || UnderMoney FROM MTMOK"_s)
+                          .toStdString(),
+                      test.left)
+                << test.what;
+            const auto left = app::loadCollection(u"2026-11-21", u"6001", u"A");
+            EXPECT_EQ(app::receivable(u"0001"), Won(100000) + (left ? left->receivableEffect() : Won()));
+        }
+    }
 }
 
 }  // namespace
