@@ -54,11 +54,11 @@ CContainerSlipDlg::CContainerSlipDlg() : ContainerEntry(app::dialogs::kContainer
 
 void CContainerSlipDlg::addList() {
     list_ = Screen::addList(1054, {0, 41, 240, 97});
-    const ui::ListColumn columns[] = {{u"코드"_s, 38},
-                                      {u"상품명"_s, 84},
-                                      {u"공상"_s, 34, kRight},
-                                      {u"입상"_s, 34, kRight},
-                                      {u"공병"_s, 34, kRight}};
+    const ui::ListColumn columns[] = {{u"코드"_s, 36},
+                                      {u"상품명"_s, 106},
+                                      {u"공상"_s, 30, kRight},
+                                      {u"입상"_s, 30, kRight},
+                                      {u"공병"_s, 30, kRight}};
     list_->setColumns(columns);
     describe(list_, u"용공회수 상품"_s);
     connect(list_, &ui::ReportList::rowClicked, this, &CContainerSlipDlg::selectLine);
