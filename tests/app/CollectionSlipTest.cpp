@@ -190,6 +190,13 @@ TEST_F(Collections, StayAsTheyWereWhenAnyPartFails) {
         EXPECT_FALSE(approve(slip(1, 0), u"T1", u"1"_s));
     }
     expectUntouched("disk full");
+    // A payment that is given up: what it has replaced comes back, at the second try where the first failed.
+    ASSERT_TRUE(app::saveCollection(slip(1, 0), &app::replacedCollection()));
+    breakStatement(u"INSERT ON MTMOK"_s);
+    EXPECT_FALSE(app::takeBackCollection(kDate, kNumber, kUser));
+    device_.execute(u"DROP TRIGGER broken"_s);
+    EXPECT_TRUE(app::takeBackCollection(kDate, kNumber, kUser));
+    expectUntouched("taken back");
     EXPECT_EQ(device_.value(u"SELECT BANKTRANNO FROM MTMOK"_s), u""_s);
 }
 
