@@ -54,8 +54,8 @@ CContainerSlipDlg::CContainerSlipDlg() : ContainerEntry(app::dialogs::kContainer
 
 void CContainerSlipDlg::addList() {
     list_ = Screen::addList(1054, {0, 41, 240, 97});
-    const ui::ListColumn columns[] = {{u"코드"_s, 36},
-                                      {u"상품명"_s, 106},
+    const ui::ListColumn columns[] = {{u"코드"_s, 38},
+                                      {u"상품명"_s, 104},
                                       {u"공상"_s, 30, kRight},
                                       {u"입상"_s, 30, kRight},
                                       {u"공병"_s, 30, kRight}};
