@@ -178,7 +178,7 @@ void CardReaderLine::swipeEnded(bool isQuiet) {
         return;
     }
     // Handed on from the event loop, because the password keypad may hold it for long.
-    QTimer::singleShot(0, this, [this, taken = std::make_shared<const Swipe>(*swipe)] {
+    QTimer::singleShot(0, this, [taken = std::make_shared<const Swipe>(*swipe)] {
         const auto view = [](const SecureBytes& bytes) {
             return QByteArrayView(reinterpret_cast<const char*>(bytes.data()), qsizetype(bytes.size()));
         };

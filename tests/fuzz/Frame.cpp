@@ -1,0 +1,62 @@
+#include "platform/message/Frame.h"
+
+#include <QtEndian>
+
+#include "fuzz/Target.h"
+#include "platform/message/Fields.h"
+
+using namespace platform::message;
+using fuzz::require;
+using Result = FrameReader::Result;
+
+namespace {
+
+/// The frames of a stream that comes in pieces of that many bytes, each frame's bytes as they were; `last` is
+/// what the reader says after them.
+QList<QByteArray> read(QByteArrayView stream, qsizetype piece, Result* last) {
+    QList<QByteArray> frames;
+    FrameReader reader;
+    *last = Result::Incomplete;
+    while (!stream.isEmpty() && *last == Result::Incomplete) {
+        const QByteArrayView part = stream.first(std::min(piece, stream.size()));
+        stream = stream.sliced(part.size());
+        reader.add(part);
+        Frame frame;
+        while ((*last = reader.next(&frame)) == Result::Complete) {
+            frames << encodeFrame(frame);
+            require(parseMessageNumber(toText(frame.number)) == frame.number,
+                    "a number reads as it was told");
+        }
+        require(reader.pending() < kFrameLimit || *last != Result::Incomplete,
+                "a reader holds one frame at most");
+    }
+    return frames;
+}
+
+void readFields(QByteArrayView bytes) {
+    const std::optional<Fields> fields = Fields::parse(platform::SecureBytes(bytes.begin(), bytes.end()));
+    if (!fields) return;
+    FieldWriter writer;
+    for (qsizetype at = 0; at < bytes.size();) {
+        const auto number = qFromBigEndian<quint16>(bytes.data() + at);
+        require(fields->has(number), "every field can be asked for");
+        writer.add(number, fields->text(number));
+        at += 4 + fields->bytes(number)->size();
+    }
+    const QByteArrayView written(writer.bytes().data(), qsizetype(writer.bytes().size()));
+    require(written == bytes, "fields that are read and written are the same bytes");
+}
+
+}  // namespace
+
+FUZZ_TARGET(Frame, input) {
+    const int piece = 1 + fuzz::choose(&input, 64);
+    Result whole{};
+    Result inPieces{};
+    const QList<QByteArray> frames = read(input, kFrameLimit, &whole);
+    require(input.startsWith(frames.join()), "a frame that is read encodes to the same bytes");
+    require(read(input, piece, &inPieces) == frames && inPieces == whole, "pieces give the same frames");
+    require(!describe(whole).isEmpty(), "every result has words");
+    readFields(input);
+    for (const QByteArray& frame : frames) readFields(QByteArrayView(frame).sliced(22));
+}

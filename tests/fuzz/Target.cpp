@@ -1,0 +1,49 @@
+#include "fuzz/Target.h"
+
+#include <QCoreApplication>
+#include <cstdio>
+#include <cstdlib>
+
+#include "platform/adoce/DatabaseFile.h"
+
+namespace fuzz {
+namespace {
+
+// Broken input is traced; millions of lines would only keep the fuzzer waiting.
+[[maybe_unused]] const bool kIsQuiet = qputenv("QT_LOGGING_RULES", "*=false");
+
+}  // namespace
+
+std::vector<Target>& targets() {
+    static std::vector<Target> all;
+    return all;
+}
+
+void require(bool isKept, const char* promise) {
+    if (isKept) return;
+    std::fprintf(stderr, "does not hold: %s\n", promise);
+    std::abort();
+}
+
+int choose(QByteArrayView* input, int choices) {
+    if (input->isEmpty()) return 0;
+    const int choice = uchar(input->front()) % choices;
+    *input = input->sliced(1);
+    return choice;
+}
+
+void needEventLoop() {
+    static int count = 1;
+    static char name[] = "fuzz";
+    static char* arguments[] = {name, nullptr};
+    if (QCoreApplication::instance() == nullptr) new QCoreApplication(count, arguments);
+}
+
+test::TestDevice& device() {
+    // Called before, so that what the device lets go of at the process's end is still there then.
+    [[maybe_unused]] static const bool isReady = (platform::adoce::DatabaseFile::forgetAll(), true);
+    static test::TestDevice device;
+    return device;
+}
+
+}  // namespace fuzz

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QByteArrayView>
+#include <vector>
+
+#include "support/TestDevice.h"
+
+/// Targets of the fuzzer. Each is a file of one function that takes any bytes and ends the process when the
+/// code under it does not keep its word. Under libFuzzer it is a program of its own; in an ordinary build all
+/// of them are run on the corpus by one test.
+namespace fuzz {
+
+struct Target {
+    const char* name;  ///< That of its file and of its folder of the corpus.
+    void (*run)(QByteArrayView input);
+};
+
+/// The targets that are linked into this program.
+std::vector<Target>& targets();
+
+struct Registered {
+    Registered(const char* name, void (*run)(QByteArrayView)) { targets().push_back({name, run}); }
+};
+
+/// Ends the process with `promise` when it is broken.
+void require(bool isKept, const char* promise);
+
+/// Takes a number from 0 to `choices` - 1 off the input's front; 0 when the input is empty.
+int choose(QByteArrayView* input, int choices);
+
+/// Makes the application object at its first call, for code that needs an event loop.
+void needEventLoop();
+
+/// The one device of all targets of a process.
+test::TestDevice& device();
+
+}  // namespace fuzz
+
+#ifdef ROVANA_LIBFUZZER
+#define FUZZ_TARGET(name, input)                                                    \
+    static void run(QByteArrayView input);                                          \
+    extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, size_t size);  \
+    extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, size_t size) { \
+        run(QByteArrayView(data, qsizetype(size)));                                 \
+        return 0;                                                                   \
+    }                                                                               \
+    static void run(QByteArrayView input)
+#else
+#define FUZZ_TARGET(name, input)                          \
+    static void run(QByteArrayView input);                \
+    static const fuzz::Registered registered(#name, run); \
+    static void run(QByteArrayView input)
+#endif
