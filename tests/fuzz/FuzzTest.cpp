@@ -19,8 +19,7 @@ TEST(FuzzTest, EveryTargetKeepsItsWordOnItsCorpus) {
         for (const QString& name : files) {
             QFile file(corpus.filePath(name));
             ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << file.fileName().toStdString();
-            SCOPED_TRACE(file.fileName().toStdString());
-            target.run(file.readAll());
+            EXPECT_NO_THROW(target.run(file.readAll())) << file.fileName().toStdString();
         }
     }
 }
@@ -42,7 +41,7 @@ QString randomValue(QRandomGenerator& random) {
     QString value;
     const int pieces = random.bounded(5);
     for (int i = 0; i < pieces; ++i) {
-        // From the third on there are quotes: else hardly a value of a long record would have none.
+        // Quotes, the first of them, are rare: else hardly a record would have none.
         value += random.bounded(3) ? QString(QChar(char16_t(random.bounded(1, 0x10000))))
                                    : kPieces[random.bounded(random.bounded(8) ? 4 : 0, int(kPieces.size()))];
     }
@@ -54,22 +53,20 @@ QString randomValue(QRandomGenerator& random) {
 TEST(FuzzTest, NoValueChangesWhatAStatementDoes) {
     const int wanted =
         qEnvironmentVariableIsSet("ROVANA_VALUES") ? qEnvironmentVariableIntValue("ROVANA_VALUES") : 5'000;
-    const quint32 seed = qEnvironmentVariableIsSet("ROVANA_SEED")
-                             ? quint32(qEnvironmentVariableIntValue("ROVANA_SEED"))
+    const quint32 seed = qEnvironmentVariableIsSet("ROVANA_TEST_SEED")
+                             ? quint32(qEnvironmentVariableIntValue("ROVANA_TEST_SEED"))
                              : QRandomGenerator::system()->generate();
-    SCOPED_TRACE("ROVANA_SEED=" + std::to_string(seed));
-    std::fprintf(stderr, "ROVANA_SEED=%u\n", seed);
     QRandomGenerator random(seed);
     int sent = 0;
     while (sent < wanted) {
         for (const SystemStatement& statement : systemStatements()) {
             QStringList values;
             while (values.size() < statement.values) values << randomValue(random);
-            checkValues(statement, values);
+            ASSERT_NO_THROW(checkValues(statement, values))
+                << statement.format.toUtf8().toStdString() << "\nagain with ROVANA_TEST_SEED=" << seed;
             sent += statement.values;
         }
     }
-    RecordProperty("values", sent);
     EXPECT_GT(systemStatements().size(), 100U) << "the sources are read";
 }
 

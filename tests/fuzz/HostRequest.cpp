@@ -1,17 +1,21 @@
 #include <sqlite3.h>
 
 #include <QTemporaryDir>
-#include <QtEndian>
 
 #include "fuzz/Target.h"
+#include "platform/message/Enrolment.h"
 #include "platform/termdev/DemoCards.h"
 #include "rovana-cardhost/Ledger.h"
+#include "rovana-cardhost/RequestReader.h"
 
 using namespace cardhost;
 using namespace platform::message;
 using fuzz::require;
+using platform::SecureBytes;
 
 namespace {
+
+constexpr QStringView kEnrolled = u"4711";
 
 /// A host with the demonstration's cards, as new for every input.
 class Host {
@@ -23,11 +27,20 @@ class Host {
         require(sqlite3_open(QFile::encodeName(folder_.filePath(QStringLiteral("ledger.db"))).constData(),
                              &file_) == SQLITE_OK,
                 "there is a ledger");
+        SecureBytes seed(crypto_sign_SEEDBYTES, 1);
+        terminal_ = signingKeyFrom(seed);
+        seed[0] = 2;
+        require(enrolTerminal(folder(), kEnrolled.toString(), terminal_.publicKey) &&
+                    enrolTerminal(folder(), QStringLiteral("4712"), signingKeyFrom(seed).publicKey),
+                "there are terminals, of which one asks");
         sqlite3_exec(file_, "CREATE TABLE card_before AS SELECT * FROM card", nullptr, nullptr, nullptr);
     }
     ~Host() { sqlite3_close(file_); }
     Host(const Host&) = delete;
     Host& operator=(const Host&) = delete;
+
+    QString folder() const { return folder_.path(); }
+    const SigningKey& terminal() const { return terminal_; }
 
     void reset() {
         require(sqlite3_exec(
@@ -54,15 +67,16 @@ class Host {
 
     QTemporaryDir folder_;
     sqlite3* file_ = nullptr;
+    SigningKey terminal_;
 
   public:
     Ledger ledger;
 };
 
 /// The host's answer, checked. What it has charged is `charged` in won.
-platform::SecureBytes answer(Host& host, const OpenedRequest& request, qint64* charged) {
+SecureBytes answer(Host& host, const OpenedRequest& request, qint64* charged) {
     const qint64 before = host.money();
-    const platform::SecureBytes bytes = host.ledger.answer(request);
+    const SecureBytes bytes = host.ledger.answer(request);
     *charged = before - host.money();
     const std::optional<Fields> reply = Fields::parse(bytes);
     require(reply && reply->has(kResponseCodeField) && reply->has(kResponseTextField),
@@ -83,34 +97,42 @@ platform::SecureBytes answer(Host& host, const OpenedRequest& request, qint64* c
 
 FUZZ_TARGET(HostRequest, input) {
     static Host host;
-    static const PublicKey replyKey = host.ledger.keys().box.publicKey;
     host.reset();
-    FrameReader reader;
-    reader.add(input);
-    Frame frame;
-    for (int i = 0; i < 8 && reader.next(&frame) == FrameReader::Result::Complete; ++i) {
-        require(!openRequest(frame.sealed, host.ledger.keys().box), "what nobody sealed does not open");
-        // The same as if it had been sealed: number and reply key, what stands between, and the fields.
-        QByteArray plain = frame.sealed;
-        QByteArray sealed(plain.size() + qsizetype(crypto_box_SEALBYTES), Qt::Uninitialized);
-        crypto_box_seal(reinterpret_cast<unsigned char*>(sealed.data()),
-                        reinterpret_cast<const unsigned char*>(plain.constData()), size_t(plain.size()),
-                        host.ledger.keys().box.publicKey.data());
-        if (const auto opened = openRequest(sealed, host.ledger.keys().box)) {
-            const auto fields = QByteArrayView(opened->fields.data(), qsizetype(opened->fields.size()));
-            require(plain.startsWith(QByteArrayView(opened->number)) && plain.endsWith(fields),
-                    "a request opens to what was sealed");
-        }
+    const KeyPair& keys = host.ledger.keys().box;
+    RequestReader raw;
+    raw.add(input);
+    OpenedRequest request;
+    require(raw.next(keys, host.folder(), &request) != RequestReader::Result::Request,
+            "what nobody sealed is no request");
 
-        OpenedRequest request;
-        request.number = frame.number;
-        request.replyKey = replyKey;
-        request.fields.assign(plain.begin(), plain.end());
+    // The same frames, each sealed and signed by a terminal.
+    FrameReader frames;
+    frames.add(input);
+    Frame frame;
+    for (int i = 0; i < 8 && frames.next(&frame) == FrameReader::Result::Complete; ++i) {
+        const SecureBytes fields(frame.sealed.cbegin(), frame.sealed.cend());
+        const auto sealed =
+            sealRequest(frame.number, keys.publicKey, fields, keys.publicKey, host.terminal());
+        require(sealed.has_value(), "a request is sealed");
+        const QByteArray bytes = encodeFrame({FrameKind::Request, frame.number, *sealed});
+        RequestReader reader;
+        reader.add(QByteArrayView(bytes).chopped(1));
+        require(reader.next(keys, host.folder(), &request) == RequestReader::Result::Incomplete,
+                "a frame comes whole");
+        reader.add(QByteArrayView(bytes).last(1));
+        const bool isRequest = reader.next(keys, host.folder(), &request) == RequestReader::Result::Request;
+        const auto parsed = Fields::parse(fields);
+        require(isRequest == (parsed && parsed->text(kTerminalField) == kEnrolled),
+                "an enrolled terminal may ask");
+        require(isRequest == reader.fault().isEmpty(), "a fault has words");
+        if (!isRequest) continue;
+        require(request.number == frame.number && request.fields == fields && reader.terminal() == kEnrolled,
+                "a request opens to what was sealed");
+
         qint64 charged = 0;
-        const platform::SecureBytes first = answer(host, request, &charged);
+        const SecureBytes first = answer(host, request, &charged);
         require(answer(host, request, &charged) == first && charged == 0,
                 "asked again, it is answered as before");
-        if (!Fields::parse(request.fields)) continue;
         FieldWriter other;
         other.add(kTerminalField, u"other");
         request.fields = other.bytes();

@@ -20,7 +20,7 @@ struct SystemStatement {
 /// Every statement in the sources.
 std::span<const SystemStatement> systemStatements();
 
-/// Ends the process when these values change what the statement does, or do not arrive as they are.
+/// Throws when these values change what the statement does, or do not arrive as they are.
 void checkValues(const SystemStatement& statement, std::span<const QString> values);
 
 /// Gives any text to the database component, lets it do nothing but read and change rows, and takes that

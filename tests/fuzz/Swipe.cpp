@@ -84,9 +84,10 @@ void send(QByteArrayView bytes, const ReaderSettings& settings) {
             QCoreApplication::processEvents();
             ::ioctl(keys, FIONREAD, &left);
         }
-        QCoreApplication::processEvents();  // For swipes that are handed on.
+        fuzz::settle();  // Swipes are handed on.
         ::close(keys);
     }
+    fuzz::settle();
     reader.close();
     reader.setReceiver({});
     require(heldTrack(2).isEmpty() && heldTrack(3).isEmpty(), "a closed reader holds no card");

@@ -1,8 +1,8 @@
 #include "fuzz/Target.h"
 
 #include <QCoreApplication>
-#include <cstdio>
-#include <cstdlib>
+#include <QEvent>
+#include <stdexcept>
 
 #include "platform/adoce/DatabaseFile.h"
 
@@ -20,9 +20,7 @@ std::vector<Target>& targets() {
 }
 
 void require(bool isKept, const char* promise) {
-    if (isKept) return;
-    std::fprintf(stderr, "does not hold: %s\n", promise);
-    std::abort();
+    if (!isKept) throw std::logic_error(promise);
 }
 
 int choose(QByteArrayView* input, int choices) {
@@ -37,6 +35,11 @@ void needEventLoop() {
     static char name[] = "fuzz";
     static char* arguments[] = {name, nullptr};
     if (QCoreApplication::instance() == nullptr) new QCoreApplication(count, arguments);
+}
+
+void settle() {
+    QCoreApplication::processEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 test::TestDevice& device() {

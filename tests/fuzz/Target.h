@@ -5,9 +5,9 @@
 
 #include "support/TestDevice.h"
 
-/// Targets of the fuzzer. Each is a file of one function that takes any bytes and ends the process when the
-/// code under it does not keep its word. Under libFuzzer it is a program of its own; in an ordinary build all
-/// of them are run on the corpus by one test.
+/// Targets of the fuzzer. Each is a file of one function that takes any bytes and throws when the code under
+/// it does not keep its word. Under libFuzzer it is a program of its own; in an ordinary build all of them
+/// are run on the corpus by one test.
 namespace fuzz {
 
 struct Target {
@@ -22,7 +22,7 @@ struct Registered {
     Registered(const char* name, void (*run)(QByteArrayView)) { targets().push_back({name, run}); }
 };
 
-/// Ends the process with `promise` when it is broken.
+/// Throws std::logic_error with `promise` when it is broken.
 void require(bool isKept, const char* promise);
 
 /// Takes a number from 0 to `choices` - 1 off the input's front; 0 when the input is empty.
@@ -30,6 +30,9 @@ int choose(QByteArrayView* input, int choices);
 
 /// Makes the application object at its first call, for code that needs an event loop.
 void needEventLoop();
+
+/// Lets everything happen that is due in the event loop, deletions that were put off included.
+void settle();
 
 /// The one device of all targets of a process.
 test::TestDevice& device();
