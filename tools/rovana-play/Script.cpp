@@ -131,9 +131,11 @@ int keyboardKey(const QString& name) {
 }
 
 std::optional<int> wholeNumber(QStringView word, int least) {
+    constexpr int kMost = 1'000'000;  // So that what is counted or waited for stays within an integer.
     bool isNumber = false;
     const int number = word.toInt(&isNumber);
-    return isNumber && number >= least && word[0].isDigit() ? std::optional(number) : std::nullopt;
+    return isNumber && number >= least && number <= kMost && word[0].isDigit() ? std::optional(number)
+                                                                               : std::nullopt;
 }
 
 std::optional<Address> address(QStringView word) {
@@ -337,6 +339,7 @@ QList<Step> readSeveral(Operand operand, LineReader& line, const Step& base) {
     }
     Step first = base;
     if (operand == Operand::Texts) readOperand(Operand::Number, line, &first);
+    if (!line.error().isEmpty()) return steps;
     do {
         Step step = base;
         if (base.command == Command::Press && !steps.isEmpty() && line.nextWord() == u"keys") {
@@ -396,7 +399,7 @@ QList<Step> parseLine(QStringView text, int number, QString* error) {
             steps = {step};
             if (step.command == Command::Swipe && !line.atEnd()) {
                 steps += readKeypadKeys(line, step);
-            } else if (step.command == Command::ExpectCell) {
+            } else if (step.command == Command::ExpectCell && line.error().isEmpty()) {
                 // One step for each column from the named one on.
                 steps.clear();
                 for (const QString& cell : step.texts.value(0).split(u'|')) {

@@ -7,7 +7,8 @@ namespace platform::adoce {
 namespace {
 
 void appendUtf8(QByteArray* target, QStringView text) {
-    QStringEncoder encoder(QStringEncoder::Utf8);
+    // Stateless: half a character at the end of a value would be kept back, and lost, instead of replaced.
+    QStringEncoder encoder(QStringEncoder::Utf8, QStringEncoder::Flag::Stateless);
     const qsizetype before = target->size();
     target->resize(before + encoder.requiredSpace(text.size()));
     const char* end = encoder.appendToBuffer(target->data() + before, text);

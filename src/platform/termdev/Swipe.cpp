@@ -56,7 +56,7 @@ std::optional<Swipe> readSwipe(QByteArrayView text, const ReaderSettings& settin
             continue;
         }
         const qsizetype end = text.indexOf(kEndSentinel, at);
-        if (end < 0) return std::nullopt;
+        if (end <= at) return std::nullopt;  // None, or one in place of a start.
         const QByteArrayView data = text.sliced(at + 1, end - at - 1);
         for (const char c : data) {
             // A start inside is the next track's: the end of this one was lost.
