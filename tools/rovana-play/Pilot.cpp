@@ -1,6 +1,7 @@
 #include "rovana-play/Pilot.h"
 
 #include <QAbstractButton>
+#include <QAbstractEventDispatcher>
 #include <QAbstractItemModel>
 #include <QAbstractItemView>
 #include <QCheckBox>
@@ -42,6 +43,7 @@ namespace {
 
 using Attempt = Pilot::Attempt;
 
+/// What the event loop does not tell, such as what another program wrote, is looked for this often.
 constexpr int kPollMs = 5;
 /// Dialogs that do not close are left behind after this time.
 constexpr int kClosingMs = 10000;
@@ -230,6 +232,8 @@ Pilot::Pilot(Script script, Options options, QObject* parent)
     : QObject(parent), script_(std::move(script)), options_(std::move(options)) {
     timer_.setSingleShot(true);
     connect(&timer_, &QTimer::timeout, this, &Pilot::poll);
+    connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
+            &Pilot::loopSleeps);
 }
 
 Pilot::~Pilot() = default;
@@ -241,7 +245,7 @@ void Pilot::start() {
         ++current_;
         if (head.act) head.act();
     }
-    timer_.start(options_.paceMs);
+    wait(options_.paceMs, 1);
 }
 
 bool Pilot::finish() {
@@ -253,13 +257,18 @@ bool Pilot::finish() {
 
 void Pilot::poll() {
     if (isClosing_) return closeAll();
+    if (current_ == script_.steps.size() && options_.more) {
+        script_.steps.clear();
+        current_ = 0;
+        script_.steps = options_.more();
+    }
     if (current_ == script_.steps.size() || script_.steps[current_].command == Command::Quit) {
         isClosing_ = true;
         waiting_.restart();
         return closeAll();
     }
-    // Before the step, because it may open a dialog and come back only when that is closed.
-    timer_.start(kPollMs);
+    // Whatever is looked for cannot have come before the loop has slept and something has woken it.
+    wait(kPollMs, 2);
     // Not before: a busy machine, or the step before this one, may take longer than any patience.
     if (!waiting_.isValid()) waiting_.start();
     const Step step = script_.steps[current_];
@@ -268,6 +277,7 @@ void Pilot::poll() {
         if (waiting_.elapsed() >= options_.patienceMs) miss(step, tried.problem);
         return;
     }
+    // Before the step, because it may open a dialog and come back only when that is closed.
     advance();
     if (!tried.act) return;
     const QString problem = tried.act();
@@ -277,7 +287,17 @@ void Pilot::poll() {
 void Pilot::advance() {
     ++current_;
     waiting_.invalidate();
-    timer_.start(qMax(kPollMs, options_.paceMs));
+    wait(qMax(kPollMs, options_.paceMs), options_.paceMs > 0 ? 0 : 1);
+}
+
+/// Looks again after that time, or earlier when the event loop goes to sleep that many times; 0 for never.
+void Pilot::wait(int milliseconds, int sleeps) {
+    sleeps_ = sleeps;
+    timer_.start(milliseconds);
+}
+
+void Pilot::loopSleeps() {
+    if (sleeps_ > 0 && --sleeps_ == 0) timer_.start(0);
 }
 
 void Pilot::closeAll() {

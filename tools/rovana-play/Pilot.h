@@ -24,10 +24,13 @@ struct Options {
     int patienceMs = kPatienceMs;
     int paceMs = 0;        ///< Pause before every step, for people who watch.
     bool approve = false;  ///< Takes the printed paper as approved instead of missing a step.
+    /// Gives the steps that follow when all are done; none end the play. Empty when none ever follow.
+    std::function<QList<Step>()> more;
 };
 
 /// Plays a script on the terminal of this process, while the screens run their own event loops. Each step
-/// waits until it can be done. A step that cannot be done in time closes every dialog, and so the program.
+/// begins when the terminal has nothing left to do, and waits until it can be done. A step that cannot be
+/// done in time closes every dialog, and so the program.
 class Pilot : public QObject {
     Q_OBJECT
 
@@ -53,6 +56,8 @@ class Pilot : public QObject {
 
   private:
     void poll();
+    void wait(int milliseconds, int sleeps);
+    void loopSleeps();
     void closeAll();
     void miss(const Step& step, const QString& problem);
     void advance();
@@ -69,6 +74,7 @@ class Pilot : public QObject {
     Options options_;
     CardHost cardHost_;
     QTimer timer_;
+    int sleeps_ = 0;         ///< How often the event loop goes to sleep before the next look.
     QElapsedTimer waiting_;  ///< Since the first look at the step at hand; invalid before.
     qsizetype current_ = 0;
     platform::termdev::RollReader roll_;
