@@ -2,11 +2,13 @@
 
 #include <sys/stat.h>
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QImage>
 #include <QPainter>
 #include <QSaveFile>
 #include <algorithm>
+#include <utility>
 
 #include "platform/Device.h"
 #include "platform/Trace.h"
@@ -16,6 +18,8 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
+/// The picture costs as much for one slip as for all of this time.
+constexpr int kDrawingMs = 3000;
 constexpr int kQuickCompression = 85;  // of 100, where 100 does not compress: white paper packs well anyway
 
 QString textFile() {
@@ -85,12 +89,34 @@ QByteArray readLines(QFile& file, qint64 most, qint64* place) {
 
 }  // namespace
 
+PaperRoll::PaperRoll(qint64 limitBytes) : limit_(limitBytes) {
+    drawing_.setSingleShot(true);
+    drawing_.setInterval(kDrawingMs);
+    QObject::connect(&drawing_, &QTimer::timeout, &drawing_, [this] { draw(); });
+    if (hasFonts()) {
+        QObject::connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, &drawing_,
+                         [this] { draw(); });
+    }
+}
+
+PaperRoll::~PaperRoll() {
+    draw();
+}
+
 bool PaperRoll::putOut(const QList<PaperLine>& lines) {
     const bool isTextWritten = writeText(lines, limit_);
     if (!isTextWritten) trace(u"the paper roll's text could not be written");
-    if (hasFonts() && !writePicture(lines)) trace(u"the paper roll's picture could not be written");
+    if (hasFonts()) {
+        undrawn_ += lines;
+        if (!drawing_.isActive()) drawing_.start();
+    }
     // The text is the paper: a job that is in it must not come out again for a picture's sake.
     return isTextWritten;
+}
+
+void PaperRoll::draw() {
+    if (undrawn_.isEmpty() || !hasFonts()) return;
+    if (!writePicture(std::exchange(undrawn_, {}))) trace(u"the paper roll's picture could not be written");
 }
 
 QString rollText() {

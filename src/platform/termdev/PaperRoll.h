@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QList>
 #include <QString>
+#include <QTimer>
 #include <limits>
 
 #include "platform/termdev/LinePrinter.h"
@@ -10,21 +11,26 @@
 namespace platform::termdev {
 
 inline constexpr qint64 kRollBytes = 1024 * 1024;
-inline constexpr int kRollDots = 20000;  ///< roll.png keeps this much of the paper's end, about 2.5 m.
+inline constexpr int kRollDots = 8000;  ///< roll.png keeps this much of the paper's end, about 1 m.
 
-/// The printer of a machine without one: the paper goes on in two files of the device folder, roll.txt and
-/// roll.png, both written when the device closes. The picture needs a QGuiApplication; without one there is
-/// only the text.
+/// The printer of a machine without one: the paper goes on in two files of the device folder. roll.txt is
+/// written when the device closes, roll.png a few seconds later, for nobody waits for a picture. That needs a
+/// QGuiApplication; without one there is only the text.
 class PaperRoll : public LinePrinter {
   public:
     /// roll.txt is kept under `limitBytes`: a full one becomes roll.txt.1, replacing the one before.
-    explicit PaperRoll(qint64 limitBytes = kRollBytes) : limit_(limitBytes) {}
+    explicit PaperRoll(qint64 limitBytes = kRollBytes);
+    ~PaperRoll() override;
 
   protected:
     bool putOut(const QList<PaperLine>& lines) override;
 
   private:
+    void draw();
+
     qint64 limit_;
+    QList<PaperLine> undrawn_;
+    QTimer drawing_;
 };
 
 /// The paper printed so far, as text; empty for none.
