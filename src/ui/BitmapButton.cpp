@@ -39,21 +39,23 @@ BitmapButton::BitmapButton(const QString& caption, ButtonBitmaps bitmaps, QWidge
 QRect BitmapButton::captionArea() const {
     QRect area = rect().adjusted(1, 0, -1, -kLip);
     if (height() >= kTileHeight && width() > height()) area.setTop(kTileCaptionTop);
-    return isDown() ? area.translated(0, 1) : area;
+    return area.adjusted(2, 0, -2, 0);
 }
 
-int BitmapButton::wrapping() const {
+const BitmapButton::Layout& BitmapButton::layout() const {
+    const QRect area = captionArea();
+    if (layout_.area == area && layout_.text == text() && layout_.font == font()) return layout_;
+    layout_ = {text(), font(), area, Qt::TextWordWrap, {}};
     const QFontMetrics metrics(font());
-    const QStringList words = text().split(u' ', Qt::SkipEmptyParts);
-    const bool isWordTooWide = std::any_of(words.begin(), words.end(), [&](const QString& word) {
-        return metrics.horizontalAdvance(word) > captionArea().width() - 4;
-    });
-    return isWordTooWide ? Qt::TextWrapAnywhere : Qt::TextWordWrap;
+    for (const QString& word : text().split(u' ', Qt::SkipEmptyParts)) {
+        if (metrics.horizontalAdvance(word) > area.width()) layout_.wrapping = Qt::TextWrapAnywhere;
+    }
+    layout_.bounds = metrics.boundingRect(area, Qt::AlignCenter | layout_.wrapping, text());
+    return layout_;
 }
 
 QRect BitmapButton::captionBounds() const {
-    return QFontMetrics(font()).boundingRect(captionArea().adjusted(2, 0, -2, 0),
-                                             Qt::AlignCenter | wrapping(), text());
+    return layout().bounds.translated(0, isDown() ? 1 : 0);
 }
 
 void BitmapButton::focusInEvent(QFocusEvent* event) {
@@ -81,7 +83,7 @@ void BitmapButton::paintEvent(QPaintEvent*) {
     painter.setPen(!isEnabled()                               ? kDisabledCaption
                    : bitmaps_.caption == CaptionColour::Light ? QColor(Qt::white)
                                                               : kDarkCaption);
-    painter.drawText(captionBounds(), Qt::AlignCenter | wrapping(), text());
+    painter.drawText(captionBounds(), Qt::AlignCenter | layout().wrapping, text());
     if (hasFocus() && worksWithKeys() && isEnabled()) paintFocusRing(&painter, rect());
 }
 

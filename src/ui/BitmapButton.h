@@ -27,11 +27,20 @@ class BitmapButton : public QAbstractButton {
     void mousePressEvent(QMouseEvent* event) override;
 
   private:
+    /// A caption as it is laid out on a button that is not pressed.
+    struct Layout {
+        QString text;
+        QFont font;
+        QRect area;
+        int wrapping = 0;  ///< Between its words, or anywhere when a word alone is too wide.
+        QRect bounds;
+    };
+
     QRect captionArea() const;
-    /// Breaks a caption between its words, or anywhere when a word alone is too wide.
-    int wrapping() const;
+    const Layout& layout() const;
 
     ButtonBitmaps bitmaps_;
+    mutable Layout layout_;  ///< Measuring takes longer than painting.
 };
 
 /// The mark of the control that the keyboard's keys go to.

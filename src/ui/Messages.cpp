@@ -28,6 +28,8 @@ QString breakable(const QString& text) {
 
 MessageBox::MessageBox(const QString& text, const QString& caption, Buttons buttons)
     : Screen(kMessageBoxId), text_(text), caption_(caption) {
+    // The dialog below shows through the shade.
+    setAttribute(Qt::WA_OpaquePaintEvent, false);
     const QFontMetrics metrics(ui::font(FontHeight::Medium));
     const int textWidth = kPanelWidth - 2 * kMargin;
     const QString shown = breakable(text);

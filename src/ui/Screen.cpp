@@ -41,6 +41,8 @@ class EntryDelegate : public QStyledItemDelegate {
 Screen::Screen(int id) : id_(id) {
     setObjectName(QString::number(id));
     setFocusPolicy(Qt::NoFocus);
+    // What it covers need not be painted: the dialogs below, and each of their controls.
+    setAttribute(Qt::WA_OpaquePaintEvent);
     resize(kScreenSize);
 }
 
