@@ -27,7 +27,7 @@ Result compare(int runs, const char* unit, const std::function<double()>& ours,
         oursEach.push_back(oursNow);
         peerEach.push_back(peerNow);
     }
-    return {median(oursEach), median(peerEach), unit};
+    return {.ours = median(oursEach), .peer = median(peerEach), .unit = unit};
 }
 
 double millisecondsOf(const std::function<void()>& work) {

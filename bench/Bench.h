@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <string>
 
 /// The measurements of rovana-bench: each runs what the system does beside what it is held against.
 namespace bench {
@@ -10,6 +11,7 @@ struct Result {
     double ours = 0;
     double peer = 0;
     const char* unit = "";
+    std::string note = {};  ///< What else is printed behind the line.
 };
 
 /// Runs both sides in turn, `runs` times each after one run of each that does not count, and gives the median
@@ -32,6 +34,8 @@ Result measureReport();
 /// One approved payment of the terminal's component, seal to parsed reply, against the same bytes over a bare
 /// socket and the bare cipher calls.
 Result measureExchange();
+/// What a short soak holds at most, in per cent of what it holds after 500 visits, and how fast it was.
+Result measureSoak();
 /// Resident memory after 1,000 payments against that after 100.
 Result measurePayments();
 

@@ -30,6 +30,7 @@ constexpr std::array kMeasurements{
     Measurement{"report", 1.5, bench::measureReport},
     Measurement{"exchange", 3.0, bench::measureExchange},
     Measurement{"payments", 1.05, bench::measurePayments},
+    Measurement{"soak", 1.05, bench::measureSoak},
 };
 
 bool runAndPrint(const Measurement& measurement) {
@@ -37,9 +38,9 @@ bool runAndPrint(const Measurement& measurement) {
     try {
         const bench::Result result = measurement.run();
         const double ratio = result.ours / result.peer;
-        std::printf("bench %.*s ours=%.2f%s peer=%.2f%s ratio=%.2f goal=%.2f\n", nameLength,
+        std::printf("bench %.*s ours=%.2f%s peer=%.2f%s ratio=%.2f goal=%.2f%s\n", nameLength,
                     measurement.name.data(), result.ours, result.unit, result.peer, result.unit, ratio,
-                    measurement.goal);
+                    measurement.goal, result.note.c_str());
         std::fflush(stdout);
         return ratio <= measurement.goal;
     } catch (const std::exception& error) {
