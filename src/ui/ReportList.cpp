@@ -116,6 +116,23 @@ class RowDelegate : public QStyledItemDelegate {
     const QTableView& list_;
 };
 
+/// The palette of all lists. The style keeps a picture of each title under its palette's number: with a
+/// palette of its own, every list that is opened would add them once more, until the cache is full of them.
+const QPalette& colours() {
+    static const QPalette shared = [] {
+        QPalette made(Qt::white);
+        // The chosen row stays visible when the focus moves on to a button.
+        made.setColor(QPalette::Active, QPalette::Highlight, kSelection);
+        made.setColor(QPalette::Inactive, QPalette::Highlight, kSelection);
+        made.setColor(QPalette::HighlightedText, Qt::white);
+        made.setColor(QPalette::Mid, kGrid);
+        // Nothing is inherited, so it stays this very one.
+        made.setResolveMask(~QPalette::ResolveMask(0));
+        return made;
+    }();
+    return shared;
+}
+
 }  // namespace
 
 void RowsModel::setTitles(const QStringList& titles) {
@@ -181,13 +198,8 @@ ReportList::ReportList(QWidget* parent) : QTableView(parent), model_(new RowsMod
     horizontalHeader()->setHighlightSections(false);
     horizontalHeader()->setSectionsClickable(false);
 
-    QPalette colours = palette();
-    // The chosen row stays visible when the focus moves on to a button.
-    colours.setColor(QPalette::Active, QPalette::Highlight, kSelection);
-    colours.setColor(QPalette::Inactive, QPalette::Highlight, kSelection);
-    colours.setColor(QPalette::HighlightedText, Qt::white);
-    colours.setColor(QPalette::Mid, kGrid);
-    setPalette(colours);
+    setPalette(colours());
+    horizontalHeader()->setPalette(colours());
 
     new FlickScroll(this);
     connect(this, &QTableView::clicked, this,
