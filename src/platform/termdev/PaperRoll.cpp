@@ -47,11 +47,15 @@ bool writeText(const QList<PaperLine>& lines, qint64 limit) {
            file.write(bytes) == bytes.size() && file.flush();
 }
 
-bool writePicture(const QList<PaperLine>& lines) {
-    const QImage before(pictureFile());
+bool writePicture(QList<PaperLine> lines) {
+    // Of a long time's paper no more is painted than is kept.
+    int height = 0;
+    qsizetype first = lines.size();
+    while (first > 0 && height < kRollDots) height += lines[--first].dots();
+    lines.remove(0, first);
+    const QImage before(height < kRollDots ? pictureFile() : QString());
     const int start = before.width() == kPaperDots ? before.height() : 0;
-    int height = start;
-    for (const PaperLine& line : lines) height += line.dots();
+    height += start;
 
     QImage strip(kPaperDots, height, QImage::Format_Grayscale8);
     strip.fill(Qt::white);
