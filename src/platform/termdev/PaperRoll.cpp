@@ -53,7 +53,7 @@ bool writePicture(QList<PaperLine> lines) {
     qsizetype first = lines.size();
     while (first > 0 && height < kRollDots) height += lines[--first].dots();
     lines.remove(0, first);
-    const QImage before(height < kRollDots ? pictureFile() : QString());
+    const QImage before = height < kRollDots ? QImage(pictureFile()) : QImage();
     const int start = before.width() == kPaperDots ? before.height() : 0;
     height += start;
 
