@@ -1,8 +1,6 @@
 #include "db/MasterImport.h"
 
-#include <fcntl.h>
 #include <sodium.h>
-#include <unistd.h>
 
 #include <QFile>
 #include <QFileInfo>
@@ -13,6 +11,7 @@
 #include "db/Transaction.h"
 #include "platform/Clock.h"
 #include "platform/CodePage.h"
+#include "platform/Sync.h"
 #include "platform/Trace.h"
 
 namespace db {
@@ -139,20 +138,14 @@ class RejectedLines {
 };
 
 /// Deletes the file and waits until the folder on disk knows it, so that a loaded file cannot come back after
-/// a loss of power. False when it cannot be deleted.
+/// a loss of power. False when it may.
 bool deleteForGood(const QString& path) {
-    if (!QFile::remove(path)) return false;
-    const int folder = ::open(QFile::encodeName(QFileInfo(path).absolutePath()).constData(), O_RDONLY);
-    if (folder >= 0) {
-        ::fsync(folder);
-        ::close(folder);
-    }
-    return true;
+    return QFile::remove(path) && platform::syncToDisk(QFileInfo(path).absolutePath());
 }
 
 bool deleteLoadedFile(const FileIdentity& file) {
     if (!deleteForGood(file.path)) {
-        platform::trace(u"import: %1 is loaded but cannot be deleted"_s.arg(file.path));
+        platform::trace(u"import: %1 is loaded but cannot be deleted for good"_s.arg(file.path));
         return false;
     }
     execute(kDeleteLedger(file.handheldPath));

@@ -15,8 +15,8 @@
 #include <optional>
 
 #include "platform/Clock.h"
+#include "platform/Sync.h"
 #include "rovanactl/DatabaseCheck.h"
-#include "rovanactl/Sync.h"
 
 namespace admin {
 namespace {
@@ -61,7 +61,8 @@ class Unfinished {
 
     /// Puts the file under its name and both on the disk; what is wrong, or nothing.
     QString takeName(bool mayReplace) {
-        if (!syncToDisk(path_)) return u"%1 cannot be put on the disk: %2"_s.arg(place_, systemReason());
+        if (!platform::syncToDisk(path_))
+            return u"%1 cannot be put on the disk: %2"_s.arg(place_, systemReason());
         const QByteArray from = QFile::encodeName(path_);
         const QByteArray to = QFile::encodeName(place_);
         int result = ::renameat2(AT_FDCWD, from, AT_FDCWD, to, mayReplace ? 0 : RENAME_NOREPLACE);
@@ -69,7 +70,7 @@ class Unfinished {
         if (result != 0 && errno == EINVAL && !QFileInfo::exists(place_)) result = ::rename(from, to);
         if (result != 0) return u"%1 cannot take its name: %2"_s.arg(place_, systemReason());
         path_.clear();
-        if (!syncToDisk(folderOf(place_)))
+        if (!platform::syncToDisk(folderOf(place_)))
             return u"%1 is there, but its folder cannot be put on the disk: %2"_s.arg(place_, systemReason());
         return {};
     }
@@ -214,7 +215,7 @@ CopyResult restoreDatabase(const QString& from, const QString& to) {
     if (!result.error.isEmpty()) return result;
     // A journal that was left without its database would be taken for the new one's.
     for (const QString& suffix : {u"-wal"_s, u"-shm"_s, u"-journal"_s}) QFile::remove(to % suffix);
-    if (!QFile::rename(fresh, to) || !syncToDisk(folderOf(to))) {
+    if (!QFile::rename(fresh, to) || !platform::syncToDisk(folderOf(to))) {
         result.error = u"%1 cannot be renamed to %2"_s.arg(fresh, to);
         return result;
     }

@@ -7,7 +7,7 @@
 #include <QDir>
 #include <QFileInfo>
 
-#include "rovanactl/Sync.h"
+#include "platform/Sync.h"
 
 namespace admin {
 namespace {
@@ -75,7 +75,7 @@ QString ExportFolder::commit() {
         isWritten_ = isWritten_ && file->flush() && ::fsync(file->handle()) == 0;
         file->close();
     }
-    isWritten_ = isWritten_ && syncToDisk(unfinished_);
+    isWritten_ = isWritten_ && platform::syncToDisk(unfinished_);
     if (!isWritten_) return u"the files cannot be written below %1; is its disk full?"_s.arg(unfinished_);
 
     const bool isReplacing = QFileInfo::exists(path_);

@@ -16,6 +16,7 @@
 #include <cstring>
 
 #include "platform/Device.h"
+#include "platform/Sync.h"
 #include "platform/Trace.h"
 
 namespace platform::termdev {
@@ -30,14 +31,6 @@ constexpr QStringView kUnfinished = u"new";
 
 QString nameOf(int number, QStringView stage) {
     return u"%1.%2"_s.arg(number, kDigits, 10, QChar(u'0')).arg(stage);
-}
-
-bool syncFolder(const QString& folder) {
-    const int handle = ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (handle < 0) return false;
-    const bool isSynced = ::fsync(handle) == 0;
-    ::close(handle);
-    return isSynced;
 }
 
 /// Writes and syncs a file of the name, which must be new.
@@ -85,7 +78,7 @@ QString PrintSpool::path(const Entry& entry) const {
 }
 
 bool PrintSpool::add(QByteArrayView job) {
-    if (::mkdir(QFile::encodeName(folder_).constData(), 0700) == 0) syncFolder(device::folder());
+    if (::mkdir(QFile::encodeName(folder_).constData(), 0700) == 0) syncToDisk(device::folder());
     const QList<Entry> before = entries();
     int number = before.isEmpty() ? 1 : before.last().number + 1;
     // Another program may take a number at the same moment.
@@ -110,7 +103,7 @@ bool PrintSpool::add(QByteArrayView job) {
         }
         ++number;
     }
-    if (!syncFolder(folder_)) trace(u"printer: a job is kept, but not for certain"_s);
+    if (!syncToDisk(folder_)) trace(u"printer: a job is kept, but not for certain"_s);
     return true;
 }
 
@@ -166,7 +159,7 @@ void PrintSpool::mark(Entry* entry, Stage stage) {
 
 bool PrintSpool::remove(const Entry& entry) {
     if (!QFile::remove(path(entry)) && QFile::exists(path(entry))) return false;
-    syncFolder(folder_);
+    syncToDisk(folder_);
     return true;
 }
 

@@ -1,11 +1,11 @@
-#include "rovanactl/Sync.h"
+#include "platform/Sync.h"
 
 #include <fcntl.h>
 #include <unistd.h>
 
 #include <QFile>
 
-namespace admin {
+namespace platform {
 
 bool syncToDisk(const QString& path) {
     const int descriptor = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
@@ -15,4 +15,4 @@ bool syncToDisk(const QString& path) {
     return isSynced;
 }
 
-}  // namespace admin
+}  // namespace platform

@@ -2,10 +2,10 @@
 
 #include <QString>
 
-namespace admin {
+namespace platform {
 
 /// Sees to it that a file's content, or the names in a folder, outlive a loss of power; false when they may
 /// not.
 bool syncToDisk(const QString& path);
 
-}  // namespace admin
+}  // namespace platform
