@@ -33,6 +33,7 @@ int CRovanaApp::run() {
         platform::trace(problem);
         std::fprintf(stderr, "rovana: %s\n", qUtf8Printable(problem));
     }
+    if (db::needsUpgrade()) platform::trace(u"the database is an older build's; run: rovanactl upgrade");
     ui::runScreen(dialogs::kMain);
     return 0;
 }

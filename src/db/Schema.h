@@ -8,6 +8,10 @@
 /// statement.
 namespace db::schema {
 
+/// What a database of this build has as its `user_version`; it grows with every change of the tables. A
+/// database from before the number was kept has 0.
+inline constexpr int kVersion = 1;
+
 struct Table {
     QStringView name;
     std::span<const QStringView> columns;

@@ -8,6 +8,7 @@
 #include "app/KeypadRequest.h"
 #include "app/PaymentJournal.h"
 #include "app/Session.h"
+#include "db/Health.h"
 #include "platform/Clock.h"
 #include "print/PrintJob.h"
 #include "totals/DailyReports.h"
@@ -147,7 +148,7 @@ void CTotalsDlg::closeDay() {
     if (closes) {
         showReport(dayCloseReport(session.WorkDate, *closes));
     } else {
-        ui::message(u"마감을 저장하지 못했습니다..!"_s);
+        ui::message(db::needsUpgrade() ? db::kUpgradeAdvice.toString() : u"마감을 저장하지 못했습니다..!"_s);
     }
 }
 

@@ -8,6 +8,7 @@
 #include "app/KeypadRequest.h"
 #include "app/Login.h"
 #include "app/Session.h"
+#include "db/Health.h"
 #include "db/Query.h"
 #include "platform/Clock.h"
 #include "platform/Trace.h"
@@ -239,7 +240,8 @@ void CCardDlg::send(RequestKind kind, app::RequestType type) {
     paymentNumber_.clear();
     log_->abandon();
     picture_->show();
-    ui::message(u"결제기록을 저장하지 못해 결제를 보내지 않았습니다..!"_s);
+    ui::message(db::needsUpgrade() ? db::kUpgradeAdvice.toString()
+                                   : u"결제기록을 저장하지 못해 결제를 보내지 않았습니다..!"_s);
 }
 
 app::JournalPayment CCardDlg::journalPayment(const QString& number) const {

@@ -1,3 +1,5 @@
+#include <sys/file.h>
+
 #include <QDir>
 #include <QFileInfo>
 #include <QProcess>
@@ -80,6 +82,19 @@ TEST_F(BackupTest, CopiesWhatIsSavedWhileATerminalIsInTheMiddleOfAChange) {
     EXPECT_EQ(names(), QStringList{u"saved"_s});
     EXPECT_EQ(run({u"check"_s}).exitCode, admin::kSuccess);
     EXPECT_TRUE(readFile(kept).contains("after"));
+}
+
+TEST_F(BackupTest, DeletesWhatAKilledRunLeftAndNothingElse) {
+    const QStringList others{u"safe.cdb.unfinished-toolong"_s, u"other.cdb.unfinished-a7Xk2Q"_s,
+                             u"safe.cdb.unfinished-living"_s};
+    for (const QString& name : others) writeFile(name, "x");
+    QFile living(folder() + u'/' + others.last());
+    ASSERT_TRUE(living.open(QIODevice::ReadOnly));
+    ASSERT_EQ(::flock(living.handle(), LOCK_EX), 0);
+    writeFile(u"safe.cdb.unfinished-a7Xk2Q"_s, "x");
+    backUp();
+    for (const QString& name : others) EXPECT_TRUE(QFile::exists(folder() + u'/' + name)) << narrow(name);
+    EXPECT_FALSE(QFile::exists(folder() + u"/safe.cdb.unfinished-a7Xk2Q"_s));
 }
 
 TEST_F(BackupTest, RefusesAndLeavesEverythingAsItWas) {

@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "db/MasterImport.h"
+#include "db/Schema.h"
 #include "platform/Device.h"
 #include "platform/message/SavedValues.h"
 #include "rovanactl/Command.h"
@@ -114,6 +115,18 @@ const QString& renewal() {
 }
 
 void checkTables(SqliteFile& database, Findings& findings) {
+    const int version = tablesVersion(database).value_or(0);
+    if (const QString newer = findNewer(database); !newer.isEmpty()) {
+        findings.add(u"the database is not this build's"_s, newer);
+        return;
+    }
+    if (version < db::schema::kVersion) {
+        findings.note(
+            u"the tables have version %1, this build's have %2; \"rovanactl upgrade\" keeps a backup and "
+            u"brings "
+            "them up"_s.arg(version)
+                .arg(db::schema::kVersion));
+    }
     for (const Departure& departure : findDepartures(database)) {
         if (departure.repair.isEmpty()) {
             findings.add(departure.text, renewal());

@@ -33,14 +33,26 @@ QList<Departure> findDepartures(SqliteFile& database) {
             firstColumn(database, u"SELECT name FROM pragma_table_info(?)"_s, table.name);
         if (columns.isEmpty()) {
             departures << Departure{u"the table %1 is missing"_s.arg(table.name),
-                                    createTableStatement(table.name)};
+                                    createTableStatement(table.name), u"table "_s % table.name};
             continue;
         }
         QStringList expected;
         for (const QStringView column : table.columns) expected << column.toString();
-        if (columns.join(u',').compare(expected.join(u','), Qt::CaseInsensitive) != 0) {
+        const auto areFirst = [&](const QStringList& some) {
+            return some.join(u',').compare(expected.first(some.size()).join(u','), Qt::CaseInsensitive) == 0;
+        };
+        if (columns.size() > expected.size() || !areFirst(columns)) {
             departures << Departure{
-                u"the columns of %1 are not %2, in that order"_s.arg(table.name, expected.join(u", "_s)), {}};
+                u"the columns of %1 are not %2, in that order"_s.arg(table.name, expected.join(u", "_s)),
+                {},
+                {}};
+            continue;
+        }
+        // A later build adds columns at the end of a table, because rows are read by position.
+        for (const QString& column : expected.sliced(columns.size())) {
+            departures << Departure{u"the column %1 of %2 is missing"_s.arg(column, table.name),
+                                    u"ALTER TABLE %1 ADD COLUMN %2 TEXT;"_s.arg(table.name, column),
+                                    u"column %1.%2"_s.arg(table.name, column)};
         }
     }
     for (const db::schema::Index& index : db::schema::indexes()) {
@@ -49,9 +61,38 @@ QList<Departure> findDepartures(SqliteFile& database) {
         if (index.columns.compare(columns.join(u", "_s), Qt::CaseInsensitive) == 0) continue;
         departures << Departure{
             u"the index %1 is missing or another; searches are slow"_s.arg(index.name),
-            u"DROP INDEX IF EXISTS %1; "_s.arg(index.name) % createIndexStatement(index.name)};
+            u"DROP INDEX IF EXISTS %1; "_s.arg(index.name) % createIndexStatement(index.name),
+            u"index "_s % index.name};
     }
     return departures;
+}
+
+std::optional<int> tablesVersion(SqliteFile& database) {
+    const auto found = database.rows(u"PRAGMA user_version"_s);
+    return found && !found->isEmpty() ? std::optional(found->first().first().toInt()) : std::nullopt;
+}
+
+QString findNewer(SqliteFile& database) {
+    const int version = tablesVersion(database).value_or(0);
+    if (version <= db::schema::kVersion) return {};
+    return u"a newer Rovana made it (its tables have version %1, this one knows %2); use the newer one's "
+           "rovanactl"_s.arg(version)
+               .arg(db::schema::kVersion);
+}
+
+QString completeTables(SqliteFile& database) {
+    const QList<Departure> departures = findDepartures(database);
+    if (departures.isEmpty() && tablesVersion(database) == db::schema::kVersion) return {};
+    QString script = u"BEGIN IMMEDIATE;"_s;
+    for (const Departure& departure : departures) {
+        if (departure.repair.isEmpty()) return departure.text;
+        script += departure.repair;
+    }
+    script += u"PRAGMA user_version=%1;"_s.arg(db::schema::kVersion);
+    if (database.execute(script) && database.execute(u"COMMIT"_s)) return {};
+    const QString error = database.errorText();
+    database.execute(u"ROLLBACK"_s);
+    return error;
 }
 
 QString findHopeless(SqliteFile& database) {

@@ -1,6 +1,7 @@
 #include "rovanactl/DatabaseCopy.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -13,6 +14,7 @@
 #include <cstdio>
 #include <cstring>
 #include <optional>
+#include <utility>
 
 #include "platform/Clock.h"
 #include "platform/Sync.h"
@@ -31,12 +33,81 @@ QString folderOf(const QString& path) {
     return QFileInfo(path).absolutePath();
 }
 
+const QString& unfinishedMark() {
+    static const QString text = u".unfinished-"_s;
+    return text;
+}
+
+/// A file opened and locked for this object's life; the lock tells that its maker lives.
+class HeldFile {
+  public:
+    HeldFile() = default;
+    /// Takes the descriptor over; -1 holds nothing. `operation` is flock's.
+    HeldFile(int descriptor, int operation)
+        : descriptor_(descriptor), isHeld_(descriptor >= 0 && ::flock(descriptor, operation) == 0) {}
+    ~HeldFile() {
+        if (descriptor_ >= 0) ::close(descriptor_);
+    }
+    HeldFile(HeldFile&& other) noexcept
+        : descriptor_(std::exchange(other.descriptor_, -1)), isHeld_(other.isHeld_) {}
+    HeldFile& operator=(HeldFile&& other) noexcept {
+        std::swap(descriptor_, other.descriptor_);
+        std::swap(isHeld_, other.isHeld_);
+        return *this;
+    }
+
+    int descriptor() const { return descriptor_; }
+    bool isHeld() const { return isHeld_; }
+
+    /// True when the file still stands under that name.
+    bool isAt(const QByteArray& path) const {
+        struct stat held = {};
+        struct stat named = {};
+        return ::fstat(descriptor_, &held) == 0 && ::lstat(path.constData(), &named) == 0 &&
+               held.st_dev == named.st_dev && held.st_ino == named.st_ino;
+    }
+
+  private:
+    int descriptor_ = -1;
+    bool isHeld_ = false;
+};
+
+/// True for a plain file of the user whose files this process makes in the folder.
+bool isOwn(int descriptor, const QString& folder) {
+    struct stat file = {};
+    struct stat place = {};
+    if (::fstat(descriptor, &file) != 0 || !S_ISREG(file.st_mode)) return false;
+    if (file.st_uid == ::geteuid()) return true;
+    return ::geteuid() == 0 && ::stat(QFile::encodeName(folder).constData(), &place) == 0 &&
+           file.st_uid == place.st_uid;
+}
+
+/// Deletes what earlier runs for the same place left that were killed: files under the name that such a run
+/// gives, which nobody holds.
+void deleteLeftovers(const QString& place) {
+    const QString prefix = QFileInfo(place).fileName() % unfinishedMark();
+    const QDir folder(folderOf(place));
+    for (const QString& name : folder.entryList(QDir::Files | QDir::Hidden | QDir::NoSymLinks)) {
+        if (!name.startsWith(prefix) || name.size() != prefix.size() + 6) continue;
+        const QByteArray path = QFile::encodeName(folder.filePath(name));
+        const HeldFile left(::open(path.constData(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC), LOCK_EX | LOCK_NB);
+        if (left.isHeld() && left.isAt(path) && isOwn(left.descriptor(), folder.path()))
+            ::unlink(path.constData());
+    }
+}
+
 /// A database that is being made beside its place, gone with this object unless it has taken its name.
 class Unfinished {
   public:
     explicit Unfinished(const QString& place) : place_(place) {
-        QByteArray name = QFile::encodeName(place) + ".unfinished-XXXXXX";
-        const int descriptor = ::mkostemp(name.data(), O_CLOEXEC);
+        deleteLeftovers(place);
+        QByteArray name;
+        // Another run may have taken the new file for a leftover before it was held.
+        do {
+            name = QFile::encodeName(place) + unfinishedMark().toLatin1() + "XXXXXX";
+            held_ = HeldFile(::mkostemp(name.data(), O_CLOEXEC), LOCK_EX);
+        } while (held_.descriptor() >= 0 && !held_.isAt(name));
+        const int descriptor = held_.descriptor();
         if (descriptor < 0) {
             error_ = u"no file can be made in %1: %2"_s.arg(folderOf(place), systemReason());
             return;
@@ -47,7 +118,6 @@ class Unfinished {
             ::fchown(descriptor, folder.st_uid, folder.st_gid) != 0) {
             error_ = u"%1 cannot be given to its owner: %2"_s.arg(place, systemReason());
         }
-        ::close(descriptor);
         path_ = QFile::decodeName(name);
     }
     ~Unfinished() {
@@ -79,6 +149,7 @@ class Unfinished {
     QString place_;
     QString path_;
     QString error_;
+    HeldFile held_;
 };
 
 QString copyFault(const QString& to, SqliteFile& target, qint64 bytes) {
@@ -140,19 +211,11 @@ qint64 findUser(const QString& database) {
     return isAsked && any.l_type != F_UNLCK ? any.l_pid : 0;
 }
 
-/// Makes what a sound database lacks of tables and indexes.
-QString complete(SqliteFile& database) {
-    for (const Departure& departure : findDepartures(database)) {
-        if (!database.execute(departure.repair)) return departure.text % u": "_s % database.errorText();
-    }
-    return {};
-}
-
 /// Puts the backup's content into the database that is there, or tells why not.
 CopyResult replaceContent(SqliteFile& backup, SqliteFile& database, const QString& to, qint64 bytes) {
     const CopyResult kept = keepBeside(database, to);
     if (!kept.error.isEmpty()) return {u"the database that is there cannot be kept: "_s % kept.error, {}};
-    if (database.copyFrom(backup)) return {complete(database), kept.kept};
+    if (database.copyFrom(backup)) return {completeTables(database), kept.kept};
     const QString error = copyFault(to, database, bytes);
     QFile::remove(kept.kept);
     return {error, {}};
@@ -194,6 +257,8 @@ CopyResult restoreDatabase(const QString& from, const QString& to) {
     SqliteFile backup(from, SqliteFile::Mode::Existing);
     if (const QString fault = backup.isOpen() ? findHopeless(backup) : backup.errorText(); !fault.isEmpty())
         return {u"%1 is no sound backup: %2"_s.arg(from, fault), {}};
+    if (const QString newer = findNewer(backup); !newer.isEmpty())
+        return {u"%1 is not restored: %2"_s.arg(from, newer), {}};
     if (QFileInfo::exists(to) && findUser(to) > 0) return {describeUse(to), {}};
 
     CopyResult result;
@@ -220,7 +285,7 @@ CopyResult restoreDatabase(const QString& from, const QString& to) {
         return result;
     }
     SqliteFile restored(to, SqliteFile::Mode::Existing);
-    result.error = complete(restored);
+    result.error = completeTables(restored);
     return result;
 }
 

@@ -66,6 +66,7 @@ QString createDatabase(const QString& path, const QList<Row>& rows) {
     QString script = u"PRAGMA encoding='UTF-8'; PRAGMA synchronous=FULL; BEGIN;"_s;
     for (const db::schema::Table& table : db::schema::tables()) script += createTableStatement(table.name);
     for (const db::schema::Index& index : db::schema::indexes()) script += createIndexStatement(index.name);
+    script += u"PRAGMA user_version=%1;"_s.arg(db::schema::kVersion);
     if (!file.execute(script)) return fault();
     for (const Row& row : rows) {
         const QString places = QStringList(row.values.size(), u"?"_s).join(u',');
