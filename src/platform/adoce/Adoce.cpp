@@ -200,6 +200,7 @@ HResult Recordset::MoveNext() {
 
 HResult Recordset::step() {
     const int result = sqlite3_step(statement_->handle);
+    file_->noteResult(result);
     hasRow_ = result == SQLITE_ROW;
     isBroken_ = !hasRow_ && result != SQLITE_DONE;
     if (isBroken_) traceFailure(file_->errorText(), sqlite3_sql(statement_->handle));

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <QFile>
+#include <algorithm>
 #include <utility>
 
 #include "platform/Trace.h"
@@ -94,7 +95,9 @@ PreparedStatement* DatabaseFile::acquire(const QByteArray& text, QString* error)
     const QByteArray sql = toSqlite(text);
     sqlite3_stmt* handle = nullptr;
     const char* tail = nullptr;
-    if (sqlite3_prepare_v2(handle_, sql.constData(), int(sql.size()), &handle, &tail) != SQLITE_OK) {
+    const int result = sqlite3_prepare_v2(handle_, sql.constData(), int(sql.size()), &handle, &tail);
+    noteResult(result);
+    if (result != SQLITE_OK) {
         *error = errorText();
         return nullptr;
     }
@@ -132,8 +135,19 @@ bool DatabaseFile::commit() {
 
 void DatabaseFile::rollback() {
     if (!inTransaction_) return;
-    if (isUsable()) run("ROLLBACK");
+    if (sqlite3_get_autocommit(handle_) == 0) run("ROLLBACK");
     inTransaction_ = false;
+    isLost_ = false;
+}
+
+void DatabaseFile::noteResult(int result) {
+    // A text that SQLite does not accept, a table that is missing: the statement is skipped, as everywhere.
+    constexpr int kOfTheStatement[] = {SQLITE_OK,     SQLITE_ROW,      SQLITE_DONE,
+                                       SQLITE_ERROR,  SQLITE_SCHEMA,   SQLITE_CONSTRAINT,
+                                       SQLITE_TOOBIG, SQLITE_MISMATCH, SQLITE_RANGE};
+    // The low byte is the code without its particulars.
+    if (inTransaction_ && std::ranges::find(kOfTheStatement, result & 0xff) == std::end(kOfTheStatement))
+        isLost_ = true;
 }
 
 QString DatabaseFile::errorText() const {

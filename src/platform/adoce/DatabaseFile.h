@@ -44,9 +44,13 @@ class DatabaseFile {
     PreparedStatement* acquire(const QByteArray& text, QString* error);
     void release(PreparedStatement* statement);
 
-    /// False while a transaction that began here has been rolled back by SQLite itself (disk full, read or
-    /// write error): no statement may run then, or it would be kept without the others.
-    bool isUsable() const { return !inTransaction_ || sqlite3_get_autocommit(handle_) == 0; }
+    /// False while the transaction that began here is lost: SQLite has rolled it back itself, or a statement
+    /// of it failed on the storage. No statement may run then, or it would be kept without the others, and
+    /// what could not be read must not decide what is written.
+    bool isUsable() const { return !inTransaction_ || (!isLost_ && sqlite3_get_autocommit(handle_) == 0); }
+
+    /// Takes note of how a statement ended, by SQLite's result code.
+    void noteResult(int result);
 
     bool begin();
     bool commit();
@@ -62,6 +66,7 @@ class DatabaseFile {
 
     sqlite3* handle_;
     bool inTransaction_ = false;
+    bool isLost_ = false;
     QMultiHash<QByteArray, PreparedStatement*> idle_;
     // The statement given back last stands in front of the others: a file is loaded with one over and over.
     PreparedStatement* last_ = nullptr;
