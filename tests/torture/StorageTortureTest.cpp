@@ -1,0 +1,262 @@
+#include <unistd.h>
+
+#include <QElapsedTimer>
+#include <QRegularExpression>
+#include <QtEndian>
+#include <algorithm>
+#include <iterator>
+
+#include "TortureTest.h"
+#include "support/FaultyStorage.h"
+
+/// Kills the terminal and the import, and lets the disk fail, at any call to the storage and at any other
+/// moment of a long visit. What is on disk afterwards has to be what stood there between two of its changes.
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using test::StorageFault;
+
+constexpr int kRuns = 40;
+constexpr int kFewestRuns = 12;  ///< On a slow machine.
+constexpr int kUncounted = 1'000'000;
+
+const QString kHead = u"clock 2026-11-21 09:05\nlogin A 1111\nexpect shown 102.1044\n"_s;
+
+/// Each begins and ends at the menu and changes what is saved exactly once.
+const QString kChanges[] = {
+    // A new slip; opened again and changed.
+    u"press 102.1044 132.1002 143.1035\nrow2 144.1054 =강나루마트\npress 134.1010 keys 1001 ok 3 next 12 ok\n"
+    "press 134.1010 keys 1010 ok 2 ok\npress 134.1137 134.1001 132.1003\n"_s,
+    u"press 102.1044\nrow2 132.1054 =강나루마트\nrow2 134.1054 =1010\nkeys again 5 ok\n"
+    "press 134.1137 134.1001 132.1003\n"_s,
+    // Paid, and paid otherwise.
+    u"press 102.1044\nrow 132.1054 =강나루마트\npress 132.1004 450.1098 450.1003 449.1003 142.1003\n"_s,
+    u"press 102.1045\nrow2 150.1054 =강나루마트\npress 450.1083 450.1013 keys 20000 ok\n"
+    "press 450.1003 142.1003\n"_s,
+    // Containers: a new slip, opened again and changed, paid.
+    u"press 102.1046 391.1002 143.1035\nrow2 144.1054 =꿀단지갈비\npress 394.1000\nrow2 397.1090 =1028\n"
+    "keys 7 next 2 next 3 ok\npress 394.1000\nrow2 397.1090 =1001\nkeys next 4 ok\n"
+    "press 394.1003 450.1000 394.1001 391.1003\n"_s,
+    u"press 102.1046\nrow2 391.1054 =6001\nrow2 394.1054 =1001\nkeys again 3 next again 1 ok\n"
+    "press 394.1003 450.1000 394.1001 391.1003\n"_s,
+    u"press 102.1046\nrow2 391.1054 =6001\npress 394.1003 450.1098 450.1003 142.1003\n"_s,
+    // The day's close.
+    u"press 102.1053 457.1024\nkeys 85000 ok\npress 458.1003 457.1003\n"_s,
+    // Deleted: a collection, containers, and a slip with what hangs on it.
+    u"press 102.1045\nrow 150.1054 =6001\npress 150.1001\nanswer ok\npress 150.1003\n"_s,
+    u"press 102.1046\nrow 391.1054 =6001\npress 391.1001\nanswer ok\npress 391.1003\n"_s,
+    u"press 102.1044\nrow 132.1054 =강나루마트\npress 132.1001\nanswer ok\nanswer ok\npress 132.1003\n"_s,
+};
+
+constexpr StorageFault kFaults[] = {StorageFault::FullDisk,    StorageFault::ShortWrite,
+                                    StorageFault::FailingSync, StorageFault::ReadError,
+                                    StorageFault::ReadOnly,    StorageFault::Locked};
+
+/// Every row that is saved, each with its table in front, in order; the slip being written, the ledger of
+/// imports and the prints are aside.
+QStringList savedRows(const QString& database, QString (*read)(const QString&, const char*, QStringView)) {
+    constexpr const char* kSelect =
+        "SELECT 'MTM', * FROM MTM; SELECT 'MTMOK', * FROM MTMOK; SELECT 'YTM', * FROM YTM;"
+        "SELECT 'DAYCLOSE', * FROM DAYCLOSE; SELECT 'GARAE', * FROM GARAE; SELECT 'PUMMOK', * FROM PUMMOK;"
+        "SELECT 'GARAEDANGA', * FROM GARAEDANGA; SELECT 'GARAEMAJIN', * FROM GARAEMAJIN";
+    QStringList rows = read(database, kSelect, u"\n").split(u'\n', Qt::SkipEmptyParts);
+    rows.sort();
+    return rows;
+}
+
+class StorageTorture : public test::TortureTest {
+  protected:
+    void SetUp() override {
+        plan_ = test::shareStorageFaults(planFile().toLocal8Bit().constData());
+        ASSERT_NE(plan_, nullptr);
+        plan_->skipsSync = true;
+        for (QProcess* process : {&terminal_, &import_}) {
+            QProcessEnvironment environment = tool_.processEnvironment();
+            environment.insert(u"LD_PRELOAD"_s, QStringLiteral(ROVANA_STORAGE_FAULTS));
+            environment.insert(QString::fromLatin1(test::kFaultyStorageVariable), planFile());
+            // AddressSanitizer wants to be first.
+            environment.insert(u"ASAN_OPTIONS"_s,
+                               qEnvironmentVariable("ASAN_OPTIONS") + u":verify_asan_link_order=0"_s);
+            process->setProcessEnvironment(environment);
+        }
+        runTool({u"init"_s, device(), u"--demo"_s, u"--date"_s, u"2026-11-21"_s, u"--customers"_s, u"120"_s,
+                 u"--prices"_s, u"300"_s});
+        copyDevice(device(), delivered());
+        const QStringList empty = rows();
+        runTool({u"import"_s, u"--device"_s, device()});
+        copyDevice(device(), loaded());
+        learnStates(empty);
+    }
+
+    /// Plays the visit in peace and finds out what stands on the disk after each of its commits.
+    void learnStates(const QStringList& empty) {
+        empty_ = empty;
+        // Nothing gets from the write-ahead log into the database while this reader reads.
+        sqlite3* reader = nullptr;
+        ASSERT_EQ(sqlite3_open(databaseFile().toUtf8().constData(), &reader), SQLITE_OK);
+        ASSERT_EQ(sqlite3_exec(reader, "PRAGMA journal_mode=WAL; BEGIN; SELECT count(*) FROM MTM", nullptr,
+                               nullptr, nullptr),
+                  SQLITE_OK);
+        plan_->arm(StorageFault::Kill, kUncounted, true);
+        QElapsedTimer elapsed;
+        elapsed.start();
+        startTerminal(script(0));
+        EXPECT_TRUE(finishTerminal()) << said_.constData();
+        playUs_ = int(elapsed.nsecsElapsed() / 1000);
+        calls_ = kUncounted - plan_->before;
+        plan_->disarm();
+
+        QFile log(databaseFile() + u"-wal"_s);
+        ASSERT_TRUE(log.open(QIODevice::ReadOnly));
+        const QByteArray frames = log.readAll();
+        const QString copy = folder_.filePath(u"state.cdb"_s);
+        states_.clear();
+        ASSERT_GT(frames.size(), 32);
+        const qsizetype frame = 24 + qFromBigEndian<quint32>(frames.constData() + 8);
+        const auto take = [&](qsizetype end) {
+            for (const QString& suffix : {u""_s, u"-wal"_s, u"-shm"_s}) QFile::remove(copy + suffix);
+            ASSERT_TRUE(QFile::copy(databaseFile(), copy));
+            QFile part(copy + u"-wal"_s);
+            ASSERT_TRUE(part.open(QIODevice::WriteOnly) && part.write(frames.first(end)) == end);
+            part.close();
+            const QStringList found = savedRows(copy, read);
+            if (states_.isEmpty() || states_.last() != found) states_ << found;
+        };
+        take(0);
+        for (qsizetype end = 32 + frame; end <= frames.size(); end += frame) {
+            // A frame that ends a commit says how large the database is then.
+            if (qFromBigEndian<quint32>(frames.constData() + end - frame + 4) != 0) take(end);
+        }
+        sqlite3_close(reader);
+        ASSERT_EQ(states_.size(), qsizetype(std::size(kChanges)) + 1) << "a change is not made at once";
+    }
+
+    static QString script(qsizetype done) {
+        QString steps = kHead;
+        for (auto change = std::begin(kChanges) + done; change != std::end(kChanges); ++change)
+            steps += *change + u"expect screen 102\n"_s;
+        return steps + u"quit\n"_s;
+    }
+
+    QStringList rows() const { return savedRows(databaseFile(), read); }
+
+    /// Arms one way to die at a random moment. Returns what to wait before a kill from outside, in
+    /// microseconds; 0 where the storage kills.
+    int armKill(int calls, int wholeUs) {
+        if (any(2) == 0) return 1 + any(std::max(wholeUs, 1));
+        plan_->arm(StorageFault::Kill, any(std::max(calls, 1)), true);
+        return 0;
+    }
+
+    /// Lets the process run into its death, or come to its end before.
+    void await(QProcess* process, int delayUs) {
+        if (delayUs > 0) {
+            ::usleep(useconds_t(delayUs));
+            if (process->state() != QProcess::NotRunning && !process->waitForFinished(0)) stop(process);
+        } else {
+            process->waitForFinished(kPatienceMs);
+        }
+        plan_->disarm();
+        kills_ += process->exitStatus() == QProcess::CrashExit ? 1 : 0;
+    }
+
+    /// Counts what the database has too little and too much of, compared with what it may hold.
+    void count(const QStringList& found, const QStringList& expected) {
+        QStringList lost;
+        QStringList doubled;
+        std::ranges::set_difference(expected, found, std::back_inserter(lost));
+        std::ranges::set_difference(found, expected, std::back_inserter(doubled));
+        lost_ += int(lost.size());
+        doubled_ += int(doubled.size());
+        EXPECT_TRUE(lost.isEmpty() && doubled.isEmpty()) << "lost:\n"
+                                                         << lost.join(u'\n').toStdString() << "\ntoo much:\n"
+                                                         << doubled.join(u'\n').toStdString();
+    }
+
+    static QStringList ofTable(const QStringList& rows, const QString& table) {
+        return rows.filter(QRegularExpression(u'^' + table + u"\\|"_s));
+    }
+
+    /// The office's files on the terminal that was delivered, with as many deaths on the way as it takes.
+    void importAll() {
+        copyDevice(delivered(), device());
+        for (bool isKilled = true; isKilled;) {
+            const int delayUs = armKill(150, 150'000);
+            import_.start(program(u"rovanactl"_s), {u"import"_s, u"--device"_s, device()});
+            const int before = kills_;
+            await(&import_, delayUs);
+            isKilled = kills_ > before;
+            runTool({u"check"_s, u"--device"_s, device()});
+            // Each table has its old rows and the file still waits, or all of the file's.
+            const QStringList found = rows();
+            for (const QString& table :
+                 {u"MTM"_s, u"GARAE"_s, u"PUMMOK"_s, u"GARAEDANGA"_s, u"GARAEMAJIN"_s}) {
+                const QStringList now = ofTable(found, table);
+                const bool isWaiting = QFile::exists(device() + u"/My Documents/"_s + table + u".RVN"_s);
+                if (!isWaiting || now != ofTable(empty_, table)) count(now, ofTable(states_[0], table));
+            }
+            if (HasFailure()) return;
+        }
+        count(rows(), states_[0]);
+    }
+
+    QString planFile() const { return folder_.filePath(u"faults"_s); }
+    QString delivered() const { return folder_.filePath(u"delivered"_s); }
+    QString loaded() const { return folder_.filePath(u"loaded"_s); }
+
+    test::StorageFaultPlan* plan_ = nullptr;
+    QProcess import_;
+    QStringList empty_;          ///< Before the import.
+    QList<QStringList> states_;  ///< After the import and so many of the changes.
+    int calls_ = 0;              ///< To the storage in the whole visit.
+    int playUs_ = 0;             ///< How long it takes.
+};
+
+TEST_F(StorageTorture, EverySlipIsAsItWasOrAsItIs) {
+    int run = 0;
+    qsizetype done = std::ssize(kChanges);
+    for (; goesOn(run, kRuns, kFewestRuns); ++run) {
+        random_.seed(seed_ + unsigned(run));
+        if (done == std::ssize(kChanges)) {
+            importAll();
+            done = 0;
+        }
+        SCOPED_TRACE(testing::Message()
+                     << "run " << run << ", seed " << seed_ + unsigned(run) << ", after change " << done);
+        // Two or three changes lie on the way, as far as it goes.
+        const int part = int(std::size(kChanges)) / 3;
+        int delayUs = 0;
+        const bool isFault = any(4) == 0;
+        QString steps = script(done);
+        if (isFault) {
+            const StorageFault fault = kFaults[any(int(std::size(kFaults)))];
+            plan_->arm(fault, any(calls_ / part / 4), any(2) == 0);
+            steps.replace(u"login"_s, u"patience 4\nlogin"_s);
+        } else {
+            delayUs = armKill(calls_ / part, playUs_ / part);
+        }
+        startTerminal(steps);
+        await(&terminal_, delayUs);
+        said_ = terminal_.readAll();
+        if (plan_->hits > 0) {
+            ++faultsMade_;
+            EXPECT_EQ(terminal_.exitStatus(), QProcess::NormalExit) << "it died of a fault of the disk";
+            QFile log(device() + u"/rovana.log"_s);
+            EXPECT_TRUE(terminal_.exitCode() == 0 || log.open(QIODevice::ReadOnly)) << said_.constData();
+            EXPECT_TRUE(terminal_.exitCode() == 0 || log.readAll().contains("database: "))
+                << said_.constData();
+        }
+        runTool({u"check"_s, u"--device"_s, device()});
+        const QStringList found = rows();
+        const auto reached = std::find(states_.cbegin() + done, states_.cend(), found);
+        if (reached == states_.cend()) {
+            count(found, states_[done]);
+        } else {
+            done = reached - states_.cbegin();
+        }
+        ASSERT_FALSE(HasFailure()) << said_.constData();
+    }
+    report("storage", run);
+}
+
+}  // namespace
