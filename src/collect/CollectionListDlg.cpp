@@ -77,7 +77,8 @@ void CCollectionListDlg::deleteChosen() {
         ui::message(u"삭제할 전표를 선택하세요!"_s);
         return;
     }
-    app::removeCollections(app::session().WorkDate, app::session().action.JunNo);
+    if (!app::removeCollections(app::session().WorkDate, app::session().action.JunNo))
+        ui::message(u"입금전표를 삭제하지 못했습니다..!"_s);
     fill();
 }
 

@@ -113,8 +113,7 @@ class StorageFaultTest : public testing::Test {
                                    {u"GCode", u"0016"},
                                    {u"JunNo", kNumber},
                                    {u"NBox", table == u"YTM" ? u"1" : u"2"}});
-        device_.execute(u"UPDATE MTM SET UserID = 'A'; "_s);
-        device_.execute(u"UPDATE YTM SET UserID = 'A'"_s);
+        device_.execute(u"UPDATE MTM SET UserID = 'A'; UPDATE YTM SET UserID = 'A'"_s);
         app::saveCollection(collection(50000));
         app::JournalPayment payment;
         payment.number = kPayment;
