@@ -61,7 +61,7 @@ const Change kChanges[] = {
     {"save a slip", [] { return sales::saveSlip(kUser, kDate, kNumber) == sales::SaveOutcome::Saved; }},
     {"delete a slip and what hangs on it", [] { return sales::deleteSlip(kDate, kNumber, true); }},
     {"save a container slip",
-     [] { return container::saveSlip(kUser, kDate, kNumber) == container::SaveOutcome::Saved; }},
+     [] { return container::saveSlip(kUser, kDate, kNumber, u"0016") == container::SaveOutcome::Saved; }},
     {"delete a container slip", [] { return container::deleteSlip(kDate, kNumber).has_value(); }},
     {"save a collection", [] { return app::saveCollection(collection(100000)); }},
     {"delete a collection", [] { return app::removeCollection(kDate, kNumber, kUser); }},

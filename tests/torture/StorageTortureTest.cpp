@@ -227,6 +227,7 @@ TEST_F(StorageTorture, EverySlipIsAsItWasOrAsItIs) {
         const int part = int(std::size(kChanges)) / 3;
         int delayUs = 0;
         const bool isFault = any(4) == 0;
+        plan_->hits = 0;
         QString steps = script(done);
         if (isFault) {
             const StorageFault fault = kFaults[any(int(std::size(kFaults)))];
