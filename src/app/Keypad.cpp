@@ -1,8 +1,10 @@
 #include "app/Keypad.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/Wipe.h"
+#include "platform/Won.h"
 
 namespace app {
 
@@ -34,9 +36,13 @@ Keypad::~Keypad() {
     }
 }
 
+void Keypad::show(Field* field, QString display) {
+    platform::wipe(&field->display);
+    field->display = std::move(display);
+}
+
 void Keypad::textChanged(Field* field) {
-    field->number = parseWon(field->text);
-    field->display = mode_ == kTextField ? ownCopy(field->text) : groupThousands(field->number);
+    show(field, mode_ == kTextField ? ownCopy(field->text) : groupThousands(parseWon(field->text)));
 }
 
 void Keypad::append(const QString& digits) {
@@ -48,26 +54,25 @@ void Keypad::minus() {
     Field& field = active();
     if (mode_ == kTextField) {
         field.text.prepend(u'-');
-        field.display = ownCopy(field.text);
+        show(&field, ownCopy(field.text));
         return;
     }
-    field.number = -field.number;
-    field.text = formatWon(field.number);
-    field.display = groupThousands(field.number);
+    const platform::Won negated = -parseWon(field.text);
+    field.text = formatWon(negated);
+    show(&field, groupThousands(negated));
 }
 
 void Keypad::erase(int field) {
     Field& erased = fields_[size_t(field - 1)];
+    if (!erased.text.isEmpty()) erased.text.back() = u'0';  // The memory beyond a text's end is not wiped.
     erased.text.chop(1);
-    erased.number = parseWon(erased.text);
     // Also in the text mode the display shows a grouped number after erasing.
-    erased.display = groupThousands(erased.number);
+    show(&erased, groupThousands(parseWon(erased.text)));
 }
 
 void Keypad::clear() {
-    active().text.clear();
-    active().number = {};
-    active().display.clear();
+    platform::wipe(&active().text);
+    platform::wipe(&active().display);
 }
 
 void Keypad::secondClicked(bool secondChecked, bool thirdChecked) {

@@ -4,7 +4,6 @@
 #include <array>
 
 #include "app/KeypadRequest.h"
-#include "platform/Won.h"
 
 namespace app {
 
@@ -47,13 +46,14 @@ class Keypad {
   private:
     struct Field {
         QString text;
-        platform::Won number;
         QString display;
         QString saved;
     };
 
     Field& active() { return fields_[size_t(active_ - 1)]; }
     void textChanged(Field* field);
+    /// Overwrites what was displayed: it may have been a password.
+    static void show(Field* field, QString display);
 
     int mode_;
     int active_ = 1;
