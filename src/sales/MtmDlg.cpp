@@ -329,10 +329,8 @@ bool CMtmDlg::save() {
     const app::SessionValues& session = app::session();
     const SaveOutcome outcome = saveSlip(session.UserID, session.WorkDate, session.action.JunNo);
     if (outcome == SaveOutcome::Empty) ui::message(u"주문서에 등록된 상품이 없습니다..!"_s);
-    if (outcome == SaveOutcome::Failed) {
-        ui::message(u"주문서를 저장하지 못했습니다..!"_s);
-        return false;
-    }
+    // No word about one that failed: the log has it, and "저장됨" does not show.
+    if (outcome == SaveOutcome::Failed) return false;
     hasUnsavedLines_ = false;
     savedMark_->setText(outcome == SaveOutcome::Saved ? u"저장됨"_s : QString());
     return true;
@@ -345,7 +343,10 @@ void CMtmDlg::finish() {
         return;
     }
     // What is paid and printed is the saved slip, so what is on screen is saved on the way there.
-    if (hasUnsavedLines_ && !save()) return;
+    if (hasUnsavedLines_ && !save()) {
+        ui::message(u"주문서를 저장하지 못했습니다..!"_s);
+        return;
+    }
 
     int next = app::dialogs::kCollectionEntry;
     if (session.UserField4 == u"N") next = app::dialogs::kContainerDeposit;
