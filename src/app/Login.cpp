@@ -3,6 +3,7 @@
 #include <QFile>
 #include <algorithm>
 
+#include "app/PaymentJournal.h"
 #include "app/Session.h"
 #include "db/Query.h"
 #include "platform/CodePage.h"
@@ -82,7 +83,7 @@ QString defaultUserId() {
 QString nextSimplePaymentNumber(QStringView workDate) {
     const auto highest = db::firstRow(kSelectHighestCollection(workDate));
     const Won next = highest ? parseWon(highest->value(0)) + Won(1) : Won();
-    return formatWon(next >= kThreshold ? next : kThreshold + Won(1));
+    return formatWon(skipUnsettledNumbers(workDate, next >= kThreshold ? next : kThreshold + Won(1)));
 }
 
 }  // namespace app

@@ -22,7 +22,7 @@ void loadCompany();
 QString defaultUserId();
 
 /// The number of the next simple-payment slip of the day: one above the highest collection slip when that
-/// makes 7000 or more, else "7001".
+/// makes 7000 or more, else "7001"; numbers of unsettled payments are skipped.
 QString nextSimplePaymentNumber(QStringView workDate);
 
 }  // namespace app

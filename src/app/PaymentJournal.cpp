@@ -26,6 +26,14 @@ constexpr db::Statement<
     kOfSlip;
 // An empty date leaves the condition on it out.
 constexpr db::Statement<u"SELECT * FROM PAYJOURNAL WHERE '%s' = '' OR DDate = '%s' ORDER BY rowid"> kOfDay;
+constexpr db::Statement<
+    u"SELECT Number FROM PAYJOURNAL WHERE DDate = '%s' AND UserID = '%s' AND Gubun = '단순결제' "
+    u"AND (State = 'sent' OR State = 'unknown')">
+    kUnsettledSimple;
+constexpr db::Statement<
+    u"SELECT Number FROM PAYJOURNAL WHERE DDate = '%s' AND JunNo = '%s' AND (State = 'sent' OR State = "
+    u"'unknown')">
+    kUnsettledNumber;
 constexpr db::Statement<u"SELECT Number FROM PAYJOURNAL ORDER BY rowid DESC"> kNewest;
 constexpr db::Statement<u"SELECT Number FROM PAYJOURNAL WHERE BANKTRANNO = '%s'"> kByTransaction;
 constexpr db::Statement<u"UPDATE PAYJOURNAL SET State = '%s', SettledAt = '%s' WHERE Number = '%s'"> kSettle;
@@ -144,6 +152,15 @@ std::optional<JournalPayment> lastPayment(QStringView date, QStringView junNo, Q
 bool hasUnsettledPayment(QStringView date, QStringView junNo, QStringView userId) {
     const auto found = payments(kOfSlip(date, junNo, userId)).value_or(QList<JournalPayment>());
     return std::ranges::any_of(found, &JournalPayment::isUnsettled);
+}
+
+bool hasUnsettledSimplePayment(QStringView date, QStringView userId) {
+    return db::hasRow(kUnsettledSimple(date, userId));
+}
+
+platform::Won skipUnsettledNumbers(QStringView date, platform::Won number) {
+    while (db::hasRow(kUnsettledNumber(date, platform::formatWon(number)))) number += platform::Won(1);
+    return number;
 }
 
 std::optional<QList<JournalPayment>> journalPayments(QStringView date) {

@@ -69,6 +69,12 @@ bool hasUnsettledPayments();
 /// The newest payment of the slip of that date, number and user; nothing without one.
 std::optional<JournalPayment> lastPayment(QStringView date, QStringView junNo, QStringView userId);
 bool hasUnsettledPayment(QStringView date, QStringView junNo, QStringView userId);
+/// The same for the user's simple payments of that date, whatever their numbers.
+bool hasUnsettledSimplePayment(QStringView date, QStringView userId);
+
+/// The first number from `number` on that no unsettled payment of that date has: one that may yet be found
+/// approved keeps its number, though no collection slip shows it.
+platform::Won skipUnsettledNumbers(QStringView date, platform::Won number);
 
 /// All payments of slips of that date in the order of their sending; an empty date stands for all. Nothing
 /// when they could not be read to the end.

@@ -276,6 +276,14 @@ bool CCollectionEntryDlg::isPaymentSettled() {
     }
     const auto last = app::lastPayment(session.WorkDate, session.action.JunNo, session.UserID);
     if (!last || last->state != app::PaymentState::Approved) return true;
+    const app::SettlementAmounts paid = last->slip.amounts();
+    if (paid.total != amounts_.total || paid.containerRecovery != amounts_.containerRecovery) {
+        // The slip was changed meanwhile: what it is worth more is unpaid, which the screen has to show
+        // first.
+        load();
+        showAmounts();
+        return false;
+    }
     // The visit is paid already, by what the card was charged then.
     session.SlipDone = 1;
     close(Accepted);

@@ -77,8 +77,8 @@ void CCollectionListDlg::deleteChosen() {
         ui::message(u"삭제할 전표를 선택하세요!"_s);
         return;
     }
-    if (!app::removeCollections(app::session().WorkDate, app::session().action.JunNo))
-        ui::message(u"입금전표를 삭제하지 못했습니다..!"_s);
+    // No word about one that could not be deleted: the list still shows it.
+    app::removeCollections(app::session().WorkDate, app::session().action.JunNo);
     fill();
 }
 

@@ -83,9 +83,9 @@ void CContainerListDlg::deleteChosen() {
         return;
     }
     const auto takenBack = deleteSlip(session.WorkDate, session.action.JunNo);
-    if (!takenBack) {
-        ui::message(u"용공회수 전표를 삭제하지 못했습니다..!"_s);
-    } else if (!takenBack->isZero()) {
+    // No word about one that could not be deleted: the list still shows it. The credit for the containers
+    // goes with their slip.
+    if (takenBack && !takenBack->isZero()) {
         ui::message(u"입금전표의 용공회수액 ['%1'원]을 취소하였습니다..!"_s.arg(
             platform::groupDigits(platform::formatWon(*takenBack))));
     }

@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include "app/PaymentJournal.h"
+#include "app/Session.h"
 #include "db/Query.h"
 #include "db/Statement.h"
 #include "platform/Won.h"
@@ -46,6 +48,7 @@ std::optional<QString> nextSlipNumber(int workMode, QStringView workDate) {
             // One below the start still counts: a highest number of "4999" gives "5000".
             if (following >= Won(range.start - 1)) next = following;
         }
+        if (workMode == app::kCollectionWork) next = app::skipUnsettledNumbers(workDate, next);
         return platform::formatWon(next);
     }
     return std::nullopt;

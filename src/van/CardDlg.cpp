@@ -34,6 +34,7 @@ using platform::Won;
 constexpr db::Statement<u"SELECT GName,Sno,Gupju, Juso  FROM GARAE WHERE GCODE = '%s'  "> kSelectCustomer;
 
 constexpr QStringView kApproved = u"0000";
+constexpr QStringView kHostDisturbed = u"0098";
 constexpr qsizetype kPasswordLength = 4;
 
 bool isVisit() {
@@ -160,29 +161,28 @@ void CCardDlg::cardSwiped() {
     }
     isBusyWithCard_ = true;
     const bool isFree = app::session().WorkMode == app::kBalanceInquiry || isPaymentFree();
-    if (isFree) askPassword();
+    const bool isEntered = isFree && app::askText(u"패스워드"_s);
+    // A refusal that is on the screen swallows no card.
     isBusyWithCard_ = false;
+    if (isFree) takePassword(isEntered);
 }
 
 bool CCardDlg::isPaymentFree() {
-    app::TransactionRecord& record = app::transactionRecord();
-    app::SlipIdentity& slip = record.slip;
-    if (!app::hasUnsettledPayment(slip.date, slip.junNo, slip.userId)) return true;
+    const app::SlipIdentity& slip = app::transactionRecord().slip;
+    // Each simple payment has a number of its own, but one without an answer may be this very customer's.
+    const auto isUnsettled = [&] {
+        return app::hasUnsettledPayment(slip.date, slip.junNo, slip.userId) ||
+               (app::session().WorkMode == app::kSimplePayment &&
+                app::hasUnsettledSimplePayment(slip.date, slip.userId));
+    };
+    if (!isUnsettled()) return true;
     ui::runScreen(app::dialogs::kPaymentCheck);
-    if (app::hasUnsettledPayment(slip.date, slip.junNo, slip.userId)) {
+    if (isUnsettled()) {
         ui::message(app::kPaymentUnsettled.toString());
         return false;
     }
     const auto last = app::lastPayment(slip.date, slip.junNo, slip.userId);
     isApproved_ = last && last->state == app::PaymentState::Approved;
-    // The number of a simple payment is given anew until one is approved: what was found may be another's.
-    if (isApproved_ && app::session().WorkMode == app::kSimplePayment &&
-        (last->slip.GCode != slip.gCode ||
-         last->charged != record.amounts.total - record.amounts.containerRecovery)) {
-        slip.junNo = app::nextSimplePaymentNumber(slip.date);
-        app::session().action.JunNo = slip.junNo;
-        isApproved_ = false;
-    }
     if (isApproved_) {
         picture_->hide();
         ReaderEnable(false);
@@ -190,9 +190,8 @@ bool CCardDlg::isPaymentFree() {
     return !isApproved_;
 }
 
-void CCardDlg::askPassword() {
+void CCardDlg::takePassword(bool isEntered) {
     app::TransactionRecord& record = app::transactionRecord();
-    const bool isEntered = app::askText(u"패스워드"_s);
     const qsizetype length = app::keypadRequest().KeypadValue1.size();
     if (isEntered && length == kPasswordLength)
         record.password.assign(QStringView(app::keypadRequest().KeypadValue1));
@@ -262,7 +261,9 @@ app::JournalPayment CCardDlg::journalPayment(const QString& number) const {
 
 void CCardDlg::settleUnapproved() {
     if (paymentNumber_.isEmpty()) return;
-    const bool isAnswered = !app::transactionRecord().reply.responseCode.isEmpty();
+    // A host that could not keep its decision may have it on disk all the same.
+    const QString& code = app::transactionRecord().reply.responseCode;
+    const bool isAnswered = !code.isEmpty() && code != kHostDisturbed;
     const bool hasSent = component_.component().hasSent();
     app::settlePayment(paymentNumber_, isAnswered ? app::PaymentState::Refused
                                        : hasSent  ? app::PaymentState::Unknown
@@ -321,11 +322,13 @@ void CCardDlg::paymentApproved() {
     // Looked up before the approval makes the slip "결제", which would pass for printed.
     const app::SlipIdentity& slip = app::transactionRecord().slip;
     const print::SlipPapers papers(slip.date, slip.junNo, slip.userId);
-    // The approval is on disk before anything prints.
+    // The approval is on disk before the slip prints.
     if (!recordApproval()) {
         const QString number = app::transactionRecord().reply.transactionNumber;
         platform::trace(u"the approval %1 could not be saved"_s.arg(number));
         ui::message(u"승인되었으나 전표에 저장하지 못했습니다..! 거래번호 : %1"_s.arg(number));
+        // The next question about the payment puts it on its slip and offers the print.
+        if (isVisit()) return;
     }
     if (isVisit()) {
         printCopies(papers);
@@ -407,6 +410,8 @@ void CCardDlg::tellOpenPayment() const {
 
 void CCardDlg::goBack() {
     if (log_->isExchanging()) return;
+    // No card any more, also not while a message is read: the collection may be gone.
+    ReaderEnable(false);
     const app::SlipIdentity& slip = app::transactionRecord().slip;
     // A card payment that was not approved has not been made: its collection is taken back.
     if (isVisit() && !isApproved_ && app::transactionRecord().amounts.card > Won()) {
@@ -434,6 +439,7 @@ void CCardDlg::finish() {
     } else if (mode == app::kSimplePayment) {
         close(Accepted);
     } else {
+        ReaderEnable(false);
         tellOpenPayment();
         closeAndOpen(app::dialogs::kSlipPrinting);
     }

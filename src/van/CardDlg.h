@@ -52,7 +52,8 @@ class CCardDlg : public ui::Screen {
     void settleUnapproved();
     /// False when this slip is paid already, or when it is open whether it is.
     bool isPaymentFree();
-    void askPassword();
+    /// Sends the request, or tells why what the keypad gave is no password.
+    void takePassword(bool isEntered);
     /// Tells, when it is so, that a payment of this dialog was not answered.
     void tellOpenPayment() const;
     void goBack();
