@@ -116,22 +116,20 @@ class RowDelegate : public QStyledItemDelegate {
     const QTableView& list_;
 };
 
-/// The palette of all lists. The style keeps a picture of each title under its palette's number: with a
-/// palette of its own, every list that is opened would add them once more, until the cache is full of them.
-const QPalette& colours() {
-    static const QPalette shared = [] {
-        QPalette made(Qt::white);
-        // The chosen row stays visible when the focus moves on to a button.
-        made.setColor(QPalette::Active, QPalette::Highlight, kSelection);
-        made.setColor(QPalette::Inactive, QPalette::Highlight, kSelection);
-        made.setColor(QPalette::HighlightedText, Qt::white);
-        made.setColor(QPalette::Mid, kGrid);
-        // Nothing is inherited, so it stays this very one.
-        made.setResolveMask(~QPalette::ResolveMask(0));
-        return made;
-    }();
-    return shared;
-}
+/// The style keeps a picture of each title under the number of its palette. With a palette of each list's
+/// own, every list that is opened would add them once more.
+class Titles : public QHeaderView {
+  public:
+    explicit Titles(QWidget* list) : QHeaderView(Qt::Horizontal, list) {}
+
+  protected:
+    void initStyleOptionForIndex(QStyleOptionHeader* option, int column) const override {
+        QHeaderView::initStyleOptionForIndex(option, column);
+        static const QPalette shared = option->palette;
+        option->palette = shared;
+        option->palette.setCurrentColorGroup(palette().currentColorGroup());
+    }
+};
 
 }  // namespace
 
@@ -191,6 +189,7 @@ ReportList::ReportList(QWidget* parent) : QTableView(parent), model_(new RowsMod
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     verticalHeader()->setMinimumSectionSize(kRowHeight);
     verticalHeader()->setDefaultSectionSize(kRowHeight);
+    setHorizontalHeader(new Titles(this));
     horizontalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     horizontalHeader()->setMinimumSectionSize(1);
     horizontalHeader()->setFixedHeight(kHeaderHeight);
@@ -198,8 +197,13 @@ ReportList::ReportList(QWidget* parent) : QTableView(parent), model_(new RowsMod
     horizontalHeader()->setHighlightSections(false);
     horizontalHeader()->setSectionsClickable(false);
 
-    setPalette(colours());
-    horizontalHeader()->setPalette(colours());
+    QPalette colours = palette();
+    // The chosen row stays visible when the focus moves on to a button.
+    colours.setColor(QPalette::Active, QPalette::Highlight, kSelection);
+    colours.setColor(QPalette::Inactive, QPalette::Highlight, kSelection);
+    colours.setColor(QPalette::HighlightedText, Qt::white);
+    colours.setColor(QPalette::Mid, kGrid);
+    setPalette(colours);
 
     new FlickScroll(this);
     connect(this, &QTableView::clicked, this,
