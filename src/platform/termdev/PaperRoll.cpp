@@ -47,12 +47,17 @@ bool writeText(const QList<PaperLine>& lines, qint64 limit) {
            file.write(bytes) == bytes.size() && file.flush();
 }
 
-bool writePicture(QList<PaperLine> lines) {
-    // Of a long time's paper no more is painted than is kept.
+/// Of a long time's paper no more waits than the picture keeps.
+void keepEnd(QList<PaperLine>* lines) {
     int height = 0;
-    qsizetype first = lines.size();
-    while (first > 0 && height < kRollDots) height += lines[--first].dots();
-    lines.remove(0, first);
+    qsizetype first = lines->size();
+    while (first > 0 && height < kRollDots) height += (*lines)[--first].dots();
+    lines->remove(0, first);
+}
+
+bool writePicture(const QList<PaperLine>& lines) {
+    int height = 0;
+    for (const PaperLine& line : lines) height += line.dots();
     const QImage before = height < kRollDots ? QImage(pictureFile()) : QImage();
     const int start = before.width() == kPaperDots ? before.height() : 0;
     height += start;
@@ -112,6 +117,7 @@ bool PaperRoll::putOut(const QList<PaperLine>& lines) {
     if (!isTextWritten) trace(u"the paper roll's text could not be written");
     if (hasFonts()) {
         undrawn_ += lines;
+        keepEnd(&undrawn_);
         if (!drawing_.isActive()) drawing_.start();
     }
     // The text is the paper: a job that is in it must not come out again for a picture's sake.
