@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QPixmapCache>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <algorithm>
@@ -48,8 +49,7 @@ constexpr double kMebibyte = 1024 * 1024;
 qint64 objects = 0;
 
 /// What the process holds. Bytes in use tell a leak before the allocator asks for more, resident ones also
-/// what it cannot give back. SQLite's page cache is bounded and takes weeks to fill, so it counts as resident
-/// only.
+/// what it cannot give back. SQLite's page cache is bounded and takes weeks to fill, so both leave it out.
 constexpr const char* kHeld[] = {"MiB in use", "MiB resident", "files", "objects", "statements"};
 constexpr std::size_t kMemories = 2;
 using Holdings = std::array<double, std::size(kHeld)>;
@@ -68,7 +68,7 @@ Holdings holdings() {
     const double pages =
         status.open(QIODevice::ReadOnly) ? status.readAll().split(' ').value(1).toDouble() : 0;
     return {(double(memory.uordblks + memory.hblkhd) - cached) / kMebibyte,
-            pages * double(::sysconf(_SC_PAGESIZE)) / kMebibyte,
+            (pages * double(::sysconf(_SC_PAGESIZE)) - cached) / kMebibyte,
             double(QDir(u"/proc/self/fd"_s).entryList(QDir::AllEntries | QDir::System).size()),
             double(objects), double(statements)};
 }
@@ -197,8 +197,12 @@ int main(int argc, char* argv[]) {
     time.start();
     QTimer::singleShot(0, &terminal, [&] {
         player.start();
-        // Each salesman leaves the terminal to the next one.
-        while (!isOver && player.failure().isEmpty()) app::CRovanaApp().run();
+        // Each salesman leaves the terminal to the next one. A program that ended would take the style's
+        // pictures of its login along.
+        while (!isOver && player.failure().isEmpty()) {
+            app::CRovanaApp().run();
+            QPixmapCache::clear();
+        }
         QCoreApplication::quit();
     });
     QApplication::exec();
