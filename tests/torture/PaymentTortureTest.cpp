@@ -1,6 +1,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <QScopeGuard>
 #include <algorithm>
 #include <map>
 
@@ -165,6 +166,7 @@ TEST_F(PaymentTorture, EverySlipIsPaidOnceAsTheHostHasCharged) {
     copyDevice(device(), fresh);
 
     int run = 0;
+    const auto tell = qScopeGuard([&] { report("payments", run); });
     for (; goesOn(run, kRuns, kFewestRuns); ++run) {
         random_.seed(seed_ + unsigned(run));
         const Kind& kind = kKinds[any(int(std::size(kKinds)))];
@@ -243,7 +245,6 @@ TEST_F(PaymentTorture, EverySlipIsPaidOnceAsTheHostHasCharged) {
     QString faults;
     for (const auto& [fault, times] : faults_) faults += u" %1 %2,"_s.arg(fault).arg(times);
     std::printf("faults of the host:%s\n", qPrintable(faults));
-    report("payments", run);
 }
 
 }  // namespace
