@@ -17,8 +17,8 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 using test::StorageFault;
 
-constexpr int kRuns = 40;
-constexpr int kFewestRuns = 12;  ///< On a slow machine.
+constexpr int kKills = 40;
+constexpr int kFewestKills = 12;  ///< On a slow machine.
 constexpr int kUncounted = 1'000'000;
 
 const QString kHead = u"clock 2026-11-21 09:05\nlogin A 1111\nexpect shown 102.1044\n"_s;
@@ -225,7 +225,7 @@ TEST_F(StorageTorture, EverySlipIsAsItWasOrAsItIs) {
     int run = 0;
     const auto tell = qScopeGuard([&] { report("storage", run); });
     qsizetype done = std::ssize(kChanges);
-    for (; goesOn(run, kRuns, kFewestRuns); ++run) {
+    for (; goesOn(kills_, kKills, kFewestKills); ++run) {
         random_.seed(seed_ + unsigned(run));
         if (done == std::ssize(kChanges)) {
             importAll();
