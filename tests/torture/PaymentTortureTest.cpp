@@ -86,15 +86,15 @@ class PaymentTorture : public test::TortureTest {
     }
 
     /// Another value whenever terminal or host may have changed their files.
-    qint64 stateOfFiles() const {
-        qint64 state = 0;
+    quint64 stateOfFiles() const {
+        quint64 state = 0;
         for (const QString& file :
              {device() + u"/My Documents/rvnclient.cdb"_s, device() + u"/My Documents/rvnclient.cdb-wal"_s,
               hostFolder() + u"/ledger.db"_s, hostFolder() + u"/ledger.db-wal"_s}) {
             struct stat status {};
             ::stat(file.toUtf8().constData(), &status);
-            state =
-                state * 31 + status.st_size + status.st_mtim.tv_nsec + status.st_mtim.tv_sec * 1'000'000'000;
+            for (const auto part : {status.st_size, status.st_mtim.tv_nsec, status.st_mtim.tv_sec})
+                state = state * 31 + quint64(part);
         }
         return state;
     }
@@ -116,7 +116,7 @@ class PaymentTorture : public test::TortureTest {
             }
         };
         const QString before = watched();
-        qint64 state = stateOfFiles();
+        quint64 state = stateOfFiles();
         qint64 changedMs = kStartMs;
         QElapsedTimer elapsed;
         elapsed.start();
