@@ -48,8 +48,10 @@ const QString kChanges[] = {
     // The day's close.
     u"press 102.1053 457.1024\nkeys 85000 ok\npress 458.1003 457.1003\n"_s,
     // Deleted: a collection, containers, and a slip with what hangs on it.
-    u"press 102.1045\nrow 150.1054 =6001\npress 150.1001\nanswer ok\npress 150.1003\n"_s,
-    u"press 102.1046\nrow 391.1054 =6001\npress 391.1001\nanswer ok\npress 391.1003\n"_s,
+    u"press 102.1045\nrow 150.1054 =6001\npress 150.1001\nanswer ok\nexpect rows 150.1054 1\n"
+    "press 150.1003\n"_s,
+    u"press 102.1046\nrow 391.1054 =6001\npress 391.1001\nanswer ok\nexpect rows 391.1054 0\n"
+    "press 391.1003\n"_s,
     u"press 102.1044\nrow 132.1054 =강나루마트\npress 132.1001\nanswer ok\nanswer ok\npress 132.1003\n"_s,
 };
 
