@@ -342,7 +342,8 @@ TEST_F(Printers, ANetworkPrinterMayStopAndBreakOff) {
         EXPECT_TRUE(test::pump([&] { return !printer.read(false).isEmpty(); }));
         printer.breakOff();
     }
-    EXPECT_GE(breaking.elapsed(), 20 + 40 + 80 + 80);
+    // A timer may fire a twentieth early. Without growing pauses it would be 80.
+    EXPECT_GE(breaking.elapsed(), (20 + 40 + 80 + 80) * 9 / 10);
 }
 
 TEST_F(Printers, JobsOutliveTheProgram) {
