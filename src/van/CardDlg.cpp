@@ -6,7 +6,6 @@
 #include "app/CollectionSlip.h"
 #include "app/Dialogs.h"
 #include "app/KeypadRequest.h"
-#include "app/Login.h"
 #include "app/Session.h"
 #include "db/Health.h"
 #include "db/Query.h"
