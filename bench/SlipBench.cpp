@@ -11,11 +11,11 @@
 
 #include "Bench.h"
 #include "Folder.h"
+#include "books/SlipNumbers.h"
 #include "sales/CustomerQuery.h"
 #include "sales/Pricing.h"
 #include "sales/ProductQuery.h"
 #include "sales/SlipLine.h"
-#include "sales/SlipNumber.h"
 #include "sales/SlipStore.h"
 #include "sales/WorkingSlip.h"
 
@@ -107,8 +107,8 @@ void check(bool isRight, const char* what) {
 /// One visit to a customer without a slip on the day; the number of the slip that it leaves.
 QString writeSlip() {
     const QString gcode = customerCode(kCustomers - 1);
-    check(!sales::customerHasSlip(kDay, gcode), "the customer has a slip already");
-    const QString junNo = sales::nextSlipNumber(kSalesWork, kDay).value_or(QString());
+    check(!books::customerHasSlip(kDay, gcode), "the customer has a slip already");
+    const QString junNo = books::nextSlipNumber(kSalesWork, kDay).value_or(QString());
     check(sales::openSlip(kSalesman, kDay, junNo).value().lines.isEmpty(), "a new slip is not empty");
     const QString kind = sales::customerAccount(gcode).Gubun;
     for (int i = 0; i < kLines; ++i) {

@@ -1,17 +1,22 @@
 # Reads every source file and checks the includes against the plan of the folders. Prints file:line: finding.
 
 BEGIN {
-    # A file includes its own folder and what is lower. Folders of the same height do not know each other, but for the exceptions below.
-    height["platform"] = 1
-    height["db"] = 2
-    height["ui"] = 3
-    height["app"] = 4
-    height["print"] = 5
-    height["sales"] = height["collect"] = height["van"] = height["container"] = height["totals"] = WORK = 6
+    # What a room may include besides itself. The rules of a work, and of print, know no widget; their screens/ stand above.
+    may["platform"] = " "
+    may["db"] = " platform "
+    may["books"] = may["db"] "db "
+    may["print"] = may["books"] "books "
+    may["ui"] = " platform "
+    may["app"] = may["books"] "books ui "
+    split("sales collect van container totals", works, " ")
+    for (i in works) {
+        may[works[i]] = may["print"] "print "
+        may[works[i] "/screens"] = may["app"] "app print " works[i] " "
+    }
+    may["print/screens"] = may["app"] "app print "
     # The end of the day asks the card host for its sums, through the exchange that the card work has.
-    may["totals van"] = 1
-    height["desk"] = 7
-    ROOF = 8
+    may["totals/screens"] = may["totals/screens"] "van van/screens "
+    may["desk"] = may["app"] "app print "
     for (i = 1; i < ARGC; i++) known[ARGV[i]] = 1
     findings = 0
 }
@@ -57,10 +62,6 @@ line ~ /^[ \t]*#[ \t]*include[ \t]*"/ {
     into[n] = resolve(FILENAME, name)
 }
 
-# A dialog is a class that is built on another one named a dialog: class CFooDlg : public ui::FullScreenDialog.
-FILENAME ~ /\.h$/ && line ~ /^[ \t]*class[ \t].*:[ \t]*public[ \t].*(Dialog|Dlg)/ { holds_dialog[FILENAME] = 1 }
-FILENAME ~ /(Dlg|Dialog)\.h$/ { holds_dialog[FILENAME] = 1 }
-
 END {
     for (n = 1; n <= includes; n++) arrow(n)
     for (n = 1; n <= includes; n++)
@@ -94,13 +95,13 @@ function tidy(path) {
     return path
 }
 
-# src/<folder>/... -> folder; src/Screens.cpp -> ""
-function folder_of(path,   parts) {
+# src/<folder>/... -> folder, src/<folder>/screens/... -> folder/screens, src/Screens.cpp -> ""
+function room_of(path,   parts) {
     if (split(path, parts, "/") < 3) return ""
-    return parts[2]
+    return parts[3] == "screens" ? parts[2] "/screens" : parts[2]
 }
 
-function arrow(n,   a, b, ha, hb) {
+function arrow(n,   a, b) {
     b = into[n]
     if (b == "") return
     if (from[n] ~ /^src\// && b !~ /^src\//) {
@@ -109,29 +110,14 @@ function arrow(n,   a, b, ha, hb) {
     }
     if (from[n] ~ /^tools\// && b ~ /^(tests|bench)\//)
         say(from[n], at[n], "tools include nothing of " substr(b, 1, index(b, "/")) ": \"" text[n] "\"")
-    if (b !~ /^src\//) return
-    b = folder_of(b)
-    hb = b == "" ? ROOF : height[b]
-    if (from[n] ~ /^src\//) {
-        a = folder_of(from[n])
-        ha = a == "" ? ROOF : height[a]
-        if (ha == 0) {
-            say(from[n], at[n], "src/" a "/ has no place in the plan of the folders")
-            return
-        }
-        if ((a " " b) in may) ha = WORK + 0.5
-        if (a != b && ha == WORK && hb == WORK) {
-            say(from[n], at[n], "the work folders do not know each other: " a " -> " b ": \"" text[n] "\"")
-            return
-        }
-        if (a != b && ha <= hb) {
-            say(from[n], at[n], "against the arrows: " a " -> " (b == "" ? "roof" : b) ": \"" text[n] "\"")
-            return
-        }
-        if (a == b) return
-    }
-    if (hb == WORK && holds_dialog[into[n]] && from[n] !~ /^tests\// && from[n] != "src/Screens.cpp")
-        say(from[n], at[n], "only src/Screens.cpp includes the dialogs of the work folders: \"" text[n] "\"")
+    if (from[n] !~ /^src\// || b !~ /^src\//) return
+    a = room_of(from[n])
+    b = room_of(b)
+    if (a == "" || a == b) return
+    if (!(a in may))
+        say(from[n], at[n], "src/" a "/ has no place in the plan of the folders")
+    else if (index(may[a], " " b " ") == 0)
+        say(from[n], at[n], "against the arrows: " a " -> " (b == "" ? "roof" : b) ": \"" text[n] "\"")
 }
 
 # Depth first; an include of a file that is still open closes a cycle.

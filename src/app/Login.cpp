@@ -3,33 +3,23 @@
 #include <QFile>
 #include <algorithm>
 
-#include "app/PaymentJournal.h"
 #include "app/Session.h"
 #include "db/Query.h"
 #include "platform/CodePage.h"
 #include "platform/Device.h"
 #include "platform/Wipe.h"
-#include "platform/Won.h"
 
 namespace app {
 namespace {
-
-using platform::formatWon;
-using platform::parseWon;
-using platform::Won;
 
 constexpr db::Statement<u"SELECT *  FROM PDAUSER WHERE userID = '%s' AND userPASS = '%s' "> kSelectUser;
 constexpr db::Statement<u"SELECT userNAME  FROM PDAUSER WHERE userID = '%s'"> kSelectUserName;
 constexpr db::Statement<
     u"SELECT sangho, sno, name, tel, fax, juso, calltel, cardid, cardpass, cardno FROM config">
     kSelectCompany;
-constexpr db::Statement<u"SELECT JunNo FROM MTMOK WHERE DDate = '%s' ORDER BY JunNo DESC ">
-    kSelectHighestCollection;
 
 /// SALE.ini is read in pieces of this many bytes, of which the last one counts.
 constexpr qint64 kSettingsPieceBytes = 32;
-
-constexpr Won kThreshold(7000);
 
 constexpr int kPasswordColumn = 1;
 
@@ -78,12 +68,6 @@ QString defaultUserId() {
     return platform::codepage::decode(
                QByteArrayView(last).first(std::min(last.size(), qsizetype{isDoubleByte ? 2 : 1})))
         .value_or(QString());
-}
-
-QString nextSimplePaymentNumber(QStringView workDate) {
-    const auto highest = db::firstRow(kSelectHighestCollection(workDate));
-    const Won next = highest ? parseWon(highest->value(0)) + Won(1) : Won();
-    return formatWon(skipUnsettledNumbers(workDate, next >= kThreshold ? next : kThreshold + Won(1)));
 }
 
 }  // namespace app

@@ -21,8 +21,4 @@ void loadCompany();
 /// file longer than 32 bytes only the last piece of 32 counts.
 QString defaultUserId();
 
-/// The number of the next simple-payment slip of the day: one above the highest collection slip when that
-/// makes 7000 or more, else "7001"; numbers of unsettled payments are skipped.
-QString nextSimplePaymentNumber(QStringView workDate);
-
 }  // namespace app

@@ -13,8 +13,9 @@
 #include "app/KeypadRequest.h"
 #include "app/Login.h"
 #include "app/LoginWait.h"
-#include "app/PaymentJournal.h"
 #include "app/Session.h"
+#include "books/PaymentJournal.h"
+#include "books/SlipNumbers.h"
 #include "db/ImportFile.h"
 #include "platform/Clock.h"
 #include "platform/Wipe.h"
@@ -204,7 +205,7 @@ void CRovanaDlg::answerLogin() {
     }
     if (session().ImportPending == u"Y") ui::runScreen(dialogs::kImport);
     // After the import, which brings the balances that a payment found approved then moves.
-    if (hasUnsettledPayments()) ui::runScreen(dialogs::kPaymentCheck);
+    if (books::hasUnsettledPayments()) ui::runScreen(dialogs::kPaymentCheck);
 }
 
 void CRovanaDlg::showMenu() {
@@ -255,7 +256,7 @@ void CRovanaDlg::runSimplePayment() {
         resetSession();
         session().action.GCode = u"XXXX"_s;
         session().action.GName = u"미등록"_s;
-        session().action.JunNo = nextSimplePaymentNumber(session().WorkDate);
+        session().action.JunNo = books::nextSimplePaymentNumber(session().WorkDate);
         session().SlipDone = 0;
         session().WorkMode = kSimplePayment;
         ui::runScreen(dialogs::kConsonantBoard);

@@ -1,10 +1,10 @@
 #include "collect/Settlement.h"
 
-#include "app/VatSplit.h"
+#include "books/VatSplit.h"
 
 namespace collect {
 
-using app::SettlementAmounts;
+using books::SettlementAmounts;
 using platform::Won;
 
 namespace {
@@ -42,7 +42,7 @@ void recomputeTotal(SettlementAmounts& amounts) {
 }
 
 Won keySales(SettlementAmounts& amounts, Won keyed) {
-    const app::VatSplit split = app::splitVat(keyed);
+    const books::VatSplit split = books::splitVat(keyed);
     amounts.sales = keyed;
     amounts.supply = split.supply;
     amounts.vat = split.vat;

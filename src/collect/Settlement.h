@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/Transaction.h"
+#include "books/TransactionRecord.h"
 #include "platform/Won.h"
 
 /// How a visit is settled between card, cash and credit. Amounts are won and may be negative; every rule
@@ -8,52 +8,53 @@
 namespace collect {
 
 /// total := sales + deposit. Non-liquor goods are not part of it.
-void recomputeTotal(app::SettlementAmounts& amounts);
+void recomputeTotal(books::SettlementAmounts& amounts);
 
-/// Keys one of the amounts of the sale. Sales gives supply and VAT (app::splitVat); supply and VAT give
+/// Keys one of the amounts of the sale. Sales gives supply and VAT (books::splitVat); supply and VAT give
 /// sales, their sum. Then the settlement follows as after keyRecovery with the recovery as it was: returns
 /// the excess of the recovery over the new total, 0 without one.
-platform::Won keySales(app::SettlementAmounts& amounts, platform::Won keyed);
-platform::Won keySupply(app::SettlementAmounts& amounts, platform::Won keyed);
-platform::Won keyVat(app::SettlementAmounts& amounts, platform::Won keyed);
+platform::Won keySales(books::SettlementAmounts& amounts, platform::Won keyed);
+platform::Won keySupply(books::SettlementAmounts& amounts, platform::Won keyed);
+platform::Won keyVat(books::SettlementAmounts& amounts, platform::Won keyed);
 
 /// Keys the non-liquor amount, which nothing else follows.
-void keyNonLiquor(app::SettlementAmounts& amounts, platform::Won keyed);
+void keyNonLiquor(books::SettlementAmounts& amounts, platform::Won keyed);
 
 /// Keys the container recovery. Cash, else card, takes what it leaves of the total; the rest stays unpaid.
 /// When it exceeds the total, the excess is returned (else 0), becomes the earlier receivable paid, and cash
 /// becomes minus the excess.
-platform::Won keyRecovery(app::SettlementAmounts& amounts, platform::Won keyed);
+platform::Won keyRecovery(books::SettlementAmounts& amounts, platform::Won keyed);
 
 /// Takes over the recovery of a container slip. One that is on the slip already changes nothing. Where
 /// nothing was sold (`isContainerWork`, total 0) it is set and nothing else, so that it comes off the
 /// customer's receivable; otherwise it counts as keyed: result as for keyRecovery. What the replaced one was
 /// booked as beyond the total goes first.
-platform::Won takeOverRecovery(app::SettlementAmounts& amounts, platform::Won recovery, bool isContainerWork);
+platform::Won takeOverRecovery(books::SettlementAmounts& amounts, platform::Won recovery,
+                               bool isContainerWork);
 
 /// Settles anew what was settled with a total of `before`, now that the sale has another one: what a recovery
 /// above that was booked as goes, one above the new total counts as keyed (result as for keyRecovery), else
 /// the difference is unpaid.
-platform::Won settleNewTotal(app::SettlementAmounts& amounts, platform::Won before);
+platform::Won settleNewTotal(books::SettlementAmounts& amounts, platform::Won before);
 
 /// Puts the card back to what it was charged. Cash, else the unpaid amount, takes the difference, below 0
 /// where too much was charged; a recovery above the total is then settled as if keyed.
-void holdCard(app::SettlementAmounts& amounts, platform::Won charged);
+void holdCard(books::SettlementAmounts& amounts, platform::Won charged);
 
 /// Settles what the recovery leaves of the total by card, in cash or on credit, and nothing of it otherwise.
 /// Where it leaves nothing, all three are 0 and the excess is paid against the earlier receivable.
-void settleByCard(app::SettlementAmounts& amounts);
-void settleInCash(app::SettlementAmounts& amounts);
-void settleOnCredit(app::SettlementAmounts& amounts);
+void settleByCard(books::SettlementAmounts& amounts);
+void settleInCash(books::SettlementAmounts& amounts);
+void settleOnCredit(books::SettlementAmounts& amounts);
 
 /// Keys the earlier receivable paid. It plays no part in the unpaid amount, which is recomputed.
-void keyEarlierReceivable(app::SettlementAmounts& amounts, platform::Won keyed);
+void keyEarlierReceivable(books::SettlementAmounts& amounts, platform::Won keyed);
 
 /// What the customer owes afterwards: previous receivable + total - (card + cash + recovery + earlier
 /// receivable paid).
-platform::Won resultingReceivable(const app::SettlementAmounts& amounts);
+platform::Won resultingReceivable(const books::SettlementAmounts& amounts);
 
 /// True when card, cash, earlier receivable paid, unpaid and recovery are all 0.
-bool nothingToSettle(const app::SettlementAmounts& amounts);
+bool nothingToSettle(const books::SettlementAmounts& amounts);
 
 }  // namespace collect

@@ -1,10 +1,10 @@
 #include "collect/SimplePayment.h"
 
-#include "app/VatSplit.h"
+#include "books/VatSplit.h"
 
 namespace collect {
 
-using app::SettlementAmounts;
+using books::SettlementAmounts;
 using platform::Won;
 
 namespace {
@@ -35,7 +35,7 @@ Won value(const SettlementAmounts& amounts, SimpleAmount which) {
 Won keySimpleAmount(SettlementAmounts& amounts, SimpleAmount which, Won keyed) {
     amount(amounts, which) = keyed;
     if (which == SimpleAmount::Sales) {
-        const app::VatSplit split = app::splitVat(keyed);
+        const books::VatSplit split = books::splitVat(keyed);
         amounts.supply = split.supply;
         amounts.vat = split.vat;
     } else if (which == SimpleAmount::Supply || which == SimpleAmount::Vat) {

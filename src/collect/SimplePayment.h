@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/Transaction.h"
+#include "books/TransactionRecord.h"
 #include "platform/Won.h"
 
 /// The amounts of a payment without a sales slip: sales = supply + VAT; total = sales + non-liquor -
@@ -11,10 +11,10 @@ namespace collect {
 enum class SimpleAmount { Sales, Supply, Vat, NonLiquor, Recovery };
 
 /// The value of that amount, in won.
-platform::Won value(const app::SettlementAmounts& amounts, SimpleAmount which);
+platform::Won value(const books::SettlementAmounts& amounts, SimpleAmount which);
 
-/// Keys one amount and recomputes the rest; sales gives supply and VAT (app::splitVat). A recovery above
+/// Keys one amount and recomputes the rest; sales gives supply and VAT (books::splitVat). A recovery above
 /// sales and non-liquor becomes 0, and what it was above them is returned, else 0.
-platform::Won keySimpleAmount(app::SettlementAmounts& amounts, SimpleAmount which, platform::Won keyed);
+platform::Won keySimpleAmount(books::SettlementAmounts& amounts, SimpleAmount which, platform::Won keyed);
 
 }  // namespace collect

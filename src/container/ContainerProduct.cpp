@@ -29,7 +29,7 @@ constexpr std::int64_t kMostBottles = 1'000'000;
 
 }  // namespace
 
-db::Rows containerProducts(QStringView seek) {
+platform::Rows containerProducts(QStringView seek) {
     return db::selectRows(seek.isEmpty() ? kAll(kMarks[0], kMarks[1]) : kBySeek(seek, kMarks[0], kMarks[1]),
                           4);
 }

@@ -5,13 +5,13 @@
 #include <optional>
 
 #include "container/ContainerLine.h"
-#include "db/Rows.h"
+#include "platform/Rows.h"
 
 namespace container {
 
 /// The products that are taken back as containers, names descending, in four columns: code, name, size, use.
 /// `seek` is the consonant of the name, or "00"; empty lists all.
-db::Rows containerProducts(QStringView seek);
+platform::Rows containerProducts(QStringView seek);
 
 bool productExists(QStringView pCode);
 

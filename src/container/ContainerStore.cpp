@@ -2,9 +2,9 @@
 
 #include <array>
 
-#include "app/CollectionSlip.h"
-#include "app/PrintLog.h"
-#include "app/ReusedNumber.h"
+#include "books/CollectionSlip.h"
+#include "books/PrintLog.h"
+#include "books/ReusedNumber.h"
 #include "db/Query.h"
 #include "db/Statement.h"
 #include "db/Transaction.h"
@@ -34,15 +34,15 @@ constexpr int kWorkingColumns = 13;
 
 SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo, QStringView gCode) {
     db::Transaction transaction;
-    if (!app::freeNumber(transaction, workDate, junNo, userId, gCode)) return SaveOutcome::Failed;
+    if (!books::freeNumber(transaction, workDate, junNo, userId, gCode)) return SaveOutcome::Failed;
     const auto saved = [&] { return db::selectRows(kSavedLines(workDate, junNo, userId), kWorkingColumns); };
-    const db::Rows before = saved();
+    const platform::Rows before = saved();
     // A slip without lines is none, and no collection is left with its worth.
-    if (!db::hasRow(kWorkingLines()) && !app::takeRecoveriesBack(transaction, workDate, junNo, userId)) {
+    if (!db::hasRow(kWorkingLines()) && !books::takeRecoveriesBack(transaction, workDate, junNo, userId)) {
         return SaveOutcome::Failed;
     }
     if (!transaction.run(kDeleteOwn(workDate, junNo, userId))) return SaveOutcome::Failed;
-    const db::Rows lines = db::selectRows(kWorkingLines(), kWorkingColumns);
+    const platform::Rows lines = db::selectRows(kWorkingLines(), kWorkingColumns);
     if (!lines.isComplete) return SaveOutcome::Failed;
     for (int row = 0; row < lines.count(); ++row) {
         std::array<QStringView, decltype(kInsert)::kValues> values;
@@ -54,15 +54,15 @@ SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo
     }
     // A slip that is saved as it was need not be printed again.
     if (saved().cells != before.cells &&
-        !app::forgetPrints(transaction, app::Paper::ContainerReceipt, workDate, junNo, userId)) {
+        !books::forgetPrints(transaction, books::Paper::ContainerReceipt, workDate, junNo, userId)) {
         return SaveOutcome::Failed;
     }
     if (!transaction.commit()) return SaveOutcome::Failed;
     return lines.isEmpty() ? SaveOutcome::Empty : SaveOutcome::Saved;
 }
 
-db::Rows slipsOfDay(QStringView userId, QStringView workDate) {
-    db::Rows slips{.columns = 3, .cells = {}};
+platform::Rows slipsOfDay(QStringView userId, QStringView workDate) {
+    platform::Rows slips{.columns = 3, .cells = {}};
     QString previous;
     db::forEachRow(kSlips(userId, workDate), [&](db::CVORecordset& row) {
         const QString junNo = row.GetFieldString(0);
@@ -76,9 +76,9 @@ db::Rows slipsOfDay(QStringView userId, QStringView workDate) {
 
 std::optional<platform::Won> deleteSlip(QStringView workDate, QStringView junNo) {
     db::Transaction transaction;
-    const auto takenBack = app::takeRecoveriesBack(transaction, workDate, junNo, {});
+    const auto takenBack = books::takeRecoveriesBack(transaction, workDate, junNo, {});
     const bool isDeleted = takenBack && transaction.run(kDeleteAll(junNo, workDate)) &&
-                           app::forgetPrints(transaction, app::Paper::ContainerReceipt, workDate, junNo);
+                           books::forgetPrints(transaction, books::Paper::ContainerReceipt, workDate, junNo);
     return isDeleted && transaction.commit() ? takenBack : std::nullopt;
 }
 

@@ -4,7 +4,7 @@
 #include <QStringView>
 #include <optional>
 
-#include "db/Rows.h"
+#include "platform/Rows.h"
 #include "platform/Won.h"
 
 /// The saved container slips, in `YTM`.
@@ -24,7 +24,7 @@ SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo
 
 /// The user's slips of the day, highest number first, one row for each: slip number, customer name, customer
 /// code.
-db::Rows slipsOfDay(QStringView userId, QStringView workDate);
+platform::Rows slipsOfDay(QStringView userId, QStringView workDate);
 
 /// Deletes the container slip of that number and date, whoever wrote it, and takes back what its collections
 /// have for it: that sum in won. Nothing, traced, when the database did not take it; all is as before then.

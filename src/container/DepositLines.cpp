@@ -2,8 +2,8 @@
 
 #include "container/WorkingContainers.h"
 #include "db/Query.h"
-#include "db/Rows.h"
 #include "db/Statement.h"
+#include "platform/Rows.h"
 
 namespace container {
 namespace {
@@ -25,7 +25,7 @@ QList<DepositLine> depositLines() {
         line.bottleDeposit = won(5);
         lines.append(line);
     });
-    const db::Rows returns = workingLines();
+    const platform::Rows returns = workingLines();
     for (int row = 0; row < returns.count(); ++row) {
         const ContainerKey key = keyAt(returns, row);
         const platform::Won recovery = lineAmounts(key).value_or(ContainerAmounts{}).recovery();

@@ -2,7 +2,6 @@
 
 #include <array>
 
-#include "app/Session.h"
 #include "db/Query.h"
 #include "db/Statement.h"
 #include "db/Transaction.h"
@@ -97,11 +96,11 @@ bool isOtherCustomers(QStringView gCode) {
     return db::hasRow(kOthers(gCode));
 }
 
-db::Rows workingLines() {
+platform::Rows workingLines() {
     return db::selectRows(kLines(), 5);
 }
 
-ContainerKey keyAt(const db::Rows& lines, int row) {
+ContainerKey keyAt(const platform::Rows& lines, int row) {
     return {lines.cell(row, 0), lines.cell(row, 2), lines.cell(row, 3), lines.cell(row, 4)};
 }
 
@@ -114,9 +113,9 @@ ContainerAmounts workingSums() {
     return sums;
 }
 
-QList<app::ContainerReturn> workingReturns() {
-    const db::Rows lines = workingLines();
-    QList<app::ContainerReturn> returns;
+QList<books::ContainerReturn> workingReturns() {
+    const platform::Rows lines = workingLines();
+    QList<books::ContainerReturn> returns;
     for (int row = 0; row < lines.count(); ++row) {
         const ContainerCounts counts = keyAt(lines, row).counts();
         returns.append(
@@ -125,10 +124,9 @@ QList<app::ContainerReturn> workingReturns() {
     return returns;
 }
 
-QList<app::ContainerBalance> workingBalances() {
-    const app::SessionValues& session = app::session();
-    return app::containerBalances(session.action.GCode, session.WorkDate, session.action.JunNo,
-                                  session.UserID, workingReturns());
+QList<books::ContainerBalance> workingBalances(QStringView gCode, QStringView date, QStringView junNo,
+                                               QStringView userId) {
+    return books::containerBalances(gCode, date, junNo, userId, workingReturns());
 }
 
 std::optional<ContainerAmounts> lineAmounts(const ContainerKey& key) {

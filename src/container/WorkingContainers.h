@@ -4,9 +4,9 @@
 #include <QStringView>
 #include <optional>
 
-#include "app/ContainerBalance.h"
+#include "books/ContainerBalance.h"
 #include "container/ContainerLine.h"
-#include "db/Rows.h"
+#include "platform/Rows.h"
 
 /// The container slip that is being edited, in the working table `YTEMP`. There is one at a time.
 namespace container {
@@ -22,19 +22,20 @@ void emptySlip();
 bool isOtherCustomers(QStringView gCode);
 
 /// The lines by product code descending, in five columns: code, name, empty crates, filled crates, bottles.
-db::Rows workingLines();
+platform::Rows workingLines();
 
 /// The key of the line in that row of workingLines.
-ContainerKey keyAt(const db::Rows& lines, int row);
+ContainerKey keyAt(const platform::Rows& lines, int row);
 
 /// The sums of the lines, in won.
 ContainerAmounts workingSums();
 
 /// The lines as the container balance counts them.
-QList<app::ContainerReturn> workingReturns();
+QList<books::ContainerReturn> workingReturns();
 
 /// What the session's customer holds of each container product, with the working slip as the one at hand.
-QList<app::ContainerBalance> workingBalances();
+QList<books::ContainerBalance> workingBalances(QStringView gCode, QStringView date, QStringView junNo,
+                                               QStringView userId);
 
 /// The line's amounts; nothing when there is no such line.
 std::optional<ContainerAmounts> lineAmounts(const ContainerKey& key);

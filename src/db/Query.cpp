@@ -26,4 +26,13 @@ void execute(const Sql& statement) {
     connection.Execute(statement);
 }
 
+platform::Rows selectRows(const Sql& select, int columns) {
+    platform::Rows rows{.columns = columns, .cells = {}};
+    const int count = forEachRow(select, [&](CVORecordset& recordset) {
+        for (int i = 0; i < columns; ++i) rows.cells.append(recordset.GetFieldString(i));
+    });
+    rows.isComplete = count >= 0;
+    return rows;
+}
+
 }  // namespace db

@@ -7,6 +7,7 @@
 #include "db/VOConnection.h"
 #include "db/VORecordset.h"
 #include "platform/Device.h"
+#include "platform/Rows.h"
 
 /// The pattern that every operation of the system follows: a connection of its own, one statement, its rows.
 namespace db {
@@ -32,6 +33,10 @@ int forEachRow(const Sql& select, ReadRow&& readRow) {
 
 /// The first row's columns as texts; nothing when there is no row or the statement failed.
 std::optional<QStringList> firstRow(const Sql& select);
+
+/// The first `columns` columns of every row of the SELECT, on a connection of its own; no rows when the
+/// statement failed.
+platform::Rows selectRows(const Sql& select, int columns);
 
 /// True when the SELECT has a row.
 bool hasRow(const Sql& select);

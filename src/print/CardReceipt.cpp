@@ -1,7 +1,7 @@
 #include "print/CardReceipt.h"
 
 #include "db/Query.h"
-#include "print/CollectionSlip.h"
+#include "print/CollectionReceipt.h"
 
 namespace print {
 namespace {
@@ -15,19 +15,19 @@ constexpr qsizetype kShownInFront = 6;
 constexpr qsizetype kShownBehind = 4;
 constexpr qsizetype kFewestDigits = 13;  ///< A shorter number would show too much of itself.
 
-std::optional<app::CollectionSlip> paidSlip(QStringView date, QStringView junNo, QStringView userId,
-                                            const std::optional<CardExchange>& exchange) {
-    std::optional<app::CollectionSlip> slip = app::loadCollection(date, junNo, userId);
+std::optional<books::CollectionSlip> paidSlip(QStringView date, QStringView junNo, QStringView userId,
+                                              const std::optional<CardExchange>& exchange) {
+    std::optional<books::CollectionSlip> slip = books::loadCollection(date, junNo, userId);
     // A second payment under the same number has a row of its own.
     if (slip && exchange && slip->BANKTRANNO != exchange->reply.transactionNumber) {
-        slip = app::findByTransactionNumber(exchange->reply.transactionNumber);
+        slip = books::findByTransactionNumber(exchange->reply.transactionNumber);
         if (slip && (slip->DDate != date || slip->JunNo != junNo || slip->UserID != userId)) slip.reset();
     }
     if (slip && !slip->isSimplePayment()) slip.reset();
     return slip;
 }
 
-void hostAmounts(Document& document, const app::HostReply& reply) {
+void hostAmounts(Document& document, const books::HostReply& reply) {
     document.labelAmount(u"거래금액 : ", parseWon(reply.transactionAmount));
     document.labelAmount(u"수수료액 : ", parseWon(reply.feeAmount));
     document.labelAmount(u"입금금액 : ", parseWon(reply.depositedAmount));
@@ -47,7 +47,7 @@ Party receiptCustomer(QStringView gCode) {
     return {row->value(0), row->value(1), row->value(2), row->value(3), {}};
 }
 
-Document cardReceipt(const app::CollectionSlip& slip, const std::optional<CardExchange>& exchange,
+Document cardReceipt(const books::CollectionSlip& slip, const std::optional<CardExchange>& exchange,
                      bool reprint) {
     Document document = slipDocument(
         u"카 드 영 수 증", std::nullopt, reprint,
@@ -74,7 +74,7 @@ Document cardReceipt(const app::CollectionSlip& slip, const std::optional<CardEx
 
 std::optional<Document> cardReceipt(QStringView date, QStringView junNo, QStringView userId,
                                     const std::optional<CardExchange>& exchange, bool reprint) {
-    const std::optional<app::CollectionSlip> slip = paidSlip(date, junNo, userId, exchange);
+    const std::optional<books::CollectionSlip> slip = paidSlip(date, junNo, userId, exchange);
     return slip ? std::optional(cardReceipt(*slip, exchange, reprint)) : std::nullopt;
 }
 

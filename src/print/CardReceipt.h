@@ -4,8 +4,8 @@
 #include <QStringView>
 #include <optional>
 
-#include "app/CollectionSlip.h"
-#include "app/Transaction.h"
+#include "books/CollectionSlip.h"
+#include "books/TransactionRecord.h"
 #include "print/Document.h"
 #include "print/SlipBlocks.h"
 
@@ -16,14 +16,14 @@ Party receiptCustomer(QStringView gCode);
 
 /// What a receipt shows of the exchange beside the slip's row.
 struct CardExchange {
-    app::HostReply reply;
+    books::HostReply reply;
     QString maskedCardNumber;  ///< As maskedCardNumber gives it, never the whole number; no line when empty.
 };
 
 /// The card receipt of a simple payment: what it came to (합계), what was charged (결제금액), and 거래금액,
 /// 수수료액, 입금금액 and 거래잔액 as the exchange's reply has them; without an exchange, as for a reprint,
 /// the amount charged is all that is known of them.
-Document cardReceipt(const app::CollectionSlip& slip, const std::optional<CardExchange>& exchange,
+Document cardReceipt(const books::CollectionSlip& slip, const std::optional<CardExchange>& exchange,
                      bool reprint);
 
 /// The same of a saved payment, with an exchange that of the reply's transaction number. Nothing when there

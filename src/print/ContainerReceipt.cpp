@@ -2,7 +2,7 @@
 
 #include <QList>
 
-#include "app/ContainerBalance.h"
+#include "books/ContainerBalance.h"
 #include "db/Query.h"
 
 namespace print {
@@ -20,7 +20,7 @@ constexpr db::Statement<
 
 struct Line {
     QString gCode, gName;
-    app::ContainerReturn returned;
+    books::ContainerReturn returned;
     Won crates, bottles, crateFee, bottleFee;
 };
 
@@ -45,9 +45,9 @@ Cell count(std::int64_t containers, int width) {
 }
 
 /// Crates or bottles of a balance; none for what the customer never had.
-void balanceRow(Document& document, QStringView label, const app::ContainerBalance& balance,
-                std::int64_t app::Containers::*kind) {
-    const app::Containers after = balance.after();
+void balanceRow(Document& document, QStringView label, const books::ContainerBalance& balance,
+                std::int64_t books::Containers::*kind) {
+    const books::Containers after = balance.after();
     if (balance.before.*kind == 0 && balance.delivered.*kind == 0 && balance.returned.*kind == 0) return;
     document.row({name(label, 4), count(balance.before.*kind, 6), count(balance.delivered.*kind, 10),
                   count(balance.returned.*kind, 6), count(after.*kind, 6)});
@@ -68,7 +68,7 @@ std::optional<Document> containerReceipt(QStringView date, QStringView junNo, QS
     document.row({number(u"공상자", 6), number(u"입상자", 7), number(u"공병", 7), number(u"금액", 12)});
     document.rule(Document::Rule::Thin);
     Won crates, bottles, crateFees, bottleFees;
-    QList<app::ContainerReturn> returned;
+    QList<books::ContainerReturn> returned;
     for (const Line& line : lines) {
         document.itemName(line.returned.PName, {});
         document.row({count(line.returned.emptyCrates, 6), count(line.returned.filledCrates, 7),
@@ -91,11 +91,11 @@ std::optional<Document> containerReceipt(QStringView date, QStringView junNo, QS
     document.line(u"[용공잔액]");
     document.row({number(u"전잔", 10), number(u"금일출고", 10), number(u"회수", 6), number(u"현잔", 6)});
     document.rule(Document::Rule::Thin);
-    for (const app::ContainerBalance& balance :
-         app::containerBalances(gCode, date, junNo, userId, returned)) {
+    for (const books::ContainerBalance& balance :
+         books::containerBalances(gCode, date, junNo, userId, returned)) {
         document.itemName(balance.PName, {});
-        balanceRow(document, u"상자", balance, &app::Containers::crates);
-        balanceRow(document, u"병", balance, &app::Containers::bottles);
+        balanceRow(document, u"상자", balance, &books::Containers::crates);
+        balanceRow(document, u"병", balance, &books::Containers::bottles);
     }
     // Here it is the salesman who receives and the customer who hands over.
     closingBlock(document, {u"인계자 서명", u"인수자 서명"});

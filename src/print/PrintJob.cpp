@@ -1,7 +1,6 @@
 #include "print/PrintJob.h"
 
 #include "print/Printer.h"
-#include "ui/WaitCursor.h"
 
 namespace print {
 namespace {
@@ -34,21 +33,21 @@ void PrintJob::feed() {
     PrinterFeed(2);
 }
 
-void printDocuments(std::span<const Document> documents) {
+void printDocuments(std::span<const Document> documents, const Progress& progress) {
     if (documents.empty()) return;
     PrintJob job;
     for (const Document& document : documents) {
         job.title(document.title());
         for (const QString& line : document.lines()) {
             job.line(line);
-            ui::WaitCursor::alive();
+            if (progress) progress();
         }
         job.feed();
     }
 }
 
-void printDocument(const Document& document) {
-    printDocuments({&document, 1});
+void printDocument(const Document& document, const Progress& progress) {
+    printDocuments({&document, 1}, progress);
 }
 
 }  // namespace print

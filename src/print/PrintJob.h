@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QStringView>
+#include <functional>
 #include <span>
 
 #include "print/Document.h"
@@ -23,10 +24,13 @@ class PrintJob {
     void feed();
 };
 
+/// Hears of every line that has gone to the printer.
+using Progress = std::function<void()>;
+
 /// Prints the documents one after another as one job; without one nothing is opened.
-void printDocuments(std::span<const Document> documents);
+void printDocuments(std::span<const Document> documents, const Progress& progress = {});
 
 /// Prints the document as one job.
-void printDocument(const Document& document);
+void printDocument(const Document& document, const Progress& progress = {});
 
 }  // namespace print

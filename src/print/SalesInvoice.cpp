@@ -2,10 +2,10 @@
 
 #include <QList>
 
-#include "app/CollectionSlip.h"
-#include "app/PayableTotal.h"
+#include "books/CollectionSlip.h"
+#include "books/PayableTotal.h"
 #include "db/Query.h"
-#include "print/CollectionSlip.h"
+#include "print/CollectionReceipt.h"
 
 namespace print {
 namespace {
@@ -69,7 +69,7 @@ std::optional<Document> salesInvoice(QStringView date, QStringView junNo, QStrin
         crateDeposit += line.crateDeposit;
         bottleDeposit += line.bottleDeposit;
     }
-    const Won payable = app::payableTotal(supply, vat, user.vatMode);
+    const Won payable = books::payableTotal(supply, vat, user.vatMode);
 
     document.rule(Document::Rule::Thin);
     document.labelAmount(u"공급가액", supply);
@@ -82,12 +82,12 @@ std::optional<Document> salesInvoice(QStringView date, QStringView junNo, QStrin
     document.labelAmount(u"공병 보증금", bottleDeposit);
     document.rule(Document::Rule::Thin);
     document.labelAmount(u"합계", payable + crateDeposit + bottleDeposit);
-    const std::optional<app::CollectionSlip> paid = app::loadCollection(date, junNo, userId);
+    const std::optional<books::CollectionSlip> paid = books::loadCollection(date, junNo, userId);
     if (paid && paid->GCode == first.gCode) {
         document.rule(Document::Rule::Thin);
         paymentBlock(document, *paid);
     } else {
-        document.labelAmount(u"전미수", app::receivable(first.gCode));
+        document.labelAmount(u"전미수", books::receivable(first.gCode));
     }
     closingBlock(document);
     return document;

@@ -5,13 +5,13 @@
 #include <initializer_list>
 #include <optional>
 
-#include "app/PrintLog.h"
+#include "books/PrintLog.h"
 #include "print/Document.h"
 
 /// The blocks that the documents of a slip share. A document is its head, a body of its own and the close.
 namespace print {
 
-using app::Copy;
+using books::Copy;
 
 /// The salesman of a slip, from PDAUSER; empty texts for a user who is not there.
 struct Salesman {

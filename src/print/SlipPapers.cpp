@@ -2,16 +2,15 @@
 
 #include "db/Query.h"
 #include "db/Transaction.h"
-#include "print/CollectionSlip.h"
+#include "print/CollectionReceipt.h"
 #include "print/ContainerReceipt.h"
-#include "print/PrintJob.h"
 #include "print/SalesInvoice.h"
 
 namespace print {
 namespace {
 
-using app::Copy;
-using app::Paper;
+using books::Copy;
+using books::Paper;
 
 constexpr db::Statement<
     u"SELECT JunNo FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' "
@@ -48,7 +47,7 @@ bool isReprint(Paper paper, Copy copy, QStringView date, QStringView junNo, QStr
 
 SlipPapers::SlipPapers(QStringView date, QStringView junNo, QStringView userId)
     : date_(date.toString()), junNo_(junNo.toString()), userId_(userId.toString()) {
-    for (const Paper paper : app::kPapers) {
+    for (const Paper paper : books::kPapers) {
         for (const Copy copy : kCopies) {
             if (isReprint(paper, copy, date, junNo, userId)) reprints_.insert({paper, copy});
         }
@@ -56,12 +55,12 @@ SlipPapers::SlipPapers(QStringView date, QStringView junNo, QStringView userId)
 }
 
 void SlipPapers::markAllReprints() {
-    for (const Paper paper : app::kPapers) {
+    for (const Paper paper : books::kPapers) {
         for (const Copy copy : kCopies) reprints_.insert({paper, copy});
     }
 }
 
-QList<Paper> SlipPapers::print(std::span<const Paper> papers, Copy copy) {
+QList<Paper> SlipPapers::print(std::span<const Paper> papers, Copy copy, const Progress& progress) {
     QList<Paper> printed;
     QList<Document> documents;
     for (const Paper paper : papers) {
@@ -74,7 +73,7 @@ QList<Paper> SlipPapers::print(std::span<const Paper> papers, Copy copy) {
     if (printed.isEmpty()) return printed;
     // Noted first: a paper that left the printer unnoted would be given out a second time without its mark.
     note(printed, copy);
-    printDocuments(documents);
+    printDocuments(documents, progress);
     for (const Paper paper : printed) reprints_.insert({paper, copy});
     return printed;
 }

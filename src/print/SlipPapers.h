@@ -8,8 +8,9 @@
 #include <span>
 #include <utility>
 
-#include "app/PrintLog.h"
+#include "books/PrintLog.h"
 #include "print/Document.h"
+#include "print/PrintJob.h"
 
 /// The papers of a slip and whether each has been printed. The sales slip's own state, WorkGubun of its MTM
 /// lines, is "미발행" when saved, "발행" when its invoice has been printed, "결제" when it was settled by an
@@ -17,12 +18,12 @@
 namespace print {
 
 /// The paper as a document; nothing when the slip has no rows for it.
-std::optional<Document> slipPaper(app::Paper paper, QStringView date, QStringView junNo, QStringView userId,
-                                  app::Copy copy, bool reprint);
+std::optional<Document> slipPaper(books::Paper paper, QStringView date, QStringView junNo, QStringView userId,
+                                  books::Copy copy, bool reprint);
 
 /// True when that copy was printed before. An invoice of which no print is noted goes by the slip's state:
 /// it was printed by a terminal that did not note it.
-bool isReprint(app::Paper paper, app::Copy copy, QStringView date, QStringView junNo, QStringView userId);
+bool isReprint(books::Paper paper, books::Copy copy, QStringView date, QStringView junNo, QStringView userId);
 
 /// Prints the papers of one slip. What was printed before it came into being makes a reprint, and so does
 /// what it has printed itself; the two copies of one print belong together.
@@ -36,12 +37,13 @@ class SlipPapers {
     /// Prints one copy of those papers that the slip has rows for, as one job, and notes it before they
     /// leave the printer: an invoice makes a "미발행" slip "발행", any other state stays. Returns what was
     /// printed; without any the printer is not opened.
-    QList<app::Paper> print(std::span<const app::Paper> papers, app::Copy copy);
+    QList<books::Paper> print(std::span<const books::Paper> papers, books::Copy copy,
+                              const Progress& progress = {});
 
   private:
-    using PaperCopy = std::pair<app::Paper, app::Copy>;
+    using PaperCopy = std::pair<books::Paper, books::Copy>;
 
-    void note(std::span<const app::Paper> papers, app::Copy copy) const;
+    void note(std::span<const books::Paper> papers, books::Copy copy) const;
 
     QString date_;
     QString junNo_;

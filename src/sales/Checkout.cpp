@@ -1,27 +1,11 @@
 #include "sales/Checkout.h"
 
-#include "app/PayableTotal.h"
-#include "app/Session.h"
+#include "books/PayableTotal.h"
 
 namespace sales {
 
 platform::Won slipTotal(const SlipSums& sums, QStringView vatMode) {
-    return app::payableTotal(sums.supply, sums.vat, vatMode) + sums.deposits();
-}
-
-void handOver(const SlipSums& sums, platform::Won receivable) {
-    app::SessionValues& session = app::session();
-    app::ActionValues& action = session.action;
-    action.SupplySum = sums.supply;
-    action.VatSum = sums.vat;
-    action.CrateDepositSum = sums.crateDeposit;
-    action.BottleDepositSum = sums.bottleDeposit;
-    action.CheckoutSales = sums.subtotal();
-    action.CheckoutSupply = sums.supply;
-    action.CheckoutVat = sums.vat;
-    action.CheckoutDeposits = sums.deposits();
-    action.CheckoutTotal = slipTotal(sums, session.UserField3);
-    action.CheckoutReceivable = receivable;
+    return books::payableTotal(sums.supply, sums.vat, vatMode) + sums.deposits();
 }
 
 }  // namespace sales

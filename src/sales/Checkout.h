@@ -11,7 +11,4 @@ namespace sales {
 /// deposits. It is shown as 합계.
 platform::Won slipTotal(const SlipSums& sums, QStringView vatMode);
 
-/// Leaves the slip's sums and the customer's balance in the session, for the collection of money.
-void handOver(const SlipSums& sums, platform::Won receivable);
-
 }  // namespace sales

@@ -19,7 +19,7 @@ constexpr db::Statement<u"SELECT TTmoney,CJMoney,Gubun FROM GARAE WHERE GCode= '
 
 }  // namespace
 
-db::Rows customers(QStringView seek, QStringView userId, bool ownOnly) {
+platform::Rows customers(QStringView seek, QStringView userId, bool ownOnly) {
     return db::selectRows(ownOnly ? kOwnCustomers(seek, userId) : kAllCustomers(seek), 3);
 }
 

@@ -4,14 +4,14 @@
 #include <QStringView>
 #include <optional>
 
-#include "db/Rows.h"
+#include "platform/Rows.h"
 #include "platform/Won.h"
 
 namespace sales {
 
 /// The customers whose key is `seek` (one jamo, or "00"), names descending, in three columns: code, name,
 /// last trade date. `ownOnly` keeps to those of salesman `userId`.
-db::Rows customers(QStringView seek, QStringView userId, bool ownOnly);
+platform::Rows customers(QStringView seek, QStringView userId, bool ownOnly);
 
 /// What the list shows below the clicked customer.
 struct CustomerFooter {

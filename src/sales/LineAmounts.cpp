@@ -1,6 +1,6 @@
 #include "sales/LineAmounts.h"
 
-#include "app/VatSplit.h"
+#include "books/VatSplit.h"
 
 namespace sales {
 
@@ -17,7 +17,7 @@ LineAmounts withVat(LineAmounts line, Won vat) {
 }
 
 LineAmounts withSubtotal(LineAmounts line, Won subtotal) {
-    const app::VatSplit split = app::splitVat(subtotal);
+    const books::VatSplit split = books::splitVat(subtotal);
     line.supply = split.supply;
     line.vat = split.vat;
     return line;

@@ -42,7 +42,7 @@ using SlipSums = LineAmounts;
 LineAmounts withSupply(LineAmounts line, platform::Won supply);
 LineAmounts withVat(LineAmounts line, platform::Won vat);
 
-/// Splits the keyed subtotal with app::splitVat.
+/// Splits the keyed subtotal with books::splitVat.
 LineAmounts withSubtotal(LineAmounts line, platform::Won subtotal);
 
 /// Takes the line's deposits off the keyed total and splits the rest as withSubtotal does. A total below the

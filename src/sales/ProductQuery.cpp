@@ -77,11 +77,11 @@ db::Sql productSearch(QStringView seek, QStringView classCode, QStringView custo
                : kAnyBySeekAndClass(seek, classCode, kWithdrawn);
 }
 
-db::Rows products(QStringView seek, QStringView classCode, QStringView customerKind) {
+platform::Rows products(QStringView seek, QStringView classCode, QStringView customerKind) {
     return db::selectRows(productSearch(seek, classCode, customerKind), kColumns);
 }
 
-db::Rows frequentProducts(QStringView customerKind) {
+platform::Rows frequentProducts(QStringView customerKind) {
     const auto use = excludedUse(customerKind);
     return db::selectRows(use ? kSomeFrequent(*use) : kAnyFrequent(), kColumns);
 }

@@ -5,8 +5,8 @@
 #include <QStringView>
 #include <optional>
 
-#include "db/Rows.h"
 #include "db/Statement.h"
+#include "platform/Rows.h"
 
 namespace sales {
 
@@ -20,10 +20,10 @@ std::optional<QStringView> excludedUse(QStringView customerKind);
 db::Sql productSearch(QStringView seek, QStringView classCode, QStringView customerKind);
 
 /// Runs productSearch.
-db::Rows products(QStringView seek, QStringView classCode, QStringView customerKind);
+platform::Rows products(QStringView seek, QStringView classCode, QStringView customerKind);
 
 /// The frequently sold products in the same four columns, most used first. Withdrawn ones stay in.
-db::Rows frequentProducts(QStringView customerKind);
+platform::Rows frequentProducts(QStringView customerKind);
 
 /// A liquor class.
 struct ProductClass {

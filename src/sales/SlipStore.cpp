@@ -2,9 +2,9 @@
 
 #include <array>
 
-#include "app/CollectionSlip.h"
-#include "app/PrintLog.h"
-#include "app/ReusedNumber.h"
+#include "books/CollectionSlip.h"
+#include "books/PrintLog.h"
+#include "books/ReusedNumber.h"
 #include "db/Query.h"
 #include "db/Statement.h"
 #include "db/Transaction.h"
@@ -40,7 +40,7 @@ constexpr int kWorkGubunColumn = 5;
 SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo) {
     db::Transaction transaction;
     if (!transaction.run(kDeleteOwn(workDate, junNo, userId))) return SaveOutcome::Failed;
-    const db::Rows lines = db::selectRows(kWorkingLines(), kWorkingColumns);
+    const platform::Rows lines = db::selectRows(kWorkingLines(), kWorkingColumns);
     if (!lines.isComplete) return SaveOutcome::Failed;
     const QString savedAt = platform::clock::now().toString(u"HH:mm"_s);
     for (int row = 0; row < lines.count(); ++row) {
@@ -55,8 +55,8 @@ SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo
         if (!transaction.run(insert) && insert.isWellFormed()) return SaveOutcome::Failed;
     }
     // What stayed of an earlier customer's slip leaves the number to the sale that has it now.
-    if (!app::forgetPrints(transaction, app::Paper::Invoice, workDate, junNo, userId) ||
-        !app::freeNumber(transaction, workDate, junNo, userId, lines.cell(0, kCustomerColumn))) {
+    if (!books::forgetPrints(transaction, books::Paper::Invoice, workDate, junNo, userId) ||
+        !books::freeNumber(transaction, workDate, junNo, userId, lines.cell(0, kCustomerColumn))) {
         return SaveOutcome::Failed;
     }
     if (!transaction.commit()) return SaveOutcome::Failed;
@@ -81,13 +81,13 @@ SlipList slipsOfDay(QStringView userId, QStringView workDate) {
 bool deleteSlip(QStringView workDate, QStringView junNo, bool alsoFollowers) {
     db::Transaction transaction;
     if (!transaction.run(kDeleteSales(junNo, workDate)) ||
-        !app::forgetPrints(transaction, app::Paper::Invoice, workDate, junNo)) {
+        !books::forgetPrints(transaction, books::Paper::Invoice, workDate, junNo)) {
         return false;
     }
     const bool areFollowersGone =
-        !alsoFollowers || (app::removeCollections(transaction, workDate, junNo) &&
+        !alsoFollowers || (books::removeCollections(transaction, workDate, junNo) &&
                            transaction.run(kDeleteContainers(junNo, workDate)) &&
-                           app::forgetPrints(transaction, app::Paper::ContainerReceipt, workDate, junNo));
+                           books::forgetPrints(transaction, books::Paper::ContainerReceipt, workDate, junNo));
     return areFollowersGone && transaction.commit();
 }
 

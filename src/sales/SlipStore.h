@@ -2,7 +2,7 @@
 
 #include <QStringView>
 
-#include "db/Rows.h"
+#include "platform/Rows.h"
 
 /// The saved sales slips, in `MTM`.
 namespace sales {
@@ -19,7 +19,8 @@ SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo
 
 /// The salesman's slips of a day.
 struct SlipList {
-    db::Rows slips;  ///< One row for each slip, in three columns: print state, customer name, slip number.
+    platform::Rows
+        slips;  ///< One row for each slip, in three columns: print state, customer name, slip number.
     int printed = 0;
     int unprinted = 0;
 };

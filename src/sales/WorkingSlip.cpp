@@ -99,7 +99,7 @@ SlipSums workingSums() {
     return sums;
 }
 
-db::Rows workingLines() {
+platform::Rows workingLines() {
     return db::selectRows(kLines(), 4);
 }
 

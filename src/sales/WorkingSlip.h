@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "db/Rows.h"
+#include "platform/Rows.h"
 #include "sales/LineAmounts.h"
 #include "sales/SlipLine.h"
 
@@ -13,8 +13,8 @@ namespace sales {
 
 /// A slip as it is shown when it is opened.
 struct OpenedSlip {
-    QString GCode;   ///< The slip's customer; empty for a slip without saved lines.
-    db::Rows lines;  ///< As workingLines gives them.
+    QString GCode;         ///< The slip's customer; empty for a slip without saved lines.
+    platform::Rows lines;  ///< As workingLines gives them.
     SlipSums sums;
 };
 
@@ -26,7 +26,7 @@ bool reloadSlip(QStringView userId, QStringView workDate, QStringView junNo);
 std::optional<OpenedSlip> openSlip(QStringView userId, QStringView workDate, QStringView junNo);
 
 /// The lines by product code descending, in four columns: code, name, boxes, bottles.
-db::Rows workingLines();
+platform::Rows workingLines();
 
 /// The sums of the lines, in won.
 SlipSums workingSums();

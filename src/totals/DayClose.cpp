@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 
-#include "app/CollectionSlip.h"
-#include "app/PaymentJournal.h"
+#include "books/CollectionSlip.h"
+#include "books/PaymentJournal.h"
 #include "db/Query.h"
 #include "db/Transaction.h"
 #include "platform/Clock.h"
@@ -55,8 +55,8 @@ Cell count(std::int64_t number) {
 /// The card host's payments up to that day whose outcome is open, which no other figure counts.
 QList<Row> unsettledRows(QStringView date, QStringView userId) {
     QList<Row> rows;
-    for (const app::JournalPayment& payment : app::unsettledPayments()) {
-        const app::CollectionSlip& slip = payment.slip;
+    for (const books::JournalPayment& payment : books::unsettledPayments()) {
+        const books::CollectionSlip& slip = payment.slip;
         if (slip.DDate > date || !(userId.isEmpty() || slip.UserID == userId)) continue;
         const QString day = slip.DDate == date ? QString() : slip.DDate.mid(5) + u' ';
         rows.append({day + slip.JunNo + u' ' + slip.GName, payment.charged});
@@ -98,9 +98,9 @@ Report strip(QStringView title, QStringView date, QStringView userId, const DayF
 
 std::optional<DayFigures> dayFigures(QStringView date, QStringView userId) {
     DayFigures figures;
-    const auto slips = app::slipsOfDay(date, userId);
+    const auto slips = books::slipsOfDay(date, userId);
     if (!slips) return std::nullopt;
-    for (const app::CollectionSlip& slip : *slips) {
+    for (const books::CollectionSlip& slip : *slips) {
         figures.cash += slip.WonMoney;
         figures.card += slip.CardMoney;
         figures.approvals += slip.isApproved() && slip.CardMoney > Won();
@@ -115,7 +115,7 @@ std::optional<DayFigures> dayFigures(QStringView date, QStringView userId) {
             add(&figures.boxes, parseInteger(row.GetFieldString(0)));
             add(&figures.bottles, parseInteger(row.GetFieldString(1)));
         });
-    const auto back = app::containersTakenBack(date, userId);
+    const auto back = books::containersTakenBack(date, userId);
     const auto open = db::firstRow(kOpenSlips(date, userId, userId));
     if (lines < 0 || !back || !open) return std::nullopt;
     figures.back = *back;

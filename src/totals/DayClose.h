@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "app/ContainerBalance.h"
+#include "books/ContainerBalance.h"
 #include "platform/Won.h"
 #include "totals/Report.h"
 
@@ -23,7 +23,7 @@ struct DayFigures {
     platform::Won recovery;     ///< Container recovery.
     std::int64_t boxes = 0;     ///< On sales slips.
     std::int64_t bottles = 0;   ///< The same, single bottles.
-    app::Containers back;       ///< Taken back.
+    books::Containers back;     ///< Taken back.
     std::int64_t openSlips =
         0;  ///< Sales slips that nothing was collected for, the office's orders among them.
     platform::Won expectedCash;

@@ -9,7 +9,7 @@ namespace totals {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
-using app::CollectionSlip;
+using books::CollectionSlip;
 using platform::parseWon;
 using platform::Won;
 
@@ -119,7 +119,7 @@ bool Reconciliation::isAgreed() const {
 
 std::optional<Reconciliation> reconcile(const QDate& day, const HostDay& host) {
     // Terminal and host may see midnight pass at different moments.
-    auto approved = app::approvedSlips(stamp(day.addDays(-1), u"000000"), stamp(day.addDays(1), u"235959"));
+    auto approved = books::approvedSlips(stamp(day.addDays(-1), u"000000"), stamp(day.addDays(1), u"235959"));
     if (!approved) return std::nullopt;
     Slips slips(day, *std::move(approved));
 

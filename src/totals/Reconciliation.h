@@ -6,7 +6,7 @@
 #include <QStringView>
 #include <optional>
 
-#include "app/CollectionSlip.h"
+#include "books/CollectionSlip.h"
 #include "platform/Won.h"
 #include "print/HostSummary.h"
 #include "totals/Report.h"
@@ -40,9 +40,9 @@ struct Difference {
     enum class Kind { MissingAtHost, MissingOnTerminal, AmountDiffers };
 
     Kind kind;
-    QString number;                           ///< Transaction number.
-    std::optional<app::CollectionSlip> slip;  ///< The terminal's; nothing when it has none.
-    std::optional<HostPayment> payment;       ///< The host's; nothing when it has none.
+    QString number;                             ///< Transaction number.
+    std::optional<books::CollectionSlip> slip;  ///< The terminal's; nothing when it has none.
+    std::optional<HostPayment> payment;         ///< The host's; nothing when it has none.
 };
 
 struct Reconciliation {

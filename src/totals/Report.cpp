@@ -113,8 +113,8 @@ QList<Column> listColumns(const Report& report) {
     return columns;
 }
 
-db::Rows listRows(const Report& report) {
-    db::Rows rows;
+platform::Rows listRows(const Report& report) {
+    platform::Rows rows;
     rows.columns = int(listColumns(report).size());
     for (const Section& section : report.sections) {
         if (section.rows.isEmpty()) continue;

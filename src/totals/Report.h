@@ -4,7 +4,7 @@
 #include <QString>
 #include <QStringList>
 
-#include "db/Rows.h"
+#include "platform/Rows.h"
 #include "platform/Won.h"
 #include "print/Document.h"
 
@@ -72,7 +72,7 @@ QList<Sum> sums(const Report& report);
 /// The columns of the list, and its rows with grouped thousands. A section with a title begins with a row
 /// that has "[title]" in the first column; one without rows is left out.
 QList<Column> listColumns(const Report& report);
-db::Rows listRows(const Report& report);
+platform::Rows listRows(const Report& report);
 
 /// The printout: head, column titles, rows, sums, place to sign. A text wider than its column takes a line of
 /// its own above its row, a line without content is left out. Without rows the sums are 0.

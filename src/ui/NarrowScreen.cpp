@@ -29,7 +29,7 @@ void NarrowScreen::addNarrowing(ReportList* list, int top, Match match) {
     line_->setClearButtonEnabled(true);
     describe(line_, u"이름이나 초성으로 좁히기"_s);
     connect(line_, &QLineEdit::textChanged, list, [list, match](const QString& typed) {
-        list->narrow([match, typed](const db::Rows& rows, int row) {
+        list->narrow([match, typed](const platform::Rows& rows, int row) {
             return match(rows.at(row, 1), typed) || rows.at(row, 0).startsWith(typed);
         });
     });

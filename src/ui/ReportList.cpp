@@ -139,7 +139,7 @@ void RowsModel::setTitles(const QStringList& titles) {
     endResetModel();
 }
 
-void RowsModel::setRows(db::Rows rows) {
+void RowsModel::setRows(platform::Rows rows) {
     beginResetModel();
     rows_ = std::move(rows);
     endResetModel();
@@ -224,7 +224,7 @@ void ReportList::setColumns(std::span<const ListColumn> columns) {
     for (int i = 0; i < int(columns.size()); ++i) setColumnWidth(i, columns[size_t(i)].width);
 }
 
-void ReportList::setRows(db::Rows rows) {
+void ReportList::setRows(platform::Rows rows) {
     all_ = std::move(rows);
     showRows();
 }
@@ -236,7 +236,7 @@ void ReportList::narrow(Filter filter) {
 }
 
 void ReportList::showRows() {
-    db::Rows shown = all_;
+    platform::Rows shown = all_;
     if (filter_) {
         shown.cells.clear();
         for (int row = 0; row < all_.count(); ++row) {

@@ -6,7 +6,7 @@
 #include <functional>
 #include <span>
 
-#include "db/Rows.h"
+#include "platform/Rows.h"
 
 namespace ui {
 
@@ -19,8 +19,8 @@ class RowsModel : public QAbstractTableModel {
 
     void setTitles(const QStringList& titles);
     void setAlignments(const QList<Qt::Alignment>& alignments) { alignments_ = alignments; }
-    void setRows(db::Rows rows);
-    const db::Rows& rows() const { return rows_; }
+    void setRows(platform::Rows rows);
+    const platform::Rows& rows() const { return rows_; }
 
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
@@ -30,7 +30,7 @@ class RowsModel : public QAbstractTableModel {
   private:
     QStringList titles_;
     QList<Qt::Alignment> alignments_;
-    db::Rows rows_;
+    platform::Rows rows_;
 };
 
 /// One column of a list.
@@ -49,9 +49,9 @@ class ReportList : public QTableView {
 
     void setColumns(std::span<const ListColumn> columns);
     /// Replaces all rows and takes the selection away. A narrowed list stays so.
-    void setRows(db::Rows rows);
+    void setRows(platform::Rows rows);
     /// Says whether a row of the rows that were set is shown.
-    using Filter = std::function<bool(const db::Rows& rows, int row)>;
+    using Filter = std::function<bool(const platform::Rows& rows, int row)>;
     /// Shows only the rows that go through `filter`, and takes the selection away. The rows of a list are
     /// counted as they are shown. From then on a text that is keyed on the list is told by typed().
     void narrow(Filter filter);
@@ -84,7 +84,7 @@ class ReportList : public QTableView {
     void showRows();
 
     RowsModel* model_;
-    db::Rows all_;
+    platform::Rows all_;
     Filter filter_;
 };
 

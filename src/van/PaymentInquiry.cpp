@@ -14,19 +14,19 @@ using platform::Won;
 constexpr QStringView kApproved = u"0000";
 constexpr qint64 kSecondsOfDay = 24 * 60 * 60;
 
-bool isSurely(const app::JournalPayment& payment, const app::HostReply& reply) {
+bool isSurely(const books::JournalPayment& payment, const books::HostReply& reply) {
     const QDateTime sent = QDateTime::fromString(payment.slip.MSGSENDTIME, u"yyyyMMddHHmmss"_s);
     const qint64 age = sent.isValid() ? sent.secsTo(platform::clock::now()) : -1;
     // Cash that was entered deposits nothing.
     const bool isCard = parseWon(reply.depositedAmount) > Won();
     return age >= 0 && age < kSecondsOfDay && parseWon(reply.transactionAmount) == payment.charged &&
-           isCard == payment.isCard && app::isLastPayment(payment, reply.transactionNumber) &&
-           !app::findByTransactionNumber(reply.transactionNumber);
+           isCard == payment.isCard && books::isLastPayment(payment, reply.transactionNumber) &&
+           !books::findByTransactionNumber(reply.transactionNumber);
 }
 
 }  // namespace
 
-PaymentVerdict judge(const app::JournalPayment& payment, const app::HostReply& reply,
+PaymentVerdict judge(const books::JournalPayment& payment, const books::HostReply& reply,
                      QStringView answeredNumber) {
     const bool isApproved = reply.responseCode == kApproved && !reply.transactionNumber.isEmpty();
     if (answeredNumber.compare(payment.number, Qt::CaseInsensitive) == 0) {

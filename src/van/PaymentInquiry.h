@@ -2,8 +2,8 @@
 
 #include <QStringView>
 
-#include "app/PaymentJournal.h"
-#include "app/Transaction.h"
+#include "books/PaymentJournal.h"
+#include "books/TransactionRecord.h"
 
 /// What the host's answer to a question about a payment means.
 namespace van {
@@ -18,7 +18,7 @@ enum class PaymentVerdict {
 /// payment, as an older one does: that counts as this one only when nothing else can be meant, which is when
 /// amount and kind agree, it was sent less than a day ago, no payment was sent after it, and the transaction
 /// number is on no slip and on no other payment.
-PaymentVerdict judge(const app::JournalPayment& payment, const app::HostReply& reply,
+PaymentVerdict judge(const books::JournalPayment& payment, const books::HostReply& reply,
                      QStringView answeredNumber);
 
 }  // namespace van

@@ -1,4 +1,5 @@
 #include "app/Login.h"
+#include "books/SlipNumbers.h"
 
 #include <gtest/gtest.h>
 
@@ -101,7 +102,7 @@ TEST(SimplePayment, IsNumberedFrom7001WithinTheDay) {
             device.insert(u"MTMOK", {{u"DDate", u"2026-11-21"}, {u"JunNo", c.highest}});
             device.insert(u"MTMOK", {{u"DDate", u"2026-11-20"}, {u"JunNo", u"7900"}});
         }
-        EXPECT_EQ(app::nextSimplePaymentNumber(u"2026-11-21"), c.next) << c.highest.toStdString();
+        EXPECT_EQ(books::nextSimplePaymentNumber(u"2026-11-21"), c.next) << c.highest.toStdString();
     }
 }
 

@@ -4,7 +4,7 @@
 
 namespace collect {
 
-using app::SettlementAmounts;
+using books::SettlementAmounts;
 using platform::Won;
 
 namespace {

@@ -6,7 +6,7 @@
 
 namespace collect {
 
-using app::SettlementAmounts;
+using books::SettlementAmounts;
 using platform::Won;
 
 namespace {

@@ -56,7 +56,7 @@ class TestScreen : public ui::Screen {
         const ui::ListColumn columns[] = {{u"번호"_s, 60}, {u"이름"_s, 200}, {u"금액"_s, 80}};
         ui::ReportList* list = addList(20, {60, 204, 176, 110});
         list->setColumns(columns);
-        db::Rows rows{3, {}};
+        platform::Rows rows{3, {}};
         for (int row = 1; row <= 40; ++row) {
             rows.cells << QString::number(row) << u"가게 %1"_s.arg(row) << QString::number(row * 1000);
         }

@@ -15,6 +15,7 @@
 #include "platform/Device.h"
 #include "platform/termdev/SwipeSocket.h"
 #include "platform/termdev/TermDev.h"
+#include "support/Pump.h"
 #include "support/TestDevice.h"
 
 namespace {
@@ -92,8 +93,7 @@ SwipeSocket::Answer sendWhileRunning(const QByteArray& track2, const QByteArray&
 }
 
 TEST(SwipeSocket, PutsACardThroughARunningTerminal) {
-    int argc = 0;
-    const QCoreApplication application(argc, nullptr);
+    test::needApplication();
     const test::TestDevice device;
     EXPECT_EQ(SwipeSocket::send("2", "3"), SwipeSocket::Answer::NoTerminal);
     Reader reader;

@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
-#include "app/CollectionSlip.h"
+#include "books/CollectionSlip.h"
 #include "platform/CodePage.h"
 #include "print/CardReceipt.h"
-#include "print/CollectionSlip.h"
+#include "print/CollectionReceipt.h"
 #include "print/Layout.h"
 #include "print/SalesInvoice.h"
 #include "support/Approved.h"
@@ -123,11 +123,11 @@ TEST_F(Documents, ReceiptIsThatOfItsTransaction) {
 
 TEST_F(Documents, ThePreviousReceivableIsTheCustomersWithoutTheSlipsOwnCollection) {
     const auto previous = [](QStringView number) {
-        return app::previousReceivable(u"0001", kDate, number, u"A").value();
+        return books::previousReceivable(u"0001", kDate, number, u"A").value();
     };
     EXPECT_EQ(previous(u"5001"), 366000);
     EXPECT_EQ(previous(u"5002"), 350000);
-    EXPECT_EQ(app::previousReceivable(u"9999", kDate, u"5009", u"A").value(), 0);
+    EXPECT_EQ(books::previousReceivable(u"9999", kDate, u"5009", u"A").value(), 0);
     // Another customer's collection under the slip's number is none of the invoice's business.
     device_.execute(u"UPDATE MTMOK SET GCode = '0002'"_s);
     const QString paper = invoice(u"5002", Copy::Seller);

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "app/CollectionSlip.h"
+#include "books/CollectionSlip.h"
 #include "platform/CodePage.h"
 #include "platform/termdev/PaperRoll.h"
 #include "platform/termdev/TermDev.h"
@@ -14,8 +14,8 @@
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
-using app::Copy;
-using app::Paper;
+using books::Copy;
+using books::Paper;
 
 constexpr QStringView kDate = u"2024-05-10";
 
@@ -51,10 +51,10 @@ class SlipPapers : public testing::Test {
     /// The copies that are reprints, such as "거래명세서공급자용".
     static QString reprints(QStringView user = u"A") {
         QStringList found;
-        for (const Paper paper : app::kPapers) {
+        for (const Paper paper : books::kPapers) {
             for (const Copy copy : {Copy::Seller, Copy::Buyer}) {
                 if (!print::isReprint(paper, copy, kDate, u"5001", user)) continue;
-                found << app::paperName(paper).toString() + app::copyName(copy).toString();
+                found << books::paperName(paper).toString() + books::copyName(copy).toString();
             }
         }
         return found.join(u' ');
@@ -71,7 +71,7 @@ class SlipPapers : public testing::Test {
 TEST_F(SlipPapers, WithNamesAroundThePapersWidthLookAsApproved) {
     addSlip(u"A"_s, 6, u"7"_s, u"12345"_s);
     QString papers;
-    for (const Paper paper : app::kPapers) {
+    for (const Paper paper : books::kPapers) {
         const auto document = print::slipPaper(paper, kDate, u"5001", u"A", Copy::Buyer, false);
         ASSERT_TRUE(document);
         EXPECT_TRUE(platform::codepage::encode(document->text()));
@@ -88,7 +88,7 @@ TEST_F(SlipPapers, AreReprintsUntilTheirSlipChanges) {
     addSlip(u"B"_s, 1, u"1"_s, u"1000"_s);
     EXPECT_EQ(reprints(), QString());
     const auto printAll = [](Copy copy) {
-        return print::SlipPapers(kDate, u"5001", u"A").print(app::kPapers, copy).size();
+        return print::SlipPapers(kDate, u"5001", u"A").print(books::kPapers, copy).size();
     };
     EXPECT_EQ(printAll(Copy::Seller), 3);
     EXPECT_EQ(reprints(), u"거래명세서공급자용 용공인수증공급자용 입금표공급자용"_s);
@@ -97,11 +97,11 @@ TEST_F(SlipPapers, AreReprintsUntilTheirSlipChanges) {
     EXPECT_EQ(printAll(Copy::Buyer), 3);
 
     // Saved as it was, the collection slip stays printed; saved otherwise, it alone is a first print again.
-    auto collection = *app::loadCollection(kDate, u"5001", u"A");
-    ASSERT_TRUE(app::saveCollection(collection));
+    auto collection = *books::loadCollection(kDate, u"5001", u"A");
+    ASSERT_TRUE(books::saveCollection(collection));
     EXPECT_TRUE(reprints().endsWith(u"입금표공급자용 입금표공급받는자용"_s));
     collection.WonMoney += platform::Won(1);
-    ASSERT_TRUE(app::saveCollection(collection));
+    ASSERT_TRUE(books::saveCollection(collection));
     EXPECT_EQ(reprints(),
               u"거래명세서공급자용 거래명세서공급받는자용 용공인수증공급자용 용공인수증공급받는자용"_s);
 
@@ -114,7 +114,7 @@ TEST_F(SlipPapers, AreReprintsUntilTheirSlipChanges) {
     ASSERT_EQ(sales::saveSlip(u"A", kDate, u"5001"), sales::SaveOutcome::Saved);
     EXPECT_FALSE(reprints().contains(u"거래명세서"_s));
     printAll(Copy::Seller);
-    print::SlipPapers(kDate, u"5001", u"B").print(app::kPapers, Copy::Seller);
+    print::SlipPapers(kDate, u"5001", u"B").print(books::kPapers, Copy::Seller);
     ASSERT_TRUE(sales::deleteSlip(kDate, u"5001", true));
     EXPECT_EQ(device_.value(u"SELECT COUNT(*) FROM PRINTLOG"_s), u"0"_s)
         << "the other user's go with the slip";
@@ -130,14 +130,14 @@ TEST_F(SlipPapers, PrintWithoutTheTableOfAnOlderTerminal) {
     for (const Copy copy : {Copy::Seller, Copy::Buyer, Copy::Seller}) {
         EXPECT_EQ(platform::termdev::rollText().count(u"재발행"_s), 0);
         platform::termdev::resetRoll();
-        EXPECT_EQ(papers.print(app::kPapers, copy).size(), 3);
+        EXPECT_EQ(papers.print(books::kPapers, copy).size(), 3);
     }
     EXPECT_EQ(platform::termdev::rollText().count(u"재발행"_s), 3) << "the third one repeats the first";
     // Of what was printed another time the slip's state is all that is known.
     EXPECT_EQ(reprints(), u"거래명세서공급자용 거래명세서공급받는자용"_s);
-    auto collection = *app::loadCollection(kDate, u"5001", u"A");
+    auto collection = *books::loadCollection(kDate, u"5001", u"A");
     collection.WonMoney += platform::Won(1);
-    EXPECT_TRUE(app::saveCollection(collection));
+    EXPECT_TRUE(books::saveCollection(collection));
     EXPECT_TRUE(sales::deleteSlip(kDate, u"5001", true));
     EXPECT_EQ(states(), QString());
 }

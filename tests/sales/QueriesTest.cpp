@@ -13,7 +13,7 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 /// The first column, so that a case names the rows that it wants in one line.
-QString codes(const db::Rows& rows) {
+QString codes(const platform::Rows& rows) {
     QStringList codes;
     for (int row = 0; row < rows.count(); ++row) codes << rows.at(row, 0);
     return codes.join(u' ');

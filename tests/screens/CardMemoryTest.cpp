@@ -6,7 +6,7 @@
 
 #include "Screens.h"
 #include "app/Session.h"
-#include "app/Transaction.h"
+#include "books/TransactionRecord.h"
 #include "platform/termdev/CardReader.h"
 #include "rovana-cardhost/Ledger.h"
 #include "support/HostProcess.h"
@@ -102,8 +102,8 @@ QStringList leftAfter(int workMode, const test::HostProcess& host) {
     app::session().WorkMode = workMode;
     app::session().action.GCode = u"0001"_s;
     app::session().action.JunNo = u"5001"_s;
-    app::resetTransactionRecord();
-    app::transactionRecord().amounts.total = platform::Won(11'000);
+    books::resetTransactionRecord();
+    books::transactionRecord().amounts.total = platform::Won(11'000);
     ui::runScreen(449);
     return whereOfTheCard();
 }

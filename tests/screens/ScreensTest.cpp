@@ -16,7 +16,7 @@
 #include "Screens.h"
 #include "app/KeypadRequest.h"
 #include "app/Session.h"
-#include "app/Transaction.h"
+#include "books/TransactionRecord.h"
 #include "sales/WorkingSlip.h"
 #include "support/PrintQt.h"
 #include "support/TestDevice.h"
@@ -125,8 +125,8 @@ class Screens : public testing::Test {
         session.action.JunNo = u"5001"_s;
         if (screen.dialog == 144) session.action.SeekValue = u"ㅈ"_s;
         sales::reloadSlip(session.UserID, session.WorkDate, session.action.JunNo);
-        app::resetTransactionRecord();
-        app::transactionRecord().amounts.card = platform::Won(999999999);
+        books::resetTransactionRecord();
+        books::transactionRecord().amounts.card = platform::Won(999999999);
         const QString number = kDebt.toString();
         app::keypadRequest() = {number,      number,      number,      u"패스워드"_s,    u"공상자"_s,
                                 u"입상자"_s, u"공상자"_s, u"입상자"_s, screen.keypadMode};

@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <functional>
 
-#include "app/CollectionSlip.h"
-#include "app/PaymentJournal.h"
+#include "books/CollectionSlip.h"
+#include "books/PaymentJournal.h"
 #include "container/ContainerStore.h"
 #include "db/MasterImport.h"
 #include "db/Schema.h"
@@ -31,8 +31,8 @@ const QString kNumber = u"5001"_s;
 const QString kUser = u"A"_s;
 const QString kPayment = u"0123456789abcdef0123456789abcdef"_s;
 
-app::CollectionSlip collection(int cash) {
-    app::CollectionSlip slip;
+books::CollectionSlip collection(int cash) {
+    books::CollectionSlip slip;
     slip.DDate = kDate;
     slip.GCode = u"0016"_s;
     slip.GName = u"강나루마트"_s;
@@ -63,17 +63,17 @@ const Change kChanges[] = {
     {"save a container slip",
      [] { return container::saveSlip(kUser, kDate, kNumber, u"0016") == container::SaveOutcome::Saved; }},
     {"delete a container slip", [] { return container::deleteSlip(kDate, kNumber).has_value(); }},
-    {"save a collection", [] { return app::saveCollection(collection(100000)); }},
-    {"delete a collection", [] { return app::removeCollection(kDate, kNumber, kUser); }},
+    {"save a collection", [] { return books::saveCollection(collection(100000)); }},
+    {"delete a collection", [] { return books::removeCollection(kDate, kNumber, kUser); }},
     {"note a payment",
      [] {
-         app::JournalPayment payment;
+         books::JournalPayment payment;
          payment.number = u"f"_s.repeated(32);
          payment.slip = collection(0);
          payment.slip.JunNo = u"5002"_s;
-         return app::notePayment(payment);
+         return books::notePayment(payment);
      }},
-    {"approve a payment", [] { return app::approvePayment(kPayment, u"000000000001").has_value(); }},
+    {"approve a payment", [] { return books::approvePayment(kPayment, u"000000000001").has_value(); }},
     {"close the day", [] { return totals::closeDay(kDate, kUser, platform::Won(1000)).has_value(); }},
     {"import", [] { return import() == db::ImportResult::Outcome::Loaded; }},
 };
@@ -114,11 +114,11 @@ class StorageFaultTest : public testing::Test {
                                    {u"JunNo", kNumber},
                                    {u"NBox", table == u"YTM" ? u"1" : u"2"}});
         device_.execute(u"UPDATE MTM SET UserID = 'A'; UPDATE YTM SET UserID = 'A'"_s);
-        app::saveCollection(collection(50000));
-        app::JournalPayment payment;
+        books::saveCollection(collection(50000));
+        books::JournalPayment payment;
         payment.number = kPayment;
         payment.slip = collection(50000);
-        EXPECT_TRUE(app::notePayment(payment));
+        EXPECT_TRUE(books::notePayment(payment));
         for (const QStringView paper : {u"거래명세서", u"용공인수증", u"입금표"})
             device_.insert(u"PRINTLOG", {{u"DDate", kDate},
                                          {u"JunNo", kNumber},

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/message/Component.h"
+#include "support/Pump.h"
 
 namespace test {
 
@@ -17,6 +18,7 @@ class Exchange {
     using Component = platform::message::Component;
 
     Exchange() {
+        needApplication();
         using namespace Qt::Literals::StringLiterals;
         QObject::connect(&component, &Component::communicating, [this] { events << u"communicating"_s; });
         QObject::connect(&component, &Component::messageSent, [this] { events << u"sent"_s; });

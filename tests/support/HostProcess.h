@@ -10,6 +10,7 @@
 
 #include "platform/message/Enrolment.h"
 #include "platform/message/SavedValues.h"
+#include "support/Pump.h"
 
 namespace test {
 
@@ -23,6 +24,7 @@ class HostProcess {
     /// one.
     void start(const QStringList& more = {}) {
         using namespace Qt::Literals::StringLiterals;
+        needApplication();
         process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         process_.start(program(), QStringList{u"--dir"_s, folder(), u"--demo"_s} + more);
         ASSERT_TRUE(process_.waitForStarted()) << program().toStdString();

@@ -15,13 +15,13 @@ using namespace Qt::Literals::StringLiterals;
 TEST(PaymentInquiry, BelievesOnlyWhatTellsOfThisPayment) {
     test::TestDevice device;
     const QDateTime sent(QDate(2026, 11, 21), QTime(9, 5));
-    app::JournalPayment payment;
+    books::JournalPayment payment;
     payment.number = QString(32, u'a');
     payment.charged = platform::Won(1000);
     payment.slip.JunNo = u"5001"_s;
     payment.slip.MSGSENDTIME = sent.toString(u"yyyyMMddHHmmss"_s);
     platform::clock::set(sent.addSecs(60));
-    ASSERT_TRUE(app::notePayment(payment));
+    ASSERT_TRUE(books::notePayment(payment));
 
     const QString own = payment.number.toUpper();
     const struct {
@@ -62,7 +62,7 @@ TEST(PaymentInquiry, BelievesOnlyWhatTellsOfThisPayment) {
     for (const auto& c : cases) {
         if (!c.before.isEmpty()) device.execute(c.before);
         platform::clock::set(sent.addSecs(c.secondsLater));
-        app::HostReply reply;
+        books::HostReply reply;
         reply.responseCode = c.code;
         reply.transactionNumber = c.transaction;
         reply.transactionAmount = c.amount;

@@ -2,7 +2,7 @@
 #include <QFileInfo>
 #include <QHostAddress>
 
-#include "app/PaymentJournal.h"
+#include "books/PaymentJournal.h"
 #include "platform/Device.h"
 #include "platform/message/Enrolment.h"
 #include "platform/message/SavedValues.h"
@@ -58,7 +58,7 @@ Outcome setCardHost(const Invocation& call) {
     if (startCipher() != kDone) return failure(u"the cipher library does not start"_s);
     // Another host has never seen the payment, and would let the terminal say that nothing was charged.
     PublicKey before{};
-    if (readHostKey(&before) == kDone && before != *key && app::hasUnsettledPayments()) {
+    if (readHostKey(&before) == kDone && before != *key && books::hasUnsettledPayments()) {
         return failure(
             u"what became of a payment is open, and only the host of before can tell: log in at the terminal "
             u"while it answers, or see \"rovanactl journal --help\""_s);

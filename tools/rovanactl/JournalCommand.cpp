@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "app/PaymentJournal.h"
+#include "books/PaymentJournal.h"
 #include "platform/Device.h"
 #include "platform/message/Frame.h"
 #include "rovanactl/Command.h"
@@ -26,14 +26,14 @@ bool isTransactionNumber(const QString& text) {
 
 /// Why the payment cannot be settled so; empty when it can.
 QString findHindrance(const QString& number, const QString& transactionNumber) {
-    const auto payments = app::journalPayments({});
+    const auto payments = books::journalPayments({});
     if (!payments) return u"the journal could not be read; \"rovanactl check\" tells more"_s;
-    const auto payment = std::ranges::find(*payments, number, &app::JournalPayment::number);
+    const auto payment = std::ranges::find(*payments, number, &books::JournalPayment::number);
     if (payment == payments->end()) return u"the journal has no payment %1"_s.arg(number);
     if (!payment->isUnsettled())
-        return u"payment %1 is %2 already"_s.arg(number, app::stateName(payment->state));
+        return u"payment %1 is %2 already"_s.arg(number, books::stateName(payment->state));
     if (transactionNumber.isEmpty()) return {};
-    if (const auto slip = app::findByTransactionNumber(transactionNumber))
+    if (const auto slip = books::findByTransactionNumber(transactionNumber))
         return u"transaction %1 is on slip %2 of %3 already"_s.arg(transactionNumber, slip->JunNo,
                                                                    slip->DDate);
     const bool isTaken = std::ranges::any_of(
@@ -61,12 +61,12 @@ Outcome settle(const Invocation& call) {
     if (const QString hindrance = findHindrance(number, transactionNumber); !hindrance.isEmpty())
         return failure(hindrance);
     if (!isApproved) {
-        if (!app::settlePayment(number, app::PaymentState::Released))
+        if (!books::settlePayment(number, books::PaymentState::Released))
             return failure(u"payment %1 could not be settled; nothing was changed"_s.arg(number));
         call.out << u"payment %1 is released: its slip can be paid again\n"_s.arg(number);
         return {};
     }
-    const auto slip = app::approvePayment(number, transactionNumber);
+    const auto slip = books::approvePayment(number, transactionNumber);
     if (!slip) return failure(u"payment %1 could not be settled; nothing was changed"_s.arg(number));
     call.out << u"payment %1 is approved: slip %2 of %3 (%4, %5) has transaction %6\n"_s.arg(
         number, slip->JunNo, slip->DDate, slip->UserID, slip->GName, transactionNumber);
@@ -79,14 +79,14 @@ Outcome runJournal(const Invocation& call) {
     const std::optional<QString> date = dateOption(call.options, u"date"_s);
     if (!date) return usageError(u"--date takes a date such as 2024-03-31"_s);
     if (Outcome missing = requireTable(u"PAYJOURNAL"); missing.exitCode != kSuccess) return missing;
-    const auto payments = app::journalPayments(call.options.isSet(u"date"_s) ? *date : QString());
+    const auto payments = books::journalPayments(call.options.isSet(u"date"_s) ? *date : QString());
     if (!payments) return failure(u"the journal could not be read; \"rovanactl check\" tells more"_s);
     call.out << u"sent\tstate\tkind\tcharged\tcustomer\tdate\tnumber\tuser\ttransaction\tmessage\n"_s;
-    for (const app::JournalPayment& payment : *payments) {
+    for (const books::JournalPayment& payment : *payments) {
         if (call.options.isSet(u"open"_s) && !payment.isUnsettled()) continue;
-        const app::CollectionSlip& slip = payment.slip;
+        const books::CollectionSlip& slip = payment.slip;
         const QStringList texts{slip.MSGSENDTIME,
-                                app::stateName(payment.state).toString(),
+                                books::stateName(payment.state).toString(),
                                 payment.isCard ? u"card"_s : u"cash"_s,
                                 platform::formatWon(payment.charged),
                                 slip.GName,

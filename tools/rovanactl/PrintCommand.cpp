@@ -26,7 +26,7 @@ struct Printable {
     QStringView word;
     QStringView slip;  ///< What it is made of, for the message that there is none.
     db::Sql (*users)(QStringView date, QStringView number);
-    std::optional<app::Paper> paper;  ///< Nothing for the receipt of a simple payment, always a reprint.
+    std::optional<books::Paper> paper;  ///< Nothing for the receipt of a simple payment, always a reprint.
 };
 
 db::Sql sellers(QStringView date, QStringView number) {
@@ -40,14 +40,14 @@ db::Sql collectors(QStringView date, QStringView number) {
 }
 
 constexpr Printable kPrintables[] = {
-    {u"sale", u"sales slip", sellers, app::Paper::Invoice},
-    {u"container", u"container slip", returners, app::Paper::ContainerReceipt},
-    {u"collection", u"collection slip", collectors, app::Paper::CollectionSlip},
+    {u"sale", u"sales slip", sellers, books::Paper::Invoice},
+    {u"container", u"container slip", returners, books::Paper::ContainerReceipt},
+    {u"collection", u"collection slip", collectors, books::Paper::CollectionSlip},
     {u"card", u"simple payment", collectors, std::nullopt},
 };
 
 std::optional<print::Document> compose(const Printable& printable, const QString& date, const QString& number,
-                                       const QString& user, app::Copy copy) {
+                                       const QString& user, books::Copy copy) {
     if (!printable.paper) return print::cardReceipt(date, number, user, std::nullopt, true);
     const bool isReprint = print::isReprint(*printable.paper, copy, date, number, user);
     return print::slipPaper(*printable.paper, date, number, user, copy, isReprint);
@@ -86,9 +86,10 @@ Outcome printSlip(const Invocation& call) {
         return usageError(u"the users %1 each have a slip %2 on %3; choose one with --user"_s.arg(
             users.join(u", "_s), number, *date));
     }
-    const auto document = users.isEmpty() ? std::nullopt
-                                          : compose(*printable, *date, number, users.first(),
-                                                    copy == u"buyer" ? app::Copy::Buyer : app::Copy::Seller);
+    const auto document = users.isEmpty()
+                              ? std::nullopt
+                              : compose(*printable, *date, number, users.first(),
+                                        copy == u"buyer" ? books::Copy::Buyer : books::Copy::Seller);
     if (!document) {
         return failure(u"there is no %1 %2 on %3"_s.arg(printable->slip, number, *date) +
                        (printable == std::begin(kPrintables)

@@ -1,0 +1,149 @@
+#include "books/ContainerBalance.h"
+
+#include <algorithm>
+#include <functional>
+#include <map>
+
+#include "db/Query.h"
+#include "platform/Won.h"
+
+namespace books {
+namespace {
+
+using platform::parseInteger;
+
+// The two marks of the products that are taken back.
+constexpr db::Statement<
+    u"SELECT MTM.PCode, PUMMOK.PName, BoxBonEa, DDate, Box, Bon FROM MTM, PUMMOK WHERE MTM.GCode = '%s' "
+    u"AND DDate <= '%s' AND PUMMOK.PCode = MTM.PCode AND (TTT = 'Y' OR TTT = 'Z')">
+    kDeliveries;
+constexpr db::Statement<
+    u"SELECT PCode, PName, DDate, JunNo, UserID, FBox, NBox, Bon FROM YTM WHERE GCode = '%s' "
+    u"AND DDate <= '%s'">
+    kReturns;
+// An empty user leaves the condition on him out.
+constexpr db::Statement<
+    u"SELECT PCode, FBox, NBox, Bon FROM YTM WHERE DDate = '%s' AND ('%s' = '' OR UserID = '%s')">
+    kReturnsOfDay;
+constexpr db::Statement<u"SELECT BoxBonEa FROM PUMMOK WHERE PCode = '%s' "> kBottlesPerBox;
+constexpr db::Statement<
+    u"SELECT YMONEY, GMONEY FROM YTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode = '%s'">
+    kDeposits;
+
+/// The counts are bounded so that no imported figure, however long, can overflow a sum or a product.
+std::int64_t bounded(std::int64_t count) {
+    constexpr std::int64_t kBound = 1'000'000'000;
+    return std::clamp(count, -kBound, kBound);
+}
+
+std::int64_t count(QStringView text) {
+    return bounded(parseInteger(text));
+}
+
+class Balances {
+  public:
+    ContainerBalance& of(const QString& pCode, const QString& pName) {
+        ContainerBalance& balance = byCode_[pCode];
+        if (balance.PCode.isEmpty()) {
+            balance.PCode = pCode;
+            balance.PName = pName;
+        }
+        return balance;
+    }
+
+    /// Bottles in a full crate; looked up once for each product.
+    std::int64_t bottlesPerBox(const QString& pCode) {
+        const auto known = bottles_.find(pCode);
+        if (known != bottles_.end()) return known->second;
+        const auto row = db::firstRow(kBottlesPerBox(pCode));
+        return bottles_[pCode] = row ? count(row->first()) : 0;
+    }
+
+    Containers containers(const ContainerReturn& line) {
+        const std::int64_t filled = bounded(line.filledCrates);
+        return {bounded(line.emptyCrates) + filled,
+                filled * bottlesPerBox(line.PCode) + bounded(line.bottles)};
+    }
+
+    QList<ContainerBalance> list() const {
+        QList<ContainerBalance> balances;
+        for (const auto& [code, balance] : byCode_) {
+            const bool isSettled =
+                balance.before.isZero() && balance.delivered.isZero() && balance.returned.isZero();
+            if (!isSettled) balances << balance;
+        }
+        return balances;
+    }
+
+  private:
+    std::map<QString, ContainerBalance, std::greater<>> byCode_;
+    std::map<QString, std::int64_t> bottles_;
+};
+
+}  // namespace
+
+Containers& Containers::operator+=(Containers other) {
+    crates += other.crates;
+    bottles += other.bottles;
+    return *this;
+}
+
+Containers& Containers::operator-=(Containers other) {
+    crates -= other.crates;
+    bottles -= other.bottles;
+    return *this;
+}
+
+Containers ContainerBalance::after() const {
+    Containers out = before;
+    out += delivered;
+    out -= returned;
+    return out;
+}
+
+QList<ContainerBalance> containerBalances(QStringView gCode, QStringView date, QStringView junNo,
+                                          QStringView userId, std::span<const ContainerReturn> returned) {
+    Balances balances;
+    db::forEachRow(kDeliveries(gCode, date), [&](db::CVORecordset& row) {
+        const std::int64_t boxes = count(row.GetFieldString(4));
+        const Containers sold{boxes, boxes * count(row.GetFieldString(2)) + count(row.GetFieldString(5))};
+        ContainerBalance& balance = balances.of(row.GetFieldString(0), row.GetFieldString(1));
+        (row.GetFieldString(3) == date ? balance.delivered : balance.before) += sold;
+    });
+    db::forEachRow(kReturns(gCode, date), [&](db::CVORecordset& row) {
+        const bool isSlipAtHand = row.GetFieldString(2) == date && row.GetFieldString(3) == junNo &&
+                                  row.GetFieldString(4) == userId;
+        if (isSlipAtHand) return;
+        const ContainerReturn line{row.GetFieldString(0), row.GetFieldString(1), count(row.GetFieldString(5)),
+                                   count(row.GetFieldString(6)), count(row.GetFieldString(7))};
+        balances.of(line.PCode, line.PName).before -= balances.containers(line);
+    });
+    for (const ContainerReturn& line : returned) {
+        balances.of(line.PCode, line.PName).returned += balances.containers(line);
+    }
+    return balances.list();
+}
+
+std::optional<Containers> containersTakenBack(QStringView date, QStringView userId) {
+    Balances balances;
+    Containers back;
+    const int rows = db::forEachRow(kReturnsOfDay(date, userId, userId), [&](db::CVORecordset& row) {
+        back += balances.containers({row.GetFieldString(0),
+                                     {},
+                                     count(row.GetFieldString(1)),
+                                     count(row.GetFieldString(2)),
+                                     count(row.GetFieldString(3))});
+    });
+    return rows < 0 ? std::nullopt : std::optional(back);
+}
+
+std::optional<platform::Won> savedRecovery(QStringView date, QStringView junNo, QStringView userId,
+                                           QStringView gCode) {
+    platform::Won recovery;
+    const int lines = db::forEachRow(kDeposits(date, junNo, userId, gCode), [&](db::CVORecordset& row) {
+        recovery += platform::parseWon(row.GetFieldString(0)) + platform::parseWon(row.GetFieldString(1));
+    });
+    return lines > 0 ? std::optional(recovery) : std::nullopt;
+}
+
+}  // namespace books

@@ -1,0 +1,175 @@
+#include "books/PaymentJournal.h"
+
+#include <algorithm>
+#include <array>
+
+#include "db/Query.h"
+#include "db/Transaction.h"
+#include "platform/Clock.h"
+
+namespace books {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr db::Statement<
+    u"INSERT INTO PAYJOURNAL (Number,State,Kind,Charged,SettledAt,DDate,Gubun,GCode,GName,JunNo,DTime,UserID,"
+    u"MMoney,PMoney,BMoney,YMoney,GMoney,YGMoney,InMoney,WonMoney,CardMoney,MisuInMoney,UnderMoney,YDMoney,"
+    u"GDMoney,MSGSENDTIME,BANKTRANNO) VALUES ('%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s',"
+    u"'%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s')">
+    kInsert;
+constexpr db::Statement<u"SELECT * FROM PAYJOURNAL WHERE Number = '%s'"> kOne;
+constexpr db::Statement<u"SELECT * FROM PAYJOURNAL WHERE State = 'sent' OR State = 'unknown' ORDER BY rowid">
+    kUnsettled;
+constexpr db::Statement<
+    u"SELECT * FROM PAYJOURNAL WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' ORDER BY rowid DESC">
+    kOfSlip;
+// An empty date leaves the condition on it out.
+constexpr db::Statement<u"SELECT * FROM PAYJOURNAL WHERE '%s' = '' OR DDate = '%s' ORDER BY rowid"> kOfDay;
+constexpr db::Statement<
+    u"SELECT Number FROM PAYJOURNAL WHERE DDate = '%s' AND UserID = '%s' AND Gubun = '단순결제' "
+    u"AND (State = 'sent' OR State = 'unknown')">
+    kUnsettledSimple;
+constexpr db::Statement<
+    u"SELECT Number FROM PAYJOURNAL WHERE DDate = '%s' AND JunNo = '%s' AND (State = 'sent' OR State = "
+    u"'unknown')">
+    kUnsettledNumber;
+constexpr db::Statement<u"SELECT Number FROM PAYJOURNAL ORDER BY rowid DESC"> kNewest;
+constexpr db::Statement<u"SELECT Number FROM PAYJOURNAL WHERE BANKTRANNO = '%s'"> kByTransaction;
+constexpr db::Statement<u"UPDATE PAYJOURNAL SET State = '%s', SettledAt = '%s' WHERE Number = '%s'"> kSettle;
+constexpr db::Statement<
+    u"UPDATE PAYJOURNAL SET State = 'approved', SettledAt = '%s', JunNo = '%s', BANKTRANNO = '%s' "
+    u"WHERE Number = '%s'">
+    kApprove;
+constexpr db::Statement<u"UPDATE PAYJOURNAL SET State = 'unknown', SettledAt = '%s' WHERE State = 'sent'">
+    kCloseStopped;
+
+constexpr QStringView kCard = u"card";
+constexpr QStringView kCash = u"cash";
+constexpr int kOwnColumns = 5;  ///< Those in front of the slip's.
+
+constexpr PaymentState kStates[] = {PaymentState::Sent, PaymentState::Approved, PaymentState::Refused,
+                                    PaymentState::Unknown, PaymentState::Released};
+
+JournalPayment paymentOf(db::CVORecordset& row) {
+    JournalPayment payment;
+    payment.number = row.GetFieldString(0);
+    const QString state = row.GetFieldString(1);
+    // A state that is none leaves it open whether the customer was charged.
+    const auto* const found = std::ranges::find(kStates, QStringView(state), stateName);
+    payment.state = found == std::end(kStates) ? PaymentState::Unknown : *found;
+    payment.isCard = row.GetFieldString(2) != kCash;
+    payment.charged = platform::parseWon(row.GetFieldString(3));
+    payment.settledAt = row.GetFieldString(4);
+    payment.slip = readCollection(row, kOwnColumns);
+    return payment;
+}
+
+std::optional<QList<JournalPayment>> payments(const db::Sql& select) {
+    QList<JournalPayment> found;
+    const int rows = db::forEachRow(select, [&](db::CVORecordset& row) { found << paymentOf(row); });
+    return rows < 0 ? std::nullopt : std::optional(found);
+}
+
+/// The first row.
+std::optional<JournalPayment> payment(const db::Sql& select) {
+    const auto found = payments(select).value_or(QList<JournalPayment>());
+    return found.isEmpty() ? std::nullopt : std::optional(found.first());
+}
+
+QString now() {
+    return platform::clock::now().toString(u"yyyy-MM-dd HH:mm:ss"_s);
+}
+
+}  // namespace
+
+QStringView stateName(PaymentState state) {
+    switch (state) {
+        case PaymentState::Sent:
+            return u"sent";
+        case PaymentState::Approved:
+            return u"approved";
+        case PaymentState::Refused:
+            return u"refused";
+        case PaymentState::Unknown:
+            return u"unknown";
+        case PaymentState::Released:
+            return u"released";
+    }
+    return {};
+}
+
+bool notePayment(const JournalPayment& payment) {
+    const CollectionSlip& slip = payment.slip;
+    db::Transaction transaction;
+    const auto earlier = payments(kOfSlip(slip.DDate, slip.JunNo, slip.UserID));
+    if (!earlier || std::ranges::any_of(*earlier, &JournalPayment::isUnsettled)) return false;
+    const auto columns = columnTexts(slip);
+    const QString charged = platform::formatWon(payment.charged);
+    std::array<QStringView, decltype(kInsert)::kValues> values{payment.number, stateName(PaymentState::Sent),
+                                                               payment.isCard ? kCard : kCash, charged, u""};
+    static_assert(kOwnColumns + std::tuple_size_v<decltype(columns)> == decltype(kInsert)::kValues);
+    std::ranges::copy(columns, values.begin() + kOwnColumns);
+    return transaction.run(kInsert(values)) && transaction.commit();
+}
+
+bool settlePayment(QStringView number, PaymentState state) {
+    db::Transaction transaction;
+    const auto before = payment(kOne(number));
+    if (!before || !before->isUnsettled()) return false;
+    return transaction.run(kSettle(stateName(state), now(), number)) && transaction.commit();
+}
+
+std::optional<CollectionSlip> approvePayment(QStringView number, QStringView transactionNumber) {
+    if (transactionNumber.isEmpty()) return std::nullopt;
+    db::Transaction transaction;
+    const auto before = payment(kOne(number));
+    if (!before || !before->isUnsettled()) return std::nullopt;
+    CollectionSlip approved = before->slip;
+    approved.BANKTRANNO = transactionNumber.toString();
+    const auto slip = putApproved(transaction, approved);
+    const bool isKept = slip && transaction.run(kApprove(now(), slip->JunNo, transactionNumber, number)) &&
+                        transaction.commit();
+    return isKept ? slip : std::nullopt;
+}
+
+void closeStoppedPayments() {
+    db::execute(kCloseStopped(now()));
+}
+
+QList<JournalPayment> unsettledPayments() {
+    return payments(kUnsettled()).value_or(QList<JournalPayment>());
+}
+
+bool hasUnsettledPayments() {
+    return db::hasRow(kUnsettled());
+}
+
+std::optional<JournalPayment> lastPayment(QStringView date, QStringView junNo, QStringView userId) {
+    return payment(kOfSlip(date, junNo, userId));
+}
+
+bool hasUnsettledPayment(QStringView date, QStringView junNo, QStringView userId) {
+    const auto found = payments(kOfSlip(date, junNo, userId)).value_or(QList<JournalPayment>());
+    return std::ranges::any_of(found, &JournalPayment::isUnsettled);
+}
+
+bool hasUnsettledSimplePayment(QStringView date, QStringView userId) {
+    return db::hasRow(kUnsettledSimple(date, userId));
+}
+
+platform::Won skipUnsettledNumbers(QStringView date, platform::Won number) {
+    while (db::hasRow(kUnsettledNumber(date, platform::formatWon(number)))) number += platform::Won(1);
+    return number;
+}
+
+std::optional<QList<JournalPayment>> journalPayments(QStringView date) {
+    return payments(kOfDay(date, date));
+}
+
+bool isLastPayment(const JournalPayment& payment, QStringView transactionNumber) {
+    const auto newest = db::firstRow(kNewest());
+    return newest && newest->value(0) == payment.number && !db::hasRow(kByTransaction(transactionNumber));
+}
+
+}  // namespace books

@@ -1,0 +1,87 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QStringView>
+#include <optional>
+
+#include "books/CollectionSlip.h"
+#include "platform/Won.h"
+
+/// Every payment that was sent to the card host and what became of it, in `PAYJOURNAL`. A payment is on disk
+/// before its request leaves, so that none is forgotten whatever happens to the terminal, and none is made
+/// again before it is known what became of the first. Neither track nor password is in it. In a database of
+/// an older terminal the table is missing: no payment can be noted then, and none is found.
+namespace books {
+
+enum class PaymentState {
+    Sent,      ///< Its exchange is under way, or the terminal stopped in it.
+    Approved,  ///< The collection slip has its transaction number.
+    Refused,   ///< The host has refused it and charged nothing.
+    Unknown,   ///< Its exchange ended without an answer.
+    Released,  ///< It has not reached the host, or the host will refuse it; nothing is charged.
+};
+
+/// "sent", "approved", "refused", "unknown" or "released"; `State` in the table.
+QStringView stateName(PaymentState state);
+
+/// What the salesman is told where a slip cannot be paid yet.
+inline constexpr QStringView kPaymentUnsettled =
+    u"앞의 카드결제 결과를 확인하지 못해 다시 결제할수 없습니다..! 카드사와 연결될때 다시 하세요!!";
+
+struct JournalPayment {
+    QString number;  ///< Message number, 32 hexadecimal digits.
+    PaymentState state = PaymentState::Sent;
+    bool isCard = true;     ///< Else cash that is entered at the host.
+    platform::Won charged;  ///< What the host was asked for, in won.
+    QString settledAt;      ///< "yyyy-MM-dd HH:mm:ss" of the last change of the state; empty while sent.
+    /// The slip that it pays, as it stood then. `MSGSENDTIME` is the time of sending, `BANKTRANNO` empty
+    /// until the payment is approved.
+    CollectionSlip slip;
+
+    /// True while it is open whether the customer has been charged.
+    bool isUnsettled() const { return state == PaymentState::Sent || state == PaymentState::Unknown; }
+};
+
+/// Notes a payment that is about to be sent, safe on disk on return. False when it could not be noted (no
+/// table, disk full, a single quote in a text) or when an earlier payment of its slip is unsettled; it must
+/// not be sent then.
+bool notePayment(const JournalPayment& payment);
+
+/// Settles an unsettled payment without an approval, or makes a sent one unknown. False when there is no such
+/// payment, or when the change did not last; nothing is changed then.
+bool settlePayment(QStringView number, PaymentState state);
+
+/// Settles an unsettled payment with its approval: journal, collection slip, receivable and the state of the
+/// sales slip in one transaction, safe on disk on return. A collection slip that has gone or been changed
+/// since is put back as it was charged. Where its number belongs to another customer or payment by now, it
+/// comes in under a number of its own. Returns the slip as it stands; nothing when the change did not last or
+/// `transactionNumber` is empty.
+std::optional<CollectionSlip> approvePayment(QStringView number, QStringView transactionNumber);
+
+/// Makes unknown what is still noted as sent. For when no exchange can be under way.
+void closeStoppedPayments();
+
+/// The unsettled payments of all users and days in the order of their sending.
+QList<JournalPayment> unsettledPayments();
+bool hasUnsettledPayments();
+
+/// The newest payment of the slip of that date, number and user; nothing without one.
+std::optional<JournalPayment> lastPayment(QStringView date, QStringView junNo, QStringView userId);
+bool hasUnsettledPayment(QStringView date, QStringView junNo, QStringView userId);
+/// The same for the user's simple payments of that date, whatever their numbers.
+bool hasUnsettledSimplePayment(QStringView date, QStringView userId);
+
+/// The first number from `number` on that no unsettled payment of that date has: one that may yet be found
+/// approved keeps its number, though no collection slip shows it.
+platform::Won skipUnsettledNumbers(QStringView date, platform::Won number);
+
+/// All payments of slips of that date in the order of their sending; an empty date stands for all. Nothing
+/// when they could not be read to the end.
+std::optional<QList<JournalPayment>> journalPayments(QStringView date);
+
+/// True when no later payment was sent and no payment of the journal has the transaction number, so that a
+/// last payment with that number can only be this one.
+bool isLastPayment(const JournalPayment& payment, QStringView transactionNumber);
+
+}  // namespace books

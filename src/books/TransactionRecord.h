@@ -1,0 +1,82 @@
+#pragma once
+
+#include <QString>
+
+#include "platform/SecureBytes.h"
+#include "platform/Won.h"
+
+namespace books {
+
+/// What a request to the card host was for.
+enum class RequestType { None, BalanceInquiry = 1, Payment = 2, PreviousTransaction = 3 };
+
+/// The amounts that a visit or a simple payment settles, in won.
+struct SettlementAmounts {
+    platform::Won sales;  ///< 주류매출액: supply and VAT.
+    platform::Won supply;
+    platform::Won vat;
+    platform::Won nonLiquor;          ///< 비주류금액.
+    platform::Won deposit;            ///< Container deposits charged on the visit.
+    platform::Won total;              ///< 합계.
+    platform::Won containerRecovery;  ///< 용공회수액: empties taken back, set against the total.
+    platform::Won card;
+    platform::Won cash;
+    platform::Won unpaid;             ///< 미결제액.
+    platform::Won earlierReceivable;  ///< 전미수입금: paid against older debt.
+    platform::Won previousReceivable;
+};
+
+/// The fields of the host's last reply, as texts.
+struct HostReply {
+    QString responseCode;       ///< 1102; "0000" alone means success.
+    QString responseText;       ///< 1203.
+    QString transactionNumber;  ///< 1008.
+    QString identification;     ///< 1002.
+    QString balanceSign;        ///< 1103; "0" positive.
+    QString transactionAmount;  ///< 1104.
+    QString feeAmount;          ///< 1105.
+    QString depositedAmount;    ///< 1106.
+    QString remainingAmount;    ///< 1107.
+    QString accountBalance;     ///< 1109.
+    QString withdrawalLimit;    ///< 1110.
+};
+
+/// The saved slip that an exchange pays or reprints.
+struct SlipIdentity {
+    QString date;  ///< "yyyy-MM-dd".
+    QString junNo;
+    QString userId;
+    QString gCode;
+};
+
+/// The record that the collection screens fill, the card dialog settles, and saving and printing read.
+struct TransactionRecord {
+    RequestType requestType = RequestType::None;
+    QString paymentKind;  ///< "1" card, "2" cash, empty for neither.
+    SlipIdentity slip;
+    SettlementAmounts amounts;
+    platform::Won amountToCharge;
+    int cardPaymentFlag = 0;  ///< 1 sends a card payment whatever the card amount is.
+
+    platform::SecureText track2;
+    platform::SecureText track3;
+    platform::SecureText password;
+
+    HostReply reply;
+
+    // The customer as the receipt names him.
+    QString customerName;
+    QString customerNumber;  ///< Business registration number.
+    QString customerOwner;
+    QString customerAddress;
+
+    int printSelector = 1;  ///< 1 seller's copy, 2 buyer's copy.
+};
+
+/// The one transaction record of the process.
+TransactionRecord& transactionRecord();
+
+/// Empties the record before a payment is prepared; tracks and password are wiped.
+void resetTransactionRecord();
+
+}  // namespace books

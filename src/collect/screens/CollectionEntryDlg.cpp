@@ -1,0 +1,325 @@
+#include "collect/screens/CollectionEntryDlg.h"
+
+#include <QLabel>
+#include <QTimer>
+#include <functional>
+#include <optional>
+#include <utility>
+
+#include "app/Dialogs.h"
+#include "app/KeypadRequest.h"
+#include "app/Session.h"
+#include "books/ContainerBalance.h"
+#include "books/PaymentJournal.h"
+#include "collect/Settlement.h"
+#include "ui/Messages.h"
+#include "ui/Terminal.h"
+#include "ui/WaitCursor.h"
+
+namespace collect {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using platform::parseWon;
+using platform::Won;
+
+constexpr int kFirstRowTop = 26;
+constexpr int kRowHeight = 43;
+constexpr int kCaptionHeight = 24;
+constexpr int kColumnLeft[] = {2, 122};
+constexpr int kColumnWidth = 116;
+
+QPoint cellAt(int column, int row) {
+    return {kColumnLeft[column], kFirstRowTop + row * kRowHeight};
+}
+
+QRect valueAt(int column, int row) {
+    return {cellAt(column, row) + QPoint(0, kCaptionHeight),
+            QSize(kColumnWidth - 4, kRowHeight - kCaptionHeight)};
+}
+
+/// The value texts and the amounts that they show.
+struct Value {
+    int control;
+    Won books::SettlementAmounts::*amount;
+};
+constexpr Value kValues[] = {
+    {1099, &books::SettlementAmounts::sales},
+    {1100, &books::SettlementAmounts::supply},
+    {1101, &books::SettlementAmounts::vat},
+    {1105, &books::SettlementAmounts::nonLiquor},
+    {1102, &books::SettlementAmounts::total},
+    {1103, &books::SettlementAmounts::containerRecovery},
+    {1084, &books::SettlementAmounts::card},
+    {1085, &books::SettlementAmounts::cash},
+    {1086, &books::SettlementAmounts::unpaid},
+    {1087, &books::SettlementAmounts::earlierReceivable},
+    {1090, &books::SettlementAmounts::previousReceivable},
+};
+constexpr int kResultingReceivable = 1091;
+
+QString grouped(Won amount) {
+    return platform::groupDigits(platform::formatWon(amount));
+}
+
+void tellExcess(Won excess) {
+    ui::message(u"용공초과액이 ['%1'원] 발생하였습니다. 매출금액과 결제금액을 다시 확인하세요..!!"_s.arg(
+        grouped(excess)));
+}
+
+}  // namespace
+
+CCollectionEntryDlg::CCollectionEntryDlg() : Screen(app::dialogs::kCollectionEntry) {
+    const app::ActionValues& action = app::session().action;
+    addLabel(1108, {}, {4, 0, 150, 24}, ui::FontHeight::Medium);
+    setFittedText(1108, action.GName, ui::FontHeight::Medium);
+    addAmount(1109, u"전표번호"_s, {156, 0, 40, 24}, ui::FontHeight::Medium);
+    setText(1109, action.JunNo);
+    addLabel(1110, {}, {198, 0, 40, 24}, ui::FontHeight::Small, Qt::AlignRight | Qt::AlignVCenter);
+
+    addSaleRows();
+    addPaymentRows();
+
+    setCancelButton(addBottomButton(1000, u"이전"_s, 0, ui::bitmaps::kCancel, [this] { close(Cancelled); }));
+    addBottomButton(1002, u"전표삭제"_s, 1, ui::bitmaps::kDelete, [this] { deletePrevious(); });
+    setDefaultButton(addBottomButton(1003, u"완료"_s, 3, ui::bitmaps::kConfirm, [this] { finish(); }));
+
+    load();
+    showAmounts();
+}
+
+void CCollectionEntryDlg::addSaleRows() {
+    struct Row {
+        int button;
+        QString caption;
+        int value;
+        Key key;
+    };
+    const Key keyNonLiquorAlone = [](books::SettlementAmounts& amounts, Won keyed) {
+        keyNonLiquor(amounts, keyed);
+        return Won();
+    };
+    const Row rows[] = {
+        {1092, u"주류매출액"_s, 1099, keySales}, {1093, u"공급가액"_s, 1100, keySupply},
+        {1094, u"부가세액"_s, 1101, keyVat},     {1104, u"비주류금액"_s, 1105, keyNonLiquorAlone},
+        {1095, u"매출합계"_s, 1102, nullptr},    {1096, u"용공회수액"_s, 1103, keyRecovery}};
+    for (int i = 0; i < int(std::size(rows)); ++i) {
+        const Row& row = rows[i];
+        ui::BitmapButton* button = addButton(row.button, row.caption, cellAt(0, i), ui::bitmaps::kWideAmount);
+        button->setEnabled(row.key != nullptr);
+        connect(button, &ui::BitmapButton::clicked, this, [this, row] { keyAmount(row.caption, row.key); });
+        addAmount(row.value, row.caption, valueAt(0, i));
+    }
+}
+
+void CCollectionEntryDlg::addPaymentRows() {
+    struct Row {
+        int button;
+        QString caption;
+        int value;
+        ui::ButtonBitmaps bitmaps;
+        std::function<void()> action;
+    };
+    const Row rows[] = {
+        {1097, u"카드입금"_s, 1084, ui::bitmaps::kSettle, [this] { settle(settleByCard); }},
+        {1098, u"현금입금"_s, 1085, ui::bitmaps::kSettle, [this] { settle(settleInCash); }},
+        {1083, u"외상처리"_s, 1086, ui::bitmaps::kSettle, [this] { settle(settleOnCredit); }},
+        {1013, u"전미수"_s, 1087, ui::bitmaps::kWideAmount, [this] { keyEarlierReceivable(); }},
+    };
+    for (int i = 0; i < int(std::size(rows)); ++i) {
+        addButton(rows[i].button, rows[i].caption, cellAt(1, i), rows[i].bitmaps, rows[i].action);
+        addAmount(rows[i].value, rows[i].caption, valueAt(1, i));
+    }
+    const struct {
+        QString caption;
+        int value;
+    } receivables[] = {{u"전채권잔액"_s, 1090}, {u"총채권잔액"_s, kResultingReceivable}};
+    for (int i = 0; i < 2; ++i) {
+        addLabel(0, receivables[i].caption, {cellAt(1, 4 + i), QSize(kColumnWidth, kCaptionHeight)},
+                 ui::FontHeight::Small, Qt::AlignCenter);
+        addAmount(receivables[i].value, receivables[i].caption, valueAt(1, 4 + i));
+    }
+}
+
+void CCollectionEntryDlg::load() {
+    app::SessionValues& session = app::session();
+    auto saved = books::loadCollection(session.WorkDate, session.action.JunNo, session.UserID);
+    // A number is given again once its slip is deleted, but the collection may have stayed.
+    isOthers_ = saved && !session.action.GCode.isEmpty() && saved->GCode != session.action.GCode;
+    if (isOthers_) saved.reset();
+    isApproved_ = saved && saved->isApproved();
+    if (session.WorkMode != app::kSalesWork) session.action.CrateDepositSum = saved ? saved->YMoney : Won();
+    if (saved) {
+        amounts_ = saved->amounts();
+        // The collection list knows the customer's name only.
+        session.action.GCode = saved->GCode;
+    }
+    if (session.WorkMode == app::kSalesWork) {
+        // The goods as they are payable, so that the total is the slip's own, rounded as the salesman's VAT
+        // mode says.
+        amounts_.sales = session.action.CheckoutTotal - session.action.CheckoutDeposits;
+        amounts_.supply = session.action.CheckoutSupply;
+        amounts_.vat = session.action.CheckoutVat;
+        amounts_.deposit = session.action.CheckoutDeposits;
+    }
+    recomputeTotal(amounts_);
+    Won excess;
+    if (saved && !saved->isSimplePayment() && saved->amounts().total != amounts_.total)
+        excess = settleNewTotal(amounts_, saved->amounts().total);
+    if (saved && isApproved_) {
+        approvedCard_ = amounts_.card;
+        setText(1110, u"결제"_s);
+    }
+    amounts_.previousReceivable = books::previousReceivable(session.action.GCode, session.WorkDate,
+                                                            session.action.JunNo, session.UserID);
+    takeOverContainers(saved, excess);
+}
+
+void CCollectionEntryDlg::takeOverContainers(const std::optional<books::CollectionSlip>& saved, Won excess) {
+    app::SessionValues& session = app::session();
+    // What the container slip handed over is used up here. Where the way here passes the containers by, their
+    // slip says what it is worth.
+    auto recovery = std::exchange(session.action.ContainerRecovery, std::nullopt);
+    const bool isHandedOver = recovery.has_value();
+    if (!isHandedOver && !(saved && saved->isSimplePayment())) {
+        recovery = books::savedRecovery(session.WorkDate, session.action.JunNo, session.UserID,
+                                        session.action.GCode);
+    }
+    if (recovery == amounts_.containerRecovery) recovery.reset();
+    // Another amount on the saved collection may have been keyed.
+    const bool isAsked = recovery && !isHandedOver && saved;
+    if (recovery && !isAsked) excess = takeOver(*recovery);
+    holdApprovedCard();
+    if (excess.isZero() && !isAsked) return;
+    QTimer::singleShot(0, this, [this, excess, recovery, isAsked] {
+        if (!excess.isZero()) tellExcess(excess);
+        if (isAsked) askToTakeOver(*recovery);
+    });
+}
+
+Won CCollectionEntryDlg::takeOver(Won recovery) {
+    return takeOverRecovery(amounts_, recovery, app::session().WorkMode != app::kSalesWork);
+}
+
+void CCollectionEntryDlg::askToTakeOver(Won recovery) {
+    if (!ui::confirm(u"용공회수전표의 금액은 ['%1'원]입니다. 용공회수액을 바꿀까요?"_s.arg(grouped(recovery)),
+                     u"용공회수액"_s)) {
+        return;
+    }
+    const Won excess = takeOver(recovery);
+    holdApprovedCard();
+    if (!excess.isZero()) tellExcess(excess);
+    showAmounts();
+}
+
+void CCollectionEntryDlg::showAmounts() {
+    for (const Value& value : kValues)
+        setFittedText(value.control, grouped(amounts_.*value.amount), ui::FontHeight::Small);
+    setFittedText(kResultingReceivable, grouped(resultingReceivable(amounts_)), ui::FontHeight::Small);
+}
+
+void CCollectionEntryDlg::keyAmount(const QString& title, Key key) {
+    if (!app::askNumber(title)) return;
+    const Won excess = key(amounts_, parseWon(app::keypadRequest().KeypadValue1));
+    holdApprovedCard();
+    if (!excess.isZero()) tellExcess(excess);
+    showAmounts();
+}
+
+void CCollectionEntryDlg::holdApprovedCard() {
+    if (approvedCard_) holdCard(amounts_, *approvedCard_);
+}
+
+void CCollectionEntryDlg::settle(void (*rule)(books::SettlementAmounts&)) {
+    if (approvedCard_ && rule == settleByCard) {
+        ui::message(u"카드결제된 전표의 카드금액은 바꿀수 없습니다..!"_s);
+        return;
+    }
+    rule(amounts_);
+    holdApprovedCard();
+    showAmounts();
+}
+
+void CCollectionEntryDlg::keyEarlierReceivable() {
+    if (!app::askNumber(u"전미수"_s)) return;
+    collect::keyEarlierReceivable(amounts_, parseWon(app::keypadRequest().KeypadValue1));
+    showAmounts();
+}
+
+void CCollectionEntryDlg::deletePrevious() {
+    const app::SessionValues& session = app::session();
+    if (isApproved_ && !ui::confirm(u"카드결제된 입금표를 삭제할까요?"_s, u"카드결제된 입금표삭제"_s)) return;
+    // Another customer's collection is not this one's to delete.
+    if (!isOthers_ && !books::removeCollection(session.WorkDate, session.action.JunNo, session.UserID)) {
+        ui::message(u"입금전표를 삭제하지 못했습니다..!"_s);
+        return;
+    }
+    ui::message(u"이전입금전표내역을 삭제하였습니다.."_s);
+    isApproved_ = false;
+    approvedCard_.reset();
+    setText(1110, {});
+    amounts_.previousReceivable = books::previousReceivable(session.action.GCode, session.WorkDate,
+                                                            session.action.JunNo, session.UserID);
+    showAmounts();
+}
+
+bool CCollectionEntryDlg::isPaymentSettled() {
+    app::SessionValues& session = app::session();
+    const auto isUnsettled = [&] {
+        return books::hasUnsettledPayment(session.WorkDate, session.action.JunNo, session.UserID);
+    };
+    if (!isUnsettled()) return true;
+    ui::runScreen(app::dialogs::kPaymentCheck);
+    if (isUnsettled()) {
+        ui::message(books::kPaymentUnsettled.toString());
+        return false;
+    }
+    const auto last = books::lastPayment(session.WorkDate, session.action.JunNo, session.UserID);
+    if (!last || last->state != books::PaymentState::Approved) return true;
+    const books::SettlementAmounts paid = last->slip.amounts();
+    if (paid.total != amounts_.total || paid.containerRecovery != amounts_.containerRecovery) {
+        // The slip was changed meanwhile: what it is worth more is unpaid, which the screen has to show
+        // first.
+        load();
+        showAmounts();
+        return false;
+    }
+    // The visit is paid already, by what the card was charged then.
+    session.SlipDone = 1;
+    close(Accepted);
+    return false;
+}
+
+void CCollectionEntryDlg::finish() {
+    if (nothingToSettle(amounts_)) {
+        ui::message(
+            u"카드결제&현금결제&전미수입금&미결제액&용공회수액 중에서  금액이 0원 이상이여야 합니다.."_s);
+        return;
+    }
+    if (!isPaymentSettled()) return;
+    const app::SessionValues& session = app::session();
+    books::CollectionSlip slip;
+    slip.DDate = session.WorkDate;
+    slip.GCode = session.action.GCode;
+    slip.GName = session.action.GName;
+    slip.JunNo = session.action.JunNo;
+    slip.UserID = session.UserID;
+    slip.setAmounts(amounts_, session.action.CrateDepositSum);
+    bool isSaved = false;
+    {
+        const ui::WaitCursor wait;
+        isSaved = books::saveCollection(slip, &books::replacedCollection());
+    }
+    // Without its row an approval would have no place, so the way to the card ends here.
+    if (!isSaved) {
+        ui::message(u"입금전표를 저장하지 못했습니다..!"_s);
+        return;
+    }
+    books::resetTransactionRecord();
+    books::transactionRecord().amounts = amounts_;
+    const bool isPaidOnLine =
+        session.WorkMode != app::kCollectionWork && session.WorkMode != app::kContainerWork && !isApproved_;
+    closeAndOpen(isPaidOnLine ? app::dialogs::kCard : app::dialogs::kSlipPrinting);
+}
+
+}  // namespace collect

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QString>
+#include <optional>
+
+#include "books/CollectionSlip.h"
+#include "books/TransactionRecord.h"
+#include "ui/Screen.h"
+
+namespace collect {
+
+/// The collection entry (dialog 450): what the customer pays at the end of a visit, and how.
+class CCollectionEntryDlg : public ui::Screen {
+    Q_OBJECT
+
+  public:
+    CCollectionEntryDlg();
+
+  private:
+    using Key = platform::Won (*)(books::SettlementAmounts&, platform::Won);
+
+    void addSaleRows();
+    void addPaymentRows();
+    void load();
+    void keyAmount(const QString& title, Key key);
+    void settle(void (*rule)(books::SettlementAmounts&));
+    void keyEarlierReceivable();
+    void deletePrevious();
+    /// Asks what became of a payment of this slip that was not answered. False when that stays open, or when
+    /// it was approved, which ends the visit.
+    bool isPaymentSettled();
+    void finish();
+    /// Takes over what the container slip of the visit is worth, and tells `excess`, or the recovery's excess
+    /// after that, once the screen shows.
+    void takeOverContainers(const std::optional<books::CollectionSlip>& saved, platform::Won excess);
+    /// Takes the worth of the container slip over, as if keyed. Result as for keyRecovery.
+    platform::Won takeOver(platform::Won recovery);
+    /// The container slip is worth another amount than the saved collection has for it.
+    void askToTakeOver(platform::Won recovery);
+    /// After every change: the card of an approved collection keeps its amount.
+    void holdApprovedCard();
+    void showAmounts();
+
+    books::SettlementAmounts amounts_;
+    bool isApproved_ = false;
+    /// The saved collection of this number is another customer's; it gets one of its own when this is saved.
+    bool isOthers_ = false;
+    /// What the card was charged, when this customer's collection is approved.
+    std::optional<platform::Won> approvedCard_;
+};
+
+}  // namespace collect

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "books/TransactionRecord.h"
+#include "collect/SimplePayment.h"
+#include "ui/Screen.h"
+
+namespace collect {
+
+/// The simple payment (dialog 104): the amounts of a card payment without a sales slip.
+class CSimplePaymentDlg : public ui::Screen {
+    Q_OBJECT
+
+  public:
+    CSimplePaymentDlg();
+
+  private:
+    void keyAmount(SimpleAmount which, const QString& title);
+    void finish();
+    void showAmounts();
+
+    books::SettlementAmounts amounts_;
+};
+
+}  // namespace collect

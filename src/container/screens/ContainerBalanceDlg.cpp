@@ -1,0 +1,91 @@
+#include "container/screens/ContainerBalanceDlg.h"
+
+#include <QLabel>
+#include <QStringBuilder>
+
+#include "app/Dialogs.h"
+#include "app/Session.h"
+#include "container/WorkingContainers.h"
+#include "ui/ReportList.h"
+#include "ui/WaitCursor.h"
+
+namespace container {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using books::ContainerBalance;
+
+constexpr int kProductName = 1060;
+constexpr int kFirstRowTop = 200;
+constexpr int kRowHeight = 18;
+constexpr auto kRight = Qt::AlignRight | Qt::AlignVCenter;
+
+/// A row of the product's figures: its label, and its crates and bottles.
+struct FigureRow {
+    QStringView caption;
+    int crates;
+    int bottles;
+    books::Containers (*of)(const ContainerBalance&);
+};
+constexpr FigureRow kFigureRows[] = {
+    {u"방문전", 1077, 1082, [](const ContainerBalance& balance) { return balance.before; }},
+    {u"금일출고", 1078, 1083, [](const ContainerBalance& balance) { return balance.delivered; }},
+    {u"회  수", 1079, 1084, [](const ContainerBalance& balance) { return balance.returned; }},
+    {u"잔  액", 1080, 1085, [](const ContainerBalance& balance) { return balance.after(); }},
+};
+
+}  // namespace
+
+CContainerBalanceDlg::CContainerBalanceDlg() : Screen(app::dialogs::kContainerBalance) {
+    const ui::WaitCursor wait;
+    addLabel(1059, {}, {4, 0, 232, 24});
+    setFittedText(1059, u"용공잔액  "_s + app::session().action.GName, ui::FontHeight::Medium);
+    ui::ReportList* list = addList(1054, {0, 25, 240, 138});
+    const ui::ListColumn columns[] = {{u"상품명"_s, 116}, {u"상자"_s, 50, kRight}, {u"공병"_s, 58, kRight}};
+    list->setColumns(columns);
+    describe(list, u"용공잔액 상품"_s);
+    connect(list, &ui::ReportList::rowClicked, this, &CContainerBalanceDlg::showProduct);
+
+    addLabel(kProductName, {}, {4, 164, 232, 18});
+    addLabel(0, u"상자"_s, {84, 182, 70, kRowHeight}, ui::FontHeight::Small, kRight);
+    addLabel(0, u"공병"_s, {160, 182, 74, kRowHeight}, ui::FontHeight::Small, kRight);
+    int top = kFirstRowTop;
+    for (const FigureRow& row : kFigureRows) {
+        addLabel(0, row.caption.toString(), {4, top, 76, kRowHeight});
+        addAmount(row.crates, row.caption % u" 상자", {84, top, 70, kRowHeight});
+        addAmount(row.bottles, row.caption % u" 공병", {160, top, 74, kRowHeight});
+        top += kRowHeight;
+    }
+    ui::BitmapButton* done =
+        addBottomButton(1000, u"확  인"_s, 3, ui::bitmaps::kConfirm, [this] { close(Accepted); });
+    setDefaultButton(done);
+    setCancelButton(done);
+
+    balances_ = workingBalances(app::session().action.GCode, app::session().WorkDate,
+                                app::session().action.JunNo, app::session().UserID);
+    platform::Rows rows{.columns = 3, .cells = {}};
+    for (const ContainerBalance& balance : balances_) {
+        const books::Containers after = balance.after();
+        rows.cells << balance.PName << QString::number(after.crates) << QString::number(after.bottles);
+    }
+    list->setRows(rows);
+    list->setFocus();
+    if (balances_.isEmpty()) {
+        setText(kProductName, u"용공 거래가 없습니다."_s);
+    } else {
+        list->selectRow(0);
+        showProduct(0);
+    }
+}
+
+void CContainerBalanceDlg::showProduct(int row) {
+    const ContainerBalance& balance = balances_[row];
+    setFittedText(kProductName, balance.PCode + u" "_s + balance.PName, ui::FontHeight::Small);
+    for (const FigureRow& figure : kFigureRows) {
+        const books::Containers held = figure.of(balance);
+        setFittedText(figure.crates, QString::number(held.crates), ui::FontHeight::Small);
+        setFittedText(figure.bottles, QString::number(held.bottles), ui::FontHeight::Small);
+    }
+}
+
+}  // namespace container

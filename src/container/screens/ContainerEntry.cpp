@@ -1,0 +1,121 @@
+#include "container/screens/ContainerEntry.h"
+
+#include <QLabel>
+#include <QTimer>
+
+#include "app/Dialogs.h"
+#include "app/KeypadRequest.h"
+#include "app/Session.h"
+#include "container/ContainerProduct.h"
+#include "container/ContainerStore.h"
+#include "container/WorkingContainers.h"
+#include "ui/Messages.h"
+#include "ui/Terminal.h"
+
+namespace container {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr int kCustomerName = 1059;
+constexpr int kReceivable = 1088;
+
+constexpr std::int64_t kHighestCount = 999;
+
+}  // namespace
+
+ContainerEntry::ContainerEntry(int dialogId) : Screen(dialogId) {
+    addLabel(kCustomerName, {}, {4, 0, 232, 22});
+    addLabel(0, u"채권잔액"_s, {4, 22, 60, 18});
+    addAmount(kReceivable, u"채권잔액"_s, {66, 22, 170, 18});
+    showCustomer();
+    const app::SessionValues& session = app::session();
+    if (!openSlip(session.UserID, session.WorkDate, session.action.JunNo)) {
+        QTimer::singleShot(0, this, [this] {
+            ui::message(u"용공회수 전표를 열지 못했습니다..!"_s);
+            close(Cancelled);
+        });
+    }
+    // A number is given again once its sale is deleted, but the containers may have stayed.
+    if (isOtherCustomers(session.action.GCode)) emptySlip();
+}
+
+void ContainerEntry::showCustomer() {
+    app::ActionValues& action = app::session().action;
+    const CustomerAccount account = customerAccount(action.GCode);
+    action.CustomerKind = account.Gubun;
+    setFittedText(kCustomerName, action.GName, ui::FontHeight::Medium);
+    setAmount(kReceivable, account.CJMoney);
+}
+
+std::optional<ContainerCounts> ContainerEntry::askCounts(const ContainerCounts& start) {
+    std::array<QString, 3> starts;
+    if (!start.isZero()) {
+        starts = {QString::number(start.bottles), QString::number(start.emptyCrates),
+                  QString::number(start.filledCrates)};
+    }
+    if (!app::askThreeNumbers({u"공  병"_s, u"공상자"_s, u"입상자"_s}, starts)) return std::nullopt;
+    const app::KeypadRequest& keyed = app::keypadRequest();
+    const ContainerCounts counts{.bottles = platform::parseInteger(keyed.KeypadValue1),
+                                 .emptyCrates = platform::parseInteger(keyed.KeypadValue2),
+                                 .filledCrates = platform::parseInteger(keyed.KeypadValue3)};
+    for (const std::int64_t count : {counts.bottles, counts.emptyCrates, counts.filledCrates}) {
+        if (count < 0) {
+            ui::message(u"회수수량은 0보다 작을수 없습니다..!"_s);
+            return std::nullopt;
+        }
+        if (count > kHighestCount) {
+            ui::message(u"공병, 상자 수량을 3자리까지만 지원합니다.. ^^!"_s);
+            return std::nullopt;
+        }
+    }
+    return counts;
+}
+
+bool ContainerEntry::addLine(const QString& pCode, const ContainerCounts& counts) {
+    const app::SessionValues& session = app::session();
+    const ContainerProduct product = containerProduct(pCode).value_or(ContainerProduct{});
+    ContainerLine line;
+    line.DDate = session.WorkDate;
+    line.GCode = session.action.GCode;
+    line.GName = session.action.GName;
+    line.JunNo = session.action.JunNo;
+    line.PCode = pCode;
+    line.PName = product.pname;
+    line.setCounts(counts);
+    line.setAmounts(containerAmounts(counts, product.prices));
+    return insertLine(line);
+}
+
+bool ContainerEntry::recount(const ContainerKey& key, const ContainerCounts& counts) {
+    const ContainerProduct product = containerProduct(key.PCode).value_or(ContainerProduct{});
+    return replaceCounts(key, counts, containerAmounts(counts, product.prices));
+}
+
+void ContainerEntry::finish() {
+    app::SessionValues& session = app::session();
+    const SaveOutcome outcome =
+        saveSlip(session.UserID, session.WorkDate, session.action.JunNo, session.action.GCode);
+    // Money follows what is saved.
+    if (outcome == SaveOutcome::Failed) {
+        ui::message(u"용공회수 전표를 저장하지 못했습니다..!"_s);
+        return;
+    }
+    // On a visit taking nothing back is the normal case.
+    if (outcome == SaveOutcome::Empty && session.WorkMode != app::kSalesWork) {
+        // What the slip had been worth is off the balance.
+        showCustomer();
+        ui::message(u"용공회수 전표에 등록된 상품이 없습니다..!"_s);
+        return;
+    }
+    session.action.ContainerRecovery = workingSums().recovery();
+    ui::runScreen(app::dialogs::kCollectionEntry);
+    if (session.SlipDone == 1) {
+        close(Accepted);
+        return;
+    }
+    // The collection may have moved the balance.
+    showCustomer();
+}
+
+}  // namespace container

@@ -1,0 +1,239 @@
+#include "container/screens/ContainerSlipDlg.h"
+
+#include <QLabel>
+#include <algorithm>
+
+#include "app/Dialogs.h"
+#include "app/KeypadRequest.h"
+#include "app/Session.h"
+#include "books/ContainerBalance.h"
+#include "container/ContainerProduct.h"
+#include "container/WorkingContainers.h"
+#include "ui/Messages.h"
+#include "ui/ReportList.h"
+#include "ui/Terminal.h"
+
+namespace container {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using platform::Won;
+
+constexpr int kBalance = 1099;
+constexpr auto kRight = Qt::AlignRight | Qt::AlignVCenter;
+
+/// A row of the amounts: its button and caption, the slip's sum, the selected line's value.
+struct AmountRow {
+    int button;
+    QStringView caption;
+    int slipSum;
+    int lineValue;
+    Won ContainerAmounts::*amount;
+};
+constexpr AmountRow kAmountRows[] = {
+    {1092, u"용  기", 1077, 1082, &ContainerAmounts::crates},
+    {1093, u"공  병", 1078, 1083, &ContainerAmounts::bottles},
+    {1096, u"용수수", 1079, 1084, &ContainerAmounts::crateFee},
+    {1076, u"공수수", 1080, 1085, &ContainerAmounts::bottleFee},
+};
+constexpr int kTotalSum = 1081;
+constexpr int kTotalOfLine = 1086;
+constexpr int kFirstRowTop = 153;
+constexpr int kRowHeight = 25;
+
+}  // namespace
+
+CContainerSlipDlg::CContainerSlipDlg() : ContainerEntry(app::dialogs::kContainerSlip) {
+    addList();
+    addAmountRows();
+    addLabel(kBalance, {}, {4, 270, 232, 15});
+    addButtons();
+    showLines();
+    list_->setFocus();
+}
+
+void CContainerSlipDlg::addList() {
+    list_ = Screen::addList(1054, {0, 41, 240, 97});
+    const ui::ListColumn columns[] = {{u"코드"_s, 38},
+                                      {u"상품명"_s, 104},
+                                      {u"공상"_s, 30, kRight},
+                                      {u"입상"_s, 30, kRight},
+                                      {u"공병"_s, 30, kRight}};
+    list_->setColumns(columns);
+    describe(list_, u"용공회수 상품"_s);
+    connect(list_, &ui::ReportList::rowClicked, this, &CContainerSlipDlg::selectLine);
+    connect(list_, &ui::ReportList::emptyPartClicked, this, [this] {
+        deselect();
+        ui::message(u"매출상품이 선택되지 않았습니다..!"_s);
+    });
+    connect(list_, &ui::ReportList::rowDoubleClicked, this, [this](int row) {
+        selectLine(row);
+        changeCounts();
+    });
+}
+
+void CContainerSlipDlg::addAmountRows() {
+    addLabel(0, u"선택상품"_s, {47, 138, 63, 15}, ui::FontHeight::Small, kRight);
+    addLabel(0, u"전표합계"_s, {114, 138, 66, 15}, ui::FontHeight::Small, kRight);
+    const auto values = [this](const QString& name, int lineValue, int slipSum, int top, int height) {
+        QLabel* value = addAmount(lineValue, name + u" 선택상품"_s, {47, top, 63, height});
+        setTextColour(value, QColor(0x1c, 0x5b, 0xa8));
+        addAmount(slipSum, name + u" 전표합계"_s, {114, top, 66, height});
+    };
+    int top = kFirstRowTop;
+    for (const AmountRow& row : kAmountRows) {
+        const QString caption = row.caption.toString();
+        addButton(row.button, caption, {2, top}, ui::bitmaps::kAmount,
+                  [this, caption, &row] { editAmount(caption, row.amount); });
+        values(caption, row.lineValue, row.slipSum, top, 24);
+        top += kRowHeight;
+    }
+    addLabel(0, u"합  계"_s, {4, top, 43, 16});
+    values(u"합계"_s, kTotalOfLine, kTotalSum, top, 16);
+}
+
+void CContainerSlipDlg::addButtons() {
+    addButton(1010, u"용공코드검색"_s, {182, 153}, ui::bitmaps::kSearchCode,
+              [this] { addFromSearch(false); });
+    addButton(1091, u"용공잔액"_s, {182, 213}, ui::bitmaps::kSearch,
+              [] { ui::runScreen(app::dialogs::kContainerBalance); });
+    setCancelButton(addBottomButton(1001, u"취 소"_s, 0, ui::bitmaps::kCancel, [this] { close(Cancelled); }));
+    addBottomButton(1002, u"삭  제"_s, 1, ui::bitmaps::kDelete, [this] { deleteSelected(); });
+    addBottomButton(1000, u"등  록"_s, 2, ui::bitmaps::kAdd,
+                    [this] { addFromSearch(app::session().UserField6 == u"Y"); });
+    setDefaultButton(addBottomButton(1003, u"완  료"_s, 3, ui::bitmaps::kConfirm, [this] { finish(); }));
+}
+
+ContainerKey CContainerSlipDlg::keyOfRow(int row) const {
+    return {list_->text(row, 0), list_->text(row, 2), list_->text(row, 3), list_->text(row, 4)};
+}
+
+int CContainerSlipDlg::rowOf(const ContainerKey& key) const {
+    for (int row = 0; row < list_->rowCount(); ++row) {
+        if (keyOfRow(row) == key) return row;
+    }
+    return -1;
+}
+
+void CContainerSlipDlg::showLines() {
+    list_->setRows(workingLines());
+    if (selected_) {
+        const int row = rowOf(*selected_);
+        list_->selectRow(row);
+        // The list is short: the line may stand below what it shows.
+        list_->scrollTo(list_->model()->index(row, 0));
+    }
+    showAmounts();
+}
+
+void CContainerSlipDlg::showAmounts() {
+    const ContainerAmounts sums = workingSums();
+    const ContainerAmounts line =
+        selected_ ? lineAmounts(*selected_).value_or(ContainerAmounts{}) : ContainerAmounts{};
+    for (const AmountRow& row : kAmountRows) {
+        setAmount(row.slipSum, sums.*row.amount);
+        setAmount(row.lineValue, line.*row.amount);
+    }
+    setAmount(kTotalSum, sums.recovery());
+    setAmount(kTotalOfLine, line.recovery());
+    showBalance();
+}
+
+void CContainerSlipDlg::showBalance() {
+    QString text;
+    if (selected_) {
+        const QList<books::ContainerBalance> balances =
+            workingBalances(app::session().action.GCode, app::session().WorkDate, app::session().action.JunNo,
+                            app::session().UserID);
+        const auto found = std::find_if(
+            balances.begin(), balances.end(),
+            [this](const books::ContainerBalance& balance) { return balance.PCode == selected_->PCode; });
+        const books::ContainerBalance balance = found != balances.end() ? *found : books::ContainerBalance{};
+        const auto shown = [](const books::Containers& held) {
+            return u"%1/%2"_s.arg(held.crates).arg(held.bottles);
+        };
+        text = u"전 %1 출고 %2 회수 %3 잔 %4"_s.arg(shown(balance.before), shown(balance.delivered),
+                                                    shown(balance.returned), shown(balance.after()));
+    }
+    setFittedText(kBalance, text, ui::FontHeight::Small);
+}
+
+void CContainerSlipDlg::addFromSearch(bool byConsonant) {
+    app::ActionValues& action = app::session().action;
+    action.SelectedContainerPCode.clear();
+    action.ContainerSearchKey.clear();
+    action.ContainerSearchResult = 0;
+    action.SeeksContainer = byConsonant;
+    ui::runScreen(byConsonant ? app::dialogs::kProductBoard : app::dialogs::kContainerSearch);
+    action.SeeksContainer = false;
+    if (action.ContainerSearchResult == 1) addProduct(action.SelectedContainerPCode);
+}
+
+void CContainerSlipDlg::addProduct(const QString& pCode) {
+    if (!productExists(pCode)) {
+        ui::message(u"품목코드에서 해당품목이 없습니다..!"_s);
+        return;
+    }
+    if (list_->contains(0, pCode)) {
+        ui::message(u"상품이 이미 등록되어있습니다..!"_s);
+        return;
+    }
+    const auto counts = askCounts({});
+    if (!counts) return;
+    if (counts->isZero()) {
+        ui::message(u"회수수량이 없으면 등록되지 않습니다..!"_s);
+        return;
+    }
+    if (addLine(pCode, *counts)) selected_ = keyOf(pCode, *counts);
+    showLines();
+}
+
+void CContainerSlipDlg::selectLine(int row) {
+    selected_ = keyOfRow(row);
+    showAmounts();
+}
+
+void CContainerSlipDlg::deselect() {
+    list_->clearSelection();
+    selected_.reset();
+    showAmounts();
+}
+
+void CContainerSlipDlg::changeCounts() {
+    const auto counts = askCounts(selected_->counts());
+    if (!counts) return;
+    if (counts->isZero()) {
+        ui::message(u"회수수량이 없으면 등록되지 않습니다..!"_s);
+        return;
+    }
+    if (recount(*selected_, *counts)) selected_ = keyOf(selected_->PCode, *counts);
+    showLines();
+}
+
+void CContainerSlipDlg::editAmount(const QString& title, Won ContainerAmounts::*amount) {
+    if (list_->rowCount() == 0) {
+        ui::message(u"품목이 없으면 합계금액을 수정할수 없습니다.."_s);
+        return;
+    }
+    if (!selected_) {
+        ui::message(u"상품이 선택되지 않으면 수정할수 없습니다."_s);
+        return;
+    }
+    const ContainerAmounts line = lineAmounts(*selected_).value_or(ContainerAmounts{});
+    if (!app::askNumber(title, platform::formatWon(line.*amount))) return;
+    replaceAmount(*selected_, amount, platform::parseWon(app::keypadRequest().KeypadValue1));
+    showAmounts();
+}
+
+void CContainerSlipDlg::deleteSelected() {
+    if (!selected_) {
+        ui::message(u"상품이 선택되지 않으면 삭제할수 없습니다."_s);
+        return;
+    }
+    if (!ui::confirm(u"품목을 삭제할까요?"_s, u"품목삭제"_s)) return;
+    deleteLine(*selected_);
+    selected_.reset();
+    showLines();
+}
+
+}  // namespace container

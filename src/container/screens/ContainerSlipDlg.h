@@ -1,0 +1,45 @@
+#pragma once
+
+#include <optional>
+
+#include "container/screens/ContainerEntry.h"
+
+namespace ui {
+class ReportList;
+}
+
+namespace container {
+
+/// The container slip (dialog 394): what one customer gives back, edited in the working slip.
+class CContainerSlipDlg : public ContainerEntry {
+    Q_OBJECT
+
+  public:
+    CContainerSlipDlg();
+
+  private:
+    void addList();
+    void addAmountRows();
+    void addButtons();
+    /// Adds the product that the search is left with. By the consonant, the board comes first.
+    void addFromSearch(bool byConsonant);
+    void addProduct(const QString& pCode);
+    void selectLine(int row);
+    void deselect();
+    void changeCounts();
+    void editAmount(const QString& title, platform::Won ContainerAmounts::*amount);
+    void deleteSelected();
+
+    /// Refills the list and the amounts; the chosen line stays chosen.
+    void showLines();
+    void showAmounts();
+    void showBalance();
+    /// The row of the line; -1 when the list does not hold it.
+    int rowOf(const ContainerKey& key) const;
+    ContainerKey keyOfRow(int row) const;
+
+    ui::ReportList* list_ = nullptr;
+    std::optional<ContainerKey> selected_;
+};
+
+}  // namespace container

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+
+namespace platform {
+
+/// A result's cells row after row, each row `columns` long; a list screen shows it as it is. The texts are
+/// those of the database, "" for NULL.
+struct Rows {
+    int columns = 0;
+    QList<QString> cells;
+    bool isComplete = true;  ///< False when the statement failed or its rows broke off.
+
+    int count() const { return columns > 0 ? int(cells.size() / columns) : 0; }
+    bool isEmpty() const { return cells.isEmpty(); }
+
+    /// The cell's text; `row` and `column` count from 0 and must be inside.
+    const QString& at(int row, int column) const { return cells[qsizetype(row) * columns + column]; }
+
+    /// The same; empty outside the rows.
+    QString cell(int row, int column) const {
+        return row < 0 || column < 0 || column >= columns ? QString()
+                                                          : cells.value(qsizetype(row) * columns + column);
+    }
+};
+
+}  // namespace platform

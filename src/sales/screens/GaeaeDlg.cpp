@@ -1,0 +1,128 @@
+#include "sales/screens/GaeaeDlg.h"
+
+#include <QLabel>
+#include <utility>
+
+#include "app/Dialogs.h"
+#include "app/Session.h"
+#include "books/SlipNumbers.h"
+#include "platform/Hangul.h"
+#include "sales/CustomerQuery.h"
+#include "ui/Messages.h"
+#include "ui/ReportList.h"
+#include "ui/WaitCursor.h"
+
+namespace sales {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr int kList = 1054;
+constexpr int kTel = 1108;
+constexpr int kMargin = 1109;
+constexpr int kReceivable = 1110;
+
+/// The screen that a work mode goes on to; 0 for a mode that opens nothing.
+int workScreen(int workMode) {
+    switch (workMode) {
+        case app::kSalesWork:
+            return app::dialogs::kSalesSlip;
+        case app::kCollectionWork:
+            return app::dialogs::kCollectionEntry;
+        case app::kContainerWork:
+            return app::dialogs::kContainerSlip;
+        case app::kSimplePayment:
+            return app::dialogs::kSimplePayment;
+        default:
+            return 0;
+    }
+}
+
+}  // namespace
+
+CGaeaeDlg::CGaeaeDlg() : NarrowScreen(app::dialogs::kCustomerList), seek_(app::session().action.SeekValue) {
+    ui::ReportList* list = addList(kList, {0, 32, 240, 208});
+    const ui::ListColumn columns[] = {{u"코드"_s, 50}, {u"거래처명"_s, 180}, {u"거래일자"_s, 70}};
+    list->setColumns(columns);
+    describe(list, u"거래처 목록"_s);
+    connect(list, &ui::ReportList::rowClicked, this, &CGaeaeDlg::choose);
+    connect(list, &ui::ReportList::rowDoubleClicked, this, [this](int row) {
+        choose(row);
+        app::session().action.JunNo.clear();
+        app::session().action.SeekValue.clear();
+        confirm();
+    });
+
+    addLabel(0, u"전화"_s, {4, 242, 100, 16});
+    addLabel(0, u"마진"_s, {108, 242, 40, 16}, ui::FontHeight::Small, Qt::AlignCenter);
+    addLabel(0, u"채권잔액"_s, {150, 242, 86, 16}, ui::FontHeight::Small, Qt::AlignRight | Qt::AlignVCenter);
+    describe(addLabel(kTel, {}, {4, 258, 104, 24}), u"전화"_s);
+    describe(addLabel(kMargin, {}, {108, 258, 40, 24}, ui::FontHeight::Small, Qt::AlignCenter), u"마진"_s);
+    addAmount(kReceivable, u"채권잔액"_s, {150, 258, 86, 24});
+
+    setCancelButton(
+        addBottomButton(1003, u"취  소"_s, 0, ui::bitmaps::kCancel, [this] { close(Cancelled); }));
+    addBottomButton(1002, {}, 1, ui::bitmaps::kBlank)->setEnabled(false);
+    addBottomButton(1001, u"전  체"_s, 2, ui::bitmaps::kSearch, [this] {
+        ownOnly_ = !ownOnly_;
+        fill();
+    });
+    setDefaultButton(addBottomButton(1000, u"확  인"_s, 3, ui::bitmaps::kConfirm, [this] { confirm(); }));
+
+    addNarrowing(list, 2, platform::hangul::continues);
+    connect(list, &ui::ReportList::narrowed, this, &CGaeaeDlg::forgetChoice);
+    fill();
+    list->setFocus();
+}
+
+void CGaeaeDlg::fill() {
+    const ui::WaitCursor wait;
+    auto* list = static_cast<ui::ReportList*>(control(kList));
+    list->clear();
+    list->setRows(customers(seek_, app::session().UserID, ownOnly_));
+}
+
+void CGaeaeDlg::choose(int row) {
+    const auto* list = static_cast<ui::ReportList*>(control(kList));
+    app::ActionValues& action = app::session().action;
+    action.GCode = list->text(row, 0);
+    action.GName = list->text(row, 1);
+    isChosenHere_ = true;
+    const std::optional<CustomerFooter> footer = customerFooter(action.GCode);
+    if (!footer) return;
+    setFittedText(kTel, footer->tel, ui::FontHeight::Small);
+    setFittedText(kMargin, u" %1 "_s.arg(footer->Majin), ui::FontHeight::Small);
+    setAmount(kReceivable, footer->CJMoney);
+}
+
+void CGaeaeDlg::forgetChoice() {
+    // A customer of earlier work stays chosen: no row of this list stood for it.
+    if (!std::exchange(isChosenHere_, false)) return;
+    app::session().action.GCode.clear();
+    app::session().action.GName.clear();
+    for (const int id : {kTel, kMargin, kReceivable}) setText(id, {});
+}
+
+void CGaeaeDlg::confirm() {
+    app::SessionValues& session = app::session();
+    if (session.action.GCode.isEmpty()) {
+        ui::message(u"거래처를 먼저 선택하세요!"_s);
+        return;
+    }
+    if (session.WorkMode == app::kSalesWork &&
+        books::customerHasSlip(session.WorkDate, session.action.GCode)) {
+        ui::message(u"등록된 주문서가 존재합니다..!!"_s);
+        return;
+    }
+    if (const auto number = books::nextSlipNumber(session.WorkMode, session.WorkDate)) {
+        session.action.SeekValue.clear();
+        session.action.JunNo = *number;
+    }
+    if (const int next = workScreen(session.WorkMode)) {
+        closeAndOpen(next);
+    } else {
+        close(Accepted);
+    }
+}
+
+}  // namespace sales

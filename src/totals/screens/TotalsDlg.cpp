@@ -1,0 +1,156 @@
+#include "totals/screens/TotalsDlg.h"
+
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <utility>
+
+#include "app/Dialogs.h"
+#include "app/KeypadRequest.h"
+#include "app/Session.h"
+#include "books/PaymentJournal.h"
+#include "db/Health.h"
+#include "platform/Clock.h"
+#include "print/PrintJob.h"
+#include "totals/DailyReports.h"
+#include "totals/DayClose.h"
+#include "totals/screens/ReportDlg.h"
+#include "ui/Messages.h"
+#include "ui/Terminal.h"
+#include "ui/WaitCursor.h"
+
+namespace totals {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr int kSummaryButton = 1022;
+constexpr int kReconcileButton = 1023;
+constexpr int kCloseButton = 1024;
+constexpr int kWhoLabel = 1059;
+
+constexpr QStringView kUnread = u"자료를 읽지 못해 집계하지 못했습니다..!";
+
+void settlePayments() {
+    if (books::hasUnsettledPayments()) ui::runScreen(app::dialogs::kPaymentCheck);
+}
+
+void showDailyReport(const DailyReport& daily) {
+    std::optional<Report> report;
+    {
+        const ui::WaitCursor cursor;
+        report = daily.make(app::session().WorkDate, app::session().UserID);
+    }
+    if (report) {
+        showReport(*report);
+    } else {
+        ui::message(kUnread.toString());
+    }
+}
+
+}  // namespace
+
+CTotalsDlg::CTotalsDlg() : Screen(app::dialogs::kTotals) {
+    addLabel(0, u"영업/HOST집계"_s, {4, 4, 232, 26}, ui::FontHeight::Title, Qt::AlignCenter);
+    addLabel(kWhoLabel, {}, {4, 30, 232, 22}, ui::FontHeight::Small, Qt::AlignCenter);
+    setFittedText(
+        kWhoLabel,
+        app::session().UserID + u' ' + app::session().UserField2 + u"  "_s + app::session().WorkDate,
+        ui::FontHeight::Small);
+    for (const DailyReport& report : dailyReports()) {
+        addWork(report.button, report.caption.toString(), [&report] { showDailyReport(report); });
+    }
+    addWork(kSummaryButton, u"HOST집계"_s,
+            [this] { ask(u"HOST집계요청 중입니다.."_s, [this] { printSummary(); }); });
+    addWork(kReconcileButton, u"대사"_s, [this] {
+        // A payment whose outcome is open would be a difference that is none.
+        settlePayments();
+        ask(u"HOST대사요청 중입니다.."_s, [this, day = platform::clock::now().date()] { reconcile(day); });
+    });
+    addWork(kCloseButton, u"일마감"_s, [this] {
+        settlePayments();
+        closeDay();
+    });
+    exchange_.emplace(this, place(1146, new QPlainTextEdit(this), {2, 202, 236, 78}));
+    connect(&*exchange_, &SummaryExchange::ended, this, [this] { exchangeEnded(); });
+    buttons_ << addBottomButton(1003, u"닫  기"_s, 3, ui::bitmaps::kCancel, [this] { close(Cancelled); });
+    setCancelButton(buttons_.last());
+}
+
+void CTotalsDlg::addWork(int controlId, const QString& caption, std::function<void()> work) {
+    const int works = int(buttons_.size());
+    const QPoint place(ui::kGridLeft + works % 2 * 2 * ui::kGridPitch, 56 + works / 2 * 36);
+    buttons_ << addButton(controlId, caption, place, ui::bitmaps::kHalfDocument, std::move(work));
+}
+
+void CTotalsDlg::enableButtons(bool areEnabled) {
+    for (ui::BitmapButton* button : buttons_) button->setEnabled(areEnabled);
+}
+
+void CTotalsDlg::ask(const QString& opening, std::function<void()> answered) {
+    answered_ = std::move(answered);
+    // The hidden button would hand the focus to another one.
+    setFocus();
+    control(kSummaryButton)->hide();
+    enableButtons(false);
+    repaint();
+    exchange_->request(opening);
+}
+
+void CTotalsDlg::exchangeEnded() {
+    control(kSummaryButton)->show();
+    enableButtons(true);
+    if (exchange_->isApproved()) {
+        answered_();
+    } else {
+        ui::message(u"하단의 전문에러값을 확인하세요!!"_s);
+    }
+    repaint();
+}
+
+void CTotalsDlg::printSummary() {
+    print::printDocument(
+        print::hostSummarySlip(exchange_->summary(), app::session().UserField2, app::session().WorkDate),
+        ui::WaitCursor::alive);
+}
+
+void CTotalsDlg::reconcile(const QDate& day) {
+    std::optional<Reconciliation> result;
+    {
+        const ui::WaitCursor cursor;
+        result = totals::reconcile(day, exchange_->hostDay());
+    }
+    if (result) {
+        showReport(reconciliationReport(day, *result));
+    } else {
+        ui::message(kUnread.toString());
+    }
+}
+
+void CTotalsDlg::closeDay() {
+    const app::SessionValues& session = app::session();
+    const auto before = closesOfDay(session.WorkDate, session.UserID);
+    if (before && !before->isEmpty() &&
+        !ui::confirm(u"이미 마감하였습니다. 다시 마감할까요?"_s, u"일마감"_s)) {
+        showReport(dayCloseReport(session.WorkDate, *before));
+        return;
+    }
+    // Asked before anything is shown that the count could be made to fit.
+    if (!app::askNumber(u"현금시재"_s)) return;
+    const platform::Won counted = platform::parseWon(app::keypadRequest().KeypadValue1);
+    if (counted < platform::Won()) {
+        ui::message(u"현금시재를 다시 확인하세요..!!"_s);
+        return;
+    }
+    std::optional<QList<DayClose>> closes;
+    {
+        const ui::WaitCursor cursor;
+        closes = totals::closeDay(session.WorkDate, session.UserID, counted);
+    }
+    if (closes) {
+        showReport(dayCloseReport(session.WorkDate, *closes));
+    } else {
+        ui::message(db::needsUpgrade() ? db::kUpgradeAdvice.toString() : u"마감을 저장하지 못했습니다..!"_s);
+    }
+}
+
+}  // namespace totals

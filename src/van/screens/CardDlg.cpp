@@ -1,0 +1,452 @@
+#include "van/screens/CardDlg.h"
+
+#include <QLabel>
+#include <QPlainTextEdit>
+
+#include "app/Dialogs.h"
+#include "app/KeypadRequest.h"
+#include "app/Session.h"
+#include "books/CollectionSlip.h"
+#include "db/Health.h"
+#include "db/Query.h"
+#include "platform/Clock.h"
+#include "platform/Trace.h"
+#include "platform/Wipe.h"
+#include "platform/termdev/CardReader.h"
+#include "print/PrintJob.h"
+#include "print/Printer.h"
+#include "ui/Messages.h"
+#include "ui/ReportList.h"
+#include "ui/Terminal.h"
+#include "ui/WaitCursor.h"
+#include "van/CardReaderPort.h"
+
+namespace van {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using platform::formatWon;
+using platform::groupDigits;
+using platform::parseWon;
+using platform::Won;
+
+constexpr db::Statement<u"SELECT GName,Sno,Gupju, Juso  FROM GARAE WHERE GCODE = '%s'  "> kSelectCustomer;
+
+constexpr QStringView kApproved = u"0000";
+constexpr QStringView kHostDisturbed = u"0098";
+constexpr qsizetype kPasswordLength = 4;
+
+bool isVisit() {
+    const int mode = app::session().WorkMode;
+    return mode != app::kSimplePayment && mode != app::kBalanceInquiry && mode != app::kPreviousTransaction;
+}
+
+}  // namespace
+
+CCardDlg::CCardDlg() : Screen(app::dialogs::kCard), component_(this) {
+    addControls();
+    log_->set(u"카드를 읽어주세요!"_s);
+    const int mode = app::session().WorkMode;
+    if (mode == app::kBalanceInquiry || mode == app::kPreviousTransaction) books::resetTransactionRecord();
+    const app::SessionValues& session = app::session();
+    books::transactionRecord().slip = {session.WorkDate, session.action.JunNo, session.UserID,
+                                       session.action.GCode};
+    if (mode != app::kBalanceInquiry) loadCustomer();
+    preparePayment();
+
+    print::DeviceOpen();
+    ReaderEnable(true);
+    books::TransactionRecord& record = books::transactionRecord();
+    record.track2.clear();
+    record.track3.clear();
+    record.password.clear();
+    platform::termdev::CardReader::instance().setReceiver([this](int message) {
+        if (message == platform::termdev::kCardSwiped) cardSwiped();
+    });
+    if (mode == app::kPreviousTransaction) {
+        picture_->hide();
+        log_->set(u"직전거래 전문송신중!"_s);
+        send(RequestKind::PreviousTransaction, books::RequestType::PreviousTransaction);
+    }
+}
+
+CCardDlg::~CCardDlg() {
+    platform::termdev::CardReader::instance().setReceiver({});
+    ReaderEnable(false);
+    print::DeviceClose();
+    books::TransactionRecord& record = books::transactionRecord();
+    record.track2.clear();
+    record.track3.clear();
+    record.password.clear();
+}
+
+void CCardDlg::addControls() {
+    const int mode = app::session().WorkMode;
+    results_ = addList(1054, {0, 2, 240, 78});
+    const ui::ListColumn columns[] = {{u"명  칭"_s, 90},
+                                      {u"금  액"_s, 135, Qt::AlignRight | Qt::AlignVCenter}};
+    results_->setColumns(columns);
+    describe(results_, u"잔액조회 결과"_s);
+    results_->setVisible(mode == app::kBalanceInquiry);
+
+    picture_ = addPicture(1143, ui::bitmaps::kAskForCard, {20, 84});
+    describe(picture_, u"카드를 읽어주세요!"_s);
+    log_.emplace(component_, place(1142, new QPlainTextEdit(this), {2, 208, 236, 74}), [this] {
+        books::TransactionRecord& record = books::transactionRecord();
+        return readReply(component_, record.requestType, &record.reply);
+    });
+    connect(&*log_, &ExchangeLog::ended, this, [this] { exchangeEnded(); });
+
+    for (const auto& [id, caption] : {std::pair{1010, u"잔액조회"_s},
+                                      {1015, u"계좌이체"_s},
+                                      {1011, u"명세서출력"_s},
+                                      {1012, u"주판출력"_s},
+                                      {1016, u"패스입력"_s},
+                                      {1017, u"직전거래"_s}}) {
+        addButton(id, caption, {2, 84}, ui::bitmaps::kPassword)->hide();
+    }
+    ui::BitmapButton* back = addBottomButton(1000, u"이전"_s, 0, ui::bitmaps::kCancel);
+    connect(back, &ui::BitmapButton::clicked, this, [this] { goBack(); });
+    ui::BitmapButton* done = addBottomButton(1003, u"완료"_s, 3, ui::bitmaps::kConfirm);
+    connect(done, &ui::BitmapButton::clicked, this, [this] { finish(); });
+    setDefaultButton(done);
+    setCancelButton(back);
+}
+
+void CCardDlg::loadCustomer() {
+    books::TransactionRecord& record = books::transactionRecord();
+    const auto row = db::firstRow(kSelectCustomer(record.slip.gCode));
+    const QStringList texts = row.value_or(QStringList{u"XXXX"_s, u"XXX-XX-XXXX"_s, u"XXXX"_s, u"XXXX"_s});
+    record.customerName = texts.value(0);
+    record.customerNumber = texts.value(1);
+    record.customerOwner = texts.value(2);
+    record.customerAddress = texts.value(3);
+}
+
+void CCardDlg::preparePayment() {
+    const int mode = app::session().WorkMode;
+    if (mode == app::kBalanceInquiry || mode == app::kPreviousTransaction) return;
+    books::TransactionRecord& record = books::transactionRecord();
+    // A simple payment's total already has the recovery taken off; it is taken off a second time here.
+    if (mode == app::kSimplePayment)
+        record.amounts.card = record.amounts.total - record.amounts.containerRecovery;
+    record.paymentKind.clear();
+    if (record.amounts.card >= Won(1)) {
+        record.paymentKind = u"1"_s;
+        record.amountToCharge = record.amounts.card;
+    } else {
+        if (record.amounts.cash >= Won(1)) record.paymentKind = u"2"_s;
+        record.amountToCharge = record.amounts.cash;
+        record.cardPaymentFlag = 0;
+    }
+    const app::ActionValues& action = app::session().action;
+    fitText(addLabel(0, {}, {8, 6, 224, 26}), action.GName, ui::FontHeight::Medium);
+    addLabel(0, u"결제금액"_s, {8, 40, 80, 30}, ui::FontHeight::Medium);
+    fitText(addLabel(0, {}, {90, 40, 142, 30}, ui::FontHeight::Title, Qt::AlignRight | Qt::AlignVCenter),
+            groupDigits(formatWon(record.amountToCharge)) + u"원"_s, ui::FontHeight::Title);
+}
+
+void CCardDlg::cardSwiped() {
+    // One exchange at a time, and none after an approval: nothing is charged twice.
+    if (log_->isExchanging() || isApproved_ || app::session().WorkMode == app::kPreviousTransaction) return;
+    books::TransactionRecord& record = books::transactionRecord();
+    ReaderTrack(2, &record.track2);
+    ReaderTrack(3, &record.track3);
+    log_->set(u"주류CARD를 읽었습니다.!"_s);
+    // A second card while the keypad is open replaces the first, and what was keyed is not its password.
+    if (isBusyWithCard_) {
+        if (app::keypadRequest().StartAnew) app::keypadRequest().StartAnew();
+        return;
+    }
+    isBusyWithCard_ = true;
+    const bool isFree = app::session().WorkMode == app::kBalanceInquiry || isPaymentFree();
+    const bool isEntered = isFree && app::askText(u"패스워드"_s);
+    // A refusal that is on the screen swallows no card.
+    isBusyWithCard_ = false;
+    if (isFree) takePassword(isEntered);
+}
+
+bool CCardDlg::isPaymentFree() {
+    const books::SlipIdentity& slip = books::transactionRecord().slip;
+    // Each simple payment has a number of its own, but one without an answer may be this very customer's.
+    const auto isUnsettled = [&] {
+        return books::hasUnsettledPayment(slip.date, slip.junNo, slip.userId) ||
+               (app::session().WorkMode == app::kSimplePayment &&
+                books::hasUnsettledSimplePayment(slip.date, slip.userId));
+    };
+    if (!isUnsettled()) return true;
+    ui::runScreen(app::dialogs::kPaymentCheck);
+    if (isUnsettled()) {
+        ui::message(books::kPaymentUnsettled.toString());
+        return false;
+    }
+    const auto last = books::lastPayment(slip.date, slip.junNo, slip.userId);
+    isApproved_ = last && last->state == books::PaymentState::Approved;
+    if (isApproved_) {
+        picture_->hide();
+        ReaderEnable(false);
+    }
+    return !isApproved_;
+}
+
+void CCardDlg::takePassword(bool isEntered) {
+    books::TransactionRecord& record = books::transactionRecord();
+    const qsizetype length = app::keypadRequest().KeypadValue1.size();
+    if (isEntered && length == kPasswordLength)
+        record.password.assign(QStringView(app::keypadRequest().KeypadValue1));
+    platform::wipe(&app::keypadRequest().KeypadValue1);
+    if (!isEntered) {
+        ui::message(u"암호입력 취소.. 다시 시작하세요!!"_s);
+    } else if (length != kPasswordLength) {
+        ui::message(u"암호의 길이가 이상합니다.. 다시 시작하세요!!"_s);
+    } else {
+        picture_->hide();
+        if (app::session().WorkMode == app::kBalanceInquiry) {
+            results_->clear();
+            send(RequestKind::Balance, books::RequestType::BalanceInquiry);
+        } else {
+            requestPayment();
+        }
+    }
+}
+
+void CCardDlg::requestPayment() {
+    const books::TransactionRecord& record = books::transactionRecord();
+    if (record.amounts.card > Won() || record.cardPaymentFlag >= 1) {
+        send(RequestKind::CardPayment, books::RequestType::Payment);
+    } else if (record.amounts.cash < Won(1)) {
+        ui::message(u"카드금액과 현금금액이 0이면 결제가 안됩니다..!"_s);
+    } else {
+        send(RequestKind::CashPayment, books::RequestType::Payment);
+    }
+}
+
+void CCardDlg::send(RequestKind kind, books::RequestType type) {
+    books::TransactionRecord& record = books::transactionRecord();
+    record.requestType = type;
+    record.reply = {};
+    sentTime_ = platform::clock::now().toString(u"yyyyMMddHHmmss"_s);
+    log_->begin();
+    // The failures show with the next event's rewrite of the status box.
+    paymentNumber_.clear();
+    bool isNoted = true;
+    log_->appendUnseen(sendRequest(component_, kind, record, [&](const QString& number) {
+        paymentNumber_ = number;
+        return isNoted = books::notePayment(journalPayment(number));
+    }));
+    if (isNoted) return;
+    paymentNumber_.clear();
+    log_->abandon();
+    picture_->show();
+    ui::message(db::needsUpgrade() ? db::kUpgradeAdvice.toString()
+                                   : u"결제기록을 저장하지 못해 결제를 보내지 않았습니다..!"_s);
+}
+
+books::JournalPayment CCardDlg::journalPayment(const QString& number) const {
+    const books::TransactionRecord& record = books::transactionRecord();
+    books::JournalPayment payment;
+    payment.number = number;
+    payment.isCard = record.amounts.card > Won() || record.cardPaymentFlag >= 1;
+    payment.charged = record.amounts.total - record.amounts.containerRecovery;
+    payment.slip = simplePayment();
+    if (isVisit()) {
+        const auto saved = books::loadCollection(record.slip.date, record.slip.junNo, record.slip.userId);
+        if (saved) payment.slip = *saved;
+    }
+    payment.slip.MSGSENDTIME = sentTime_;
+    payment.slip.BANKTRANNO.clear();
+    return payment;
+}
+
+void CCardDlg::settleUnapproved() {
+    if (paymentNumber_.isEmpty()) return;
+    // A host that could not keep its decision may have it on disk all the same.
+    const QString& code = books::transactionRecord().reply.responseCode;
+    const bool isAnswered = !code.isEmpty() && code != kHostDisturbed;
+    const bool hasSent = component_.component().hasSent();
+    books::settlePayment(paymentNumber_, isAnswered ? books::PaymentState::Refused
+                                         : hasSent  ? books::PaymentState::Unknown
+                                                    : books::PaymentState::Released);
+}
+
+void CCardDlg::exchangeEnded() {
+    books::TransactionRecord& record = books::transactionRecord();
+    const bool isGood = record.reply.responseCode == kApproved;
+    switch (record.requestType) {
+        case books::RequestType::Payment:
+            if (isGood) {
+                paymentApproved();
+            } else {
+                settleUnapproved();
+                ui::message(u"한번더 카드리딩후 암호를 입력해주세여 ^^!"_s);
+                picture_->show();
+            }
+            break;
+        case books::RequestType::BalanceInquiry:
+            if (isGood) showBalance();
+            break;
+        case books::RequestType::PreviousTransaction:
+            if (isGood) reprintPrevious();
+            break;
+        case books::RequestType::None:
+            break;
+    }
+    repaint();
+}
+
+bool CCardDlg::recordApproval() {
+    // Without a number the slip would not count as paid; the payment then stays unsettled.
+    return books::approvePayment(paymentNumber_, books::transactionRecord().reply.transactionNumber)
+        .has_value();
+}
+
+books::CollectionSlip CCardDlg::simplePayment() const {
+    const books::TransactionRecord& record = books::transactionRecord();
+    books::CollectionSlip slip;
+    slip.Gubun = books::kSimplePaymentSlip.toString();
+    slip.DTime = platform::clock::now().toString(u"HH:mm"_s);
+    slip.DDate = record.slip.date;
+    slip.GCode = record.slip.gCode;
+    slip.GName = app::session().action.GName;
+    slip.JunNo = record.slip.junNo;
+    slip.UserID = record.slip.userId;
+    slip.setAmounts(record.amounts, {});
+    slip.MSGSENDTIME = sentTime_;
+    slip.BANKTRANNO = record.reply.transactionNumber;
+    return slip;
+}
+
+void CCardDlg::paymentApproved() {
+    isApproved_ = true;
+    ReaderEnable(false);
+    // Looked up before the approval makes the slip "결제", which would pass for printed.
+    const books::SlipIdentity& slip = books::transactionRecord().slip;
+    const print::SlipPapers papers(slip.date, slip.junNo, slip.userId);
+    // The approval is on disk before the slip prints.
+    if (!recordApproval()) {
+        const QString number = books::transactionRecord().reply.transactionNumber;
+        platform::trace(u"the approval %1 could not be saved"_s.arg(number));
+        ui::message(u"승인되었으나 전표에 저장하지 못했습니다..! 거래번호 : %1"_s.arg(number));
+        // The next question about the payment puts it on its slip and offers the print.
+        if (isVisit()) return;
+    }
+    if (isVisit()) {
+        printCopies(papers);
+    } else {
+        // The card was charged: who pays has a receipt also where the payment could not be saved.
+        const auto saved = cardReceipt();
+        print::printDocument(saved ? *saved : print::cardReceipt(simplePayment(), exchange(), false),
+                             ui::WaitCursor::alive);
+    }
+}
+
+void CCardDlg::printCopies(print::SlipPapers papers) {
+    if (!printSlip(papers, 1, books::Copy::Seller)) return;
+    if (ui::askYesNo(u"구매자용 명세서를 출력할까요?"_s, u"구매자용 명세서출력"_s)) {
+        printSlip(papers, 2, books::Copy::Buyer);
+    }
+}
+
+bool CCardDlg::printSlip(print::SlipPapers& papers, int selector, books::Copy copy) {
+    const ui::WaitCursor wait;
+    books::transactionRecord().printSelector = selector;
+    const auto print = [&](books::Paper paper) {
+        return !papers.print({&paper, 1}, copy, ui::WaitCursor::alive).isEmpty();
+    };
+    if (print(books::Paper::Invoice)) return true;
+    // Money that was taken without a sale has the collection slip for its paper.
+    if (app::session().WorkMode != app::kPreviousTransaction) return print(books::Paper::CollectionSlip);
+    const auto receipt = cardReceipt();
+    // The terminal may have lost the slip; the paper then has what the host knows.
+    print::printDocument(
+        receipt ? *receipt : print::hostReceipt(app::session().WorkDate, app::session().UserID, exchange()),
+        ui::WaitCursor::alive);
+    return true;
+}
+
+print::CardExchange CCardDlg::exchange() const {
+    const books::TransactionRecord& record = books::transactionRecord();
+    return {record.reply, print::maskedCardNumber(record.track2.view())};
+}
+
+std::optional<print::Document> CCardDlg::cardReceipt() const {
+    const books::SlipIdentity& slip = books::transactionRecord().slip;
+    const bool isReprint = app::session().WorkMode == app::kPreviousTransaction;
+    return print::cardReceipt(slip.date, slip.junNo, slip.userId, exchange(), isReprint);
+}
+
+void CCardDlg::showBalance() {
+    const books::HostReply& reply = books::transactionRecord().reply;
+    const auto amount = [](const QString& text) { return groupDigits(formatWon(parseWon(text))) + u"원"_s; };
+    // The sign goes in front of what is grouped already, and only the balance has one.
+    const QString sign = reply.balanceSign == u"0" ? QString() : u"-"_s;
+    platform::Rows rows;
+    rows.columns = 2;
+    rows.cells = {u"통장잔액"_s, sign + amount(reply.accountBalance), u"출금 한도"_s,
+                  amount(reply.withdrawalLimit)};
+    results_->setRows(rows);
+}
+
+void CCardDlg::reprintPrevious() {
+    books::TransactionRecord& record = books::transactionRecord();
+    const auto slip = books::findByTransactionNumber(record.reply.transactionNumber);
+    if (slip) {
+        record.slip = {slip->DDate, slip->JunNo, slip->UserID, slip->GCode};
+        record.amounts.supply = slip->PMoney;
+        record.amounts.vat = slip->BMoney;
+        record.amounts.deposit = slip->YMoney + slip->GMoney;
+        record.amounts.containerRecovery = slip->YDMoney;
+        record.amountToCharge = slip->WonMoney + slip->CardMoney;
+        record.amounts.previousReceivable = books::receivable(slip->GCode);
+    }
+    loadCustomer();
+    print::SlipPapers papers(record.slip.date, record.slip.junNo, record.slip.userId);
+    papers.markAllReprints();
+    printCopies(papers);
+}
+
+void CCardDlg::tellOpenPayment() const {
+    const books::SlipIdentity& slip = books::transactionRecord().slip;
+    if (!paymentNumber_.isEmpty() && books::hasUnsettledPayment(slip.date, slip.junNo, slip.userId)) {
+        ui::message(u"카드결제 결과가 확인되지 않았습니다..! 다음 결제전이나 로그인때 다시 확인합니다."_s);
+    }
+}
+
+void CCardDlg::goBack() {
+    if (log_->isExchanging()) return;
+    // No card any more, also not while a message is read: the collection may be gone.
+    ReaderEnable(false);
+    const books::SlipIdentity& slip = books::transactionRecord().slip;
+    // A card payment that was not approved has not been made: its collection is taken back.
+    if (isVisit() && !isApproved_ && books::transactionRecord().amounts.card > Won()) {
+        if (!books::takeBackCollection(slip.date, slip.junNo, slip.userId)) {
+            platform::trace(u"the collection %1 of %2 could not be taken back"_s.arg(slip.junNo, slip.date));
+            ui::message(
+                u"결제를 취소한 입금전표를 되돌리지 못했습니다..! 입금전표 목록에서 다시 확인하세요!!"_s);
+        }
+    }
+    tellOpenPayment();
+    if (isApproved_) app::session().SlipDone = 1;
+    close(Cancelled);
+}
+
+void CCardDlg::finish() {
+    if (log_->isExchanging()) return;
+    const int mode = app::session().WorkMode;
+    if (mode == app::kBalanceInquiry || mode == app::kPreviousTransaction) {
+        close(Accepted);
+    } else if (isApproved_) {
+        app::session().SlipDone = 1;
+        close(Accepted);
+    } else if (books::transactionRecord().amounts.card > Won()) {
+        ui::message(u"카드결제가 승인되지 않았습니다..! 결제방법을 바꾸려면 [이전]을 누르세요!!"_s);
+    } else if (mode == app::kSimplePayment) {
+        close(Accepted);
+    } else {
+        ReaderEnable(false);
+        tellOpenPayment();
+        closeAndOpen(app::dialogs::kSlipPrinting);
+    }
+}
+
+}  // namespace van

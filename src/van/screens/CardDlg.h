@@ -1,0 +1,72 @@
+#pragma once
+
+#include <optional>
+
+#include "books/CollectionSlip.h"
+#include "books/PaymentJournal.h"
+#include "books/TransactionRecord.h"
+#include "print/CardReceipt.h"
+#include "print/SlipPapers.h"
+#include "ui/Screen.h"
+#include "van/screens/ExchangeLog.h"
+#include "van/screens/HostRequest.h"
+#include "van/screens/KsnetMsgLib.h"
+
+namespace ui {
+class ReportList;
+}
+
+namespace van {
+
+/// The card dialog (449): every exchange of a visit passes here, as do a simple payment, the balance inquiry
+/// and the previous transaction.
+class CCardDlg : public ui::Screen {
+    Q_OBJECT
+
+  public:
+    CCardDlg();
+    ~CCardDlg() override;
+
+  private:
+    void addControls();
+    void preparePayment();
+    void loadCustomer();
+    void cardSwiped();
+    void requestPayment();
+    void send(RequestKind kind, books::RequestType type);
+    void exchangeEnded();
+    void paymentApproved();
+    void showBalance();
+    void reprintPrevious();
+    /// The seller's copy, then the question for the buyer's, unless there is nothing to print.
+    void printCopies(print::SlipPapers papers);
+    bool printSlip(print::SlipPapers& papers, int selector, books::Copy copy);
+    print::CardExchange exchange() const;
+    std::optional<print::Document> cardReceipt() const;
+    /// The slip of a simple payment as its approval makes it.
+    books::CollectionSlip simplePayment() const;
+    bool recordApproval();
+    /// The journal's entry for the payment that is about to leave.
+    books::JournalPayment journalPayment(const QString& number) const;
+    /// Notes what became of a payment that was not approved.
+    void settleUnapproved();
+    /// False when this slip is paid already, or when it is open whether it is.
+    bool isPaymentFree();
+    /// Sends the request, or tells why what the keypad gave is no password.
+    void takePassword(bool isEntered);
+    /// Tells, when it is so, that a payment of this dialog was not answered.
+    void tellOpenPayment() const;
+    void goBack();
+    void finish();
+
+    CKsnet_msg_lib component_;
+    ui::ReportList* results_ = nullptr;
+    QWidget* picture_ = nullptr;
+    std::optional<ExchangeLog> log_;
+    QString sentTime_;       ///< When the request at hand left, "yyyyMMddHHmmss".
+    QString paymentNumber_;  ///< Message number of the payment at hand.
+    bool isBusyWithCard_ = false;
+    bool isApproved_ = false;
+};
+
+}  // namespace van

@@ -1,0 +1,200 @@
+#include "van/screens/HostRequest.h"
+
+#include "platform/Clock.h"
+
+namespace van {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using platform::formatWon;
+using platform::parseInteger;
+
+constexpr short kTimeOutSeconds = 30;
+/// The card data leaves the track's first character out and has at most this many.
+constexpr qsizetype kCardDataLength = 104;
+
+struct Wording {
+    Call call;
+    short status;
+    QStringView text;
+};
+// The payment request's failures go by the balance request's name.
+constexpr Wording kWordings[] = {
+    {Call::SavedValue, -100, u" * Err -> 입력값이상"},
+    {Call::SavedValue, -806, u" * Err -> 저장값 읽기실패"},
+    {Call::SavedValue, -807, u" * Err -> 저장값이 해당항목없음"},
+    {Call::Header, -806, u" * HeaderReq -> download 저장값 읽기실패"},
+    {Call::Header, -807, u" * HeaderReq -> download 저장값이 해당 항목 없음"},
+    {Call::Balance, -100, u" * BalanceReq -> 입력값이상"},
+    {Call::Balance, -801, u" * BalanceReq -> 공개키정보 파일 없음"},
+    {Call::Balance, -804, u" * BalanceReq -> 공개키정보 읽기에러"},
+    {Call::Balance, -901, u" * BalanceReq -> 암호화 - 초기화 에러"},
+    {Call::Balance, -902, u" * BalanceReq -> 암호화 - KEY 생성 에러"},
+    {Call::Balance, -903, u" * BalanceReq -> 암호화 - 공개키 생성 에러"},
+    {Call::Summary, -100, u" * setSummaryReq -> 입력값이상"},
+};
+// The same codes of the exchange are worded by who asked.
+constexpr Wording kInquiryExchange[] = {
+    {Call::Exchange, -100, u" * Commun -> 입력값이상"},
+    {Call::Exchange, -504, u" * Commun -> 통신초기화 에러"},
+    {Call::Exchange, -500, u" * Commun -> 접속에러"},
+};
+constexpr Wording kPaymentExchange[] = {
+    {Call::Exchange, -100, u" * Err -> 입력값이상"},
+    {Call::Exchange, -801, u" * Err -> 공개키 정보없음"},
+    {Call::Exchange, -804, u" * Err -> 공개키정보 읽기에러"},
+    {Call::Exchange, -901, u" * Err -> 암호화-초기화 에러"},
+    {Call::Exchange, -902, u" * Err -> 암호화Key 생성에러"},
+    {Call::Exchange, -903, u" * Err -> 암호화*공개키 생성에러"},
+};
+
+bool isPayment(RequestKind kind) {
+    return kind == RequestKind::CardPayment || kind == RequestKind::CashPayment;
+}
+
+template <typename Wordings>
+QString find(const Wordings& wordings, Call call, short status) {
+    for (const Wording& wording : wordings) {
+        if (wording.call == call && wording.status == status) return wording.text.toString();
+    }
+    return {};
+}
+
+QStringView messageKind(RequestKind kind) {
+    switch (kind) {
+        case RequestKind::CardPayment:
+            return u"0100";
+        case RequestKind::CashPayment:
+            return u"0150";
+        case RequestKind::Balance:
+            return u"0300";
+        case RequestKind::PreviousTransaction:
+            return u"0600";
+        case RequestKind::Summary:
+            return u"0800";
+    }
+    return {};
+}
+
+QString savedValue(CKsnet_msg_lib& component, QStringView key, RequestKind kind, QString* failures) {
+    QString value;
+    *failures += failureText(Call::SavedValue, kind, component.GetSavedValue(key, &value));
+    return value;
+}
+
+QString requestPayment(CKsnet_msg_lib& component, RequestKind kind, const books::TransactionRecord& record) {
+    const books::SettlementAmounts& amounts = record.amounts;
+    const bool hasRecovery = amounts.containerRecovery >= platform::Won(1);
+    // The recovery's flag travels before the amount that it is computed from.
+    const short status = component.PaymentReq(
+        u"123", u"        ", record.track3.view().mid(1, kCardDataLength), record.password.view(), u"39",
+        formatWon(amounts.supply), formatWon(amounts.vat), formatWon(amounts.deposit),
+        hasRecovery ? u"1" : u"0", formatWon(amounts.containerRecovery),
+        formatWon(amounts.total - amounts.containerRecovery));
+    return failureText(Call::Payment, kind, status);
+}
+
+QString request(CKsnet_msg_lib& component, RequestKind kind, const books::TransactionRecord& record) {
+    const QDateTime now = platform::clock::now();
+    const QString time = now.toString(u"hhmmss"_s);
+    switch (kind) {
+        case RequestKind::CardPayment:
+        case RequestKind::CashPayment:
+            return requestPayment(component, kind, record);
+        case RequestKind::Balance:
+            return failureText(Call::Balance, kind,
+                               component.BalanceReq(time, record.track3.view().mid(1, kCardDataLength),
+                                                    record.password.view(), u"39"));
+        case RequestKind::PreviousTransaction:
+            return failureText(Call::PreviousTransaction, kind, component.setPreTradeRep());
+        case RequestKind::Summary:
+            return failureText(Call::Summary, kind,
+                               component.setSummaryReq(time, now.toString(u"yyyyMMdd"_s)));
+    }
+    return {};
+}
+
+}  // namespace
+
+QString failureText(Call call, RequestKind kind, short status) {
+    if (status == 0) return {};
+    switch (call) {
+        case Call::Payment:
+            return find(kWordings, Call::Balance, status);
+        case Call::PreviousTransaction:
+            return u" * setPreTradeRep -> 직전거래요청 실패"_s;
+        case Call::Header:
+            // A missing saved value is worded for payments and the previous transaction only.
+            if (status == -807 && !isPayment(kind) && kind != RequestKind::PreviousTransaction) return {};
+            return find(kWordings, call, status);
+        case Call::Exchange:
+            return isPayment(kind) || kind == RequestKind::PreviousTransaction
+                       ? find(kPaymentExchange, call, status)
+                       : find(kInquiryExchange, call, status);
+        default:
+            return find(kWordings, call, status);
+    }
+}
+
+QString hostAddress(QStringView savedDigits) {
+    QStringList octets;
+    for (qsizetype at = 0; at < 12; at += 3) octets += QString::number(parseInteger(savedDigits.mid(at, 3)));
+    return octets.join(u'.');
+}
+
+QString sendRequest(CKsnet_msg_lib& component, RequestKind kind, const books::TransactionRecord& record,
+                    const std::function<bool(const QString& number)>& mayLeave) {
+    QString failures;
+    const QString address = hostAddress(savedValue(component, u"221", kind, &failures));
+    const std::int64_t savedPort = parseInteger(savedValue(component, u"222", kind, &failures));
+    // The component takes the port's 16 bits; a value that is no port is none.
+    const auto port = static_cast<short>(savedPort >= 0 && savedPort <= 65535 ? savedPort : 0);
+    // The summary also reads this value, which goes nowhere.
+    if (kind == RequestKind::Summary) savedValue(component, u"101", kind, &failures);
+    failures += failureText(
+        Call::Header, kind,
+        component.HeaderReq(u"JB", u"84", u"00", u"1234567890", u"    ", u"0200", messageKind(kind)));
+    failures += request(component, kind, record);
+    // A payment that could not be sealed cannot leave; its exchange is tried all the same.
+    const auto number = component.component().paymentNumber();
+    if (mayLeave && number && !mayLeave(platform::message::toText(*number))) return failures;
+    failures += failureText(Call::Exchange, kind, component.Commun(address, port, kTimeOutSeconds, 0));
+    return failures;
+}
+
+QString askAbout(CKsnet_msg_lib& component, QStringView number) {
+    if (const auto asked = platform::message::parseMessageNumber(number))
+        component.component().askAbout(*asked);
+    return sendRequest(component, RequestKind::PreviousTransaction, books::transactionRecord());
+}
+
+QString receivedField(CKsnet_msg_lib& component, short number) {
+    QString text;
+    component.GetRecvField(number, &text);
+    return text;
+}
+
+QString readReply(CKsnet_msg_lib& component, books::RequestType type, books::HostReply* reply) {
+    component.RecvHeader();
+    if (type == books::RequestType::BalanceInquiry) component.RecvBalance();
+    if (type == books::RequestType::Payment) component.RecvPayment();
+    if (type == books::RequestType::PreviousTransaction) component.RecvPreTrade();
+    reply->responseCode = receivedField(component, 1102);
+    reply->responseText = receivedField(component, 1203);
+    if (type == books::RequestType::BalanceInquiry) {
+        reply->balanceSign = receivedField(component, 1103);
+        reply->accountBalance = receivedField(component, 1109);
+        reply->withdrawalLimit = receivedField(component, 1110);
+    } else {
+        reply->transactionNumber = receivedField(component, 1008);
+        reply->identification = receivedField(component, 1002);
+        reply->balanceSign = receivedField(component, 1103);
+        reply->transactionAmount = receivedField(component, 1104);
+        reply->feeAmount = receivedField(component, 1105);
+        reply->depositedAmount = receivedField(component, 1106);
+        reply->remainingAmount = receivedField(component, 1107);
+    }
+    return u"<응답값: [%1][%2]> "_s.arg(reply->responseCode, reply->responseText);
+}
+
+}  // namespace van

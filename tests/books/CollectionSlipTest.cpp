@@ -1,0 +1,318 @@
+#include "books/CollectionSlip.h"
+
+#include <gtest/gtest.h>
+
+#include <QDate>
+#include <QDateTime>
+#include <QTime>
+
+#include "books/PaymentJournal.h"
+#include "platform/Clock.h"
+#include "support/FullDisk.h"
+#include "support/PrintQt.h"
+#include "support/TestDevice.h"
+
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using books::CollectionSlip;
+using platform::Won;
+
+const QString kDate = u"2024-05-10"_s;
+const QString kNumber = u"5001"_s;
+const QString kUser = u"A"_s;
+
+class Collections : public testing::Test {
+  protected:
+    Collections() {
+        platform::clock::set(QDateTime(QDate(2024, 5, 10), QTime(14, 30)));
+        addCustomer(u"0001", u"350000");
+        addCustomer(u"0002", u"-500");
+    }
+    ~Collections() override { platform::clock::set({}); }
+
+    void addCustomer(QStringView code, QStringView receivable) {
+        device_.insert(u"GARAE", {{u"GCODE", code}, {u"GNAME", u"가나상회"}, {u"CJMONEY", receivable}});
+    }
+    void addSalesSlip(QStringView user = kUser) {
+        for (const QStringView product : {u"1001", u"1002"}) {
+            device_.insert(u"MTM", {{u"DDate", kDate},
+                                    {u"GCode", u"0001"},
+                                    {u"JunNo", kNumber},
+                                    {u"PCode", product},
+                                    {u"WorkGubun", u"미발행"},
+                                    {u"UserID", user}});
+        }
+    }
+
+    /// Sales of 110000 with deposits of 5000; unpaid is what is left.
+    static CollectionSlip slip(std::int64_t card, std::int64_t cash, std::int64_t recovery = 0,
+                               std::int64_t earlier = 0) {
+        CollectionSlip slip;
+        slip.DDate = kDate;
+        slip.GCode = u"0001"_s;
+        slip.GName = u"가나상회"_s;
+        slip.JunNo = kNumber;
+        slip.UserID = kUser;
+        slip.setAmounts({.sales = Won(110000),
+                         .supply = Won(100000),
+                         .vat = Won(10000),
+                         .nonLiquor = Won(700),
+                         .deposit = Won(5000),
+                         .total = Won(115000),
+                         .containerRecovery = Won(recovery),
+                         .card = Won(card),
+                         .cash = Won(cash),
+                         .unpaid = Won(115000 - recovery - card - cash),
+                         .earlierReceivable = Won(earlier),
+                         .previousReceivable = {}},
+                        Won(3000));
+        return slip;
+    }
+
+    QString receivable(QStringView customer = u"0001") {
+        return device_.value(u"SELECT CJMONEY FROM GARAE WHERE GCODE = '%1'"_s.arg(customer));
+    }
+    QString collections() {
+        QStringList found;
+        for (const QStringList& row :
+             device_.rows(u"SELECT JunNo || UserID || '=' || CardMoney FROM MTMOK ORDER BY rowid"_s)) {
+            found << row;
+        }
+        return found.join(u' ');
+    }
+    QString printStates() {
+        return device_.value(
+            u"SELECT group_concat(state) FROM (SELECT DISTINCT UserID || WorkGubun AS state FROM MTM ORDER BY 1)"_s);
+    }
+    /// Sends the slip's payment unless it is sent already, and has it approved.
+    static std::optional<CollectionSlip> approve(CollectionSlip slip, QStringView transaction,
+                                                 const QString& sent) {
+        slip.MSGSENDTIME = sent;
+        slip.BANKTRANNO.clear();
+        if (!books::hasUnsettledPayment(slip.DDate, slip.JunNo, slip.UserID)) {
+            books::JournalPayment payment;
+            payment.number = slip.JunNo + sent;
+            payment.slip = slip;
+            if (!books::notePayment(payment)) return std::nullopt;
+        }
+        return books::approvePayment(books::lastPayment(slip.DDate, slip.JunNo, slip.UserID)->number,
+                                     transaction);
+    }
+    void breakStatement(const QString& when) {
+        device_.execute(u"CREATE TRIGGER broken BEFORE %1 BEGIN SELECT RAISE(ABORT, 'no'); END"_s.arg(when));
+    }
+
+    test::TestDevice device_;
+};
+
+TEST_F(Collections, FillsTheColumnsOfItsRow) {
+    addSalesSlip();
+    ASSERT_TRUE(books::saveCollection(slip(60000, 20000, 15000, 4000)));
+    EXPECT_EQ(device_.rows(u"SELECT * FROM MTMOK"_s),
+              (QList<QStringList>{{kDate,      u"매출"_s,   u"0001"_s,   u"가나상회"_s, kNumber,   u"14:30"_s,
+                                   kUser,      u"110000"_s, u"100000"_s, u"10000"_s,    u"3000"_s, u"2000"_s,
+                                   u"5000"_s,  u"80000"_s,  u"20000"_s,  u"60000"_s,    u"4000"_s, u"20000"_s,
+                                   u"15000"_s, u"700"_s,    u""_s,       u""_s}}));
+    // The entry's own INSERT names neither of the approval's columns.
+    EXPECT_EQ(device_.value(u"SELECT count(*) FROM MTMOK WHERE MSGSENDTIME IS NULL AND BANKTRANNO IS NULL"_s),
+              u"1"_s);
+    const auto loaded = books::loadCollection(kDate, kNumber, kUser);
+    ASSERT_TRUE(loaded);
+    EXPECT_EQ(loaded->amounts().total, Won(115000));
+    EXPECT_EQ(loaded->amounts().unpaid, Won(20000));
+    CollectionSlip again = *loaded;
+    again.setAmounts(loaded->amounts(), loaded->YMoney);
+    EXPECT_TRUE(again == *loaded);
+    EXPECT_FALSE(books::loadCollection(kDate, kNumber, u"B"_s));
+}
+
+TEST_F(Collections, MoveTheReceivableExactlyOnce) {
+    ASSERT_TRUE(books::saveCollection(slip(0, 0)));
+    EXPECT_EQ(receivable(), u"465000"_s);
+    ASSERT_TRUE(books::saveCollection(slip(0, 0)));
+    EXPECT_EQ(receivable(), u"465000"_s);
+    ASSERT_TRUE(books::saveCollection(slip(60000, 20000, 15000, 4000)));
+    EXPECT_EQ(receivable(), u"366000"_s);
+    EXPECT_EQ(books::previousReceivable(u"0001", kDate, kNumber, kUser), Won(350000));
+    // Recovery 10000 above the total, handed out in cash and paid against the earlier receivable.
+    CollectionSlip excess = slip(0, -10000, 125000, 10000);
+    ASSERT_TRUE(books::saveCollection(excess));
+    EXPECT_EQ(receivable(), u"340000"_s);
+    EXPECT_EQ(collections(), u"5001A=0"_s);
+
+    // The number is another customer's now: what the first one settled stays, under a number of its own.
+    CollectionSlip others = slip(115000, 0);
+    others.GCode = u"0002"_s;
+    books::SettlementAmounts onlyEarlier;
+    onlyEarlier.earlierReceivable = Won(500);
+    others.setAmounts(onlyEarlier, Won());
+    ASSERT_TRUE(books::saveCollection(others));
+    EXPECT_EQ(receivable(), u"340000"_s);
+    EXPECT_EQ(receivable(u"0002"), u"-1000"_s);
+    EXPECT_EQ(collections(), u"4001A=0 5001A=0"_s);
+    EXPECT_EQ(device_.value(u"SELECT Gubun FROM MTMOK WHERE JunNo = '5001'"_s), u"입금"_s);
+
+    EXPECT_TRUE(books::removeCollection(kDate, kNumber, kUser));
+    EXPECT_EQ(receivable(u"0002"), u"-500"_s);
+    EXPECT_TRUE(books::removeCollection(kDate, kNumber, kUser));
+    EXPECT_EQ(receivable(u"0002"), u"-500"_s);
+
+    CollectionSlip stranger = slip(0, 0);
+    stranger.GCode = u"0009"_s;
+    EXPECT_TRUE(books::saveCollection(stranger)) << "a customer who is not there has no receivable to move";
+}
+
+TEST_F(Collections, StayAsTheyWereWhenAnyPartFails) {
+    ASSERT_TRUE(books::saveCollection(slip(60000, 0)));
+    const auto expectUntouched = [&](const char* why) {
+        EXPECT_EQ(collections(), u"5001A=60000"_s) << why;
+        EXPECT_EQ(receivable(), u"405000"_s) << why;
+    };
+    CollectionSlip quoted = slip(1, 0);
+    quoted.GName = u"O'Hara"_s;
+    EXPECT_FALSE(books::saveCollection(quoted));
+    expectUntouched("a quote in the name");
+    for (const QString& when : {u"DELETE ON MTMOK"_s, u"INSERT ON MTMOK"_s, u"UPDATE ON GARAE"_s}) {
+        breakStatement(when);
+        EXPECT_FALSE(books::saveCollection(slip(1, 0)));
+        expectUntouched(qPrintable(when));
+        if (when != u"INSERT ON MTMOK") {
+            EXPECT_FALSE(books::removeCollection(kDate, kNumber, kUser));
+            EXPECT_FALSE(books::removeCollections(kDate, kNumber));
+            expectUntouched(qPrintable(when));
+        }
+        device_.execute(u"DROP TRIGGER broken"_s);
+    }
+    {
+        const test::FullDisk full(1);
+        EXPECT_FALSE(books::saveCollection(slip(1, 0)));
+        EXPECT_FALSE(approve(slip(1, 0), u"T1", u"1"_s));
+    }
+    expectUntouched("disk full");
+    // A payment that is given up: what it has replaced comes back, at the second try where the first failed.
+    ASSERT_TRUE(books::saveCollection(slip(1, 0), &books::replacedCollection()));
+    breakStatement(u"INSERT ON MTMOK"_s);
+    EXPECT_FALSE(books::takeBackCollection(kDate, kNumber, kUser));
+    device_.execute(u"DROP TRIGGER broken"_s);
+    EXPECT_TRUE(books::takeBackCollection(kDate, kNumber, kUser));
+    expectUntouched("taken back");
+    EXPECT_EQ(device_.value(u"SELECT BANKTRANNO FROM MTMOK"_s), u""_s);
+}
+
+TEST_F(Collections, KeepTheirApprovalWhenSavedAgain) {
+    addSalesSlip();
+    addSalesSlip(u"B");
+    ASSERT_TRUE(books::saveCollection(slip(115000, 0)));
+    const CollectionSlip saved = *books::loadCollection(kDate, kNumber, kUser);
+    breakStatement(u"UPDATE ON MTMOK"_s);
+    EXPECT_FALSE(approve(saved, u"T1", u"143000"_s));
+    EXPECT_EQ(printStates(), u"A미발행,B미발행"_s);
+    device_.execute(u"DROP TRIGGER broken"_s);
+    EXPECT_FALSE(approve(saved, u"T'1", u"143000"_s));
+
+    EXPECT_TRUE(approve(saved, u"T1", u"143000"_s));
+    EXPECT_EQ(printStates(), u"A결제,B미발행"_s);
+    CollectionSlip changed = slip(100000, 15000);
+    changed.BANKTRANNO = u"forged"_s;
+    ASSERT_TRUE(books::saveCollection(changed));
+    EXPECT_EQ(device_.rows(u"SELECT CardMoney, MSGSENDTIME, BANKTRANNO FROM MTMOK"_s),
+              (QList<QStringList>{{u"100000"_s, u"143000"_s, u"T1"_s}}));
+
+    const auto found = books::findByTransactionNumber(u"T1");
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->CardMoney, Won(100000));
+    EXPECT_EQ(found->JunNo + found->UserID + found->BANKTRANNO, u"5001AT1"_s);
+    EXPECT_FALSE(books::findByTransactionNumber(u"T2"));
+    // One row holds one approval: another comes in beside it.
+    const auto second = approve(saved, u"T2", u"150000"_s);
+    ASSERT_TRUE(second);
+    EXPECT_EQ(second->JunNo + second->Gubun, u"7001입금"_s);
+    EXPECT_TRUE(books::findByTransactionNumber(u"T1") && books::findByTransactionNumber(u"T2"));
+
+    // The sale was deleted, the payment stayed, and its number is another customer's now.
+    device_.insert(u"YTM", {{u"DDate", kDate}, {u"GCode", u"0001"}, {u"JunNo", kNumber}, {u"UserID", kUser}});
+    CollectionSlip others = slip(1, 0);
+    others.GCode = u"0002"_s;
+    breakStatement(u"UPDATE ON YTM"_s);
+    EXPECT_FALSE(books::saveCollection(others));
+    device_.execute(u"DROP TRIGGER broken"_s);
+    const QString before = receivable();
+    EXPECT_FALSE(books::findByTransactionNumber(u"T1")->JunNo != kNumber) << "nothing is moved by halves";
+    ASSERT_TRUE(books::saveCollection(others));
+    EXPECT_EQ(receivable(), before);
+    EXPECT_FALSE(books::loadCollection(kDate, kNumber, kUser)->isApproved()) << "it is not his payment";
+    EXPECT_EQ(books::findByTransactionNumber(u"T1")->JunNo, u"4001"_s);
+    EXPECT_EQ(device_.value(u"SELECT JunNo FROM YTM"_s), u"4001"_s);
+    EXPECT_EQ(device_.value(u"SELECT group_concat(JunNo) FROM PAYJOURNAL"_s), u"4001,7001"_s);
+}
+
+TEST_F(Collections, KeepEverySimplePayment) {
+    CollectionSlip paid = slip(0, 0);
+    paid.JunNo = u"7001"_s;
+    books::SettlementAmounts amounts;
+    amounts.sales = Won(110000);
+    amounts.nonLiquor = Won(5000);
+    amounts.containerRecovery = Won(10000);
+    amounts.card = Won(95000);
+    paid.setAmounts(amounts, Won());
+    paid.Gubun = books::kSimplePaymentSlip.toString();
+    ASSERT_TRUE(approve(paid, u"T1", u"143000"_s));
+    EXPECT_EQ(receivable(), u"350000"_s);
+    const auto loaded = books::loadCollection(kDate, u"7001", kUser);
+    ASSERT_TRUE(loaded);
+    EXPECT_EQ(loaded->Gubun + loaded->DTime + loaded->MSGSENDTIME + loaded->BANKTRANNO,
+              u"단순결제14:30143000T1"_s);
+    EXPECT_EQ(loaded->amounts().total, Won(105000));
+    EXPECT_EQ(loaded->InMoney, Won(95000));
+
+    EXPECT_FALSE(approve(paid, u"T'2", u"143100"_s));
+    // Corrected as a collection slip it stays a simple payment; two of one number cannot become one row.
+    paid.GName = u"다라상회"_s;
+    EXPECT_TRUE(books::saveCollection(paid));
+    EXPECT_EQ(device_.rows(u"SELECT Gubun, GName, BANKTRANNO FROM MTMOK"_s),
+              (QList<QStringList>{{u"단순결제"_s, u"다라상회"_s, u"T1"_s}}));
+    ASSERT_TRUE(approve(paid, u"T2", u"143100"_s));
+    EXPECT_FALSE(books::saveCollection(paid));
+    EXPECT_TRUE(books::findByTransactionNumber(u"T1") && books::findByTransactionNumber(u"T2"));
+    EXPECT_TRUE(books::removeCollections(kDate, u"7001"));
+    EXPECT_EQ(receivable(), u"350000"_s);
+}
+
+TEST_F(Collections, TellTheCashThatChangedHands) {
+    const struct {
+        const char* what;
+        std::int64_t total, recovery, card, cash, unpaid, earlier, taken;
+        bool isSimple = false;
+    } cases[] = {
+        {"cash", 50000, 0, 0, 50000, 0, 0, 50000},
+        {"card and an old debt in cash", 50000, 0, 50000, 0, 0, 7000, 7000},
+        {"credit, the recovery below the total", 50000, 20000, 0, 0, 30000, 7000, 7000},
+        {"an old debt alone", 0, 0, 0, 0, 0, 7000, 7000},
+        {"a recovery above the total, settled by a button", 50000, 60000, 0, 0, 0, 10000, 0},
+        {"the same, then an earlier receivable keyed over it", 50000, 60000, 0, 0, -10000, 7000, 7000},
+        {"the recovery keyed", 50000, 60000, 0, -10000, 0, 10000, 0},
+        {"the same with its excess not booked: handed out", 50000, 60000, 0, -10000, 0, 0, -10000},
+        {"a recovery alone", 0, 60000, 0, 0, 0, 0, 0},
+        {"the same, settled by a button", 0, 60000, 0, 0, 0, 60000, 0},
+        {"the same with an old debt paid", 0, 60000, 0, 0, 0, 5000, 5000},
+        {"a slip that shrank below its recovery after the cash was paid", 5000, 8000, 0, 2000, -5000, 3000,
+         5000},
+        {"a simple payment in cash", 50000, 60000, 0, 40000, 0, 0, 40000, true},
+        {"a simple payment by card", 50000, 60000, 40000, 0, 0, 0, 0, true},
+    };
+    for (const auto& [what, total, recovery, card, cash, unpaid, earlier, taken, isSimple] : cases) {
+        CollectionSlip each;
+        each.Gubun = (isSimple ? books::kSimplePaymentSlip : books::kCollectionOfSale).toString();
+        each.MMoney = Won(total - total / 10);
+        each.YGMoney = Won(total / 10);
+        each.YDMoney = Won(recovery);
+        each.CardMoney = Won(card);
+        each.WonMoney = Won(cash);
+        each.UnderMoney = Won(unpaid);
+        each.MisuInMoney = Won(earlier);
+        EXPECT_EQ(each.cashTaken(), Won(taken)) << what;
+    }
+}
+
+}  // namespace
