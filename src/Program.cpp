@@ -17,11 +17,13 @@
 #include "platform/Device.h"
 #include "platform/OwnerOnly.h"
 #include "platform/Settings.h"
+#include "platform/TerminalLock.h"
 #include "platform/Trace.h"
 #include "platform/termdev/Devices.h"
 #include "platform/termdev/SwipeSocket.h"
 #include "ui/Bitmaps.h"
 #include "ui/Fonts.h"
+#include "ui/Messages.h"
 #include "ui/Terminal.h"
 
 namespace {
@@ -84,6 +86,30 @@ qreal scaleToFit(int argc, char** argv, QSize pixels) {
         1.0, std::min(display.width() / qreal(pixels.width()), display.height() / qreal(pixels.height())));
 }
 
+/// Says that the device folder has its terminal already, which shows its window meanwhile.
+int refuseSecondStart() {
+    std::fprintf(stderr, "rovana: another terminal works on %s\n",
+                 qUtf8Printable(platform::device::folder()));
+    platform::TerminalLock::callHolder();
+    ui::prepareFonts();
+    ui::Terminal terminal;
+    terminal.setWindowTitle(u"Rovana"_s);
+    QTimer::singleShot(0, &terminal, [&] {
+        terminal.setVisible(true);
+        ui::message(u"단말기가 이미 열려 있습니다..! 먼저 연 창에서 계속하십시오. : %1"_s.arg(
+            platform::device::folder()));
+        QCoreApplication::quit();
+    });
+    QApplication::exec();
+    return 1;
+}
+
+void bringToFront(QWidget& window) {
+    window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
+    window.raise();
+    window.activateWindow();
+}
+
 }  // namespace
 
 int runProgram(int argc, char** argv, const std::function<void(ui::Terminal&)>& terminalMade) {
@@ -106,6 +132,9 @@ int runProgram(int argc, char** argv, const std::function<void(ui::Terminal&)>& 
     qputenv("QT_SCALE_FACTOR", QByteArray::number(options.scale));
 
     const QApplication application(argc, argv);
+    // Before anything in the folder is touched.
+    const platform::TerminalLock lock;
+    if (lock.isTaken()) return refuseSecondStart();
     if (!platform::openLog(settings.logKilobytes * qint64{1024})) {
         std::fprintf(stderr, "rovana: no log can be kept in %s\n",
                      qUtf8Printable(platform::device::folder()));
@@ -131,6 +160,7 @@ int runProgram(int argc, char** argv, const std::function<void(ui::Terminal&)>& 
         if (!options.isFullScreen) layout->setSizeConstraint(QLayout::SetFixedSize);
     }
 
+    QObject::connect(&lock, &platform::TerminalLock::startedAgain, &window, [&] { bringToFront(window); });
     const platform::termdev::SwipeSocket swipes;
     registerScreens();
     if (terminalMade) terminalMade(*terminal);

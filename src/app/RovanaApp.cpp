@@ -6,6 +6,7 @@
 #include <QString>
 #include <cstdio>
 
+#include "app/DeviceProblem.h"
 #include "app/Dialogs.h"
 #include "db/Health.h"
 #include "platform/Trace.h"
@@ -27,6 +28,10 @@ int CRovanaApp::run() {
     if (!initializeSockets()) {
         ui::message(u"Windows CE sockets initialization failed."_s);
         return 1;
+    }
+    if (const QString noFolder = deviceProblem(); !noFolder.isEmpty()) {
+        platform::trace(noFolder);
+        ui::message(noFolder);
     }
     const QString problem = db::databaseProblem();
     if (!problem.isEmpty()) {

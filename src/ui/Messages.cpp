@@ -18,10 +18,12 @@ constexpr int kTallestText = 200;
 constexpr QColor kShade(0x14, 0x20, 0x2b, 110);
 constexpr QColor kBorder(0x33, 0x4e, 0x68);
 
-/// A message that lists amounts joins them with "&" to one word, wider than the panel: a line may end there.
+/// A message that lists amounts joins them with "&" to one word, wider than the panel, and a folder's name
+/// has
+/// "/" in it: a line may end there.
 QString breakable(const QString& text) {
-    constexpr char16_t kZeroWidthSpace = 0x200b;
-    return QString(text).replace(u'&', u'&' + QString(QChar(kZeroWidthSpace)));
+    const QString zeroWidthSpace(QChar(0x200b));
+    return QString(text).replace(u'&', u'&' + zeroWidthSpace).replace(u'/', u'/' + zeroWidthSpace);
 }
 
 }  // namespace

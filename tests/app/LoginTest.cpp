@@ -2,14 +2,18 @@
 #include "books/SlipNumbers.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <QDir>
 #include <QFile>
 
+#include "app/DeviceProblem.h"
 #include "app/LoginWait.h"
 #include "app/Session.h"
 #include "platform/Device.h"
 #include "platform/Wipe.h"
+#include "support/FullDisk.h"
 #include "support/MemorySearch.h"
 #include "support/PrintQt.h"
 #include "support/TestDevice.h"
@@ -41,6 +45,34 @@ TEST(Login, LeavesNoPasswordInMemory) {
         platform::wipe(&password);
     }
     EXPECT_EQ(test::kRarePassword.places(), std::vector<std::string>());
+}
+
+TEST(DeviceProblem, NamesTheFolderThatKeepsNothing) {
+    test::TestDevice device;
+    const QString documents = device.folder() + u"/My Documents"_s;
+    const auto isSaid = [&](const QString& what) {
+        const QString problem = app::deviceProblem();
+        return problem.contains(what) && problem.endsWith(documents);
+    };
+    EXPECT_EQ(app::deviceProblem(), QString());
+    const auto entries = QDir(documents).entryList(QDir::Files | QDir::Hidden);
+    {
+        const test::FullDisk full(4096);
+        EXPECT_TRUE(isSaid(u"가득"_s));
+    }
+    EXPECT_EQ(QDir(documents).entryList(QDir::Files | QDir::Hidden), entries) << "the try leaves nothing";
+    // Permissions bind the superuser only without his privileges.
+    const uid_t user = ::geteuid();
+    ASSERT_EQ(::chmod(QFile::encodeName(device.folder()).constData(), 0755), 0);
+    ASSERT_EQ(::chmod(QFile::encodeName(documents).constData(), 0555), 0);
+    ASSERT_EQ(user == 0 ? ::seteuid(65534) : 0, 0);
+    const bool isReadOnlySaid = isSaid(u"쓸 수 없습니다"_s);
+    ASSERT_EQ(::seteuid(user), 0);
+    ASSERT_EQ(::chmod(QFile::encodeName(documents).constData(), 0755), 0);
+    EXPECT_TRUE(isReadOnlySaid);
+    ASSERT_TRUE(QDir().rename(documents, documents + u".away"_s));
+    EXPECT_TRUE(isSaid(u"없습니다"_s));
+    ASSERT_TRUE(QDir().rename(documents + u".away"_s, documents));
 }
 
 TEST(LoginWait, GrowsToTenSecondsAndOutlivesTheProgram) {

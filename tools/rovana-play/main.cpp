@@ -11,6 +11,7 @@
 #include "desk/Desk.h"
 #include "platform/Device.h"
 #include "platform/OwnerOnly.h"
+#include "platform/TerminalLock.h"
 #include "platform/Trace.h"
 #include "rovana-play/Pilot.h"
 #include "rovana-play/Script.h"
@@ -70,6 +71,12 @@ int main(int argc, char* argv[]) {
     if (!QFileInfo::exists(platform::device::path(platform::device::kDatabaseFile)))
         return fail(u"no terminal in %1; \"rovanactl init\" makes one"_s.arg(platform::device::folder()),
                     kUsageError);
+    const platform::TerminalLock lock;
+    if (lock.isTaken()) {
+        platform::TerminalLock::callHolder();
+        return fail(u"a terminal is open on %1 already; close it first"_s.arg(platform::device::folder()),
+                    kUsageError);
+    }
     platform::openLog();
     platform::tightenFiles(platform::device::folder());
     QApplication::setCursorFlashTime(0);  // Screenshots of the same screen are the same.
@@ -85,6 +92,10 @@ int main(int argc, char* argv[]) {
     }
     window->setVisible(true);
     window->activateWindow();
+    QObject::connect(&lock, &platform::TerminalLock::startedAgain, window.get(), [&window] {
+        window->raise();
+        window->activateWindow();
+    });
 
     pilot::Options options;
     options.shots = parser.value(shots);

@@ -1,10 +1,8 @@
 #include "platform/termdev/SwipeSocket.h"
 
-#include <fcntl.h>
 #include <sodium.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <QFile>
@@ -14,6 +12,7 @@
 #include <utility>
 
 #include "platform/Device.h"
+#include "platform/SocketAddress.h"
 #include "platform/Trace.h"
 #include "platform/termdev/CardReader.h"
 
@@ -26,31 +25,6 @@ using namespace Qt::Literals::StringLiterals;
 constexpr qsizetype kLongestCardBytes = 2 * kTrackBufferBytes;
 
 constexpr char kSocketName[] = "card.socket";
-
-/// The socket's address by way of an open folder, because a device folder's own path may be longer than an
-/// address can hold.
-class SocketAddress {
-  public:
-    SocketAddress() : folder_(::open(QFile::encodeName(device::folder()).constData(), O_PATH | O_DIRECTORY)) {
-        address_.sun_family = AF_UNIX;
-        std::snprintf(address_.sun_path, sizeof address_.sun_path, "/proc/self/fd/%d/%s", folder_,
-                      kSocketName);
-    }
-    ~SocketAddress() {
-        if (folder_ >= 0) ::close(folder_);
-    }
-    SocketAddress(const SocketAddress&) = delete;
-    SocketAddress& operator=(const SocketAddress&) = delete;
-
-    bool isValid() const { return folder_ >= 0; }
-    const char* path() const { return address_.sun_path; }
-    const sockaddr* get() const { return reinterpret_cast<const sockaddr*>(&address_); }
-    static socklen_t size() { return sizeof(sockaddr_un); }
-
-  private:
-    int folder_;
-    sockaddr_un address_{};
-};
 
 /// Gives the listener the address that a terminal before may have left behind; errno is EADDRINUSE when one
 /// still listens there.
@@ -79,7 +53,7 @@ bool isSameUser(int connection) {
 }  // namespace
 
 SwipeSocket::SwipeSocket(QObject* parent) : QObject(parent) {
-    const SocketAddress address;
+    const SocketAddress address(kSocketName);
     listener_ = address.isValid() ? ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0) : -1;
     int reason = errno;
     if (listener_ >= 0) {
@@ -166,7 +140,7 @@ void SwipeSocket::endConversation() {
 }
 
 SwipeSocket::Answer SwipeSocket::send(QByteArrayView track2, QByteArrayView track3, int timeOut) {
-    const SocketAddress address;
+    const SocketAddress address(kSocketName);
     const int connection = address.isValid() ? ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0) : -1;
     if (connection < 0) return Answer::NoTerminal;
     const timeval patience{timeOut / 1000, timeOut % 1000 * 1000};
