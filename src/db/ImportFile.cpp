@@ -1,13 +1,19 @@
 #include "db/ImportFile.h"
 
-#include <QFile>
 #include <algorithm>
 #include <array>
 
+#include "db/WaitingFile.h"
 #include "platform/Device.h"
 
 namespace db {
 namespace {
+
+constexpr Statement<u"SELECT COUNT(*) FROM MTM"> kCountOrders;
+constexpr Statement<u"SELECT COUNT(*) FROM GARAE"> kCountCustomers;
+constexpr Statement<u"SELECT COUNT(*) FROM PUMMOK"> kCountProducts;
+constexpr Statement<u"SELECT COUNT(*) FROM GARAEDANGA"> kCountContractPrices;
+constexpr Statement<u"SELECT COUNT(*) FROM GARAEMAJIN"> kCountClassMargins;
 
 constexpr Statement<u"DELETE GARAE"> kDeleteCustomers;
 constexpr Statement<u"DELETE PUMMOK"> kDeleteProducts;
@@ -47,23 +53,29 @@ Sql insertFields(std::span<const QStringView> fields) {
     return Insert(values);
 }
 
-template <const auto& Delete>
-Sql deleteAll() {
-    return Delete();
+/// A statement without values.
+template <const auto& Plain>
+Sql plain() {
+    return Plain();
 }
 
 template <const auto& Insert>
-constexpr ImportFile describe(QStringView fileName, int firstFieldLength, int restLength, Sql (*empty)()) {
+constexpr ImportFile describe(QStringView fileName, int firstFieldLength, int restLength, Sql (*countRows)(),
+                              Sql (*deleteAll)(), bool isOnlyOffices) {
     constexpr int kFields = std::remove_cvref_t<decltype(Insert)>::kValues;
-    return {fileName, firstFieldLength, restLength, kFields, empty, insertFields<Insert>};
+    return {fileName,  firstFieldLength, restLength,    kFields,
+            countRows, deleteAll,        isOnlyOffices, insertFields<Insert>};
 }
 
+// A payment moves the customers' receivables, so GARAE is not the office's alone.
 constexpr std::array kFiles{
-    describe<kInsertOrder>(u"MTM.RVN", 10, 140, nullptr),
-    describe<kInsertCustomer>(u"GARAE.RVN", 4, 200, deleteAll<kDeleteCustomers>),
-    describe<kInsertProduct>(u"PUMMOK.RVN", 4, 200, deleteAll<kDeleteProducts>),
-    describe<kInsertContractPrice>(u"GARAEDANGA.RVN", 4, 200, deleteAll<kDeleteContractPrices>),
-    describe<kInsertClassMargin>(u"GARAEMAJIN.RVN", 4, 200, deleteAll<kDeleteClassMargins>),
+    describe<kInsertOrder>(u"MTM.RVN", 10, 140, plain<kCountOrders>, nullptr, false),
+    describe<kInsertCustomer>(u"GARAE.RVN", 4, 200, plain<kCountCustomers>, plain<kDeleteCustomers>, false),
+    describe<kInsertProduct>(u"PUMMOK.RVN", 4, 200, plain<kCountProducts>, plain<kDeleteProducts>, true),
+    describe<kInsertContractPrice>(u"GARAEDANGA.RVN", 4, 200, plain<kCountContractPrices>,
+                                   plain<kDeleteContractPrices>, true),
+    describe<kInsertClassMargin>(u"GARAEMAJIN.RVN", 4, 200, plain<kCountClassMargins>,
+                                 plain<kDeleteClassMargins>, true),
 };
 
 }  // namespace
@@ -86,8 +98,7 @@ QString importPath(const ImportFile& file, ImportSource source) {
 
 ImportSource findImportFile(const ImportFile& file) {
     for (const ImportSource source : {ImportSource::Documents, ImportSource::StorageCard}) {
-        QFile candidate(platform::device::path(importPath(file, source)));
-        if (candidate.open(QIODevice::ReadWrite | QIODevice::ExistingOnly)) return source;
+        if (WaitingFile::isAt(platform::device::path(importPath(file, source)))) return source;
     }
     return ImportSource::None;
 }

@@ -19,7 +19,9 @@ struct ImportFile {
     int firstFieldLength;  ///< Characters of the fixed-width first field.
     int restLength;        ///< Characters of a line that count after the first field and its separator.
     int fields;            ///< Columns that a line fills.
+    Sql (*countRows)();    ///< Selects the number of its table's rows.
     Sql (*deleteAll)();    ///< Empties the table; null for MTM, which keeps its rows and gains the file's.
+    bool isOnlyOffices;    ///< Nothing but this file changes the table.
     Sql (*insert)(std::span<const QStringView> fields);  ///< As many as the member of that name says.
 };
 

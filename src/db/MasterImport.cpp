@@ -3,15 +3,15 @@
 #include <sodium.h>
 
 #include <QFile>
-#include <QFileInfo>
-#include <QSaveFile>
 #include <array>
 
+#include "db/MasterLoads.h"
 #include "db/Query.h"
 #include "db/Transaction.h"
+#include "db/WaitingFile.h"
 #include "platform/Clock.h"
 #include "platform/CodePage.h"
-#include "platform/Sync.h"
+#include "platform/Device.h"
 #include "platform/Trace.h"
 
 namespace db {
@@ -72,154 +72,194 @@ int countLines(QByteArrayView content) {
     return lines;
 }
 
-std::optional<QByteArray> readFile(const QString& path) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly)) return std::nullopt;
-    QByteArray content = file.readAll();
-    if (file.error() != QFileDevice::NoError) return std::nullopt;
-    return content;
-}
-
 /// What tells this very file from another of the same name.
 struct FileIdentity {
     QString handheldPath;  ///< How the ledger names it: the device folder may move.
-    QString path;
     QString digest;
     QString size;
     QString modified;
 };
 
-FileIdentity identify(const QString& handheldPath, const QByteArray& content) {
-    const QString path = platform::device::path(handheldPath);
+FileIdentity identify(const QString& handheldPath, const WaitingFile& file) {
+    const QByteArray& content = file.content();
     std::array<unsigned char, crypto_generichash_BYTES> digest;
     crypto_generichash(digest.data(), digest.size(),
                        reinterpret_cast<const unsigned char*>(content.constData()),
                        static_cast<unsigned long long>(content.size()), nullptr, 0);
     const auto hex = QByteArrayView(reinterpret_cast<const char*>(digest.data()), qsizetype(digest.size()));
-    return {handheldPath, path, QString::fromLatin1(hex.toByteArray().toHex()),
-            QString::number(content.size()),
-            QString::number(QFileInfo(path).lastModified().toMSecsSinceEpoch())};
+    return {handheldPath, QString::fromLatin1(hex.toByteArray().toHex()), QString::number(content.size()),
+            QString::number(file.modified())};
 }
 
-/// Lines that became no row, kept beside the file so that nothing is lost.
-class RejectedLines {
-  public:
-    void add(int number, const char* reason, QByteArrayView line) {
-        lines_ += QByteArray::number(number) + '\t' + reason + '\t' + line.toByteArray() + '\n';
-        ++count_;
-    }
-    int count() const { return count_; }
+/// Whether the content ends in the middle of a line: without a line end, and before all its fields.
+bool endsCut(const ImportFile& file, QByteArrayView content) {
+    if (content.isEmpty() || content.endsWith('\n')) return false;
+    const QByteArrayView line = content.sliced(content.lastIndexOf('\n') + 1);
+    const std::optional<QString> text = decodeLine(line);
+    return !text || text->sliced(std::min<qsizetype>(file.firstFieldLength + 1, text->size())).count(u'|') <
+                        file.fields - 1;
+}
 
-    /// Adds the lines to NAME.RVN.rejected under a heading that names the file's content. A batch of the same
-    /// content, left by a run that was stopped, is replaced. False when the file cannot be written.
-    bool save(const FileIdentity& file) const {
-        const QString path = file.path + u".rejected"_s;
-        const QByteArray heading = "# " + file.digest.toLatin1();
-        QByteArray kept;
-        QFile old(path);
-        if (old.open(QIODevice::ReadOnly)) kept = withoutBatch(old.readAll(), heading);
-        QSaveFile target(path);
-        if (!target.open(QIODevice::WriteOnly)) return false;
-        target.write(kept);
-        target.write(heading + ' ' + platform::clock::now().toString(Qt::ISODate).toLatin1() + '\n' + lines_);
-        return target.commit();
+/// Where the file's rejected lines are kept: beside it, else with the documents.
+QStringList placesForRejected(const ImportFile& file, ImportSource source) {
+    QStringList places{rejectedPath(file, source)};
+    if (source != ImportSource::Documents) places << rejectedPath(file, ImportSource::Documents);
+    return places;
+}
+
+/// One file on its way into its table.
+class Load {
+  public:
+    Load(const ImportFile& file, ImportSource source, WaitingFile& waiting, ImportResult* result)
+        : file_(file),
+          source_(source),
+          waiting_(waiting),
+          identity_(identify(importPath(file, source), waiting)),
+          result_(*result) {}
+
+    /// Brings the lines into the table, if they are not there yet.
+    ImportResult::Outcome run(const std::function<void(int, int)>& progress);
+
+    /// Deletes the file and takes it out of the ledger.
+    bool deleteFile() {
+        if (!waiting_.removeForGood()) {
+            platform::trace(u"import: %1 is loaded but cannot be deleted for good"_s.arg(waiting_.path()));
+            return false;
+        }
+        execute(kDeleteLedger(identity_.handheldPath));
+        return true;
     }
 
   private:
-    static QByteArray withoutBatch(const QByteArray& content, const QByteArray& heading) {
-        const qsizetype begin = content.startsWith(heading) ? 0 : content.indexOf('\n' + heading) + 1;
-        if (begin == 0 && !content.startsWith(heading)) return content;
-        const qsizetype next = content.indexOf("\n# ", begin);
-        return content.first(begin) + (next < 0 ? QByteArray() : content.sliced(next + 1));
-    }
+    ImportResult::Outcome look();
+    void insertLines(Transaction& transaction, const std::function<void(int, int)>& progress);
+    bool keepRejected(Transaction& transaction);
 
-    QByteArray lines_;
-    int count_ = 0;
+    const ImportFile& file_;
+    ImportSource source_;
+    WaitingFile& waiting_;
+    FileIdentity identity_;
+    ImportResult& result_;
+    RejectedLines rejected_;
 };
 
-/// Deletes the file and waits until the folder on disk knows it, so that a loaded file cannot come back after
-/// a loss of power. False when it may.
-bool deleteForGood(const QString& path) {
-    return QFile::remove(path) && platform::syncToDisk(QFileInfo(path).absolutePath());
+/// What became of the file before this run, or NotSaved when nothing did. Whoever loads at the same time has
+/// either committed nothing or put the file in the ledger, which it cannot leave during this transaction.
+ImportResult::Outcome Load::look() {
+    using enum ImportResult::Outcome;
+    if (hasRow(kSelectLedger(identity_.handheldPath, identity_.digest, identity_.size, identity_.modified))) {
+        platform::trace(u"import: %1 was loaded before"_s.arg(waiting_.path()));
+        return AlreadyLoaded;
+    }
+    if (!waiting_.isUntouched()) return WaitingFile::isAt(waiting_.path()) ? BeingWritten : NotOpened;
+    return holdsContent(file_, identity_.digest, result_.lines) ? Unchanged : NotSaved;
 }
 
-bool deleteLoadedFile(const FileIdentity& file) {
-    if (!deleteForGood(file.path)) {
-        platform::trace(u"import: %1 is loaded but cannot be deleted for good"_s.arg(file.path));
-        return false;
+ImportResult::Outcome Load::run(const std::function<void(int, int)>& progress) {
+    using enum ImportResult::Outcome;
+    Transaction transaction;
+    if (!transaction.isAlive()) return NotSaved;
+    const ImportResult::Outcome before = look();
+    if (before != NotSaved && before != Unchanged) return before;
+    if (before == Unchanged) {
+        result_.loaded = result_.lines;
+        if (progress) progress(result_.lines, result_.lines);
+    } else {
+        if (file_.deleteAll != nullptr) transaction.connection().Execute(file_.deleteAll());
+        insertLines(transaction, progress);
     }
-    execute(kDeleteLedger(file.handheldPath));
-    return true;
+    transaction.connection().Execute(kDeleteLedger(identity_.handheldPath));
+    transaction.connection().Execute(kInsertLedger(identity_.handheldPath, identity_.digest, identity_.size,
+                                                   identity_.modified,
+                                                   platform::clock::now().toString(Qt::ISODate)));
+    // A file with rejected lines is loaded again, and they are told of again.
+    rememberLoad(file_, rejected_.count() == 0 ? identity_.digest : QString(), waiting_.modified(),
+                 transaction);
+    // What was loaded must be all that the file holds now.
+    if (!waiting_.isUntouched()) return BeingWritten;
+    if (!transaction.isAlive() || !keepRejected(transaction) || !transaction.commit()) return NotSaved;
+    return before == Unchanged ? Unchanged : Loaded;
 }
 
 /// Runs the INSERT of every line on the transaction's connection.
-void insertLines(const ImportFile& file, const QByteArray& content, Transaction& transaction,
-                 ImportResult* result, RejectedLines* rejected,
-                 const std::function<void(int, int)>& progress) {
-    LineReader reader(content);
+void Load::insertLines(Transaction& transaction, const std::function<void(int, int)>& progress) {
+    LineReader reader(waiting_.content());
     std::vector<QStringView> fields;
     for (int number = 1; !reader.atEnd() && transaction.isAlive(); ++number) {
         const QByteArrayView line = withoutLineEnd(reader.next());
         const std::optional<QString> text = decodeLine(line);
         if (!text) {
-            rejected->add(number, "not code page 949", line);
+            rejected_.add(number, RejectedLine::Reason::NotCodePage949, line);
         } else {
-            cutImportLine(file, *text, &fields);
+            cutImportLine(file_, *text, &fields);
             CVORecordset insert(transaction.connection());
-            if (insert.Open(file.insert(fields), kForwardOnly, kReadOnly)) {
-                ++result->loaded;
+            if (insert.Open(file_.insert(fields), kForwardOnly, kReadOnly)) {
+                ++result_.loaded;
             } else {
-                rejected->add(number, "not accepted by the database", line);
+                rejected_.add(number, RejectedLine::Reason::NotAccepted, line);
             }
         }
-        if (progress) progress(number, result->lines);
+        if (progress) progress(number, result_.lines);
     }
-    result->rejected = rejected->count();
+    result_.rejected = rejected_.count();
+    result_.firstRejected = rejected_.first();
+}
+
+bool Load::keepRejected(Transaction& transaction) {
+    if (rejected_.count() == 0) return true;
+    result_.keptIn =
+        rejected_.keep(placesForRejected(file_, source_), file_.fileName, identity_.digest, transaction);
+    if (result_.keptIn.isEmpty()) return false;
+    platform::trace(u"import: %1 lines of %2 are kept in %3"_s.arg(rejected_.count())
+                        .arg(waiting_.path(), result_.keptIn));
+    return true;
 }
 
 }  // namespace
 
+ImportLock::ImportLock() : lock_(platform::device::path(platform::device::kDocumentsFolder)) {}
+
+QString rejectedPath(const ImportFile& file, ImportSource source) {
+    return platform::device::path(importPath(file, source) + u".rejected"_s);
+}
+
 std::optional<int> countImportLines(const ImportFile& file, ImportSource source) {
-    const std::optional<QByteArray> content = readFile(platform::device::path(importPath(file, source)));
-    return content ? std::optional(countLines(*content)) : std::nullopt;
+    const QString path = platform::device::path(importPath(file, source));
+    QFile waiting(path);
+    if (!WaitingFile::isAt(path) || !waiting.open(QIODevice::ReadOnly)) return std::nullopt;
+    const QByteArray content = waiting.readAll();
+    return waiting.error() == QFileDevice::NoError ? std::optional(countLines(content)) : std::nullopt;
+}
+
+std::optional<Shrinkage> findShrinkage(const ImportFile& file, ImportSource source) {
+    if (file.deleteAll == nullptr) return std::nullopt;
+    const std::optional<int> lines = countImportLines(file, source);
+    const std::optional<int> rows = countRows(file);
+    if (!lines || !rows || *lines * 2 >= *rows) return std::nullopt;
+    return Shrinkage{*rows, *lines};
 }
 
 ImportResult importFile(const ImportFile& file, ImportSource source,
                         const std::function<void(int done, int count)>& progress) {
+    using enum ImportResult::Outcome;
     ImportResult result;
-    const QString path = platform::device::path(importPath(file, source));
-    const std::optional<QByteArray> content = readFile(path);
-    if (!content) return result;
-    result.lines = countLines(*content);
-
-    const FileIdentity identity = identify(importPath(file, source), *content);
-    if (hasRow(kSelectLedger(identity.handheldPath, identity.digest, identity.size, identity.modified))) {
-        platform::trace(u"import: %1 was loaded before"_s.arg(path));
-        result.outcome = ImportResult::Outcome::AlreadyLoaded;
-        result.isDeleted = deleteLoadedFile(identity);
-        return result;
+    WaitingFile waiting(platform::device::path(importPath(file, source)));
+    if (waiting.state() == WaitingFile::State::BeingWritten) result.outcome = BeingWritten;
+    if (waiting.state() == WaitingFile::State::Read) {
+        result.lines = countLines(waiting.content());
+        Load load(file, source, waiting, &result);
+        result.outcome = load.run(progress);
+        if (result.isInTable()) {
+            result.isLastLineCut = endsCut(file, waiting.content());
+            result.isDeleted = load.deleteFile();
+        } else {
+            result.loaded = 0;
+        }
     }
-
-    RejectedLines rejected;
-    Transaction transaction;
-    if (file.deleteAll != nullptr) transaction.connection().Execute(file.deleteAll());
-    insertLines(file, *content, transaction, &result, &rejected, progress);
-    transaction.connection().Execute(kDeleteLedger(identity.handheldPath));
-    transaction.connection().Execute(kInsertLedger(identity.handheldPath, identity.digest, identity.size,
-                                                   identity.modified,
-                                                   platform::clock::now().toString(Qt::ISODate)));
-    const bool isKeptAside = transaction.isAlive() && (rejected.count() == 0 || rejected.save(identity));
-    if (!isKeptAside || !transaction.commit()) {
-        platform::trace(u"import: %1 could not be saved and stays"_s.arg(path));
-        result.outcome = ImportResult::Outcome::NotSaved;
-        result.loaded = 0;
-        return result;
-    }
-    if (rejected.count() > 0) {
-        platform::trace(u"import: %1 lines of %2 are kept in %2.rejected"_s.arg(rejected.count()).arg(path));
-    }
-    result.outcome = ImportResult::Outcome::Loaded;
-    result.isDeleted = deleteLoadedFile(identity);
+    if (result.outcome == NotSaved)
+        platform::trace(u"import: %1 could not be saved and stays"_s.arg(waiting.path()));
+    if (result.outcome == BeingWritten)
+        platform::trace(u"import: another program writes %1, which stays"_s.arg(waiting.path()));
     return result;
 }
 

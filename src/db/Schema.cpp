@@ -42,6 +42,8 @@ constexpr Columns<16> kDayClose{u"DDate",        u"UserID",      u"ClosedAt",   
                                 u"Unpaid",       u"EarlierPaid", u"Recovery",    u"Boxes",
                                 u"Bottles",      u"CratesBack",  u"BottlesBack", u"OpenSlips"};
 constexpr Columns<5> kImportLog{u"Path", u"Digest", u"Size", u"Modified", u"LoadedAt"};
+constexpr Columns<6> kImportReject{u"FileName", u"Digest", u"KeptAt", u"Number", u"Reason", u"Line"};
+constexpr Columns<5> kMasterLoad{u"FileName", u"Digest", u"Modified", u"Newest", u"LoadedAt"};
 constexpr Columns<6> kPrintLog{u"DDate", u"JunNo", u"UserID", u"Document", u"Copy", u"PrintedAt"};
 // The payment's own columns, then those of the slip that it pays.
 constexpr Columns<27> kPayJournal{
@@ -68,6 +70,8 @@ constexpr std::array kTables{
     Table{u"YTEMP", std::span(kYtm).first(13)},
     Table{u"DAYCLOSE", kDayClose, false},
     Table{u"IMPORTLOG", kImportLog},
+    Table{u"IMPORTREJECT", kImportReject, false},
+    Table{u"MASTERLOAD", kMasterLoad, false},
     Table{u"PRINTLOG", kPrintLog, false},
     Table{u"PAYJOURNAL", kPayJournal, false},
 };

@@ -1,16 +1,23 @@
 #include "db/MasterImport.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <cerrno>
+#include <cstdio>
+#include <functional>
 
+#include "db/MasterLoads.h"
 #include "platform/Clock.h"
 #include "platform/CodePage.h"
 #include "platform/Device.h"
+#include "platform/adoce/DatabaseFile.h"
 #include "support/FullDisk.h"
 #include "support/PrintQt.h"
 #include "support/TestDevice.h"
@@ -176,16 +183,200 @@ TEST_F(MasterImportTest, LinesThatBecomeNoRowAreKeptAside) {
     load(u"GARAEMAJIN.RVN");
     EXPECT_EQ(contentOf(aside), second.sliced(first.size()) + first);
 
-    // Where they cannot be kept, nothing is loaded.
-    ASSERT_TRUE(QFile::remove(aside));
-    QDir().mkpath(aside);
-    write(u"GARAEMAJIN.RVN", "0006|'|6|\n0007|b|7|\n");
-    result = load(u"GARAEMAJIN.RVN");
+    platform::clock::set({});
+}
+
+TEST_F(MasterImportTest, RejectedLinesFindAnotherPlaceBeforeTheGoodOnesStayOut) {
+    const auto block = [&](ImportSource source) {
+        const QString path = rejectedPath(file(u"GARAEMAJIN.RVN"), source);
+        QFile::remove(path);
+        return QDir().mkpath(path + u"/x"_s);
+    };
+    const auto import = [&] {
+        write(u"GARAEMAJIN.RVN", "0006|'|6|\n0007|b|7|\n\xB0\n", kCard);
+        return load(u"GARAEMAJIN.RVN", kCard);
+    };
+    EXPECT_EQ(import().keptIn, onDisk(u"GARAEMAJIN.RVN", kCard) + u".rejected"_s);
+    ASSERT_TRUE(block(kCard));
+    ImportResult result = import();
+    EXPECT_EQ(result.keptIn, onDisk(u"GARAEMAJIN.RVN") + u".rejected"_s);
+    ASSERT_EQ(result.firstRejected.size(), 2);
+    EXPECT_EQ(result.firstRejected[0].number, 1);
+    EXPECT_EQ(result.firstRejected[0].text, u"0006|'|6|"_s);
+    EXPECT_EQ(result.firstRejected[1].text, u"?"_s);
+    ASSERT_TRUE(block(kDocuments));
+    const QString kept = u"SELECT Number || Reason || Line FROM IMPORTREJECT"_s;
+    for (int pass = 0; pass < 2; ++pass) {
+        EXPECT_EQ(import().keptIn, RejectedLines::kTable);
+        EXPECT_EQ(device.rows(kept),
+                  (QList<QStringList>{{u"1not accepted by the database0006%7C%27%7C6%7C"_s},
+                                      {u"3not code page 949%B0"_s}}));
+    }
+    // With no place left nothing is loaded.
+    device.execute(u"DELETE FROM GARAEMAJIN; DROP TABLE IMPORTREJECT"_s);
+    result = import();
     EXPECT_EQ(result.outcome, NotSaved);
     EXPECT_EQ(result.loaded, 0);
-    EXPECT_EQ(margins(), QStringList({u"0001/a/1"_s, u"0004/b/4"_s}));
-    EXPECT_TRUE(QFile::exists(onDisk(u"GARAEMAJIN.RVN")));
-    platform::clock::set({});
+    EXPECT_EQ(margins(), QStringList());
+    EXPECT_TRUE(QFile::exists(onDisk(u"GARAEMAJIN.RVN", kCard)));
+}
+
+TEST_F(MasterImportTest, TwoAtOnceLoadOnce) {
+    for (int pass = 1; pass <= 10; ++pass) {
+        write(u"MTM.RVN", QByteArray("2004-03-02|a|\n").repeated(500));
+        platform::adoce::DatabaseFile::forgetAll();
+        int gate[2] = {};
+        ASSERT_EQ(::pipe(gate), 0);
+        pid_t children[2] = {};
+        for (pid_t& child : children) {
+            child = ::fork();
+            if (child != 0) continue;
+            char start = 0;
+            ::close(gate[1]);
+            [[maybe_unused]] const ssize_t opened = ::read(gate[0], &start, 1);
+            load(u"MTM.RVN");
+            ::_exit(0);
+        }
+        ::close(gate[0]);
+        ::close(gate[1]);
+        for (const pid_t child : children) ::waitpid(child, nullptr, 0);
+        ASSERT_EQ(device.value(u"SELECT count(*) FROM MTM"_s).toInt(), pass * 500) << pass;
+        ASSERT_FALSE(QFile::exists(onDisk(u"MTM.RVN")));
+    }
+}
+
+TEST_F(MasterImportTest, OnlyWhatWasReadIsDeleted) {
+    const QString path = onDisk(u"MTM.RVN");
+    const QByteArray first = "2004-03-02|a|\n";
+    const QByteArray second = "2004-03-02|b|\n2004-03-02|c|\n";
+    struct Case {
+        const char* what;
+        std::function<void()> meanwhile;
+    };
+    const Case cases[] = {
+        {"another file of the name",
+         [&] {
+             device.writeFile(u"\\My Documents\\next"_s, second);
+             ASSERT_EQ(::rename(QFile::encodeName(device.folder() + u"/My Documents/next"_s).constData(),
+                                QFile::encodeName(path).constData()),
+                       0);
+         }},
+        // Who opens it for writing waits for the load to end; this one does not want to wait.
+        {"somebody begins to write",
+         [&] {
+             EXPECT_EQ(::open(QFile::encodeName(path).constData(), O_WRONLY | O_NONBLOCK), -1);
+             EXPECT_EQ(errno, EWOULDBLOCK);
+         }},
+    };
+    for (const Case& c : cases) {
+        write(u"MTM.RVN", first);
+        const ImportResult result =
+            importFile(file(u"MTM.RVN"), kDocuments, [&](int, int) { c.meanwhile(); });
+        EXPECT_EQ(result.outcome, BeingWritten) << c.what;
+        EXPECT_EQ(device.value(u"SELECT count(*) FROM MTM"_s), u"0"_s) << c.what;
+        const QByteArray left = contentOf(path);
+        EXPECT_EQ(left, &c == cases ? second : first) << c.what;
+        EXPECT_EQ(load(u"MTM.RVN").loaded, left.count('\n')) << c.what;
+        device.execute(u"DELETE FROM MTM"_s);
+    }
+}
+
+TEST_F(MasterImportTest, AFileThatIsBeingWrittenWaits) {
+    write(u"MTM.RVN", "2004-03-02|a|\n2004-03");
+    QFile writer(onDisk(u"MTM.RVN"));
+    ASSERT_TRUE(writer.open(QIODevice::WriteOnly | QIODevice::Append));
+    EXPECT_EQ(findImportFile(file(u"MTM.RVN")), kDocuments);
+    EXPECT_EQ(load(u"MTM.RVN").outcome, BeingWritten);
+    EXPECT_EQ(device.value(u"SELECT count(*) FROM MTM"_s), u"0"_s);
+    writer.write("-02|b|\n");
+    writer.close();
+    const ImportResult result = load(u"MTM.RVN");
+    EXPECT_EQ(result.loaded, 2);
+    EXPECT_FALSE(result.isLastLineCut);
+    EXPECT_EQ(device.value(u"SELECT group_concat(DDate || Gubun) FROM MTM"_s), u"2004-03-02a,2004-03-02b"_s);
+}
+
+TEST_F(MasterImportTest, ALastLineThatIsCutIsLoadedAndNamed) {
+    const std::pair<QByteArray, bool> cases[] = {{"0001|a|1|\n0002|b|2|", false},
+                                                 {"0001|a|1|\n0002|b|2", true},
+                                                 {"0001|a|1|\n0002|b|2\n", false},
+                                                 {"0001|a|1|\n00", true},
+                                                 {"", false},
+                                                 {"0001|a|1|\n0002x\xB0", true}};
+    for (const auto& [content, isCut] : cases) {
+        write(u"GARAEMAJIN.RVN", content);
+        const ImportResult result = load(u"GARAEMAJIN.RVN");
+        EXPECT_EQ(result.isLastLineCut, isCut) << content.constData();
+        EXPECT_EQ(result.loaded + result.rejected, content.isEmpty() ? 0 : 2) << content.constData();
+    }
+}
+
+TEST_F(MasterImportTest, AFileOfTheSameContentIsNotLoadedAgain) {
+    const QByteArray content = "0001|a|1|\n0002|b|2|\n";
+    const auto again = [&](const QByteArray& lines) {
+        write(u"GARAEMAJIN.RVN", lines);
+        return load(u"GARAEMAJIN.RVN").outcome;
+    };
+    EXPECT_EQ(again(content), Loaded);
+    device.execute(u"UPDATE GARAEMAJIN SET Majin = '9'"_s);
+    EXPECT_EQ(again(content), Unchanged);
+    EXPECT_FALSE(QFile::exists(onDisk(u"GARAEMAJIN.RVN")));
+    EXPECT_EQ(margins(), QStringList({u"0001/a/9"_s, u"0002/b/9"_s})) << "not a row was written";
+    device.execute(u"DELETE FROM GARAEMAJIN WHERE GCode = '0001'"_s);
+    EXPECT_EQ(again(content), Loaded) << "rows are missing";
+    EXPECT_EQ(again("0003|'|1|\n0002|b|2|\n"), Loaded);
+    EXPECT_EQ(again("0003|'|1|\n0002|b|2|\n"), Loaded) << "its rejected lines are told again";
+    // A payment moves what GARAE holds, and orders are added.
+    for (const QStringView name : {u"GARAE.RVN", u"MTM.RVN"}) {
+        for (int pass = 0; pass < 2; ++pass) {
+            write(name, "0001|a|1|\n");
+            EXPECT_EQ(load(name).outcome, Loaded);
+        }
+    }
+}
+
+TEST_F(MasterImportTest, OldDataIsNamedUntilNewComes) {
+    const QDate today(2026, 11, 21);
+    const auto import = [&](QStringView name, QDate day, QDate changed, const QByteArray& content) {
+        write(name, content);
+        QFile waiting(onDisk(name));
+        ASSERT_TRUE(waiting.open(QIODevice::ReadWrite));
+        ASSERT_TRUE(waiting.setFileTime(QDateTime(changed, QTime(7, 0)), QFileDevice::FileModificationTime));
+        waiting.close();
+        platform::clock::set(QDateTime(day, QTime(8, 0)));
+        EXPECT_TRUE(load(name).isInTable());
+        platform::clock::set({});
+    };
+    const auto old = [&] {
+        QStringList named;
+        for (const OldData& each : oldMasterData(today))
+            named << each.fileName.toString() + u' ' + QString::number(each.days);
+        return named.join(u',');
+    };
+    EXPECT_EQ(old(), QString()) << "nothing was ever loaded";
+    import(u"GARAE.RVN", today.addDays(-30), today.addDays(-30), "0001|a|\n");
+    import(u"GARAEMAJIN.RVN", today.addDays(-8), today.addDays(-8), "0001|a|1|\n");
+    import(u"PUMMOK.RVN", today.addDays(-7), today.addDays(-9), "0001|a|1|\n");
+    EXPECT_EQ(old(), u"GARAEMAJIN.RVN 8"_s);
+    import(u"GARAEMAJIN.RVN", today, today.addDays(-8), "0001|a|1|\n");
+    EXPECT_EQ(old(), QString()) << "the same prices, sent again";
+    for (int pass = 0; pass < 2; ++pass) {
+        import(u"GARAE.RVN", today, today.addDays(-31), "0001|b|\n");
+        EXPECT_EQ(old(), u"GARAE.RVN 0"_s) << "also after the second time";
+    }
+    import(u"GARAE.RVN", today, today.addDays(-30), "0001|c|\n");
+    EXPECT_EQ(old(), QString());
+    // How many rows a table would lose.
+    device.execute(
+        u"DELETE FROM GARAE; INSERT INTO GARAE (GCODE) VALUES ('1'), ('2'), ('3'), ('4'), ('5')"_s);
+    for (const auto& [lines, isAsked] : {std::pair(3, false), {2, true}, {0, true}}) {
+        write(u"GARAE.RVN", QByteArray("0001|\n").repeated(lines));
+        EXPECT_EQ(findShrinkage(file(u"GARAE.RVN"), kDocuments).has_value(), isAsked) << lines;
+    }
+    device.execute(u"DELETE FROM GARAE; INSERT INTO MTM (DDate) VALUES ('1')"_s);
+    EXPECT_FALSE(findShrinkage(file(u"GARAE.RVN"), kDocuments)) << "an empty table loses nothing";
+    write(u"MTM.RVN", "");
+    EXPECT_FALSE(findShrinkage(file(u"MTM.RVN"), kDocuments)) << "orders are added";
 }
 
 // The ledger knows the file by then, so its orders are not added a second time.

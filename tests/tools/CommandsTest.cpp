@@ -3,6 +3,7 @@
 #include <QProcess>
 
 #include "AdminTest.h"
+#include "db/MasterImport.h"
 #include "totals/DayClose.h"
 
 namespace test {
@@ -51,6 +52,29 @@ TEST_F(CommandsTest, ImportTellsOfLinesThatWereNotTaken) {
     EXPECT_EQ(narrow(ended.out), "GARAEMAJIN.RVN\t2\t1\t1\tloaded\n");
     EXPECT_TRUE(ended.err.contains(u"GARAEMAJIN.RVN.rejected"_s)) << narrow(ended.err);
     EXPECT_EQ(rows(u"SELECT * FROM GARAEMAJIN"_s), QStringList{u"0012|01|5"_s});
+}
+
+TEST_F(CommandsTest, ImportWaitsForWhoeverLoadsOrWrites) {
+    makeDevice();
+    writeFile(u"My Documents/garaemajin.rvn"_s, "0012|01|5|\n");
+    {
+        const db::ImportLock terminal;
+        const Ended ended = run({u"import"_s});
+        EXPECT_EQ(ended.exitCode, admin::kFailure);
+        EXPECT_TRUE(ended.err.contains(u"loads the files of"_s)) << narrow(ended.err);
+    }
+    QFile office(folder() + u"/My Documents/garaemajin.rvn"_s);
+    ASSERT_TRUE(office.open(QIODevice::Append));
+    Ended ended = run({u"import"_s});
+    EXPECT_EQ(ended.exitCode, admin::kFailure);
+    EXPECT_TRUE(ended.err.contains(u"the program that writes it"_s)) << narrow(ended.err);
+    EXPECT_EQ(rows(u"SELECT * FROM GARAEMAJIN"_s), QStringList());
+    office.write("0012|0'2|5|\n");
+    office.close();
+    ended = run({u"import"_s});
+    EXPECT_EQ(narrow(ended.out), "GARAEMAJIN.RVN\t2\t1\t1\tloaded\n");
+    EXPECT_TRUE(ended.err.contains(u"GARAEMAJIN.RVN.rejected"_s)) << narrow(ended.err);
+    EXPECT_FALSE(office.exists());
 }
 
 TEST_F(CommandsTest, PriceAnswersOneQuestionOrMany) {

@@ -163,6 +163,10 @@ void checkRows(SqliteFile& database, Findings& findings) {
     if (count(u"PDAUSER"_s) == 0) {
         findings.add(u"no user may log in: PDAUSER is empty"_s, u"add one with \"rovanactl user\""_s);
     }
+    if (const int rows = count(u"IMPORTREJECT"_s); rows > 0) {
+        findings.add(u"IMPORTREJECT holds %1 lines of import files that were not taken"_s.arg(rows),
+                     u"have the office send them again, then empty the table"_s);
+    }
     if (const int rows = count(u"config"_s); rows >= 0 && rows != 1) {
         findings.add(u"config has %1 rows instead of one"_s.arg(rows),
                      u"\"rovanactl load config FILE.csv\" with one row"_s);
@@ -203,8 +207,8 @@ void checkImportFiles(Findings& findings) {
                 findings.add(u"%1 cannot be opened for reading and writing"_s.arg(path), repairCommand(),
                              permit(path, kOwnFile));
             }
-            if (QFileInfo::exists(path + u".rejected"_s)) {
-                findings.add(u"%1.rejected holds lines that were not taken"_s.arg(path),
+            if (const QString rejected = db::rejectedPath(file, folder); QFileInfo(rejected).isFile()) {
+                findings.add(u"%1 holds lines that were not taken"_s.arg(rejected),
                              u"have the office send them again, then delete the file"_s);
             }
         }
