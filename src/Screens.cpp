@@ -4,6 +4,7 @@
 
 #include "app/Dialogs.h"
 #include "app/ImportDlg.h"
+#include "app/ImportResultDlg.h"
 #include "app/KeyboardDlg.h"
 #include "app/RovanaDlg.h"
 #include "collect/screens/CollectionEntryDlg.h"
@@ -59,6 +60,7 @@ constexpr Entry kScreens[] = {
     {dialogs::kContainerBalance, make<container::CContainerBalanceDlg>},
     {dialogs::kContainerSearch, make<container::CContainerSearchDlg>},
     {dialogs::kImport, make<app::CImportDlg>},
+    {dialogs::kImportResult, make<app::CImportResultDlg>},
     {dialogs::kCard, make<van::CCardDlg>},
     {dialogs::kCollectionEntry, make<collect::CCollectionEntryDlg>},
     {dialogs::kTotals, make<totals::CTotalsDlg>},

@@ -20,6 +20,7 @@ inline constexpr int kContainerSlip = 394;
 inline constexpr int kContainerBalance = 395;
 inline constexpr int kContainerSearch = 397;
 inline constexpr int kImport = 435;
+inline constexpr int kImportResult = 437;
 inline constexpr int kCard = 449;
 inline constexpr int kCollectionEntry = 450;
 inline constexpr int kTotals = 457;

@@ -6,6 +6,7 @@
 #include <QProgressBar>
 
 #include "app/Dialogs.h"
+#include "app/ImportResultDlg.h"
 #include "db/MasterImport.h"
 #include "ui/Messages.h"
 #include "ui/WaitCursor.h"
@@ -22,14 +23,13 @@ struct FileRow {
     int label;
     int bar;
     QStringView caption;  ///< As the screen is drawn.
-    QStringView name;     ///< As the counts are written.
 };
-constexpr FileRow kRows[] = {{1136, 1135, u"주문서", u"주문서"},
-                             {1137, 1138, u"거래처_채권", u"거래처_채권"},
-                             {1139, 1140, u"상  품", u"상  품"},
-                             {1141, 1142, u"거래처별 계약단가", u"거래처별 계약단가"},
+constexpr FileRow kRows[] = {{1136, 1135, u"주문서"},
+                             {1137, 1138, u"거래처_채권"},
+                             {1139, 1140, u"상  품"},
+                             {1141, 1142, u"거래처별 계약단가"},
                              // The drawn caption and the counted one differ by a syllable.
-                             {1143, 1144, u"주류구분별마진", u"주류구분마진"}};
+                             {1143, 1144, u"주류구분별마진"}};
 
 }  // namespace
 
@@ -54,7 +54,7 @@ CImportDlg::CImportDlg() : Screen(dialogs::kImport) {
 void CImportDlg::countFiles() {
     for (int i = 0; i < kFiles; ++i) {
         const db::ImportFile& file = db::importFiles()[size_t(i)];
-        const QString name = kRows[i].name.toString();
+        const QString name = dataName(file);
         setText(kRows[i].label, name + u" : 0건"_s);
         sources_[size_t(i)] = db::findImportFile(file);
         const std::optional<int> lines = db::countImportLines(file, sources_[size_t(i)]);
@@ -65,29 +65,46 @@ void CImportDlg::countFiles() {
 }
 
 void CImportDlg::importAll() {
-    // A second press would load a file that is being loaded.
-    setFocus();
-    control(1000)->setEnabled(false);
-    control(1001)->setEnabled(false);
-    for (int i = 0; i < kFiles; ++i) {
-        if (sources_[size_t(i)] != db::ImportSource::None) importOne(i);
+    QList<FileReport> reports;
+    {
+        const db::ImportLock lock;
+        if (lock.isTaken()) {
+            ui::message(u"다른 프로그램이 영업자료를 수신하고 있습니다..! 잠시 후에 다시 하세요."_s);
+            return;
+        }
+        // A second press would load a file that is being loaded.
+        setFocus();
+        control(1000)->setEnabled(false);
+        control(1001)->setEnabled(false);
+        for (int i = 0; i < kFiles; ++i) {
+            if (sources_[size_t(i)] != db::ImportSource::None) reports << importOne(i);
+        }
     }
     ui::message(u"TXT DB 업데이트가 완료되었습니다..!"_s);
-    close(Accepted);
+    const QString report = importReport(reports);
+    if (report.isEmpty()) return close(Accepted);
+    setImportReport(report);
+    closeAndOpen(dialogs::kImportResult);
 }
 
-void CImportDlg::importOne(int index) {
+FileReport CImportDlg::importOne(int index) {
+    const db::ImportFile& file = db::importFiles()[size_t(index)];
+    const db::ImportSource source = sources_[size_t(index)];
+    const std::optional<db::Shrinkage> shrinkage = db::findShrinkage(file, source);
+    if (shrinkage && !ui::confirm(shrinkageQuestion(file, *shrinkage), u"영업자료 수신"_s))
+        return {&file, {}, true};
     const ui::WaitCursor wait;
     QProgressBar* bar = bars_[size_t(index)];
     QElapsedTimer sinceRefresh;
     sinceRefresh.start();
-    db::importFile(db::importFiles()[size_t(index)], sources_[size_t(index)], [&](int done, int count) {
+    const db::ImportResult result = db::importFile(file, source, [&](int done, int count) {
         if (done < count && sinceRefresh.elapsed() < kRefreshMs) return;
         bar->setRange(0, count);
         bar->setValue(done);
         QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
         sinceRefresh.restart();
     });
+    return {&file, result};
 }
 
 }  // namespace app

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "app/ImportReport.h"
 #include "db/ImportFile.h"
 #include "ui/Screen.h"
 
@@ -21,7 +22,7 @@ class CImportDlg : public ui::Screen {
 
     void countFiles();
     void importAll();
-    void importOne(int index);
+    FileReport importOne(int index);
 
     std::array<db::ImportSource, kFiles> sources_{};
     std::array<QProgressBar*, kFiles> bars_{};

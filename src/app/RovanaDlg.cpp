@@ -9,7 +9,9 @@
 #include <QTimer>
 #include <functional>
 
+#include "app/DeviceProblem.h"
 #include "app/Dialogs.h"
+#include "app/ImportReport.h"
 #include "app/KeypadRequest.h"
 #include "app/Login.h"
 #include "app/LoginWait.h"
@@ -18,6 +20,7 @@
 #include "books/SlipNumbers.h"
 #include "db/ImportFile.h"
 #include "platform/Clock.h"
+#include "platform/Trace.h"
 #include "platform/Wipe.h"
 #include "ui/Messages.h"
 #include "ui/Terminal.h"
@@ -30,6 +33,7 @@ using namespace Qt::Literals::StringLiterals;
 
 constexpr int kUserName = 1009;
 constexpr int kContainerButton = 1046;
+constexpr int kOldData = 1011;
 
 QPoint tileAt(int index) {
     return {ui::kGridLeft + index % 2 * 2 * ui::kGridPitch, 8 + index / 2 * 68};
@@ -134,6 +138,12 @@ void CRovanaDlg::addMenuControls() {
         button->hide();
         menuControls_.append(button);
     }
+    QLabel* old = addLabel(kOldData, {}, QRect(tileAt(int(std::size(tiles))), QSize(116, 64)),
+                           ui::FontHeight::Small, Qt::AlignCenter);
+    setTextColour(old, Qt::red);
+    old->setWordWrap(true);
+    old->hide();
+    menuControls_.append(old);
 }
 
 bool CRovanaDlg::eventFilter(QObject* watched, QEvent* event) {
@@ -185,13 +195,16 @@ void CRovanaDlg::setWaiting(bool isWaiting) {
 }
 
 void CRovanaDlg::answerLogin() {
+    const QString problem = deviceProblem();
+    if (!problem.isEmpty()) platform::trace(problem);
     QString shown = password_->text();
     QString password(shown.constData(), shown.size());
     const bool isKnown =
         app::logIn(userId_->currentText(), password, date_->date().toString(u"yyyy-MM-dd"_s));
     platform::wipe(&password);
     if (!isKnown) {
-        ui::message(u"로그인 사원의 ID와 PASS가 일치하지 않습니다..!"_s);
+        // A database that could not be read knows nobody: that is no wrong password.
+        ui::message(problem.isEmpty() ? u"로그인 사원의 ID와 PASS가 일치하지 않습니다..!"_s : problem);
         return;
     }
     loginSucceeded();
@@ -199,11 +212,15 @@ void CRovanaDlg::answerLogin() {
     password_->clear();
     platform::wipe(&shown);
     showMenu();
+    if (!problem.isEmpty()) ui::message(problem);
     {
         const ui::WaitCursor wait;
         session().ImportPending = db::isImportWaiting() ? u"Y"_s : u"N"_s;
     }
     if (session().ImportPending == u"Y") ui::runScreen(dialogs::kImport);
+    showOldData();
+    const QString old = oldDataMessage(db::oldMasterData(platform::clock::now().date()));
+    if (!old.isEmpty()) ui::message(old);
     // After the import, which brings the balances that a payment found approved then moves.
     if (books::hasUnsettledPayments()) ui::runScreen(dialogs::kPaymentCheck);
 }
@@ -214,13 +231,17 @@ void CRovanaDlg::showMenu() {
     if (session().UserField5 == u"X") control(kContainerButton)->hide();
     setDefaultButton(nullptr);
     // Tab begins with the work, not with the way out.
-    setTabOrder(menuControls_.last(), control(1003));
+    setTabOrder(control(1055), control(1003));
     QLabel* who = addLabel(0, {}, {64, ui::kBottomRow, 172, 32}, ui::FontHeight::Small,
                            Qt::AlignRight | Qt::AlignVCenter);
     fitText(who, session().UserID + u' ' + session().UserField2 + u"  "_s + session().WorkDate,
             ui::FontHeight::Small);
     who->show();
     setFocus();
+}
+
+void CRovanaDlg::showOldData() {
+    setText(kOldData, oldDataLine(db::oldMasterData(platform::clock::now().date())));
 }
 
 void CRovanaDlg::runBehind(int button, const std::function<void()>& action) {
@@ -230,6 +251,7 @@ void CRovanaDlg::runBehind(int button, const std::function<void()>& action) {
     repaint();
     action();
     control(button)->show();
+    showOldData();
     control(button)->setFocus();
     repaint();
 }

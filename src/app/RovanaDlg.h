@@ -30,6 +30,7 @@ class CRovanaDlg : public ui::Screen {
     void enterPassword();
     void showMenu();
     void showUserName();
+    void showOldData();
     void runMenuAction(int button, int workMode, int dialog);
     void runCardAction(int button, int workMode);
     void runSimplePayment();

@@ -4,9 +4,11 @@
 #include <QAccessible>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QFile>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QRadioButton>
 #include <QScrollBar>
 #include <QSet>
@@ -70,6 +72,7 @@ constexpr Case kCases[] = {
     {"container balance", 395},
     {"container products", 397},
     {"import", 435},
+    {"import results", 437},
     {"card payment", 449},
     {"balance inquiry", 449, app::kBalanceInquiry},
     {"collection", 450},
@@ -262,6 +265,48 @@ TEST_F(Screens, HoldTheLongestTextsInReports) {
         static_cast<QAbstractButton*>(opened->control(report.button))->click();
     EXPECT_EQ(reports, int(std::size(totals::dailyReports())));
     terminal.remove(opened.get());
+}
+
+TEST_F(Screens, ImportAsksBeforeATableIsLostAndTellsWhatBecameOfEachFile) {
+    device.execute(u"INSERT INTO PUMMOK (Pcode) VALUES ('1003'), ('1004'), ('1005')"_s);
+    const QByteArray lines = "1001|a|\n1002|b|\n";
+    struct Answer {
+        int answer;
+        const char* rows;
+        bool isLeft;
+    };
+    for (const Answer& c : {Answer{ui::kMessageCancel, "5", true}, Answer{ui::kMessageOk, "2", false}}) {
+        device.writeFile(u"\\My Documents\\PUMMOK.RVN", lines);
+        device.writeFile(u"\\My Documents\\garaemajin.rvn", "0001|01|5|\n0001|0'2|5|\n0001|03|");
+        QStringList said;
+        QString report;
+        QObject context;
+        QObject::connect(&terminal, &ui::Terminal::topChanged, &context, [&](ui::Screen* front) {
+            if (front == nullptr || front->id() == 435) return;
+            int button = 1000;
+            if (auto* message = qobject_cast<ui::MessageBox*>(front)) {
+                button = message->caption().isEmpty() ? ui::kMessageOk : c.answer;
+                said << message->text();
+            } else {
+                report = front->findChild<QPlainTextEdit*>()->toPlainText();
+                EXPECT_THAT(faults(*front), testing::IsEmpty());
+            }
+            auto* pressed = static_cast<QAbstractButton*>(front->control(button));
+            QTimer::singleShot(0, pressed, [pressed] { pressed->click(); });
+        });
+        QTimer::singleShot(0, &context,
+                           [&] { static_cast<QAbstractButton*>(terminal.top()->control(1000))->click(); });
+        ui::runScreen(435);
+        EXPECT_EQ(said.size(), 2);
+        EXPECT_TRUE(said.value(0).contains(u"5건에서 2건"_s)) << said.value(0).toStdString();
+        EXPECT_EQ(said.value(1), u"TXT DB 업데이트가 완료되었습니다..!"_s);
+        EXPECT_EQ(report.contains(u"상  품 : 나중에"_s), c.isLeft) << report.toStdString();
+        for (const QString& part : {u"주류구분마진 : 2건 수신"_s, u"GARAEMAJIN.RVN.rejected"_s, u"2번째 줄"_s,
+                                    u"0001|0'2|5|"_s, u"마지막 줄이 잘려"_s})
+            EXPECT_TRUE(report.contains(part)) << report.toStdString();
+        EXPECT_EQ(device.value(u"SELECT count(*) FROM PUMMOK"_s), QLatin1StringView(c.rows));
+        EXPECT_EQ(QFile::exists(device.folder() + u"/My Documents/PUMMOK.RVN"_s), c.isLeft);
+    }
 }
 
 TEST_F(Screens, SpeakToAReaderAndToTheKeys) {

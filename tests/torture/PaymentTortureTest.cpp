@@ -155,7 +155,7 @@ class PaymentTorture : public test::TortureTest {
 TEST_F(PaymentTorture, EverySlipIsPaidOnceAsTheHostHasCharged) {
     const QString fresh = folder_.filePath(u"fresh"_s);
     runTool({u"init"_s, device(), u"--demo"_s, u"--date"_s, u"2026-11-21"_s});
-    runTool({u"import"_s, u"--device"_s, device()});
+    importFiles();
     ASSERT_TRUE(
         play(u"press 102.1044 132.1002 143.1035\nrow2 144.1054 =강나루마트\npress 134.1010 keys 1001 ok 3 "
              "next 12 ok\npress 134.1003 450.1000\nquit\n"_s,

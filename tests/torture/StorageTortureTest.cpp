@@ -90,7 +90,7 @@ class StorageTorture : public test::TortureTest {
                  u"--prices"_s, u"300"_s});
         copyDevice(device(), delivered());
         const QStringList empty = rows();
-        runTool({u"import"_s, u"--device"_s, device()});
+        importFiles();
         copyDevice(device(), loaded());
         learnStates(empty);
     }

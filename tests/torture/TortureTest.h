@@ -96,6 +96,15 @@ class TortureTest : public testing::Test {
         sqlite3_exec(opened, select, addRow, &found, nullptr);
         return found.join(between);
     }
+    /// Loads the waiting files, as on the day of the visits: prices of another day would be told as old.
+    void importFiles() {
+        runTool({QStringLiteral("import"), QStringLiteral("--device"), device()});
+        sqlite3* opened = nullptr;
+        sqlite3_open_v2(databaseFile().toUtf8().constData(), &opened, SQLITE_OPEN_READWRITE, nullptr);
+        sqlite3_exec(opened, "UPDATE MASTERLOAD SET LoadedAt = '2026-11-21T08:00:00'", nullptr, nullptr,
+                     nullptr);
+        sqlite3_close(opened);
+    }
     QString onTerminal(const char* select) const { return read(databaseFile(), select); }
 
     int any(int below) { return std::uniform_int_distribution<int>(0, below - 1)(random_); }

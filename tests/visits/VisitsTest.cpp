@@ -12,6 +12,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/Device.h"
+#include "platform/TerminalLock.h"
 #include "platform/termdev/DemoCards.h"
 #include "support/PrintQt.h"
 
@@ -72,12 +74,15 @@ Outcome run(const QString& program, const QStringList& arguments) {
 std::string prepare(const QString& device, const QString& sqlFile) {
     QFile script(sqlFile);
     if (!script.open(QIODevice::ReadOnly)) return "cannot read " + sqlFile.toStdString();
+    // The master data came on the day of the visits, not on that of the test.
+    const QByteArray statements =
+        "UPDATE MASTERLOAD SET LoadedAt = '" + kDay.toLatin1() + "T08:00:00';" + script.readAll();
     const QByteArray database = (device + u"/My Documents/rvnclient.cdb"_s).toUtf8();
     sqlite3* handle = nullptr;
     char* message = nullptr;
     std::string error;
     if (sqlite3_open_v2(database, &handle, SQLITE_OPEN_READWRITE, nullptr) != SQLITE_OK ||
-        sqlite3_exec(handle, script.readAll(), nullptr, nullptr, &message) != SQLITE_OK) {
+        sqlite3_exec(handle, statements, nullptr, nullptr, &message) != SQLITE_OK) {
         error = sqlFile.toStdString() + ": " + (message != nullptr ? message : sqlite3_errmsg(handle));
     }
     sqlite3_free(message);
@@ -147,6 +152,27 @@ TEST_P(Visit, Plays) {
         }
     }
     EXPECT_EQ(leaks(folder.path()), QStringList());
+}
+
+TEST(Start, OneTerminalWorksOnAFolder) {
+    const QTemporaryDir folder;
+    const QString device = folder.filePath(u"device"_s);
+    ASSERT_TRUE(run(u"rovanactl"_s, {u"init"_s, device, u"--demo"_s}).isDone);
+    platform::device::setFolder(device);
+    const platform::TerminalLock lock;
+    const Outcome played = run(
+        u"rovana-play"_s, {QStringLiteral(ROVANA_TESTS_DIR "/visits/login.visit"), u"--device"_s, device});
+    EXPECT_FALSE(played.isDone);
+    EXPECT_NE(played.output.find("a terminal is open on " + device.toStdString()), std::string::npos)
+        << played.output;
+    // The program shows its message until somebody answers it.
+    QProcess second;
+    second.setProcessChannelMode(QProcess::MergedChannels);
+    second.start(QStringLiteral(ROVANA_BIN "/rovana"), {u"--device"_s, device});
+    EXPECT_TRUE(second.waitForReadyRead(30000));
+    EXPECT_TRUE(second.readAll().contains("another terminal works on"));
+    second.kill();
+    second.waitForFinished();
 }
 
 INSTANTIATE_TEST_SUITE_P(Tests, Visit, testing::ValuesIn(visits()), caseName);
