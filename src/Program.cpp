@@ -86,6 +86,22 @@ qreal scaleToFit(int argc, char** argv, QSize pixels) {
         1.0, std::min(display.width() / qreal(pixels.width()), display.height() / qreal(pixels.height())));
 }
 
+/// Sets the scale: the option's, else that of the settings, else what fits the display.
+void chooseScale(Options& options, const platform::Settings& settings, int argc, char** argv) {
+    if (!options.isScaleGiven && settings.scale > 0) {
+        options.scale = settings.scale;
+        options.isScaleGiven = true;
+    }
+    if (options.isFullScreen && !options.isScaleGiven) {
+        options.scale = scaleToFit(argc, argv, ui::kScreenSize);
+    } else if (options.isDesk && !options.isScaleGiven) {
+        const qreal fitting = scaleToFit(argc, argv, desk::kDeskSize + kAroundWindow);
+        // Quarters keep the letters even.
+        options.scale = std::min(options.scale, std::floor(fitting * 4) / 4);
+    }
+    qputenv("QT_SCALE_FACTOR", QByteArray::number(options.scale));
+}
+
 /// Says that the device folder has its terminal already, which shows its window meanwhile.
 int refuseSecondStart() {
     std::fprintf(stderr, "rovana: another terminal works on %s\n",
@@ -118,18 +134,7 @@ int runProgram(int argc, char** argv, const std::function<void(ui::Terminal&)>& 
     Options options = readOptions(argc, argv);
     platform::device::setFolder(platform::device::choose(options.device));
     const platform::Settings settings = platform::readSettings();
-    if (!options.isScaleGiven && settings.scale > 0) {
-        options.scale = settings.scale;
-        options.isScaleGiven = true;
-    }
-    if (options.isFullScreen && !options.isScaleGiven) {
-        options.scale = scaleToFit(argc, argv, ui::kScreenSize);
-    } else if (options.isDesk && !options.isScaleGiven) {
-        const qreal fitting = scaleToFit(argc, argv, desk::kDeskSize + kAroundWindow);
-        // Quarters keep the letters even.
-        options.scale = std::min(options.scale, std::floor(fitting * 4) / 4);
-    }
-    qputenv("QT_SCALE_FACTOR", QByteArray::number(options.scale));
+    chooseScale(options, settings, argc, argv);
 
     const QApplication application(argc, argv);
     // Before anything in the folder is touched.
