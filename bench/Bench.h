@@ -25,6 +25,8 @@ double millisecondsOf(const std::function<void()>& work);
 // One function for each measurement, in a file of its own. They throw std::runtime_error, which says why,
 // when a side cannot run or gives a wrong result.
 Result measureImport();
+/// A file of prices that is the same as last time against loading it.
+Result measureImportAgain();
 Result measurePrice();
 Result measureStartup();
 Result measureMemory();

@@ -22,6 +22,7 @@ struct Measurement {
 
 constexpr std::array kMeasurements{
     Measurement{"import", 1.0, bench::measureImport},
+    Measurement{"import-again", 0.3, bench::measureImportAgain},
     Measurement{"price", 3.0, bench::measurePrice},
     Measurement{"startup", 1.5, bench::measureStartup},
     Measurement{"memory", 1.5, bench::measureMemory},

@@ -18,6 +18,7 @@
 #include "app/Session.h"
 #include "books/PaymentJournal.h"
 #include "books/SlipNumbers.h"
+#include "db/Health.h"
 #include "db/ImportFile.h"
 #include "platform/Clock.h"
 #include "platform/Trace.h"
@@ -203,8 +204,9 @@ void CRovanaDlg::answerLogin() {
         app::logIn(userId_->currentText(), password, date_->date().toString(u"yyyy-MM-dd"_s));
     platform::wipe(&password);
     if (!isKnown) {
-        // A database that could not be read knows nobody: that is no wrong password.
-        ui::message(problem.isEmpty() ? u"로그인 사원의 ID와 PASS가 일치하지 않습니다..!"_s : problem);
+        // A folder in which the database cannot be read knows nobody: that is no wrong password.
+        const bool isUnread = !problem.isEmpty() && !db::databaseProblem().isEmpty();
+        ui::message(isUnread ? problem : u"로그인 사원의 ID와 PASS가 일치하지 않습니다..!"_s);
         return;
     }
     loginSucceeded();

@@ -68,7 +68,9 @@ bool RejectedLines::keepInFile(const QString& path, const QString& digest) const
     for (const Line& line : lines_)
         content += QByteArray::number(line.number) + '\t' + line.reason + '\t' + line.bytes + '\n';
     QSaveFile target(path);
-    return target.open(QIODevice::WriteOnly) && target.write(content) == content.size() && target.commit();
+    // A last write that fails is told by flush() alone.
+    return target.open(QIODevice::WriteOnly) && target.write(content) == content.size() && target.flush() &&
+           target.commit();
 }
 
 bool RejectedLines::keepInTable(QStringView fileName, const QString& digest, Transaction& transaction) const {

@@ -4,6 +4,7 @@
 #include <QAccessible>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDir>
 #include <QFile>
 #include <QHeaderView>
 #include <QLabel>
@@ -19,6 +20,7 @@
 #include "app/KeypadRequest.h"
 #include "app/Session.h"
 #include "books/TransactionRecord.h"
+#include "platform/adoce/DatabaseFile.h"
 #include "sales/WorkingSlip.h"
 #include "support/PrintQt.h"
 #include "support/TestDevice.h"
@@ -307,6 +309,30 @@ TEST_F(Screens, ImportAsksBeforeATableIsLostAndTellsWhatBecameOfEachFile) {
         EXPECT_EQ(device.value(u"SELECT count(*) FROM PUMMOK"_s), QLatin1StringView(c.rows));
         EXPECT_EQ(QFile::exists(device.folder() + u"/My Documents/PUMMOK.RVN"_s), c.isLeft);
     }
+}
+
+TEST_F(Screens, LoginTellsAMissingFolderFromAWrongPassword) {
+    const QString away = device.folder() + u".away"_s;
+    QString said;
+    QObject::connect(&terminal, &ui::Terminal::topChanged, &terminal, [&](ui::Screen* front) {
+        if (auto* message = qobject_cast<ui::MessageBox*>(front)) {
+            said = message->text();
+            QTimer::singleShot(0, front, [front] { front->close(ui::Screen::Accepted); });
+        }
+    });
+    const auto login = [&] {
+        const auto opened = open({"login", 102});
+        static_cast<QAbstractButton*>(opened->control(1000))->click();
+        terminal.remove(opened.get());
+        return said;
+    };
+    EXPECT_EQ(login(), u"로그인 사원의 ID와 PASS가 일치하지 않습니다..!"_s);
+    platform::adoce::DatabaseFile::forgetAll();
+    ASSERT_TRUE(QDir().rename(device.folder(), away));
+    EXPECT_TRUE(login().contains(u"자료 폴더가 없습니다..!"_s)) << said.toStdString();
+    EXPECT_TRUE(said.endsWith(device.folder())) << said.toStdString();
+    QDir(device.folder()).removeRecursively();
+    ASSERT_TRUE(QDir().rename(away, device.folder()));
 }
 
 TEST_F(Screens, SpeakToAReaderAndToTheKeys) {
