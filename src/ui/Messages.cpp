@@ -23,7 +23,7 @@ constexpr QColor kBorder(0x33, 0x4e, 0x68);
 /// "/" in it: a line may end there.
 QString breakable(const QString& text) {
     const QString zeroWidthSpace(QChar(0x200b));
-    return QString(text).replace(u'&', u'&' + zeroWidthSpace).replace(u'/', u'/' + zeroWidthSpace);
+    return QString(text).replace(u'&', u'&' + zeroWidthSpace).replace(u'/', zeroWidthSpace + u'/');
 }
 
 }  // namespace
