@@ -19,8 +19,7 @@ constexpr QColor kShade(0x14, 0x20, 0x2b, 110);
 constexpr QColor kBorder(0x33, 0x4e, 0x68);
 
 /// A message that lists amounts joins them with "&" to one word, wider than the panel, and a folder's name
-/// has
-/// "/" in it: a line may end there.
+/// may be as wide: a line may end after the one, and before a "/".
 QString breakable(const QString& text) {
     const QString zeroWidthSpace(QChar(0x200b));
     return QString(text).replace(u'&', u'&' + zeroWidthSpace).replace(u'/', zeroWidthSpace + u'/');

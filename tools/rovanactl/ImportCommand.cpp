@@ -86,7 +86,9 @@ constinit const Command kImportCommand{
     u"import",
     u"",
     u"loads the waiting *.RVN files",
-    u"Prints one line for each file that waits, tab-separated. Exits with 1 when a line was not taken.",
+    u"Prints one line for each file that waits, tab-separated. Exits with 1 when a line was not taken, when "
+    u"a\n"
+    u"file is being written by another program, and when a terminal loads the files itself.",
     0,
     0,
     nullptr,
