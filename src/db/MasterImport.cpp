@@ -4,7 +4,6 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <array>
 
 #include "db/Query.h"
@@ -13,6 +12,7 @@
 #include "platform/CodePage.h"
 #include "platform/Sync.h"
 #include "platform/Trace.h"
+#include "platform/WholeFile.h"
 
 namespace db {
 namespace {
@@ -118,11 +118,8 @@ class RejectedLines {
         QByteArray kept;
         QFile old(path);
         if (old.open(QIODevice::ReadOnly)) kept = withoutBatch(old.readAll(), heading);
-        QSaveFile target(path);
-        if (!target.open(QIODevice::WriteOnly)) return false;
-        target.write(kept);
-        target.write(heading + ' ' + platform::clock::now().toString(Qt::ISODate).toLatin1() + '\n' + lines_);
-        return target.commit();
+        const QByteArray time = platform::clock::now().toString(Qt::ISODate).toLatin1();
+        return platform::writeWholeFile(path, kept + heading + ' ' + time + '\n' + lines_);
     }
 
   private:
