@@ -1,12 +1,12 @@
 #include "app/LoginWait.h"
 
 #include <QFile>
-#include <QSaveFile>
 #include <QString>
 #include <algorithm>
 
 #include "platform/Device.h"
 #include "platform/Trace.h"
+#include "platform/WholeFile.h"
 
 namespace app {
 namespace {
@@ -47,12 +47,9 @@ std::chrono::milliseconds enterLoginTry() {
     const int before = failures();
     remembered() = std::min(before + 1, kMostCounted);
     // On disk before the wait begins.
-    QSaveFile file(path());
-    const QByteArray text = QByteArray::number(remembered()) + '\n';
-    if (!file.open(QIODevice::WriteOnly) || !file.setPermissions(QFile::ReadOwner | QFile::WriteOwner) ||
-        file.write(text) != text.size() || !file.commit()) {
-        platform::trace(u"the failed logins are not kept: "_s + file.errorString());
-    }
+    QString error;
+    if (!platform::writeWholeFile(path(), QByteArray::number(remembered()) + '\n', &error))
+        platform::trace(u"the failed logins are not kept: "_s + error);
     if (before < kFreeTries) return 0ms;
     return std::min(kLongestWait, 1 << std::min(before - kFreeTries, 4)) * 1s;
 }

@@ -1,10 +1,10 @@
 #include "db/RejectedLines.h"
 
 #include <QFile>
-#include <QSaveFile>
 
 #include "platform/Clock.h"
 #include "platform/CodePage.h"
+#include "platform/WholeFile.h"
 
 namespace db {
 namespace {
@@ -67,10 +67,7 @@ bool RejectedLines::keepInFile(const QString& path, const QString& digest) const
     content += heading + ' ' + timeStamp().toLatin1() + '\n';
     for (const Line& line : lines_)
         content += QByteArray::number(line.number) + '\t' + line.reason + '\t' + line.bytes + '\n';
-    QSaveFile target(path);
-    // A last write that fails is told by flush() alone.
-    return target.open(QIODevice::WriteOnly) && target.write(content) == content.size() && target.flush() &&
-           target.commit();
+    return platform::writeWholeFile(path, content);
 }
 
 bool RejectedLines::keepInTable(QStringView fileName, const QString& digest, Transaction& transaction) const {

@@ -1,14 +1,16 @@
 #include "desk/PaperView.h"
 
+#include <QBuffer>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QPainterPath>
 #include <QPdfWriter>
 #include <QPropertyAnimation>
-#include <QSaveFile>
 #include <QScrollBar>
 #include <algorithm>
 #include <cmath>
+
+#include "platform/WholeFile.h"
 
 namespace desk {
 namespace {
@@ -100,7 +102,7 @@ void PaperView::draw(QPainter& painter, int from, int to) const {
 }
 
 bool PaperView::save(const QString& path) const {
-    QSaveFile file(path);
+    QBuffer file;
     if (!file.open(QIODevice::WriteOnly)) return false;
     const int height = height_ + 2 * kMarginDots;
     QPainter painter;
@@ -124,7 +126,7 @@ bool PaperView::save(const QString& path) const {
         painter.end();
         if (!picture.save(&file, "PNG")) return false;
     }
-    return file.commit();
+    return platform::writeWholeFile(path, file.data());
 }
 
 void PaperView::paintEvent(QPaintEvent*) {

@@ -8,4 +8,7 @@ namespace platform {
 /// not.
 bool syncToDisk(const QString& path);
 
+/// Makes a folder and those around it that are missing, each on the disk; false when one cannot be.
+bool makeFolder(const QString& path);
+
 }  // namespace platform

@@ -45,8 +45,8 @@ class Host {
     void reset() {
         require(sqlite3_exec(
                     file_,
-                    "BEGIN; DELETE FROM payment; DELETE FROM exchange; UPDATE card SET balance = (SELECT "
-                    "balance FROM card_before WHERE card_before.id = card.id); COMMIT",
+                    "BEGIN; DELETE FROM payment; DELETE FROM exchange; UPDATE card SET wrong_passwords = 0, "
+                    "balance = (SELECT balance FROM card_before WHERE card_before.id = card.id); COMMIT",
                     nullptr, nullptr, nullptr) == SQLITE_OK,
                 "the ledger is emptied");
     }
@@ -79,7 +79,8 @@ SecureBytes answer(Host& host, const OpenedRequest& request, qint64* charged) {
     const SecureBytes bytes = host.ledger.answer(request);
     *charged = before - host.money();
     const std::optional<Fields> reply = Fields::parse(bytes);
-    require(reply && reply->has(kResponseCodeField) && reply->has(kResponseTextField),
+    require(reply && reply->has(kResponseCodeField) && reply->has(kResponseTextField) &&
+                reply->has(kIdentificationField),
             "a request has an answer");
     const bool isPaid = reply->text(kResponseCodeField) == kApproved.code && *charged != 0;
     require(*charged == (isPaid ? reply->text(kAmountField).toLongLong() : 0),

@@ -1,3 +1,6 @@
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <QDir>
 #include <functional>
 
@@ -59,6 +62,8 @@ TEST_F(CheckTest, NamesEachDepartureFromTheTables) {
         {u"ALTER TABLE JGUBUN ADD COLUMN more TEXT"_s, u"columns of JGUBUN"_s},
         {u"DELETE FROM config"_s, u"config has 0 rows"_s},
         {u"UPDATE PDAUSER SET userID = 'Q'"_s, u"who is not in PDAUSER"_s},
+        {u"INSERT INTO PDAUSER (userID) VALUES ('a')"_s, u"the user \"a\" cannot log in"_s},
+        {u"INSERT INTO PDAUSER (userID) VALUES ('AB')"_s, u"the user \"AB\" cannot log in"_s},
     };
     for (const auto& [statement, wrong, isMended] : cases) {
         QFile::remove(database());
@@ -90,6 +95,10 @@ TEST_F(CheckTest, NamesFaultsOfTheFolder) {
         {[&] { writeFile(u"My Documents/rvnclient.cdb.new"_s, "x"); }, u"a restore that was stopped"_s},
         {[&] { writeFile(u"My Documents/rvnclient.cdb.unfinished-a7Xk2Q"_s, "x"); },
          u"a restore that was stopped"_s},
+        {[&] { writeFile(u"My Documents/rvnclient.cdb.20261121-0900.unfinished-a7Xk2Q-wal"_s, "x"); },
+         u"a restore that was stopped"_s},
+        {[&] { writeFile(u"rovana.conf"_s, "[printer]\ntype = slate\n"); },
+         u"rovana.conf, line 2: \"slate\""_s, false},
         // As a terminal has it that was set up before terminals had keys of their own.
         {[&] {
              writeFile(u"Flash Disk/KSNETMSG.ini"_s, "101=4711\n");
@@ -99,6 +108,7 @@ TEST_F(CheckTest, NamesFaultsOfTheFolder) {
     };
     for (const auto& [spoil, wrong, isMended] : cases) {
         QDir(documents).removeRecursively();
+        QFile::remove(folder() + u"/rovana.conf"_s);
         makeDevice();
         writeFile(u"My Documents/rvnclient.cdb.backup"_s, "the administrator's");
         ASSERT_EQ(run({u"check"_s}).exitCode, admin::kSuccess);
@@ -111,6 +121,39 @@ TEST_F(CheckTest, NamesFaultsOfTheFolder) {
         EXPECT_FALSE(again.out.contains(u"YTEMP"_s));
         EXPECT_TRUE(QFile::exists(documents + u"rvnclient.cdb.backup"_s));
     }
+}
+
+// As on a medium that is mounted read-only, of which the superuser's rights make no exception.
+TEST_F(CheckTest, ExaminesWhatItCannotWrite) {
+    makeDevice();
+    execute(u"PRAGMA journal_mode=WAL; UPDATE config SET sangho = 'saved'"_s);
+    const QString documents = folder() + u"/My Documents"_s;
+    const auto permit = [&](mode_t folders, mode_t files) {
+        for (const QString& path : {folder(), documents, folder() + u"/Flash Disk"_s})
+            ASSERT_EQ(::chmod(QFile::encodeName(path).constData(), folders), 0);
+        for (const QFileInfo& file : QDir(documents).entryInfoList(QDir::Files))
+            ASSERT_EQ(::chmod(QFile::encodeName(file.filePath()).constData(), files), 0);
+    };
+    const auto checkAsNobody = [&] {
+        const uid_t user = ::geteuid();
+        permit(0555, 0444);
+        EXPECT_EQ(user == 0 ? ::seteuid(65534) : 0, 0);
+        const QString out = run({u"check"_s}).out;
+        EXPECT_EQ(::seteuid(user), 0);
+        permit(0755, 0600);
+        return out;
+    };
+    QString out = checkAsNobody();
+    EXPECT_TRUE(out.contains(documents + u"/ cannot be written"_s)) << narrow(out);
+    EXPECT_FALSE(out.contains(u"damaged"_s) || out.contains(u"PDAUSER"_s)) << narrow(out);
+    execute(u"DELETE FROM PDAUSER"_s);
+    EXPECT_TRUE(checkAsNobody().contains(u"PDAUSER is empty"_s)) << "it is read all the same";
+
+    // What a killed terminal saved last, without the file that leads SQLite through it.
+    writeFile(u"My Documents/rvnclient.cdb-wal"_s, "x");
+    out = checkAsNobody();
+    EXPECT_TRUE(out.contains(u"cannot be examined where nothing can be written"_s)) << narrow(out);
+    EXPECT_FALSE(out.contains(u"damaged"_s)) << narrow(out);
 }
 
 TEST_F(CheckTest, WaitingFilesAreNoFault) {

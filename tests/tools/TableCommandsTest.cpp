@@ -54,6 +54,7 @@ TEST_F(TableCommandsTest, LoadTakesTheWholeFileOrNothing) {
         {u"JGUBUN"_s, "CODE,NAME,code\n01,소주,02\n", u"CODE twice"_s},
         {u"PDAUSER"_s, user + "A,1,,,,,,,,\nA,2,,,,,,,,\n", u"line 3"_s},
         {u"PDAUSER"_s, user + "A,,,,,,,,,\n", u"line 2"_s},
+        {u"PDAUSER"_s, user + "A,1,,,,,,,,\na,1,,,,,,,,\n", u"line 3"_s},
         {u"config"_s, config + "a,,,,,,,,,\nb,,,,,,,,,\n", u"exactly one row"_s},
     };
     const auto contents = [this] {
@@ -103,8 +104,11 @@ TEST_F(TableCommandsTest, UserRefusesWhatHasNoMeaning) {
         EXPECT_EQ(ended.exitCode, admin::kUsageError) << narrow(options.join(u' '));
         EXPECT_FALSE(ended.err.contains(u"12a4"_s)) << "a password is never shown";
     }
-    EXPECT_EQ(run({u"user"_s, u"x'y"_s, u"--name"_s, u"n"_s, u"--password"_s, u"1"_s}).exitCode,
-              admin::kUsageError);
+    for (const QString& id : {u"x'y"_s, u"a"_s, u"AB"_s, u"가"_s, u"7"_s, u""_s}) {
+        EXPECT_EQ(run({u"user"_s, id, u"--name"_s, u"n"_s, u"--password"_s, u"1"_s}).exitCode,
+                  admin::kUsageError)
+            << narrow(id);
+    }
     EXPECT_EQ(rows(u"SELECT * FROM PDAUSER"_s), before);
 }
 

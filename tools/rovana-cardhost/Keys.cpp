@@ -1,12 +1,10 @@
 #include "rovana-cardhost/Keys.h"
 
-#include <sys/stat.h>
-
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <algorithm>
+
+#include "platform/WholeFile.h"
 
 namespace cardhost {
 namespace {
@@ -44,18 +42,37 @@ std::optional<Keys> decode(const SecureBytes& digits) {
     return keys;
 }
 
-bool write(const QString& path, const SecureBytes& content, QFile::Permissions permissions) {
+std::optional<Keys> readKeys(const QString& path) {
     // Unbuffered, so that no copy of a secret stays behind.
     QFile file(path);
-    return file.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered, permissions) &&
-           file.write(reinterpret_cast<const char*>(content.data()), qint64(content.size())) ==
-               qint64(content.size());
+    SecureBytes digits(4 * kSecretSize);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) return std::nullopt;
+    const qint64 size = file.read(reinterpret_cast<char*>(digits.data()), qint64(digits.size()));
+    digits.resize(std::size_t(std::max<qint64>(size, 0)));
+    return decode(digits);
 }
 
-bool writePublic(const QString& path, const Keys& keys) {
-    QSaveFile file(path);
+/// Makes the file with fresh secrets unless another program has made it by then.
+bool makeKeys(const QString& path, QString* error) {
+    Keys keys;
+    keys.digestKey.resize(kDigestKeySize);
+    randombytes_buf(keys.digestKey.data(), keys.digestKey.size());
+    if (makeKeyPair(&keys.box) != platform::message::kDone) {
+        *error = u"no keys can be made"_s;
+        return false;
+    }
+    const SecureBytes digits = encode(keys);
+    const QByteArrayView content(digits.data(), qsizetype(digits.size()));
+    return platform::writeWholeFile(path, content, error, platform::WholeFile::IfThere::Keep) ||
+           QFileInfo::exists(path);
+}
+
+/// Only a file that is not as it should be is written, so that a host with a full disk still starts.
+bool writePublic(const QString& path, const Keys& keys, QString* error) {
     const QByteArray digits = QByteArrayView(keys.box.publicKey).toByteArray().toHex() + '\n';
-    return file.open(QIODevice::WriteOnly) && file.write(digits) == digits.size() && file.commit();
+    QFile file(path);
+    return (file.open(QIODevice::ReadOnly) && file.readAll() == digits) ||
+           platform::writeWholeFile(path, digits, error);
 }
 
 }  // namespace
@@ -74,33 +91,20 @@ std::optional<Keys> openKeys(const QString& folder, QString* error) {
         return std::nullopt;
     }
     const QString path = secretFile(folder);
-    std::optional<Keys> keys;
-    if (QFileInfo::exists(path)) {
-        QFile file(path);
-        SecureBytes digits(4 * kSecretSize);
-        if (file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
-            const qint64 size = file.read(reinterpret_cast<char*>(digits.data()), qint64(digits.size()));
-            digits.resize(std::size_t(std::max<qint64>(size, 0)));
-            keys = decode(digits);
-        }
-        if (!keys) {
-            *error =
-                u"%1 cannot be read or holds no keys; bring back a copy, or remove it for new keys, which "
-                "every terminal then needs"_s.arg(path);
-            return std::nullopt;
-        }
-    } else {
-        keys.emplace();
-        keys->digestKey.resize(kDigestKeySize);
-        randombytes_buf(keys->digestKey.data(), keys->digestKey.size());
-        if (makeKeyPair(&keys->box) != platform::message::kDone ||
-            !write(path, encode(*keys), QFile::ReadOwner | QFile::WriteOwner)) {
-            *error = u"%1 could not be written"_s.arg(path);
-            return std::nullopt;
-        }
+    QString reason;
+    if (!QFileInfo::exists(path) && !makeKeys(path, &reason)) {
+        *error = u"%1 could not be written: %2"_s.arg(path, reason);
+        return std::nullopt;
     }
-    if (!writePublic(publicFile(folder), *keys)) {
-        *error = u"%1 could not be written"_s.arg(publicFile(folder));
+    std::optional<Keys> keys = readKeys(path);
+    if (!keys) {
+        *error =
+            u"%1 cannot be read or holds no keys; bring back a copy, or remove it for new keys, which "
+            "every terminal then needs"_s.arg(path);
+        return std::nullopt;
+    }
+    if (!writePublic(publicFile(folder), *keys, &reason)) {
+        *error = u"%1 could not be written: %2"_s.arg(publicFile(folder), reason);
         return std::nullopt;
     }
     return keys;

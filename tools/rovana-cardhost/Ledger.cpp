@@ -23,7 +23,8 @@ CREATE TABLE IF NOT EXISTS card (
     password TEXT NOT NULL,          -- hash of the keyed digest
     number TEXT NOT NULL,            -- masked
     balance INTEGER NOT NULL,
-    payment_limit INTEGER NOT NULL
+    payment_limit INTEGER NOT NULL,
+    wrong_passwords INTEGER NOT NULL DEFAULT 0  -- in a row
 );
 CREATE TABLE IF NOT EXISTS exchange (
     id INTEGER PRIMARY KEY,
@@ -65,12 +66,29 @@ QByteArrayView view(const SecureBytes& bytes) {
     return {bytes.data(), qsizetype(bytes.size())};
 }
 
-/// The whole number of a field, within ±kLargestAmount.
+/// The amount of a field: digits alone, up to kLargestAmount.
 std::optional<qint64> amount(const Fields& fields, quint16 number) {
+    const QString digits = fields.text(number);
+    if (!std::ranges::all_of(digits, [](QChar c) { return c >= u'0' && c <= u'9'; })) return std::nullopt;
     bool isNumber = false;
-    const qint64 value = fields.text(number).toLongLong(&isNumber);
-    if (!isNumber || std::abs(value) > kLargestAmount) return std::nullopt;
+    const qint64 value = digits.toLongLong(&isNumber);
+    if (!isNumber || value > kLargestAmount) return std::nullopt;
     return value;
+}
+
+/// Whether the request has every field from the first parameter to that one.
+bool hasParameters(const Fields& fields, int last) {
+    for (int number = 1; number <= last; ++number) {
+        if (!fields.has(parameter(number))) return false;
+    }
+    return true;
+}
+
+bool hasHeader(const Fields& fields) {
+    for (quint16 field = 1; field <= kTerminalField; ++field) {
+        if (!fields.has(field)) return false;
+    }
+    return true;
 }
 
 void addBalance(FieldWriter& reply, quint16 field, qint64 balance) {
@@ -88,17 +106,19 @@ void addHeader(FieldWriter& reply, const Fields& request) {
     }
 }
 
-void addResponse(FieldWriter& reply, const Response& response) {
-    reply.add(kResponseCodeField, response.code);
-    reply.add(kResponseTextField, response.text);
-}
-
 QString transactionNumber(qint64 payment) {
     return u"%1"_s.arg(payment, 12, 10, QChar(u'0'));
 }
 
+/// The host's own number of an exchange; 0 for a reply that tells of none.
 QString identification(qint64 exchange) {
     return u"JB%1"_s.arg(exchange, 10, 10, QChar(u'0'));
+}
+
+void addResponse(FieldWriter& reply, const Response& response, qint64 exchange) {
+    reply.add(kResponseCodeField, response.code);
+    reply.add(kResponseTextField, response.text);
+    reply.add(kIdentificationField, identification(exchange));
 }
 
 /// First 6 and last 4 digits of the number that a track 3 carries after its two digits of format.
@@ -112,7 +132,7 @@ QString maskedNumber(QStringView cardData) {
 /// The response of that code, which a payment was answered with.
 Response responseOf(QStringView code) {
     for (const Response& response : {kApproved, kUnknownCard, kWrongPassword, kOverBalance, kOverLimit,
-                                     kBadAmount, kRefused, kNeverReceived}) {
+                                     kBadAmount, kCardLocked, kRefused, kNeverReceived}) {
         if (response.code == code) return response;
     }
     return kBadMessage;
@@ -128,6 +148,9 @@ SecureBytes utf8(QStringView text) {
 
 Ledger::Ledger(const QString& folder, Keys keys) : keys_(std::move(keys)), file_(folder + u"/ledger.db"_s) {
     file_.execute(kTables);
+    // A ledger of before wrong passwords were counted.
+    if (!file_.statement("SELECT 1 FROM pragma_table_info('card') WHERE name = 'wrong_passwords'").step())
+        file_.execute("ALTER TABLE card ADD COLUMN wrong_passwords INTEGER NOT NULL DEFAULT 0");
 }
 
 QByteArray Ledger::digest(char use, QByteArrayView bytes) const {
@@ -158,7 +181,7 @@ void Ledger::putCard(QStringView track3, QStringView password, qint64 balance, q
     Statement put = file_.statement(
         "INSERT INTO card (track, password, number, balance, payment_limit) VALUES (?, ?, ?, ?, ?) "
         "ON CONFLICT (track) DO UPDATE SET password = excluded.password, balance = excluded.balance, "
-        "payment_limit = excluded.payment_limit");
+        "payment_limit = excluded.payment_limit, wrong_passwords = 0");
     put.bind(digest('t', view(utf8(cardData))))
         .bind(QString::fromLatin1(hash.data()))
         .bind(maskedNumber(cardData))
@@ -173,18 +196,46 @@ bool Ledger::hasCard(QStringView track3) {
         .step();
 }
 
+void Ledger::unlockCard(QStringView track3) {
+    file_.statement("UPDATE card SET wrong_passwords = 0 WHERE track = ? AND wrong_passwords > 0")
+        .bind(digest('t', view(utf8(track3.mid(1, kLongestCardData)))))
+        .step();
+}
+
 QList<CardState> Ledger::cards() {
     QList<CardState> cards;
-    Statement select = file_.statement("SELECT number, balance, payment_limit FROM card ORDER BY id");
-    while (select.step()) cards.append({select.text(0), select.integer(1), select.integer(2)});
+    Statement select =
+        file_.statement("SELECT number, balance, payment_limit, wrong_passwords FROM card ORDER BY id");
+    while (select.step()) {
+        cards.append(
+            {select.text(0), select.integer(1), select.integer(2), select.integer(3) >= kMostWrongPasswords});
+    }
     return cards;
+}
+
+qint64 Ledger::nextId(const char* sql) {
+    Statement next = file_.statement(sql);
+    next.step();
+    return next.integer(0);
+}
+
+std::optional<SecureBytes> Ledger::answerAgain(const OpenedRequest& request, const QByteArray& digest,
+                                               FieldWriter& refusal) {
+    Statement known = file_.statement("SELECT request, reply, id FROM exchange WHERE message_number = ?");
+    if (!known.bind(QByteArrayView(request.number)).step()) return std::nullopt;
+    if (known.bytes(0) == digest) {
+        const QByteArray before = known.bytes(1);
+        return SecureBytes(before.begin(), before.end());
+    }
+    addResponse(refusal, kNumberReused, known.integer(2));
+    return refusal.bytes();
 }
 
 SecureBytes Ledger::answer(const OpenedRequest& request, Manner manner) {
     const std::optional<Fields> fields = Fields::parse(request.fields);
     FieldWriter reply;
     if (!fields) {
-        addResponse(reply, kBadMessage);
+        addResponse(reply, kBadMessage, 0);
         return reply.bytes();
     }
     addHeader(reply, *fields);
@@ -192,19 +243,9 @@ SecureBytes Ledger::answer(const OpenedRequest& request, Manner manner) {
     try {
         SqliteTransaction transaction(file_);
         const QByteArray requestDigest = digest('r', view(request.fields));
-        Statement known = file_.statement("SELECT request, reply FROM exchange WHERE message_number = ?");
-        if (known.bind(QByteArrayView(request.number)).step()) {
-            if (known.bytes(0) == requestDigest) {
-                const QByteArray before = known.bytes(1);
-                return SecureBytes(before.begin(), before.end());
-            }
-            addResponse(failure, kNumberReused);
-            return failure.bytes();
-        }
+        if (const auto again = answerAgain(request, requestDigest, failure)) return *again;
 
-        Statement next = file_.statement("SELECT coalesce(max(id), 0) + 1 FROM exchange");
-        next.step();
-        const qint64 exchange = next.integer(0);
+        const qint64 exchange = nextId("SELECT coalesce(max(id), 0) + 1 FROM exchange");
         Call call{*fields,
                   fields->text(kTerminalField),
                   fields->text(kMessageKindField),
@@ -222,8 +263,7 @@ SecureBytes Ledger::answer(const OpenedRequest& request, Manner manner) {
             .bind(call.kind)
             .step();
         const Response response = decide(call);
-        addResponse(reply, response);
-        reply.add(kIdentificationField, identification(call.subject));
+        addResponse(reply, response, call.subject);
         file_.statement("UPDATE exchange SET code = ?, reply = ? WHERE id = ?")
             .bind(response.code.toString())
             .bind(view(reply.bytes()))
@@ -233,13 +273,15 @@ SecureBytes Ledger::answer(const OpenedRequest& request, Manner manner) {
         return reply.bytes();
     } catch (const SqliteError& error) {
         platform::trace(u"the ledger failed: "_s + QString::fromUtf8(error.what()));
-        addResponse(failure, kLedgerFailed);
+        addResponse(failure, kLedgerFailed, 0);
         return failure.bytes();
     }
 }
 
 Response Ledger::decide(Call& call) {
-    if (call.fields.text(kMessageTypeField) != kRequestType || call.terminal.isEmpty()) return kBadMessage;
+    if (!hasHeader(call.fields) || call.fields.text(kMessageTypeField) != kRequestType ||
+        call.terminal.isEmpty())
+        return kBadMessage;
     if (call.kind == kCardPayment || call.kind == kCashPayment) return pay(call);
     if (call.kind == kBalanceInquiry) return inquire(call);
     if (call.kind == kPreviousTransaction) return tellPrevious(call);
@@ -248,23 +290,34 @@ Response Ledger::decide(Call& call) {
 }
 
 Response Ledger::findCard(QByteArrayView cardData, QByteArrayView password, Card* card) {
-    Statement find = file_.statement("SELECT id, password, balance, payment_limit FROM card WHERE track = ?");
+    Statement find = file_.statement(
+        "SELECT id, password, balance, payment_limit, wrong_passwords FROM card WHERE track = ?");
     if (!find.bind(digest('t', cardData)).step()) return kUnknownCard;
+    const qint64 wrong = find.integer(4);
+    if (wrong >= kMostWrongPasswords) return kCardLocked;
     const QByteArray hash = find.bytes(1);
     const QByteArray secret = digest('p', password);
-    if (crypto_pwhash_str_verify(hash.constData(), secret.constData(), std::size_t(secret.size())) != 0)
-        return kWrongPassword;
+    const bool isRight =
+        crypto_pwhash_str_verify(hash.constData(), secret.constData(), std::size_t(secret.size())) == 0;
     *card = {find.integer(0), find.integer(2), find.integer(3)};
-    return kApproved;
+    if (!isRight || wrong > 0) {
+        file_.statement("UPDATE card SET wrong_passwords = ? WHERE id = ?")
+            .bind(isRight ? 0 : wrong + 1)
+            .bind(card->id)
+            .step();
+    }
+    return isRight ? kApproved : kWrongPassword;
 }
 
 Response Ledger::pay(Call& call) {
-    const auto cardData = call.fields.bytes(parameter(3));
-    const auto password = call.fields.bytes(parameter(4));
-    if (!cardData || !password) return kBadMessage;
+    constexpr int kParameters = 11;
+    const QString returned = call.fields.text(parameter(9));
+    if (!hasParameters(call.fields, kParameters) || (returned != u"0" && returned != u"1"))
+        return kBadMessage;
     Card card{};
-    if (const Response found = findCard(*cardData, *password, &card); found.code != kApproved.code)
-        return found;
+    const Response found =
+        findCard(*call.fields.bytes(parameter(3)), *call.fields.bytes(parameter(4)), &card);
+    if (found.code != kApproved.code) return found;
 
     const auto supply = amount(call.fields, parameter(6));
     const auto vat = amount(call.fields, parameter(7));
@@ -282,9 +335,7 @@ Response Ledger::pay(Call& call) {
     const qint64 transferred = isCash ? 0 : *settled - fee;
     const qint64 remaining = isCash ? card.balance : card.balance - *settled;
     file_.statement("UPDATE card SET balance = ? WHERE id = ?").bind(remaining).bind(card.id).step();
-    Statement next = file_.statement("SELECT coalesce(max(id), 0) + 1 FROM payment");
-    next.step();
-    const qint64 payment = next.integer(0);
+    const qint64 payment = nextId("SELECT coalesce(max(id), 0) + 1 FROM payment");
     file_.statement("INSERT INTO payment VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)")
         .bind(payment)
         .bind(call.exchange)
@@ -310,12 +361,12 @@ Response Ledger::pay(Call& call) {
 }
 
 Response Ledger::inquire(Call& call) {
-    const auto cardData = call.fields.bytes(parameter(2));
-    const auto password = call.fields.bytes(parameter(3));
-    if (!cardData || !password) return kBadMessage;
+    constexpr int kParameters = 4;
+    if (!hasParameters(call.fields, kParameters)) return kBadMessage;
     Card card{};
-    if (const Response found = findCard(*cardData, *password, &card); found.code != kApproved.code)
-        return found;
+    const Response found =
+        findCard(*call.fields.bytes(parameter(2)), *call.fields.bytes(parameter(3)), &card);
+    if (found.code != kApproved.code) return found;
     if (call.manner == Manner::Refusing) return kRefused;
     addBalance(call.reply, kBalanceField, card.balance);
     addAmount(call.reply, kLimitField, card.limit);
@@ -367,7 +418,7 @@ Response Ledger::closeNumber(Call& call, const MessageNumber& number) {
     // The terminal will be told that nothing was charged, so a late copy of the payment must not be: with
     // this entry its number is a known one, and no content has an empty digest.
     FieldWriter never;
-    addResponse(never, kNeverReceived);
+    addResponse(never, kNeverReceived, call.exchange + 1);
     file_.statement("INSERT INTO exchange VALUES (?, ?, x'', ?, ?, '', ?, ?)")
         .bind(call.exchange + 1)
         .bind(QByteArrayView(number))
@@ -383,7 +434,7 @@ Response Ledger::closeNumber(Call& call, const MessageNumber& number) {
 
 Response Ledger::sum(Call& call) {
     const QString day = call.fields.text(parameter(2));
-    if (!QDate::fromString(day, u"yyyyMMdd").isValid()) return kBadMessage;
+    if (!hasParameters(call.fields, 2) || !QDate::fromString(day, u"yyyyMMdd").isValid()) return kBadMessage;
     if (call.manner == Manner::Refusing) return kRefused;
     Statement totals = file_.statement(
         "SELECT count(*), coalesce(sum(supply), 0), coalesce(sum(vat), 0), coalesce(sum(deposit), 0), "

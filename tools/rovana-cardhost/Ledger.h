@@ -30,6 +30,7 @@ inline constexpr Response kNumberReused{u"0017", u"전문번호중복"};
 inline constexpr Response kBadMessage{u"0018", u"전문오류"};
 inline constexpr Response kNeverReceived{
     u"0019", u"해당거래없음"};  ///< The number asked about; it is refused from then on.
+inline constexpr Response kCardLocked{u"0020", u"비밀번호횟수초과"};
 inline constexpr Response kLedgerFailed{u"0098", u"호스트장애"};
 inline constexpr Response kRefused{u"0099", u"거래거절"};  ///< For no reason: a fault that was asked for.
 
@@ -38,6 +39,9 @@ inline constexpr qint64 kLargestAmount = 1'000'000'000'000;
 
 /// The list of a day in a summary has at most so many bytes, so that the whole answer fits its frame.
 inline constexpr qsizetype kLongestList = 60'000;
+
+/// So many wrong passwords in a row lock a card.
+inline constexpr int kMostWrongPasswords = 5;
 
 /// What the host takes of a card payment: 15 won of each 10,000, rounded down.
 constexpr qint64 feeOf(qint64 amount) {
@@ -56,6 +60,7 @@ struct CardState {
     QString number;  ///< First 6 and last 4 digits, the rest masked.
     qint64 balance;  ///< Won.
     qint64 limit;    ///< The most that one payment may take, won.
+    bool isLocked;   ///< By wrong passwords; putCard or unlockCard open it.
 };
 
 /// The host's cards and everything it ever answered, in one SQLite file of its folder. Tracks and passwords
@@ -72,6 +77,8 @@ class Ledger {
     void putCard(QStringView track3, QStringView password, qint64 balance, qint64 limit);
     /// Whether putCard has entered the card.
     bool hasCard(QStringView track3);
+    /// Forgets the wrong passwords of the card, if there is one.
+    void unlockCard(QStringView track3);
     QList<CardState> cards();
 
     /// The fields of the answer to a request. What an approved payment changes is on disk when this returns.
@@ -97,6 +104,12 @@ class Ledger {
     };
 
     QByteArray digest(char use, QByteArrayView bytes) const;
+    /// The next id of the table that the statement reads.
+    qint64 nextId(const char* sql);
+    /// The answer to a request whose number is known, if it is: that of before, or its refusal.
+    std::optional<platform::SecureBytes> answerAgain(const platform::message::OpenedRequest& request,
+                                                     const QByteArray& digest,
+                                                     platform::message::FieldWriter& refusal);
     Response findCard(QByteArrayView cardData, QByteArrayView password, Card* card);
     Response decide(Call& call);
     Response pay(Call& call);

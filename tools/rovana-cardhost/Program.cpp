@@ -9,6 +9,7 @@
 #include "platform/Clock.h"
 #include "platform/Device.h"
 #include "platform/OwnerOnly.h"
+#include "platform/Sync.h"
 #include "platform/Trace.h"
 #include "platform/Wipe.h"
 #include "platform/message/Enrolment.h"
@@ -140,13 +141,25 @@ QString putCard(Ledger& ledger, const Options& options, QTextStream& in) {
     return isCard ? QString() : u"two lines are wanted: track 3, and a password of four characters"_s;
 }
 
+void listCards(Ledger& ledger, QTextStream& out) {
+    for (const CardState& card : ledger.cards()) {
+        out << card.number << u'\t' << card.balance << u'\t' << card.limit
+            << (card.isLocked ? u"\tlocked\n"_s : u"\n"_s);
+    }
+}
+
 /// Enrols, forgets or lists terminals; what went wrong, or nothing.
 QString runTerminals(const Options& options, QTextStream& out) {
     using namespace platform::message;
-    if (options.command == u"enrol" && !enrolTerminal(options.folder, options.terminal, *options.key))
-        return u"terminal %1 could not be entered in %2"_s.arg(options.terminal, options.folder);
+    QString error;
+    if (options.command == u"enrol" &&
+        !enrolTerminal(options.folder, options.terminal, *options.key, &error)) {
+        return u"terminal %1 could not be entered in %2, where nothing has changed: %3"_s.arg(
+            options.terminal, options.folder, error);
+    }
     if (options.command == u"forget" && !removeTerminal(options.folder, options.terminal))
-        return u"there is no terminal %1 in %2"_s.arg(options.terminal, options.folder);
+        return u"there is no terminal %1 in %2, or it cannot be taken out for good"_s.arg(options.terminal,
+                                                                                          options.folder);
     if (options.command == u"terminals") {
         for (const QString& number : enrolledTerminals(options.folder)) out << number << u'\n';
     }
@@ -159,6 +172,8 @@ int serve(Ledger& ledger, const Options& options, QTextStream& out, QTextStream&
             const QString track = platform::termdev::track3(card);
             if (card.isKnown && !ledger.hasCard(track))
                 ledger.putCard(track, card.password, card.balance, card.limit);
+            // Practice goes on after a new start.
+            ledger.unlockCard(track);
         }
     }
     platform::device::setFolder(options.folder);
@@ -199,18 +214,17 @@ int run(const QStringList& arguments, QTextStream& in, QTextStream& out, QTextSt
     }
     QString error;
     try {
-        if (!QDir().mkpath(options.folder)) {
+        if (!platform::makeFolder(options.folder)) {
             error = u"%1 could not be made"_s.arg(options.folder);
         } else if (std::optional<Keys> keys = openKeys(options.folder, &error)) {
-            Ledger ledger(options.folder, std::move(*keys));
-            if (options.command.isEmpty()) return serve(ledger, options, out, err);
-            if (options.command == u"card") {
-                error = putCard(ledger, options, in);
-            } else {
+            const bool isOfCards = options.command == u"card" || options.command == u"cards";
+            if (!isOfCards && !options.command.isEmpty()) {
                 error = runTerminals(options, out);
-            }
-            for (const CardState& card : options.command == u"cards" ? ledger.cards() : QList<CardState>()) {
-                out << card.number << u'\t' << card.balance << u'\t' << card.limit << u'\n';
+            } else {
+                Ledger ledger(options.folder, std::move(*keys));
+                if (options.command.isEmpty()) return serve(ledger, options, out, err);
+                if (options.command == u"card") error = putCard(ledger, options, in);
+                if (options.command == u"cards") listCards(ledger, out);
             }
         }
     } catch (const SqliteError& failure) {

@@ -10,11 +10,17 @@ Sqlite::Sqlite(const QString& path) {
     sqlite3_busy_timeout(handle, 3000);
     // An approval that was sent must survive anything.
     execute("PRAGMA journal_mode=WAL; PRAGMA synchronous=FULL; PRAGMA foreign_keys=ON");
+    // A log that has grown all the same, for example while somebody else read the file, gives its room back.
+    execute("PRAGMA journal_size_limit=4194304");
 }
 
 void Sqlite::execute(const char* statements) {
     if (sqlite3_exec(handle_.get(), statements, nullptr, nullptr, nullptr) != SQLITE_OK)
         throw SqliteError(handle_.get());
+}
+
+void Sqlite::resetStatements() {
+    for (const auto& [text, prepared] : prepared_) sqlite3_reset(prepared.get());
 }
 
 Statement Sqlite::statement(const char* sql) {
@@ -39,6 +45,7 @@ SqliteTransaction::~SqliteTransaction() {
 }
 
 void SqliteTransaction::commit() {
+    file_.resetStatements();
     file_.execute("COMMIT");
     isOpen_ = false;
 }

@@ -72,6 +72,8 @@ class Sqlite {
     explicit Sqlite(const QString& path);
 
     void execute(const char* statements);
+    /// Lets go of the rows that statements still read: the write-ahead log cannot start anew meanwhile.
+    void resetStatements();
     /// The statement of that text, which must be a constant of the program.
     Statement statement(const char* sql);
 

@@ -6,6 +6,8 @@
 #include <QStringList>
 #include <vector>
 
+#include "platform/WholeFile.h"
+
 namespace pilot {
 namespace {
 
@@ -51,11 +53,9 @@ QString lineDiff(const QString& approved, const QString& printed) {
 
 QString writeApproved(const QString& file, const QString& text) {
     QDir().mkpath(QFileInfo(file).absolutePath());
-    QFile output(file);
-    const QByteArray bytes = text.toUtf8();
-    if (output.open(QIODevice::WriteOnly | QIODevice::Truncate) && output.write(bytes) == bytes.size())
-        return {};
-    return u"%1 cannot be written: %2"_s.arg(file, output.errorString());
+    QString error;
+    if (platform::writeWholeFile(file, text.toUtf8(), &error)) return {};
+    return u"%1 cannot be written: %2"_s.arg(file, error);
 }
 
 QString readApproved(const QString& file) {

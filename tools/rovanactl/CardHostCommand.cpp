@@ -71,29 +71,32 @@ Outcome setCardHost(const Invocation& call) {
     QString& number = values[kTerminalKey.toString()];
     if (!terminal.isEmpty()) number = terminal;
     if (number.isEmpty()) number = newTerminal();
-    if (!writeHostKey(*key) || !writeSavedValues(values)) {
-        return failure(
-            u"the saved values could not be written to %1; make the device folder with \"rovanactl init\""_s
-                .arg(platform::device::folder()));
-    }
+    // First, because a key alone changes nothing.
     SigningKey own;
-    if (makeSigningKey(&own) != kDone) {
-        return failure(u"%1 holds no key, or none can be written there; see \"rovanactl check\""_s.arg(
-            platform::device::path(kSigningKeyFile)));
+    QString error;
+    if (makeSigningKey(&own, &error) != kDone) {
+        return failure(u"%1 holds no key%2; the card host is as it was; see \"rovanactl check\""_s.arg(
+            platform::device::path(kSigningKeyFile),
+            error.isEmpty() ? QString() : u", and none can be written: "_s + error));
+    }
+    if (!writeCardHost(values, *key, &error)) {
+        return failure(
+            u"the card host could not be written to %1 (%2); it is as it was; is there a device folder?"_s
+                .arg(QFileInfo(platform::device::path(kSavedValuesFile)).absolutePath(), error));
     }
     call.out << u"terminal "_s << number << u" uses the card host "_s << address.toString() << u':' << port
              << u'\n';
     // A host of this machine, as that of the demonstration, is told here and now.
     const QString hostFolder = QFileInfo(file).absolutePath();
-    if (QFileInfo(hostFolder + u"/host.key"_s).isWritable() &&
-        enrolTerminal(hostFolder, number, own.publicKey)) {
+    const bool isHere = QFileInfo(hostFolder + u"/host.key"_s).isWritable();
+    if (isHere && enrolTerminal(hostFolder, number, own.publicKey, &error)) {
         call.out << u"and is enrolled there\n"_s;
-    } else {
-        call.out << u"the host answers it after: rovana-cardhost enrol --dir HOSTDIR --terminal "_s << number
-                 << u" --key "_s << QString::fromLatin1(QByteArrayView(own.publicKey).toByteArray().toHex())
-                 << u'\n';
+        return {};
     }
-    return {};
+    call.out << u"the host answers it after: rovana-cardhost enrol --dir HOSTDIR --terminal "_s << number
+             << u" --key "_s << QString::fromLatin1(QByteArrayView(own.publicKey).toByteArray().toHex())
+             << u'\n';
+    return isHere ? failure(u"it could not be enrolled in %1: %2"_s.arg(hostFolder, error)) : Outcome();
 }
 
 }  // namespace

@@ -1,12 +1,17 @@
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QStorageInfo>
 #include <QStringBuilder>
 #include <functional>
 
 #include "db/MasterImport.h"
 #include "db/Schema.h"
 #include "platform/Device.h"
+#include "platform/Settings.h"
 #include "platform/message/SavedValues.h"
 #include "rovanactl/Command.h"
 #include "rovanactl/DatabaseCheck.h"
@@ -68,13 +73,38 @@ Repair permit(const QString& path, QFile::Permissions permissions) {
 
 constexpr QFile::Permissions kOwnFile = QFile::ReadOwner | QFile::WriteOwner;
 
+const QString& remount() {
+    static const QString text =
+        u"make it writable, and see the system's log first: a system itself makes a disk that fails read-only"_s;
+    return text;
+}
+
+/// Whether the file system at the path is mounted so that nobody can write to it.
+bool isOnReadOnlyDisk(const QString& path) {
+    const QStorageInfo disk(path);
+    return disk.isValid() && disk.isReadOnly();
+}
+
+bool canWrite(const QString& folder) {
+    return ::faccessat(AT_FDCWD, QFile::encodeName(folder).constData(), W_OK, AT_EACCESS) == 0;
+}
+
 void checkFolders(Findings& findings) {
+    if (isOnReadOnlyDisk(platform::device::folder())) {
+        findings.add(u"%1 lies on a disk that is mounted read-only: the terminal can save nothing"_s.arg(
+                         platform::device::folder()),
+                     remount());
+    }
     for (const QStringView folder :
          {platform::device::kDocumentsFolder, platform::device::kStorageCardFolder}) {
         const QString path = platform::device::path(folder);
         if (!QFileInfo(path).isDir()) {
             findings.add(u"the folder %1 is missing"_s.arg(path), repairCommand(), makeFolder(path));
-        } else if (!QFileInfo(path).isWritable()) {
+        } else if (isOnReadOnlyDisk(path)) {
+            if (!isOnReadOnlyDisk(platform::device::folder()))
+                findings.add(u"the folder %1 lies on a disk that is mounted read-only"_s.arg(path),
+                             remount());
+        } else if (!canWrite(path)) {
             findings.add(u"the folder %1 cannot be written"_s.arg(path), repairCommand(),
                          permit(path, kOwnFile | QFile::ExeOwner));
         }
@@ -155,6 +185,15 @@ void checkWorkingRows(SqliteFile& database, Findings& findings) {
     }
 }
 
+/// The login has no keyboard and offers one letter.
+void checkUsers(SqliteFile& database, Findings& findings) {
+    const auto others = database.rows(u"SELECT userID FROM PDAUSER WHERE userID NOT GLOB '[A-Z]'"_s);
+    for (const QStringList& row : others.value_or(QList<QStringList>())) {
+        findings.add(u"the user \"%1\" cannot log in: the login offers the letters A to Z"_s.arg(row.first()),
+                     u"\"rovanactl load PDAUSER FILE.csv\" with a letter for everybody"_s);
+    }
+}
+
 void checkRows(SqliteFile& database, Findings& findings) {
     const auto count = [&](const QString& table) {
         const auto rows = database.rows(u"SELECT COUNT(*) FROM "_s + table);
@@ -194,6 +233,11 @@ void checkCardHost(Findings& findings) {
           u"\"rovanactl card-host\", which makes one and shows how the host enrols it"_s);
 }
 
+void checkDeviceSettings(Findings& findings) {
+    for (const QString& complaint : platform::readSettings().complaints)
+        findings.add(complaint, u"change it in %1/rovana.conf"_s.arg(platform::device::folder()));
+}
+
 void checkImportFiles(Findings& findings) {
     for (const db::ImportFile& file : db::importFiles()) {
         const db::ImportSource source = db::findImportFile(file);
@@ -203,7 +247,7 @@ void checkImportFiles(Findings& findings) {
         }
         for (const db::ImportSource folder : {db::ImportSource::Documents, db::ImportSource::StorageCard}) {
             const QString path = platform::device::path(db::importPath(file, folder));
-            if (QFileInfo::exists(path) && source == db::ImportSource::None) {
+            if (QFileInfo::exists(path) && source == db::ImportSource::None && !isOnReadOnlyDisk(path)) {
                 findings.add(u"%1 cannot be opened for reading and writing"_s.arg(path), repairCommand(),
                              permit(path, kOwnFile));
             }
@@ -231,8 +275,11 @@ QString rebuildIndexes(SqliteFile& database, const QString& path, Findings& find
 void checkLeftovers(const QString& path, Findings& findings) {
     const QFileInfo database(path);
     const QString name = database.fileName();
-    for (const QFileInfo& left : database.dir().entryInfoList(
-             {name % u".new"_s, name % u".restored"_s, name % u"*.unfinished-??????"_s}, QDir::Files)) {
+    QStringList patterns{name % u".new"_s, name % u".restored"_s, name % u"*.unfinished-??????"_s};
+    for (const QString& made : QStringList(patterns)) {
+        for (const QStringView suffix : kJournalSuffixes) patterns << QString(made % suffix);
+    }
+    for (const QFileInfo& left : database.dir().entryInfoList(patterns, QDir::Files)) {
         findings.add(
             u"%1 is left from an init or a restore that was stopped"_s.arg(left.filePath()), repairCommand(),
             [left] { return QFile::remove(left.filePath()) ? QString() : u"it cannot be deleted"_s; });
@@ -254,7 +301,16 @@ void checkDatabase(Findings& findings) {
         findings.add(u"others may read the database %1, which holds passwords"_s.arg(path), repairCommand(),
                      permit(path, kOwnFile));
     }
-    SqliteFile database(path, SqliteFile::Mode::Existing);
+    // SQLite makes a file beside a database even to read it, unless it is told that nobody can change it.
+    const bool isFixed = !canWrite(QFileInfo(path).absolutePath());
+    const bool hasLog = QFileInfo(path + u"-wal"_s).size() > 0;
+    SqliteFile database(path, isFixed && !hasLog ? SqliteFile::Mode::Immutable : SqliteFile::Mode::Existing);
+    if (isFixed && !database.rows(u"PRAGMA schema_version"_s)) {
+        findings.add(u"the database %1 cannot be examined where nothing can be written: %2"_s.arg(
+                         path, database.errorText()),
+                     u"see to it that its folder can be written, then check again"_s);
+        return;
+    }
     if (findings.repairs() && database.lock() == SqliteFile::Lock::InUse) {
         findings.add(u"%1 was opened by another program just now"_s.arg(path), u"close the terminal first"_s);
         return;
@@ -268,6 +324,7 @@ void checkDatabase(Findings& findings) {
     }
     checkTables(database, findings);
     checkWorkingRows(database, findings);
+    checkUsers(database, findings);
     checkRows(database, findings);
     checkSettings(database, findings);
 }
@@ -275,6 +332,10 @@ void checkDatabase(Findings& findings) {
 /// What forbids to mend the device folder now; empty when nothing does.
 QString findObstacle() {
     const QString path = platform::device::path(platform::device::kDatabaseFile);
+    if (isOnReadOnlyDisk(platform::device::folder())) {
+        return u"%1 lies on a disk that is mounted read-only; %2"_s.arg(platform::device::folder(),
+                                                                        remount());
+    }
     if (!QFileInfo::exists(path)) return {};
     const bool isInUse = SqliteFile(path, SqliteFile::Mode::Existing).lock() == SqliteFile::Lock::InUse;
     return isInUse ? describeUse(path) : QString();
@@ -290,6 +351,7 @@ Outcome check(const Invocation& call) {
         if (const QString obstacle = findObstacle(); !obstacle.isEmpty()) return failure(obstacle);
     }
     checkFolders(findings);
+    checkDeviceSettings(findings);
     checkDatabase(findings);
     checkCardHost(findings);
     checkImportFiles(findings);

@@ -82,13 +82,23 @@ bool isOwn(int descriptor, const QString& folder) {
            file.st_uid == place.st_uid;
 }
 
+/// The name of the database that a file of SQLite's belongs to; the name itself for any other.
+QString databaseOf(const QString& name) {
+    for (const QStringView suffix : kJournalSuffixes) {
+        if (name.endsWith(suffix)) return name.chopped(suffix.size());
+    }
+    return name;
+}
+
 /// Deletes what earlier runs for the same place left that were killed: files under the name that such a run
-/// gives, which nobody holds.
+/// gives, which nobody holds, and then the journals of those that are gone.
 void deleteLeftovers(const QString& place) {
     const QString prefix = QFileInfo(place).fileName() % unfinishedMark();
     const QDir folder(folderOf(place));
-    for (const QString& name : folder.entryList(QDir::Files | QDir::Hidden | QDir::NoSymLinks)) {
-        if (!name.startsWith(prefix) || name.size() != prefix.size() + 6) continue;
+    for (const QString& name : folder.entryList(QDir::Files | QDir::Hidden | QDir::NoSymLinks, QDir::Name)) {
+        const QString copy = databaseOf(name);
+        if (!copy.startsWith(prefix) || copy.size() != prefix.size() + 6) continue;
+        if (copy != name && folder.exists(copy)) continue;
         const QByteArray path = QFile::encodeName(folder.filePath(name));
         const HeldFile left(::open(path.constData(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC), LOCK_EX | LOCK_NB);
         if (left.isHeld() && left.isAt(path) && isOwn(left.descriptor(), folder.path()))
@@ -121,7 +131,9 @@ class Unfinished {
         path_ = QFile::decodeName(name);
     }
     ~Unfinished() {
-        if (!path_.isEmpty()) QFile::remove(path_);
+        if (path_.isEmpty()) return;
+        QFile::remove(path_);
+        for (const QStringView suffix : kJournalSuffixes) QFile::remove(path_ % suffix);
     }
     Unfinished(const Unfinished&) = delete;
     Unfinished& operator=(const Unfinished&) = delete;
@@ -279,7 +291,7 @@ CopyResult restoreDatabase(const QString& from, const QString& to) {
     if (QFileInfo::exists(to)) result = moveAside(to);
     if (!result.error.isEmpty()) return result;
     // A journal that was left without its database would be taken for the new one's.
-    for (const QString& suffix : {u"-wal"_s, u"-shm"_s, u"-journal"_s}) QFile::remove(to % suffix);
+    for (const QStringView suffix : kJournalSuffixes) QFile::remove(to % suffix);
     if (!QFile::rename(fresh, to) || !platform::syncToDisk(folderOf(to))) {
         result.error = u"%1 cannot be renamed to %2"_s.arg(fresh, to);
         return result;

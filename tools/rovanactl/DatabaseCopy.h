@@ -6,6 +6,9 @@
 
 namespace admin {
 
+/// The ends of the names of what SQLite keeps beside a database.
+inline constexpr QStringView kJournalSuffixes[] = {u"-wal", u"-shm", u"-journal"};
+
 /// What became of copying a database.
 struct CopyResult {
     QString error;  ///< Empty when the copy stands; then nothing is half done.

@@ -5,12 +5,13 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <array>
 
 #include "db/ImportFile.h"
 #include "db/Schema.h"
 #include "platform/Device.h"
+#include "platform/Sync.h"
+#include "platform/WholeFile.h"
 #include "rovanactl/DeliveredTable.h"
 #include "rovanactl/SqliteFile.h"
 
@@ -75,12 +76,10 @@ QString createDatabase(const QString& path, const QList<Row>& rows) {
     return file.execute(u"COMMIT"_s) ? QString() : fault();
 }
 
-/// Writes the whole file or nothing.
 QString writeFile(const QString& path, const QByteArray& content) {
-    QSaveFile file(path);
-    const bool isWritten =
-        file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.commit();
-    return isWritten ? QString() : u"%1 cannot be written: %2"_s.arg(path, file.errorString());
+    QString error;
+    const bool isWritten = platform::writeWholeFile(path, content, &error);
+    return isWritten ? QString() : u"%1 cannot be written: %2"_s.arg(path, error);
 }
 
 QString writeImportFiles(const demo::Data& data) {
@@ -121,12 +120,12 @@ QString createDevice(const std::optional<demo::Options>& demo) {
     }
     for (const QStringView folder :
          {platform::device::kDocumentsFolder, platform::device::kStorageCardFolder}) {
-        if (!QDir().mkpath(platform::device::path(folder))) {
+        if (!platform::makeFolder(platform::device::path(folder))) {
             return u"the folder %1 cannot be made"_s.arg(platform::device::path(folder));
         }
     }
     const QString settings = platform::device::path(platform::device::kSettingsFile);
-    if (!QDir().mkpath(QFileInfo(settings).absolutePath())) {
+    if (!platform::makeFolder(QFileInfo(settings).absolutePath())) {
         return u"the folder of %1 cannot be made"_s.arg(settings);
     }
     for (const QString& suffix : {u""_s, u"-journal"_s, u"-wal"_s, u"-shm"_s}) {
@@ -140,6 +139,8 @@ QString createDevice(const std::optional<demo::Options>& demo) {
     if (error.isEmpty() && !QFile::rename(unfinished, database)) {
         error = u"%1 cannot be renamed to %2"_s.arg(unfinished, database);
     }
+    if (error.isEmpty() && !platform::syncToDisk(QFileInfo(database).absolutePath()))
+        error = u"%1 is there, but its folder cannot be put on the disk"_s.arg(database);
     return error;
 }
 

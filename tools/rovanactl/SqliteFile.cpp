@@ -1,6 +1,7 @@
 #include "rovanactl/SqliteFile.h"
 
 #include <QStringBuilder>
+#include <QUrl>
 #include <algorithm>
 
 #include "db/Schema.h"
@@ -11,8 +12,12 @@ using namespace Qt::Literals::StringLiterals;
 
 SqliteFile::SqliteFile(const QString& path, Mode mode) {
     sqlite3* handle = nullptr;
-    const int flags = SQLITE_OPEN_READWRITE | (mode == Mode::Create ? SQLITE_OPEN_CREATE : 0);
-    isOpen_ = sqlite3_open_v2(path.toUtf8().constData(), &handle, flags, nullptr) == SQLITE_OK;
+    const bool isImmutable = mode == Mode::Immutable;
+    const int flags = isImmutable ? SQLITE_OPEN_READONLY | SQLITE_OPEN_URI
+                                  : SQLITE_OPEN_READWRITE | (mode == Mode::Create ? SQLITE_OPEN_CREATE : 0);
+    const QByteArray name =
+        isImmutable ? "file:" + QUrl::toPercentEncoding(path, "/") + "?immutable=1" : path.toUtf8();
+    isOpen_ = sqlite3_open_v2(name.constData(), &handle, flags, nullptr) == SQLITE_OK;
     handle_.reset(handle);
     sqlite3_busy_timeout(handle, 3000);
 }

@@ -15,7 +15,11 @@ namespace admin {
 /// Only making, checking and copying a database need it.
 class SqliteFile {
   public:
-    enum class Mode { Create, Existing };
+    enum class Mode {
+        Create,
+        Existing,
+        Immutable,  ///< Only read, and nobody can write it; its write-ahead log must be empty.
+    };
 
     SqliteFile(const QString& path, Mode mode);
 

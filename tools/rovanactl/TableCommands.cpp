@@ -21,6 +21,11 @@ constexpr db::Statement<u"DELETE PDAUSER WHERE userID = '%s'"> kDeleteUser;
 constexpr QStringView kNothingChanged =
     u"the database did not take the rows (disk full, or in use by another program); nothing has changed";
 
+/// The login has no keyboard and offers a letter of these.
+bool canLogIn(QStringView id) {
+    return id.size() == 1 && id[0] >= u'A' && id[0] <= u'Z';
+}
+
 QString tableNames() {
     QStringList names;
     for (const DeliveredTable& table : deliveredTables()) names << table.name.toString();
@@ -64,6 +69,9 @@ QString findFault(const DeliveredTable& table, const QList<CsvRecord>& records,
         const QString& id = rows[i][user::kId];
         if (id.isEmpty() || rows[i][user::kPassword].isEmpty()) {
             return u"line %1: a user needs an id and a password"_s.arg(line);
+        }
+        if (!canLogIn(id)) {
+            return u"line %1: \"%2\" cannot log in; an id is one letter, A to Z"_s.arg(line).arg(id);
         }
         if (ids.contains(id)) return u"line %1: the user \"%2\" stands in the file twice"_s.arg(line).arg(id);
         ids.insert(id);
@@ -181,8 +189,7 @@ QString applyPassword(const Invocation& call, QStringList* row) {
 
 Outcome changeUser(const Invocation& call) {
     const QString& id = call.arguments[0];
-    if (id.isEmpty()) return usageError(u"a user needs an id"_s);
-    if (const QString error = unstorable(id); !error.isEmpty()) return usageError(u"the id: "_s + error);
+    if (!canLogIn(id)) return usageError(u"\"%1\" could not log in; an id is one letter, A to Z"_s.arg(id));
     if (Outcome missing = requireTable(u"PDAUSER"); missing.exitCode != kSuccess) return missing;
 
     const DeliveredTable& table = *findDeliveredTable(u"PDAUSER");
@@ -223,13 +230,14 @@ constinit const Command kLoadCommand{
     nullptr,
     load};
 
-constinit const Command kUserCommand{u"user",
-                                     u"ID",
-                                     u"adds a user, or changes what is named of one",
-                                     u"Adding takes --password and --name; changing keeps what is not named.",
-                                     1,
-                                     1,
-                                     addUserOptions,
-                                     changeUser};
+constinit const Command kUserCommand{
+    u"user",
+    u"ID",
+    u"adds a user, or changes what is named of one",
+    u"ID is one letter, A to Z. Adding takes --password and --name; changing keeps what is not named.",
+    1,
+    1,
+    addUserOptions,
+    changeUser};
 
 }  // namespace admin

@@ -2,10 +2,11 @@
 
 #include <QDir>
 #include <QFile>
-#include <QSaveFile>
 #include <QStringBuilder>
 #include <algorithm>
 
+#include "platform/Sync.h"
+#include "platform/WholeFile.h"
 #include "platform/message/SavedValues.h"
 
 namespace platform::message {
@@ -32,16 +33,19 @@ bool isTerminalNumber(QStringView text) {
            std::ranges::all_of(text, [](QChar c) { return c >= u'0' && c <= u'9'; });
 }
 
-bool enrolTerminal(const QString& hostFolder, const QString& number, const PublicKey& key) {
-    if (!isTerminalNumber(number) || !QDir().mkpath(terminalsFolder(hostFolder))) return false;
-    QSaveFile file(keyFile(hostFolder, number));
-    const QByteArray digits = QByteArrayView(key).toByteArray().toHex() + '\n';
-    return file.open(QIODevice::WriteOnly) && file.setPermissions(QFile::ReadOwner | QFile::WriteOwner) &&
-           file.write(digits) == digits.size() && file.commit();
+bool enrolTerminal(const QString& hostFolder, const QString& number, const PublicKey& key, QString* error) {
+    if (!isTerminalNumber(number)) return false;
+    if (!makeFolder(terminalsFolder(hostFolder))) {
+        if (error != nullptr) *error = u"its folder \"terminals\" cannot be made"_s;
+        return false;
+    }
+    return writeWholeFile(keyFile(hostFolder, number), QByteArrayView(key).toByteArray().toHex() + '\n',
+                          error);
 }
 
 bool removeTerminal(const QString& hostFolder, const QString& number) {
-    return isTerminalNumber(number) && QFile::remove(keyFile(hostFolder, number));
+    return isTerminalNumber(number) && QFile::remove(keyFile(hostFolder, number)) &&
+           syncToDisk(terminalsFolder(hostFolder));
 }
 
 std::optional<PublicKey> enrolledKey(const QString& hostFolder, const QString& number) {

@@ -14,10 +14,12 @@ namespace platform::message {
 /// Whether the text is a terminal's number: one to ten digits.
 bool isTerminalNumber(QStringView text);
 
-/// Enters the terminal, or gives it another key. False when the number is none or the file cannot be written.
-bool enrolTerminal(const QString& hostFolder, const QString& number, const PublicKey& key);
+/// Enters the terminal, or gives it another key. False, with the reason in `error` if that is given, when the
+/// number is none or the file cannot be written; the key of before stays then.
+bool enrolTerminal(const QString& hostFolder, const QString& number, const PublicKey& key,
+                   QString* error = nullptr);
 
-/// Lets the host forget the terminal; false when it was not there or stays.
+/// Lets the host forget the terminal; false when it was not there or may come back.
 bool removeTerminal(const QString& hostFolder, const QString& number);
 
 /// The terminal's key; nothing for one that is not enrolled.

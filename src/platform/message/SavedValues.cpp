@@ -2,11 +2,12 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QStringBuilder>
 #include <algorithm>
+#include <utility>
 
 #include "platform/Device.h"
+#include "platform/WholeFile.h"
 
 namespace platform::message {
 namespace {
@@ -32,10 +33,18 @@ std::optional<QByteArray> readFile(QStringView handheldPath) {
     return content;
 }
 
-bool writeFile(QStringView handheldPath, QByteArrayView content) {
-    QSaveFile file(device::path(handheldPath));
-    return file.open(QIODevice::WriteOnly) && file.setPermissions(QFile::ReadOwner | QFile::WriteOwner) &&
-           file.write(content.data(), content.size()) == content.size() && file.commit();
+/// The lines of the values; nothing when a key or value does not fit one.
+std::optional<QByteArray> encode(const SavedValues& values) {
+    QByteArray content;
+    for (auto value = values.cbegin(); value != values.cend(); ++value) {
+        if (!isKey(value.key()) || !isLineText(value.value())) return std::nullopt;
+        content += QString(value.key() % u'=' % value.value() % u'\n').toUtf8();
+    }
+    return content;
+}
+
+QByteArray encode(const PublicKey& key) {
+    return QByteArrayView(key).toByteArray().toHex() + '\n';
 }
 
 }  // namespace
@@ -69,12 +78,8 @@ Status readSavedValue(QStringView key, QString* value) {
 }
 
 bool writeSavedValues(const SavedValues& values) {
-    QByteArray content;
-    for (auto value = values.cbegin(); value != values.cend(); ++value) {
-        if (!isKey(value.key()) || !isLineText(value.value())) return false;
-        content += QString(value.key() % u'=' % value.value() % u'\n').toUtf8();
-    }
-    return writeFile(kSavedValuesFile, content);
+    const std::optional<QByteArray> content = encode(values);
+    return content && writeWholeFile(device::path(kSavedValuesFile), *content);
 }
 
 std::optional<PublicKey> parsePublicKey(QByteArrayView text) {
@@ -100,8 +105,29 @@ Status readHostKey(PublicKey* key) {
 }
 
 bool writeHostKey(const PublicKey& key) {
-    const QByteArrayView bytes(key);
-    return writeFile(kHostKeyFile, bytes.toByteArray().toHex() + '\n');
+    return writeWholeFile(device::path(kHostKeyFile), encode(key));
+}
+
+bool writeCardHost(const SavedValues& values, const PublicKey& key, QString* error) {
+    const std::optional<QByteArray> lines = encode(values);
+    if (!lines) {
+        *error = u"a value does not fit its line"_s;
+        return false;
+    }
+    WholeFile keyFile(device::path(kHostKeyFile));
+    WholeFile valuesFile(device::path(kSavedValuesFile));
+    // Both are on the disk before either takes its name: an address goes with its host's key.
+    for (const auto& [file, content] : {std::pair(&keyFile, encode(key)), std::pair(&valuesFile, *lines)}) {
+        if (file->write(content)) continue;
+        *error = file->errorText();
+        return false;
+    }
+    for (WholeFile* file : {&keyFile, &valuesFile}) {
+        if (file->takeName()) continue;
+        *error = file->errorText();
+        return false;
+    }
+    return true;
 }
 
 Status readSigningKey(SigningKey* key) {
@@ -123,16 +149,18 @@ Status readSigningKey(SigningKey* key) {
     return kDone;
 }
 
-Status makeSigningKey(SigningKey* key) {
+Status makeSigningKey(SigningKey* key, QString* error) {
     if (const Status status = readSigningKey(key); status != kKeyFileMissing) return status;
     SecureBytes seed(crypto_sign_SEEDBYTES);
     randombytes_buf(seed.data(), seed.size());
     SecureBytes digits(2 * seed.size() + 1);
     sodium_bin2hex(reinterpret_cast<char*>(digits.data()), digits.size(), seed.data(), seed.size());
     digits.back() = '\n';
-    return writeFile(kSigningKeyFile, QByteArrayView(digits.data(), qsizetype(digits.size())))
-               ? readSigningKey(key)
-               : kKeyFileUnreadable;
+    // Another program may have made one meanwhile: then that is the terminal's.
+    const QByteArrayView content(digits.data(), qsizetype(digits.size()));
+    writeWholeFile(device::path(kSigningKeyFile), content, error, WholeFile::IfThere::Keep);
+    const Status status = readSigningKey(key);
+    return status == kKeyFileMissing ? kKeyFileUnreadable : status;
 }
 
 QString savedAddress(quint32 address) {

@@ -40,11 +40,16 @@ Status readHostKey(PublicKey* key);
 /// Replaces the host's public key; false when that fails.
 bool writeHostKey(const PublicKey& key);
 
+/// Replaces both, neither when one finds no room. False, with the system's reason in `error`, when that
+/// fails.
+bool writeCardHost(const SavedValues& values, const PublicKey& key, QString* error);
+
 /// The key with which this terminal signs: kDone, kKeyFileMissing or kKeyFileUnreadable.
 Status readSigningKey(SigningKey* key);
 
 /// The same, made first when there is none; a file that is there is never replaced, since hosts know its key.
-Status makeSigningKey(SigningKey* key);
+/// Why none could be written stands in `error`, if that is given.
+Status makeSigningKey(SigningKey* key, QString* error = nullptr);
 
 /// An IPv4 address as saved value "221" has it: 12 digits, first octet first.
 QString savedAddress(quint32 address);

@@ -2,16 +2,17 @@
 
 #include <sys/stat.h>
 
+#include <QBuffer>
 #include <QCoreApplication>
 #include <QFile>
 #include <QImage>
 #include <QPainter>
-#include <QSaveFile>
 #include <algorithm>
 #include <utility>
 
 #include "platform/Device.h"
 #include "platform/Trace.h"
+#include "platform/WholeFile.h"
 
 namespace platform::termdev {
 namespace {
@@ -74,8 +75,8 @@ bool writePicture(const QList<PaperLine>& lines) {
     painter.end();
     if (height > kRollDots) strip = strip.copy(0, height - kRollDots, kPaperDots, kRollDots);
 
-    QSaveFile file(pictureFile());
-    return file.open(QIODevice::WriteOnly) && strip.save(&file, "PNG", kQuickCompression) && file.commit();
+    QBuffer picture;
+    return strip.save(&picture, "PNG", kQuickCompression) && writeWholeFile(pictureFile(), picture.data());
 }
 
 /// Opens the file for reading; its number in the file system, 0 when it is not there.
