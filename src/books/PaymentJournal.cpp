@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "books/OpenPayments.h"
 #include "db/Query.h"
 #include "db/Transaction.h"
 #include "platform/Clock.h"
@@ -26,10 +27,6 @@ constexpr db::Statement<
     kOfSlip;
 // An empty date leaves the condition on it out.
 constexpr db::Statement<u"SELECT * FROM PAYJOURNAL WHERE '%s' = '' OR DDate = '%s' ORDER BY rowid"> kOfDay;
-constexpr db::Statement<
-    u"SELECT Number FROM PAYJOURNAL WHERE DDate = '%s' AND UserID = '%s' AND Gubun = '단순결제' "
-    u"AND (State = 'sent' OR State = 'unknown')">
-    kUnsettledSimple;
 constexpr db::Statement<
     u"SELECT Number FROM PAYJOURNAL WHERE DDate = '%s' AND JunNo = '%s' AND (State = 'sent' OR State = "
     u"'unknown')">
@@ -102,8 +99,8 @@ QStringView stateName(PaymentState state) {
 bool notePayment(const JournalPayment& payment) {
     const CollectionSlip& slip = payment.slip;
     db::Transaction transaction;
-    const auto earlier = payments(kOfSlip(slip.DDate, slip.JunNo, slip.UserID));
-    if (!earlier || std::ranges::any_of(*earlier, &JournalPayment::isUnsettled)) return false;
+    const auto open = payments(kUnsettled());
+    if (!open || findInTheWay(*open, payment)) return false;
     const auto columns = columnTexts(slip);
     const QString charged = platform::formatWon(payment.charged);
     std::array<QStringView, decltype(kInsert)::kValues> values{payment.number, stateName(PaymentState::Sent),
@@ -149,13 +146,21 @@ std::optional<JournalPayment> lastPayment(QStringView date, QStringView junNo, Q
     return payment(kOfSlip(date, junNo, userId));
 }
 
-bool hasUnsettledPayment(QStringView date, QStringView junNo, QStringView userId) {
-    const auto found = payments(kOfSlip(date, junNo, userId)).value_or(QList<JournalPayment>());
-    return std::ranges::any_of(found, &JournalPayment::isUnsettled);
+std::optional<JournalPayment> unsettledPayment(QStringView date, QStringView junNo, QStringView userId) {
+    const QList<JournalPayment> open = unsettledPayments();
+    const auto found = std::ranges::find_if(open, [&](const JournalPayment& each) {
+        return each.slip.DDate == date && each.slip.JunNo == junNo &&
+               (userId.isEmpty() || each.slip.UserID == userId);
+    });
+    return found == open.end() ? std::nullopt : std::optional(*found);
 }
 
-bool hasUnsettledSimplePayment(QStringView date, QStringView userId) {
-    return db::hasRow(kUnsettledSimple(date, userId));
+bool hasUnsettledPayment(QStringView date, QStringView junNo, QStringView userId) {
+    return unsettledPayment(date, junNo, userId).has_value();
+}
+
+std::optional<JournalPayment> findPayment(QStringView number) {
+    return payment(kOne(number));
 }
 
 platform::Won skipUnsettledNumbers(QStringView date, platform::Won number) {

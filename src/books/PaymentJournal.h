@@ -25,9 +25,8 @@ enum class PaymentState {
 /// "sent", "approved", "refused", "unknown" or "released"; `State` in the table.
 QStringView stateName(PaymentState state);
 
-/// What the salesman is told where a slip cannot be paid yet.
-inline constexpr QStringView kPaymentUnsettled =
-    u"앞의 카드결제 결과를 확인하지 못해 다시 결제할수 없습니다..! 카드사와 연결될때 다시 하세요!!";
+/// What list and paper call a slip whose payment is open.
+inline constexpr QStringView kBeingAsked = u"카드결제 확인중";
 
 struct JournalPayment {
     QString number;  ///< Message number, 32 hexadecimal digits.
@@ -44,8 +43,8 @@ struct JournalPayment {
 };
 
 /// Notes a payment that is about to be sent, safe on disk on return. False when it could not be noted (no
-/// table, disk full, a single quote in a text) or when an earlier payment of its slip is unsettled; it must
-/// not be sent then.
+/// table, disk full, a single quote in a text) or when an unsettled payment may be the same customer's; it
+/// must not be sent then.
 bool notePayment(const JournalPayment& payment);
 
 /// Settles an unsettled payment without an approval, or makes a sent one unknown. False when there is no such
@@ -68,9 +67,12 @@ bool hasUnsettledPayments();
 
 /// The newest payment of the slip of that date, number and user; nothing without one.
 std::optional<JournalPayment> lastPayment(QStringView date, QStringView junNo, QStringView userId);
+/// The first unsettled payment of the slips of that date and number, of one user or, with an empty id, of
+/// everybody.
+std::optional<JournalPayment> unsettledPayment(QStringView date, QStringView junNo, QStringView userId);
 bool hasUnsettledPayment(QStringView date, QStringView junNo, QStringView userId);
-/// The same for the user's simple payments of that date, whatever their numbers.
-bool hasUnsettledSimplePayment(QStringView date, QStringView userId);
+/// The payment with that message number.
+std::optional<JournalPayment> findPayment(QStringView number);
 
 /// The first number from `number` on that no unsettled payment of that date has: one that may yet be found
 /// approved keeps its number, though no collection slip shows it.
