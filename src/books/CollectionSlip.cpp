@@ -40,6 +40,13 @@ constexpr db::Statement<
 constexpr db::Statement<
     u"UPDATE MTM SET WorkGubun = '결제' WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s'">
     kMarkPaid;
+constexpr db::Statement<u"UPDATE MTMOK SET MSGSENDTIME = '', BANKTRANNO = '' WHERE BANKTRANNO = '%s'">
+    kTakeApprovalOff;
+constexpr db::Statement<u"DELETE MTMOK WHERE BANKTRANNO = '%s' AND Gubun = '단순결제'"> kDeleteSimple;
+constexpr db::Statement<
+    u"UPDATE MTM SET WorkGubun = '미발행' WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND "
+    u"WorkGubun = '결제'">
+    kMarkUnpaid;
 constexpr db::Statement<u"SELECT * FROM MTMOK WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s'"> kOwn;
 constexpr db::Statement<u"SELECT * FROM MTMOK WHERE DDate = '%s' AND JunNo = '%s'"> kAnyones;
 // Those that stand beside their container slip. An empty user leaves the condition on him out.
@@ -417,6 +424,15 @@ std::optional<CollectionSlip> putApproved(db::Transaction& transaction, const Co
         !transaction.run(kMarkPaid(slip.DDate, slip.JunNo, slip.UserID)))
         return std::nullopt;
     return slip;
+}
+
+bool takeApprovalOff(db::Transaction& transaction, QStringView transactionNumber) {
+    const auto slip = findByTransactionNumber(transactionNumber);
+    if (!slip) return true;
+    if (slip->isSimplePayment()) return transaction.run(kDeleteSimple(transactionNumber));
+    return transaction.run(kTakeApprovalOff(transactionNumber)) &&
+           transaction.run(kMarkUnpaid(slip->DDate, slip->JunNo, slip->UserID)) &&
+           forgetPrints(transaction, Paper::CollectionSlip, slip->DDate, slip->JunNo, slip->UserID);
 }
 
 Won receivable(QStringView gCode) {

@@ -151,6 +151,11 @@ std::optional<QList<CollectionSlip>> approvedSlips(QStringView first, QStringVie
 [[nodiscard]] std::optional<CollectionSlip> putApproved(db::Transaction& transaction,
                                                         const CollectionSlip& slip);
 
+/// Takes the approval with that number off its slip again as part of `transaction`, for one that was noted by
+/// mistake: the slip's amounts stay, its sale is no longer "결제", and a simple payment, which is nothing
+/// without it, goes. After false the transaction must not be committed.
+[[nodiscard]] bool takeApprovalOff(db::Transaction& transaction, QStringView transactionNumber);
+
 /// The customer's receivable balance, `CJMoney`, in won; 0 for a customer who is not there.
 platform::Won receivable(QStringView gCode);
 

@@ -38,6 +38,9 @@ constexpr db::Statement<
     u"UPDATE PAYJOURNAL SET State = 'approved', SettledAt = '%s', JunNo = '%s', BANKTRANNO = '%s' "
     u"WHERE Number = '%s'">
     kApprove;
+constexpr db::Statement<
+    u"UPDATE PAYJOURNAL SET State = 'unknown', SettledAt = '%s', BANKTRANNO = '' WHERE Number = '%s'">
+    kReopen;
 constexpr db::Statement<u"UPDATE PAYJOURNAL SET State = 'unknown', SettledAt = '%s' WHERE State = 'sent'">
     kCloseStopped;
 
@@ -115,6 +118,14 @@ bool settlePayment(QStringView number, PaymentState state) {
     const auto before = payment(kOne(number));
     if (!before || !before->isUnsettled()) return false;
     return transaction.run(kSettle(stateName(state), now(), number)) && transaction.commit();
+}
+
+bool reopenPayment(QStringView number) {
+    db::Transaction transaction;
+    const auto before = payment(kOne(number));
+    if (!before || before->isUnsettled()) return false;
+    return takeApprovalOff(transaction, before->slip.BANKTRANNO) && transaction.run(kReopen(now(), number)) &&
+           transaction.commit();
 }
 
 std::optional<CollectionSlip> approvePayment(QStringView number, QStringView transactionNumber) {

@@ -51,6 +51,11 @@ bool notePayment(const JournalPayment& payment);
 /// payment, or when the change did not last; nothing is changed then.
 bool settlePayment(QStringView number, PaymentState state);
 
+/// Makes a settled payment unknown again, for one that was settled by mistake: the host is asked anew. An
+/// approval goes off its slip (takeApprovalOff). False when there is no such payment, or when the change did
+/// not last; nothing is changed then.
+bool reopenPayment(QStringView number);
+
 /// Settles an unsettled payment with its approval: journal, collection slip, receivable and the state of the
 /// sales slip in one transaction, safe on disk on return. A collection slip that has gone or been changed
 /// since is put back as it was charged. Where its number belongs to another customer or payment by now, it
