@@ -81,6 +81,18 @@ QString now() {
     return platform::clock::now().toString(u"yyyy-MM-dd HH:mm:ss"_s);
 }
 
+/// Puts the approval on the payment's slip and notes it, and keeps both.
+std::optional<CollectionSlip> approve(db::Transaction& transaction, const JournalPayment& payment,
+                                      QStringView transactionNumber) {
+    CollectionSlip approved = payment.slip;
+    approved.BANKTRANNO = transactionNumber.toString();
+    const auto slip = putApproved(transaction, approved);
+    const bool isKept = slip &&
+                        transaction.run(kApprove(now(), slip->JunNo, transactionNumber, payment.number)) &&
+                        transaction.commit();
+    return isKept ? slip : std::nullopt;
+}
+
 }  // namespace
 
 QStringView stateName(PaymentState state) {
@@ -133,12 +145,27 @@ std::optional<CollectionSlip> approvePayment(QStringView number, QStringView tra
     db::Transaction transaction;
     const auto before = payment(kOne(number));
     if (!before || !before->isUnsettled()) return std::nullopt;
-    CollectionSlip approved = before->slip;
-    approved.BANKTRANNO = transactionNumber.toString();
-    const auto slip = putApproved(transaction, approved);
-    const bool isKept = slip && transaction.run(kApprove(now(), slip->JunNo, transactionNumber, number)) &&
-                        transaction.commit();
-    return isKept ? slip : std::nullopt;
+    return approve(transaction, *before, transactionNumber);
+}
+
+std::optional<JournalPayment> approvalWithoutSlip(const SlipIdentity& slip) {
+    const auto sent = payments(kOfSlip(slip.date, slip.junNo, slip.userId)).value_or(QList<JournalPayment>());
+    const auto isLost = [&](const JournalPayment& each) {
+        return each.state == PaymentState::Approved && each.slip.GCode == slip.gCode &&
+               each.slip.isApproved() && !findByTransactionNumber(each.slip.BANKTRANNO);
+    };
+    const auto found = std::ranges::find_if(sent, isLost);
+    return found == sent.end() ? std::nullopt : std::optional(*found);
+}
+
+std::optional<CollectionSlip> putApprovalBack(QStringView number) {
+    db::Transaction transaction;
+    const auto before = payment(kOne(number));
+    if (!before || before->state != PaymentState::Approved ||
+        findByTransactionNumber(before->slip.BANKTRANNO)) {
+        return std::nullopt;
+    }
+    return approve(transaction, *before, before->slip.BANKTRANNO);
 }
 
 void closeStoppedPayments() {

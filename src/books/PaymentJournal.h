@@ -63,6 +63,14 @@ bool reopenPayment(QStringView number);
 /// `transactionNumber` is empty.
 std::optional<CollectionSlip> approvePayment(QStringView number, QStringView transactionNumber);
 
+/// The newest approved payment of the customer's slip of that date, number and user whose approval is on no
+/// slip any more: the collection was deleted, or the database is an older copy.
+std::optional<JournalPayment> approvalWithoutSlip(const SlipIdentity& slip);
+
+/// Puts the approval of such a payment back on its slip, as when it is approved. Result as for
+/// approvePayment.
+std::optional<CollectionSlip> putApprovalBack(QStringView number);
+
 /// Makes unknown what is still noted as sent. For when no exchange can be under way.
 void closeStoppedPayments();
 

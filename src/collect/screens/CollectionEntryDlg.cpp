@@ -280,7 +280,8 @@ app::PaymentQuestion CCollectionEntryDlg::askAboutPayment() {
 bool CCollectionEntryDlg::isPaymentSettled() {
     const app::PaymentQuestion question = askAboutPayment();
     if (question.answer == app::PaymentAnswer::Approved) takeApproval();
-    if (question.answer != app::PaymentAnswer::Open) return question.answer == app::PaymentAnswer::Free;
+    if (question.answer == app::PaymentAnswer::Free) return !isApprovalPutBack();
+    if (question.answer != app::PaymentAnswer::Open) return false;
     // Credit asks nobody for money twice: the visit ends, and an approval that is found turns it into the
     // card amount.
     if (amounts_.card.isZero() && amounts_.cash.isZero()) {
@@ -291,6 +292,23 @@ bool CCollectionEntryDlg::isPaymentSettled() {
     }
     ui::message(books::refuseToPay(*question.inTheWay) + u" 지금 끝내려면 [외상처리]를 누르세요."_s);
     return false;
+}
+
+bool CCollectionEntryDlg::isApprovalPutBack() {
+    const app::SessionValues& session = app::session();
+    const auto lost = books::approvalWithoutSlip(
+        {session.WorkDate, session.action.JunNo, session.UserID, session.action.GCode});
+    if (!lost || isApproved_) return false;
+    const QString question =
+        u"이미 승인된 결제가 있습니다..! %1 거래번호 : %2  이 결제를 전표에 되돌릴까요?"_s.arg(
+            books::describePayment(*lost), lost->slip.BANKTRANNO);
+    if (!ui::askYesNo(question, u"승인된 결제"_s)) return false;
+    if (books::putApprovalBack(lost->number)) {
+        takeApproval();
+    } else {
+        ui::message(u"결제를 되돌리지 못했습니다..!"_s);
+    }
+    return true;
 }
 
 void CCollectionEntryDlg::takeApproval() {

@@ -32,6 +32,9 @@ class CCollectionEntryDlg : public ui::Screen {
     /// The same before it is saved. False when that stays open, unless it is settled on credit, or when it
     /// was approved.
     bool isPaymentSettled();
+    /// True when this slip's payment is approved though its collection has gone, and the salesman has it put
+    /// back rather than pays again.
+    bool isApprovalPutBack();
     /// Ends the visit that was found paid; where the slip was changed since, shows what is left.
     void takeApproval();
     void finish();
