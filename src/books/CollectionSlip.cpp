@@ -4,6 +4,7 @@
 #include <array>
 #include <utility>
 
+#include "books/OpenPayments.h"
 #include "books/PrintLog.h"
 #include "books/ReusedNumber.h"
 #include "books/SlipNumbers.h"
@@ -39,6 +40,13 @@ constexpr db::Statement<
 constexpr db::Statement<
     u"UPDATE MTM SET WorkGubun = '결제' WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s'">
     kMarkPaid;
+constexpr db::Statement<u"UPDATE MTMOK SET MSGSENDTIME = '', BANKTRANNO = '' WHERE BANKTRANNO = '%s'">
+    kTakeApprovalOff;
+constexpr db::Statement<u"DELETE MTMOK WHERE BANKTRANNO = '%s' AND Gubun = '단순결제'"> kDeleteSimple;
+constexpr db::Statement<
+    u"UPDATE MTM SET WorkGubun = '미발행' WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND "
+    u"WorkGubun = '결제'">
+    kMarkUnpaid;
 constexpr db::Statement<u"SELECT * FROM MTMOK WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s'"> kOwn;
 constexpr db::Statement<u"SELECT * FROM MTMOK WHERE DDate = '%s' AND JunNo = '%s'"> kAnyones;
 // Those that stand beside their container slip. An empty user leaves the condition on him out.
@@ -69,6 +77,9 @@ constexpr db::Statement<
 constexpr db::Statement<
     u"SELECT GCode FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode <> '%s'">
     kOthersSalesSlip;
+constexpr db::Statement<
+    u"SELECT GCode FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode = '%s'">
+    kOwnSalesSlip;
 constexpr db::Statement<u"SELECT CJMoney FROM GARAE WHERE GCode= '%s'"> kReceivable;
 constexpr db::Statement<u"UPDATE GARAE SET CJMoney = '%s' WHERE GCode = '%s'"> kMoveReceivable;
 
@@ -379,9 +390,14 @@ std::optional<CollectionSlip> putApproved(db::Transaction& transaction, const Co
     if (!slip.isSimplePayment() &&
         (std::ranges::any_of(before, isOthers) ||
          db::hasRow(kOthersSalesSlip(slip.DDate, slip.JunNo, slip.UserID, slip.GCode)))) {
+        slip = receivedWithoutSale(slip);
         slip.JunNo = nextSimplePaymentNumber(slip.DDate);
-        slip.Gubun = kCollectionAlone.toString();
         before = rows();
+    } else if (slip.Gubun == kCollectionOfSale &&
+               !db::hasRow(kOwnSalesSlip(slip.DDate, slip.JunNo, slip.UserID, slip.GCode))) {
+        slip = receivedWithoutSale(slip);
+    } else if (before.size() == 1) {
+        slip = payCredit(before.first(), slip).value_or(slip);
     }
     const bool isThere = !slip.isSimplePayment() && before.size() == 1 && isUnapproved(before.first(), slip);
     const bool replaces = !isThere && !slip.isSimplePayment();
@@ -403,9 +419,20 @@ std::optional<CollectionSlip> putApproved(db::Transaction& transaction, const Co
                      !moveReceivable(transaction, slip.GCode, slip.receivableEffect()))) {
         return std::nullopt;
     }
-    if (!slip.isSimplePayment() && !transaction.run(kMarkPaid(slip.DDate, slip.JunNo, slip.UserID)))
+    // A sale that has grown since is not paid.
+    if (!slip.isSimplePayment() && slip.UnderMoney <= Won() &&
+        !transaction.run(kMarkPaid(slip.DDate, slip.JunNo, slip.UserID)))
         return std::nullopt;
     return slip;
+}
+
+bool takeApprovalOff(db::Transaction& transaction, QStringView transactionNumber) {
+    const auto slip = findByTransactionNumber(transactionNumber);
+    if (!slip) return true;
+    if (slip->isSimplePayment()) return transaction.run(kDeleteSimple(transactionNumber));
+    return transaction.run(kTakeApprovalOff(transactionNumber)) &&
+           transaction.run(kMarkUnpaid(slip->DDate, slip->JunNo, slip->UserID)) &&
+           forgetPrints(transaction, Paper::CollectionSlip, slip->DDate, slip->JunNo, slip->UserID);
 }
 
 Won receivable(QStringView gCode) {

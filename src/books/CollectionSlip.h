@@ -17,8 +17,11 @@
 namespace books {
 
 /// `Gubun` of a collection slip.
-inline constexpr QStringView kCollectionOfSale = u"매출";       ///< Belongs to a sales slip.
-inline constexpr QStringView kCollectionAlone = u"입금";        ///< Money without a sales slip.
+inline constexpr QStringView kCollectionOfSale = u"매출";  ///< Belongs to a sales slip.
+inline constexpr QStringView kCollectionAlone = u"입금";   ///< Money without a sales slip.
+/// `GCode` of a simple payment of a customer whom nobody chose.
+inline constexpr QStringView kUnregisteredCustomer = u"XXXX";
+
 inline constexpr QStringView kSimplePaymentSlip = u"단순결제";  ///< A sale by card, without a sales slip.
 
 /// One row of `MTMOK`: its columns by their names, amounts in won.
@@ -139,12 +142,19 @@ std::optional<QList<CollectionSlip>> approvedSlips(QStringView first, QStringVie
 
 /// Puts the slip of an approved payment into MTMOK as part of `transaction`, its last two columns included,
 /// and makes the sales slip of the same date, number and user "결제". The row that is there without the
-/// approval gets it, or is replaced where it says something else; the receivable moves as when it is saved. A
-/// simple payment, which does not move it, is added to what is there. Where the number is another customer's
-/// or carries another approval, the slip comes in under the next number from 7001 on. Returns the slip as it
-/// stands. After nothing, when the database did not take it, the transaction must not be committed.
+/// approval gets it; one on credit is paid by it (payCredit); one that says something else is replaced. The
+/// receivable moves as when it is saved. A simple payment, which does not move it, is added to what is there.
+/// Where the number is another customer's or carries another approval, the slip comes in under the next
+/// number from 7001 on, there and where its sale is gone as money without one (receivedWithoutSale). Returns
+/// the slip as it stands. After nothing, when the database did not take it, the transaction must not be
+/// committed.
 [[nodiscard]] std::optional<CollectionSlip> putApproved(db::Transaction& transaction,
                                                         const CollectionSlip& slip);
+
+/// Takes the approval with that number off its slip again as part of `transaction`, for one that was noted by
+/// mistake: the slip's amounts stay, its sale is no longer "결제", and a simple payment, which is nothing
+/// without it, goes. After false the transaction must not be committed.
+[[nodiscard]] bool takeApprovalOff(db::Transaction& transaction, QStringView transactionNumber);
 
 /// The customer's receivable balance, `CJMoney`, in won; 0 for a customer who is not there.
 platform::Won receivable(QStringView gCode);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "books/OpenPayments.h"
 #include "db/Query.h"
 #include "db/Transaction.h"
 #include "platform/Clock.h"
@@ -27,10 +28,6 @@ constexpr db::Statement<
 // An empty date leaves the condition on it out.
 constexpr db::Statement<u"SELECT * FROM PAYJOURNAL WHERE '%s' = '' OR DDate = '%s' ORDER BY rowid"> kOfDay;
 constexpr db::Statement<
-    u"SELECT Number FROM PAYJOURNAL WHERE DDate = '%s' AND UserID = '%s' AND Gubun = '단순결제' "
-    u"AND (State = 'sent' OR State = 'unknown')">
-    kUnsettledSimple;
-constexpr db::Statement<
     u"SELECT Number FROM PAYJOURNAL WHERE DDate = '%s' AND JunNo = '%s' AND (State = 'sent' OR State = "
     u"'unknown')">
     kUnsettledNumber;
@@ -41,6 +38,9 @@ constexpr db::Statement<
     u"UPDATE PAYJOURNAL SET State = 'approved', SettledAt = '%s', JunNo = '%s', BANKTRANNO = '%s' "
     u"WHERE Number = '%s'">
     kApprove;
+constexpr db::Statement<
+    u"UPDATE PAYJOURNAL SET State = 'unknown', SettledAt = '%s', BANKTRANNO = '' WHERE Number = '%s'">
+    kReopen;
 constexpr db::Statement<u"UPDATE PAYJOURNAL SET State = 'unknown', SettledAt = '%s' WHERE State = 'sent'">
     kCloseStopped;
 
@@ -81,6 +81,18 @@ QString now() {
     return platform::clock::now().toString(u"yyyy-MM-dd HH:mm:ss"_s);
 }
 
+/// Puts the approval on the payment's slip and notes it, and keeps both.
+std::optional<CollectionSlip> approve(db::Transaction& transaction, const JournalPayment& payment,
+                                      QStringView transactionNumber) {
+    CollectionSlip approved = payment.slip;
+    approved.BANKTRANNO = transactionNumber.toString();
+    const auto slip = putApproved(transaction, approved);
+    const bool isKept = slip &&
+                        transaction.run(kApprove(now(), slip->JunNo, transactionNumber, payment.number)) &&
+                        transaction.commit();
+    return isKept ? slip : std::nullopt;
+}
+
 }  // namespace
 
 QStringView stateName(PaymentState state) {
@@ -102,8 +114,8 @@ QStringView stateName(PaymentState state) {
 bool notePayment(const JournalPayment& payment) {
     const CollectionSlip& slip = payment.slip;
     db::Transaction transaction;
-    const auto earlier = payments(kOfSlip(slip.DDate, slip.JunNo, slip.UserID));
-    if (!earlier || std::ranges::any_of(*earlier, &JournalPayment::isUnsettled)) return false;
+    const auto open = payments(kUnsettled());
+    if (!open || findInTheWay(*open, payment)) return false;
     const auto columns = columnTexts(slip);
     const QString charged = platform::formatWon(payment.charged);
     std::array<QStringView, decltype(kInsert)::kValues> values{payment.number, stateName(PaymentState::Sent),
@@ -120,17 +132,40 @@ bool settlePayment(QStringView number, PaymentState state) {
     return transaction.run(kSettle(stateName(state), now(), number)) && transaction.commit();
 }
 
+bool reopenPayment(QStringView number) {
+    db::Transaction transaction;
+    const auto before = payment(kOne(number));
+    if (!before || before->isUnsettled()) return false;
+    return takeApprovalOff(transaction, before->slip.BANKTRANNO) && transaction.run(kReopen(now(), number)) &&
+           transaction.commit();
+}
+
 std::optional<CollectionSlip> approvePayment(QStringView number, QStringView transactionNumber) {
     if (transactionNumber.isEmpty()) return std::nullopt;
     db::Transaction transaction;
     const auto before = payment(kOne(number));
     if (!before || !before->isUnsettled()) return std::nullopt;
-    CollectionSlip approved = before->slip;
-    approved.BANKTRANNO = transactionNumber.toString();
-    const auto slip = putApproved(transaction, approved);
-    const bool isKept = slip && transaction.run(kApprove(now(), slip->JunNo, transactionNumber, number)) &&
-                        transaction.commit();
-    return isKept ? slip : std::nullopt;
+    return approve(transaction, *before, transactionNumber);
+}
+
+std::optional<JournalPayment> approvalWithoutSlip(const SlipIdentity& slip) {
+    const auto sent = payments(kOfSlip(slip.date, slip.junNo, slip.userId)).value_or(QList<JournalPayment>());
+    const auto isLost = [&](const JournalPayment& each) {
+        return each.state == PaymentState::Approved && each.slip.GCode == slip.gCode &&
+               each.slip.isApproved() && !findByTransactionNumber(each.slip.BANKTRANNO);
+    };
+    const auto found = std::ranges::find_if(sent, isLost);
+    return found == sent.end() ? std::nullopt : std::optional(*found);
+}
+
+std::optional<CollectionSlip> putApprovalBack(QStringView number) {
+    db::Transaction transaction;
+    const auto before = payment(kOne(number));
+    if (!before || before->state != PaymentState::Approved ||
+        findByTransactionNumber(before->slip.BANKTRANNO)) {
+        return std::nullopt;
+    }
+    return approve(transaction, *before, before->slip.BANKTRANNO);
 }
 
 void closeStoppedPayments() {
@@ -149,13 +184,21 @@ std::optional<JournalPayment> lastPayment(QStringView date, QStringView junNo, Q
     return payment(kOfSlip(date, junNo, userId));
 }
 
-bool hasUnsettledPayment(QStringView date, QStringView junNo, QStringView userId) {
-    const auto found = payments(kOfSlip(date, junNo, userId)).value_or(QList<JournalPayment>());
-    return std::ranges::any_of(found, &JournalPayment::isUnsettled);
+std::optional<JournalPayment> unsettledPayment(QStringView date, QStringView junNo, QStringView userId) {
+    const QList<JournalPayment> open = unsettledPayments();
+    const auto found = std::ranges::find_if(open, [&](const JournalPayment& each) {
+        return each.slip.DDate == date && each.slip.JunNo == junNo &&
+               (userId.isEmpty() || each.slip.UserID == userId);
+    });
+    return found == open.end() ? std::nullopt : std::optional(*found);
 }
 
-bool hasUnsettledSimplePayment(QStringView date, QStringView userId) {
-    return db::hasRow(kUnsettledSimple(date, userId));
+bool hasUnsettledPayment(QStringView date, QStringView junNo, QStringView userId) {
+    return unsettledPayment(date, junNo, userId).has_value();
+}
+
+std::optional<JournalPayment> findPayment(QStringView number) {
+    return payment(kOne(number));
 }
 
 platform::Won skipUnsettledNumbers(QStringView date, platform::Won number) {

@@ -25,9 +25,8 @@ enum class PaymentState {
 /// "sent", "approved", "refused", "unknown" or "released"; `State` in the table.
 QStringView stateName(PaymentState state);
 
-/// What the salesman is told where a slip cannot be paid yet.
-inline constexpr QStringView kPaymentUnsettled =
-    u"앞의 카드결제 결과를 확인하지 못해 다시 결제할수 없습니다..! 카드사와 연결될때 다시 하세요!!";
+/// What list and paper call a slip whose payment is open.
+inline constexpr QStringView kBeingAsked = u"카드결제 확인중";
 
 struct JournalPayment {
     QString number;  ///< Message number, 32 hexadecimal digits.
@@ -44,13 +43,18 @@ struct JournalPayment {
 };
 
 /// Notes a payment that is about to be sent, safe on disk on return. False when it could not be noted (no
-/// table, disk full, a single quote in a text) or when an earlier payment of its slip is unsettled; it must
-/// not be sent then.
+/// table, disk full, a single quote in a text) or when an unsettled payment may be the same customer's; it
+/// must not be sent then.
 bool notePayment(const JournalPayment& payment);
 
 /// Settles an unsettled payment without an approval, or makes a sent one unknown. False when there is no such
 /// payment, or when the change did not last; nothing is changed then.
 bool settlePayment(QStringView number, PaymentState state);
+
+/// Makes a settled payment unknown again, for one that was settled by mistake: the host is asked anew. An
+/// approval goes off its slip (takeApprovalOff). False when there is no such payment, or when the change did
+/// not last; nothing is changed then.
+bool reopenPayment(QStringView number);
 
 /// Settles an unsettled payment with its approval: journal, collection slip, receivable and the state of the
 /// sales slip in one transaction, safe on disk on return. A collection slip that has gone or been changed
@@ -58,6 +62,14 @@ bool settlePayment(QStringView number, PaymentState state);
 /// comes in under a number of its own. Returns the slip as it stands; nothing when the change did not last or
 /// `transactionNumber` is empty.
 std::optional<CollectionSlip> approvePayment(QStringView number, QStringView transactionNumber);
+
+/// The newest approved payment of the customer's slip of that date, number and user whose approval is on no
+/// slip any more: the collection was deleted, or the database is an older copy.
+std::optional<JournalPayment> approvalWithoutSlip(const SlipIdentity& slip);
+
+/// Puts the approval of such a payment back on its slip, as when it is approved. Result as for
+/// approvePayment.
+std::optional<CollectionSlip> putApprovalBack(QStringView number);
 
 /// Makes unknown what is still noted as sent. For when no exchange can be under way.
 void closeStoppedPayments();
@@ -68,9 +80,12 @@ bool hasUnsettledPayments();
 
 /// The newest payment of the slip of that date, number and user; nothing without one.
 std::optional<JournalPayment> lastPayment(QStringView date, QStringView junNo, QStringView userId);
+/// The first unsettled payment of the slips of that date and number, of one user or, with an empty id, of
+/// everybody.
+std::optional<JournalPayment> unsettledPayment(QStringView date, QStringView junNo, QStringView userId);
 bool hasUnsettledPayment(QStringView date, QStringView junNo, QStringView userId);
-/// The same for the user's simple payments of that date, whatever their numbers.
-bool hasUnsettledSimplePayment(QStringView date, QStringView userId);
+/// The payment with that message number.
+std::optional<JournalPayment> findPayment(QStringView number);
 
 /// The first number from `number` on that no unsettled payment of that date has: one that may yet be found
 /// approved keeps its number, though no collection slip shows it.

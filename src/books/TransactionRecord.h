@@ -55,8 +55,8 @@ struct TransactionRecord {
     QString paymentKind;  ///< "1" card, "2" cash, empty for neither.
     SlipIdentity slip;
     SettlementAmounts amounts;
-    platform::Won amountToCharge;
-    int cardPaymentFlag = 0;  ///< 1 sends a card payment whatever the card amount is.
+    platform::Won amountToCharge;  ///< Won; that of books::amountToCharge.
+    int cardPaymentFlag = 0;       ///< 1 sends a card payment whatever the card amount is.
 
     platform::SecureText track2;
     platform::SecureText track3;

@@ -35,38 +35,8 @@ void takeBackExcess(SettlementAmounts& amounts, Won total) {
     amounts.cash = amounts.earlierReceivable = Won();
 }
 
-}  // namespace
-
-void recomputeTotal(SettlementAmounts& amounts) {
-    amounts.total = amounts.sales + amounts.deposit;
-}
-
-Won keySales(SettlementAmounts& amounts, Won keyed) {
-    const books::VatSplit split = books::splitVat(keyed);
-    amounts.sales = keyed;
-    amounts.supply = split.supply;
-    amounts.vat = split.vat;
-    return keyRecovery(amounts, amounts.containerRecovery);
-}
-
-Won keySupply(SettlementAmounts& amounts, Won keyed) {
-    amounts.supply = keyed;
-    amounts.sales = amounts.supply + amounts.vat;
-    return keyRecovery(amounts, amounts.containerRecovery);
-}
-
-Won keyVat(SettlementAmounts& amounts, Won keyed) {
-    amounts.vat = keyed;
-    amounts.sales = amounts.supply + amounts.vat;
-    return keyRecovery(amounts, amounts.containerRecovery);
-}
-
-void keyNonLiquor(SettlementAmounts& amounts, Won keyed) {
-    recomputeTotal(amounts);
-    amounts.nonLiquor = keyed;
-}
-
-Won keyRecovery(SettlementAmounts& amounts, Won keyed) {
+/// keyRecovery on amounts that hold no excess any more.
+Won settleRecovery(SettlementAmounts& amounts, Won keyed) {
     recomputeTotal(amounts);
     amounts.containerRecovery = keyed;
     if (keyed > amounts.total) {
@@ -86,11 +56,53 @@ Won keyRecovery(SettlementAmounts& amounts, Won keyed) {
     return Won();
 }
 
+/// Changes the sale and settles what the recovery leaves of its new total.
+Won settleSale(SettlementAmounts& amounts, Won sales) {
+    recomputeTotal(amounts);
+    takeBackExcess(amounts, amounts.total);
+    amounts.sales = sales;
+    return settleRecovery(amounts, amounts.containerRecovery);
+}
+
+}  // namespace
+
+void recomputeTotal(SettlementAmounts& amounts) {
+    amounts.total = amounts.sales + amounts.deposit;
+}
+
+Won keySales(SettlementAmounts& amounts, Won keyed) {
+    const books::VatSplit split = books::splitVat(keyed);
+    amounts.supply = split.supply;
+    amounts.vat = split.vat;
+    return settleSale(amounts, keyed);
+}
+
+Won keySupply(SettlementAmounts& amounts, Won keyed) {
+    amounts.supply = keyed;
+    return settleSale(amounts, amounts.supply + amounts.vat);
+}
+
+Won keyVat(SettlementAmounts& amounts, Won keyed) {
+    amounts.vat = keyed;
+    return settleSale(amounts, amounts.supply + amounts.vat);
+}
+
+void keyNonLiquor(SettlementAmounts& amounts, Won keyed) {
+    recomputeTotal(amounts);
+    amounts.nonLiquor = keyed;
+}
+
+Won keyRecovery(SettlementAmounts& amounts, Won keyed) {
+    recomputeTotal(amounts);
+    takeBackExcess(amounts, amounts.total);
+    return settleRecovery(amounts, keyed);
+}
+
 Won takeOverRecovery(SettlementAmounts& amounts, Won recovery, bool isContainerWork) {
     recomputeTotal(amounts);
     if (recovery == amounts.containerRecovery) return Won();
-    takeBackExcess(amounts, amounts.total);
     if (!isContainerWork || !amounts.total.isZero()) return keyRecovery(amounts, recovery);
+    takeBackExcess(amounts, amounts.total);
     amounts.containerRecovery = recovery;
     return Won();
 }
@@ -98,7 +110,7 @@ Won takeOverRecovery(SettlementAmounts& amounts, Won recovery, bool isContainerW
 Won settleNewTotal(SettlementAmounts& amounts, Won before) {
     recomputeTotal(amounts);
     takeBackExcess(amounts, before);
-    if (amounts.containerRecovery > amounts.total) return keyRecovery(amounts, amounts.containerRecovery);
+    if (amounts.containerRecovery > amounts.total) return settleRecovery(amounts, amounts.containerRecovery);
     recomputeUnpaid(amounts);
     return Won();
 }

@@ -20,15 +20,14 @@ platform::Won keyVat(books::SettlementAmounts& amounts, platform::Won keyed);
 /// Keys the non-liquor amount, which nothing else follows.
 void keyNonLiquor(books::SettlementAmounts& amounts, platform::Won keyed);
 
-/// Keys the container recovery. Cash, else card, takes what it leaves of the total; the rest stays unpaid.
-/// When it exceeds the total, the excess is returned (else 0), becomes the earlier receivable paid, and cash
-/// becomes minus the excess.
+/// Keys the container recovery. What the one before was booked as beyond the total goes first. Cash, else
+/// card, takes what it leaves of the total; the rest stays unpaid. When it exceeds the total, the excess is
+/// returned (else 0), becomes the earlier receivable paid, and cash becomes minus the excess.
 platform::Won keyRecovery(books::SettlementAmounts& amounts, platform::Won keyed);
 
 /// Takes over the recovery of a container slip. One that is on the slip already changes nothing. Where
 /// nothing was sold (`isContainerWork`, total 0) it is set and nothing else, so that it comes off the
-/// customer's receivable; otherwise it counts as keyed: result as for keyRecovery. What the replaced one was
-/// booked as beyond the total goes first.
+/// customer's receivable; otherwise it counts as keyed: result as for keyRecovery.
 platform::Won takeOverRecovery(books::SettlementAmounts& amounts, platform::Won recovery,
                                bool isContainerWork);
 

@@ -2,6 +2,8 @@
 
 #include <QStringBuilder>
 
+#include "books/PaymentJournal.h"
+
 namespace print {
 namespace {
 
@@ -24,6 +26,8 @@ void paymentBlock(Document& document, const books::CollectionSlip& slip) {
     amountLine(document, u"미결제액", slip.UnderMoney);
     amountLine(document, u"용공회수액", slip.YDMoney);
     amountLine(document, u"전미수입금", slip.MisuInMoney);
+    if (const auto open = books::unsettledPayment(slip.DDate, slip.JunNo, slip.UserID))
+        document.labelAmount(books::kBeingAsked, open->charged);
     document.rule(Document::Rule::Thin);
     const Won before = books::previousReceivable(slip.GCode, slip.DDate, slip.JunNo, slip.UserID);
     document.labelAmount(u"전미수", before);

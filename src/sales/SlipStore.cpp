@@ -1,8 +1,10 @@
 #include "sales/SlipStore.h"
 
+#include <algorithm>
 #include <array>
 
 #include "books/CollectionSlip.h"
+#include "books/PaymentJournal.h"
 #include "books/PrintLog.h"
 #include "books/ReusedNumber.h"
 #include "db/Query.h"
@@ -66,6 +68,12 @@ SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo
 SlipList slipsOfDay(QStringView userId, QStringView workDate) {
     SlipList list{.slips = {.columns = 3, .cells = {}}, .printed = 0, .unprinted = 0};
     QString previous;
+    const QList<books::JournalPayment> open = books::unsettledPayments();
+    const auto isAsked = [&](const QString& junNo) {
+        return std::ranges::any_of(open, [&](const books::JournalPayment& each) {
+            return each.slip.DDate == workDate && each.slip.JunNo == junNo && each.slip.UserID == userId;
+        });
+    };
     db::forEachRow(kSlips(userId, workDate), [&](db::CVORecordset& row) {
         const QString junNo = row.GetFieldString(2);
         // One slip's lines stand together in this order; a slip with two print states is listed twice.
@@ -73,7 +81,8 @@ SlipList slipsOfDay(QStringView userId, QStringView workDate) {
         previous = junNo;
         const QString state = row.GetFieldString(0);
         ++(state == kUnprinted ? list.unprinted : list.printed);
-        list.slips.cells << state << row.GetFieldString(1) << junNo;
+        list.slips.cells << (isAsked(junNo) ? books::kBeingAsked.toString() : state) << row.GetFieldString(1)
+                         << junNo;
     });
     return list;
 }

@@ -19,8 +19,8 @@ SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo
 
 /// The salesman's slips of a day.
 struct SlipList {
-    platform::Rows
-        slips;  ///< One row for each slip, in three columns: print state, customer name, slip number.
+    platform::Rows slips;  ///< One row for each slip, in three columns: print state, or that its payment is
+                           ///< open, customer name, slip number.
     int printed = 0;
     int unprinted = 0;
 };

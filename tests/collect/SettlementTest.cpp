@@ -77,6 +77,30 @@ TEST(Settlement, SplitsTheTotal) {
         {"card", recovery, {50000, 0, 50000, 0, 0, 0}, 8000, {50000, 8000, 42000, 0, 0, 0}, 0},
         {"equal", recovery, {50000, 0, 50000, 0, 0, 5}, 50000, {50000, 50000, 0, 0, 0, 5}, 0},
         {"above", recovery, {50000, 0, 0, 0, 50000, 5}, 60000, {50000, 60000, 0, -10000, 0, 10000}, 10000},
+        {"corrected, cash",
+         recovery,
+         {50000, 60000, 0, -10000, 0, 10000},
+         8000,
+         {50000, 8000, 0, 0, 42000, 0},
+         0},
+        {"corrected, card",
+         recovery,
+         {50000, 60000, 50000, -10000, 0, 10000},
+         8000,
+         {50000, 8000, 42000, 0, 0, 0},
+         0},
+        {"corrected, still above",
+         recovery,
+         {50000, 60000, 50000, -10000, 0, 10000},
+         50001,
+         {50000, 50001, 50000, -1, 0, 1},
+         1},
+        {"corrected after a button",
+         recovery,
+         {50000, 60000, 0, 0, 0, 10000},
+         8000,
+         {50000, 8000, 0, 0, 42000, 0},
+         0},
         {"by card", recovery, {50000, 0, 50000, 0, 0, 0}, 50001, {50000, 50001, 50000, -1, 0, 1}, 1},
         {"no total", recovery, {0, 0, 0, 700, 0, 0}, -30, {0, -30, 0, 30, 0, 0}, 0},
         {"card", card, {50000, 8000, 1, 2, 3, 4}, 0, {50000, 8000, 42000, 0, 0, 4}, 0},
@@ -153,6 +177,8 @@ TEST(Settlement, AmountsOfTheSaleFollowEachOther) {
     keyRecovery(amounts, Won(500));
     EXPECT_EQ(keySales(amounts, Won(-100)), Won(100)) << "recovery of 500 against a total of 400";
     EXPECT_EQ(amounts.supply, Won(-91));
+    keySales(amounts, Won(10000));
+    EXPECT_EQ(split(amounts), (Split{10500, 500, 10000, 0, 0, 0})) << "what the excess booked is gone";
 }
 
 TEST(Settlement, KnowsWhatIsLeft) {

@@ -71,6 +71,7 @@ const Change kChanges[] = {
          payment.number = u"f"_s.repeated(32);
          payment.slip = collection(0);
          payment.slip.JunNo = u"5002"_s;
+         payment.slip.GCode = u"0076"_s;
          return books::notePayment(payment);
      }},
     {"approve a payment", [] { return books::approvePayment(kPayment, u"000000000001").has_value(); }},

@@ -148,5 +148,30 @@ TEST_F(BackupTest, ReplacesADatabaseThatIsDamagedOrGoneAndCompletesAnOlderOne) {
     EXPECT_EQ(run({u"check"_s}).exitCode, admin::kSuccess);
 }
 
+TEST_F(BackupTest, RestoringForgetsNoPayment) {
+    execute(
+        u"INSERT INTO PAYJOURNAL (Number, State) VALUES ('a', 'approved'), ('b', 'sent'), ('c', 'sent')"_s);
+    name(u"saved"_s);
+    backUp();
+    name(u"later"_s);
+    execute(
+        u"UPDATE PAYJOURNAL SET State = 'approved', BANKTRANNO = '1' WHERE Number = 'b'; "
+        "UPDATE PAYJOURNAL SET State = 'released' WHERE Number = 'c'; "
+        "INSERT INTO PAYJOURNAL (Number, State, BANKTRANNO) VALUES ('d', 'unknown', ''), "
+        "('e', 'approved', '2')"_s);
+    const QStringList before = filesOf(documents());
+    admin::SqliteFile backup(file(), admin::SqliteFile::Mode::Existing);
+    ASSERT_TRUE(backup.execute(
+        u"CREATE TRIGGER broken BEFORE INSERT ON PAYJOURNAL BEGIN SELECT RAISE(ABORT, 'no'); END"_s));
+    expectRefused({u"restore"_s, file()}, u"cannot be carried over"_s);
+    ASSERT_TRUE(backup.execute(u"DROP TRIGGER broken"_s));
+    keptBy(run({u"restore"_s, file()}));
+    EXPECT_EQ(names(), QStringList{u"saved"_s});
+    // What the slips of the backup do not show as paid is asked again; what is new is known.
+    EXPECT_EQ(rows(u"SELECT Number || State FROM PAYJOURNAL ORDER BY Number"_s).join(u' '),
+              u"aapproved bsent creleased dunknown eapproved"_s);
+    EXPECT_EQ(filesOf(documents()).size(), before.size() + 1) << "the kept one alone";
+}
+
 }  // namespace
 }  // namespace test

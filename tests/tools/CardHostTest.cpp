@@ -58,6 +58,12 @@ TEST_F(CardHostTest, WritesWhatTheTerminalReads) {
     EXPECT_EQ(ended.exitCode, admin::kFailure) << narrow(ended.out);
     ASSERT_EQ(readHostKey(&read), kDone);
     EXPECT_EQ(read[0], 0xAA);
+    // Nor would that host tell another terminal.
+    EXPECT_EQ(set(u"127.0.0.1"_s, u"2"_s, key, {u"--terminal"_s, u"4712"_s}).exitCode, admin::kFailure);
+    EXPECT_EQ(set(u"127.0.0.1"_s, u"2"_s, key, {u"--terminal"_s, u"4711"_s}).exitCode, admin::kSuccess);
+    ASSERT_TRUE(writeSavedValues({}));
+    EXPECT_EQ(set(u"127.0.0.1"_s, u"2"_s, key).exitCode, admin::kFailure) << "it would be a new number";
+    EXPECT_EQ(set(u"127.0.0.1"_s, u"2"_s, key, {u"--terminal"_s, u"4711"_s}).exitCode, admin::kSuccess);
 }
 
 TEST_F(CardHostTest, WrongValuesChangeNothing) {

@@ -206,6 +206,13 @@ TEST_F(CommandsTest, JournalListsPaymentsAndSettlesOpenOnes) {
         {"--settle C approved 000000000002", admin::kFailure, "on slip 5002"},
         {"--settle C released", admin::kSuccess, "paid again"},
         {"--settle C released", admin::kFailure, "released already"},
+        {"--reopen C released", admin::kUsageError, "nothing else"},
+        {"--reopen D", admin::kFailure, "no payment"},
+        {"--reopen C", admin::kSuccess, "is open"},
+        {"--reopen C", admin::kFailure, "open already"},
+        {"--settle C approved 000000000003", admin::kSuccess, "slip 7001"},
+        {"--reopen C", admin::kSuccess, "is open"},
+        {"--settle C released", admin::kSuccess, "paid again"},
         {"stray", admin::kUsageError, "--settle"},
     };
     for (const auto& [options, exitCode, said] : cases) {
@@ -220,8 +227,9 @@ TEST_F(CommandsTest, JournalListsPaymentsAndSettlesOpenOnes) {
         EXPECT_FALSE(ended.out.contains(u"5001"_s)) << options;
     }
     EXPECT_EQ(
-        rows(u"SELECT State FROM PAYJOURNAL UNION ALL SELECT JunNo || BANKTRANNO FROM MTMOK"_s).join(u' '),
-        u"approved approved released 5002000000000002"_s);
+        rows(u"SELECT State FROM PAYJOURNAL UNION ALL SELECT JunNo || BANKTRANNO FROM MTMOK ORDER BY 1"_s)
+            .join(u' '),
+        u"5002000000000002 7001 approved approved released"_s);
     admin::SqliteFile terminal(database(), admin::SqliteFile::Mode::Existing);
     ASSERT_TRUE(terminal.execute(u"PRAGMA journal_mode=WAL"_s) && terminal.rows(u"SELECT * FROM MTM"_s));
     EXPECT_TRUE(

@@ -66,6 +66,15 @@ Outcome setCardHost(const Invocation& call) {
 
     SavedValues values;
     readSavedValues(&values);  // Without readable ones they are made anew.
+    // The host knows a payment by the number of the terminal that sent it.
+    const QString known = values.value(kTerminalKey.toString());
+    const bool isAnother = known.isEmpty() ? terminal.isEmpty() : !terminal.isEmpty() && terminal != known;
+    if (isAnother && books::hasUnsettledPayments()) {
+        return failure(
+            u"what became of a payment is open, and the host tells it to the number of before only: give "
+            u"that "
+            u"with --terminal, or see \"rovanactl journal --help\""_s);
+    }
     values[kHostAddressKey.toString()] = savedAddress(address.toIPv4Address());
     values[kHostPortKey.toString()] = QString::number(port);
     QString& number = values[kTerminalKey.toString()];
@@ -110,8 +119,8 @@ constinit const Command kCardHostCommand{
     "key of\n"
     "its own, by which the host has to know it: where host.pub lies in the host's own folder it is enrolled "
     "at\n"
-    "once, else the command for it is shown. Another host is refused while it is open what became of a\n"
-    "payment, see \"rovanactl journal --open\".",
+    "once, else the command for it is shown. Another host or number is refused while it is open what became\n"
+    "of a payment, see \"rovanactl journal --open\".",
     0,
     0,
     addCardHostOptions,

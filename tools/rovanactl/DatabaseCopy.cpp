@@ -19,11 +19,14 @@
 #include "platform/Clock.h"
 #include "platform/Sync.h"
 #include "rovanactl/DatabaseCheck.h"
+#include "rovanactl/JournalCarry.h"
 
 namespace admin {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
+
+constexpr QStringView kBeingRestored = u".restored";
 
 QString systemReason() {
     return QString::fromLocal8Bit(std::strerror(errno));
@@ -223,12 +226,33 @@ qint64 findUser(const QString& database) {
     return isAsked && any.l_type != F_UNLCK ? any.l_pid : 0;
 }
 
+/// The same as copying `backup` into `database`, whose payments stay known: no card is charged again for one
+/// that an older copy does not know. What is wrong, or nothing.
+QString replaceButPayments(SqliteFile& backup, SqliteFile& database, const QString& to, qint64 bytes) {
+    // Merged beside it, so that the database changes once.
+    const QString merged = to % kBeingRestored;
+    QString error = copyTo(merged, backup, bytes, true, nullptr);
+    if (error.isEmpty()) {
+        SqliteFile file(merged, SqliteFile::Mode::Existing);
+        error = completeTables(file);
+        if (error.isEmpty()) error = carryPayments(database, file);
+        if (error.isEmpty() && !database.copyFrom(file)) error = copyFault(to, database, bytes);
+    }
+    QFile::remove(merged);
+    return error;
+}
+
 /// Puts the backup's content into the database that is there, or tells why not.
 CopyResult replaceContent(SqliteFile& backup, SqliteFile& database, const QString& to, qint64 bytes) {
     const CopyResult kept = keepBeside(database, to);
     if (!kept.error.isEmpty()) return {u"the database that is there cannot be kept: "_s % kept.error, {}};
-    if (database.copyFrom(backup)) return {completeTables(database), kept.kept};
-    const QString error = copyFault(to, database, bytes);
+    QString error;
+    if (hasPayments(database)) {
+        error = replaceButPayments(backup, database, to, bytes);
+    } else if (!database.copyFrom(backup)) {
+        error = copyFault(to, database, bytes);
+    }
+    if (error.isEmpty()) return {completeTables(database), kept.kept};
     QFile::remove(kept.kept);
     return {error, {}};
 }
@@ -285,7 +309,7 @@ CopyResult restoreDatabase(const QString& from, const QString& to) {
         }
     }
     // Whole first, so that a database that cannot be worked with goes only when the other can come at once.
-    const QString fresh = to % u".restored"_s;
+    const QString fresh = to % kBeingRestored;
     result.error = copyTo(fresh, backup, given.size(), true, findHopeless);
     if (!result.error.isEmpty()) return result;
     if (QFileInfo::exists(to)) result = moveAside(to);

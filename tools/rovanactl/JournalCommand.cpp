@@ -16,6 +16,8 @@ void addJournalOptions(QCommandLineParser& parser) {
     parser.addOption({u"date"_s, u"Only the payments of slips of this day."_s, u"yyyy-MM-dd"_s});
     parser.addOption({u"open"_s, u"Only those of which it is open whether the customer was charged."_s});
     parser.addOption({u"settle"_s, u"Settles the open payment with this message number."_s, u"NUMBER"_s});
+    parser.addOption(
+        {u"reopen"_s, u"Makes a payment open again that was settled by mistake."_s, u"NUMBER"_s});
 }
 
 bool isTransactionNumber(const QString& text) {
@@ -41,6 +43,30 @@ QString findHindrance(const QString& number, const QString& transactionNumber) {
     return isTaken ? u"transaction %1 belongs to another payment"_s.arg(transactionNumber) : QString();
 }
 
+/// Why nothing may be changed in the journal; no failure when it may.
+Outcome claimJournal() {
+    const QString path = platform::device::path(platform::device::kDatabaseFile);
+    // A terminal at work may be asking the host about this very payment.
+    if (SqliteFile(path, SqliteFile::Mode::Existing).lock() == SqliteFile::Lock::InUse)
+        return failure(describeUse(path));
+    return requireTable(u"PAYJOURNAL");
+}
+
+Outcome reopen(const Invocation& call) {
+    const auto asked = platform::message::parseMessageNumber(call.options.value(u"reopen"_s));
+    if (!asked || !call.arguments.isEmpty())
+        return usageError(u"--reopen takes a message number of the list and nothing else"_s);
+    if (Outcome hindrance = claimJournal(); hindrance.exitCode != kSuccess) return hindrance;
+    const QString number = platform::message::toText(*asked);
+    const auto payment = books::findPayment(number);
+    if (!payment) return failure(u"the journal has no payment %1"_s.arg(number));
+    if (payment->isUnsettled()) return failure(u"payment %1 is open already"_s.arg(number));
+    if (!books::reopenPayment(number))
+        return failure(u"payment %1 could not be made open; nothing was changed"_s.arg(number));
+    call.out << u"payment %1 is open: the terminal asks the host about it at the next login\n"_s.arg(number);
+    return {};
+}
+
 Outcome settle(const Invocation& call) {
     const auto asked = platform::message::parseMessageNumber(call.options.value(u"settle"_s));
     const QString outcome = call.arguments.value(0);
@@ -52,11 +78,7 @@ Outcome settle(const Invocation& call) {
             u"number "
             u"of twelve digits, or \"released\""_s);
     }
-    const QString path = platform::device::path(platform::device::kDatabaseFile);
-    // A terminal at work may be asking the host about this very payment.
-    if (SqliteFile(path, SqliteFile::Mode::Existing).lock() == SqliteFile::Lock::InUse)
-        return failure(describeUse(path));
-    if (Outcome missing = requireTable(u"PAYJOURNAL"); missing.exitCode != kSuccess) return missing;
+    if (Outcome hindrance = claimJournal(); hindrance.exitCode != kSuccess) return hindrance;
     const QString number = platform::message::toText(*asked);
     if (const QString hindrance = findHindrance(number, transactionNumber); !hindrance.isEmpty())
         return failure(hindrance);
@@ -75,6 +97,7 @@ Outcome settle(const Invocation& call) {
 
 Outcome runJournal(const Invocation& call) {
     if (call.options.isSet(u"settle"_s)) return settle(call);
+    if (call.options.isSet(u"reopen"_s)) return reopen(call);
     if (!call.arguments.isEmpty()) return usageError(u"without --settle it takes no argument"_s);
     const std::optional<QString> date = dateOption(call.options, u"date"_s);
     if (!date) return usageError(u"--date takes a date such as 2024-03-31"_s);
@@ -105,7 +128,7 @@ Outcome runJournal(const Invocation& call) {
 constinit const Command kJournalCommand{
     u"journal",
     u"[OUTCOME]",
-    u"lists the payments sent to the card host, or settles one",
+    u"lists the payments sent to the card host, settles one or makes it open again",
     u"One line for each payment in the order of sending, tabs between: when it was sent, what became of it\n"
     u"(sent, approved, refused, unknown, released), card or cash, what the host was asked for in won, the\n"
     u"slip, and the host's transaction number. \"released\" means that nothing was charged and never will "
@@ -118,7 +141,11 @@ constinit const Command kJournalCommand{
     u"is\n"
     u"put back where it has gone. --settle NUMBER released says that nothing was charged and never will be.\n"
     u"Both are for a payment of which the host tells the terminal nothing, and believe what they are told:\n"
-    u"ask whoever runs the host first. Refused while a terminal has the database open.",
+    u"ask whoever runs the host first. --reopen NUMBER takes that back: the payment is open again, an "
+    u"approval "
+    u"goes\n"
+    u"off its slip, and the terminal asks the host anew. All are refused while a terminal has the database "
+    u"open.",
     0,
     2,
     addJournalOptions,

@@ -9,8 +9,9 @@
 #include "app/Dialogs.h"
 #include "app/KeypadRequest.h"
 #include "app/Session.h"
+#include "books/Charge.h"
 #include "books/ContainerBalance.h"
-#include "books/PaymentJournal.h"
+#include "books/OpenPayments.h"
 #include "collect/Settlement.h"
 #include "ui/Messages.h"
 #include "ui/Terminal.h"
@@ -248,6 +249,12 @@ void CCollectionEntryDlg::keyEarlierReceivable() {
 
 void CCollectionEntryDlg::deletePrevious() {
     const app::SessionValues& session = app::session();
+    const auto question = askAboutPayment();
+    if (question.answer == app::PaymentAnswer::Open) {
+        ui::message(books::refuseToDelete(*question.inTheWay));
+        return;
+    }
+    if (question.answer == app::PaymentAnswer::Approved) return takeApproval();
     if (isApproved_ && !ui::confirm(u"카드결제된 입금표를 삭제할까요?"_s, u"카드결제된 입금표삭제"_s)) return;
     // Another customer's collection is not this one's to delete.
     if (!isOthers_ && !books::removeCollection(session.WorkDate, session.action.JunNo, session.UserID)) {
@@ -263,31 +270,60 @@ void CCollectionEntryDlg::deletePrevious() {
     showAmounts();
 }
 
+app::PaymentQuestion CCollectionEntryDlg::askAboutPayment() {
+    return app::askAboutPayments([] {
+        const app::SessionValues& session = app::session();
+        return books::unsettledPayment(session.WorkDate, session.action.JunNo, session.UserID);
+    });
+}
+
 bool CCollectionEntryDlg::isPaymentSettled() {
-    app::SessionValues& session = app::session();
-    const auto isUnsettled = [&] {
-        return books::hasUnsettledPayment(session.WorkDate, session.action.JunNo, session.UserID);
-    };
-    if (!isUnsettled()) return true;
-    ui::runScreen(app::dialogs::kPaymentCheck);
-    if (isUnsettled()) {
-        ui::message(books::kPaymentUnsettled.toString());
-        return false;
+    const app::PaymentQuestion question = askAboutPayment();
+    if (question.answer == app::PaymentAnswer::Approved) takeApproval();
+    if (question.answer == app::PaymentAnswer::Free) return !isApprovalPutBack();
+    if (question.answer != app::PaymentAnswer::Open) return false;
+    // Credit asks nobody for money twice: the visit ends, and an approval that is found turns it into the
+    // card amount.
+    if (amounts_.card.isZero() && amounts_.cash.isZero()) {
+        return ui::confirm(
+            u"%1의 결과를 확인하는 중입니다. 외상으로 저장하고, 승인이 확인되면 그 결제로 바꿀까요?"_s.arg(
+                books::describePayment(*question.inTheWay)),
+            u"카드결제 확인중"_s);
     }
-    const auto last = books::lastPayment(session.WorkDate, session.action.JunNo, session.UserID);
-    if (!last || last->state != books::PaymentState::Approved) return true;
-    const books::SettlementAmounts paid = last->slip.amounts();
-    if (paid.total != amounts_.total || paid.containerRecovery != amounts_.containerRecovery) {
+    ui::message(books::refuseToPay(*question.inTheWay) + u" 지금 끝내려면 [외상처리]를 누르세요."_s);
+    return false;
+}
+
+bool CCollectionEntryDlg::isApprovalPutBack() {
+    const app::SessionValues& session = app::session();
+    const auto lost = books::approvalWithoutSlip(
+        {session.WorkDate, session.action.JunNo, session.UserID, session.action.GCode});
+    if (!lost || isApproved_) return false;
+    const QString question =
+        u"이미 승인된 결제가 있습니다..! %1 거래번호 : %2  이 결제를 전표에 되돌릴까요?"_s.arg(
+            books::describePayment(*lost), lost->slip.BANKTRANNO);
+    if (!ui::askYesNo(question, u"승인된 결제"_s)) return false;
+    if (books::putApprovalBack(lost->number)) {
+        takeApproval();
+    } else {
+        ui::message(u"결제를 되돌리지 못했습니다..!"_s);
+    }
+    return true;
+}
+
+void CCollectionEntryDlg::takeApproval() {
+    app::SessionValues& session = app::session();
+    const auto paid = books::loadCollection(session.WorkDate, session.action.JunNo, session.UserID);
+    if (!paid || paid->amounts().total != amounts_.total || paid->YDMoney != amounts_.containerRecovery) {
         // The slip was changed meanwhile: what it is worth more is unpaid, which the screen has to show
         // first.
         load();
         showAmounts();
-        return false;
+        return;
     }
     // The visit is paid already, by what the card was charged then.
     session.SlipDone = 1;
     close(Accepted);
-    return false;
 }
 
 void CCollectionEntryDlg::finish() {
@@ -296,8 +332,16 @@ void CCollectionEntryDlg::finish() {
             u"카드결제&현금결제&전미수입금&미결제액&용공회수액 중에서  금액이 0원 이상이여야 합니다.."_s);
         return;
     }
-    if (!isPaymentSettled()) return;
     const app::SessionValues& session = app::session();
+    const bool isPaidOnLine =
+        session.WorkMode != app::kCollectionWork && session.WorkMode != app::kContainerWork && !isApproved_;
+    if (isPaidOnLine && !books::isChargeOneAmount(amounts_)) {
+        const bool isCard = books::chargeKind(amounts_) == books::ChargeKind::Card;
+        ui::message(u"%1금액이 결제할 금액 ['%2'원]과 다릅니다..! [%1입금]을 다시 누르세요!!"_s.arg(
+            isCard ? u"카드"_s : u"현금"_s, grouped(books::amountToSettle(amounts_))));
+        return;
+    }
+    if (!isPaymentSettled()) return;
     books::CollectionSlip slip;
     slip.DDate = session.WorkDate;
     slip.GCode = session.action.GCode;
@@ -317,8 +361,6 @@ void CCollectionEntryDlg::finish() {
     }
     books::resetTransactionRecord();
     books::transactionRecord().amounts = amounts_;
-    const bool isPaidOnLine =
-        session.WorkMode != app::kCollectionWork && session.WorkMode != app::kContainerWork && !isApproved_;
     closeAndOpen(isPaidOnLine ? app::dialogs::kCard : app::dialogs::kSlipPrinting);
 }
 

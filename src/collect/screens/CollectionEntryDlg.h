@@ -3,6 +3,7 @@
 #include <QString>
 #include <optional>
 
+#include "app/PaymentQuestion.h"
 #include "books/CollectionSlip.h"
 #include "books/TransactionRecord.h"
 #include "ui/Screen.h"
@@ -26,9 +27,16 @@ class CCollectionEntryDlg : public ui::Screen {
     void settle(void (*rule)(books::SettlementAmounts&));
     void keyEarlierReceivable();
     void deletePrevious();
-    /// Asks what became of a payment of this slip that was not answered. False when that stays open, or when
-    /// it was approved, which ends the visit.
+    /// Asks what became of a payment of this slip that was not answered.
+    app::PaymentQuestion askAboutPayment();
+    /// The same before it is saved. False when that stays open, unless it is settled on credit, or when it
+    /// was approved.
     bool isPaymentSettled();
+    /// True when this slip's payment is approved though its collection has gone, and the salesman has it put
+    /// back rather than pays again.
+    bool isApprovalPutBack();
+    /// Ends the visit that was found paid; where the slip was changed since, shows what is left.
+    void takeApproval();
     void finish();
     /// Takes over what the container slip of the visit is worth, and tells `excess`, or the recovery's excess
     /// after that, once the screen shows.

@@ -3,6 +3,7 @@
 #include <QLabel>
 
 #include "app/Dialogs.h"
+#include "app/PaymentQuestion.h"
 #include "app/Session.h"
 #include "books/CollectionSlip.h"
 #include "ui/Messages.h"
@@ -78,7 +79,8 @@ void CCollectionListDlg::deleteChosen() {
         return;
     }
     // No word about one that could not be deleted: the list still shows it.
-    books::removeCollections(app::session().WorkDate, app::session().action.JunNo);
+    if (app::mayDelete(app::session().WorkDate, app::session().action.JunNo, {}))
+        books::removeCollections(app::session().WorkDate, app::session().action.JunNo);
     fill();
 }
 

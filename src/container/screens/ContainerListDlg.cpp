@@ -3,6 +3,7 @@
 #include <QLabel>
 
 #include "app/Dialogs.h"
+#include "app/PaymentQuestion.h"
 #include "app/Session.h"
 #include "container/ContainerStore.h"
 #include "ui/Messages.h"
@@ -82,6 +83,7 @@ void CContainerListDlg::deleteChosen() {
         ui::message(u"삭제할 전표를 선택하세요!"_s);
         return;
     }
+    if (!app::mayDelete(session.WorkDate, session.action.JunNo, {})) return fill();
     const auto takenBack = deleteSlip(session.WorkDate, session.action.JunNo);
     // No word about one that could not be deleted: the list still shows it. The credit for the containers
     // goes with their slip.

@@ -3,6 +3,7 @@
 #include <QLabel>
 
 #include "app/Dialogs.h"
+#include "app/PaymentQuestion.h"
 #include "app/Session.h"
 #include "books/CollectionSlip.h"
 #include "sales/CustomerQuery.h"
@@ -124,6 +125,7 @@ void CGaraeSeek::deleteChosen() {
         ui::message(u"삭제할 전표를 선택하세요!"_s);
         return;
     }
+    if (!app::mayDelete(session.WorkDate, session.action.JunNo, {})) return fill();
     const auto collection = books::loadCollection(session.WorkDate, session.action.JunNo, session.UserID);
     // A paid slip that was saved again is unprinted, but its card payment stands all the same.
     const bool isPaid = session.action.SlipState == kPaid || (collection && collection->isApproved());

@@ -5,8 +5,11 @@
 
 #include "app/Dialogs.h"
 #include "app/KeypadRequest.h"
+#include "app/PaymentQuestion.h"
 #include "app/Session.h"
+#include "books/Charge.h"
 #include "books/CollectionSlip.h"
+#include "books/OpenPayments.h"
 #include "db/Health.h"
 #include "db/Query.h"
 #include "platform/Clock.h"
@@ -35,6 +38,7 @@ constexpr db::Statement<u"SELECT GName,Sno,Gupju, Juso  FROM GARAE WHERE GCODE =
 constexpr QStringView kApproved = u"0000";
 constexpr QStringView kHostDisturbed = u"0098";
 constexpr qsizetype kPasswordLength = 4;
+constexpr int kAskAgain = 1018;
 
 bool isVisit() {
     const int mode = app::session().WorkMode;
@@ -53,6 +57,7 @@ CCardDlg::CCardDlg() : Screen(app::dialogs::kCard), component_(this) {
                                        session.action.GCode};
     if (mode != app::kBalanceInquiry) loadCustomer();
     preparePayment();
+    offerQuestion();
 
     print::DeviceOpen();
     ReaderEnable(true);
@@ -107,6 +112,8 @@ void CCardDlg::addControls() {
     }
     ui::BitmapButton* back = addBottomButton(1000, u"이전"_s, 0, ui::bitmaps::kCancel);
     connect(back, &ui::BitmapButton::clicked, this, [this] { goBack(); });
+    askAgain_ = addBottomButton(kAskAgain, u"결과확인"_s, 1, ui::bitmaps::kPay, [this] { askAgain(); });
+    askAgain_->hide();
     ui::BitmapButton* done = addBottomButton(1003, u"완료"_s, 3, ui::bitmaps::kConfirm);
     connect(done, &ui::BitmapButton::clicked, this, [this] { finish(); });
     setDefaultButton(done);
@@ -127,18 +134,14 @@ void CCardDlg::preparePayment() {
     const int mode = app::session().WorkMode;
     if (mode == app::kBalanceInquiry || mode == app::kPreviousTransaction) return;
     books::TransactionRecord& record = books::transactionRecord();
-    // A simple payment's total already has the recovery taken off; it is taken off a second time here.
-    if (mode == app::kSimplePayment)
-        record.amounts.card = record.amounts.total - record.amounts.containerRecovery;
-    record.paymentKind.clear();
-    if (record.amounts.card >= Won(1)) {
-        record.paymentKind = u"1"_s;
-        record.amountToCharge = record.amounts.card;
-    } else {
-        if (record.amounts.cash >= Won(1)) record.paymentKind = u"2"_s;
-        record.amountToCharge = record.amounts.cash;
-        record.cardPaymentFlag = 0;
-    }
+    // A simple payment has no other way to be settled.
+    if (mode == app::kSimplePayment) record.amounts.card = books::amountToSettle(record.amounts);
+    if (record.amounts.card < Won(1)) record.cardPaymentFlag = 0;
+    const books::ChargeKind kind = books::chargeKind(record.amounts);
+    record.paymentKind = kind == books::ChargeKind::Card   ? u"1"_s
+                         : kind == books::ChargeKind::Cash ? u"2"_s
+                                                           : QString();
+    record.amountToCharge = books::amountToCharge(record.amounts);
     const app::ActionValues& action = app::session().action;
     fitText(addLabel(0, {}, {8, 6, 224, 26}), action.GName, ui::FontHeight::Medium);
     addLabel(0, u"결제금액"_s, {8, 40, 80, 30}, ui::FontHeight::Medium);
@@ -163,30 +166,48 @@ void CCardDlg::cardSwiped() {
     const bool isEntered = isFree && app::askText(u"패스워드"_s);
     // A refusal that is on the screen swallows no card.
     isBusyWithCard_ = false;
+    offerQuestion();
     if (isFree) takePassword(isEntered);
 }
 
 bool CCardDlg::isPaymentFree() {
-    const books::SlipIdentity& slip = books::transactionRecord().slip;
-    // Each simple payment has a number of its own, but one without an answer may be this very customer's.
-    const auto isUnsettled = [&] {
-        return books::hasUnsettledPayment(slip.date, slip.junNo, slip.userId) ||
-               (app::session().WorkMode == app::kSimplePayment &&
-                books::hasUnsettledSimplePayment(slip.date, slip.userId));
-    };
-    if (!isUnsettled()) return true;
-    ui::runScreen(app::dialogs::kPaymentCheck);
-    if (isUnsettled()) {
-        ui::message(books::kPaymentUnsettled.toString());
-        return false;
+    // Every open payment is asked about, whoever's it is: the line is needed anyway.
+    const books::JournalPayment wanted = journalPayment({});
+    const auto inTheWay = [&] { return books::findInTheWay(books::unsettledPayments(), wanted); };
+    if (!inTheWay() && books::hasUnsettledPayments()) ui::runScreen(app::dialogs::kPaymentCheck);
+    const app::PaymentQuestion question = app::askAboutPayments(inTheWay);
+    if (question.answer == app::PaymentAnswer::Open) {
+        ui::message(books::refuseToPay(*question.inTheWay));
+    } else if (question.answer == app::PaymentAnswer::Approved) {
+        const books::SlipIdentity& slip = books::transactionRecord().slip;
+        const auto last = books::lastPayment(slip.date, slip.junNo, slip.userId);
+        isApproved_ = last && last->number == question.inTheWay->number;
     }
-    const auto last = books::lastPayment(slip.date, slip.junNo, slip.userId);
-    isApproved_ = last && last->state == books::PaymentState::Approved;
     if (isApproved_) {
         picture_->hide();
         ReaderEnable(false);
     }
-    return !isApproved_;
+    // After an approval that nobody expected the salesman decides anew, with another swipe.
+    return question.answer == app::PaymentAnswer::Free;
+}
+
+bool CCardDlg::isThisSlipOpen() const {
+    const books::SlipIdentity& slip = books::transactionRecord().slip;
+    return books::hasUnsettledPayment(slip.date, slip.junNo, slip.userId);
+}
+
+void CCardDlg::askAgain() {
+    if (log_->isExchanging() || isBusyWithCard_ || isApproved_) return;
+    isBusyWithCard_ = true;
+    isPaymentFree();
+    isBusyWithCard_ = false;
+    offerQuestion();
+}
+
+void CCardDlg::offerQuestion() {
+    const int mode = app::session().WorkMode;
+    const bool isPayment = mode != app::kBalanceInquiry && mode != app::kPreviousTransaction;
+    askAgain_->setVisible(isPayment && isThisSlipOpen());
 }
 
 void CCardDlg::takePassword(bool isEntered) {
@@ -212,12 +233,13 @@ void CCardDlg::takePassword(bool isEntered) {
 
 void CCardDlg::requestPayment() {
     const books::TransactionRecord& record = books::transactionRecord();
-    if (record.amounts.card > Won() || record.cardPaymentFlag >= 1) {
-        send(RequestKind::CardPayment, books::RequestType::Payment);
-    } else if (record.amounts.cash < Won(1)) {
-        ui::message(u"카드금액과 현금금액이 0이면 결제가 안됩니다..!"_s);
-    } else {
-        send(RequestKind::CashPayment, books::RequestType::Payment);
+    switch (books::chargeKind(record.amounts, record.cardPaymentFlag)) {
+        case books::ChargeKind::Card:
+            return send(RequestKind::CardPayment, books::RequestType::Payment);
+        case books::ChargeKind::Cash:
+            return send(RequestKind::CashPayment, books::RequestType::Payment);
+        case books::ChargeKind::Nothing:
+            ui::message(u"카드금액과 현금금액이 0이면 결제가 안됩니다..!"_s);
     }
 }
 
@@ -246,8 +268,8 @@ books::JournalPayment CCardDlg::journalPayment(const QString& number) const {
     const books::TransactionRecord& record = books::transactionRecord();
     books::JournalPayment payment;
     payment.number = number;
-    payment.isCard = record.amounts.card > Won() || record.cardPaymentFlag >= 1;
-    payment.charged = record.amounts.total - record.amounts.containerRecovery;
+    payment.isCard = books::chargeKind(record.amounts, record.cardPaymentFlag) == books::ChargeKind::Card;
+    payment.charged = books::amountToCharge(record.amounts, record.cardPaymentFlag);
     payment.slip = simplePayment();
     if (isVisit()) {
         const auto saved = books::loadCollection(record.slip.date, record.slip.junNo, record.slip.userId);
@@ -278,6 +300,7 @@ void CCardDlg::exchangeEnded() {
                 paymentApproved();
             } else {
                 settleUnapproved();
+                offerQuestion();
                 ui::message(u"한번더 카드리딩후 암호를 입력해주세여 ^^!"_s);
                 picture_->show();
             }
@@ -406,8 +429,7 @@ void CCardDlg::reprintPrevious() {
 }
 
 void CCardDlg::tellOpenPayment() const {
-    const books::SlipIdentity& slip = books::transactionRecord().slip;
-    if (!paymentNumber_.isEmpty() && books::hasUnsettledPayment(slip.date, slip.junNo, slip.userId)) {
+    if (!paymentNumber_.isEmpty() && isThisSlipOpen()) {
         ui::message(u"카드결제 결과가 확인되지 않았습니다..! 다음 결제전이나 로그인때 다시 확인합니다."_s);
     }
 }

@@ -50,8 +50,14 @@ class CCardDlg : public ui::Screen {
     books::JournalPayment journalPayment(const QString& number) const;
     /// Notes what became of a payment that was not approved.
     void settleUnapproved();
-    /// False when this slip is paid already, or when it is open whether it is.
+    /// Asks the host about all open payments. False when this slip is paid already, or another payment of
+    /// this customer was found approved or stays open.
     bool isPaymentFree();
+    /// Asks again without a new swipe.
+    void askAgain();
+    bool isThisSlipOpen() const;
+    /// Offers the question again while the payment of this slip is open.
+    void offerQuestion();
     /// Sends the request, or tells why what the keypad gave is no password.
     void takePassword(bool isEntered);
     /// Tells, when it is so, that a payment of this dialog was not answered.
@@ -62,6 +68,7 @@ class CCardDlg : public ui::Screen {
     CKsnet_msg_lib component_;
     ui::ReportList* results_ = nullptr;
     QWidget* picture_ = nullptr;
+    QWidget* askAgain_ = nullptr;
     std::optional<ExchangeLog> log_;
     QString sentTime_;       ///< When the request at hand left, "yyyyMMddHHmmss".
     QString paymentNumber_;  ///< Message number of the payment at hand.

@@ -1,5 +1,6 @@
 #include "van/screens/HostRequest.h"
 
+#include "books/Charge.h"
 #include "platform/Clock.h"
 
 namespace van {
@@ -86,11 +87,11 @@ QString requestPayment(CKsnet_msg_lib& component, RequestKind kind, const books:
     const books::SettlementAmounts& amounts = record.amounts;
     const bool hasRecovery = amounts.containerRecovery >= platform::Won(1);
     // The recovery's flag travels before the amount that it is computed from.
-    const short status = component.PaymentReq(
-        u"123", u"        ", record.track3.view().mid(1, kCardDataLength), record.password.view(), u"39",
-        formatWon(amounts.supply), formatWon(amounts.vat), formatWon(amounts.deposit),
-        hasRecovery ? u"1" : u"0", formatWon(amounts.containerRecovery),
-        formatWon(amounts.total - amounts.containerRecovery));
+    const short status =
+        component.PaymentReq(u"123", u"        ", record.track3.view().mid(1, kCardDataLength),
+                             record.password.view(), u"39", formatWon(amounts.supply), formatWon(amounts.vat),
+                             formatWon(amounts.deposit), hasRecovery ? u"1" : u"0",
+                             formatWon(amounts.containerRecovery), formatWon(books::amountToSettle(amounts)));
     return failureText(Call::Payment, kind, status);
 }
 

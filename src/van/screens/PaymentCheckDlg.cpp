@@ -114,8 +114,13 @@ void CPaymentCheckDlg::approved() {
         return;
     }
     const bool isMoved = slip->JunNo != asked_.slip.JunNo;
+    const bool isWithoutSale = slip->Gubun != asked_.slip.Gubun;
     asked_.slip = *slip;
     ui::message(u"승인된 결제입니다..! %1 거래번호 : %2"_s.arg(named(asked_), slip->BANKTRANNO));
+    if (isWithoutSale) {
+        ui::message(u"그 결제의 매출전표가 없어, 받은 돈으로 입금전표 %1번에 넣고 외상에서 뺐습니다..!"_s.arg(
+            slip->JunNo));
+    }
     if (ui::askYesNo(u"명세서를 출력할까요?"_s, u"명세서출력"_s)) {
         print(isMoved ? print::SlipPapers(slip->DDate, slip->JunNo, slip->UserID) : papers, *slip);
     }

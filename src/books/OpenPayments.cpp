@@ -1,0 +1,77 @@
+#include "books/OpenPayments.h"
+
+#include <QDateTime>
+#include <algorithm>
+
+namespace books {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using platform::Won;
+
+bool isUnregistered(const JournalPayment& payment) {
+    return payment.slip.GCode == kUnregisteredCustomer;
+}
+
+}  // namespace
+
+bool mayBeSameCustomers(const JournalPayment& one, const JournalPayment& other) {
+    const CollectionSlip& a = one.slip;
+    const CollectionSlip& b = other.slip;
+    if (a.DDate == b.DDate && a.JunNo == b.JunNo && a.UserID == b.UserID) return true;
+    if (isUnregistered(one) || isUnregistered(other))
+        return (a.isSimplePayment() && b.isSimplePayment()) || one.charged == other.charged;
+    return !a.GCode.isEmpty() && a.GCode == b.GCode;
+}
+
+std::optional<JournalPayment> findInTheWay(const QList<JournalPayment>& open, const JournalPayment& wanted) {
+    const auto found = std::ranges::find_if(
+        open, [&](const JournalPayment& each) { return mayBeSameCustomers(each, wanted); });
+    return found == open.end() ? std::nullopt : std::optional(*found);
+}
+
+QString describePayment(const JournalPayment& payment) {
+    const QDateTime sent = QDateTime::fromString(payment.slip.MSGSENDTIME, u"yyyyMMddHHmmss"_s);
+    const QString time = sent.isValid() ? sent.toString(u"MM-dd HH:mm"_s) : payment.slip.DDate;
+    return u"[%1] %2번 %3 %4결제 %5원"_s.arg(payment.slip.GName, payment.slip.JunNo, time,
+                                             payment.isCard ? u"카드"_s : u"현금"_s,
+                                             platform::groupDigits(platform::formatWon(payment.charged)));
+}
+
+QString refuseToPay(const JournalPayment& open) {
+    return u"%1의 결과를 확인하지 못해 다시 결제할수 없습니다..! 카드사와 연결될때 다시 하세요!!"_s.arg(
+        describePayment(open));
+}
+
+QString refuseToDelete(const JournalPayment& open) {
+    return u"%1의 결과를 확인하지 못해 삭제할수 없습니다..! 카드사와 연결될때 다시 하세요!!"_s.arg(
+        describePayment(open));
+}
+
+std::optional<CollectionSlip> payCredit(const CollectionSlip& row, const CollectionSlip& charged) {
+    if (row.GCode != charged.GCode || row.isApproved() || row.isSimplePayment() ||
+        charged.isSimplePayment() || !row.CardMoney.isZero() || !row.WonMoney.isZero() ||
+        row.UnderMoney <= Won()) {
+        return std::nullopt;
+    }
+    CollectionSlip paid = row;
+    paid.CardMoney = charged.CardMoney;
+    paid.WonMoney = charged.WonMoney;
+    paid.InMoney = charged.InMoney;
+    paid.UnderMoney -= charged.InMoney;
+    paid.MSGSENDTIME = charged.MSGSENDTIME;
+    paid.BANKTRANNO = charged.BANKTRANNO;
+    return paid;
+}
+
+CollectionSlip receivedWithoutSale(const CollectionSlip& charged) {
+    CollectionSlip received = charged;
+    received.setAmounts({}, {});
+    received.Gubun = kCollectionAlone.toString();
+    received.CardMoney = charged.CardMoney;
+    received.WonMoney = charged.WonMoney;
+    received.InMoney = charged.InMoney;
+    return received;
+}
+
+}  // namespace books

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <optional>
+
+#include "books/PaymentJournal.h"
+
+/// What a payment of which it is open whether it was charged keeps from happening, and how it is told.
+namespace books {
+
+/// True when both may be the same customer's: he has one code, whatever number, date, user and kind of
+/// payment; or both pay one slip. One who is not registered may be anybody who has a simple payment or is
+/// charged the same amount.
+bool mayBeSameCustomers(const JournalPayment& one, const JournalPayment& other);
+
+/// The first of the open payments that may be of the customer of `wanted`, which must not be sent then.
+std::optional<JournalPayment> findInTheWay(const QList<JournalPayment>& open, const JournalPayment& wanted);
+
+/// Customer, time of sending, kind and amount, as a message names a payment.
+QString describePayment(const JournalPayment& payment);
+
+/// Why no other payment of the customer is sent, and why nothing of the slip is deleted.
+QString refuseToPay(const JournalPayment& open);
+QString refuseToDelete(const JournalPayment& open);
+
+/// What the collection `row` of an open payment is once that is approved: what stands there on credit becomes
+/// what was charged, below 0 where that was more. Nothing when the row has no place for it: it is another
+/// customer's, has an approval, or is paid in another way.
+std::optional<CollectionSlip> payCredit(const CollectionSlip& row, const CollectionSlip& charged);
+
+/// The collection of an approval that has no sale to pay any more: money that was received, which the debt
+/// falls by.
+CollectionSlip receivedWithoutSale(const CollectionSlip& charged);
+
+}  // namespace books
