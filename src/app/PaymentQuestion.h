@@ -17,12 +17,12 @@ enum class PaymentAnswer {
 
 struct PaymentQuestion {
     PaymentAnswer answer = PaymentAnswer::Free;
-    std::optional<JournalPayment> inTheWay;  ///< As it stands now; nothing where nothing was in the way.
+    std::optional<books::JournalPayment> inTheWay;  ///< As it stands now; nothing where nothing was in the way.
 };
 
 /// Asks the host about every open payment of the terminal (459) when `find` finds one in the way, and looks
 /// again.
-PaymentQuestion askAboutPayments(const std::function<std::optional<JournalPayment>()>& find);
+PaymentQuestion askAboutPayments(const std::function<std::optional<books::JournalPayment>()>& find);
 
 /// Asks so about the slips of that date and number, of one user or, with an empty id, of everybody, before
 /// anything of them is deleted. False, told, when it stays open what became of a payment, or when it turned

@@ -278,7 +278,7 @@ void CRovanaDlg::runCardAction(int button, int workMode) {
 void CRovanaDlg::runSimplePayment() {
     runBehind(1055, [] {
         resetSession();
-        session().action.GCode = kUnregisteredCustomer.toString();
+        session().action.GCode = books::kUnregisteredCustomer.toString();
         session().action.GName = u"미등록"_s;
         session().action.JunNo = books::nextSimplePaymentNumber(session().WorkDate);
         session().SlipDone = 0;

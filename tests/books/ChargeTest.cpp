@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace app {
+namespace books {
 namespace {
 
 using platform::Won;
@@ -40,4 +40,4 @@ TEST(Charge, IsOneAmountOrNone) {
 }
 
 }  // namespace
-}  // namespace app
+}  // namespace books

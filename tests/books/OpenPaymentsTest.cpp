@@ -4,7 +4,7 @@
 
 #include "support/TestDevice.h"
 
-namespace app {
+namespace books {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
@@ -149,4 +149,4 @@ TEST(OpenPayments, AreKnownAfterTheirSlipHasGone) {
 }
 
 }  // namespace
-}  // namespace app
+}  // namespace books
