@@ -5,7 +5,9 @@
 #include <QTest>
 #include <QWindow>
 #include <functional>
+#include <memory>
 
+#include "rovana-play/DisplayHand.h"
 #include "ui/Terminal.h"
 
 namespace pilot {
@@ -18,7 +20,12 @@ constexpr int kHeldMs = 60;
 constexpr int kMoves = 8;
 constexpr int kMoveMs = 16;
 /// So long that a drag is no flick.
-constexpr int kRestMs = 500;
+constexpr int kRestMs = 400;
+
+std::unique_ptr<DisplayHand>& onDisplay() {
+    static std::unique_ptr<DisplayHand> hand;
+    return hand;
+}
 
 int now = 0;  ///< The display's clock, in milliseconds.
 
@@ -48,6 +55,7 @@ void later(std::function<void(QWindow*)> event) {
 }
 
 void pointer(QEvent::Type type, QPoint place) {
+    if (onDisplay()) return onDisplay()->point(type, place, now);
     const auto held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
     const auto cause = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
     later([=, time = now](QWindow* window) {
@@ -64,8 +72,12 @@ void tap(QPoint place) {
 
 }  // namespace
 
+void useDisplay() {
+    onDisplay() = std::make_unique<DisplayHand>();
+}
+
 bool isHandBusy() {
-    return !waiting().isEmpty();
+    return onDisplay() ? onDisplay()->isBusy() : !waiting().isEmpty();
 }
 
 void touch(QPoint place) {
@@ -91,6 +103,7 @@ void slide(QPoint from, QPoint to) {
 }
 
 void strike(Qt::Key key) {
+    if (onDisplay()) return onDisplay()->strike(key);
     later([key](QWindow* window) { QTest::keyPress(window, key); });
     later([key](QWindow* window) { QTest::keyRelease(window, key); });
 }

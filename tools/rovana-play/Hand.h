@@ -7,6 +7,10 @@
 /// event loop that runs by then, which may be that of a dialog which the event before it has opened.
 namespace pilot {
 
+/// From here on xdotool moves the display's own pointer and strikes its keys, for a terminal in a window of
+/// X11.
+void useDisplay();
+
 /// True until the last event of what was asked for has been handed over.
 bool isHandBusy();
 
