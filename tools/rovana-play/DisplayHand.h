@@ -14,6 +14,7 @@ class DisplayHand : public QObject {
 
   public:
     DisplayHand();
+    ~DisplayHand() override { tool_.waitForFinished(); }
 
     /// An event of the pointer at a place of the terminal's window. Those of one gesture follow each other as
     /// their times in milliseconds say.
