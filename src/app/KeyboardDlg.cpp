@@ -69,6 +69,7 @@ void CKeyboardDlg::addFields() {
                                                  : describe(display, captions[i]);
         ui::BitmapButton* erase = addButton(row.erase, u"지움"_s, {190, row.top}, ui::bitmaps::kErase);
         describe(erase, captions[i] + u" 지움"_s);
+        erase->setRepeated(true);
         connect(erase, &ui::BitmapButton::clicked, this, [this, i] {
             keypad_.erase(i + 1);
             refresh();
@@ -95,6 +96,7 @@ void CKeyboardDlg::addKeys() {
         ui::BitmapButton* button =
             addButton(key.control, key.text.toString(), keyAt(key.column, key.row), ui::bitmaps::kDigit);
         button->setFont(ui::font(ui::FontHeight::Title));
+        button->setRepeated(true);
         connect(button, &ui::BitmapButton::clicked, this,
                 [this, digits = key.text.toString()] { append(digits); });
     }

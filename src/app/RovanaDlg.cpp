@@ -231,7 +231,8 @@ void CRovanaDlg::showMenu() {
     for (QWidget* control : std::as_const(loginControls_)) control->hide();
     for (QWidget* control : std::as_const(menuControls_)) control->show();
     if (session().UserField5 == u"X") control(kContainerButton)->hide();
-    setDefaultButton(nullptr);
+    auto* first = static_cast<ui::BitmapButton*>(menuControls_.first());
+    setDefaultButton(first);
     // Tab begins with the work, not with the way out.
     setTabOrder(control(1055), control(1003));
     QLabel* who = addLabel(0, {}, {64, ui::kBottomRow, 172, 32}, ui::FontHeight::Small,
@@ -239,7 +240,7 @@ void CRovanaDlg::showMenu() {
     fitText(who, session().UserID + u' ' + session().UserField2 + u"  "_s + session().WorkDate,
             ui::FontHeight::Small);
     who->show();
-    setFocus();
+    first->setFocus();
 }
 
 void CRovanaDlg::showOldData() {

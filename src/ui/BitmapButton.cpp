@@ -1,9 +1,11 @@
 #include "ui/BitmapButton.h"
 
-#include <QFocusEvent>
+#include <QApplication>
 #include <QFontMetrics>
+#include <QKeyEvent>
 #include <QPainter>
 #include <algorithm>
+#include <utility>
 
 namespace ui {
 namespace {
@@ -19,7 +21,6 @@ constexpr int kTileCaptionTop = 36;
 /// The lower lip of a face that is not pressed.
 constexpr int kLip = 2;
 
-/// The ring helps who works with keys, also where a screen hands the focus on; a finger knows where it was.
 bool& worksWithKeys() {
     static bool is = false;
     return is;
@@ -58,20 +59,23 @@ QRect BitmapButton::captionBounds() const {
     return layout().bounds.translated(0, isDown() ? 1 : 0);
 }
 
-void BitmapButton::focusInEvent(QFocusEvent* event) {
-    if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason)
-        worksWithKeys() = true;
-    QAbstractButton::focusInEvent(event);
-}
-
 void BitmapButton::keyPressEvent(QKeyEvent* event) {
-    worksWithKeys() = true;
-    QAbstractButton::keyPressEvent(event);
+    switch (event->key()) {
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+            // The screen's, on every desktop.
+            return event->ignore();
+        case Qt::Key_Space:
+            if (showsFocusRing(*this)) return QAbstractButton::keyPressEvent(event);
+            // Nobody could see what it would press.
+            return workWithKeys(true);
+        default:
+            QAbstractButton::keyPressEvent(event);
+    }
 }
 
-void BitmapButton::mousePressEvent(QMouseEvent* event) {
-    worksWithKeys() = false;
-    QAbstractButton::mousePressEvent(event);
+void BitmapButton::mouseDoubleClickEvent(QMouseEvent* event) {
+    if (isRepeated_) mousePressEvent(event);
 }
 
 void BitmapButton::paintEvent(QPaintEvent*) {
@@ -84,7 +88,16 @@ void BitmapButton::paintEvent(QPaintEvent*) {
                    : bitmaps_.caption == CaptionColour::Light ? QColor(Qt::white)
                                                               : kDarkCaption);
     painter.drawText(captionBounds(), Qt::AlignCenter | layout().wrapping, text());
-    if (hasFocus() && worksWithKeys() && isEnabled()) paintFocusRing(&painter, rect());
+    if (showsFocusRing(*this)) paintFocusRing(&painter, rect());
+}
+
+void workWithKeys(bool isWith) {
+    if (std::exchange(worksWithKeys(), isWith) == isWith) return;
+    if (QWidget* focused = QApplication::focusWidget()) focused->update();
+}
+
+bool showsFocusRing(const QWidget& control) {
+    return worksWithKeys() && control.hasFocus() && control.isEnabled();
 }
 
 void paintFocusRing(QPainter* painter, const QRect& area) {

@@ -1,7 +1,6 @@
 #include "ui/FlickScroll.h"
 
 #include <QAbstractScrollArea>
-#include <QCoreApplication>
 #include <QMouseEvent>
 #include <QScrollBar>
 #include <algorithm>
@@ -26,19 +25,14 @@ FlickScroll::FlickScroll(QAbstractScrollArea* area) : QObject(area), area_(*area
 }
 
 bool FlickScroll::eventFilter(QObject*, QEvent* event) {
-    if (isReplaying_) return false;
     switch (event->type()) {
         case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonDblClick:
             return press(static_cast<const QMouseEvent&>(*event));
         case QEvent::MouseMove:
             return move(static_cast<const QMouseEvent&>(*event));
         case QEvent::MouseButtonRelease:
             return release(static_cast<const QMouseEvent&>(*event));
-        case QEvent::MouseButtonDblClick:
-            // The second touch of a double one: its lifting is no click of its own.
-            finger_ = Finger::Up;
-            replayPress(static_cast<const QMouseEvent&>(*event));
-            return false;
         case QEvent::Wheel:
             timer_.stop();
             return false;
@@ -48,7 +42,8 @@ bool FlickScroll::eventFilter(QObject*, QEvent* event) {
 }
 
 bool FlickScroll::press(const QMouseEvent& event) {
-    if (event.button() != Qt::LeftButton) return false;
+    if (event.button() != Qt::LeftButton) return true;
+    isAgain_ = event.type() == QEvent::MouseButtonDblClick;
     hasStopped_ = timer_.isActive();
     timer_.stop();
     finger_ = Finger::Resting;
@@ -59,6 +54,8 @@ bool FlickScroll::press(const QMouseEvent& event) {
 }
 
 bool FlickScroll::move(const QMouseEvent& event) {
+    // It may have been lifted where nobody told.
+    if (!event.buttons().testFlag(Qt::LeftButton)) finger_ = Finger::Up;
     if (finger_ == Finger::Up) return false;
     const QPointF way = last_ - event.globalPosition();
     if (finger_ == Finger::Resting && way.manhattanLength() < kDragDistance) return true;
@@ -72,24 +69,16 @@ bool FlickScroll::move(const QMouseEvent& event) {
 }
 
 bool FlickScroll::release(const QMouseEvent& event) {
-    if (finger_ == Finger::Up || event.button() != Qt::LeftButton) return false;
-    const bool isClick = finger_ == Finger::Resting && !hasStopped_;
+    if (finger_ == Finger::Up || event.button() != Qt::LeftButton) return true;
+    const bool isTap = finger_ == Finger::Resting && !hasStopped_;
     const bool isFlick = finger_ == Finger::Dragging && event.timestamp() - lastMs_ < kRestMs;
     finger_ = Finger::Up;
     if (isFlick) timer_.start(kFrameMs, this);
-    if (!isClick) return true;
-    replayPress(event);
-    // The lifting goes on to the area as it is: it may open a dialog and return only when that is closed.
-    return false;
-}
-
-void FlickScroll::replayPress(const QMouseEvent& event) {
-    QMouseEvent pressed(QEvent::MouseButtonPress, event.position(), event.scenePosition(),
-                        event.globalPosition(), Qt::LeftButton, Qt::LeftButton, event.modifiers(),
-                        &replaying_);
-    isReplaying_ = true;
-    QCoreApplication::sendEvent(area_.viewport(), &pressed);
-    isReplaying_ = false;
+    if (!isTap) return true;
+    // Last: it may open a dialog and return only when that is closed.
+    const QPoint place = event.position().toPoint();
+    isAgain_ ? Q_EMIT tappedAgain(place) : Q_EMIT tapped(place);
+    return true;
 }
 
 bool FlickScroll::scroll(QPointF pixels) {

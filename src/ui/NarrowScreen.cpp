@@ -48,6 +48,7 @@ void NarrowScreen::addNarrowing(ReportList* list, int top, Match match) {
         keys_ << addButton(kNarrowFirstKey + i, caption, at, bitmaps::kSmallConsonant, [this, caption] {
             caption == kErase ? line_->backspace() : line_->insert(caption);
         });
+        keys_.last()->setRepeated(true);
         keys_.last()->hide();
     }
     describe(keys_.last(), u"지움"_s);

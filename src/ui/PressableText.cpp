@@ -3,6 +3,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <utility>
 
 #include "ui/BitmapButton.h"
 
@@ -13,19 +14,19 @@ PressableText::PressableText(QWidget* parent) : QLabel(parent) {
 }
 
 void PressableText::mousePressEvent(QMouseEvent* event) {
+    isDown_ = true;
     event->accept();
 }
 
 void PressableText::mouseReleaseEvent(QMouseEvent* event) {
-    if (rect().contains(event->position().toPoint())) Q_EMIT pressed();
+    if (std::exchange(isDown_, false) && rect().contains(event->position().toPoint())) Q_EMIT pressed();
 }
 
 void PressableText::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Space && !event->isAutoRepeat()) {
-        Q_EMIT pressed();
-    } else {
-        QLabel::keyPressEvent(event);
-    }
+    const bool isPress =
+        event->key() == Qt::Key_Space || event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (!isPress || !showsFocusRing(*this)) return QLabel::keyPressEvent(event);
+    if (!event->isAutoRepeat()) Q_EMIT pressed();
 }
 
 void PressableText::focusInEvent(QFocusEvent* event) {
@@ -40,7 +41,7 @@ void PressableText::focusOutEvent(QFocusEvent* event) {
 
 void PressableText::paintEvent(QPaintEvent* event) {
     QLabel::paintEvent(event);
-    if (!hasFocus()) return;
+    if (!showsFocusRing(*this)) return;
     QPainter painter(this);
     paintFocusRing(&painter, rect());
 }

@@ -4,7 +4,7 @@
 
 namespace ui {
 
-/// A text that says more when it is pressed, with a finger or with the space bar.
+/// A text that says more when it is pressed, with a finger, the space bar or Enter.
 class PressableText : public QLabel {
     Q_OBJECT
 
@@ -21,6 +21,9 @@ class PressableText : public QLabel {
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+
+  private:
+    bool isDown_ = false;  ///< The finger came down on it.
 };
 
 }  // namespace ui

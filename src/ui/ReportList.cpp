@@ -2,7 +2,6 @@
 
 #include <QHeaderView>
 #include <QKeyEvent>
-#include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
 #include <QStyledItemDelegate>
@@ -205,11 +204,9 @@ ReportList::ReportList(QWidget* parent) : QTableView(parent), model_(new RowsMod
     colours.setColor(QPalette::Mid, kGrid);
     setPalette(colours);
 
-    new FlickScroll(this);
-    connect(this, &QTableView::clicked, this,
-            [this](const QModelIndex& index) { Q_EMIT rowClicked(index.row()); });
-    connect(this, &QTableView::doubleClicked, this,
-            [this](const QModelIndex& index) { Q_EMIT rowDoubleClicked(index.row()); });
+    auto* finger = new FlickScroll(this);
+    connect(finger, &FlickScroll::tapped, this, [this](QPoint place) { tap(place, false); });
+    connect(finger, &FlickScroll::tappedAgain, this, [this](QPoint place) { tap(place, true); });
 }
 
 void ReportList::setColumns(std::span<const ListColumn> columns) {
@@ -264,16 +261,28 @@ bool ReportList::contains(int column, const QString& text) const {
     return false;
 }
 
-void ReportList::mouseReleaseEvent(QMouseEvent* event) {
-    QTableView::mouseReleaseEvent(event);
-    if (!indexAt(event->position().toPoint()).isValid()) Q_EMIT emptyPartClicked();
+void ReportList::tap(QPoint place, bool isAgain) {
+    const int row = rowAt(place.y());
+    if (row < 0 || columnAt(place.x()) < 0) return Q_EMIT emptyPartClicked();
+    // The second touch may meet another row than the first, or a list that was filled anew in between.
+    if (isAgain && row == selectedRow()) return Q_EMIT rowDoubleClicked(row);
+    choose(row, false);
+}
+
+void ReportList::choose(int row, bool isByKey) {
+    // A finger leaves the list as it stands, also where a row or column is half out of it.
+    setAutoScroll(isByKey);
+    selectionModel()->setCurrentIndex(model_->index(row, 0),
+                                      QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    setAutoScroll(true);
+    Q_EMIT rowClicked(row);
 }
 
 void ReportList::keyPressEvent(QKeyEvent* event) {
     // The focus alone stands on the first row without choosing it.
-    if (event->key() == Qt::Key_Down && selectedRow() < 0 && rowCount() > 0) {
-        selectRow(0);
-        Q_EMIT rowClicked(0);
+    if (event->key() == Qt::Key_Down && selectedRow() < 0 && rowCount() > 0) return choose(0, true);
+    if (event->key() == Qt::Key_Space) {
+        if (currentIndex().isValid()) choose(currentIndex().row(), true);
         return;
     }
     const QString text = event->text();

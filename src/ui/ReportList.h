@@ -66,8 +66,9 @@ class ReportList : public QTableView {
     bool contains(int column, const QString& text) const;
 
   Q_SIGNALS:
-    /// A row was chosen by a tap or with the arrow keys.
+    /// A row was chosen by a tap or with keys.
     void rowClicked(int row);
+    /// The chosen row was tapped once more, quickly.
     void rowDoubleClicked(int row);
     /// The list was tapped where no row is.
     void emptyPartClicked();
@@ -77,11 +78,12 @@ class ReportList : public QTableView {
     void narrowed();
 
   protected:
-    void mouseReleaseEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
     void showRows();
+    void choose(int row, bool isByKey);
+    void tap(QPoint place, bool isAgain);
 
     RowsModel* model_;
     platform::Rows all_;

@@ -55,6 +55,7 @@ Screen::Result Screen::run() {
     Terminal* terminal = Terminal::current();
     if (terminal == nullptr) return Cancelled;
     result_ = Cancelled;
+    isClosing_ = false;
     terminal->show(this);
     loop_.exec();
     terminal->remove(this);
@@ -63,6 +64,7 @@ Screen::Result Screen::run() {
 
 void Screen::close(Result result) {
     result_ = result;
+    isClosing_ = true;
     loop_.quit();
 }
 
@@ -186,8 +188,11 @@ void Screen::paintEvent(QPaintEvent*) {
 }
 
 void Screen::keyPressEvent(QKeyEvent* event) {
-    BitmapButton* button = nullptr;
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) button = default_;
+    QAbstractButton* button = nullptr;
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        auto* focused = qobject_cast<QAbstractButton*>(focusWidget());
+        button = focused != nullptr && showsFocusRing(*focused) ? focused : default_.data();
+    }
     if (event->key() == Qt::Key_Escape) button = cancel_;
     // A key held down answers one dialog, not all that open one after the other.
     if (button != nullptr && event->isAutoRepeat()) return;

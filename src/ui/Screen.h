@@ -43,6 +43,8 @@ class Screen : public QWidget {
 
     /// Closes the screen; run() then returns `result`.
     void close(Result result);
+    /// True from close() until run() returns.
+    bool isClosing() const { return isClosing_; }
 
     /// Moves the focus to the screen's next control, or the one before; never to another screen.
     bool focusNextPrevChild(bool next) override;
@@ -100,7 +102,7 @@ class Screen : public QWidget {
     void setFittedText(int controlId, const QString& text, FontHeight height);
     static void fitText(QLabel* label, const QString& text, FontHeight height);
 
-    /// The buttons that Enter and Esc press.
+    /// The buttons that Enter, while no focus ring shows, and Esc press.
     void setDefaultButton(BitmapButton* button) { default_ = button; }
     void setCancelButton(BitmapButton* button) { cancel_ = button; }
 
@@ -113,6 +115,7 @@ class Screen : public QWidget {
     int id_;
     Result result_ = Cancelled;
     int successor_ = 0;
+    bool isClosing_ = false;
     QEventLoop loop_;
     QPointer<BitmapButton> default_;
     QPointer<BitmapButton> cancel_;

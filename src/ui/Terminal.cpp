@@ -1,8 +1,11 @@
 #include "ui/Terminal.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QKeyEvent>
+#include <QMouseEvent>
 #include <QScopedValueRollback>
+#include <QStyleHints>
 
 #include "platform/Trace.h"
 
@@ -10,6 +13,9 @@ namespace ui {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
+
+/// The touches of a double one are not further apart than this many pixels.
+constexpr qreal kFinger = 24;
 
 QPointer<Terminal>& currentTerminal() {
     static QPointer<Terminal> terminal;
@@ -29,6 +35,7 @@ Terminal::Terminal(QWidget* parent) : QWidget(parent) {
     setAutoFillBackground(true);
     setPalette(QPalette(Qt::white));
     currentTerminal() = this;
+    qApp->installEventFilter(this);
     connect(qApp, &QApplication::focusChanged, this,
             [this](QWidget*, QWidget* now) { keepFocusInFront(now); });
 }
@@ -47,6 +54,10 @@ Terminal* Terminal::current() {
 }
 
 void Terminal::show(Screen* screen) {
+    // A finger that is still down presses nothing below.
+    if (top() != nullptr) {
+        for (QAbstractButton* button : top()->findChildren<QAbstractButton*>()) button->setDown(false);
+    }
     stack_.append({screen, focusWidget()});
     // Taking a new parent makes the screen forget which control wanted the focus.
     const QPointer<QWidget> wanted = screen->focusWidget();
@@ -59,7 +70,7 @@ void Terminal::show(Screen* screen) {
     } else {
         setFocus();
     }
-    Q_EMIT topChanged(screen);
+    changeTop();
 }
 
 void Terminal::remove(Screen* screen) {
@@ -77,6 +88,11 @@ void Terminal::remove(Screen* screen) {
     } else {
         setFocus();
     }
+    changeTop();
+}
+
+void Terminal::changeTop() {
+    ++changes_;
     Q_EMIT topChanged(top());
 }
 
@@ -84,6 +100,44 @@ void Terminal::closeAll() {
     for (qsizetype i = stack_.size() - 1; i >= 0; --i) {
         if (stack_[i].screen) stack_[i].screen->close(Screen::Cancelled);
     }
+}
+
+bool Terminal::eventFilter(QObject* watched, QEvent* event) {
+    const QEvent::Type type = event->type();
+    const bool isPress = type == QEvent::MouseButtonPress || type == QEvent::MouseButtonDblClick;
+    const bool isPointer = isPress || type == QEvent::MouseMove || type == QEvent::MouseButtonRelease;
+    if (!isPointer && type != QEvent::KeyPress) return false;
+    auto* widget = qobject_cast<QWidget*>(watched);
+    if (widget == nullptr || (widget != this && !isAncestorOf(widget))) return false;
+    if (isPress) {
+        workWithKeys(false);
+    } else if (type == QEvent::KeyPress) {
+        const int key = static_cast<const QKeyEvent*>(event)->key();
+        // These press what the ring stands on, so they do not bring it.
+        if (key != Qt::Key_Return && key != Qt::Key_Enter && key != Qt::Key_Space && key != Qt::Key_Escape)
+            workWithKeys(true);
+    }
+    const Screen* front = top();
+    const bool isInFront = front != nullptr && (widget == front || front->isAncestorOf(widget));
+    if (front == nullptr || widget == this) return false;
+    if (!isInFront || front->isClosing()) return true;
+    if (isPress) return !isMeant(static_cast<const QMouseEvent&>(*event));
+    return isPointer && !touch_.isMeant;
+}
+
+/// False for the second of two quick touches at one place when the first was on another dialog: the finger
+/// did not mean what has come under it. So are those that follow as quickly.
+bool Terminal::isMeant(const QMouseEvent& press) {
+    const quint64 ms = press.timestamp();
+    const QPointF place = press.globalPosition();
+    // A control that does not want a press hands it on to its parent.
+    if (ms == touch_.ms && place == touch_.place) return touch_.isMeant;
+    const bool isQuick =
+        ms - touch_.ms <= quint64(QGuiApplication::styleHints()->mouseDoubleClickInterval()) &&
+        (place - touch_.place).manhattanLength() <= kFinger;
+    const bool isMeant = !isQuick || touch_.changes == changes_;
+    touch_ = {ms, place, isMeant ? changes_ : touch_.changes, isMeant};
+    return isMeant;
 }
 
 void Terminal::keyPressEvent(QKeyEvent* event) {

@@ -10,7 +10,8 @@
 
 namespace ui {
 
-/// The terminal's screen: the stack of dialogs that are open, the newest in front and alone usable.
+/// The terminal's screen: the stack of dialogs that are open, the newest in front and alone usable. What a
+/// finger or a key began on another dialog is taken from the one in front as well.
 class Terminal : public QWidget {
     Q_OBJECT
 
@@ -36,6 +37,7 @@ class Terminal : public QWidget {
     void topChanged(ui::Screen* screen);
 
   protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     bool focusNextPrevChild(bool next) override;
 
@@ -44,9 +46,21 @@ class Terminal : public QWidget {
         QPointer<Screen> screen;
         QPointer<QWidget> focusBelow;  ///< Where the focus goes back to when the screen leaves.
     };
+    /// A touch as it began, and how often another dialog had come to the front by then.
+    struct Touch {
+        quint64 ms = 0;
+        QPointF place;
+        int changes = 0;
+        bool isMeant = true;
+    };
+
     void keepFocusInFront(QWidget* now);
+    void changeTop();
+    bool isMeant(const QMouseEvent& press);
 
     QList<Entry> stack_;
+    int changes_ = 0;
+    Touch touch_;
     const QKeyEvent* forwarded_ = nullptr;  ///< The key on its way to the dialog in front.
 };
 

@@ -27,7 +27,7 @@ constexpr int kSecond = 901;
 class TestScreen : public ui::Screen {
   public:
     explicit TestScreen(int id = kFirst) : Screen(id) {
-        button(1, {4, 4}, [this] { log << u"pressed"_s; });
+        setDefaultButton(button(1, {4, 4}, [this] { log << u"pressed"_s; }));
         button(2, {60, 4}, [] {})->hide();
         button(3, {116, 4}, [] {})->setEnabled(false);
         button(4, {172, 4}, [] {});
@@ -45,6 +45,10 @@ class TestScreen : public ui::Screen {
             log << u"back"_s;
         });
         button(8, {116, 50}, [this] { close(Cancelled); });
+        button(14, {4, 176}, [this] { log << u"other"_s; });
+        // As the card reader's announcement comes while a finger is on a button.
+        connect(button(9, {172, 50}, [this] { log << u"below"_s; }), &ui::BitmapButton::pressed, this,
+                [] { ui::message(u"카드"_s); });
         addLabel(10, u"  두 칸"_s, {4, 96, 100, 20});
         auto* edit = place(11, new QLineEdit(this), {4, 120, 100, 24});
         edit->setMaxLength(5);
@@ -139,6 +143,54 @@ TEST_F(PilotTest, MissesWhatAFingerCannotTouchAndWhatIsNotThere) {
         SCOPED_TRACE(c.script.toStdString());
         const QString reason = missedBy(c.script);
         EXPECT_TRUE(reason.startsWith(c.reason)) << reason.toStdString();
+    }
+}
+
+TEST_F(PilotTest, TouchesAsADisplayDoes) {
+    const struct {
+        const char* what;
+        QString script;
+        QStringList log;
+    } cases[] = {
+        {"a button is pressed once by a double touch", u"press2 900.1"_s, {u"pressed"_s}},
+        {"a finger that slips off presses nothing", u"slide 900.1 900.8\nslide 900.1 900.10"_s, {}},
+        {"a double touch of a row is no third one", u"row2 900.20 3"_s, {u"row 2"_s, u"double 2"_s}},
+        {"a drag chooses nothing", u"drag 900.20 3 1"_s, {}},
+        // The dialog that opens has the same buttons, at the same places.
+        {"the second touch is not for what opens",
+         u"press2 900.7\nexpect screen 901\npress 901.8"_s,
+         {u"back"_s}},
+        {"nor for what a message covered", u"press 900.6\npress2 0.1\npress2 0.1"_s, {u"yes"_s, u"told"_s}},
+        {"a finger that is down when a message comes presses nothing below",
+         u"press 900.9\nanswer ok\npress 900.1"_s,
+         {u"pressed"_s}},
+    };
+    for (const auto& c : cases) {
+        TestScreen screen;
+        EXPECT_TRUE(play(screen, c.script)) << failure.toStdString();
+        EXPECT_EQ(screen.log, c.log) << c.what;
+    }
+}
+
+TEST_F(PilotTest, KeysPressWhatTheRingStandsOn) {
+    const struct {
+        QString script;
+        QStringList log;
+    } cases[] = {
+        // Without the ring Enter presses the main button, wherever a finger was; Space only brings the ring.
+        {u"press 900.14\nkey Enter"_s, {u"other"_s, u"pressed"_s}},
+        {u"press 900.14\nkey Space Space"_s, {u"other"_s, u"other"_s}},
+        {u"key Tab Enter Space"_s, {u"pressed"_s, u"pressed"_s}},
+        {u"key Tab Tab Tab Tab Enter Enter Enter Enter Esc Enter"_s,
+         {u"yes"_s, u"told"_s, u"no"_s, u"told"_s}},
+        // A finger takes the ring away.
+        {u"key Tab Tab\nrow 900.20 1\nkey Enter"_s, {u"row 0"_s, u"pressed"_s}},
+        {u"row 900.20 2\nkey Down Space"_s, {u"row 1"_s, u"row 2"_s, u"row 2"_s}},
+    };
+    for (const auto& c : cases) {
+        TestScreen screen;
+        EXPECT_TRUE(play(screen, c.script)) << failure.toStdString();
+        EXPECT_EQ(screen.log, c.log) << c.script.toStdString();
     }
 }
 

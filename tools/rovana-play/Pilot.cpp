@@ -13,8 +13,6 @@
 #include <QImage>
 #include <QPainter>
 #include <QPixmap>
-#include <QTest>
-#include <QWindow>
 
 #include "platform/Clock.h"
 #include "platform/Device.h"
@@ -24,6 +22,7 @@
 #include "platform/termdev/PaperLine.h"
 #include "rovana-play/Approval.h"
 #include "rovana-play/DatabaseReader.h"
+#include "rovana-play/Hand.h"
 #include "rovana-play/Reach.h"
 #include "ui/Messages.h"
 #include "ui/Terminal.h"
@@ -73,7 +72,12 @@ Attempt setClock(const Step& step) {
 Attempt press(const Step& step) {
     const Found found = reachControl(step.at);
     if (!found.control) return waitFor(found.problem);
-    return ready([place = placeOf(*found.control)] { touch(place); });
+    const QPoint place = placeOf(*found.control);
+    if (step.command == Command::DoublePress) return ready([place] { touchTwice(place); });
+    if (step.command != Command::Slide) return ready([place] { touch(place); });
+    const Found end = reachControl(step.to);
+    if (!end.control) return waitFor(end.problem);
+    return ready([place, lifted = placeOf(*end.control)] { slide(place, lifted); });
 }
 
 /// The check boxes of the keypad for its second and third field.
@@ -116,6 +120,16 @@ Attempt swipe(const Step& step) {
     return ready([card] { platform::termdev::swipe(*card); });
 }
 
+/// Drags a list from a place on it to where one of its rows stands.
+Attempt drag(const Found& list, QPoint from, int row) {
+    const FoundRow goal = findRow(list.control, row, {});
+    if (!goal.problem.isEmpty()) return waitFor(goal.problem);
+    const QRect there = goal.list->visualRect(goal.cell);
+    const QWidget* viewport = goal.list->viewport();
+    if (!viewport->rect().contains(there.center())) return waitFor(u"row %1 is out of view"_s.arg(row));
+    return ready([from, to = viewport->mapTo(viewport->window(), there.center())] { slide(from, to); });
+}
+
 Attempt chooseRow(const Step& step) {
     const Found found = reachControl(step.at);
     if (!found.control) return waitFor(found.problem);
@@ -125,6 +139,7 @@ Attempt chooseRow(const Step& step) {
         return ready([combo = QPointer(combo), entry = row.cell] { chooseEntry(*combo, entry); });
     const QPoint place = placeOf(row);
     if (place.isNull()) return waitFor(u"the row cannot be brought into view"_s);
+    if (step.command == Command::DragRow) return drag(found, place, step.numbers[1]);
     return ready([place, isDouble = step.command == Command::DoubleRow] {
         isDouble ? touchTwice(place) : touch(place);
     });
@@ -140,11 +155,8 @@ Attempt answer(const Step& step) {
 }
 
 Attempt pressKey(const Step& step) {
-    ui::Terminal* terminal = ui::Terminal::current();
-    if (terminal->top() == nullptr) return waitFor(inFront());
-    return ready([terminal, key = Qt::Key(step.numbers[0])] {
-        QTest::keyClick(terminal->window()->windowHandle(), key);
-    });
+    if (ui::Terminal::current()->top() == nullptr) return waitFor(inFront());
+    return ready([key = Qt::Key(step.numbers[0])] { strike(key); });
 }
 
 Attempt expectMessage(const Step& step) {
@@ -257,6 +269,10 @@ bool Pilot::finish() {
 
 void Pilot::poll() {
     if (isClosing_) return closeAll();
+    // What the last step does goes on in whatever it has opened.
+    const ui::Terminal* terminal = ui::Terminal::current();
+    const bool isClosing = terminal != nullptr && terminal->top() != nullptr && terminal->top()->isClosing();
+    if (isHandBusy() || isClosing) return wait(kPollMs, 1);
     if (current_ == script_.steps.size() && options_.more) {
         script_.steps.clear();
         current_ = 0;
@@ -332,6 +348,8 @@ Attempt Pilot::attempt(const Step& step) {
         case Command::Patience:
             return ready([this, seconds = step.numbers[0]] { options_.patienceMs = seconds * 1000; });
         case Command::Press:
+        case Command::DoublePress:
+        case Command::Slide:
         case Command::KeypadKey:
             return press(step);
         case Command::KeypadNext:
@@ -340,6 +358,7 @@ Attempt Pilot::attempt(const Step& step) {
             return type(step);
         case Command::Row:
         case Command::DoubleRow:
+        case Command::DragRow:
             return chooseRow(step);
         case Command::Answer:
             return answer(step);

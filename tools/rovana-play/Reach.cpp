@@ -14,7 +14,6 @@
 #include <QStyle>
 #include <QStyleOptionButton>
 #include <QTest>
-#include <QWindow>
 
 #include "ui/Messages.h"
 #include "ui/Terminal.h"
@@ -23,24 +22,6 @@ namespace pilot {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
-
-/// Two touches this far apart are never a double click, two this near always are.
-constexpr int kBetweenTouchesMs = 10000;
-constexpr int kBetweenClicksMs = 20;
-
-int& eventTime() {
-    static int milliseconds = 0;
-    return milliseconds;
-}
-
-void pressAndRelease(QPoint place) {
-    QWindow* window = ui::Terminal::current()->window()->windowHandle();
-    const QPointF onDesktop = window->mapToGlobal(place);
-    qt_handleMouseEvent(window, place, onDesktop, Qt::LeftButton, Qt::LeftButton, QEvent::MouseButtonPress,
-                        Qt::NoModifier, eventTime());
-    qt_handleMouseEvent(window, place, onDesktop, Qt::NoButton, Qt::LeftButton, QEvent::MouseButtonRelease,
-                        Qt::NoModifier, eventTime());
-}
 
 bool isIn(const QWidget& control, const QWidget* widget) {
     return widget == &control || control.isAncestorOf(widget);
@@ -177,22 +158,6 @@ QPoint placeOf(const QWidget& control) {
         middle = (reacting & box->rect()).center();
     }
     return control.mapTo(control.window(), middle);
-}
-
-void touch(QPoint place) {
-    eventTime() += kBetweenTouchesMs;
-    pressAndRelease(place);
-}
-
-void touchTwice(QPoint place) {
-    bool isSameDialog = true;
-    const QMetaObject::Connection watch =
-        QObject::connect(ui::Terminal::current(), &ui::Terminal::topChanged, [&] { isSameDialog = false; });
-    touch(place);
-    QObject::disconnect(watch);
-    if (!isSameDialog) return;
-    eventTime() += kBetweenClicksMs;
-    pressAndRelease(place);
 }
 
 QString typeInto(QWidget& control, const QString& text) {

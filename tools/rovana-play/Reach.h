@@ -16,8 +16,7 @@ class MessageBox;
 class Screen;
 }  // namespace ui
 
-/// Finding controls on the terminal and touching them as a finger would: through the window, at a place that
-/// shows the control.
+/// Finding controls on the terminal, and the places at which a finger would touch them.
 namespace pilot {
 
 /// A control, or why there is none.
@@ -61,13 +60,6 @@ QPoint placeOf(const FoundRow& row);
 
 /// The middle of a control in its window. Of a check box, the middle of the part that reacts.
 QPoint placeOf(const QWidget& control);
-
-/// Presses and releases at a place of the terminal's window. Returns only when what the touch opened is
-/// closed.
-void touch(QPoint place);
-
-/// Touches twice, unless the first touch brings another dialog to the front.
-void touchTwice(QPoint place);
 
 /// Gives the control the focus and replaces its text. Returns why it did not take the text, else an empty
 /// text.

@@ -16,6 +16,7 @@ using namespace Qt::Literals::StringLiterals;
 /// What a command is followed by.
 enum class Operand {
     Address,   ///< "102.1005"
+    Goal,      ///< A second address.
     Number,    ///< A whole number from 0 on.
     Position,  ///< A row, a column or a time, from 1 on.
     Row,       ///< A position, or "=" and a text of the row.
@@ -48,10 +49,13 @@ const QList<Syntax>& syntaxes() {
         {u"login", Command::Type, {Login}, u"ID PASSWORD"},
         {u"import", Command::Answer, {Import}, u""},
         {u"press", Command::Press, {Addresses}, u"D.C ... [keys KEY ...]"},
+        {u"press2", Command::DoublePress, {Addresses}, u"D.C ..."},
+        {u"slide", Command::Slide, {Address, Goal}, u"D.C D.C"},
         {u"type", Command::Type, {Address, Text}, u"D.C TEXT"},
         {u"keys", Command::KeypadKey, {KeypadKeys}, u"DIGITS|00|-|next|again|erase|ok|cancel ..."},
         {u"row", Command::Row, {Address, Row}, u"D.C N|=TEXT"},
         {u"row2", Command::DoubleRow, {Address, Row}, u"D.C N|=TEXT"},
+        {u"drag", Command::DragRow, {Address, Position, Position}, u"D.C N N"},
         {u"answer", Command::Answer, {Reply}, u"ok|cancel|yes|no [TEXT]"},
         {u"key", Command::Key, {Keys}, u"NAME ..."},
         {u"expect", Command::ExpectText, {Address, Text}, u"D.C TEXT"},
@@ -215,11 +219,12 @@ class LineReader {
 void readOperand(Operand operand, LineReader& line, Step* step) {
     if (line.atEnd() && operand != Operand::Text) return line.fail(u"something is missing"_s);
     switch (operand) {
-        case Operand::Address: {
+        case Operand::Address:
+        case Operand::Goal: {
             const QString word = line.word();
             const std::optional<Address> at = address(word);
             if (!at) return line.fail(u"no address of the form DIALOG.CONTROL: %1"_s.arg(word));
-            step->at = *at;
+            (operand == Operand::Goal ? step->to : step->at) = *at;
             return;
         }
         case Operand::Number:

@@ -14,11 +14,14 @@ enum class Command {
     Clock,
     Patience,
     Press,
+    DoublePress,
+    Slide,
     Type,
     KeypadKey,
     KeypadNext,
     Row,
     DoubleRow,
+    DragRow,
     Answer,
     Key,
     ExpectMessage,
@@ -66,6 +69,7 @@ struct Step {
     QString source;  ///< The line, without surrounding blanks.
     Command command = Command::Quit;
     Address at;
+    Address to;  ///< Where a finger that slides is lifted.
     /// Rows and columns count from 1; row 0 is the row that holds the step's text.
     QList<int> numbers;
     QStringList texts;

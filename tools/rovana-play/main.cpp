@@ -13,6 +13,7 @@
 #include "platform/OwnerOnly.h"
 #include "platform/TerminalLock.h"
 #include "platform/Trace.h"
+#include "rovana-play/Hand.h"
 #include "rovana-play/Pilot.h"
 #include "rovana-play/Script.h"
 #include "ui/Fonts.h"
@@ -42,7 +43,9 @@ int main(int argc, char* argv[]) {
     const QCommandLineOption scale(u"scale"_s, u"Size of the terminal; 2 with --shots, else 1."_s, u"N"_s);
     const QCommandLineOption pace(u"pace"_s, u"Pause before every step, to watch it."_s, u"MS"_s, u"0"_s);
     const QCommandLineOption onDesk(u"desk"_s, u"Shows the terminal on its desk, as rovana --desk does."_s);
-    parser.addOptions({device, shots, scale, pace, onDesk});
+    const QCommandLineOption byPointer(
+        u"xdotool"_s, u"Moves the display's own pointer and strikes its keys, on X11 by xdotool."_s);
+    parser.addOptions({device, shots, scale, pace, onDesk, byPointer});
 
     QStringList arguments;
     for (int i = 0; i < argc; ++i) arguments << QString::fromLocal8Bit(argv[i]);
@@ -101,6 +104,7 @@ int main(int argc, char* argv[]) {
     options.shots = parser.value(shots);
     options.paceMs = parser.value(pace).toInt();
     options.approve = qEnvironmentVariableIntValue("ROVANA_APPROVE") == 1;
+    if (parser.isSet(byPointer)) pilot::useDisplay();
     pilot::Pilot player(script, options);
     // At once: a program that hangs while it closes shall still have told why.
     QObject::connect(&player, &pilot::Pilot::missed, &player,
