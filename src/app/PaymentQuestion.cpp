@@ -18,7 +18,8 @@ PaymentQuestion askAboutPayments(const std::function<std::optional<books::Journa
 }
 
 bool mayDelete(QStringView date, QStringView junNo, QStringView userId) {
-    const PaymentQuestion question = askAboutPayments([&] { return books::unsettledPayment(date, junNo, userId); });
+    const PaymentQuestion question =
+        askAboutPayments([&] { return books::unsettledPayment(date, junNo, userId); });
     if (question.answer == PaymentAnswer::Open) ui::message(books::refuseToDelete(*question.inTheWay));
     return question.answer == PaymentAnswer::Free;
 }

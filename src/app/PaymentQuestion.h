@@ -17,7 +17,8 @@ enum class PaymentAnswer {
 
 struct PaymentQuestion {
     PaymentAnswer answer = PaymentAnswer::Free;
-    std::optional<books::JournalPayment> inTheWay;  ///< As it stands now; nothing where nothing was in the way.
+    std::optional<books::JournalPayment>
+        inTheWay;  ///< As it stands now; nothing where nothing was in the way.
 };
 
 /// Asks the host about every open payment of the terminal (459) when `find` finds one in the way, and looks

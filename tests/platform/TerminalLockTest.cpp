@@ -7,10 +7,10 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
-#include <QTest>
 #include <csignal>
 
 #include "platform/Device.h"
+#include "support/Pump.h"
 #include "support/TestDevice.h"
 
 namespace platform {
@@ -49,7 +49,7 @@ TEST(TerminalLock, IsOneTerminalsUntilItsProcessIsGone) {
         const TerminalLock second;
         EXPECT_TRUE(second.isTaken());
         EXPECT_TRUE(TerminalLock::callHolder());
-        EXPECT_TRUE(QTest::qWaitFor([&] { return calls > 0; }));
+        EXPECT_TRUE(test::pump([&] { return calls > 0; }));
     }
     EXPECT_FALSE(QFile::exists(socket));
     EXPECT_FALSE(TerminalLock().isTaken());
