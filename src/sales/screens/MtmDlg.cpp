@@ -44,14 +44,13 @@ struct AmountRow {
     int top;
 };
 constexpr int kRowHeight = 24;
-constexpr int kTotalSum = 1087;
 constexpr AmountRow kAmountRows[] = {
     {1082, 1077, u"공급가", [](const LineAmounts& a) { return a.supply; }, 160},
     {1083, 1078, u"부가세", [](const LineAmounts& a) { return a.vat; }, 184},
     {1084, 1079, u"용기", [](const LineAmounts& a) { return a.crateDeposit; }, 208},
     {1085, 1080, u"공병", [](const LineAmounts& a) { return a.bottleDeposit; }, 222},
     {1086, 1081, u"소계", [](const LineAmounts& a) { return a.subtotal(); }, 236},
-    {1089, kTotalSum, u"합계", [](const LineAmounts& a) { return a.total(); }, 260},
+    {1089, 1087, u"합계", [](const LineAmounts& a) { return a.total(); }, 260},
 };
 
 }  // namespace
@@ -150,10 +149,6 @@ void CMtmDlg::openSlip() {
     showAmounts();
 }
 
-Won CMtmDlg::total() const {
-    return slipTotal(sums_, app::session().UserField3);
-}
-
 void CMtmDlg::showLines() {
     list_->setRows(workingLines());
     if (selected_) list_->selectRow(rowOf(*selected_));
@@ -169,9 +164,10 @@ int CMtmDlg::rowOf(const LineKey& key) const {
 }
 
 void CMtmDlg::showAmounts() {
+    const SlipSums sums = slipSums(sums_, app::session().UserField3);
     for (const AmountRow& row : kAmountRows) {
         setAmount(row.lineValue, row.of(selectedAmounts_));
-        setAmount(row.slipSum, row.slipSum == kTotalSum ? total() : row.of(sums_));
+        setAmount(row.slipSum, row.of(sums));
     }
     handOver(sums_, receivable_);
 }

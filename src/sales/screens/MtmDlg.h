@@ -54,7 +54,6 @@ class CMtmDlg : public ui::Screen {
     void deselect();
     /// False when the keypad was left without a quantity, or with one of more than three digits.
     bool askQuantities(std::int64_t* boxes, std::int64_t* bottles, const LineKey& start);
-    platform::Won total() const;
 
     ui::ReportList* list_ = nullptr;
     SlipSums sums_;
