@@ -20,7 +20,6 @@ namespace collect {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
-using platform::parseWon;
 using platform::Won;
 
 constexpr int kFirstRowTop = 26;
@@ -219,8 +218,9 @@ void CCollectionEntryDlg::showAmounts() {
 }
 
 void CCollectionEntryDlg::keyAmount(const QString& title, Key key) {
-    if (!app::askNumber(title)) return;
-    const Won excess = key(amounts_, parseWon(app::keypadRequest().KeypadValue1));
+    const auto keyed = app::askAmount(title);
+    if (!keyed) return;
+    const Won excess = key(amounts_, *keyed);
     holdApprovedCard();
     if (!excess.isZero()) tellExcess(excess);
     showAmounts();
@@ -241,8 +241,9 @@ void CCollectionEntryDlg::settle(void (*rule)(books::SettlementAmounts&)) {
 }
 
 void CCollectionEntryDlg::keyEarlierReceivable() {
-    if (!app::askNumber(u"전미수"_s)) return;
-    collect::keyEarlierReceivable(amounts_, parseWon(app::keypadRequest().KeypadValue1));
+    const auto keyed = app::askAmount(u"전미수"_s);
+    if (!keyed) return;
+    collect::keyEarlierReceivable(amounts_, *keyed);
     showAmounts();
 }
 

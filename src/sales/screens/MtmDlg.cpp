@@ -35,6 +35,8 @@ constexpr int kList = 1054;
 
 constexpr std::int64_t kHighestQuantity = 999;
 
+constexpr QStringView kUnknownProduct = u"입력하신 상품코드는 존재하지 않습니다..!";
+
 /// A row of the amounts: the label or its button, the selected line's value and the slip's sum.
 struct AmountRow {
     int lineValue;
@@ -197,7 +199,7 @@ void CMtmDlg::addByCode() {
     if (!app::askText(u"상품코드"_s)) return;
     const QString pcode = app::keypadRequest().KeypadValue1;
     if (!productExists(pcode)) {
-        ui::message(u"입력하신 상품코드는 존재하지 않습니다..!"_s);
+        ui::message(kUnknownProduct.toString());
         return;
     }
     addProduct(pcode);
@@ -208,12 +210,17 @@ void CMtmDlg::addProduct(const QString& pcode) {
         ui::message(u"상품이 이미 등록되어있습니다..!"_s);
         return;
     }
+    // A frequent product may have left the price list since.
+    const std::optional<ProductName> product = productName(pcode);
+    if (!product) {
+        ui::message(kUnknownProduct.toString());
+        return;
+    }
     std::int64_t boxes = 0;
     std::int64_t bottles = 0;
     if (!askQuantities(&boxes, &bottles, {})) return;
 
     app::SessionValues& session = app::session();
-    const ProductName product = productName(pcode).value_or(ProductName{});
     const LineAmounts amounts =
         priceLine(session.action.GCode, session.action.CustomerKind, pcode, boxes, bottles).amounts;
     SlipLine line;
@@ -222,8 +229,8 @@ void CMtmDlg::addProduct(const QString& pcode) {
     line.GName = session.action.GName;
     line.JunNo = session.action.JunNo;
     line.PCode = pcode;
-    line.PName = product.Pname;
-    line.JGubun = product.JGubun;
+    line.PName = product->Pname;
+    line.JGubun = product->JGubun;
     line.Box = QString::number(boxes);
     line.Bon = QString::number(bottles);
     line.setAmounts(amounts);
@@ -240,10 +247,21 @@ bool CMtmDlg::askQuantities(std::int64_t* boxes, std::int64_t* bottles, const Li
     *bottles = parseInteger(app::keypadRequest().KeypadValue2);
     const auto isTooLong = [](std::int64_t n) { return n > kHighestQuantity || n < -kHighestQuantity; };
     // A line of nothing is no line.
-    if (*boxes == 0 && *bottles == 0) return false;
+    if (*boxes == 0 && *bottles == 0) {
+        ui::message(u"박스, 본 수량이 없으면 등록되지 않습니다..!"_s);
+        return false;
+    }
     if (!isTooLong(*boxes) && !isTooLong(*bottles)) return true;
     ui::message(u"박스, 본 수량을 3자리까지만 지원합니다.. ^^!"_s);
     return false;
+}
+
+bool CMtmDlg::isChosenTwice() {
+    if (linesOf(*selected_) < 2) return false;
+    ui::message(u"같은 상품, 같은 수량의 줄이 여러개라 수정할수 없습니다..! 삭제후 다시 등록하세요!!"_s);
+    showLines();
+    showAmounts();
+    return true;
 }
 
 void CMtmDlg::selectLine(int row) {
@@ -257,6 +275,7 @@ void CMtmDlg::changeQuantities() {
         ui::message(u"상품이 선택되지 않으면 수정할수 없습니다."_s);
         return;
     }
+    if (isChosenTwice()) return;
     std::int64_t boxes = 0;
     std::int64_t bottles = 0;
     if (!askQuantities(&boxes, &bottles, *selected_)) return;
@@ -267,11 +286,16 @@ void CMtmDlg::changeQuantities() {
         return;
     }
     const app::ActionValues& action = app::session().action;
-    const LineAmounts amounts =
-        priceLine(action.GCode, action.CustomerKind, selected_->PCode, boxes, bottles).amounts;
-    if (replaceQuantities(*selected_, boxes, bottles, amounts)) {
+    const PricedLine priced =
+        priceLine(action.GCode, action.CustomerKind, selected_->PCode, boxes, bottles);
+    // Without a contract a product that has left the price list would become one for nothing.
+    if (priced.source != PriceSource::Contract && !productExists(selected_->PCode)) {
+        ui::message(kUnknownProduct.toString());
+        return;
+    }
+    if (replaceQuantities(*selected_, boxes, bottles, priced.amounts)) {
         selected_ = changed;
-        selectedAmounts_ = amounts;
+        selectedAmounts_ = priced.amounts;
         markUnsaved();
     }
     showLines();
@@ -287,6 +311,7 @@ void CMtmDlg::editAmount(const AmountEdit& edit) {
         ui::message(u"상품이 선택되지 않으면 수정할수 없습니다."_s);
         return;
     }
+    if (isChosenTwice()) return;
     if (!app::askNumber(edit.title, formatWon(edit.start(selectedAmounts_)))) return;
     const LineAmounts changed = edit.apply(selectedAmounts_, parseWon(app::keypadRequest().KeypadValue1));
     if (!replaceAmounts(*selected_, changed)) return;
@@ -315,11 +340,13 @@ void CMtmDlg::deleteSelected() {
         ui::message(u"상품이 선택되지 않으면 삭제할수 없습니다."_s);
         return;
     }
+    const int lines = linesOf(*selected_);
     deleteLine(*selected_);
     markUnsaved();
     deselect();
     showLines();
     showAmounts();
+    if (lines > 1) ui::message(u"같은 상품, 같은 수량의 줄 %1개를 모두 삭제하였습니다..!"_s.arg(lines));
 }
 
 bool CMtmDlg::save() {

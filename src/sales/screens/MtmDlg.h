@@ -45,6 +45,8 @@ class CMtmDlg : public ui::Screen {
     bool save();
     void finish();
 
+    /// True, and told with the lines as they stand, when another line is like the chosen one.
+    bool isChosenTwice();
     /// Refills the list; the chosen line stays chosen.
     void showLines();
     /// The row of the line; -1 when the list does not hold it.
@@ -52,7 +54,7 @@ class CMtmDlg : public ui::Screen {
     void showAmounts();
     void markUnsaved();
     void deselect();
-    /// False when the keypad was left without a quantity, or with one of more than three digits.
+    /// False when the keypad was left with "취  소", or with quantities that make no line, which is told.
     bool askQuantities(std::int64_t* boxes, std::int64_t* bottles, const LineKey& start);
 
     ui::ReportList* list_ = nullptr;
