@@ -147,6 +147,7 @@ void CCollectionEntryDlg::load() {
     isOthers_ = saved && !session.action.GCode.isEmpty() && saved->GCode != session.action.GCode;
     if (isOthers_) saved.reset();
     isApproved_ = saved && saved->isApproved();
+    setSimplePayment(saved && saved->isSimplePayment());
     if (session.WorkMode != app::kSalesWork) session.action.CrateDepositSum = saved ? saved->YMoney : Won();
     if (saved) {
         amounts_ = saved->amounts();
@@ -161,7 +162,7 @@ void CCollectionEntryDlg::load() {
         amounts_.vat = session.action.CheckoutVat;
         amounts_.deposit = session.action.CheckoutDeposits;
     }
-    recomputeTotal(amounts_);
+    if (!isSimplePayment_) recomputeTotal(amounts_);
     Won excess;
     if (saved && !saved->isSimplePayment() && saved->amounts().total != amounts_.total)
         excess = settleNewTotal(amounts_, saved->amounts().total);
@@ -214,7 +215,11 @@ void CCollectionEntryDlg::askToTakeOver(Won recovery) {
 void CCollectionEntryDlg::showAmounts() {
     for (const Value& value : kValues)
         setFittedText(value.control, grouped(amounts_.*value.amount), ui::FontHeight::Small);
-    setFittedText(kResultingReceivable, grouped(resultingReceivable(amounts_)), ui::FontHeight::Small);
+    // A simple payment has nothing to do with the debt.
+    setFittedText(
+        kResultingReceivable,
+        grouped(isSimplePayment_ ? amounts_.previousReceivable : resultingReceivable(amounts_)),
+        ui::FontHeight::Small);
 }
 
 void CCollectionEntryDlg::keyAmount(const QString& title, Key key) {
@@ -224,6 +229,13 @@ void CCollectionEntryDlg::keyAmount(const QString& title, Key key) {
     holdApprovedCard();
     if (!excess.isZero()) tellExcess(excess);
     showAmounts();
+}
+
+void CCollectionEntryDlg::setSimplePayment(bool isSimplePayment) {
+    if (isSimplePayment == isSimplePayment_) return;
+    isSimplePayment_ = isSimplePayment;
+    for (const int button : {1092, 1093, 1094, 1104, 1096, 1097, 1098, 1083, 1013})
+        control(button)->setEnabled(!isSimplePayment);
 }
 
 void CCollectionEntryDlg::holdApprovedCard() {
@@ -258,6 +270,8 @@ void CCollectionEntryDlg::deletePrevious() {
     ui::message(u"이전입금전표내역을 삭제하였습니다.."_s);
     isApproved_ = false;
     approvedCard_.reset();
+    if (isSimplePayment_) amounts_ = {};
+    setSimplePayment(false);
     setText(1110, {});
     amounts_.previousReceivable = books::previousReceivable(session.action.GCode, session.WorkDate,
                                                             session.action.JunNo, session.UserID);
