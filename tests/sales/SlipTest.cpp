@@ -144,6 +144,20 @@ TEST_F(SlipTest, AQuoteInANameLosesItsStatementOnly) {
     EXPECT_EQ(savedProducts(), u"0002"_s);
 }
 
+TEST_F(SlipTest, LeavesAnotherCustomersLinesUnderItsNumberAlone) {
+    const auto isTaken = [](QStringView user) { return isOtherCustomers(user, kToday, kNumber, u"0001"); };
+    EXPECT_FALSE(isTaken(kUser));
+    saved(kUser, kNumber, u"0009");
+    device.execute(u"UPDATE MTM SET GCode = '0002'"_s);
+    EXPECT_TRUE(isTaken(kUser));
+    EXPECT_TRUE(isTaken(u"lee")) << "deleting would take a colleague's along";
+    insertLine(line(u"0001"_s, u"1"_s, u"2"_s, won(1000, 100, 20, 3)));
+    EXPECT_EQ(saveSlip(kUser, kToday, kNumber), SaveOutcome::Taken);
+    EXPECT_EQ(savedProducts(), u"0009"_s);
+    EXPECT_EQ(saveSlip(u"lee", kToday, kNumber), SaveOutcome::Saved) << "an order under a colleague's number";
+    EXPECT_FALSE(isTaken(u"lee"));
+}
+
 TEST_F(SlipTest, KeepsTheSavedSlipWhenSavingIsLostHalfWay) {
     saved(kUser, kNumber, u"0009");
     insertLine(line(u"0001"_s, u"1"_s, u"0"_s, won(1000, 100, 20, 3)));

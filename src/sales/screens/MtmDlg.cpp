@@ -129,8 +129,22 @@ void CMtmDlg::addButtons() {
     setCancelButton(addBottomButton(1001, u"취 소"_s, 0, ui::bitmaps::kCancel, [this] { close(Cancelled); }));
 }
 
+bool CMtmDlg::isNumberTaken() const {
+    const app::SessionValues& session = app::session();
+    // A slip from the list brings no customer along: it is who its lines say.
+    return !session.action.GCode.isEmpty() &&
+           isOtherCustomers(session.UserID, session.WorkDate, session.action.JunNo, session.action.GCode);
+}
+
 void CMtmDlg::openSlip() {
     app::SessionValues& session = app::session();
+    if (isNumberTaken()) {
+        QTimer::singleShot(0, this, [this] {
+            tellNumberTaken();
+            close(Cancelled);
+        });
+        return;
+    }
     const auto opened = sales::openSlip(session.UserID, session.WorkDate, session.action.JunNo);
     if (!opened) {
         QTimer::singleShot(0, this, [this] {
@@ -349,10 +363,20 @@ void CMtmDlg::deleteSelected() {
     if (lines > 1) ui::message(u"같은 상품, 같은 수량의 줄 %1개를 모두 삭제하였습니다..!"_s.arg(lines));
 }
 
+void CMtmDlg::tellNumberTaken() const {
+    ui::message(
+        u"전표번호 %1에는 다른 거래처의 전표가 있어 주문서를 쓸수 없습니다..! 사무실에 연락하세요!!"_s.arg(
+            app::session().action.JunNo));
+}
+
 bool CMtmDlg::save() {
     const app::SessionValues& session = app::session();
     const SaveOutcome outcome = saveSlip(session.UserID, session.WorkDate, session.action.JunNo);
     if (outcome == SaveOutcome::Empty) ui::message(u"주문서에 등록된 상품이 없습니다..!"_s);
+    if (outcome == SaveOutcome::Taken) {
+        tellNumberTaken();
+        return false;
+    }
     // No word about one that failed: the log has it, and "저장됨" does not show.
     if (outcome == SaveOutcome::Failed) return false;
     hasUnsavedLines_ = false;

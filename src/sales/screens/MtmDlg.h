@@ -32,6 +32,9 @@ class CMtmDlg : public ui::Screen {
     void addAmountRows();
     void addButtons();
     void openSlip();
+    /// True when a new slip's number holds another customer's lines.
+    bool isNumberTaken() const;
+    void tellNumberTaken() const;
     void addFromSearch();
     void addByCode();
     void addProduct(const QString& pcode);
