@@ -23,7 +23,8 @@ constexpr db::Statement<
     kCustomers;
 constexpr db::Statement<
     u"SELECT GCode FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND GCode <> '%s' AND GCode <> '' "
-    u"AND NOT EXISTS (SELECT 1 FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND GCode = '%s' AND UserID = '%s')">
+    u"AND NOT EXISTS (SELECT 1 FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND GCode = '%s' AND UserID = "
+    u"'%s')">
     kOtherCustomers;
 constexpr db::Statement<u" SELECT * FROM TEMP "> kWorkingLines;
 constexpr db::Statement<

@@ -216,10 +216,9 @@ void CCollectionEntryDlg::showAmounts() {
     for (const Value& value : kValues)
         setFittedText(value.control, grouped(amounts_.*value.amount), ui::FontHeight::Small);
     // A simple payment has nothing to do with the debt.
-    setFittedText(
-        kResultingReceivable,
-        grouped(isSimplePayment_ ? amounts_.previousReceivable : resultingReceivable(amounts_)),
-        ui::FontHeight::Small);
+    setFittedText(kResultingReceivable,
+                  grouped(isSimplePayment_ ? amounts_.previousReceivable : resultingReceivable(amounts_)),
+                  ui::FontHeight::Small);
 }
 
 void CCollectionEntryDlg::keyAmount(const QString& title, Key key) {

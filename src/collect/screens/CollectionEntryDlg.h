@@ -39,7 +39,8 @@ class CCollectionEntryDlg : public ui::Screen {
     void askToTakeOver(platform::Won recovery);
     /// After every change: the card of an approved collection keeps its amount.
     void holdApprovedCard();
-    /// The amounts of a simple payment, which was charged as it stands and moves no debt, are not changed here.
+    /// The amounts of a simple payment, which was charged as it stands and moves no debt, are not changed
+    /// here.
     void setSimplePayment(bool isSimplePayment);
     void showAmounts();
 

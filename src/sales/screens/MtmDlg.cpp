@@ -300,8 +300,7 @@ void CMtmDlg::changeQuantities() {
         return;
     }
     const app::ActionValues& action = app::session().action;
-    const PricedLine priced =
-        priceLine(action.GCode, action.CustomerKind, selected_->PCode, boxes, bottles);
+    const PricedLine priced = priceLine(action.GCode, action.CustomerKind, selected_->PCode, boxes, bottles);
     // Without a contract a product that has left the price list would become one for nothing.
     if (priced.source != PriceSource::Contract && !productExists(selected_->PCode)) {
         ui::message(kUnknownProduct.toString());
