@@ -6,10 +6,23 @@
 namespace app {
 namespace {
 
-bool run(const KeypadRequest& request) {
+/// True when the keypad was left with "확  인", also without an entry.
+bool isConfirmed(const KeypadRequest& request) {
     keypadRequest() = request;
-    ui::runScreen(dialogs::kKeypad);
+    return ui::runScreen(dialogs::kKeypad) == ui::Screen::Accepted;
+}
+
+bool run(const KeypadRequest& request) {
+    isConfirmed(request);
     return keypadRequest().KeypadResult == 1;
+}
+
+KeypadRequest numberRequest(const QString& label, const QString& start) {
+    KeypadRequest request;
+    request.KeypadLabel1 = label;
+    request.KeypadValue1 = start;
+    request.KeypadMode = kOneNumber;
+    return request;
 }
 
 }  // namespace
@@ -31,11 +44,12 @@ bool askText(const QString& label) {
 }
 
 bool askNumber(const QString& label, const QString& start) {
-    KeypadRequest request;
-    request.KeypadLabel1 = label;
-    request.KeypadValue1 = start;
-    request.KeypadMode = kOneNumber;
-    return run(request);
+    return run(numberRequest(label, start));
+}
+
+std::optional<platform::Won> askAmount(const QString& label, const QString& start) {
+    if (!isConfirmed(numberRequest(label, start))) return std::nullopt;
+    return platform::parseWon(keypadRequest().KeypadValue1);
 }
 
 bool askTwoNumbers(const QString& label1, const QString& label2, const QString& start1,
@@ -47,7 +61,7 @@ bool askTwoNumbers(const QString& label1, const QString& label2, const QString& 
     request.KeypadValue1 = start1;
     request.KeypadValue2 = start2;
     request.KeypadMode = kTwoNumbers;
-    return run(request);
+    return isConfirmed(request);
 }
 
 bool askThreeNumbers(const std::array<QString, 3>& labels, const std::array<QString, 3>& starts) {
@@ -59,7 +73,7 @@ bool askThreeNumbers(const std::array<QString, 3>& labels, const std::array<QStr
     request.KeypadValue2 = starts[1];
     request.KeypadValue3 = starts[2];
     request.KeypadMode = kThreeNumbers;
-    return run(request);
+    return isConfirmed(request);
 }
 
 }  // namespace app

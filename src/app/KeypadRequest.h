@@ -3,6 +3,9 @@
 #include <QString>
 #include <array>
 #include <functional>
+#include <optional>
+
+#include "platform/Won.h"
 
 namespace app {
 
@@ -35,7 +38,12 @@ void resetKeypadRequest();
 bool askText(const QString& label);
 bool askNumber(const QString& label, const QString& start = {});
 
-/// The same on two numbers in one run; the entries are in KeypadValue1 and KeypadValue2.
+/// Opens the keypad on one amount and returns it in won, 0 for an empty entry; nothing when it was left with
+/// "취  소".
+std::optional<platform::Won> askAmount(const QString& label, const QString& start = {});
+
+/// Opens the keypad on two numbers in one run and returns true when it was left with "확  인", whatever was
+/// entered; the entries are in KeypadValue1 and KeypadValue2, an empty one counts as 0.
 bool askTwoNumbers(const QString& label1, const QString& label2, const QString& start1 = {},
                    const QString& start2 = {});
 

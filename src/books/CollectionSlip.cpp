@@ -351,6 +351,12 @@ bool removeCollections(db::Transaction& transaction, QStringView date, QStringVi
            takeReceivablesBack(transaction, removed);
 }
 
+QList<CollectionSlip> approvedUnder(QStringView date, QStringView junNo) {
+    QList<CollectionSlip> slips = wholeRows(kAnyones(date, junNo));
+    slips.removeIf([](const CollectionSlip& slip) { return !slip.isApproved(); });
+    return slips;
+}
+
 std::optional<CollectionSlip> loadCollection(QStringView date, QStringView junNo, QStringView userId) {
     const QList<CollectionSlip> slips = wholeRows(kOwn(date, junNo, userId));
     return slips.isEmpty() ? std::nullopt : std::optional(slips.first());

@@ -115,6 +115,9 @@ bool removeCollections(QStringView date, QStringView junNo);
 /// committed.
 [[nodiscard]] bool removeCollections(db::Transaction& transaction, QStringView date, QStringView junNo);
 
+/// The slips of that date and number that carry an approval, whoever wrote them.
+QList<CollectionSlip> approvedUnder(QStringView date, QStringView junNo);
+
 /// Takes back as part of `transaction` what the collections of that date, number and user, or with an empty
 /// id of everybody, have for a container slip that is about to go: its own user's and customer's. A
 /// collection of which nothing is left goes too. Returns what they had for it, in won; after nothing, when

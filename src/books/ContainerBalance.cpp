@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 
+#include "books/UndeliveredOrders.h"
 #include "db/Query.h"
 #include "platform/Won.h"
 
@@ -14,7 +15,8 @@ using platform::parseInteger;
 
 // The two marks of the products that are taken back.
 constexpr db::Statement<
-    u"SELECT MTM.PCode, PUMMOK.PName, BoxBonEa, DDate, Box, Bon FROM MTM, PUMMOK WHERE MTM.GCode = '%s' "
+    u"SELECT MTM.PCode, PUMMOK.PName, BoxBonEa, DDate, Box, Bon, JunNo, UserID FROM MTM, PUMMOK WHERE "
+    u"MTM.GCode = '%s' "
     u"AND DDate <= '%s' AND PUMMOK.PCode = MTM.PCode AND (TTT = 'Y' OR TTT = 'Z')">
     kDeliveries;
 constexpr db::Statement<
@@ -68,8 +70,8 @@ class Balances {
     QList<ContainerBalance> list() const {
         QList<ContainerBalance> balances;
         for (const auto& [code, balance] : byCode_) {
-            const bool isSettled =
-                balance.before.isZero() && balance.delivered.isZero() && balance.returned.isZero();
+            const bool isSettled = balance.before.isZero() && balance.delivered.isZero() &&
+                                   balance.returned.isZero() && balance.ordered.isZero();
             if (!isSettled) balances << balance;
         }
         return balances;
@@ -104,11 +106,17 @@ Containers ContainerBalance::after() const {
 QList<ContainerBalance> containerBalances(QStringView gCode, QStringView date, QStringView junNo,
                                           QStringView userId, std::span<const ContainerReturn> returned) {
     Balances balances;
+    const UndeliveredOrders orders = UndeliveredOrders::ofCustomer(gCode, date);
     db::forEachRow(kDeliveries(gCode, date), [&](db::CVORecordset& row) {
         const std::int64_t boxes = count(row.GetFieldString(4));
         const Containers sold{boxes, boxes * count(row.GetFieldString(2)) + count(row.GetFieldString(5))};
         ContainerBalance& balance = balances.of(row.GetFieldString(0), row.GetFieldString(1));
-        (row.GetFieldString(3) == date ? balance.delivered : balance.before) += sold;
+        const QString day = row.GetFieldString(3);
+        const QString number = row.GetFieldString(6);
+        const QString user = row.GetFieldString(7);
+        const bool isSaleAtHand = day == date && number == junNo && user == userId;
+        const bool isOrdered = !isSaleAtHand && orders.contains(day, number, user);
+        (isOrdered ? balance.ordered : day == date ? balance.delivered : balance.before) += sold;
     });
     db::forEachRow(kReturns(gCode, date), [&](db::CVORecordset& row) {
         const bool isSlipAtHand = row.GetFieldString(2) == date && row.GetFieldString(3) == junNo &&

@@ -42,15 +42,17 @@ struct ContainerBalance {
     Containers before;     ///< Out before the day's deliveries and the slip at hand.
     Containers delivered;  ///< Sold to the customer on the day.
     Containers returned;   ///< Taken back by the slip at hand.
+    Containers ordered;    ///< On the office's orders that nobody has delivered; no part of the others.
 
     Containers after() const;  ///< Out now.
 };
 
 /// The customer's balances by product code, highest first, without those where all is 0: of the products
 /// marked as containers ("Y" or "Z") that were sold up to `date`, and of those that were taken back.
-/// `returned` holds the lines of the slip at hand; the saved lines of that date, number and user are left
-/// out, so it may be the slip as it is on screen. A customer without rows starts at 0; a count that is no
-/// number reads as 0.
+/// The sale of the number at hand
+/// counts as delivered. `returned` holds the lines of the slip at hand; the saved lines of that date, number
+/// and user are left out, so it may be the slip as it is on screen. A customer without rows starts at 0; a
+/// count that is no number reads as 0.
 QList<ContainerBalance> containerBalances(QStringView gCode, QStringView date, QStringView junNo,
                                           QStringView userId, std::span<const ContainerReturn> returned);
 

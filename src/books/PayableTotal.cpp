@@ -23,4 +23,8 @@ platform::Won payableTotal(platform::Won supply, platform::Won vat, QStringView 
     return platform::Won(integerPart(remainder < step / 2 ? total - remainder : total + (step - remainder)));
 }
 
+platform::Won payableVat(platform::Won supply, platform::Won vat, QStringView vatMode) {
+    return payableTotal(supply, vat, vatMode) - supply;
+}
+
 }  // namespace books

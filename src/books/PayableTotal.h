@@ -11,4 +11,8 @@ namespace books {
 /// takes supply + vat as they are.
 platform::Won payableTotal(platform::Won supply, platform::Won vat, QStringView vatMode);
 
+/// The VAT of a slip in won: payableTotal less the supply, so that the slip's parts add up to what is paid.
+/// In a rounding mode it is not the sum `vat` of the lines.
+platform::Won payableVat(platform::Won supply, platform::Won vat, QStringView vatMode);
+
 }  // namespace books

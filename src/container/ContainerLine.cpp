@@ -15,8 +15,9 @@ ContainerAmounts& ContainerAmounts::operator+=(const ContainerAmounts& other) {
 }
 
 ContainerAmounts containerAmounts(const ContainerCounts& counts, const ContainerPrices& prices) {
-    const std::int64_t crates = counts.emptyCrates + counts.filledCrates;
-    const std::int64_t bottles = counts.filledCrates * prices.BoxBonEa + counts.bottles;
+    // A count has as many digits as are keyed; sums and products of them stay within 64 bits.
+    const std::int64_t crates = (Won(counts.emptyCrates) + Won(counts.filledCrates)).value();
+    const std::int64_t bottles = (counts.filledCrates * Won(prices.BoxBonEa) + Won(counts.bottles)).value();
     const Won looseBottles =
         prices.BoxBonEa == 0 ? Won() : Won((counts.bottles * prices.YGMoney2).value() / prices.BoxBonEa);
     return {.crates = crates * prices.YGMoney1,

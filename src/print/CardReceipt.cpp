@@ -79,8 +79,12 @@ std::optional<Document> cardReceipt(QStringView date, QStringView junNo, QString
 }
 
 Document hostReceipt(QStringView date, QStringView userId, const CardExchange& exchange) {
-    Document document = slipDocument(u"카 드 영 수 증", std::nullopt, true,
-                                     {date, {}, {}, salesman(userId), receiptCustomer({})});
+    const auto slip = books::findByTransactionNumber(exchange.reply.transactionNumber);
+    const Party party = slip ? customer(slip->GCode, slip->GName) : receiptCustomer({});
+    const SlipHead head = slip
+                              ? SlipHead{slip->DDate, slip->DTime, slip->JunNo, salesman(slip->UserID), party}
+                              : SlipHead{date, {}, {}, salesman(userId), party};
+    Document document = slipDocument(u"카 드 영 수 증", std::nullopt, true, head);
     hostAmounts(document, exchange.reply);
     transactionNumberLine(document, exchange.reply.transactionNumber);
     exchangeLines(document, exchange);

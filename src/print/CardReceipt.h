@@ -31,8 +31,9 @@ Document cardReceipt(const books::CollectionSlip& slip, const std::optional<Card
 std::optional<Document> cardReceipt(QStringView date, QStringView junNo, QStringView userId,
                                     const std::optional<CardExchange>& exchange, bool reprint);
 
-/// The receipt of a transaction that the terminal has no slip of: what the host tells of it, for a customer
-/// who is not named. `date` is today's, for the transaction's own is not told.
+/// The receipt of a transaction that the terminal has no sale of: what the host tells of it. A collection
+/// with the transaction's number says whose it was and when; without one the customer is not named, `date` is
+/// today's and `userId` who asks.
 Document hostReceipt(QStringView date, QStringView userId, const CardExchange& exchange);
 
 /// The card number at the start of a track 2 text, as far as it may be shown: the first 6 and the last 4

@@ -8,6 +8,7 @@
 namespace print {
 namespace {
 
+using namespace Qt::Literals::StringLiterals;
 using platform::parseInteger;
 using platform::parseWon;
 using platform::Won;
@@ -96,6 +97,10 @@ std::optional<Document> containerReceipt(QStringView date, QStringView junNo, QS
         document.itemName(balance.PName, {});
         balanceRow(document, u"상자", balance, &books::Containers::crates);
         balanceRow(document, u"병", balance, &books::Containers::bottles);
+        if (!balance.ordered.isZero()) {
+            document.line(
+                u"미배송주문 상자 %1 병 %2"_s.arg(balance.ordered.crates).arg(balance.ordered.bottles));
+        }
     }
     // Here it is the salesman who receives and the customer who hands over.
     closingBlock(document, {u"인계자 서명", u"인수자 서명"});

@@ -69,19 +69,15 @@ std::optional<Document> salesInvoice(QStringView date, QStringView junNo, QStrin
         crateDeposit += line.crateDeposit;
         bottleDeposit += line.bottleDeposit;
     }
-    const Won payable = books::payableTotal(supply, vat, user.vatMode);
+    vat = books::payableVat(supply, vat, user.vatMode);
 
     document.rule(Document::Rule::Thin);
     document.labelAmount(u"공급가액", supply);
     document.labelAmount(u"부가세", vat);
-    // So that the column adds up to the total where the user's mode rounds it.
-    if (const Won rounding = payable - (supply + vat); !rounding.isZero()) {
-        document.labelAmount(u"단수조정", rounding);
-    }
     document.labelAmount(u"상자 보증금", crateDeposit);
     document.labelAmount(u"공병 보증금", bottleDeposit);
     document.rule(Document::Rule::Thin);
-    document.labelAmount(u"합계", payable + crateDeposit + bottleDeposit);
+    document.labelAmount(u"합계", supply + vat + crateDeposit + bottleDeposit);
     const std::optional<books::CollectionSlip> paid = books::loadCollection(date, junNo, userId);
     if (paid && paid->GCode == first.gCode) {
         document.rule(Document::Rule::Thin);

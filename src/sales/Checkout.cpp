@@ -4,8 +4,10 @@
 
 namespace sales {
 
-platform::Won slipTotal(const SlipSums& sums, QStringView vatMode) {
-    return books::payableTotal(sums.supply, sums.vat, vatMode) + sums.deposits();
+SlipSums slipSums(const SlipSums& lines, QStringView vatMode) {
+    SlipSums sums = lines;
+    sums.vat = books::payableVat(lines.supply, lines.vat, vatMode);
+    return sums;
 }
 
 }  // namespace sales

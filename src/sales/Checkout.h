@@ -2,13 +2,12 @@
 
 #include <QStringView>
 
-#include "platform/Won.h"
 #include "sales/LineAmounts.h"
 
 namespace sales {
 
-/// What the slip comes to, in won: the goods as the salesman's VAT rounding mode makes them payable, and the
-/// deposits. It is shown as 합계.
-platform::Won slipTotal(const SlipSums& sums, QStringView vatMode);
+/// The slip's sums as they are shown and paid: `lines` sums its lines, and its VAT is what the salesman's
+/// VAT rounding mode makes payable for the goods, less the supply. Their total is 합계.
+SlipSums slipSums(const SlipSums& lines, QStringView vatMode);
 
 }  // namespace sales

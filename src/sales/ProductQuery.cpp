@@ -1,6 +1,13 @@
 #include "sales/ProductQuery.h"
 
+#include <QHash>
+#include <algorithm>
+#include <functional>
+#include <numeric>
+#include <vector>
+
 #include "db/Query.h"
+#include "platform/Won.h"
 
 namespace sales {
 namespace {
@@ -51,6 +58,8 @@ constexpr db::Statement<
     u"ORDER BY AUTOCNT DESC  ">
     kSomeFrequent;
 
+constexpr db::Statement<u"SELECT PCode, AUTOCNT FROM MPUMMOK"> kUses;
+
 constexpr db::Statement<u"SELECT * FROM JGUBUN ORDER BY CODE"> kClasses;
 constexpr db::Statement<u"SELECT Pname,JGubun FROM PUMMOK WHERE PCode = '%s' "> kName;
 constexpr db::Statement<u"SELECT PCode FROM Pummok WHERE PCODE = '%s' "> kExists;
@@ -58,6 +67,23 @@ constexpr db::Statement<u"SELECT JGubun FROM Pummok WHERE PCODE = '%s'  ORDER BY
 
 constexpr QStringView kWithdrawn = u"Y";
 constexpr int kColumns = 4;
+
+/// The rows by their products' use counters, highest first; equal ones stay in their order. The statements
+/// sort the counters as texts, 943 before 1002.
+platform::Rows mostUsedFirst(const platform::Rows& rows) {
+    QHash<QString, std::int64_t> uses;
+    db::forEachRow(kUses(), [&](db::CVORecordset& row) {
+        std::int64_t& count = uses[row.GetFieldString(0)];
+        count = std::max(count, platform::parseInteger(row.GetFieldString(1)));
+    });
+    std::vector<int> order(std::size_t(rows.count()));
+    std::iota(order.begin(), order.end(), 0);
+    std::ranges::stable_sort(order, std::greater(), [&](int row) { return uses.value(rows.cell(row, 0)); });
+    platform::Rows sorted = rows;
+    sorted.cells.clear();
+    for (const int row : order) sorted.cells += rows.cells.mid(row * kColumns, kColumns);
+    return sorted;
+}
 
 }  // namespace
 
@@ -83,7 +109,7 @@ platform::Rows products(QStringView seek, QStringView classCode, QStringView cus
 
 platform::Rows frequentProducts(QStringView customerKind) {
     const auto use = excludedUse(customerKind);
-    return db::selectRows(use ? kSomeFrequent(*use) : kAnyFrequent(), kColumns);
+    return mostUsedFirst(db::selectRows(use ? kSomeFrequent(*use) : kAnyFrequent(), kColumns));
 }
 
 QList<ProductClass> productClasses() {

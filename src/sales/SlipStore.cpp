@@ -20,6 +20,14 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 constexpr db::Statement<u"DELETE MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' "> kDeleteOwn;
+constexpr db::Statement<
+    u"SELECT DISTINCT GCode FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s'">
+    kCustomers;
+constexpr db::Statement<
+    u"SELECT GCode FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND GCode <> '%s' AND GCode <> '' "
+    u"AND NOT EXISTS (SELECT 1 FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND GCode = '%s' AND UserID = "
+    u"'%s')">
+    kOtherCustomers;
 constexpr db::Statement<u" SELECT * FROM TEMP "> kWorkingLines;
 constexpr db::Statement<
     u"INSERT INTO MTM (DDate,Gubun,GCode,GName,JunNo,WorkGubun,PCode,PName,JGubun, Box,Bon,"
@@ -37,13 +45,31 @@ constexpr int kWorkingColumns = 15;
 constexpr int kCustomerColumn = 2;
 constexpr int kWorkGubunColumn = 5;
 
+/// True when the saved slip has a customer whom none of the lines names.
+bool isOthers(const platform::Rows& lines, QStringView userId, QStringView workDate, QStringView junNo) {
+    if (lines.isEmpty()) return false;
+    QStringList customers;
+    for (int row = 0; row < lines.count(); ++row) customers << lines.at(row, kCustomerColumn);
+    bool isOthers = false;
+    db::forEachRow(kCustomers(workDate, junNo, userId), [&](db::CVORecordset& row) {
+        const QString customer = row.GetFieldString(0);
+        if (!customer.isEmpty() && !customers.contains(customer)) isOthers = true;
+    });
+    return isOthers;
+}
+
 }  // namespace
+
+bool isOtherCustomers(QStringView userId, QStringView workDate, QStringView junNo, QStringView gCode) {
+    return db::hasRow(kOtherCustomers(workDate, junNo, gCode, workDate, junNo, gCode, userId));
+}
 
 SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo) {
     db::Transaction transaction;
-    if (!transaction.run(kDeleteOwn(workDate, junNo, userId))) return SaveOutcome::Failed;
     const platform::Rows lines = db::selectRows(kWorkingLines(), kWorkingColumns);
     if (!lines.isComplete) return SaveOutcome::Failed;
+    if (isOthers(lines, userId, workDate, junNo)) return SaveOutcome::Taken;
+    if (!transaction.run(kDeleteOwn(workDate, junNo, userId))) return SaveOutcome::Failed;
     const QString savedAt = platform::clock::now().toString(u"HH:mm"_s);
     for (int row = 0; row < lines.count(); ++row) {
         std::array<QStringView, decltype(kInsert)::kValues> values;

@@ -10,11 +10,17 @@ namespace sales {
 enum class SaveOutcome {
     Saved,
     Empty,   ///< The working slip has no lines; the slip's saved lines are gone all the same.
+    Taken,   ///< The number holds another customer's lines; they are as they were.
     Failed,  ///< The database did not take the change; the saved slip is as it was.
 };
 
+/// True when the number holds lines of other customers than `gCode`, whoever wrote them, and none of the
+/// user's of this one. Numbers are sorted as texts, so that after 9999 the same one is given again and again.
+bool isOtherCustomers(QStringView userId, QStringView workDate, QStringView junNo, QStringView gCode);
+
 /// Replaces the user's saved slip by the working slip, as unprinted and with the time of the clock. The slip
-/// is saved whole or not at all. What another customer has under the number gets one of its own.
+/// is saved whole or not at all. The collection and containers that another customer has under the number get
+/// one of their own.
 SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo);
 
 /// The salesman's slips of a day.

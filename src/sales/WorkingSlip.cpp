@@ -1,5 +1,6 @@
 #include "sales/WorkingSlip.h"
 
+#include <algorithm>
 #include <array>
 
 #include "db/Query.h"
@@ -53,11 +54,11 @@ template <typename Change>
 bool replaceLine(const LineKey& key, Change&& change) {
     db::Transaction transaction;
     const auto row = db::firstRow(kLine(key.PCode, key.Box, key.Bon));
-    if (!row || row->size() != qsizetype(kColumns.size())) return false;
+    // Of two lines alike the working table cannot change one: both would make way for it.
+    if (!row || row->size() != qsizetype(kColumns.size()) || linesOf(key) != 1) return false;
     SlipLine line;
     for (std::size_t i = 0; i < kColumns.size(); ++i) line.*kColumns[i] = row->at(qsizetype(i));
     change(&line);
-    // Two lines of the same product and quantities are one to the working table: both make way.
     return transaction.run(kDelete(key.PCode, key.Box, key.Bon)) && transaction.run(insertOf(line)) &&
            transaction.commit();
 }
@@ -112,6 +113,10 @@ std::optional<LineAmounts> lineAmounts(const LineKey& key) {
     if (!row) return std::nullopt;
     const auto won = [&](int column) { return platform::parseWon(row->at(column)); };
     return LineAmounts{won(1), won(2), won(3), won(4)};
+}
+
+int linesOf(const LineKey& key) {
+    return std::max(0, db::forEachRow(kLine(key.PCode, key.Box, key.Bon), [](db::CVORecordset&) {}));
 }
 
 bool insertLine(const SlipLine& line) {

@@ -36,17 +36,21 @@ bool isWorkingSlipEmpty();
 /// The line's amounts; nothing when there is no such line.
 std::optional<LineAmounts> lineAmounts(const LineKey& key);
 
+/// How many lines have that key; more than one when the office sent two alike.
+int linesOf(const LineKey& key);
+
 /// Adds a line. False when the database did not take it, as with a single quote in one of its texts.
 bool insertLine(const SlipLine& line);
 
 /// Changes the line's quantities and with them its amounts. False, and the line stays as it was, when there
-/// is no such line or the database does not take the change.
+/// is no such line or more than one, or when the database does not take the change.
 bool replaceQuantities(const LineKey& key, std::int64_t boxes, std::int64_t bottles,
                        const LineAmounts& amounts);
 
 /// Changes the line's supply and VAT; its deposits stay. Result as for replaceQuantities.
 bool replaceAmounts(const LineKey& key, const LineAmounts& amounts);
 
+/// Deletes the line, and whatever is like it.
 void deleteLine(const LineKey& key);
 
 }  // namespace sales

@@ -3,6 +3,7 @@
 #include <QMap>
 #include <initializer_list>
 
+#include "books/UndeliveredOrders.h"
 #include "db/Query.h"
 #include "print/SlipBlocks.h"
 
@@ -15,7 +16,7 @@ using platform::Won;
 
 // An empty user leaves the condition on him out.
 constexpr db::Statement<
-    u"SELECT PCode, PName, Box, Bon, MMoney, BMoney, YMoney, GMoney FROM MTM "
+    u"SELECT PCode, PName, Box, Bon, MMoney, BMoney, YMoney, GMoney, DDate, JunNo, UserID FROM MTM "
     u"WHERE DDate = '%s' AND ('%s' = '' OR UserID = '%s') "
     u"AND (WorkGubun <> '%s' or WorkGubun <> '%s') ORDER BY JunNo">
     kSales;
@@ -83,15 +84,23 @@ std::optional<Report> sales(QStringView date, QStringView user) {
          .isSummed = true},
         {.title = u"부가세"_s, .kind = Kind::Amount, .pixels = 72, .paper = 10, .isSummed = true},
         {.title = u"보증금"_s, .kind = Kind::Amount, .pixels = 72, .paper = 10, .isSummed = true}};
+    const auto orders = books::UndeliveredOrders::ofDay(date, user);
+    if (!orders) return std::nullopt;
     RowsByCode rows;
-    // True for every row: no text is both. So the totals hold the slips of every print state.
+    RowsByCode ordered;
+    // True for every row: no text is both. So the totals hold the slips of every print state, and the
+    // office's orders that nobody has delivered in rows of their own.
     const int count =
         db::forEachRow(kSales(date, user, user, u"미처리", u"미발행"), [&](db::CVORecordset& row) {
-            rows.add(row.GetFieldString(0), row.GetFieldString(1),
+            const bool isOrdered =
+                orders->contains(row.GetFieldString(8), row.GetFieldString(9), row.GetFieldString(10));
+            const QString name = row.GetFieldString(1);
+            (isOrdered ? ordered : rows)
+                .add(row.GetFieldString(0), isOrdered ? u"미배송 "_s + name : name,
                      {won(row, 2), won(row, 3), won(row, 4), won(row, 5), won(row, 6) + won(row, 7)});
         });
     if (count < 0) return std::nullopt;
-    report.sections = {{{}, rows.rows()}};
+    report.sections = {{{}, rows.rows() + ordered.rows()}};
     return report;
 }
 

@@ -5,6 +5,7 @@
 
 #include "books/CollectionSlip.h"
 #include "books/PaymentJournal.h"
+#include "books/UndeliveredOrders.h"
 #include "db/Query.h"
 #include "db/Transaction.h"
 #include "platform/Clock.h"
@@ -21,7 +22,7 @@ using platform::Won;
 
 // An empty user leaves the condition on him out.
 constexpr db::Statement<
-    u"SELECT Box, Bon FROM MTM WHERE DDate = '%s' AND ('%s' = '' OR UserID = '%s') "
+    u"SELECT Box, Bon, DDate, JunNo, UserID FROM MTM WHERE DDate = '%s' AND ('%s' = '' OR UserID = '%s') "
     u"AND (WorkGubun <> '%s' or WorkGubun <> '%s')">
     kSold;
 constexpr db::Statement<
@@ -50,6 +51,32 @@ void add(std::int64_t* sum, std::int64_t count) {
 
 Cell count(std::int64_t number) {
     return Won(number);
+}
+
+/// The goods on the day's slips.
+struct Goods {
+    std::int64_t boxes = 0;
+    std::int64_t bottles = 0;
+    std::int64_t orderedBoxes = 0;  ///< On the office's orders that nobody has delivered.
+    std::int64_t orderedBottles = 0;
+    int orders = 0;  ///< Number of those.
+};
+
+/// Nothing when they could not be read to the end.
+std::optional<Goods> goodsOfDay(QStringView date, QStringView userId) {
+    const auto orders = books::UndeliveredOrders::ofDay(date, userId);
+    if (!orders) return std::nullopt;
+    Goods goods;
+    goods.orders = orders->count();
+    // True for every row: no text is both. So slips of every print state count.
+    const int lines =
+        db::forEachRow(kSold(date, userId, userId, u"미처리", u"미발행"), [&](db::CVORecordset& row) {
+            const bool isOrdered =
+                orders->contains(row.GetFieldString(2), row.GetFieldString(3), row.GetFieldString(4));
+            add(isOrdered ? &goods.orderedBoxes : &goods.boxes, parseInteger(row.GetFieldString(0)));
+            add(isOrdered ? &goods.orderedBottles : &goods.bottles, parseInteger(row.GetFieldString(1)));
+        });
+    return lines < 0 ? std::nullopt : std::optional(goods);
 }
 
 /// The card host's payments up to that day whose outcome is open, which no other figure counts.
@@ -84,6 +111,12 @@ Report strip(QStringView title, QStringView date, QStringView userId, const DayF
     // Their goods are among those sold, and no money above stands for them.
     if (figures.openSlips != 0)
         report.sections[1].rows.append({u"수금없는 전표"_s, count(figures.openSlips)});
+    // What is still on the van or in the store is not sold.
+    if (const auto goods = goodsOfDay(date, userId); goods && goods->orders != 0) {
+        report.sections[1].rows.append({u"미배송 주문 전표"_s, count(goods->orders)});
+        report.sections[1].rows.append({u"미배송 주문 상자"_s, count(goods->orderedBoxes)});
+        report.sections[1].rows.append({u"미배송 주문 본"_s, count(goods->orderedBottles)});
+    }
     QList<Row>& cash = report.sections.last().rows;
     // What makes the expected cash less than cash and earlier receivables together.
     const Won unmoved = figures.expectedCash - figures.cash - figures.earlierPaid;
@@ -109,17 +142,14 @@ std::optional<DayFigures> dayFigures(QStringView date, QStringView userId) {
         figures.recovery += slip.YDMoney;
         figures.expectedCash += slip.cashTaken();
     }
-    // True for every row: no text is both. So slips of every print state count.
-    const int lines =
-        db::forEachRow(kSold(date, userId, userId, u"미처리", u"미발행"), [&](db::CVORecordset& row) {
-            add(&figures.boxes, parseInteger(row.GetFieldString(0)));
-            add(&figures.bottles, parseInteger(row.GetFieldString(1)));
-        });
+    const auto goods = goodsOfDay(date, userId);
     const auto back = books::containersTakenBack(date, userId);
     const auto open = db::firstRow(kOpenSlips(date, userId, userId));
-    if (lines < 0 || !back || !open) return std::nullopt;
+    if (!goods || !back || !open) return std::nullopt;
+    figures.boxes = goods->boxes;
+    figures.bottles = goods->bottles;
     figures.back = *back;
-    figures.openSlips = parseInteger(open->first());
+    figures.openSlips = parseInteger(open->first()) - goods->orders;
     return figures;
 }
 

@@ -19,13 +19,12 @@ struct DayFigures {
     platform::Won card;
     std::int64_t approvals = 0;  ///< Approved card payments.
     platform::Won unpaid;
-    platform::Won earlierPaid;  ///< Earlier receivables paid.
-    platform::Won recovery;     ///< Container recovery.
-    std::int64_t boxes = 0;     ///< On sales slips.
-    std::int64_t bottles = 0;   ///< The same, single bottles.
-    books::Containers back;     ///< Taken back.
-    std::int64_t openSlips =
-        0;  ///< Sales slips that nothing was collected for, the office's orders among them.
+    platform::Won earlierPaid;   ///< Earlier receivables paid.
+    platform::Won recovery;      ///< Container recovery.
+    std::int64_t boxes = 0;      ///< On sales slips, without the office's orders that nobody has delivered.
+    std::int64_t bottles = 0;    ///< The same, single bottles.
+    books::Containers back;      ///< Taken back.
+    std::int64_t openSlips = 0;  ///< Sales slips that nothing was collected for, without those orders.
     platform::Won expectedCash;
 
     friend bool operator==(const DayFigures&, const DayFigures&) = default;

@@ -30,6 +30,8 @@ TEST(PayableTotal, FollowsTheRoundingMode) {
         {u"3", INT64_MIN, 0, INT64_MIN},
     };
     for (const Case& entry : cases) {
+        const Won vat = books::payableVat(Won(entry.supply), Won(entry.vat), QStringView(entry.mode));
+        EXPECT_EQ(vat, Won(entry.total) - Won(entry.supply)) << "the parts add up to the total";
         EXPECT_EQ(books::payableTotal(Won(entry.supply), Won(entry.vat), QStringView(entry.mode)).value(),
                   entry.total)
             << "mode " << QString::fromUtf16(entry.mode).toStdString() << ", supply " << entry.supply;

@@ -30,6 +30,10 @@ TEST(ContainerAmounts, FollowTheCountsAndTheProduct) {
         {{.bottles = 1, .emptyCrates = 0, .filledCrates = 0},
          {Won(0), Won(1000), 12, Won(0), Won(0)},
          {Won(), Won(83), Won(), Won()}},
+        // A mistyped count stays at the end of 64 bits.
+        {{.bottles = INT64_MAX, .emptyCrates = INT64_MAX, .filledCrates = INT64_MAX},
+         beer,
+         {Won(INT64_MAX), Won(INT64_MAX), Won(INT64_MAX), Won(INT64_MAX)}},
         // Without bottles in a crate only the filled crates carry their deposit.
         {{.bottles = 4, .emptyCrates = 0, .filledCrates = 2},
          draught,

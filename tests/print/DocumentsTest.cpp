@@ -119,6 +119,17 @@ TEST_F(Documents, ReceiptIsThatOfItsTransaction) {
     EXPECT_EQ(receipt(u"7002", u"T1"_s), QString());
     EXPECT_EQ(receipt(u"7001", u"20240510000123"_s), QString()) << "the approval of another slip";
     EXPECT_EQ(receipt(u"5002", u"20240510000123"_s), QString()) << "no simple payment";
+    // Without its sale it is the host's, under the number and customer of the row.
+    const auto host = [](const QString& transaction) {
+        return text(print::hostReceipt(u"2024-05-12", u"R", exchange(transaction)));
+    };
+    for (const QString& known : {u"거래일시   2024-05-10 14:30\n"_s, u"전표번호   5002\n"_s,
+                                 u"담당사원   홍길동 010-1111-2222\n"_s, u"사업자번호 220-05-98765\n"_s}) {
+        EXPECT_TRUE(host(u"20240510000123"_s).contains(known)) << known.toStdString();
+    }
+    EXPECT_TRUE(host(u"T3"_s).contains(u"거래일시   2024-05-12\n"_s) &&
+                host(u"T3"_s).contains(u"상호       XXXX\n"_s))
+        << host(u"T3"_s).toStdString();
 }
 
 TEST_F(Documents, ThePreviousReceivableIsTheCustomersWithoutTheSlipsOwnCollection) {

@@ -110,7 +110,7 @@ TEST_F(SlipPapers, AreReprintsUntilTheirSlipChanges) {
     printAll(Copy::Seller);
     EXPECT_EQ(states(), u"A결제 B미발행"_s);
 
-    device_.execute(u"INSERT INTO TEMP (PCode) VALUES ('1001')"_s);
+    device_.execute(u"INSERT INTO TEMP (GCode, PCode) VALUES ('0001', '1001')"_s);
     ASSERT_EQ(sales::saveSlip(u"A", kDate, u"5001"), sales::SaveOutcome::Saved);
     EXPECT_FALSE(reprints().contains(u"거래명세서"_s));
     printAll(Copy::Seller);

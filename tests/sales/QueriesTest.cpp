@@ -69,5 +69,15 @@ TEST(Products, AreFoundByKeyClassAndKindOfCustomer) {
     }
 }
 
+TEST(Products, StandMostUsedFirst) {
+    test::TestDevice device;
+    device.execute(
+        uR"(
+        INSERT INTO MPUMMOK (PCode, Gubun, AUTOCNT) VALUES ('1', '공용', '95'), ('2', '유흥', '1002'), ('3', '일반', '943'),
+            ('4', '공용', ''), ('5', '공용', '943'), ('6', '공용', 'x'), ('7', '공용', '10000000000'))"_s);
+    EXPECT_EQ(codes(frequentProducts(u"공용")), u"7 2 3 5 1 6 4"_s);
+    EXPECT_EQ(codes(frequentProducts(u"일반")), u"7 3 5 1 6 4"_s);
+}
+
 }  // namespace
 }  // namespace sales

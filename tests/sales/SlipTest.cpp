@@ -106,6 +106,16 @@ TEST_F(SlipTest, KeepsTheLineWhenTheChangeIsLostHalfWay) {
     EXPECT_EQ(workingLines().at(0, 0), u"0001"_s);
 }
 
+TEST_F(SlipTest, ChangesNoneOfTwoLinesAlike) {
+    for (int i = 0; i < 2; ++i) insertLine(line(u"0001"_s, u"1"_s, u"0"_s, won(1000, 100, 20, 3)));
+    const LineKey key{u"0001"_s, u"1"_s, u"0"_s};
+    EXPECT_EQ(linesOf(key), 2);
+    EXPECT_FALSE(replaceQuantities(key, 2, 0, won(2000, 200, 40, 6)));
+    EXPECT_FALSE(replaceAmounts(key, won(2000, 200, 20, 3)));
+    EXPECT_EQ(workingSums(), won(2000, 200, 40, 6));
+    EXPECT_EQ(linesOf(key), 2);
+}
+
 TEST_F(SlipTest, SavesAsUnprintedWithUserAndTime) {
     saved(kUser, kNumber, u"0009", u"발행");
     saved(u"lee", kNumber, u"0008", u"발행");
@@ -132,6 +142,20 @@ TEST_F(SlipTest, AQuoteInANameLosesItsStatementOnly) {
     insertLine(line(u"0002"_s, u"1"_s, u"0"_s, won(1000, 100, 20, 3)));
     EXPECT_EQ(saveSlip(kUser, kToday, kNumber), SaveOutcome::Saved);
     EXPECT_EQ(savedProducts(), u"0002"_s);
+}
+
+TEST_F(SlipTest, LeavesAnotherCustomersLinesUnderItsNumberAlone) {
+    const auto isTaken = [](QStringView user) { return isOtherCustomers(user, kToday, kNumber, u"0001"); };
+    EXPECT_FALSE(isTaken(kUser));
+    saved(kUser, kNumber, u"0009");
+    device.execute(u"UPDATE MTM SET GCode = '0002'"_s);
+    EXPECT_TRUE(isTaken(kUser));
+    EXPECT_TRUE(isTaken(u"lee")) << "deleting would take a colleague's along";
+    insertLine(line(u"0001"_s, u"1"_s, u"2"_s, won(1000, 100, 20, 3)));
+    EXPECT_EQ(saveSlip(kUser, kToday, kNumber), SaveOutcome::Taken);
+    EXPECT_EQ(savedProducts(), u"0009"_s);
+    EXPECT_EQ(saveSlip(u"lee", kToday, kNumber), SaveOutcome::Saved) << "an order under a colleague's number";
+    EXPECT_FALSE(isTaken(u"lee"));
 }
 
 TEST_F(SlipTest, KeepsTheSavedSlipWhenSavingIsLostHalfWay) {

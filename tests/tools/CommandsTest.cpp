@@ -103,10 +103,12 @@ TEST_F(CommandsTest, SlipsAreSummedByNumberAndUser) {
     makeDevice();
     execute(
         u"INSERT INTO MTM (DDate, GName, JunNo, UserID, WorkGubun, MMoney, BMoney, YMoney, GMoney) VALUES"
-        "('2024-03-29', '가람', '5001', 'A', '발행', '1000', '100', '10', '1'),"
+        "('2024-03-29', '가람', '5001', 'A', '발행', '1040', '100', '10', '1'),"
         "('2024-03-29', '가람', '5001', 'A', '발행', '2000', '200', '', 'x'),"
         "('2024-03-29', '나루', '5001', 'B', '미발행', '-5', '0', '0', '0'),"
         "('2024-03-28', '어제', '5001', 'A', '발행', '1', '1', '1', '1')"_s);
+    // A's totals round to a hundred won.
+    execute(u"DELETE FROM PDAUSER; INSERT INTO PDAUSER (userID, vatMode) VALUES ('A', '3')"_s);
     const QString heading = u"state\tcustomer\tnumber\tuser\tlines\ttotal\n"_s;
     const QString first = u"발행\t가람\t5001\tA\t2\t3311\n"_s;
     const QString second = u"미발행\t나루\t5001\tB\t1\t-5\n"_s;

@@ -1,9 +1,11 @@
 -- The colleague's day and yesterday are none of this salesman's close.
-INSERT INTO MTM (DDate, GCode, JunNo, WorkGubun, PCode, Box, Bon, UserID)
-VALUES ('2026-11-21', '0001', '5001', '발행', '1001', '90', '90', 'B'),
-       ('2026-11-20', '0001', '5001', '발행', '1001', '90', '90', 'A'),
-       ('2026-11-21', '0001', '5002', '결제', '1001', '3', '12', 'A'),
-       ('2026-11-21', '0001', '5003', '미발행', '1001', '2', '0', 'A');
+INSERT INTO MTM (DDate, GCode, JunNo, WorkGubun, PCode, Box, Bon, UserID, DTime)
+VALUES ('2026-11-21', '0001', '5001', '발행', '1001', '90', '90', 'B', '09:05'),
+       ('2026-11-20', '0001', '5001', '발행', '1001', '90', '90', 'A', '09:05'),
+       ('2026-11-21', '0001', '5002', '결제', '1001', '3', '12', 'A', '09:05'),
+       ('2026-11-21', '0001', '5003', '미발행', '1001', '2', '0', 'A', '09:05'),
+       -- Nothing is collected for this one; nobody has delivered the office's four orders.
+       ('2026-11-21', '0007', '5007', '미발행', '1001', '1', '4', 'A', '09:05');
 INSERT INTO YTM (DDate, GCode, JunNo, PCode, FBox, NBox, Bon, UserID)
 VALUES ('2026-11-21', '0001', '5003', '1001', '1', '2', '7', 'A'),
        ('2026-11-21', '0001', '5004', '1001', '90', '90', '90', 'B');

@@ -7,6 +7,7 @@ INSERT INTO YTM (DDate,GCode,GName,JunNo,PCode,UserID)
 SELECT DISTINCT DDate, GCode, GName, JunNo, '1001', UserID FROM MTM WHERE UserID = 'A';
 UPDATE MTMOK SET BANKTRANNO = '000000000042', MSGSENDTIME = '20261121100000' WHERE JunNo = '0004';
 -- Another day's rows of the same number stay whatever is deleted today, another salesman's do not.
-INSERT INTO MTMOK (DDate,GCode,JunNo,UserID) VALUES ('2026-11-20', '0001', '0003', 'A'), ('2026-11-21', '0003', '0003', 'B');
+INSERT INTO MTMOK (DDate,GCode,GName,JunNo,UserID,InMoney,BANKTRANNO)
+VALUES ('2026-11-20', '0001', '가람국밥', '0003', 'A', '0', NULL), ('2026-11-21', '0013', '파도국밥', '0003', 'B', '36500', '000000000043');
 INSERT INTO MTM (DDate,GCode,GName,JunNo,WorkGubun,PCode,UserID)
 VALUES ('2026-11-20', '0001', '가람국밥', '0003', '미발행', '1001', 'A'), ('2026-11-21', '0013', '파도국밥', '0003', '미발행', '1001', 'B');

@@ -1,5 +1,7 @@
+#include "books/PayableTotal.h"
 #include "db/Query.h"
 #include "platform/Won.h"
+#include "print/SlipBlocks.h"
 #include "rovanactl/Command.h"
 
 namespace admin {
@@ -18,24 +20,32 @@ struct Slip {
     QString number;
     QString user;
     int lines = 0;
-    platform::Won total;
+    platform::Won supply;
+    platform::Won vat;
+    platform::Won deposits;
 };
 
-/// The sales slips of the date, in order of number and user. A slip's total is all four amounts of its lines.
+/// The sales slips of the date, in order of number and user.
 QList<Slip> readSlips(const QString& date) {
     QList<Slip> slips;
     db::forEachRow(kSelectLines(date), [&](db::CVORecordset& line) {
         const QString number = line.GetFieldString(2);
         const QString user = line.GetFieldString(3);
         if (slips.isEmpty() || slips.last().number != number || slips.last().user != user) {
-            slips.append({line.GetFieldString(0), line.GetFieldString(1), number, user, 0, {}});
+            slips.append({line.GetFieldString(0), line.GetFieldString(1), number, user, 0, {}, {}, {}});
         }
         ++slips.last().lines;
-        for (int amount = 4; amount < 8; ++amount) {
-            slips.last().total += platform::parseWon(line.GetFieldString(amount));
-        }
+        const auto won = [&](int column) { return platform::parseWon(line.GetFieldString(column)); };
+        slips.last().supply += won(4);
+        slips.last().vat += won(5);
+        slips.last().deposits += won(6) + won(7);
     });
     return slips;
+}
+
+/// What the slip comes to on the terminal, in its salesman's VAT rounding mode.
+platform::Won total(const Slip& slip) {
+    return books::payableTotal(slip.supply, slip.vat, print::salesman(slip.user).vatMode) + slip.deposits;
 }
 
 void addSlipsOptions(QCommandLineParser& parser) {
@@ -52,7 +62,7 @@ Outcome listSlips(const Invocation& call) {
     for (const Slip& slip : readSlips(*date)) {
         if (call.options.isSet(u"user"_s) && slip.user != user) continue;
         call.out << slip.state << u'\t' << slip.customer << u'\t' << slip.number << u'\t' << slip.user
-                 << u'\t' << slip.lines << u'\t' << platform::formatWon(slip.total) << u'\n';
+                 << u'\t' << slip.lines << u'\t' << platform::formatWon(total(slip)) << u'\n';
     }
     return {};
 }

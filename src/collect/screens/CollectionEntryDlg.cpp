@@ -21,7 +21,6 @@ namespace collect {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
-using platform::parseWon;
 using platform::Won;
 
 constexpr int kFirstRowTop = 26;
@@ -149,6 +148,7 @@ void CCollectionEntryDlg::load() {
     isOthers_ = saved && !session.action.GCode.isEmpty() && saved->GCode != session.action.GCode;
     if (isOthers_) saved.reset();
     isApproved_ = saved && saved->isApproved();
+    setSimplePayment(saved && saved->isSimplePayment());
     if (session.WorkMode != app::kSalesWork) session.action.CrateDepositSum = saved ? saved->YMoney : Won();
     if (saved) {
         amounts_ = saved->amounts();
@@ -163,7 +163,7 @@ void CCollectionEntryDlg::load() {
         amounts_.vat = session.action.CheckoutVat;
         amounts_.deposit = session.action.CheckoutDeposits;
     }
-    recomputeTotal(amounts_);
+    if (!isSimplePayment_) recomputeTotal(amounts_);
     Won excess;
     if (saved && !saved->isSimplePayment() && saved->amounts().total != amounts_.total)
         excess = settleNewTotal(amounts_, saved->amounts().total);
@@ -216,15 +216,26 @@ void CCollectionEntryDlg::askToTakeOver(Won recovery) {
 void CCollectionEntryDlg::showAmounts() {
     for (const Value& value : kValues)
         setFittedText(value.control, grouped(amounts_.*value.amount), ui::FontHeight::Small);
-    setFittedText(kResultingReceivable, grouped(resultingReceivable(amounts_)), ui::FontHeight::Small);
+    // A simple payment has nothing to do with the debt.
+    setFittedText(kResultingReceivable,
+                  grouped(isSimplePayment_ ? amounts_.previousReceivable : resultingReceivable(amounts_)),
+                  ui::FontHeight::Small);
 }
 
 void CCollectionEntryDlg::keyAmount(const QString& title, Key key) {
-    if (!app::askNumber(title)) return;
-    const Won excess = key(amounts_, parseWon(app::keypadRequest().KeypadValue1));
+    const auto keyed = app::askAmount(title);
+    if (!keyed) return;
+    const Won excess = key(amounts_, *keyed);
     holdApprovedCard();
     if (!excess.isZero()) tellExcess(excess);
     showAmounts();
+}
+
+void CCollectionEntryDlg::setSimplePayment(bool isSimplePayment) {
+    if (isSimplePayment == isSimplePayment_) return;
+    isSimplePayment_ = isSimplePayment;
+    for (const int button : {1092, 1093, 1094, 1104, 1096, 1097, 1098, 1083, 1013})
+        control(button)->setEnabled(!isSimplePayment);
 }
 
 void CCollectionEntryDlg::holdApprovedCard() {
@@ -242,8 +253,9 @@ void CCollectionEntryDlg::settle(void (*rule)(books::SettlementAmounts&)) {
 }
 
 void CCollectionEntryDlg::keyEarlierReceivable() {
-    if (!app::askNumber(u"전미수"_s)) return;
-    collect::keyEarlierReceivable(amounts_, parseWon(app::keypadRequest().KeypadValue1));
+    const auto keyed = app::askAmount(u"전미수"_s);
+    if (!keyed) return;
+    collect::keyEarlierReceivable(amounts_, *keyed);
     showAmounts();
 }
 
@@ -264,6 +276,8 @@ void CCollectionEntryDlg::deletePrevious() {
     ui::message(u"이전입금전표내역을 삭제하였습니다.."_s);
     isApproved_ = false;
     approvedCard_.reset();
+    if (isSimplePayment_) amounts_ = {};
+    setSimplePayment(false);
     setText(1110, {});
     amounts_.previousReceivable = books::previousReceivable(session.action.GCode, session.WorkDate,
                                                             session.action.JunNo, session.UserID);

@@ -47,10 +47,14 @@ class CCollectionEntryDlg : public ui::Screen {
     void askToTakeOver(platform::Won recovery);
     /// After every change: the card of an approved collection keeps its amount.
     void holdApprovedCard();
+    /// The amounts of a simple payment, which was charged as it stands and moves no debt, are not changed
+    /// here.
+    void setSimplePayment(bool isSimplePayment);
     void showAmounts();
 
     books::SettlementAmounts amounts_;
     bool isApproved_ = false;
+    bool isSimplePayment_ = false;
     /// The saved collection of this number is another customer's; it gets one of its own when this is saved.
     bool isOthers_ = false;
     /// What the card was charged, when this customer's collection is approved.

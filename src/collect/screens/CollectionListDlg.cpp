@@ -2,6 +2,7 @@
 
 #include <QLabel>
 
+#include "app/ApprovedPayments.h"
 #include "app/Dialogs.h"
 #include "app/PaymentQuestion.h"
 #include "app/Session.h"
@@ -78,6 +79,7 @@ void CCollectionListDlg::deleteChosen() {
         ui::message(u"삭제할 전표를 선택하세요!"_s);
         return;
     }
+    if (!app::mayDeletePayments()) return;
     // No word about one that could not be deleted: the list still shows it.
     if (app::mayDelete(app::session().WorkDate, app::session().action.JunNo, {}))
         books::removeCollections(app::session().WorkDate, app::session().action.JunNo);

@@ -14,7 +14,6 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 using platform::formatWon;
-using platform::parseWon;
 using platform::Won;
 
 struct AmountRow {
@@ -84,8 +83,9 @@ void CSimplePaymentDlg::showAmounts() {
 }
 
 void CSimplePaymentDlg::keyAmount(SimpleAmount which, const QString& title) {
-    if (!app::askNumber(title, formatWon(value(amounts_, which)))) return;
-    const Won excess = keySimpleAmount(amounts_, which, parseWon(app::keypadRequest().KeypadValue1));
+    const auto keyed = app::askAmount(title, formatWon(value(amounts_, which)));
+    if (!keyed) return;
+    const Won excess = keySimpleAmount(amounts_, which, *keyed);
     if (!excess.isZero()) {
         ui::message(u"용공초과액이 ['%1'원] 발생하였습니다. 확인하세요!!"_s.arg(grouped(excess)));
     }

@@ -16,7 +16,7 @@ using namespace Qt::Literals::StringLiterals;
 using books::ContainerBalance;
 
 constexpr int kProductName = 1060;
-constexpr int kFirstRowTop = 200;
+constexpr int kFirstRowTop = 190;
 constexpr int kRowHeight = 18;
 constexpr auto kRight = Qt::AlignRight | Qt::AlignVCenter;
 
@@ -32,6 +32,7 @@ constexpr FigureRow kFigureRows[] = {
     {u"금일출고", 1078, 1083, [](const ContainerBalance& balance) { return balance.delivered; }},
     {u"회  수", 1079, 1084, [](const ContainerBalance& balance) { return balance.returned; }},
     {u"잔  액", 1080, 1085, [](const ContainerBalance& balance) { return balance.after(); }},
+    {u"미배송주문", 1081, 1086, [](const ContainerBalance& balance) { return balance.ordered; }},
 };
 
 }  // namespace
@@ -40,15 +41,15 @@ CContainerBalanceDlg::CContainerBalanceDlg() : Screen(app::dialogs::kContainerBa
     const ui::WaitCursor wait;
     addLabel(1059, {}, {4, 0, 232, 24});
     setFittedText(1059, u"용공잔액  "_s + app::session().action.GName, ui::FontHeight::Medium);
-    ui::ReportList* list = addList(1054, {0, 25, 240, 138});
+    ui::ReportList* list = addList(1054, {0, 25, 240, 128});
     const ui::ListColumn columns[] = {{u"상품명"_s, 116}, {u"상자"_s, 50, kRight}, {u"공병"_s, 58, kRight}};
     list->setColumns(columns);
     describe(list, u"용공잔액 상품"_s);
     connect(list, &ui::ReportList::rowClicked, this, &CContainerBalanceDlg::showProduct);
 
-    addLabel(kProductName, {}, {4, 164, 232, 18});
-    addLabel(0, u"상자"_s, {84, 182, 70, kRowHeight}, ui::FontHeight::Small, kRight);
-    addLabel(0, u"공병"_s, {160, 182, 74, kRowHeight}, ui::FontHeight::Small, kRight);
+    addLabel(kProductName, {}, {4, 154, 232, 18});
+    addLabel(0, u"상자"_s, {84, 172, 70, kRowHeight}, ui::FontHeight::Small, kRight);
+    addLabel(0, u"공병"_s, {160, 172, 74, kRowHeight}, ui::FontHeight::Small, kRight);
     int top = kFirstRowTop;
     for (const FigureRow& row : kFigureRows) {
         addLabel(0, row.caption.toString(), {4, top, 76, kRowHeight});

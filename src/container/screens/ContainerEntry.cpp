@@ -20,8 +20,6 @@ using namespace Qt::Literals::StringLiterals;
 constexpr int kCustomerName = 1059;
 constexpr int kReceivable = 1088;
 
-constexpr std::int64_t kHighestCount = 999;
-
 }  // namespace
 
 ContainerEntry::ContainerEntry(int dialogId) : Screen(dialogId) {
@@ -64,10 +62,6 @@ std::optional<ContainerCounts> ContainerEntry::askCounts(const ContainerCounts& 
             ui::message(u"회수수량은 0보다 작을수 없습니다..!"_s);
             return std::nullopt;
         }
-        if (count > kHighestCount) {
-            ui::message(u"공병, 상자 수량을 3자리까지만 지원합니다.. ^^!"_s);
-            return std::nullopt;
-        }
     }
     return counts;
 }
@@ -88,8 +82,10 @@ bool ContainerEntry::addLine(const QString& pCode, const ContainerCounts& counts
 }
 
 bool ContainerEntry::recount(const ContainerKey& key, const ContainerCounts& counts) {
-    const ContainerProduct product = containerProduct(key.PCode).value_or(ContainerProduct{});
-    return replaceCounts(key, counts, containerAmounts(counts, product.prices));
+    const auto product = containerProduct(key.PCode);
+    // Without its prices the line would be worth nothing.
+    if (!product) ui::message(u"품목코드에서 해당품목이 없습니다..!"_s);
+    return product && replaceCounts(key, counts, containerAmounts(counts, product->prices));
 }
 
 void ContainerEntry::finish() {

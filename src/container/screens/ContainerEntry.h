@@ -15,14 +15,14 @@ class ContainerEntry : public ui::Screen {
   protected:
     explicit ContainerEntry(int dialogId);
 
-    /// Asks the three counts. Nothing when the keypad was left without any, or with one below 0 or of more
-    /// than three digits, which is told.
+    /// Asks the three counts; an empty entry is 0. Nothing when the keypad was left with "취  소", or with a
+    /// count below 0, which is told.
     std::optional<ContainerCounts> askCounts(const ContainerCounts& start);
 
     /// Prices a line of the product and adds it to the working slip. False when the database did not take
     /// it.
     bool addLine(const QString& pCode, const ContainerCounts& counts);
-    /// Gives the line other counts and prices it anew. Result as for addLine.
+    /// Gives the line other counts and prices it anew. False also, and told, when the product is gone.
     bool recount(const ContainerKey& key, const ContainerCounts& counts);
 
     /// Saves the working slip and goes on to the collection of money with what it is worth. The screen

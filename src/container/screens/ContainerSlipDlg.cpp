@@ -221,7 +221,10 @@ void CContainerSlipDlg::editAmount(const QString& title, Won ContainerAmounts::*
     }
     const ContainerAmounts line = lineAmounts(*selected_).value_or(ContainerAmounts{});
     if (!app::askNumber(title, platform::formatWon(line.*amount))) return;
-    replaceAmount(*selected_, amount, platform::parseWon(app::keypadRequest().KeypadValue1));
+    const Won keyed = platform::parseWon(app::keypadRequest().KeypadValue1);
+    // Taken back for less than nothing, empties raise the customer's debt.
+    if (keyed < Won() && !ui::confirm(u"금액이 0보다 작습니다. 그대로 등록할까요?"_s, title)) return;
+    replaceAmount(*selected_, amount, keyed);
     showAmounts();
 }
 

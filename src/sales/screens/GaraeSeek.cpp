@@ -2,10 +2,10 @@
 
 #include <QLabel>
 
+#include "app/ApprovedPayments.h"
 #include "app/Dialogs.h"
 #include "app/PaymentQuestion.h"
 #include "app/Session.h"
-#include "books/CollectionSlip.h"
 #include "sales/CustomerQuery.h"
 #include "sales/SlipLine.h"
 #include "sales/SlipStore.h"
@@ -126,11 +126,8 @@ void CGaraeSeek::deleteChosen() {
         return;
     }
     if (!app::mayDelete(session.WorkDate, session.action.JunNo, {})) return fill();
-    const auto collection = books::loadCollection(session.WorkDate, session.action.JunNo, session.UserID);
     // A paid slip that was saved again is unprinted, but its card payment stands all the same.
-    const bool isPaid = session.action.SlipState == kPaid || (collection && collection->isApproved());
-    const bool alsoFollowers =
-        !isPaid || ui::confirm(u"카드결제된 입금표를 삭제할까요?"_s, u"카드결제된 입금표삭제"_s);
+    const bool alsoFollowers = app::mayDeletePayments(session.action.SlipState == kPaid);
     const bool isDeleted = deleteSlip(session.WorkDate, session.action.JunNo, alsoFollowers);
     ui::message(!isDeleted ? u"주문전표를 삭제하지 못했습니다..!"_s
                            : u"선택된 주문전표와 입금표 / 인수증을 삭제하였습니다..!"_s);

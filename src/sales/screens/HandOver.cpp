@@ -5,8 +5,9 @@
 
 namespace sales {
 
-void handOver(const SlipSums& sums, platform::Won receivable) {
+void handOver(const SlipSums& lines, platform::Won receivable) {
     app::SessionValues& session = app::session();
+    const SlipSums sums = slipSums(lines, session.UserField3);
     app::ActionValues& action = session.action;
     action.SupplySum = sums.supply;
     action.VatSum = sums.vat;
@@ -16,7 +17,7 @@ void handOver(const SlipSums& sums, platform::Won receivable) {
     action.CheckoutSupply = sums.supply;
     action.CheckoutVat = sums.vat;
     action.CheckoutDeposits = sums.deposits();
-    action.CheckoutTotal = slipTotal(sums, session.UserField3);
+    action.CheckoutTotal = sums.total();
     action.CheckoutReceivable = receivable;
 }
 

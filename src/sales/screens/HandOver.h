@@ -5,7 +5,8 @@
 
 namespace sales {
 
-/// Leaves the slip's sums and the customer's balance in the session, for the collection of money.
-void handOver(const SlipSums& sums, platform::Won receivable);
+/// Leaves what the slip of these lines comes to and the customer's balance in the session, for the collection
+/// of money. `lines` sums them.
+void handOver(const SlipSums& lines, platform::Won receivable);
 
 }  // namespace sales

@@ -35,6 +35,8 @@ constexpr int kList = 1054;
 
 constexpr std::int64_t kHighestQuantity = 999;
 
+constexpr QStringView kUnknownProduct = u"입력하신 상품코드는 존재하지 않습니다..!";
+
 /// A row of the amounts: the label or its button, the selected line's value and the slip's sum.
 struct AmountRow {
     int lineValue;
@@ -44,14 +46,13 @@ struct AmountRow {
     int top;
 };
 constexpr int kRowHeight = 24;
-constexpr int kTotalSum = 1087;
 constexpr AmountRow kAmountRows[] = {
     {1082, 1077, u"공급가", [](const LineAmounts& a) { return a.supply; }, 160},
     {1083, 1078, u"부가세", [](const LineAmounts& a) { return a.vat; }, 184},
     {1084, 1079, u"용기", [](const LineAmounts& a) { return a.crateDeposit; }, 208},
     {1085, 1080, u"공병", [](const LineAmounts& a) { return a.bottleDeposit; }, 222},
     {1086, 1081, u"소계", [](const LineAmounts& a) { return a.subtotal(); }, 236},
-    {1089, kTotalSum, u"합계", [](const LineAmounts& a) { return a.total(); }, 260},
+    {1089, 1087, u"합계", [](const LineAmounts& a) { return a.total(); }, 260},
 };
 
 }  // namespace
@@ -128,8 +129,22 @@ void CMtmDlg::addButtons() {
     setCancelButton(addBottomButton(1001, u"취 소"_s, 0, ui::bitmaps::kCancel, [this] { close(Cancelled); }));
 }
 
+bool CMtmDlg::isNumberTaken() const {
+    const app::SessionValues& session = app::session();
+    // A slip from the list brings no customer along: it is who its lines say.
+    return !session.action.GCode.isEmpty() &&
+           isOtherCustomers(session.UserID, session.WorkDate, session.action.JunNo, session.action.GCode);
+}
+
 void CMtmDlg::openSlip() {
     app::SessionValues& session = app::session();
+    if (isNumberTaken()) {
+        QTimer::singleShot(0, this, [this] {
+            tellNumberTaken();
+            close(Cancelled);
+        });
+        return;
+    }
     const auto opened = sales::openSlip(session.UserID, session.WorkDate, session.action.JunNo);
     if (!opened) {
         QTimer::singleShot(0, this, [this] {
@@ -150,10 +165,6 @@ void CMtmDlg::openSlip() {
     showAmounts();
 }
 
-Won CMtmDlg::total() const {
-    return slipTotal(sums_, app::session().UserField3);
-}
-
 void CMtmDlg::showLines() {
     list_->setRows(workingLines());
     if (selected_) list_->selectRow(rowOf(*selected_));
@@ -169,9 +180,10 @@ int CMtmDlg::rowOf(const LineKey& key) const {
 }
 
 void CMtmDlg::showAmounts() {
+    const SlipSums sums = slipSums(sums_, app::session().UserField3);
     for (const AmountRow& row : kAmountRows) {
         setAmount(row.lineValue, row.of(selectedAmounts_));
-        setAmount(row.slipSum, row.slipSum == kTotalSum ? total() : row.of(sums_));
+        setAmount(row.slipSum, row.of(sums));
     }
     handOver(sums_, receivable_);
 }
@@ -201,7 +213,7 @@ void CMtmDlg::addByCode() {
     if (!app::askText(u"상품코드"_s)) return;
     const QString pcode = app::keypadRequest().KeypadValue1;
     if (!productExists(pcode)) {
-        ui::message(u"입력하신 상품코드는 존재하지 않습니다..!"_s);
+        ui::message(kUnknownProduct.toString());
         return;
     }
     addProduct(pcode);
@@ -212,12 +224,17 @@ void CMtmDlg::addProduct(const QString& pcode) {
         ui::message(u"상품이 이미 등록되어있습니다..!"_s);
         return;
     }
+    // A frequent product may have left the price list since.
+    const std::optional<ProductName> product = productName(pcode);
+    if (!product) {
+        ui::message(kUnknownProduct.toString());
+        return;
+    }
     std::int64_t boxes = 0;
     std::int64_t bottles = 0;
     if (!askQuantities(&boxes, &bottles, {})) return;
 
     app::SessionValues& session = app::session();
-    const ProductName product = productName(pcode).value_or(ProductName{});
     const LineAmounts amounts =
         priceLine(session.action.GCode, session.action.CustomerKind, pcode, boxes, bottles).amounts;
     SlipLine line;
@@ -226,8 +243,8 @@ void CMtmDlg::addProduct(const QString& pcode) {
     line.GName = session.action.GName;
     line.JunNo = session.action.JunNo;
     line.PCode = pcode;
-    line.PName = product.Pname;
-    line.JGubun = product.JGubun;
+    line.PName = product->Pname;
+    line.JGubun = product->JGubun;
     line.Box = QString::number(boxes);
     line.Bon = QString::number(bottles);
     line.setAmounts(amounts);
@@ -244,10 +261,21 @@ bool CMtmDlg::askQuantities(std::int64_t* boxes, std::int64_t* bottles, const Li
     *bottles = parseInteger(app::keypadRequest().KeypadValue2);
     const auto isTooLong = [](std::int64_t n) { return n > kHighestQuantity || n < -kHighestQuantity; };
     // A line of nothing is no line.
-    if (*boxes == 0 && *bottles == 0) return false;
+    if (*boxes == 0 && *bottles == 0) {
+        ui::message(u"박스, 본 수량이 없으면 등록되지 않습니다..!"_s);
+        return false;
+    }
     if (!isTooLong(*boxes) && !isTooLong(*bottles)) return true;
     ui::message(u"박스, 본 수량을 3자리까지만 지원합니다.. ^^!"_s);
     return false;
+}
+
+bool CMtmDlg::isChosenTwice() {
+    if (linesOf(*selected_) < 2) return false;
+    ui::message(u"같은 상품, 같은 수량의 줄이 여러개라 수정할수 없습니다..! 삭제후 다시 등록하세요!!"_s);
+    showLines();
+    showAmounts();
+    return true;
 }
 
 void CMtmDlg::selectLine(int row) {
@@ -261,6 +289,7 @@ void CMtmDlg::changeQuantities() {
         ui::message(u"상품이 선택되지 않으면 수정할수 없습니다."_s);
         return;
     }
+    if (isChosenTwice()) return;
     std::int64_t boxes = 0;
     std::int64_t bottles = 0;
     if (!askQuantities(&boxes, &bottles, *selected_)) return;
@@ -271,11 +300,15 @@ void CMtmDlg::changeQuantities() {
         return;
     }
     const app::ActionValues& action = app::session().action;
-    const LineAmounts amounts =
-        priceLine(action.GCode, action.CustomerKind, selected_->PCode, boxes, bottles).amounts;
-    if (replaceQuantities(*selected_, boxes, bottles, amounts)) {
+    const PricedLine priced = priceLine(action.GCode, action.CustomerKind, selected_->PCode, boxes, bottles);
+    // Without a contract a product that has left the price list would become one for nothing.
+    if (priced.source != PriceSource::Contract && !productExists(selected_->PCode)) {
+        ui::message(kUnknownProduct.toString());
+        return;
+    }
+    if (replaceQuantities(*selected_, boxes, bottles, priced.amounts)) {
         selected_ = changed;
-        selectedAmounts_ = amounts;
+        selectedAmounts_ = priced.amounts;
         markUnsaved();
     }
     showLines();
@@ -291,6 +324,7 @@ void CMtmDlg::editAmount(const AmountEdit& edit) {
         ui::message(u"상품이 선택되지 않으면 수정할수 없습니다."_s);
         return;
     }
+    if (isChosenTwice()) return;
     if (!app::askNumber(edit.title, formatWon(edit.start(selectedAmounts_)))) return;
     const LineAmounts changed = edit.apply(selectedAmounts_, parseWon(app::keypadRequest().KeypadValue1));
     if (!replaceAmounts(*selected_, changed)) return;
@@ -319,17 +353,29 @@ void CMtmDlg::deleteSelected() {
         ui::message(u"상품이 선택되지 않으면 삭제할수 없습니다."_s);
         return;
     }
+    const int lines = linesOf(*selected_);
     deleteLine(*selected_);
     markUnsaved();
     deselect();
     showLines();
     showAmounts();
+    if (lines > 1) ui::message(u"같은 상품, 같은 수량의 줄 %1개를 모두 삭제하였습니다..!"_s.arg(lines));
+}
+
+void CMtmDlg::tellNumberTaken() const {
+    ui::message(
+        u"전표번호 %1에는 다른 거래처의 전표가 있어 주문서를 쓸수 없습니다..! 사무실에 연락하세요!!"_s.arg(
+            app::session().action.JunNo));
 }
 
 bool CMtmDlg::save() {
     const app::SessionValues& session = app::session();
     const SaveOutcome outcome = saveSlip(session.UserID, session.WorkDate, session.action.JunNo);
     if (outcome == SaveOutcome::Empty) ui::message(u"주문서에 등록된 상품이 없습니다..!"_s);
+    if (outcome == SaveOutcome::Taken) {
+        tellNumberTaken();
+        return false;
+    }
     // No word about one that failed: the log has it, and "저장됨" does not show.
     if (outcome == SaveOutcome::Failed) return false;
     hasUnsavedLines_ = false;

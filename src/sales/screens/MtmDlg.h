@@ -32,6 +32,9 @@ class CMtmDlg : public ui::Screen {
     void addAmountRows();
     void addButtons();
     void openSlip();
+    /// True when a new slip's number holds another customer's lines.
+    bool isNumberTaken() const;
+    void tellNumberTaken() const;
     void addFromSearch();
     void addByCode();
     void addProduct(const QString& pcode);
@@ -45,6 +48,8 @@ class CMtmDlg : public ui::Screen {
     bool save();
     void finish();
 
+    /// True, and told with the lines as they stand, when another line is like the chosen one.
+    bool isChosenTwice();
     /// Refills the list; the chosen line stays chosen.
     void showLines();
     /// The row of the line; -1 when the list does not hold it.
@@ -52,9 +57,8 @@ class CMtmDlg : public ui::Screen {
     void showAmounts();
     void markUnsaved();
     void deselect();
-    /// False when the keypad was left without a quantity, or with one of more than three digits.
+    /// False when the keypad was left with "취  소", or with quantities that make no line, which is told.
     bool askQuantities(std::int64_t* boxes, std::int64_t* bottles, const LineKey& start);
-    platform::Won total() const;
 
     ui::ReportList* list_ = nullptr;
     SlipSums sums_;

@@ -413,6 +413,8 @@ void CCardDlg::showBalance() {
 void CCardDlg::reprintPrevious() {
     books::TransactionRecord& record = books::transactionRecord();
     const auto slip = books::findByTransactionNumber(record.reply.transactionNumber);
+    // The slip of the visit before is not what was asked for.
+    record.slip = {};
     if (slip) {
         record.slip = {slip->DDate, slip->JunNo, slip->UserID, slip->GCode};
         record.amounts.supply = slip->PMoney;

@@ -145,7 +145,6 @@ std::vector<Product> inventProducts(const Options& options, Chance& chance) {
 
 QList<QStringList> frequentProducts(const Data& data) {
     QList<QStringList> rows;
-    // The counter is ordered as text, hence three digits throughout.
     int count = 980;
     const std::size_t step = std::max<std::size_t>(1, data.products.size() / 20);
     for (std::size_t i = 0; i < data.products.size() && count > 100; i += step) {
