@@ -10,6 +10,7 @@
 #include "platform/message/Component.h"
 #include "platform/message/SavedValues.h"
 #include "platform/message/Seal.h"
+#include "rovana-cardhost/HostSeal.h"
 #include "support/Exchange.h"
 #include "support/PrintQt.h"
 #include "support/RecordedTraces.h"
@@ -19,6 +20,7 @@ namespace test {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
+using namespace cardhost;
 using namespace platform::message;
 
 const QString kCardData = QString(104, u'7');

@@ -2,7 +2,7 @@
 
 #include "AdminTest.h"
 #include "platform/Device.h"
-#include "platform/message/Enrolment.h"
+#include "common/Enrolment.h"
 #include "platform/message/SavedValues.h"
 
 namespace test {
@@ -44,7 +44,7 @@ TEST_F(CardHostTest, WritesWhatTheTerminalReads) {
     const QString folder = QFileInfo(key).path();
     writeFile(u"host.key"_s, "the host's own folder");
     EXPECT_EQ(set(u"127.0.0.1"_s, u"1"_s, key).exitCode, admin::kSuccess);
-    EXPECT_EQ(enrolledKey(folder, u"4711"_s), own.publicKey) << "with the key of before";
+    EXPECT_EQ(cardhost::enrolledKey(folder, u"4711"_s), own.publicKey) << "with the key of before";
     ASSERT_EQ(readSavedValues(&values), kDone);
     EXPECT_EQ(values, (SavedValues{{u"101"_s, u"4711"_s},
                                    {u"221"_s, u"127000000001"_s},

@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/termdev/DemoCards.h"
+#include "desk/demo/DemoCards.h"
 #include "support/PrintQt.h"
 
 namespace {
@@ -94,7 +94,7 @@ void openToOthers(const QString& folder) {
 /// What of cards and passwords the files below a folder tell, and which of them others may read.
 QStringList leaks(const QString& folder) {
     QList<QByteArray> secrets;
-    for (const platform::termdev::DemoCard& card : platform::termdev::demoCards()) {
+    for (const desk::DemoCard& card : desk::demoCards()) {
         for (const QString& text :
              {card.number.toString(), track2(card).mid(1, 30), track3(card).mid(1, 30)}) {
             secrets << text.toUtf8()

@@ -6,7 +6,7 @@
 #include <QHostAddress>
 
 #include "platform/Device.h"
-#include "platform/message/Enrolment.h"
+#include "common/Enrolment.h"
 #include "platform/message/SavedValues.h"
 #include "platform/message/Seal.h"
 
@@ -30,7 +30,7 @@ QString tellTerminal(const QString& keyFile, quint16 port) {
         {kTerminalKey.toString(), kTerminal.toString()}};
     SigningKey own;
     const bool isTold = writeHostKey(*key) && writeSavedValues(values) && makeSigningKey(&own) == kDone &&
-                        enrolTerminal(QFileInfo(keyFile).path(), kTerminal.toString(), own.publicKey);
+                        cardhost::enrolTerminal(QFileInfo(keyFile).path(), kTerminal.toString(), own.publicKey);
     return isTold ? QString() : u"the saved values could not be written"_s;
 }
 

@@ -4,7 +4,7 @@
 
 #include "books/PaymentJournal.h"
 #include "platform/Device.h"
-#include "platform/message/Enrolment.h"
+#include "common/Enrolment.h"
 #include "platform/message/SavedValues.h"
 #include "platform/message/Seal.h"
 #include "rovanactl/Command.h"
@@ -46,7 +46,7 @@ Outcome setCardHost(const Invocation& call) {
     const quint16 port = options.value(u"port"_s).toUShort(&isPort);
     if (!isPort || port == 0) return usageError(u"--port takes a number from 1 to 65535"_s);
     const QString terminal = options.value(u"terminal"_s);
-    if (options.isSet(u"terminal"_s) && !isTerminalNumber(terminal))
+    if (options.isSet(u"terminal"_s) && !cardhost::isTerminalNumber(terminal))
         return usageError(u"--terminal takes up to ten digits"_s);
 
     QFile file(options.value(u"key"_s));
@@ -86,7 +86,7 @@ Outcome setCardHost(const Invocation& call) {
     // A host of this machine, as that of the demonstration, is told here and now.
     const QString hostFolder = QFileInfo(file).absolutePath();
     if (QFileInfo(hostFolder + u"/host.key"_s).isWritable() &&
-        enrolTerminal(hostFolder, number, own.publicKey)) {
+        cardhost::enrolTerminal(hostFolder, number, own.publicKey)) {
         call.out << u"and is enrolled there\n"_s;
     } else {
         call.out << u"the host answers it after: rovana-cardhost enrol --dir HOSTDIR --terminal "_s << number

@@ -1,4 +1,4 @@
-#include "platform/message/Enrolment.h"
+#include "common/Enrolment.h"
 
 #include <QDir>
 #include <QFile>
@@ -8,10 +8,12 @@
 
 #include "platform/message/SavedValues.h"
 
-namespace platform::message {
+namespace cardhost {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
+
+using platform::message::PublicKey;
 
 constexpr qsizetype kMostDigits = 10;
 constexpr qint64 kLargestFile = 1024;
@@ -48,7 +50,7 @@ std::optional<PublicKey> enrolledKey(const QString& hostFolder, const QString& n
     if (!isTerminalNumber(number)) return std::nullopt;
     QFile file(keyFile(hostFolder, number));
     if (!file.open(QIODevice::ReadOnly)) return std::nullopt;
-    return parsePublicKey(file.read(kLargestFile));
+    return platform::message::parsePublicKey(file.read(kLargestFile));
 }
 
 QStringList enrolledTerminals(const QString& hostFolder) {
@@ -61,4 +63,4 @@ QStringList enrolledTerminals(const QString& hostFolder) {
     return numbers;
 }
 
-}  // namespace platform::message
+}  // namespace cardhost
