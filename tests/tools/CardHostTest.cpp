@@ -1,8 +1,8 @@
 #include <QFileInfo>
 
 #include "AdminTest.h"
-#include "platform/Device.h"
 #include "common/Enrolment.h"
+#include "platform/Device.h"
 #include "platform/message/SavedValues.h"
 
 namespace test {
@@ -51,6 +51,11 @@ TEST_F(CardHostTest, WritesWhatTheTerminalReads) {
                                    {u"222"_s, u"1"_s},
                                    {u"301"_s, u"kept"_s}}));
 
+    EXPECT_TRUE(run({u"card-host"_s, u"--host"_s, u"[fd00::2]:40002"_s, u"--key"_s, key})
+                    .out.startsWith(u"terminal 4711 uses the card host [fd00::2]:40002\n"));
+    ASSERT_EQ(readSavedValues(&values), kDone);
+    EXPECT_EQ(values[u"221"_s] + u' ' + values[u"222"_s], u"fd00::2 40002"_s);
+
     // While it is open what became of a payment, nobody but the host of before can tell.
     execute(u"INSERT INTO PAYJOURNAL (Number, State) VALUES ('1', 'unknown')"_s);
     EXPECT_EQ(set(u"127.0.0.1"_s, u"2"_s, key).exitCode, admin::kSuccess) << "it may move";
@@ -71,6 +76,7 @@ TEST_F(CardHostTest, WrongValuesChangeNothing) {
     } cases[] = {
         {u"0.0.0.0"_s, u"1"_s, key, {}, admin::kUsageError},
         {u"127.0.0.1"_s, u"65536"_s, key, {}, admin::kUsageError},
+        {u"127.0.0.1:1"_s, u"2"_s, key, {}, admin::kUsageError},
         {u"127.0.0.1"_s, u"1"_s, key, {u"--terminal"_s, u"x"_s}, admin::kUsageError},
         {u"127.0.0.1"_s, u"1"_s, noKey, {}, admin::kFailure},
     };
