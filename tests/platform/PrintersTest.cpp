@@ -247,7 +247,7 @@ TEST_F(Printers, ASerialLineIsSetUpAndCarriesEveryByte) {
     PrinterSettings settings;
     settings.kind = PrinterSettings::Kind::Serial;
     settings.device = QString::fromLatin1(name);
-    settings.line.speed = 38400;
+    settings.line.speed = 19200;  // A new line has 38400.
     settings.line.flow = platform::SerialMode::Flow::Software;
     auto queue = std::make_unique<PrintQueue>(settings, kQuick);
     QByteArray job;
@@ -257,8 +257,8 @@ TEST_F(Printers, ASerialLineIsSetUpAndCarriesEveryByte) {
     EXPECT_EQ(readAvailable(master), job) << "no byte is changed on the way";
     termios mode{};
     ::tcgetattr(slave, &mode);
-    EXPECT_EQ(::cfgetospeed(&mode), speed_t(B38400));
     EXPECT_FALSE(mode.c_cflag & (HUPCL | CRTSCTS | PARENB)) << "it is not hung up at the end of a job";
+    EXPECT_EQ(::cfgetospeed(&mode), speed_t(B19200)) << "an adapter may still hold the last bytes";
     queue.reset();
     const auto modeWhileSending = [&](platform::SerialMode::Parity parity) {
         settings.line.parity = parity;

@@ -141,7 +141,7 @@ void CardReaderLine::close() {
     }
     if (serial_) {
         serial_->disconnect(this);
-        serial_->close();
+        closeSerial(serial_.get());
         serial_.release()->deleteLater();
     }
     for (int* descriptor : {&line_, &sibling_}) {

@@ -1,29 +1,18 @@
 #include "platform/termdev/DeviceLine.h"
 
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
 
 #include <QFile>
+#include <QFileInfo>
 #include <QSerialPort>
 #include <cerrno>
 #include <cstring>
 
 namespace platform::termdev {
 namespace {
-
-/// Changes the line's settings by `change`; false, with errno saying why, when that fails.
-template <typename Change>
-bool changeSettings(int line, Change change) {
-    termios settings{};
-    if (::tcgetattr(line, &settings) != 0) return false;
-    change(&settings);
-    return ::tcsetattr(line, TCSANOW, &settings) == 0;
-}
-
-QString errorText() {
-    return QString::fromLocal8Bit(std::strerror(errno));
-}
 
 QSerialPort::FlowControl flowControl(SerialMode::Flow flow) {
     switch (flow) {
@@ -44,17 +33,6 @@ int openDevice(const QString& path, int flags) {
 }
 
 QString openSerial(QSerialPort* port, const QString& path, const SerialMode& mode) {
-    // The line must not be hung up when it is closed: many printers take that for being switched off. The
-    // port leaves a line as it has found it, so this is set before.
-    const int before = openDevice(path, O_RDWR);
-    if (before < 0) return errorText();
-    const bool isLine =
-        changeSettings(before, [](termios* settings) { settings->c_cflag &= ~tcflag_t(HUPCL); });
-    if (!isLine) {
-        const QString reason = errorText();
-        ::close(before);
-        return reason;
-    }
     const bool hasParity = mode.parity != SerialMode::Parity::None;
     port->setPortName(path);
     port->setBaudRate(mode.speed);
@@ -63,21 +41,38 @@ QString openSerial(QSerialPort* port, const QString& path, const SerialMode& mod
                     : mode.parity == SerialMode::Parity::Odd ? QSerialPort::OddParity
                                                              : QSerialPort::NoParity);
     port->setFlowControl(flowControl(mode.flow));
-    const bool isOpen = port->open(QIODevice::ReadWrite);
-    ::close(before);
-    // The line itself could be opened, so it is its lock that another program has: two on one line would each
-    // have half of a card, or mix their jobs.
-    if (!isOpen)
-        return port->error() == QSerialPort::PermissionError ? QString::fromLocal8Bit(std::strerror(EBUSY))
-                                                             : port->errorString();
-    changeSettings(port->handle(), [hasParity](termios* settings) {
-        // No byte of this program's own goes among those of a job, and none from the printer restarts it.
-        settings->c_iflag &= ~tcflag_t(IGNPAR | INPCK | IXOFF | IXANY);
-        // A character with a wrong parity arrives behind a byte 255, which no character has. The port would
-        // let it pass.
-        if (hasParity) settings->c_iflag |= INPCK | PARMRK;
-    });
+    if (!port->open(QIODevice::ReadWrite)) {
+        // Where the rights are there, it is the line's lock that is not: two programs on one line would each
+        // have half of a card, or mix their jobs.
+        const QFileInfo file(path);
+        const bool isLocked =
+            port->error() == QSerialPort::PermissionError && file.isReadable() && file.isWritable();
+        return isLocked ? QString::fromLocal8Bit(std::strerror(EBUSY)) : port->errorString();
+    }
+    termios settings{};
+    ::tcgetattr(port->handle(), &settings);
+    // The line is not hung up when it is closed: many printers take that for being switched off.
+    settings.c_cflag &= ~tcflag_t(HUPCL);
+    // No byte of this side's own goes among those of a job, and none of the printer's restarts it.
+    settings.c_iflag &= ~tcflag_t(IGNPAR | INPCK | IXOFF | IXANY);
+    // A character with a wrong parity arrives behind a byte 255, which no character has. Qt would let it
+    // pass.
+    if (hasParity) settings.c_iflag |= INPCK | PARMRK;
+    ::tcsetattr(port->handle(), TCSANOW, &settings);
     return {};
+}
+
+void closeSerial(QSerialPort* port) {
+    if (!port->isOpen()) return;
+    // Qt sets a line back to what it was before, its speed and its hanging up too, while an adapter may still
+    // hold the last bytes of a job. So the line is closed here, and Qt closes what stands in its place.
+    ::ioctl(port->handle(), TIOCNXCL);
+    const int nothing = ::open("/dev/null", O_RDWR | O_CLOEXEC);
+    if (nothing >= 0) {
+        ::dup3(nothing, port->handle(), O_CLOEXEC);
+        ::close(nothing);
+    }
+    port->close();
 }
 
 }  // namespace platform::termdev

@@ -14,8 +14,10 @@ namespace platform::termdev {
 /// errno saying why, when it cannot be opened; the file must exist.
 int openDevice(const QString& path, int flags);
 
-/// Opens the serial line set to `mode`, 8-bit clean, and this program's alone. Why it cannot; empty when it
-/// can.
+/// Opens the serial line set to `mode`, raw, and this program's alone. Why it cannot; empty when it can.
 QString openSerial(QSerialPort* port, const QString& path, const SerialMode& mode);
+
+/// Closes the line and leaves it as it is set.
+void closeSerial(QSerialPort* port);
 
 }  // namespace platform::termdev

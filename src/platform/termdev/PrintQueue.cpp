@@ -91,6 +91,8 @@ void PrintQueue::proceed() {
     phase_ = Phase::Sending;
     sinceProgress_.start();
     line_ = PrinterLine::make(settings_);
+    // That it has begun is noted at once, lest a kill come first.
+    connect(line_.get(), &PrinterLine::changed, this, &PrintQueue::takeNote);
     connect(line_.get(), &PrinterLine::changed, this, &PrintQueue::step, Qt::QueuedConnection);
     // What the printer holds of the first try is ended, lest the command that follows be taken for its rest.
     line_->send(job_->stage == PrintSpool::Stage::Begun ? '\n' + *bytes : *bytes);

@@ -31,8 +31,8 @@ using namespace Qt::Literals::StringLiterals;
 /// Unanswered repetitions of a segment, about ten seconds, after which a printer has left the network. One
 /// that is out of paper answers.
 constexpr int kLostRepetitions = 6;
-constexpr qint64 kMostAnswers =
-    4096;  ///< Bytes of a printer's answers that are held before they are dropped.
+/// Bytes of a printer's answers that are held before they are dropped.
+constexpr qint64 kMostAnswers = 4096;
 
 QString errorText(int code) {
     return QString::fromLocal8Bit(std::strerror(code));
@@ -120,6 +120,7 @@ class SerialLine : public PrinterLine {
             port_.clear();
             port_.setFlowControl(QSerialPort::NoFlowControl);
         }
+        closeSerial(&port_);
     }
 
     void send(const QByteArray& job) override {

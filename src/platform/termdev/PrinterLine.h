@@ -9,8 +9,8 @@
 namespace platform::termdev {
 
 /// The way to a printer for one job, driven by the event loop. What becomes of the job shows in the figures
-/// here; `changed` says that one of them may be another. It is connected by a queue, since the line may go at
-/// any of its changes.
+/// here; `changed` says that one of them may be another. A receiver that may let the line go is connected by
+/// a queue.
 class PrinterLine : public QObject {
     Q_OBJECT
 
@@ -18,7 +18,7 @@ class PrinterLine : public QObject {
     /// A way to the printer that the settings name.
     static std::unique_ptr<PrinterLine> make(const PrinterSettings& settings);
 
-    /// Opens the line and sends the job as fast as the printer takes it. No signal is emitted from within.
+    /// Opens the line and sends the job as fast as the printer takes it.
     virtual void send(const QByteArray& job) = 0;
     /// Why the line is of no use any more; empty while it is.
     QString failure() const { return failure_; }
