@@ -16,13 +16,14 @@
 #include <vector>
 
 #include "Bench.h"
+#include "desk/demo/DemoCards.h"
 #include "platform/Device.h"
 #include "platform/message/Component.h"
 #include "platform/message/Fields.h"
 #include "platform/message/Frame.h"
 #include "platform/message/SavedValues.h"
 #include "platform/message/Seal.h"
-#include "platform/termdev/DemoCards.h"
+#include "rovana-cardhost/HostSeal.h"
 
 namespace bench {
 namespace {
@@ -125,7 +126,7 @@ class ApprovingHost {
             if (bytes.isEmpty()) return;
             reader.add(bytes);
         }
-        const auto opened = openRequest(request.sealed, keys_);
+        const auto opened = cardhost::openRequest(request.sealed, keys_);
         if (!opened) return;
         FieldWriter fields;
         fields.add(kMessageTypeField, kReplyType);
@@ -136,7 +137,7 @@ class ApprovingHost {
         for (const quint16 amount : {kAmountField, kFeeField, kDepositedField, kRemainingField}) {
             fields.add(amount, u"110000");
         }
-        const auto sealed = sealReply(opened->number, fields.bytes(), opened->replyKey, keys_);
+        const auto sealed = cardhost::sealReply(opened->number, fields.bytes(), opened->replyKey, keys_);
         const QByteArray reply =
             encodeFrame({FrameKind::Reply, opened->number, sealed.value_or(QByteArray())});
         requestBytes_ = encodeFrame(request).size();
@@ -166,8 +167,8 @@ class PayingTerminal {
             throw std::runtime_error("the terminal's files cannot be written");
         }
         QObject::connect(&component_, &Component::communicationEnded, [this] { loop_.quit(); });
-        const platform::termdev::DemoCard& card = platform::termdev::demoCards().front();
-        cardData_ = platform::termdev::track3(card).mid(1, 104);
+        const desk::DemoCard& card = desk::demoCards().front();
+        cardData_ = desk::track3(card).mid(1, 104);
         password_ = card.password.toString();
     }
     ~PayingTerminal() { platform::device::setFolder(before_); }

@@ -16,7 +16,8 @@ BEGIN {
     may["print/screens"] = may["app"] "app print "
     # The end of the day asks the card host for its sums, through the exchange that the card work has.
     may["totals/screens"] = may["totals/screens"] "van van/screens "
-    may["desk"] = may["app"] "app print "
+    may["desk/demo"] = " platform "
+    may["desk"] = may["app"] "app print desk/demo "
     for (i = 1; i < ARGC; i++) known[ARGV[i]] = 1
     findings = 0
 }
@@ -95,10 +96,10 @@ function tidy(path) {
     return path
 }
 
-# src/<folder>/... -> folder, src/<folder>/screens/... -> folder/screens, src/Screens.cpp -> ""
+# src/<folder>/... -> folder, src/<folder>/screens/... -> folder/screens (demo likewise), src/Screens.cpp -> ""
 function room_of(path,   parts) {
     if (split(path, parts, "/") < 3) return ""
-    return parts[3] == "screens" ? parts[2] "/screens" : parts[2]
+    return parts[3] == "screens" || parts[3] == "demo" ? parts[2] "/" parts[3] : parts[2]
 }
 
 function arrow(n,   a, b) {

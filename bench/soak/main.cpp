@@ -18,11 +18,11 @@
 #include "Screens.h"
 #include "app/RovanaApp.h"
 #include "db/ImportFile.h"
+#include "desk/demo/DemoCards.h"
 #include "platform/Device.h"
 #include "platform/OwnerOnly.h"
 #include "platform/Trace.h"
 #include "platform/adoce/DatabaseFile.h"
-#include "platform/termdev/DemoCards.h"
 #include "rovana-cardhost/Keys.h"
 #include "rovana-cardhost/Ledger.h"
 #include "rovana-play/DatabaseReader.h"
@@ -125,7 +125,7 @@ QString prepare(const QString& folder) {
     if (!error.isEmpty() || !QDir().mkpath(host)) return error + host;
     auto keys = cardhost::openKeys(host, &error);
     if (!keys) return error;
-    const platform::termdev::DemoCard& card = *platform::termdev::findDemoCard(u"good");
+    const desk::DemoCard& card = *desk::findDemoCard(u"good");
     cardhost::Ledger ledger(host, *std::move(keys));
     ledger.putCard(track3(card), card.password, cardhost::kLargestAmount, cardhost::kLargestAmount);
     return {};

@@ -12,7 +12,6 @@ namespace desk {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
-using platform::termdev::DemoCard;
 
 constexpr int kCardsInRow = 3;
 
@@ -119,13 +118,13 @@ CardSlot::CardSlot(QWidget* parent) : QWidget(parent), groove_(new Groove(this))
     layout->setSpacing(6);
     layout->addWidget(groove_, 0, 0, 1, kCardsInRow);
     int place = kCardsInRow;
-    for (const DemoCard& card : platform::termdev::demoCards()) {
+    for (const DemoCard& card : demoCards()) {
         auto* button = new Card(card, groove_, this);
         layout->addWidget(button, place / kCardsInRow, place % kCardsInRow);
         ++place;
         // The reader's announcement opens the password keypad and returns late: never within the press.
         connect(button, &Card::drawnThrough, this,
-                [this, &card] { QTimer::singleShot(0, this, [&card] { platform::termdev::swipe(card); }); });
+                [this, &card] { QTimer::singleShot(0, this, [&card] { swipe(card); }); });
     }
 }
 

@@ -3,7 +3,7 @@
 #include <QAbstractButton>
 #include <QPointer>
 
-#include "platform/termdev/DemoCards.h"
+#include "desk/demo/DemoCards.h"
 
 class QLabel;
 
@@ -31,7 +31,7 @@ class Card : public QAbstractButton {
     Q_OBJECT
 
   public:
-    Card(const platform::termdev::DemoCard& card, Groove* groove, QWidget* parent = nullptr);
+    Card(const DemoCard& card, Groove* groove, QWidget* parent = nullptr);
     ~Card() override;
     QSize sizeHint() const override { return {92, 38}; }
 
@@ -47,7 +47,7 @@ class Card : public QAbstractButton {
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
-    const platform::termdev::DemoCard& card_;
+    const DemoCard& card_;
     Groove* groove_;
     QPoint grip_;               ///< Where the pointer holds the card.
     QPointer<QLabel> carried_;  ///< The card in the air.

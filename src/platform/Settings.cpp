@@ -7,8 +7,8 @@
 #include <initializer_list>
 #include <utility>
 
+#include "platform/Address.h"
 #include "platform/Device.h"
-#include "platform/message/Connection.h"
 
 namespace platform {
 namespace {
@@ -142,11 +142,14 @@ void readPrinter(Values* values, Settings* settings) {
         {{u"roll", Kind::Roll}, {u"file", Kind::File}, {u"serial", Kind::Serial}, {u"tcp", Kind::Tcp}},
         &printer.kind);
     values->path(u"printer/device"_s, &printer.device);
-    values->use(u"printer/address"_s, u"an IPv4 address"_s, [&](const QString& text) {
-        if (!message::parseAddress(text)) return false;
-        printer.address = text;
-        return true;
-    });
+    values->use(u"printer/address"_s, u"an address such as 10.1.2.3 or [fe80::1%eth0]:9100"_s,
+                [&](const QString& text) {
+                    const std::optional<Endpoint> endpoint = parseEndpoint(text);
+                    if (!endpoint) return false;
+                    printer.address = endpoint->address.toString();
+                    if (endpoint->port > 0) printer.port = endpoint->port;
+                    return true;
+                });
     values->number(u"printer/port"_s, 1, 65535, &printer.port);
     values->line(u"printer"_s, &printer.line);
     values->choose(

@@ -21,7 +21,7 @@ struct PrinterSettings {
 
     Kind kind = Kind::Roll;
     QString device;   ///< Of a File or Serial printer.
-    QString address;  ///< Of a Tcp printer: IPv4, because looking up a name would hold the screen up.
+    QString address;  ///< Of a Tcp printer, in numbers: looking up a name would hold the screen up.
     int port = 9100;
     SerialMode line;
     Cut cut = Cut::None;

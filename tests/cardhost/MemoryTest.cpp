@@ -3,6 +3,7 @@
 #include "platform/SecureBytes.h"
 #include "platform/message/Component.h"
 #include "platform/message/SavedValues.h"
+#include "rovana-cardhost/HostSeal.h"
 #include "support/Exchange.h"
 #include "support/HostProcess.h"
 #include "support/MemorySearch.h"
@@ -12,6 +13,7 @@ namespace test {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
+using namespace cardhost;
 using namespace platform::message;
 using platform::SecureText;
 

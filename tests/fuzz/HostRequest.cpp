@@ -2,9 +2,9 @@
 
 #include <QTemporaryDir>
 
+#include "common/Enrolment.h"
+#include "desk/demo/DemoCards.h"
 #include "fuzz/Target.h"
-#include "platform/message/Enrolment.h"
-#include "platform/termdev/DemoCards.h"
 #include "rovana-cardhost/Ledger.h"
 #include "rovana-cardhost/RequestReader.h"
 
@@ -21,7 +21,7 @@ constexpr QStringView kEnrolled = u"4711";
 class Host {
   public:
     Host() : ledger(folder_.path(), makeKeys()) {
-        for (const auto& card : platform::termdev::demoCards()) {
+        for (const auto& card : desk::demoCards()) {
             if (card.isKnown) ledger.putCard(track3(card), card.password, card.balance, card.limit);
         }
         require(sqlite3_open(QFile::encodeName(folder_.filePath(QStringLiteral("ledger.db"))).constData(),

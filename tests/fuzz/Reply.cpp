@@ -4,8 +4,10 @@
 
 #include "fuzz/Target.h"
 #include "platform/message/SavedValues.h"
+#include "rovana-cardhost/HostSeal.h"
 #include "support/Exchange.h"
 
+using namespace cardhost;
 using namespace platform::message;
 using fuzz::require;
 

@@ -3,12 +3,14 @@
 #include "platform/message/Fields.h"
 #include "platform/message/Frame.h"
 #include "platform/message/Seal.h"
+#include "rovana-cardhost/HostSeal.h"
 #include "support/PrintQt.h"
 
 namespace test {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
+using namespace cardhost;
 using namespace platform::message;
 using platform::SecureBytes;
 using Result = FrameReader::Result;

@@ -1,4 +1,6 @@
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
 
 #include <QFile>
 #include <QTcpServer>
@@ -10,6 +12,7 @@
 #include "platform/message/Component.h"
 #include "platform/message/SavedValues.h"
 #include "platform/message/Seal.h"
+#include "rovana-cardhost/HostSeal.h"
 #include "support/Exchange.h"
 #include "support/PrintQt.h"
 #include "support/RecordedTraces.h"
@@ -19,6 +22,7 @@ namespace test {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
+using namespace cardhost;
 using namespace platform::message;
 
 const QString kCardData = QString(104, u'7');
@@ -58,8 +62,9 @@ class ComponentTest : public ::testing::Test {
         EXPECT_TRUE(writeHostKey(host.publicKey));
         SigningKey own;
         EXPECT_EQ(makeSigningKey(&own), kDone);
-        EXPECT_TRUE(writeSavedValues(
-            {{u"101"_s, u"4711"_s}, {u"221"_s, savedAddress(0x7F000001)}, {u"222"_s, u"8480"_s}}));
+        EXPECT_TRUE(writeSavedValues({{u"101"_s, u"4711"_s},
+                                      {u"221"_s, savedAddress(QHostAddress(QHostAddress::LocalHost))},
+                                      {u"222"_s, u"8480"_s}}));
         EXPECT_TRUE(listener.listen(QHostAddress::LocalHost));
     }
 
@@ -226,6 +231,53 @@ TEST_F(ComponentTest, CommunTellsWhatItCannotStart) {
     }
     EXPECT_EQ(terminal.commun(port()), kBadInput) << "a request is sent once";
     terminal.wait();
+
+    // No descriptor is left for a socket.
+    ASSERT_EQ(terminal.payment(kCardData, u"1234"), kDone);
+    rlimit before{};
+    ::getrlimit(RLIMIT_NOFILE, &before);
+    const rlimit none{0, before.rlim_max};
+    ::setrlimit(RLIMIT_NOFILE, &none);
+    EXPECT_EQ(terminal.commun(port()), kLinkFailed);
+    ::setrlimit(RLIMIT_NOFILE, &before);
+    EXPECT_EQ(terminal.wait(), u"ksnet -504 ended");
+    EXPECT_FALSE(terminal.component.hasSent());
+}
+
+TEST_F(ComponentTest, AHostMayHaveAnIPv6Address) {
+    QTcpServer newer;
+    if (!newer.listen(QHostAddress::LocalHostIPv6)) GTEST_SKIP() << "this machine has none";
+    ASSERT_EQ(terminal.payment(kCardData, u"1234"), kDone);
+    ASSERT_EQ(terminal.commun(newer.serverPort(), 30, u"::1"), kDone);
+    QObject::connect(&terminal.component, &Component::messageSent, &newer, [&] {
+        ASSERT_TRUE(newer.hasPendingConnections() || newer.waitForNewConnection(5000));
+        newer.nextPendingConnection()->abort();
+    });
+    EXPECT_EQ(terminal.wait(), QString::fromLatin1(kNoAnswer));
+    EXPECT_TRUE(terminal.component.hasSent());
+}
+
+// A connection that breaks before the first write: Qt's buffer holds the request, the system nothing of it.
+TEST_F(ComponentTest, WhatTheSystemHasNotTakenHasNotLeft) {
+    ASSERT_EQ(terminal.payment(kCardData, u"1234"), kDone);
+    ASSERT_EQ(terminal.commun(port()), kDone);
+    auto* const socket = terminal.component.findChild<QTcpSocket*>();
+    ASSERT_TRUE(socket);
+    EXPECT_FALSE(terminal.component.hasSent()) << "nothing waits for a connection";
+    EXPECT_EQ(socket->bytesToWrite(), 0);
+    bool isHanded = false;
+    QObject::connect(socket, &QTcpSocket::connected, &listener, [&] {
+        isHanded = socket->bytesToWrite() > 0;
+        EXPECT_TRUE(terminal.component.hasSent()) << "it may leave at any moment";
+        ASSERT_TRUE(listener.hasPendingConnections() || listener.waitForNewConnection(5000));
+        QTcpSocket* const taken = listener.nextPendingConnection();
+        const linger atOnce{1, 0};
+        ::setsockopt(int(taken->socketDescriptor()), SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
+        taken->abort();
+    });
+    EXPECT_EQ(terminal.wait(), u"communicating error ended");
+    EXPECT_TRUE(isHanded);
+    EXPECT_FALSE(terminal.component.hasSent());
 }
 
 TEST_F(ComponentTest, ARefusedConnectionIsAnEvent) {

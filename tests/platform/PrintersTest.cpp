@@ -13,11 +13,14 @@
 #include <QImage>
 #include <QProcess>
 #include <QStandardPaths>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <csignal>
 
 #include "platform/termdev/EscPos.h"
 #include "platform/termdev/PrintQueue.h"
 #include "platform/termdev/TermDev.h"
+#include "support/Openings.h"
 #include "support/PrintQt.h"
 #include "support/Pump.h"
 #include "support/RecordedTraces.h"
@@ -209,6 +212,31 @@ TEST_F(Printers, JobsWaitForAPrinterInOrder) {
     ::close(reader);
 }
 
+TEST_F(Printers, OneThatIsAwayIsTriedLessAndLessOftenAndAtOnceForTheUser) {
+    test::needApplication();
+    PrinterSettings settings = fileSettings();
+    settings.kind = PrinterSettings::Kind::Serial;  // Which a plain file is not.
+    test::Openings tries(settings.device);
+    {
+        PrintQueue queue(settings, kQuick);
+        QElapsedTimer waited;
+        waited.start();
+        EXPECT_TRUE(queue.add("job\n"));
+        EXPECT_TRUE(test::pump([&] { return tries.count() >= 5; }));
+        EXPECT_GE(waited.elapsed(), (20 + 40 + 80 + 80) * 9 / 10);
+    }
+    PrintQueue::Times hourly = kQuick;
+    hourly.retry = hourly.longest = hourly.look = 3'600'000;
+    settings.kind = PrinterSettings::Kind::File;
+    settings.device = file(u"absent"_s);
+    PrintQueue queue(settings, hourly);
+    EXPECT_TRUE(queue.add("one\n"));
+    EXPECT_EQ(queue.status().state, State::Fault);
+    device_.writeFile(u"\\absent", {});
+    EXPECT_TRUE(queue.add("two\n"));
+    EXPECT_TRUE(test::pump([&] { return queue.status().state == State::Ready; }));
+}
+
 TEST_F(Printers, ASerialLineIsSetUpAndCarriesEveryByte) {
     test::needApplication();
     int master = -1;
@@ -219,19 +247,28 @@ TEST_F(Printers, ASerialLineIsSetUpAndCarriesEveryByte) {
     PrinterSettings settings;
     settings.kind = PrinterSettings::Kind::Serial;
     settings.device = QString::fromLatin1(name);
-    settings.line.speed = 38400;
+    settings.line.speed = 19200;  // A new line has 38400.
     settings.line.flow = platform::SerialMode::Flow::Software;
-    PrintQueue queue(settings, kQuick);
+    auto queue = std::make_unique<PrintQueue>(settings, kQuick);
     QByteArray job;
     for (int i = 0; i < 256; ++i) job += char(i);
-    EXPECT_TRUE(queue.add(job));
-    EXPECT_TRUE(test::pump([&] { return queue.status().state == State::Ready; }));
+    EXPECT_TRUE(queue->add(job));
+    EXPECT_TRUE(test::pump([&] { return queue->status().state == State::Ready; }));
     EXPECT_EQ(readAvailable(master), job) << "no byte is changed on the way";
     termios mode{};
     ::tcgetattr(slave, &mode);
-    EXPECT_EQ(::cfgetospeed(&mode), speed_t(B38400));
-    EXPECT_TRUE(mode.c_iflag & IXON);
-    EXPECT_FALSE(mode.c_cflag & (HUPCL | CRTSCTS | PARENB));
+    EXPECT_FALSE(mode.c_cflag & (HUPCL | CRTSCTS | PARENB)) << "it is not hung up at the end of a job";
+    EXPECT_EQ(::cfgetospeed(&mode), speed_t(B19200)) << "an adapter may still hold the last bytes";
+    queue.reset();
+    const auto modeWhileSending = [&](platform::SerialMode::Parity parity) {
+        settings.line.parity = parity;
+        PrintQueue stuck(settings, kQuick);
+        EXPECT_TRUE(stuck.add(QByteArray(100'000, 'x')));
+        ::tcgetattr(slave, &mode);
+        return mode.c_iflag & (ICRNL | IXON | IXOFF | IXANY | IGNPAR | INPCK | PARMRK);
+    };
+    EXPECT_EQ(modeWhileSending(platform::SerialMode::Parity::None), tcflag_t(IXON));
+    EXPECT_EQ(modeWhileSending(platform::SerialMode::Parity::Even), tcflag_t(IXON | INPCK | PARMRK));
     ::close(slave);
     ::close(master);
 }
@@ -290,6 +327,24 @@ class NetworkPrinter {
     int connection_ = -1;
     sockaddr_in address_{};
 };
+
+TEST_F(Printers, ANetworkPrinterMayHaveAnIPv6Address) {
+    test::needApplication();
+    QTcpServer printer;
+    if (!printer.listen(QHostAddress::LocalHostIPv6)) GTEST_SKIP() << "this machine has none";
+    PrinterSettings settings;
+    settings.kind = PrinterSettings::Kind::Tcp;
+    settings.address = u"::1"_s;
+    settings.port = printer.serverPort();
+    PrintQueue queue(settings, kQuick);
+    EXPECT_TRUE(queue.add("job\n"));
+    QByteArray paper;
+    EXPECT_TRUE(test::pump([&] {
+        if (auto* const taken = printer.findChild<QTcpSocket*>()) paper += taken->readAll();
+        return queue.status().state == State::Ready && !paper.isEmpty();
+    }));
+    EXPECT_EQ(paper, "job\n");
+}
 
 TEST_F(Printers, ANetworkPrinterMayStopAndBreakOff) {
     test::needApplication();

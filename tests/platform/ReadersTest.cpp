@@ -4,12 +4,15 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <QElapsedTimer>
 #include <QFile>
 
 #include "platform/termdev/CardReader.h"
 #include "platform/termdev/CardReaderLine.h"
 #include "platform/termdev/Keystrokes.h"
 #include "platform/termdev/Swipe.h"
+#include "support/MemorySearch.h"
+#include "support/Openings.h"
 #include "support/Pump.h"
 #include "support/RecordedTraces.h"
 #include "support/TestDevice.h"
@@ -131,6 +134,9 @@ TEST_F(Readers, ASerialReader) {
     settings.device = QString::fromLatin1(name);
     test::RecordedTraces traces;
     const CardReaderLine line(settings, 20);
+    EXPECT_EQ(CardReaderLine(settings, 20).status().fault, u"Device or resource busy"_s)
+        << "one has the line";
+    traces.take();
     send("\x02" + kTrack2 + kTrack3 + "\r\x03");
     expectSwipe(1);
     send(kTrack2 + kTrack3);  // Nothing ends it but the silence.
@@ -150,6 +156,56 @@ TEST_F(Readers, ASerialReader) {
     ::close(slave);
     ::close(master);
     EXPECT_TRUE(test::pump([&] { return line.status().state == DeviceStatus::State::Fault; }));
+}
+
+TEST_F(Readers, ASerialReaderLeavesNothingInMemory) {
+    if (!test::kCanSearchMemory) GTEST_SKIP();
+    int master = -1;
+    int slave = -1;
+    char name[64];
+    ASSERT_EQ(::openpty(&master, &slave, name, nullptr, nullptr), 0);
+    ReaderSettings settings;
+    settings.kind = ReaderSettings::Kind::Serial;
+    settings.device = QString::fromLatin1(name);
+    settings.tracks = ReaderSettings::Tracks::Only3;
+    const CardReaderLine line(settings);
+    const auto send = [&](char character) { EXPECT_EQ(::write(master, &character, 1), 1); };
+    send('+');
+    for (std::size_t at = 0; at < test::kTrack.size; ++at) send(char(test::kTrack.character(at)));
+    send('?');
+    send('\r');
+    EXPECT_TRUE(test::pump([&] { return swipes_ == 1; }));
+    EXPECT_FALSE(test::kTrackPiece.places().empty()) << "the search finds what is there";
+    CardReader::instance().enable(false);
+    // What hands a swipe on goes with the event.
+    QCoreApplication::processEvents();
+    EXPECT_EQ(test::kTrackPiece.places(), std::vector<std::string>());
+    ::close(slave);
+    ::close(master);
+}
+
+TEST_F(Readers, OneThatIsAwayIsLookedForLessAndLessOftenAndAtOnceForTheUser) {
+    CardReader::instance().enable(false);
+    ReaderSettings settings;
+    settings.kind = ReaderSettings::Kind::Serial;
+    settings.device = device_.folder() + u"/reader"_s;
+    device_.writeFile(u"\\reader", {});  // Which is no serial line.
+    {
+        test::Openings tries(settings.device);
+        QElapsedTimer waited;
+        waited.start();
+        const CardReaderLine line(settings, 20, 80);
+        EXPECT_TRUE(test::pump([&] { return tries.count() >= 5; }));
+        EXPECT_GE(waited.elapsed(), (20 + 40 + 80 + 80) * 9 / 10);
+    }
+    settings.kind = ReaderSettings::Kind::Evdev;
+    settings.device += u"-absent"_s;
+    const CardReaderLine line(settings, 3'600'000);
+    EXPECT_EQ(line.status().state, DeviceStatus::State::Fault);
+    device_.writeFile(u"\\reader-absent", {});
+    test::RecordedTraces traces;
+    CardReader::instance().enable(true);
+    EXPECT_TRUE(test::pump([&] { return traces.take().contains(u"card reader: it works again"_s); }));
 }
 
 /// The events of keys that type the text, a millisecond apart from `moment` on.

@@ -32,6 +32,12 @@ TEST(Settings, GoodValuesAreTakenAndBadOnesTold) {
     EXPECT_EQ(settings.scale, 1.5);
     EXPECT_EQ(settings.logKilobytes, 64);
 
+    device.writeFile(u"\\rovana.conf", "[printer]\ntype = tcp\naddress = [fd00::2]:9101\n");
+    settings = readSettings();
+    EXPECT_EQ(settings.complaints.join(u'\n').toStdString(), "");
+    EXPECT_EQ(settings.printer.address, u"fd00::2"_s);
+    EXPECT_EQ(settings.printer.port, 9101);
+
     const QByteArray bad[] = {"[printer]\nspeed = 9601",        "[printer]\ntype = laser",
                               "[printer]\nport = 70000",        "[printer]\naddress = a.b",
                               "[printer]\ntype = tcp",          "[reader]\ntype = serial",

@@ -8,7 +8,7 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
-#include "platform/message/Enrolment.h"
+#include "common/Enrolment.h"
 #include "platform/message/SavedValues.h"
 #include "support/Pump.h"
 
@@ -39,7 +39,7 @@ class HostProcess {
         platform::message::SigningKey own;
         ASSERT_EQ(platform::message::makeSigningKey(&own), platform::message::kDone);
         for (const QString& number : {u"4711"_s, u"4712"_s, u"4713"_s, u"98"_s, u"99"_s, u"0000000001"_s})
-            ASSERT_TRUE(platform::message::enrolTerminal(folder(), number, own.publicKey));
+            ASSERT_TRUE(cardhost::enrolTerminal(folder(), number, own.publicKey));
     }
     void stop() {
         if (process_.state() == QProcess::NotRunning) return;
@@ -49,14 +49,6 @@ class HostProcess {
 
     quint16 port() const { return port_; }
     QString folder() const { return folder_.path(); }
-
-    /// The most memory that it has had at once, in KiB.
-    qint64 mostMemory() const {
-        QFile status(QStringLiteral("/proc/%1/status").arg(process_.processId()));
-        EXPECT_TRUE(status.open(QIODevice::ReadOnly));
-        const QByteArray text = status.readAll();
-        return text.sliced(text.indexOf("VmHWM:") + 6).simplified().split(' ').first().toLongLong();
-    }
 
     static QString program() {
         return QCoreApplication::applicationDirPath() + QStringLiteral("/rovana-cardhost");

@@ -1,8 +1,8 @@
 #include <QFileInfo>
 
 #include "AdminTest.h"
+#include "common/Enrolment.h"
 #include "platform/Device.h"
-#include "platform/message/Enrolment.h"
 #include "platform/message/SavedValues.h"
 
 namespace test {
@@ -44,12 +44,17 @@ TEST_F(CardHostTest, WritesWhatTheTerminalReads) {
     const QString folder = QFileInfo(key).path();
     writeFile(u"host.key"_s, "the host's own folder");
     EXPECT_EQ(set(u"127.0.0.1"_s, u"1"_s, key).exitCode, admin::kSuccess);
-    EXPECT_EQ(enrolledKey(folder, u"4711"_s), own.publicKey) << "with the key of before";
+    EXPECT_EQ(cardhost::enrolledKey(folder, u"4711"_s), own.publicKey) << "with the key of before";
     ASSERT_EQ(readSavedValues(&values), kDone);
     EXPECT_EQ(values, (SavedValues{{u"101"_s, u"4711"_s},
                                    {u"221"_s, u"127000000001"_s},
                                    {u"222"_s, u"1"_s},
                                    {u"301"_s, u"kept"_s}}));
+
+    EXPECT_TRUE(run({u"card-host"_s, u"--host"_s, u"[fd00::2]:40002"_s, u"--key"_s, key})
+                    .out.startsWith(u"terminal 4711 uses the card host [fd00::2]:40002\n"));
+    ASSERT_EQ(readSavedValues(&values), kDone);
+    EXPECT_EQ(values[u"221"_s] + u' ' + values[u"222"_s], u"fd00::2 40002"_s);
 
     // While it is open what became of a payment, nobody but the host of before can tell.
     execute(u"INSERT INTO PAYJOURNAL (Number, State) VALUES ('1', 'unknown')"_s);
@@ -77,6 +82,7 @@ TEST_F(CardHostTest, WrongValuesChangeNothing) {
     } cases[] = {
         {u"0.0.0.0"_s, u"1"_s, key, {}, admin::kUsageError},
         {u"127.0.0.1"_s, u"65536"_s, key, {}, admin::kUsageError},
+        {u"127.0.0.1:1"_s, u"2"_s, key, {}, admin::kUsageError},
         {u"127.0.0.1"_s, u"1"_s, key, {u"--terminal"_s, u"x"_s}, admin::kUsageError},
         {u"127.0.0.1"_s, u"1"_s, noKey, {}, admin::kFailure},
     };

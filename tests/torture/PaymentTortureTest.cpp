@@ -60,9 +60,9 @@ class PaymentTorture : public test::TortureTest {
         const QByteArray line = host_.readLine().trimmed();
         port_ = QString::fromLatin1(line.mid(line.lastIndexOf(':') + 1));
     }
-    void tellOfHost(int terminal) {
+    void tellOfHost() {
         runTool({u"card-host"_s, u"--device"_s, device(), u"--host"_s, u"127.0.0.1"_s, u"--port"_s, port_,
-                 u"--key"_s, hostFolder() + u"/host.pub"_s, u"--terminal"_s, QString::number(terminal)});
+                 u"--key"_s, hostFolder() + u"/host.pub"_s});
     }
     void startVisit(const QString& steps, QStringView time) {
         startTerminal(u"clock 2026-11-21 %1\nlogin A 1111\n%2"_s.arg(time, steps));
@@ -162,7 +162,7 @@ TEST_F(PaymentTorture, EverySlipIsPaidOnceAsTheHostHasCharged) {
              u"09:00"))
         << said_.constData();
     startHost({});
-    tellOfHost(1);
+    tellOfHost();
     copyDevice(device(), fresh);
 
     int run = 0;
@@ -170,20 +170,15 @@ TEST_F(PaymentTorture, EverySlipIsPaidOnceAsTheHostHasCharged) {
     for (; goesOn(run, kRuns, kFewestRuns); ++run) {
         random_.seed(seed_ + unsigned(run));
         const Kind& kind = kKinds[any(int(std::size(kKinds)))];
-        // One that knows no questions, and nothing of this terminal.
-        const bool isOldHost = any(6) == 0;
-        QString story = u"run %1, seed %2: %3%4"_s.arg(run)
-                            .arg(seed_ + unsigned(run))
-                            .arg(QLatin1StringView(kind.name), isOldHost ? u", old host"_s : QString());
-        const QStringList always = isOldHost ? QStringList{u"--fault"_s, u"old-host"_s} : QStringList();
+        QString story =
+            u"run %1, seed %2: %3"_s.arg(run).arg(seed_ + unsigned(run)).arg(QLatin1StringView(kind.name));
         copyDevice(fresh, device());
-        if (isOldHost) tellOfHost(2 + run);
         before_ = atHost("SELECT coalesce(max(id), 0) FROM payment").toLongLong();
 
         // The payment, then up to two terminals that ask about it and are killed in their turn.
         for (int round = 0; round < 3; ++round) {
             const QStringList fault = anyFault();
-            startHost(fault + always);
+            startHost(fault);
             const int moment = any(kMoments);
             const int delayUs = any(2) == 0 ? any(3000) : any(60000);
             const QString steps = round == 0 ? kind.steps + u"patience 10\nswipe good 1234 ok\n"_s +
@@ -202,18 +197,12 @@ TEST_F(PaymentTorture, EverySlipIsPaidOnceAsTheHostHasCharged) {
         const QString number = open();
         // A request of the killed terminal may still wait at the host.
         if (!number.isEmpty()) stop(&host_);
-        startHost(always);
+        startHost({});
         QString steps = u"patience 20\n"_s;
         const bool isCharged = !charged(u"amount"_s).isEmpty();
         if (!number.isEmpty()) {
             const bool isFound = charged(u"hex(message_number)"_s) == number;
             steps += isFound ? u"answer ok\nexpect caption 명세서출력\nanswer no\n"_s : u"answer ok\n"_s;
-            if (isOldHost && !isFound) {
-                EXPECT_TRUE(play(steps + u"expect screen 102\nquit\n"_s, u"09:10")) << said_.constData();
-                EXPECT_EQ(open(), number) << "nobody can know";
-                runTool({u"journal"_s, u"--device"_s, device(), u"--settle"_s, number, u"released"_s});
-                steps = u"patience 20\n"_s;
-            }
         }
         steps += u"expect screen 102\n"_s;
         if (!isCharged) {

@@ -12,9 +12,9 @@
 #include <string>
 #include <vector>
 
+#include "desk/demo/DemoCards.h"
 #include "platform/Device.h"
 #include "platform/TerminalLock.h"
-#include "platform/termdev/DemoCards.h"
 #include "support/PrintQt.h"
 
 namespace {
@@ -99,7 +99,7 @@ void openToOthers(const QString& folder) {
 /// What of cards and passwords the files below a folder tell, and which of them others may read.
 QStringList leaks(const QString& folder) {
     QList<QByteArray> secrets;
-    for (const platform::termdev::DemoCard& card : platform::termdev::demoCards()) {
+    for (const desk::DemoCard& card : desk::demoCards()) {
         for (const QString& text :
              {card.number.toString(), track2(card).mid(1, 30), track3(card).mid(1, 30)}) {
             secrets << text.toUtf8()

@@ -18,7 +18,6 @@ constexpr struct {
     {u"stray", Misbehaviour::Stray},       {u"truncate", Misbehaviour::Truncate},
     {u"oversize", Misbehaviour::Oversize}, {u"garbage", Misbehaviour::Garbage},
     {u"badmac", Misbehaviour::BadMac},     {u"approve-then-close", Misbehaviour::ApproveThenClose},
-    {u"old-host", Misbehaviour::OldHost},
 };
 
 }  // namespace

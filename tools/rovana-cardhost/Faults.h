@@ -21,7 +21,6 @@ enum class Misbehaviour {
     Garbage,           ///< Sends what is no answer.
     BadMac,            ///< Changes one bit of its sealed answer.
     ApproveThenClose,  ///< Charges, and closes in place of an answer.
-    OldHost,           ///< Knows no questions about a payment, as a host of before.
 };
 
 struct Fault {

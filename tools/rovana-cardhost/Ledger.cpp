@@ -374,7 +374,7 @@ Response Ledger::inquire(Call& call) {
 }
 
 Response Ledger::tellPrevious(Call& call) {
-    if (call.fields.has(kAskedNumberField) && call.manner != Manner::Old) {
+    if (call.fields.has(kAskedNumberField)) {
         const std::optional<MessageNumber> asked = parseMessageNumber(call.fields.text(kAskedNumberField));
         if (!asked) return kBadMessage;
         return call.manner == Manner::Refusing ? kRefused : tellOf(call, *asked);

@@ -8,7 +8,7 @@
 
 #include "platform/SecureBytes.h"
 #include "platform/message/Fields.h"
-#include "platform/message/Seal.h"
+#include "rovana-cardhost/HostSeal.h"
 #include "rovana-cardhost/Keys.h"
 #include "rovana-cardhost/Sqlite.h"
 
@@ -52,7 +52,6 @@ constexpr qint64 feeOf(qint64 amount) {
 enum class Manner {
     Usual,
     Refusing,  ///< What would be approved is refused.
-    Old,       ///< A question about a payment is answered with the terminal's last one.
 };
 
 /// A card as the administrator sees it.
@@ -83,8 +82,7 @@ class Ledger {
 
     /// The fields of the answer to a request. What an approved payment changes is on disk when this returns.
     /// A request with a known message number gets its answer of before and changes nothing.
-    platform::SecureBytes answer(const platform::message::OpenedRequest& request,
-                                 Manner manner = Manner::Usual);
+    platform::SecureBytes answer(const OpenedRequest& request, Manner manner = Manner::Usual);
 
   private:
     struct Card {

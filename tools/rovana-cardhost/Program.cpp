@@ -6,15 +6,15 @@
 #include <QDir>
 #include <QRegularExpression>
 
+#include "common/Enrolment.h"
+#include "desk/demo/DemoCards.h"
 #include "platform/Clock.h"
 #include "platform/Device.h"
 #include "platform/OwnerOnly.h"
 #include "platform/Sync.h"
 #include "platform/Trace.h"
 #include "platform/Wipe.h"
-#include "platform/message/Enrolment.h"
 #include "platform/message/SavedValues.h"
-#include "platform/termdev/DemoCards.h"
 #include "rovana-cardhost/Faults.h"
 #include "rovana-cardhost/Keys.h"
 #include "rovana-cardhost/Ledger.h"
@@ -115,7 +115,7 @@ QString read(const QCommandLineParser& parser, Options* options) {
     }
     options->terminal = parser.value(u"terminal"_s);
     if (parser.isSet(u"terminal"_s) != isTerminalWanted ||
-        (isTerminalWanted && !platform::message::isTerminalNumber(options->terminal)))
+        (isTerminalWanted && !isTerminalNumber(options->terminal)))
         return u"--terminal takes up to ten digits and goes with \"enrol\" and \"forget\""_s;
     options->key = platform::message::parsePublicKey(parser.value(u"key"_s).toLatin1());
     if (parser.isSet(u"key"_s) != isEnrol || (isEnrol && !options->key))
@@ -150,7 +150,6 @@ void listCards(Ledger& ledger, QTextStream& out) {
 
 /// Enrols, forgets or lists terminals; what went wrong, or nothing.
 QString runTerminals(const Options& options, QTextStream& out) {
-    using namespace platform::message;
     QString error;
     if (options.command == u"enrol" &&
         !enrolTerminal(options.folder, options.terminal, *options.key, &error)) {
@@ -168,8 +167,8 @@ QString runTerminals(const Options& options, QTextStream& out) {
 
 int serve(Ledger& ledger, const Options& options, QTextStream& out, QTextStream& err) {
     if (options.isDemo) {
-        for (const platform::termdev::DemoCard& card : platform::termdev::demoCards()) {
-            const QString track = platform::termdev::track3(card);
+        for (const desk::DemoCard& card : desk::demoCards()) {
+            const QString track = desk::track3(card);
             if (card.isKnown && !ledger.hasCard(track))
                 ledger.putCard(track, card.password, card.balance, card.limit);
             // Practice goes on after a new start.

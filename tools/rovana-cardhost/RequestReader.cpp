@@ -1,6 +1,6 @@
 #include "rovana-cardhost/RequestReader.h"
 
-#include "platform/message/Enrolment.h"
+#include "common/Enrolment.h"
 #include "platform/message/Fields.h"
 
 namespace cardhost {
@@ -10,7 +10,6 @@ using platform::message::Frame;
 using platform::message::FrameKind;
 using platform::message::FrameReader;
 using platform::message::KeyPair;
-using platform::message::OpenedRequest;
 
 RequestReader::Result RequestReader::next(const KeyPair& host, const QString& folder,
                                           OpenedRequest* request) {
@@ -31,8 +30,8 @@ QString RequestReader::findFault(const Frame& frame, const KeyPair& host, const 
     if (!opened || opened->number != frame.number) return u"a request is not sealed to this host's key"_s;
     const auto fields = platform::message::Fields::parse(opened->fields);
     terminal_ = fields ? fields->text(platform::message::kTerminalField) : QString();
-    if (!platform::message::isTerminalNumber(terminal_)) return u"a request names no terminal"_s;
-    const auto key = platform::message::enrolledKey(folder, terminal_);
+    if (!isTerminalNumber(terminal_)) return u"a request names no terminal"_s;
+    const auto key = enrolledKey(folder, terminal_);
     if (!key) return u"terminal %1 is not enrolled"_s.arg(terminal_);
     if (!isSignedBy(*opened, *key, host.publicKey))
         return u"a request of terminal %1 is not signed with the key that it is enrolled with"_s.arg(

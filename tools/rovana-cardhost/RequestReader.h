@@ -4,7 +4,7 @@
 #include <QString>
 
 #include "platform/message/Frame.h"
-#include "platform/message/Seal.h"
+#include "rovana-cardhost/HostSeal.h"
 
 namespace cardhost {
 
@@ -21,8 +21,7 @@ class RequestReader {
     void add(QByteArrayView bytes) { frames_.add(bytes); }
 
     /// Takes the next request that is sealed to the host's key. The folder is the host's, with the terminals.
-    Result next(const platform::message::KeyPair& host, const QString& folder,
-                platform::message::OpenedRequest* request);
+    Result next(const platform::message::KeyPair& host, const QString& folder, OpenedRequest* request);
 
     /// The number of the terminal that signed the last request.
     const QString& terminal() const { return terminal_; }
@@ -30,7 +29,7 @@ class RequestReader {
 
   private:
     QString findFault(const platform::message::Frame& frame, const platform::message::KeyPair& host,
-                      const QString& folder, platform::message::OpenedRequest* request);
+                      const QString& folder, OpenedRequest* request);
 
     platform::message::FrameReader frames_;
     QString terminal_;

@@ -1,13 +1,12 @@
 #include "rovana-cardhost/Server.h"
 
-#include <sys/resource.h>
-
 #include <QFile>
 #include <QHostAddress>
 #include <QTcpSocket>
+#include <QTimer>
 #include <QtEndian>
 #include <algorithm>
-#include <tuple>
+#include <chrono>
 
 #include "platform/Trace.h"
 
@@ -19,36 +18,13 @@ using namespace std::chrono_literals;
 using platform::message::Frame;
 using platform::message::FrameKind;
 using platform::message::kFrameLimit;
-using platform::message::OpenedRequest;
 
-constexpr auto kIdleTime = 60s;
-constexpr auto kProofTime = 10s;          ///< For the first request of a connection.
-constexpr auto kUnwelcomeProofTime = 1s;  ///< The same, from an address that connects too often.
-/// What a connection has in any case: a terminal's request may come this long after its connection.
-constexpr auto kGrace = 20ms;
-constexpr auto kAgain = 5ms;
-constexpr auto kAcceptAgain = 100ms;
-constexpr qsizetype kMostTerminals = 512;
-constexpr int kHeap = 32;  ///< Connections that are taken before any is read.
-constexpr qsizetype kOwnDescriptors = 64;
-/// A flood of connections must not push an honest one out of the system's own queue.
-constexpr int kQueue = 4096;
+constexpr auto kProofTime = 10s;  ///< For the first request of a connection.
+constexpr auto kIdleTime = 60s;   ///< For the next one.
+constexpr qsizetype kMostConnections = 64;
 constexpr qint64 kMostUnread = 4 * kFrameLimit;
 constexpr qsizetype kPieceSize = 16;
 constexpr auto kPieceTime = 2ms;
-
-/// As many connections as the process may have descriptors for.
-qsizetype mostTerminals() {
-    rlimit limit{};
-    if (::getrlimit(RLIMIT_NOFILE, &limit) != 0) return kMostTerminals;
-    const rlim_t wanted = rlim_t(kMostTerminals + kHeap + kOwnDescriptors);
-    if (limit.rlim_cur < wanted) {
-        limit.rlim_cur = std::min(wanted, limit.rlim_max);
-        ::setrlimit(RLIMIT_NOFILE, &limit);
-    }
-    const auto descriptors = qsizetype(std::min(limit.rlim_cur, wanted));
-    return std::max<qsizetype>(1, descriptors - kHeap - kOwnDescriptors);
-}
 
 /// Sends the bytes piece by piece, each on its own.
 void sendInPieces(QTcpSocket* socket, const QByteArray& bytes) {
@@ -61,36 +37,9 @@ void sendInPieces(QTcpSocket* socket, const QByteArray& bytes) {
 
 }  // namespace
 
-Server::Listener::Listener() {
-    setListenBacklogSize(kQueue);
-    setMaxPendingConnections(kHeap);
-}
-
-void Server::Listener::incomingConnection(qintptr descriptor) {
-    auto* const socket = new QTcpSocket(this);
-    // Before its first byte is read.
-    socket->setReadBufferSize(kFrameLimit);
-    socket->setSocketDescriptor(descriptor);
-    addPendingConnection(socket);
-}
-
 Server::Server(Ledger& ledger, QString folder, QList<Fault> faults, QObject* parent)
-    : QObject(parent),
-      ledger_(ledger),
-      folder_(std::move(folder)),
-      faults_(std::move(faults)),
-      mostTerminals_(mostTerminals()),
-      connections_(100, 20),
-      requestsOf_(500, 100),
-      complaints_(100, 1) {
-    again_.setSingleShot(true);
-    connect(&again_, &QTimer::timeout, this, &Server::accept);
-    // Queued, so that the listener stops at its heap: it would go on taking as long as any come.
-    connect(&listener_, &QTcpServer::newConnection, this, &Server::accept, Qt::QueuedConnection);
-    connect(&listener_, &QTcpServer::acceptError, this, [this] {
-        complain(u"no connection can be taken: %1"_s.arg(listener_.errorString()));
-        QTimer::singleShot(kAcceptAgain, &listener_, &QTcpServer::resumeAccepting);
-    });
+    : QObject(parent), ledger_(ledger), folder_(std::move(folder)), faults_(std::move(faults)) {
+    connect(&listener_, &QTcpServer::newConnection, this, &Server::accept);
 }
 
 bool Server::listen(quint16 port) {
@@ -98,52 +47,27 @@ bool Server::listen(quint16 port) {
 }
 
 void Server::accept() {
-    while (listener_.hasPendingConnections()) {
-        if (terminals_.size() >= mostTerminals_ && !makeRoom()) return again_.start(kAgain);
-        admit(listener_.nextPendingConnection());
+    while (QTcpSocket* const socket = listener_.nextPendingConnection()) {
+        connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+        if (terminals_.size() < kMostConnections) {
+            admit(socket);
+        } else {
+            platform::trace(u"too many connections at once"_s);
+            socket->abort();
+        }
     }
 }
 
 void Server::admit(QTcpSocket* socket) {
-    if (socket->state() != QAbstractSocket::ConnectedState) return socket->deleteLater();
-    connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
     connect(socket, &QObject::destroyed, this, [this, socket] { terminals_.remove(socket); });
     connect(socket, &QTcpSocket::readyRead, this, [this, socket] { read(socket); });
+    // Before its first byte is read.
+    socket->setReadBufferSize(kFrameLimit);
     socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
-    Terminal& terminal = terminals_[socket];
-    terminal.address = socket->peerAddress().toString();
-    terminal.since = std::chrono::steady_clock::now();
-    terminal.isUnwelcome = !connections_.take(terminal.address);
-    if (terminal.isUnwelcome) complain(u"too many connections from %1"_s.arg(terminal.address));
-    terminal.idle = new QTimer(socket);
-    terminal.idle->setSingleShot(true);
-    connect(terminal.idle, &QTimer::timeout, socket, &QTcpSocket::abort);
-    terminal.idle->start(terminal.isUnwelcome ? kUnwelcomeProofTime : kProofTime);
-    read(socket);
-}
-
-/// Closes the connection that can best be spared: one of an unwelcome address, one that has brought no
-/// request, the one that has done nothing for longest. False while all have just come.
-bool Server::makeRoom() {
-    const Moment latest = std::chrono::steady_clock::now() - kGrace;
-    const auto worth = [](const Terminal& terminal) {
-        return std::tuple(terminal.isProven, !terminal.isUnwelcome, terminal.since);
-    };
-    QTcpSocket* spared = nullptr;
-    for (auto each = terminals_.cbegin(); each != terminals_.cend(); ++each) {
-        if (each->since > latest) continue;
-        if (spared == nullptr || worth(*each) < worth(*terminals_.constFind(spared))) spared = each.key();
-    }
-    if (spared == nullptr) return false;
-    complain(u"too many connections at once: one from %1 makes way"_s.arg(terminals_[spared].address));
-    terminals_.remove(spared);
-    spared->abort();
-    return true;
-}
-
-/// A flood shall not become one of the log.
-void Server::complain(const QString& text) {
-    if (complaints_.take({})) platform::trace(text);
+    QTimer* const idle = terminals_[socket].idle = new QTimer(socket);
+    idle->setSingleShot(true);
+    connect(idle, &QTimer::timeout, socket, &QTcpSocket::abort);
+    idle->start(kProofTime);
 }
 
 void Server::read(QTcpSocket* socket) {
@@ -155,14 +79,7 @@ void Server::read(QTcpSocket* socket) {
             const RequestReader::Result result = terminal.reader.next(ledger_.keys().box, folder_, &request);
             if (result == RequestReader::Result::Incomplete) break;
             if (result == RequestReader::Result::Fault) {
-                complain(u"%1 gets no answer: %2"_s.arg(terminal.address, terminal.reader.fault()));
-                return socket->abort();
-            }
-            if (!terminal.isProven) connections_.giveBack(terminal.address);
-            terminal.isProven = true;
-            terminal.since = std::chrono::steady_clock::now();
-            if (!requestsOf_.take(terminal.reader.terminal())) {
-                complain(u"terminal %1 asks too often"_s.arg(terminal.reader.terminal()));
+                platform::trace(u"a connection gets no answer: "_s + terminal.reader.fault());
                 return socket->abort();
             }
             serve(socket, request);
@@ -181,10 +98,8 @@ void Server::serve(QTcpSocket* socket, const OpenedRequest& request) {
     if (isSilenced || isFault(Misbehaviour::Silent)) return;
     if (isFault(Misbehaviour::Close)) return socket->abort();
 
-    const Manner manner = isFault(Misbehaviour::Refuse)    ? Manner::Refusing
-                          : isFault(Misbehaviour::OldHost) ? Manner::Old
-                                                           : Manner::Usual;
-    const platform::SecureBytes fields = ledger_.answer(request, manner);
+    const platform::SecureBytes fields =
+        ledger_.answer(request, isFault(Misbehaviour::Refuse) ? Manner::Refusing : Manner::Usual);
     const auto sealed = sealReply(request.number, fields, request.replyKey, ledger_.keys().box);
     if (!sealed || isFault(Misbehaviour::ApproveThenClose)) return socket->abort();
     reply(socket, {FrameKind::Reply, request.number, *sealed}, fault);
@@ -192,7 +107,7 @@ void Server::serve(QTcpSocket* socket, const OpenedRequest& request) {
 
 void Server::reply(QTcpSocket* socket, const Frame& reply, const std::optional<Fault>& fault) {
     if (socket->bytesToWrite() > kMostUnread) {
-        complain(u"a terminal does not read its answers"_s);
+        platform::trace(u"a terminal does not read its answers"_s);
         return socket->abort();
     }
     const QByteArray bytes = encodeFrame(reply);
@@ -236,7 +151,6 @@ void Server::reply(QTcpSocket* socket, const Frame& reply, const std::optional<F
             break;
         }
         case Misbehaviour::Refuse:
-        case Misbehaviour::OldHost:
             socket->write(bytes);
             break;
         case Misbehaviour::Close:

@@ -5,8 +5,8 @@
 #include <QFileInfo>
 #include <QHostAddress>
 
+#include "common/Enrolment.h"
 #include "platform/Device.h"
-#include "platform/message/Enrolment.h"
 #include "platform/message/SavedValues.h"
 #include "platform/message/Seal.h"
 
@@ -25,12 +25,13 @@ QString tellTerminal(const QString& keyFile, quint16 port) {
     const auto key = file.open(QIODevice::ReadOnly) ? parsePublicKey(file.readAll()) : std::nullopt;
     if (!key || startCipher() != kDone) return u"the card host has no public key"_s;
     const SavedValues values{
-        {kHostAddressKey.toString(), savedAddress(QHostAddress(QHostAddress::LocalHost).toIPv4Address())},
+        {kHostAddressKey.toString(), savedAddress(QHostAddress(QHostAddress::LocalHost))},
         {kHostPortKey.toString(), QString::number(port)},
         {kTerminalKey.toString(), kTerminal.toString()}};
     SigningKey own;
-    const bool isTold = writeHostKey(*key) && writeSavedValues(values) && makeSigningKey(&own) == kDone &&
-                        enrolTerminal(QFileInfo(keyFile).path(), kTerminal.toString(), own.publicKey);
+    const bool isTold =
+        writeHostKey(*key) && writeSavedValues(values) && makeSigningKey(&own) == kDone &&
+        cardhost::enrolTerminal(QFileInfo(keyFile).path(), kTerminal.toString(), own.publicKey);
     return isTold ? QString() : u"the saved values could not be written"_s;
 }
 

@@ -14,11 +14,11 @@
 #include <QPainter>
 #include <QPixmap>
 
+#include "desk/demo/DemoCards.h"
 #include "platform/Clock.h"
 #include "platform/Device.h"
 #include "platform/message/Component.h"
 #include "platform/termdev/CardReader.h"
-#include "platform/termdev/DemoCards.h"
 #include "platform/termdev/PaperLine.h"
 #include "rovana-play/Approval.h"
 #include "rovana-play/DatabaseReader.h"
@@ -114,10 +114,10 @@ QString textOf(const Step& step) {
 
 /// Puts a demonstration card through the reader as soon as that takes one.
 Attempt swipe(const Step& step) {
-    const platform::termdev::DemoCard* card = platform::termdev::findDemoCard(textOf(step));
+    const desk::DemoCard* card = desk::findDemoCard(textOf(step));
     if (card == nullptr) return waitFor(u"there is no such card"_s);
     if (!platform::termdev::CardReader::instance().isReading()) return waitFor(u"the reader takes no card"_s);
-    return ready([card] { platform::termdev::swipe(*card); });
+    return ready([card] { desk::swipe(*card); });
 }
 
 /// Drags a list from a place on it to where one of its rows stands.

@@ -1,10 +1,10 @@
 #include <QFile>
 #include <QFileInfo>
-#include <QHostAddress>
 
 #include "books/PaymentJournal.h"
+#include "common/Enrolment.h"
+#include "platform/Address.h"
 #include "platform/Device.h"
-#include "platform/message/Enrolment.h"
 #include "platform/message/SavedValues.h"
 #include "platform/message/Seal.h"
 #include "rovanactl/Command.h"
@@ -20,7 +20,7 @@ constexpr qsizetype kTerminalDigits = 10;
 
 void addCardHostOptions(QCommandLineParser& parser) {
     parser.addOptions({
-        {u"host"_s, u"The host's IPv4 address."_s, u"IP"_s},
+        {u"host"_s, u"The host's IPv4 or IPv6 address, with its port behind it or not."_s, u"IP[:N]"_s},
         {u"port"_s, u"The host's TCP port."_s, u"N"_s},
         {u"key"_s, u"The file with the host's public key, host.pub of its folder."_s, u"FILE"_s},
         {u"terminal"_s, u"The terminal's number at the host; without it the one there is, else a new one."_s,
@@ -36,17 +36,16 @@ QString newTerminal() {
 
 Outcome setCardHost(const Invocation& call) {
     const QCommandLineParser& options = call.options;
-    for (const QString& name : {u"host"_s, u"port"_s, u"key"_s}) {
-        if (!options.isSet(name)) return usageError(u"--host, --port and --key are needed"_s);
-    }
-    const QHostAddress address(options.value(u"host"_s));
-    if (address.protocol() != QAbstractSocket::IPv4Protocol || address == QHostAddress::AnyIPv4)
-        return usageError(u"--host takes an IPv4 address such as 127.0.0.1"_s);
-    bool isPort = false;
-    const quint16 port = options.value(u"port"_s).toUShort(&isPort);
+    const std::optional<platform::Endpoint> host = platform::parseEndpoint(options.value(u"host"_s));
+    if (!options.isSet(u"host"_s) || !options.isSet(u"key"_s) ||
+        (options.isSet(u"port"_s) == (host && host->port > 0)))
+        return usageError(u"--host, --port and --key are needed, the port once"_s);
+    if (!host) return usageError(u"--host takes an address such as 127.0.0.1, ::1 or [::1]:40001"_s);
+    bool isPort = true;
+    const quint16 port = host->port > 0 ? host->port : options.value(u"port"_s).toUShort(&isPort);
     if (!isPort || port == 0) return usageError(u"--port takes a number from 1 to 65535"_s);
     const QString terminal = options.value(u"terminal"_s);
-    if (options.isSet(u"terminal"_s) && !isTerminalNumber(terminal))
+    if (options.isSet(u"terminal"_s) && !cardhost::isTerminalNumber(terminal))
         return usageError(u"--terminal takes up to ten digits"_s);
 
     QFile file(options.value(u"key"_s));
@@ -72,10 +71,9 @@ Outcome setCardHost(const Invocation& call) {
     if (isAnother && books::hasUnsettledPayments()) {
         return failure(
             u"what became of a payment is open, and the host tells it to the number of before only: give "
-            u"that "
-            u"with --terminal, or see \"rovanactl journal --help\""_s);
+            u"that with --terminal, or see \"rovanactl journal --help\""_s);
     }
-    values[kHostAddressKey.toString()] = savedAddress(address.toIPv4Address());
+    values[kHostAddressKey.toString()] = savedAddress(host->address);
     values[kHostPortKey.toString()] = QString::number(port);
     QString& number = values[kTerminalKey.toString()];
     if (!terminal.isEmpty()) number = terminal;
@@ -93,12 +91,12 @@ Outcome setCardHost(const Invocation& call) {
             u"the card host could not be written to %1 (%2); it is as it was; is there a device folder?"_s
                 .arg(QFileInfo(platform::device::path(kSavedValuesFile)).absolutePath(), error));
     }
-    call.out << u"terminal "_s << number << u" uses the card host "_s << address.toString() << u':' << port
-             << u'\n';
+    call.out << u"terminal "_s << number << u" uses the card host "_s
+             << platform::endpointText(host->address, port) << u'\n';
     // A host of this machine, as that of the demonstration, is told here and now.
     const QString hostFolder = QFileInfo(file).absolutePath();
     const bool isHere = QFileInfo(hostFolder + u"/host.key"_s).isWritable();
-    if (isHere && enrolTerminal(hostFolder, number, own.publicKey, &error)) {
+    if (isHere && cardhost::enrolTerminal(hostFolder, number, own.publicKey, &error)) {
         call.out << u"and is enrolled there\n"_s;
         return {};
     }

@@ -1,10 +1,10 @@
 #include <fcntl.h>
-#include <poll.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
 #include <QDir>
 #include <QEventLoop>
+#include <QNetworkProxy>
+#include <QTcpSocket>
 #include <QTimer>
 #include <algorithm>
 #include <cerrno>
@@ -12,6 +12,7 @@
 #include <memory>
 #include <optional>
 
+#include "platform/Address.h"
 #include "platform/Device.h"
 #include "platform/Settings.h"
 #include "platform/termdev/CardReader.h"
@@ -34,32 +35,24 @@ constexpr int kConnectMilliseconds = 1000;
 constexpr int kPrintMilliseconds = 10'000;
 constexpr int kLongestTry = 600;  // seconds
 
-QString errorText(int code) {
-    return QString::fromLocal8Bit(std::strerror(code));
-}
-
 void tellComplaints(const platform::Settings& settings, QTextStream& err) {
     for (const QString& complaint : settings.complaints) err << complaint << u'\n';
 }
 
-/// Why the descriptor's device does not answer; empty when it does. Closes it.
-QString faultOf(int line, bool isTcp) {
-    if (line < 0) return errorText(errno);
-    int error = 0;
-    if (isTcp) {
-        socklen_t size = sizeof error;
-        pollfd state{line, POLLOUT, 0};
-        const bool isAnswered = ::poll(&state, 1, kConnectMilliseconds) == 1;
-        ::getsockopt(line, SOL_SOCKET, SO_ERROR, &error, &size);
-        if (!isAnswered) error = ETIMEDOUT;
-    }
+/// Why the file cannot be opened; empty when it can. How its line is set stays as it is.
+QString faultOfFile(const QString& path, int flags) {
+    const int line = openDevice(path, flags);
+    if (line < 0) return QString::fromLocal8Bit(std::strerror(errno));
     ::close(line);
-    return error == 0 ? QString() : errorText(error);
+    return {};
 }
 
-/// Looks whether a file can be opened, without changing how its line is set.
-QString faultOfFile(const QString& path, int flags) {
-    return faultOf(openDevice(path, flags), false);
+/// Why the printer's address does not answer; empty when it does.
+QString faultOfAddress(const QHostAddress& address, int port) {
+    QTcpSocket socket;
+    socket.setProxy(QNetworkProxy::NoProxy);
+    socket.connectToHost(address, quint16(port));
+    return socket.waitForConnected(kConnectMilliseconds) ? QString() : socket.errorString();
 }
 
 Outcome listDevices(const Invocation& call) {
@@ -83,8 +76,9 @@ Outcome listDevices(const Invocation& call) {
             tell(u"printer", u"serial", printer.device, faultOfFile(printer.device, O_RDWR));
             break;
         case PrinterSettings::Kind::Tcp:
-            tell(u"printer", u"tcp", u"%1:%2"_s.arg(printer.address).arg(printer.port),
-                 faultOf(connectTcp(printer.address, printer.port), true));
+            tell(u"printer", u"tcp",
+                 platform::endpointText(QHostAddress(printer.address), quint16(printer.port)),
+                 faultOfAddress(QHostAddress(printer.address), printer.port));
             break;
     }
     call.out << u"spool\t"_s << PrintSpool().count() << u" jobs wait\n"_s;

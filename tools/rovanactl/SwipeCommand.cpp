@@ -1,5 +1,5 @@
+#include "desk/demo/DemoCards.h"
 #include "platform/Device.h"
-#include "platform/termdev/DemoCards.h"
 #include "platform/termdev/SwipeSocket.h"
 #include "rovanactl/Command.h"
 
@@ -11,17 +11,15 @@ using platform::termdev::SwipeSocket;
 
 QString knownCards() {
     QStringList names;
-    for (const platform::termdev::DemoCard& card : platform::termdev::demoCards())
-        names += card.name.toString();
+    for (const desk::DemoCard& card : desk::demoCards()) names += card.name.toString();
     return names.join(u", "_s);
 }
 
 Outcome swipe(const Invocation& call) {
     const QString& name = call.arguments.constFirst();
-    const platform::termdev::DemoCard* card = platform::termdev::findDemoCard(name);
+    const desk::DemoCard* card = desk::findDemoCard(name);
     if (card == nullptr) return failure(u"there is no card \"%1\"; there are %2"_s.arg(name, knownCards()));
-    switch (SwipeSocket::send(platform::termdev::track2(*card).toLatin1(),
-                              platform::termdev::track3(*card).toLatin1())) {
+    switch (SwipeSocket::send(desk::track2(*card).toLatin1(), desk::track3(*card).toLatin1())) {
         case SwipeSocket::Answer::Taken:
             call.out << u"the terminal read the card; its password is "_s << card->password << u'\n';
             return {};

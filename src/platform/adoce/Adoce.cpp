@@ -14,18 +14,13 @@ using namespace Qt::Literals::StringLiterals;
 constexpr QStringView kConnectionProgId = u"ADOCE.Connection.3.1";
 constexpr QStringView kRecordsetProgId = u"ADOCE.Recordset.3.1";
 
-HResult& creationResult() {
-    static HResult result = kOk;
-    return result;
-}
-
 void traceFailure(const QString& error, QByteArrayView text) {
     trace(u"database: %1 in: %2"_s.arg(error, QString::fromUtf8(text)));
 }
 
 template <typename Component>
 std::unique_ptr<Component> create(bool classMatches, int context, HResult* result) {
-    *result = !classMatches || context != kInProcessServer ? kInvalidClass : creationResult();
+    *result = !classMatches || context != kInProcessServer ? kInvalidClass : kOk;
     return failed(*result) ? nullptr : std::make_unique<Component>();
 }
 
@@ -40,10 +35,6 @@ HResult classIdFromProgId(QStringView progId, ClassId* classId) {
                : progId == kRecordsetProgId ? ClassId::Recordset
                                             : ClassId::None;
     return *classId == ClassId::None ? kInvalidClass : kOk;
-}
-
-void setCreationResult(HResult result) {
-    creationResult() = result;
 }
 
 std::unique_ptr<Connection> createConnection(ClassId classId, int context, HResult* result) {

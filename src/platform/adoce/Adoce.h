@@ -18,7 +18,6 @@ struct PreparedStatement;
 using HResult = std::int32_t;
 inline constexpr HResult kOk = 0;
 inline constexpr HResult kFail = static_cast<HResult>(0x80004005);
-inline constexpr HResult kOutOfMemory = static_cast<HResult>(0x8007000E);
 inline constexpr HResult kInvalidClass = static_cast<HResult>(0x80040154);
 inline constexpr bool failed(HResult result) {
     return result < 0;
@@ -34,9 +33,6 @@ HResult initialize(int concurrencyFlags);
 
 /// The class that a name such as "ADOCE.Connection.3.1" stands for; kInvalidClass and None for other names.
 HResult classIdFromProgId(QStringView progId, ClassId* classId);
-
-/// Lets a test make the creation of components fail; kOk lets it succeed again.
-void setCreationResult(HResult result);
 
 /// A connection to one database file.
 class Connection {

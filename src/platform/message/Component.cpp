@@ -2,14 +2,16 @@
 
 #include <QDate>
 #include <QMetaObject>
+#include <QNetworkProxy>
+#include <QTcpSocket>
 #include <QTimer>
 #include <algorithm>
 #include <array>
 #include <string_view>
 #include <utility>
 
+#include "platform/Address.h"
 #include "platform/Trace.h"
-#include "platform/message/Connection.h"
 #include "platform/message/SavedValues.h"
 
 namespace platform::message {
@@ -56,6 +58,12 @@ bool isDate(QStringView text) {
     return text.size() == 8 && areDigits(text) && QDate::fromString(text, u"yyyyMMdd").isValid();
 }
 
+/// Whether it is the system that gives no socket, rather than the network no way.
+bool isLinkFailure(QAbstractSocket::SocketError error) {
+    return error == QAbstractSocket::SocketAccessError || error == QAbstractSocket::SocketResourceError ||
+           error == QAbstractSocket::UnsupportedSocketOperationError;
+}
+
 }  // namespace
 
 struct Component::Operation {
@@ -74,15 +82,17 @@ struct Component::Request {
 
 struct Component::Exchange {
     std::unique_ptr<Request> request;  ///< Null once the exchange has failed to start.
-    Connection* connection = nullptr;
+    QTcpSocket* socket = nullptr;
     QTimer* timer = nullptr;
     FrameReader reader;
     Stage stage = Stage::Starting;
-    bool isWritten = false;
+    bool isHanded = false;  ///< To the socket, for the system to take.
+    bool hasLeft = false;   ///< The system has taken some of the request.
 
     ~Exchange() { hangUp(); }
 
-    /// Closes the connection. The objects go later, since it is their signals that this is called from.
+    /// Drops the connection and what the socket still holds. The objects go later, since it is their signals
+    /// that this is called from.
     void hangUp() {
         if (timer) {
             timer->stop();
@@ -90,11 +100,13 @@ struct Component::Exchange {
             timer->deleteLater();
             timer = nullptr;
         }
-        if (connection) {
-            connection->disconnect();
-            connection->close();
-            connection->deleteLater();
-            connection = nullptr;
+        if (socket) {
+            socket->disconnect(socket->parent());
+            // Unlike close(), which would send what waits.
+            socket->abort();
+            socket->setParent(nullptr);
+            socket->deleteLater();
+            socket = nullptr;
         }
     }
 };
@@ -327,13 +339,13 @@ Status Component::commun(Arguments arguments) {
     // A port above 32,767 arrives as a negative integer of 16 bits.
     const Status status =
         start(text(arguments[0]), quint16(std::get<qint16>(arguments[1])), std::get<qint16>(arguments[2]));
-    if (status != kDone) exchange_->hangUp();
+    if (status != kDone) hangUp();
     QMetaObject::invokeMethod(
         this,
         [this, status] {
             if (status != kDone) {
                 failWith(status);
-            } else if (exchange_ && exchange_->connection) {
+            } else if (exchange_ && exchange_->socket) {
                 reach(Stage::Communicating);
             }
         },
@@ -350,22 +362,19 @@ Status Component::start(QStringView host, quint16 port, int timeOut) {
     const Status ready = std::exchange(requestStatus_, kBadInput);
     header_.reset();
     if (ready != kDone) return ready;
-    const std::optional<quint32> address = parseAddress(host);
+    const std::optional<QHostAddress> address = parseAddress(host);
     if (timeOut <= 0 || port == 0 || !address) return kBadInput;
 
-    auto* const connection = exchange_->connection = new Connection(this);
-    switch (connection->open(*address, port)) {
-        case Connection::Start::UnderWay:
-            break;
-        case Connection::Start::Failed:
-            return kConnectionFailed;
-        case Connection::Start::NoSocket:
-            return kLinkFailed;
-    }
-    connect(connection, &Connection::connected, this, &Component::sendRequest);
-    connect(connection, &Connection::written, this, [this] { reach(Stage::Sent); });
-    connect(connection, &Connection::readyRead, this, &Component::readReply);
-    connect(connection, &Connection::lost, this, &Component::connectionLost);
+    auto* const socket = exchange_->socket = new QTcpSocket(this);
+    socket->setProxy(QNetworkProxy::NoProxy);
+    socket->setReadBufferSize(kFrameLimit);
+    connect(socket, &QTcpSocket::connected, this, &Component::sendRequest);
+    connect(socket, &QTcpSocket::bytesWritten, this, &Component::requestLeft);
+    connect(socket, &QTcpSocket::readyRead, this, &Component::readReply);
+    socket->connectToHost(*address, port);
+    if (socket->state() == QTcpSocket::UnconnectedState)
+        return isLinkFailure(socket->error()) ? kLinkFailed : kConnectionFailed;
+    connect(socket, &QTcpSocket::errorOccurred, this, &Component::connectionLost);
 
     auto* const timer = exchange_->timer = new QTimer(this);
     timer->setSingleShot(true);
@@ -374,14 +383,33 @@ Status Component::start(QStringView host, quint16 port, int timeOut) {
     return kDone;
 }
 
+// The payment journal rests on hasSent(): a payment that has not left is released, any other is asked about.
+// Nothing is handed to the socket before it is connected, so nothing waits in Qt's buffer for a connection
+// that comes about when nobody reckons with it any more. From the handing over on the event loop may write at
+// any moment, and the answer is that the request may have left. Qt writes with single calls, each of which
+// fails as a whole or takes some bytes, and bytesWritten follows every one that took some before anything
+// else is done with the socket. An exchange that is given up without that signal has therefore sent nothing,
+// and will not: hangUp() throws Qt's buffer away.
 void Component::sendRequest() {
-    if (std::exchange(exchange_->isWritten, true)) return;
+    exchange_->isHanded = true;
     hasSent_ = true;
-    exchange_->connection->write(exchange_->request->frame);
+    // A request is one frame, which nothing follows before the reply.
+    exchange_->socket->setSocketOption(QTcpSocket::LowDelayOption, 1);
+    exchange_->socket->write(exchange_->request->frame);
+}
+
+void Component::requestLeft() {
+    exchange_->hasLeft = true;
+    if (exchange_->socket->bytesToWrite() == 0) reach(Stage::Sent);
+}
+
+void Component::hangUp() {
+    exchange_->hangUp();
+    if (!exchange_->hasLeft) hasSent_ = false;
 }
 
 void Component::readReply() {
-    exchange_->reader.add(exchange_->connection->read());
+    exchange_->reader.add(exchange_->socket->readAll());
     for (;;) {
         Frame frame;
         const FrameReader::Result result = exchange_->reader.next(&frame);
@@ -405,7 +433,7 @@ void Component::takeReply(const Frame& frame) {
     }
 
     last = LastExchange::Answered;
-    exchange_->hangUp();
+    hangUp();
     if (!reach(Stage::Sent)) return;
     reply_ = std::move(fields);
     replyKind_ = exchange_->request->kind;
@@ -414,15 +442,17 @@ void Component::takeReply(const Frame& frame) {
     if (!current.expired()) endExchange();
 }
 
-void Component::connectionLost() {
+void Component::connectionLost(QAbstractSocket::SocketError error) {
+    // Qt gives up connecting after 30 seconds by itself; how long to wait is for the exchange's own timer.
+    if (error == QAbstractSocket::SocketTimeoutError) return;
     const std::weak_ptr<Exchange> current = exchange_;
-    if (!exchange_->isWritten) {
-        exchange_->hangUp();
+    if (!exchange_->isHanded) {
+        hangUp();
         if (reach(Stage::Communicating)) failWith(kConnectionFailed);
         return;
     }
     readReply();
-    if (!current.expired() && exchange_->connection) breakOff(u"the card host closed the connection");
+    if (!current.expired() && exchange_->socket) breakOff(u"the card host closed the connection");
 }
 
 /// Emits the signals that lead to `stage`, as far as they are due. False when a receiver has let the
@@ -445,7 +475,7 @@ bool Component::reach(Stage stage) {
 void Component::breakOff(QStringView reason) {
     trace(reason);
     last = LastExchange::Failed;
-    exchange_->hangUp();
+    hangUp();
     if (!reach(Stage::Communicating)) return;
     const std::weak_ptr<Exchange> current = exchange_;
     Q_EMIT errorOccurred();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QAbstractSocket>
 #include <QObject>
 #include <QString>
 #include <QStringView>
@@ -43,8 +44,8 @@ class Component : public QObject {
     /// Whoever has kept it can ask later what became of the payment.
     std::optional<MessageNumber> paymentNumber() const;
 
-    /// True when the request of the last Commun may have left, wholly or in part. Without it the host cannot
-    /// know the request.
+    /// True when the request of the last Commun may have left, wholly or in part, or may still leave. Without
+    /// it the host cannot know the request, and will not.
     bool hasSent() const { return hasSent_; }
 
     /// Makes the previous-transaction request being set up ask for the payment of that number; to be called
@@ -96,9 +97,11 @@ class Component : public QObject {
     Status replyIs(std::initializer_list<QStringView> kinds) const;
     Status start(QStringView host, quint16 port, int timeOut);
     void sendRequest();
+    void requestLeft();
+    void hangUp();
     void readReply();
     void takeReply(const Frame& frame);
-    void connectionLost();
+    void connectionLost(QAbstractSocket::SocketError error);
     bool reach(Stage stage);
     void breakOff(QStringView reason);
     void failWith(Status status);

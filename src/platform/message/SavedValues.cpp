@@ -163,10 +163,11 @@ Status makeSigningKey(SigningKey* key, QString* error) {
     return status == kKeyFileMissing ? kKeyFileUnreadable : status;
 }
 
-QString savedAddress(quint32 address) {
+QString savedAddress(const QHostAddress& address) {
+    if (address.protocol() != QAbstractSocket::IPv4Protocol) return address.toString();
     QString digits;
     for (int shift = 24; shift >= 0; shift -= 8)
-        digits += u"%1"_s.arg((address >> shift) & 0xFF, 3, 10, QChar(u'0'));
+        digits += u"%1"_s.arg((address.toIPv4Address() >> shift) & 0xFF, 3, 10, QChar(u'0'));
     return digits;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHostAddress>
 #include <QMap>
 #include <QString>
 #include <QStringView>
@@ -17,7 +18,7 @@ inline constexpr QStringView kHostKeyFile = u"\\Flash Disk\\KSNETMSG.pub";
 inline constexpr QStringView kSigningKeyFile = u"\\Flash Disk\\KSNETMSG.key";
 
 inline constexpr QStringView kTerminalKey = u"101";     ///< The terminal's number at the host.
-inline constexpr QStringView kHostAddressKey = u"221";  ///< IPv4 address, each octet as three digits.
+inline constexpr QStringView kHostAddressKey = u"221";  ///< IPv4: each octet as three digits. IPv6: as text.
 inline constexpr QStringView kHostPortKey = u"222";     ///< TCP port, decimal.
 
 using SavedValues = QMap<QString, QString>;
@@ -51,7 +52,8 @@ Status readSigningKey(SigningKey* key);
 /// Why none could be written stands in `error`, if that is given.
 Status makeSigningKey(SigningKey* key, QString* error = nullptr);
 
-/// An IPv4 address as saved value "221" has it: 12 digits, first octet first.
-QString savedAddress(quint32 address);
+/// An address as saved value "221" has it: an IPv4 address as 12 digits, first octet first, an IPv6 address
+/// as its text.
+QString savedAddress(const QHostAddress& address);
 
 }  // namespace platform::message

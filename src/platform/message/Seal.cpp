@@ -7,7 +7,6 @@ namespace platform::message {
 namespace {
 
 constexpr std::size_t kNumberSize = sizeof(MessageNumber);
-constexpr std::size_t kRequestPrefix = kNumberSize + crypto_box_PUBLICKEYBYTES + crypto_sign_BYTES;
 /// Stands before what is signed, so that no signature made for anything else fits.
 constexpr std::string_view kSignedAs = "rovana request 2";
 
@@ -17,18 +16,6 @@ unsigned char* bytes(QByteArray& array) {
 
 const unsigned char* bytes(QByteArrayView view) {
     return reinterpret_cast<const unsigned char*>(view.data());
-}
-
-/// What a terminal signs. The host's key is part of it: what was signed for one host says nothing to another.
-SecureBytes toBeSigned(const MessageNumber& number, const PublicKey& replyKey, const SecureBytes& fields,
-                       const PublicKey& hostKey) {
-    SecureBytes text(kSignedAs.size() + hostKey.size() + number.size() + replyKey.size() + fields.size());
-    auto at = std::copy(kSignedAs.begin(), kSignedAs.end(), text.begin());
-    at = std::copy(hostKey.begin(), hostKey.end(), at);
-    at = std::copy(number.begin(), number.end(), at);
-    at = std::copy(replyKey.begin(), replyKey.end(), at);
-    std::copy(fields.begin(), fields.end(), at);
-    return text;
 }
 
 }  // namespace
@@ -71,7 +58,7 @@ std::optional<QByteArray> sealRequest(const MessageNumber& number, const PublicK
                                       const SigningKey& terminal) {
     if (terminal.secretKey.size() != crypto_sign_SECRETKEYBYTES) return std::nullopt;
     Signature signature;
-    const SecureBytes text = toBeSigned(number, replyKey, fields, hostKey);
+    const SecureBytes text = signedText(number, replyKey, fields, hostKey);
     crypto_sign_detached(signature.data(), nullptr, text.data(), text.size(), terminal.secretKey.data());
     SecureBytes plain(kRequestPrefix + fields.size());
     auto at = std::copy(number.begin(), number.end(), plain.begin());
@@ -83,41 +70,15 @@ std::optional<QByteArray> sealRequest(const MessageNumber& number, const PublicK
     return sealed;
 }
 
-std::optional<OpenedRequest> openRequest(QByteArrayView sealed, const KeyPair& hostKey) {
-    if (sealed.size() < qsizetype(crypto_box_SEALBYTES + kRequestPrefix)) return std::nullopt;
-    SecureBytes plain(std::size_t(sealed.size()) - crypto_box_SEALBYTES);
-    if (crypto_box_seal_open(plain.data(), bytes(sealed), std::size_t(sealed.size()),
-                             hostKey.publicKey.data(), hostKey.secretKey.data()) != 0) {
-        return std::nullopt;
-    }
-    OpenedRequest request;
-    std::copy_n(plain.begin(), kNumberSize, request.number.begin());
-    std::copy_n(plain.begin() + kNumberSize, request.replyKey.size(), request.replyKey.begin());
-    std::copy_n(plain.begin() + kNumberSize + request.replyKey.size(), request.signature.size(),
-                request.signature.begin());
-    request.fields.assign(plain.begin() + kRequestPrefix, plain.end());
-    return request;
-}
-
-bool isSignedBy(const OpenedRequest& request, const PublicKey& terminal, const PublicKey& hostKey) {
-    const SecureBytes text = toBeSigned(request.number, request.replyKey, request.fields, hostKey);
-    return crypto_sign_verify_detached(request.signature.data(), text.data(), text.size(), terminal.data()) ==
-           0;
-}
-
-std::optional<QByteArray> sealReply(const MessageNumber& number, const SecureBytes& fields,
-                                    const PublicKey& replyKey, const KeyPair& hostKey) {
-    SecureBytes plain(kNumberSize + fields.size());
-    std::copy(fields.begin(), fields.end(), std::copy(number.begin(), number.end(), plain.begin()));
-    QByteArray sealed(qsizetype(crypto_box_NONCEBYTES + crypto_box_MACBYTES + plain.size()),
-                      Qt::Uninitialized);
-    unsigned char* const nonce = bytes(sealed);
-    randombytes_buf(nonce, crypto_box_NONCEBYTES);
-    if (crypto_box_easy(nonce + crypto_box_NONCEBYTES, plain.data(), plain.size(), nonce, replyKey.data(),
-                        hostKey.secretKey.data()) != 0) {
-        return std::nullopt;
-    }
-    return sealed;
+SecureBytes signedText(const MessageNumber& number, const PublicKey& replyKey, const SecureBytes& fields,
+                       const PublicKey& hostKey) {
+    SecureBytes text(kSignedAs.size() + hostKey.size() + number.size() + replyKey.size() + fields.size());
+    auto at = std::copy(kSignedAs.begin(), kSignedAs.end(), text.begin());
+    at = std::copy(hostKey.begin(), hostKey.end(), at);
+    at = std::copy(number.begin(), number.end(), at);
+    at = std::copy(replyKey.begin(), replyKey.end(), at);
+    std::copy(fields.begin(), fields.end(), at);
+    return text;
 }
 
 std::optional<SecureBytes> openReply(QByteArrayView sealed, const MessageNumber& number,

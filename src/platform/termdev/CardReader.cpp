@@ -1,6 +1,7 @@
 #include "platform/termdev/CardReader.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace platform::termdev {
 
@@ -19,8 +20,9 @@ void CardReader::close() {
 }
 
 void CardReader::enable(bool isEnabled) {
-    isEnabled_ = isEnabled && openings_ > 0;
+    const bool wasEnabled = std::exchange(isEnabled_, isEnabled && openings_ > 0);
     if (!isEnabled_) forget();
+    if (isEnabled_ && !wasEnabled && waker_) waker_();
 }
 
 int CardReader::readTrack(int track, char* buffer) const {

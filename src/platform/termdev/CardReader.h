@@ -38,6 +38,9 @@ class CardReader {
     /// Where the message kCardSwiped goes; an empty function ends that.
     void setReceiver(std::function<void(int message)> receiver) { receiver_ = std::move(receiver); }
 
+    /// Called when a screen begins to read cards; an empty function ends that.
+    void setWaker(std::function<void()> waker) { waker_ = std::move(waker); }
+
   private:
     void forget();
 
@@ -46,6 +49,7 @@ class CardReader {
     SecureText track2_;
     SecureText track3_;
     std::function<void(int)> receiver_;
+    std::function<void()> waker_;
 };
 
 }  // namespace platform::termdev

@@ -8,6 +8,8 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QSerialPort>
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -24,6 +26,10 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 
 constexpr int kLongestGap = 250;
+
+QString errorText(int code) {
+    return QString::fromLocal8Bit(std::strerror(code));
+}
 
 /// Takes an input device for this program alone, so that its keys reach no screen. What is no device types
 /// nothing anyway.
@@ -46,8 +52,8 @@ QString siblingOf(const QString& hidraw) {
 
 }  // namespace
 
-CardReaderLine::CardReaderLine(const ReaderSettings& settings, int retry)
-    : settings_(settings), retry_(retry) {
+CardReaderLine::CardReaderLine(const ReaderSettings& settings, int retry, int longest)
+    : settings_(settings), retry_(retry), longest_(longest), pause_(retry) {
     opening_.setSingleShot(true);
     quiet_.setSingleShot(true);
     quiet_.setTimerType(Qt::PreciseTimer);
@@ -55,13 +61,22 @@ CardReaderLine::CardReaderLine(const ReaderSettings& settings, int retry)
     connect(&quiet_, &QTimer::timeout, this, [this] {
         // What came while the program was busy is no break.
         const auto before = received_.size();
-        read();
+        while (serial_ && serial_->waitForReadyRead(0)) {
+        }
+        if (!serial_) read();
         if (received_.size() == before) swipeEnded(true);
+    });
+    CardReader::instance().setWaker([this] {
+        if (!opening_.isActive()) return;
+        // Not from within the operation that begins to read.
+        pause_ = retry_;
+        opening_.start(0);
     });
     open();
 }
 
 CardReaderLine::~CardReaderLine() {
+    CardReader::instance().setWaker({});
     close();
 }
 
@@ -70,37 +85,51 @@ DeviceStatus CardReaderLine::status() const {
     return {fault_.isEmpty() ? State::Ready : State::Fault, 0, fault_};
 }
 
-int CardReaderLine::openAndTake() {
-    if (settings_.kind == Kind::Serial) return openSerial(settings_.device, settings_.line);
-    const int line = openDevice(settings_.device, O_RDONLY);
-    if (line < 0) return -1;
+/// Opens the device for this program alone. Why it cannot; empty when it can.
+QString CardReaderLine::openAndTake() {
+    if (settings_.kind == Kind::Serial) return openSerialLine();
+    line_ = openDevice(settings_.device, O_RDONLY);
+    if (line_ < 0) return errorText(errno);
     bool isTaken = true;
     if (settings_.kind == Kind::Evdev) {
-        isTaken = grab(line);
+        isTaken = grab(line_);
     } else if (const QString sibling = siblingOf(settings_.device); !sibling.isEmpty()) {
         sibling_ = openDevice(sibling, O_RDONLY);
         isTaken = sibling_ >= 0 && grab(sibling_);
     }
-    if (isTaken) return line;
     // Better no reader than one that types card tracks into the screens.
-    const int reason = errno;
-    ::close(line);
-    if (sibling_ >= 0) ::close(std::exchange(sibling_, -1));
-    errno = reason;
-    return -1;
-}
-
-void CardReaderLine::open() {
-    line_ = openAndTake();
-    if (line_ < 0) {
-        setFault(QString::fromLocal8Bit(std::strerror(errno)));
-        opening_.start(retry_);
-        return;
-    }
+    if (!isTaken) return errorText(errno);
     keystrokes_.reset();
     readable_ = std::make_unique<QSocketNotifier>(line_, QSocketNotifier::Read);
     connect(readable_.get(), &QSocketNotifier::activated, this, &CardReaderLine::read);
+    return {};
+}
+
+QString CardReaderLine::openSerialLine() {
+    serial_ = std::make_unique<QSerialPort>();
+    // Qt does not wipe its buffer. So it never holds more than one character, which the next one overwrites.
+    serial_->setReadBufferSize(1);
+    connect(serial_.get(), &QSerialPort::readyRead, this, &CardReaderLine::readSerial);
+    const QString fault = openSerial(serial_.get(), settings_.device, settings_.line);
+    connect(serial_.get(), &QSerialPort::errorOccurred, this, [this](QSerialPort::SerialPortError error) {
+        if (error != QSerialPort::TimeoutError && error != QSerialPort::NoError) lose(u"it was taken away"_s);
+    });
+    return fault;
+}
+
+void CardReaderLine::open() {
+    const QString fault = openAndTake();
+    if (!fault.isEmpty()) return lose(fault);
+    pause_ = retry_;
     setFault({});
+}
+
+void CardReaderLine::lose(const QString& fault) {
+    close();
+    setFault(fault);
+    opening_.start(pause_);
+    // While a screen waits for a card somebody may be plugging the reader in.
+    if (!CardReader::instance().isReading()) pause_ = std::min(2 * pause_, longest_);
 }
 
 void CardReaderLine::close() {
@@ -110,9 +139,22 @@ void CardReaderLine::close() {
         readable_->setEnabled(false);
         readable_.release()->deleteLater();
     }
+    if (serial_) {
+        serial_->disconnect(this);
+        closeSerial(serial_.get());
+        serial_.release()->deleteLater();
+    }
     for (int* descriptor : {&line_, &sibling_}) {
         if (*descriptor >= 0) ::close(std::exchange(*descriptor, -1));
     }
+}
+
+void CardReaderLine::readSerial() {
+    // Asked for more than there is, the port goes on to the next character.
+    std::array<char, 2> buffer;
+    const qint64 count = serial_->read(buffer.data(), qint64(buffer.size()));
+    for (qint64 at = 0; at < count; ++at) take(buffer[size_t(at)]);
+    sodium_memzero(buffer.data(), buffer.size());
 }
 
 void CardReaderLine::read() {
@@ -123,9 +165,7 @@ void CardReaderLine::read() {
     const int reason = errno;
     if (count > 0) {
         const QByteArrayView bytes(buffer.data(), count);
-        if (settings_.kind == Kind::Serial) {
-            for (const char character : bytes) take(character);
-        } else if (settings_.kind == Kind::Hidraw) {
+        if (settings_.kind == Kind::Hidraw) {
             keystrokes_.report(bytes, [this](char character) { take(character); });
         } else {
             for (size_t at = 0; at + sizeof(input_event) <= size_t(count); at += sizeof(input_event)) {
@@ -139,9 +179,7 @@ void CardReaderLine::read() {
     sodium_memzero(buffer.data(), buffer.size());
     const bool isWaiting = count < 0 && (reason == EAGAIN || reason == EINTR);
     if (count > 0 || isWaiting || line_ < 0) return;
-    close();
-    setFault(count == 0 ? u"it was taken away"_s : QString::fromLocal8Bit(std::strerror(reason)));
-    opening_.start(retry_);
+    lose(count == 0 ? u"it was taken away"_s : errorText(reason));
 }
 
 void CardReaderLine::takeEvent(const input_event& event) {

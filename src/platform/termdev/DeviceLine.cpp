@@ -1,31 +1,29 @@
 #include "platform/termdev/DeviceLine.h"
 
-#include <arpa/inet.h>
 #include <fcntl.h>
-#include <netinet/in.h>
-#include <sys/file.h>
-#include <sys/socket.h>
+#include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
 
 #include <QFile>
+#include <QFileInfo>
+#include <QSerialPort>
 #include <cerrno>
-#include <utility>
-
-#include "platform/message/Connection.h"
+#include <cstring>
 
 namespace platform::termdev {
 namespace {
 
-constexpr std::pair<int, speed_t> kSpeeds[] = {{1200, B1200},   {2400, B2400},    {4800, B4800},
-                                               {9600, B9600},   {19200, B19200},  {38400, B38400},
-                                               {57600, B57600}, {115200, B115200}};
-
-int closeForErrno(int descriptor) {
-    const int reason = errno;
-    ::close(descriptor);
-    errno = reason;
-    return -1;
+QSerialPort::FlowControl flowControl(SerialMode::Flow flow) {
+    switch (flow) {
+        case SerialMode::Flow::Hardware:
+            return QSerialPort::HardwareControl;
+        case SerialMode::Flow::Software:
+            return QSerialPort::SoftwareControl;
+        case SerialMode::Flow::None:
+            break;
+    }
+    return QSerialPort::NoFlowControl;
 }
 
 }  // namespace
@@ -34,52 +32,47 @@ int openDevice(const QString& path, int flags) {
     return ::open(QFile::encodeName(path).constData(), flags | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
 }
 
-int openSerial(const QString& path, const SerialMode& mode) {
-    const int line = openDevice(path, O_RDWR);
-    if (line < 0) return -1;
-    // Two programs on one line would each have half of a card, or mix their jobs.
-    if (::flock(line, LOCK_EX | LOCK_NB) != 0) {
-        if (errno == EWOULDBLOCK) errno = EBUSY;
-        return closeForErrno(line);
+QString openSerial(QSerialPort* port, const QString& path, const SerialMode& mode) {
+    const bool hasParity = mode.parity != SerialMode::Parity::None;
+    port->setPortName(path);
+    port->setBaudRate(mode.speed);
+    port->setDataBits(hasParity ? QSerialPort::Data7 : QSerialPort::Data8);
+    port->setParity(mode.parity == SerialMode::Parity::Even  ? QSerialPort::EvenParity
+                    : mode.parity == SerialMode::Parity::Odd ? QSerialPort::OddParity
+                                                             : QSerialPort::NoParity);
+    port->setFlowControl(flowControl(mode.flow));
+    if (!port->open(QIODevice::ReadWrite)) {
+        // Where the rights are there, it is the line's lock that is not: two programs on one line would each
+        // have half of a card, or mix their jobs.
+        const QFileInfo file(path);
+        const bool isLocked =
+            port->error() == QSerialPort::PermissionError && file.isReadable() && file.isWritable();
+        return isLocked ? QString::fromLocal8Bit(std::strerror(EBUSY)) : port->errorString();
     }
     termios settings{};
-    if (::tcgetattr(line, &settings) != 0) return closeForErrno(line);
-    ::cfmakeraw(&settings);
-    // Left by another program these would drop what is damaged, or put bytes among those of a job.
-    settings.c_iflag &= ~tcflag_t(IGNPAR | INPCK | IXOFF | IXANY);
+    ::tcgetattr(port->handle(), &settings);
     // The line is not hung up when it is closed: many printers take that for being switched off.
-    settings.c_cflag &= ~tcflag_t(HUPCL | CSTOPB | CRTSCTS | PARODD);
-    settings.c_cflag |= CLOCAL | CREAD;
-    if (mode.flow == SerialMode::Flow::Hardware) settings.c_cflag |= CRTSCTS;
-    if (mode.flow == SerialMode::Flow::Software) settings.c_iflag |= IXON;
-    if (mode.parity != SerialMode::Parity::None) {
-        settings.c_cflag = (settings.c_cflag & ~tcflag_t(CSIZE)) | CS7 | PARENB;
-        if (mode.parity == SerialMode::Parity::Odd) settings.c_cflag |= PARODD;
-        // A character with a wrong parity arrives behind a byte 255, which no character has.
-        settings.c_iflag |= INPCK | PARMRK;
-    }
-    for (const auto& [speed, constant] : kSpeeds) {
-        if (speed == mode.speed) ::cfsetspeed(&settings, constant);
-    }
-    if (::tcsetattr(line, TCSANOW, &settings) != 0) return closeForErrno(line);
-    return line;
+    settings.c_cflag &= ~tcflag_t(HUPCL);
+    // No byte of this side's own goes among those of a job, and none of the printer's restarts it.
+    settings.c_iflag &= ~tcflag_t(IGNPAR | INPCK | IXOFF | IXANY);
+    // A character with a wrong parity arrives behind a byte 255, which no character has. Qt would let it
+    // pass.
+    if (hasParity) settings.c_iflag |= INPCK | PARMRK;
+    ::tcsetattr(port->handle(), TCSANOW, &settings);
+    return {};
 }
 
-int connectTcp(const QString& address, int port) {
-    const auto parsed = message::parseAddress(address);
-    if (!parsed) {
-        errno = EINVAL;
-        return -1;
+void closeSerial(QSerialPort* port) {
+    if (!port->isOpen()) return;
+    // Qt sets a line back to what it was before, its speed and its hanging up too, while an adapter may still
+    // hold the last bytes of a job. So the line is closed here, and Qt closes what stands in its place.
+    ::ioctl(port->handle(), TIOCNXCL);
+    const int nothing = ::open("/dev/null", O_RDWR | O_CLOEXEC);
+    if (nothing >= 0) {
+        ::dup3(nothing, port->handle(), O_CLOEXEC);
+        ::close(nothing);
     }
-    const int line = ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
-    if (line < 0) return -1;
-    sockaddr_in peer{};
-    peer.sin_family = AF_INET;
-    peer.sin_port = htons(quint16(port));
-    peer.sin_addr.s_addr = *parsed;
-    if (::connect(line, reinterpret_cast<const sockaddr*>(&peer), sizeof peer) != 0 && errno != EINPROGRESS)
-        return closeForErrno(line);
-    return line;
+    port->close();
 }
 
 }  // namespace platform::termdev

@@ -138,6 +138,7 @@ QString failureText(Call call, RequestKind kind, short status) {
 }
 
 QString hostAddress(QStringView savedDigits) {
+    if (savedDigits.contains(u':')) return savedDigits.toString();
     QStringList octets;
     for (qsizetype at = 0; at < 12; at += 3) octets += QString::number(parseInteger(savedDigits.mid(at, 3)));
     return octets.join(u'.');

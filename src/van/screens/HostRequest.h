@@ -25,7 +25,7 @@ QString sendRequest(CKsnet_msg_lib& component, RequestKind kind, const books::Tr
 QString askAbout(CKsnet_msg_lib& component, QStringView number);
 
 /// The address that 12 digits stand for, three for each octet: 210011022003 is 210.11.22.3. Missing digits
-/// read as 0.
+/// read as 0. An IPv6 address, which is saved as its text, stays what it is.
 QString hostAddress(QStringView savedDigits);
 
 /// Reads a payment's or a balance's reply into the record, and returns what the status log gains.

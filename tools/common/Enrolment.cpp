@@ -1,4 +1,4 @@
-#include "platform/message/Enrolment.h"
+#include "common/Enrolment.h"
 
 #include <QDir>
 #include <QFile>
@@ -9,10 +9,12 @@
 #include "platform/WholeFile.h"
 #include "platform/message/SavedValues.h"
 
-namespace platform::message {
+namespace cardhost {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
+
+using platform::message::PublicKey;
 
 constexpr qsizetype kMostDigits = 10;
 constexpr qint64 kLargestFile = 1024;
@@ -35,24 +37,24 @@ bool isTerminalNumber(QStringView text) {
 
 bool enrolTerminal(const QString& hostFolder, const QString& number, const PublicKey& key, QString* error) {
     if (!isTerminalNumber(number)) return false;
-    if (!makeFolder(terminalsFolder(hostFolder))) {
+    if (!platform::makeFolder(terminalsFolder(hostFolder))) {
         if (error != nullptr) *error = u"its folder \"terminals\" cannot be made"_s;
         return false;
     }
-    return writeWholeFile(keyFile(hostFolder, number), QByteArrayView(key).toByteArray().toHex() + '\n',
-                          error);
+    return platform::writeWholeFile(keyFile(hostFolder, number),
+                                    QByteArrayView(key).toByteArray().toHex() + '\n', error);
 }
 
 bool removeTerminal(const QString& hostFolder, const QString& number) {
     return isTerminalNumber(number) && QFile::remove(keyFile(hostFolder, number)) &&
-           syncToDisk(terminalsFolder(hostFolder));
+           platform::syncToDisk(terminalsFolder(hostFolder));
 }
 
 std::optional<PublicKey> enrolledKey(const QString& hostFolder, const QString& number) {
     if (!isTerminalNumber(number)) return std::nullopt;
     QFile file(keyFile(hostFolder, number));
     if (!file.open(QIODevice::ReadOnly)) return std::nullopt;
-    return parsePublicKey(file.read(kLargestFile));
+    return platform::message::parsePublicKey(file.read(kLargestFile));
 }
 
 QStringList enrolledTerminals(const QString& hostFolder) {
@@ -65,4 +67,4 @@ QStringList enrolledTerminals(const QString& hostFolder) {
     return numbers;
 }
 
-}  // namespace platform::message
+}  // namespace cardhost

@@ -5,8 +5,9 @@
 #include <cstdint>
 #include <span>
 
-/// Cards of the demonstration, for a host that knows them and a terminal that swipes them. They are nobody's.
-namespace platform::termdev {
+/// Cards of the demonstration, for the desk, for a host that knows them and for tools that swipe them. They
+/// are nobody's.
+namespace desk {
 
 struct DemoCard {
     QStringView name;      ///< By which a swipe asks for it.
@@ -32,4 +33,4 @@ QString track3(const DemoCard& card);
 /// late: the announcement opens the password keypad.
 bool swipe(const DemoCard& card);
 
-}  // namespace platform::termdev
+}  // namespace desk

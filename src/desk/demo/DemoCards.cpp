@@ -1,4 +1,4 @@
-#include "platform/termdev/DemoCards.h"
+#include "desk/demo/DemoCards.h"
 
 #include <QStringBuilder>
 #include <algorithm>
@@ -7,7 +7,7 @@
 #include "platform/Wipe.h"
 #include "platform/termdev/CardReader.h"
 
-namespace platform::termdev {
+namespace desk {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
@@ -23,15 +23,15 @@ constexpr DemoCard kCards[] = {
     {u"unknown", u"미등록 카드", u"9409110000000009", u"9999", 0, 0, false},
 };
 
-SecureBytes bytesOf(QString track) {
-    SecureBytes bytes(size_t(track.size()));
+platform::SecureBytes bytesOf(QString track) {
+    platform::SecureBytes bytes(size_t(track.size()));
     std::ranges::transform(track, bytes.begin(),
                            [](QChar c) { return static_cast<unsigned char>(c.unicode()); });
-    wipe(&track);
+    platform::wipe(&track);
     return bytes;
 }
 
-QByteArrayView view(const SecureBytes& bytes) {
+QByteArrayView view(const platform::SecureBytes& bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), qsizetype(bytes.size())};
 }
 
@@ -58,7 +58,8 @@ QString track3(const DemoCard& card) {
 }
 
 bool swipe(const DemoCard& card) {
-    return CardReader::instance().swipe(view(bytesOf(track2(card))), view(bytesOf(track3(card))));
+    return platform::termdev::CardReader::instance().swipe(view(bytesOf(track2(card))),
+                                                           view(bytesOf(track3(card))));
 }
 
-}  // namespace platform::termdev
+}  // namespace desk

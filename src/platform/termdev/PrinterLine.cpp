@@ -1,0 +1,270 @@
+#include "platform/termdev/PrinterLine.h"
+
+#include <fcntl.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <poll.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <QNetworkProxy>
+#include <QSerialPort>
+#include <QSocketNotifier>
+#include <QTcpSocket>
+#include <QThread>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+
+#include "platform/Address.h"
+#include "platform/termdev/DeviceLine.h"
+
+namespace platform::termdev {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+/// Unanswered repetitions of a segment, about ten seconds, after which a printer has left the network. One
+/// that is out of paper answers.
+constexpr int kLostRepetitions = 6;
+/// Bytes of a printer's answers that are held before they are dropped.
+constexpr qint64 kMostAnswers = 4096;
+
+QString errorText(int code) {
+    return QString::fromLocal8Bit(std::strerror(code));
+}
+
+/// Bytes that wait below the descriptor, as `question` asks for them; -1 when the device is gone.
+qsizetype bytesBelow(int line, unsigned long question) {
+    int bytes = 0;
+    if (::ioctl(line, question, &bytes) == 0) return bytes;
+    return errno == EIO || errno == ENODEV ? -1 : 0;
+}
+
+/// The same, 1 in place of 0 for a device that takes no more for now.
+qsizetype orBusy(qsizetype bytes, int line) {
+    pollfd state{line, POLLOUT, 0};
+    return bytes == 0 && (::poll(&state, 1, 0) != 1 || (state.revents & POLLOUT) == 0) ? 1 : bytes;
+}
+
+bool isBroken(int line) {
+    pollfd state{line, 0, 0};
+    return ::poll(&state, 1, 0) == 1;
+}
+
+/// A device that takes the bytes of a job as they are: a printer's own, a pipe, a file.
+class FileLine : public PrinterLine {
+  public:
+    explicit FileLine(const QString& path) : path_(path) {
+        // A printer that goes away while it is written to must not end the program.
+        std::signal(SIGPIPE, SIG_IGN);
+    }
+    ~FileLine() override {
+        writable_.reset();
+        if (line_ >= 0) ::close(line_);
+    }
+
+    void send(const QByteArray& job) override {
+        job_ = job;
+        line_ = openDevice(path_, O_WRONLY | O_APPEND);
+        if (line_ < 0) return fail(errorText(errno));
+        writable_ = std::make_unique<QSocketNotifier>(line_, QSocketNotifier::Write);
+        connect(writable_.get(), &QSocketNotifier::activated, this, &FileLine::write);
+        write();
+    }
+    qsizetype untransmitted() const override {
+        struct stat kind {};
+        if (::fstat(line_, &kind) != 0 || S_ISREG(kind.st_mode)) return 0;
+        // A pipe counts what its reader has not taken, a device what has not gone out.
+        const qsizetype bytes = bytesBelow(line_, S_ISFIFO(kind.st_mode) ? FIONREAD : TIOCOUTQ);
+        return bytes > 0 && isBroken(line_) ? -1 : orBusy(bytes, line_);
+    }
+    void work(int milliseconds) override {
+        pollfd state{line_, short(isSent() ? 0 : POLLOUT), 0};
+        if (::poll(&state, 1, milliseconds) == 1) write();
+    }
+
+  protected:
+    qsizetype unsent() const override { return job_.size() - sent_; }
+
+  private:
+    void write() {
+        while (sent_ < job_.size()) {
+            const ssize_t count = ::write(line_, job_.constData() + sent_, size_t(job_.size() - sent_));
+            if (count < 0 && errno != EAGAIN && errno != EINTR) fail(errorText(errno));
+            if (count <= 0) break;
+            sent_ += count;
+        }
+        writable_->setEnabled(!isSent() && failure().isEmpty());
+        Q_EMIT changed();
+    }
+
+    const QString path_;
+    int line_ = -1;
+    qsizetype sent_ = 0;
+    std::unique_ptr<QSocketNotifier> writable_;
+};
+
+class SerialLine : public PrinterLine {
+  public:
+    explicit SerialLine(const PrinterSettings& settings) : settings_(settings) {}
+    ~SerialLine() override {
+        port_.disconnect(this);
+        // What the line still holds would keep its closing waiting for the printer, half a minute under flow
+        // control; the job is sent anew.
+        if (port_.isOpen() && (!isSent() || untransmitted() > 0)) {
+            port_.clear();
+            port_.setFlowControl(QSerialPort::NoFlowControl);
+        }
+        closeSerial(&port_);
+    }
+
+    void send(const QByteArray& job) override {
+        job_ = job;
+        if (const QString reason = openSerial(&port_, settings_.device, settings_.line); !reason.isEmpty())
+            return fail(reason);
+        connect(&port_, &QSerialPort::bytesWritten, this, &SerialLine::changed);
+        connect(&port_, &QSerialPort::readyRead, this, [this] { port_.readAll(); });
+        connect(&port_, &QSerialPort::errorOccurred, this, [this](QSerialPort::SerialPortError error) {
+            if (error == QSerialPort::TimeoutError || error == QSerialPort::NoError) return;
+            fail(port_.errorString());
+            Q_EMIT changed();
+        });
+        port_.setReadBufferSize(kMostAnswers);
+        port_.write(job);
+    }
+    qsizetype untransmitted() const override {
+        const qsizetype bytes = bytesBelow(port_.handle(), TIOCOUTQ);
+        unsigned int status = TIOCSER_TEMT;
+        // The last bytes are in the line's own memory, where a printer that is not ready holds them as well.
+        const bool isInMemory = bytes == 0 && ::ioctl(port_.handle(), TIOCSERGETLSR, &status) == 0 &&
+                                (status & TIOCSER_TEMT) == 0;
+        return isInMemory ? 1 : orBusy(bytes, port_.handle());
+    }
+    void work(int milliseconds) override {
+        isSent() ? QThread::msleep(unsigned(milliseconds)) : void(port_.waitForBytesWritten(milliseconds));
+    }
+
+  protected:
+    qsizetype unsent() const override { return port_.isOpen() ? port_.bytesToWrite() : job_.size(); }
+
+  private:
+    const PrinterSettings settings_;
+    QSerialPort port_;
+};
+
+/// Qt connects and sends. The way to the end of the connection is its descriptor's alone: Qt cannot end one
+/// side, and tells a connection that was broken from one that was ended by nothing.
+class NetworkLine : public PrinterLine {
+  public:
+    explicit NetworkLine(const PrinterSettings& settings) : settings_(settings) {}
+    ~NetworkLine() override {
+        socket_.disconnect(this);
+        socket_.abort();
+        readable_.reset();
+        if (line_ >= 0) ::close(line_);
+    }
+
+    void send(const QByteArray& job) override {
+        job_ = job;
+        unsent_ = job.size();
+        const std::optional<QHostAddress> address = parseAddress(settings_.address);
+        if (!address) return fail(errorText(EINVAL));
+        socket_.setProxy(QNetworkProxy::NoProxy);
+        socket_.setReadBufferSize(kMostAnswers);
+        connect(&socket_, &QTcpSocket::connected, this, [this] { socket_.write(job_); });
+        connect(&socket_, &QTcpSocket::bytesWritten, this, &NetworkLine::written);
+        connect(&socket_, &QTcpSocket::readyRead, this, [this] { socket_.readAll(); });
+        socket_.connectToHost(*address, quint16(settings_.port));
+        if (socket_.state() == QTcpSocket::UnconnectedState) return fail(socket_.errorString());
+        connect(&socket_, &QTcpSocket::errorOccurred, this, &NetworkLine::broken);
+    }
+    qsizetype untransmitted() const override { return bytesBelow(line_, TIOCOUTQ); }
+    bool isSilent() const override {
+        const int line = line_ >= 0 ? line_ : int(socket_.socketDescriptor());
+        tcp_info info{};
+        socklen_t size = sizeof info;
+        ::getsockopt(line, IPPROTO_TCP, TCP_INFO, &info, &size);
+        return sent() == 0 || info.tcpi_retransmits >= kLostRepetitions;
+    }
+    bool end() override {
+        ::shutdown(line_, SHUT_WR);
+        return true;
+    }
+    bool hasEnded() const override { return hasEnded_; }
+    void work(int milliseconds) override {
+        if (line_ < 0) {
+            socket_.waitForBytesWritten(milliseconds);
+            return;
+        }
+        pollfd state{line_, short(hasEnded_ ? 0 : POLLIN), 0};
+        if (::poll(&state, 1, milliseconds) == 1) readAnswers();
+    }
+
+  protected:
+    qsizetype unsent() const override { return unsent_; }
+
+  private:
+    void written(qint64 bytes) {
+        unsent_ -= bytes;
+        if (unsent_ == 0) {
+            line_ = ::fcntl(int(socket_.socketDescriptor()), F_DUPFD_CLOEXEC, 0);
+            if (line_ < 0) return fail(errorText(errno));
+            socket_.disconnect(this);
+            socket_.abort();
+            readable_ = std::make_unique<QSocketNotifier>(line_, QSocketNotifier::Read);
+            connect(readable_.get(), &QSocketNotifier::activated, this, &NetworkLine::readAnswers);
+        }
+        Q_EMIT changed();
+    }
+    /// Throws away what the printer says: unread answers would break the connection at its end.
+    void readAnswers() {
+        std::array<char, 256> buffer;
+        ssize_t received = 0;
+        while ((received = ::recv(line_, buffer.data(), buffer.size(), 0)) > 0) {
+        }
+        hasEnded_ = received == 0;
+        if (received < 0 && errno != EAGAIN && errno != EINTR) fail(errorText(errno));
+        // The notifier would tell of an end for ever.
+        readable_->setEnabled(!hasEnded_ && failure().isEmpty());
+        Q_EMIT changed();
+    }
+    void broken(QAbstractSocket::SocketError error) {
+        // That of work(), while the connection stands.
+        if (error == QTcpSocket::SocketTimeoutError && socket_.state() == QTcpSocket::ConnectedState) return;
+        fail(socket_.errorString());
+        Q_EMIT changed();
+    }
+
+    const PrinterSettings settings_;
+    QTcpSocket socket_;
+    int line_ = -1;  ///< The same connection, once all of the job is sent.
+    std::unique_ptr<QSocketNotifier> readable_;
+    qsizetype unsent_ = 0;
+    bool hasEnded_ = false;
+};
+
+}  // namespace
+
+std::unique_ptr<PrinterLine> PrinterLine::make(const PrinterSettings& settings) {
+    switch (settings.kind) {
+        case PrinterSettings::Kind::Serial:
+            return std::make_unique<SerialLine>(settings);
+        case PrinterSettings::Kind::Tcp:
+            return std::make_unique<NetworkLine>(settings);
+        case PrinterSettings::Kind::File:
+        case PrinterSettings::Kind::Roll:
+            break;
+    }
+    return std::make_unique<FileLine>(settings.device);
+}
+
+void PrinterLine::fail(const QString& reason) {
+    if (failure_.isEmpty()) failure_ = reason;
+}
+
+}  // namespace platform::termdev
