@@ -8,7 +8,7 @@
 #include <QTemporaryDir>
 
 #include "platform/message/Fields.h"
-#include "platform/termdev/DemoCards.h"
+#include "desk/demo/DemoCards.h"
 #include "support/FullDisk.h"
 #include "support/PrintQt.h"
 

@@ -105,8 +105,7 @@ class Ledger {
     /// The next id of the table that the statement reads.
     qint64 nextId(const char* sql);
     /// The answer to a request whose number is known, if it is: that of before, or its refusal.
-    std::optional<platform::SecureBytes> answerAgain(const platform::message::OpenedRequest& request,
-                                                     const QByteArray& digest,
+    std::optional<platform::SecureBytes> answerAgain(const OpenedRequest& request, const QByteArray& digest,
                                                      platform::message::FieldWriter& refusal);
     Response findCard(QByteArrayView cardData, QByteArrayView password, Card* card);
     Response decide(Call& call);
