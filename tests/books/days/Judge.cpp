@@ -1,12 +1,13 @@
 #include "Judge.h"
 
 #include <algorithm>
-#include <cmath>
+#include <utility>
 
 namespace days {
 
 const RuleWords kRuleWords[] = {
-    {Rule::Lines, "a save leaves the lines on the screen, and a deletion takes the number's lines of that date"},
+    {Rule::Lines,
+     "a save leaves the lines on the screen, and a deletion takes the number's lines of that date"},
     {Rule::Empty, "the same of the containers taken back"},
     {Rule::Numbers, "a new slip gets the day's highest number and one, from the first of its range on"},
     {Rule::Row, "a collection says what its screen showed, once per number, date and user"},
@@ -15,7 +16,8 @@ const RuleWords kRuleWords[] = {
     {Rule::SaleMoves, "2: saving a sale moves its collection by the difference"},
     {Rule::KeyedSurvives, "2: keyed sales amounts survive a reopening"},
     {Rule::Worth, "3: what was taken back is worth what the collection says, or was keyed"},
-    {Rule::CardApproved, "4: a card amount of a visit has an approval, or a payment that may still become one"},
+    {Rule::CardApproved,
+     "4: a card amount of a visit has an approval, or a payment that may still become one"},
     {Rule::OneAmount, "5: what is shown, kept, asked of the host and booked is one amount"},
     {Rule::RefuseDifference, "5: what card or cash leave of the total is refused"},
     {Rule::Excess, "5: keying a recovery first takes back what the last one had booked as excess"},
@@ -32,56 +34,64 @@ const RuleWords kRuleWords[] = {
     {Rule::Foots, "a settlement foots: total = card, cash, unpaid and recovery"},
     {Rule::Lost, "what the host charged, the journal has as approved or asks about"},
     {Rule::Doubled, "an approval stands on one collection, and a sale is charged once"},
+    {Rule::Closing, "a close says what the collections of its day and user come to"},
     {Rule::Nothing, "what has nothing to do with a table leaves it alone"},
 };
 
-const char *words(Rule rule) { return kRuleWords[static_cast<int>(rule)].words; }
-
-std::string words(const Amounts &a) {
-    const auto n = [](Won won) { return std::to_string(won); };
-    return "sales " + n(a.sales) + " deposits " + n(a.deposits) + " recovery " + n(a.recovery) + " card " + n(a.card) +
-           " cash " + n(a.cash) + " unpaid " + n(a.unpaid) + " earlier " + n(a.earlier);
+const char* words(Rule rule) {
+    return kRuleWords[static_cast<int>(rule)].words;
 }
 
-std::string words(const Visit &v) { return v.key.date + " " + v.key.number + " " + v.key.user + " " + v.customer; }
+std::string words(const Amounts& a) {
+    const auto n = [](Won won) { return std::to_string(won); };
+    return "sales " + n(a.sales) + " deposits " + n(a.deposits) + " recovery " + n(a.recovery) + " card " +
+           n(a.card) + " cash " + n(a.cash) + " unpaid " + n(a.unpaid) + " earlier " + n(a.earlier);
+}
+
+std::string words(const Visit& v) {
+    return v.key.date + " " + v.key.number + " " + v.key.user + " " + v.customer;
+}
 
 namespace {
 
 // The customers of simple payments without one have no balance.
 constexpr auto kUnregistered = "XXXX";
 
-std::string words(const Goods &g) {
-    return words(g.visit) + " " + g.product + " " + std::to_string(g.boxes) + "/" + std::to_string(g.bottles) + " " +
-           std::to_string(g.supply + g.vat + g.crates + g.deposit);
+std::string words(const Goods& g) {
+    return words(g.visit) + " " + g.product + " " + std::to_string(g.boxes) + "/" +
+           std::to_string(g.bottles) + " " + std::to_string(g.supply + g.vat + g.crates + g.deposit);
 }
-std::string words(const Empties &e) {
+std::string words(const Empties& e) {
     return words(e.visit) + " " + e.product + " " + std::to_string(e.crates + e.deposit);
 }
-std::string words(const Collection &c) { return words(c.visit) + " " + words(c.amounts) + " " + c.approval; }
+std::string words(const Collection& c) {
+    return words(c.visit) + " " + words(c.amounts) + " " + c.approval;
+}
 
 template <typename Row>
-const Row *find(const std::vector<Row> &rows, const Visit &visit) {
+const Row* find(const std::vector<Row>& rows, const Visit& visit) {
     const auto at = std::ranges::find(rows, visit, &Row::visit);
     return at == rows.end() ? nullptr : &*at;
 }
 
 template <typename Row>
-void erase(std::vector<Row> &rows, const Key &key) {
-    std::erase_if(rows, [&key](const Row &row) { return row.visit.key == key; });
+void erase(std::vector<Row>& rows, const Key& key) {
+    std::erase_if(rows, [&key](const Row& row) { return row.visit.key == key; });
 }
 
 template <typename Row>
-void eraseOfAll(std::vector<Row> &rows, const Key &key) {
-    std::erase_if(rows, [&key](const Row &row) {
+void eraseOfAll(std::vector<Row>& rows, const Key& key) {
+    std::erase_if(rows, [&key](const Row& row) {
         return row.visit.key.date == key.date && row.visit.key.number == key.number;
     });
 }
 
-// Rows that were found under a number given twice keep everything but that number: from 4001 on, or from 7001.
+// Rows that were found under a number given twice keep everything but that number: from 4001 on, or from
+// 7001.
 template <typename Row>
-std::vector<Row> numberless(std::vector<Row> rows, const std::set<Visit> &moved) {
-    for (Row &row : rows) {
-        const std::string &number = row.visit.key.number;
+std::vector<Row> numberless(std::vector<Row> rows, const std::set<Visit>& moved) {
+    for (Row& row : rows) {
+        const std::string& number = row.visit.key.number;
         if (moved.contains(row.visit) || (number > "4000" && number < "4999")) {
             row.visit.key.number = "moved";
         }
@@ -92,15 +102,15 @@ std::vector<Row> numberless(std::vector<Row> rows, const std::set<Visit> &moved)
 
 // The first row that only one side has.
 template <typename Row>
-std::string difference(const std::vector<Row> &want, const std::vector<Row> &is) {
+std::string difference(const std::vector<Row>& want, const std::vector<Row>& is) {
     std::vector<Row> missing, surplus;
     std::ranges::set_difference(want, is, std::back_inserter(missing));
     std::ranges::set_difference(is, want, std::back_inserter(surplus));
     std::string text;
-    for (const Row &row : missing) {
+    for (const Row& row : missing) {
         text += " must be: " + words(row) + ";";
     }
-    for (const Row &row : surplus) {
+    for (const Row& row : surplus) {
         text += " is: " + words(row) + ";";
     }
     return text;
@@ -108,32 +118,36 @@ std::string difference(const std::vector<Row> &want, const std::vector<Row> &is)
 
 // Supply and tax of a row are judged by the VAT rule, and follow the salesman's keys otherwise.
 std::vector<Collection> comparable(std::vector<Collection> rows) {
-    for (Collection &row : rows) {
+    for (Collection& row : rows) {
         row.amounts.supply = row.amounts.vat = row.amounts.other = 0;
     }
     std::ranges::sort(rows);
     return rows;
 }
 
-Won worth(const Page &page, const Visit &visit) {
+bool hasMessage(const Page& page, const std::string& message) {
+    return std::ranges::find(page.payments, message, &Payment::message) != page.payments.end();
+}
+
+Won worth(const Page& page, const Visit& visit) {
     Won sum = 0;
-    for (const Empties &line : page.empties) {
+    for (const Empties& line : page.empties) {
         sum += line.visit == visit ? line.crates + line.deposit : 0;
     }
     return sum;
 }
 
-Won depositsOf(const Page &page, const Visit &visit) {
+Won depositsOf(const Page& page, const Visit& visit) {
     Won sum = 0;
-    for (const Goods &line : page.goods) {
+    for (const Goods& line : page.goods) {
         sum += line.visit == visit ? line.crates + line.deposit : 0;
     }
     return sum;
 }
 
-} // namespace
+}  // namespace
 
-Won payableTotal(Won supply, Won vat, const std::string &mode) {
+Won payableTotal(Won supply, Won vat, const std::string& mode) {
     if (mode != "2" && mode != "3") {
         return supply + vat;
     }
@@ -190,83 +204,129 @@ Amounts settled(Event::Kind kind, Won keyed, Amounts a) {
     return a;
 }
 
-std::vector<Finding> Judge::judge(const Page &before, const Event &event, const Page &after) {
-    m_findings.clear();
-    screen(event);
+std::vector<Finding> Judge::judge(const Page& before, const Event& event, const Page& after) {
+    findings_.clear();
+    screen(before, event);
     number(before, event);
     tables(before, event, after);
     balances(before, after);
-    const auto then = broken(before);
-    for (const auto &[rule, what] : broken(after)) {
-        if (!then.contains({rule, what})) {
-            found(rule, what);
+    closed(event, after);
+    std::erase_if(keyedSales_,
+                  [&after](const Visit& visit) { return find(after.collections, visit) == nullptr; });
+    std::erase_if(keyedRecovery_,
+                  [&after](const Visit& visit) { return find(after.collections, visit) == nullptr; });
+    if (event.isAtMenu) {
+        auto now = broken(after);
+        for (const auto& [rule, what] : now) {
+            if (!told_.contains({rule, what})) {
+                found(rule, what);
+            }
         }
+        told_ = std::move(now);
     }
-    return m_findings;
+    return findings_;
 }
 
-Won Judge::payable(const Page &page, const Visit &visit) const {
+Won Judge::payable(const Page& page, const Visit& visit) const {
     Won supply = 0;
     Won vat = 0;
-    for (const Goods &line : page.goods) {
+    for (const Goods& line : page.goods) {
         if (line.visit == visit) {
             supply += line.supply;
             vat += line.vat;
         }
     }
-    const auto mode = m_vatModes.find(visit.key.user);
-    return payableTotal(supply, vat, mode == m_vatModes.end() ? "" : mode->second);
+    const auto mode = vatModes_.find(visit.key.user);
+    return payableTotal(supply, vat, mode == vatModes_.end() ? "" : mode->second);
 }
 
-void Judge::screen(const Event &event) {
+void Judge::screen(const Page& before, const Event& event) {
     using enum Event::Kind;
-    const Amounts &is = event.shown;
+    const Amounts& is = event.shown;
     switch (event.kind) {
-    case KeySales:
-    case KeySupply:
-    case KeyVat:
-    case KeyOther:
-        m_keyedSales.insert(event.visit);
-        break;
-    case Card:
-    case Cash:
-    case Credit:
-        if (event.before.total() == 0 && event.before.recovery == 0) {
-            if (is != event.before) {
-                found(Rule::NothingToSettle, words(event.before) + " became " + words(is));
+        case KeySales:
+        case KeySupply:
+        case KeyVat:
+        case KeyOther:
+            hasKeyedSales_ = true;
+            break;
+        case KeptRecovery:
+            hasKeyedRecovery_ = true;
+            break;
+        case OpenCollection:
+            hasKeyedSales_ = hasKeyedRecovery_ = false;
+            opened(before, event);
+            break;
+        case Card:
+        case Cash:
+        case Credit:
+            if (event.before.total() == 0 && event.before.recovery == 0) {
+                if (is != event.before) {
+                    found(Rule::NothingToSettle, words(event.before) + " became " + words(is));
+                }
+                return;
             }
-            return;
+            [[fallthrough]];
+        case KeyRecovery:
+        case KeyEarlier: {
+            hasKeyedRecovery_ |= event.kind == KeyRecovery;
+            // What is divided around an approved card is the screen's.
+            if (event.isRefused || event.isApproved) {
+                return;
+            }
+            const Amounts want = settled(event.kind, event.keyed, event.before);
+            if (is != want) {
+                const bool had = event.kind == KeyRecovery && withoutExcess(event.before) != event.before;
+                found(had ? Rule::Excess : Rule::Settle,
+                      "must show: " + words(want) + "; shows: " + words(is));
+            }
+            break;
         }
-        [[fallthrough]];
-    case KeyRecovery:
-    case KeyEarlier: {
-        if (event.kind == KeyRecovery) {
-            m_keyedRecovery.insert(event.visit);
-        }
-        if (event.refused) {
-            return;
-        }
-        const Amounts want = settled(event.kind, event.keyed, event.before);
-        if (is != want) {
-            const bool had = event.kind == KeyRecovery && withoutExcess(event.before) != event.before;
-            found(had ? Rule::Excess : Rule::Settle, "must show: " + words(want) + "; shows: " + words(is));
-        }
-        break;
+        default:
+            break;
     }
-    default:
-        break;
+}
+
+// A collection whose sales amounts were keyed opens with them.
+void Judge::opened(const Page& before, const Event& event) {
+    const Collection* const row = find(before.collections, event.visit);
+    if (row != nullptr && keyedSales_.contains(event.visit) && event.shown.total() != row->amounts.total()) {
+        found(Rule::KeyedSurvives,
+              words(row->visit) + " " + words(row->amounts) + " opens with " + words(event.shown));
+    }
+}
+
+void Judge::closed(const Event& event, const Page& after) {
+    if (event.kind != Event::Kind::Closed) {
+        return;
+    }
+    Won cash = 0;
+    Won card = 0;
+    Won unpaid = 0;
+    for (const Collection& row : after.collections) {
+        if (row.visit.key.date == event.visit.key.date && row.visit.key.user == event.visit.key.user) {
+            const Amounts& a = row.amounts;
+            cash += !row.isSimple && a.bookedByButton() ? 0 : a.cash + a.earlier;
+            card += a.card;
+            unpaid += a.unpaid;
+        }
+    }
+    if (event.figures != std::vector<Won>{cash, card, unpaid}) {
+        found(Rule::Closing, "must be " + std::to_string(cash) + " " + std::to_string(card) + " " +
+                                 std::to_string(unpaid) + ", is " + std::to_string(event.figures[0]) + " " +
+                                 std::to_string(event.figures[1]) + " " + std::to_string(event.figures[2]));
     }
 }
 
 // The number of a sale, collection or container slip that the hand has just begun.
-void Judge::number(const Page &before, const Event &event) {
-    if (event.kind != Event::Kind::SaleNumbered) {
+void Judge::number(const Page& before, const Event& event) {
+    if (event.kind != Event::Kind::Numbered) {
         return;
     }
-    const char *const first = event.mode == 1 ? "5001" : event.mode == 3 ? "6001" : "7001";
+    const char* const first = event.mode == 1 ? "5001" : event.mode == 3 ? "6001" : "7001";
     std::string highest;
-    const auto look = [&](const auto &rows) {
-        for (const auto &row : rows) {
+    const auto look = [&](const auto& rows) {
+        for (const auto& row : rows) {
             if (row.visit.key.date == event.visit.key.date) {
                 highest = std::max(highest, row.visit.key.number);
             }
@@ -278,43 +338,67 @@ void Judge::number(const Page &before, const Event &event) {
         look(before.empties);
     } else {
         look(before.collections);
-        // An open payment's number is given to nobody.
-        std::vector<Payment> open = before.payments;
-        std::erase_if(open, [](const Payment &payment) { return !payment.open(); });
-        look(open);
     }
     const int next = highest.empty() ? 0 : std::stoi(highest) + 1;
-    const std::string want = next >= std::stoi(first) - 1 ? std::to_string(next) : first;
+    // A simple payment's number is 7000 or more, a collection's too.
+    std::string want = next >= std::stoi(first) - 1 ? std::to_string(next) : first;
+    // An open payment's number is given to nobody.
+    const auto isOpen = [&](const Payment& payment) {
+        return payment.open() && payment.visit.key.date == event.visit.key.date &&
+               payment.visit.key.number == want;
+    };
+    while (event.mode != 1 && event.mode != 3 && std::ranges::any_of(before.payments, isOpen)) {
+        want = std::to_string(std::stoi(want) + 1);
+    }
     if (event.visit.key.number != want) {
         found(Rule::Numbers, "must be " + want + ", is " + event.visit.key.number);
     }
 }
 
-void Judge::tables(Page before, const Event &event, const Page &after) {
+void Judge::tables(Page before, const Event& event, const Page& after) {
     using enum Event::Kind;
     Page want = std::move(before);
-    m_rowRule = Rule::Nothing;
-    if (!event.refused) {
+    rowRule_ = Rule::Nothing;
+    if (!event.isRefused) {
         switch (event.kind) {
-        case SaleSaved: saleSaved(want, event, after); break;
-        case SaleDeleted: saleDeleted(want, event, after); break;
-        case CollectionSaved: collectionSaved(want, event); break;
-        case CollectionBack: collectionBack(want, event); break;
-        case CollectionDeleted: eraseOfAll(want.collections, event.visit.key); break;
-        case CollectionForgotten: erase(want.collections, event.visit.key); break;
-        case EmptiesSaved:
-        case EmptiesDeleted: emptiesChanged(want, event); break;
-        case PaymentSent: paymentSent(want, event, after); break;
-        case Inquired: inquired(want, event, after); break;
-        default: break;
+            case SaleSaved:
+                saleSaved(want, event, after);
+                break;
+            case SaleDeleted:
+                saleDeleted(want, event, after);
+                break;
+            case CollectionSaved:
+                collectionSaved(want, event);
+                break;
+            case CollectionBack:
+                collectionBack(want, event, after);
+                break;
+            case CollectionDeleted:
+                eraseOfAll(want.collections, event.visit.key);
+                break;
+            case CollectionForgotten:
+                erase(want.collections, event.visit.key);
+                break;
+            case EmptiesSaved:
+            case EmptiesDeleted:
+                emptiesChanged(want, event);
+                break;
+            case PaymentSent:
+                paymentSent(want, event, after);
+                break;
+            case Inquired:
+                inquired(want, event, after);
+                break;
+            default:
+                break;
         }
     }
     compare(want, after);
 }
 
-void Judge::saleSaved(Page &want, const Event &event, const Page &after) {
-    const Visit &visit = event.visit;
-    const bool taken = std::ranges::any_of(want.goods, [&visit](const Goods &line) {
+void Judge::saleSaved(Page& want, const Event& event, const Page& after) {
+    const Visit& visit = event.visit;
+    const bool taken = std::ranges::any_of(want.goods, [&visit](const Goods& line) {
         return line.visit.key.date == visit.key.date && line.visit.key.number == visit.key.number &&
                line.visit.customer != visit.customer;
     });
@@ -327,12 +411,12 @@ void Judge::saleSaved(Page &want, const Event &event, const Page &after) {
     want.goods.insert(want.goods.end(), event.goods.begin(), event.goods.end());
     std::ranges::sort(want.goods);
     moveCollection(want, event, after, payable(want, visit) - sales, depositsOf(want, visit) - deposits);
-    m_rowRule = Rule::SaleMoves;
+    rowRule_ = Rule::SaleMoves;
 }
 
-// The row keeps what was paid; what the sale became dearer or cheaper is unpaid. Where empties exceed the total
-// before or after, only its effect is told: what was booked as excess may move.
-void Judge::moveCollection(Page &want, const Event &event, const Page &after, Won sales, Won deposits) {
+// The row keeps what was paid; what the sale became dearer or cheaper is unpaid. Where empties exceed the
+// total before or after, only its effect is told: what was booked as excess may move.
+void Judge::moveCollection(Page& want, const Event& event, const Page& after, Won sales, Won deposits) {
     const auto at = std::ranges::find(want.collections, event.visit, &Collection::visit);
     if (at == want.collections.end() || (sales == 0 && deposits == 0)) {
         return;
@@ -341,70 +425,86 @@ void Judge::moveCollection(Page &want, const Event &event, const Page &after, Wo
     moved.sales += sales;
     moved.deposits += deposits;
     moved.unpaid += sales + deposits;
-    const Collection *const row = find(after.collections, event.visit);
-    if (row != nullptr && (at->amounts.due() < 0 || moved.due() < 0) && row->amounts.total() == moved.total() &&
+    const Collection* const row = find(after.collections, event.visit);
+    if (row != nullptr && (at->amounts.due() < 0 || moved.due() < 0) &&
+        row->amounts.total() == moved.total() &&
         row->amounts.effect() - at->amounts.effect() == sales + deposits) {
         moved = row->amounts;
     }
     at->amounts = moved;
-    const Amounts nothing;
-    if (row == nullptr && moved.total() == 0 && moved.unpaid == 0 && moved.recovery == 0 && moved.earlier == 0 &&
-        moved.card == 0 && moved.cash == 0) {
+    if (row == nullptr && moved.total() == 0 && moved.unpaid == 0 && moved.recovery == 0 &&
+        moved.earlier == 0 && moved.card == 0 && moved.cash == 0) {
         want.collections.erase(at);
     }
 }
 
-void Judge::saleDeleted(Page &want, const Event &event, const Page &) {
-    const Key &key = event.visit.key;
-    const auto under = [&key](const auto &row) {
+void Judge::saleDeleted(Page& want, const Event& event, const Page&) {
+    const Key& key = event.visit.key;
+    const auto under = [&key](const auto& row) {
         return row.visit.key.date == key.date && row.visit.key.number == key.number;
     };
-    for (const Payment &payment : want.payments) {
+    for (const Payment& payment : want.payments) {
         if (under(payment) && payment.open()) {
             found(Rule::DeleteOpen, words(payment.visit) + " went with its open payment");
         }
     }
     const bool approved = std::ranges::any_of(
-        want.collections, [&](const Collection &row) { return under(row) && !row.approval.empty(); });
-    if (approved && !event.cardQuestion) {
+        want.collections, [&](const Collection& row) { return under(row) && !row.approval.empty(); });
+    if (approved && !event.hasCardQuestion) {
         found(Rule::CardQuestion, words(event.visit) + " went without the question");
     }
     eraseOfAll(want.goods, key);
-    if (!event.cardQuestion || event.cardConfirmed) {
+    if (!event.hasCardQuestion || event.isCardConfirmed) {
         eraseOfAll(want.collections, key);
         eraseOfAll(want.empties, key);
     }
-    m_rowRule = Rule::Row;
+    rowRule_ = Rule::Row;
 }
 
-void Judge::collectionSaved(Page &want, const Event &event) {
-    const Visit &visit = event.visit;
-    const Amounts &a = event.shown;
+void Judge::collectionSaved(Page& want, const Event& event) {
+    const Visit& visit = event.visit;
+    const Amounts& a = event.shown;
     if ((a.card != 0 || a.cash != 0) && a.card + a.cash + a.unpaid != a.due()) {
-        found(Rule::RefuseDifference, words(visit) + " " + words(a));
+        this->found(Rule::RefuseDifference, words(visit) + " " + words(a));
     }
-    const Collection *const old = find(want.collections, visit);
-    m_replacing[visit] = old != nullptr ? std::optional(*old) : std::nullopt;
-    Collection row{visit, a, old != nullptr ? old->approval : ""};
+    const Collection* const found = find(want.collections, visit);
+    const std::optional<Collection> old = found != nullptr ? std::optional(*found) : std::nullopt;
+    replacing_[visit] = old;
+    Collection row{visit, a, old ? old->approval : "", old && old->isSimple};
     erase(want.collections, visit.key);
     want.collections.push_back(row);
     std::ranges::sort(want.collections);
-    (event.mode == 2 || event.mode == 3) ? m_byCollectionWork.insert(visit) : m_byCollectionWork.erase(visit);
-    m_rowRule = Rule::Row;
+    const auto note = [&visit](std::set<Visit>& visits, bool is) {
+        is ? void(visits.insert(visit)) : void(visits.erase(visit));
+    };
+    note(byCollectionWork_, event.mode == 2 || event.mode == 3);
+    // A keyed amount that a collection has opened with is still keyed.
+    note(keyedSales_, hasKeyedSales_ || (keyedSales_.contains(visit) && old));
+    note(keyedRecovery_, hasKeyedRecovery_ || (keyedRecovery_.contains(visit) && old));
+    rowRule_ = Rule::Row;
 }
 
-// What 이전 does with a payment that was not made: the collection goes, and the one that it had replaced is back.
-void Judge::collectionBack(Page &want, const Event &event) {
+// What 이전 does with a payment that was not made: the collection goes, and the one that it had replaced is
+// back.
+void Judge::collectionBack(Page& want, const Event& event, const Page& after) {
+    const bool isOpen = std::ranges::any_of(want.payments, [&event](const Payment& payment) {
+        return payment.open() && payment.visit == event.visit;
+    });
+    if (isOpen && find(after.collections, event.visit) != nullptr) {
+        // A stuck visit may stay, on credit.
+        want.collections = after.collections;
+        return;
+    }
     erase(want.collections, event.visit.key);
-    const auto replaced = m_replacing.find(event.visit);
-    if (replaced != m_replacing.end() && replaced->second) {
+    const auto replaced = replacing_.find(event.visit);
+    if (replaced != replacing_.end() && replaced->second) {
         want.collections.push_back(*replaced->second);
         std::ranges::sort(want.collections);
     }
-    m_rowRule = Rule::Row;
+    rowRule_ = Rule::Row;
 }
 
-void Judge::emptiesChanged(Page &want, const Event &event) {
+void Judge::emptiesChanged(Page& want, const Event& event) {
     if (event.kind == Event::Kind::EmptiesDeleted) {
         eraseOfAll(want.empties, event.visit.key);
     } else {
@@ -413,115 +513,147 @@ void Judge::emptiesChanged(Page &want, const Event &event) {
         std::ranges::sort(want.empties);
     }
     // A container slip that goes takes the recovery of its collections along; what was paid stays.
-    for (Collection &row : want.collections) {
-        const bool under = row.visit.key.date == event.visit.key.date && row.visit.key.number == event.visit.key.number;
-        if (under && worth(want, row.visit) == 0 && !m_keyedRecovery.contains(row.visit)) {
+    for (Collection& row : want.collections) {
+        const bool under =
+            row.visit.key.date == event.visit.key.date && row.visit.key.number == event.visit.key.number;
+        if (under && worth(want, row.visit) == 0 && !keyedRecovery_.contains(row.visit)) {
             row.amounts = withoutExcess(row.amounts);
             row.amounts.unpaid += row.amounts.recovery;
             row.amounts.recovery = 0;
         }
     }
-    std::erase_if(want.collections, [](const Collection &row) {
-        const Amounts &a = row.amounts;
-        return a.total() == 0 && a.card == 0 && a.cash == 0 && a.unpaid == 0 && a.earlier == 0 && a.recovery == 0;
+    std::erase_if(want.collections, [](const Collection& row) {
+        const Amounts& a = row.amounts;
+        return a.total() == 0 && a.card == 0 && a.cash == 0 && a.unpaid == 0 && a.earlier == 0 &&
+               a.recovery == 0;
     });
     std::ranges::sort(want.collections);
-    m_rowRule = Rule::Worth;
+    rowRule_ = Rule::Worth;
 }
 
-void Judge::paymentSent(Page &want, const Event &event, const Page &after) {
-    const Visit &visit = event.visit;
-    for (const Payment &payment : want.payments) {
+void Judge::paymentSent(Page& want, const Event& event, const Page& after) {
+    const Visit& visit = event.visit;
+    for (const Payment& payment : want.payments) {
         if (payment.open() && payment.visit.customer == visit.customer) {
             found(Rule::OneOpen, words(payment.visit) + " was open when " + words(visit) + " was sent");
         }
-        if (payment.state == "approved" && payment.visit == visit && !event.told) {
+        if (payment.state == "approved" && payment.visit == visit && !event.isTold) {
             found(Rule::ApprovalTold, words(visit) + " was paid with " + payment.approval);
         }
     }
     const Won shown = event.shown.card != 0 ? event.shown.card : event.shown.cash;
-    const Payment *kept = nullptr;
-    for (const Payment &payment : after.payments) {
-        const bool is = payment.visit == visit && !std::ranges::contains(want.payments, payment.message, &Payment::message);
+    const Payment* kept = nullptr;
+    for (const Payment& payment : after.payments) {
+        const bool is = payment.visit == visit && !hasMessage(want, payment.message);
         kept = is ? &payment : kept;
     }
-    const Collection *const row = find(after.collections, visit);
-    const Won booked = row == nullptr ? event.asked : row->amounts.card != 0 ? row->amounts.card : row->amounts.cash;
-    if (kept == nullptr || kept->amount != event.asked || (event.mode != 6 && (shown != event.asked || booked != shown))) {
+    const Collection* const row = find(after.collections, visit);
+    const Won booked = row == nullptr           ? event.asked
+                       : row->amounts.card != 0 ? row->amounts.card
+                                                : row->amounts.cash;
+    if (kept == nullptr || kept->amount != event.asked ||
+        (event.mode != 6 && (shown != event.asked || booked != shown))) {
         found(Rule::OneAmount, words(visit) + " shown " + std::to_string(shown) + " kept " +
                                    std::to_string(kept != nullptr ? kept->amount : 0) + " asked " +
                                    std::to_string(event.asked) + " booked " + std::to_string(booked));
     }
     if (kept != nullptr) {
-        m_replaced[kept->message] = m_replacing[visit];
+        totals_[kept->message] = event.shown.total();
+        if (event.mode == 6) {
+            simple_.insert(kept->message);
+        }
         if (event.charged) {
             Charge charge = *event.charged;
             charge.visit = visit;
             charge.message = kept->message;
-            m_charges.push_back(charge);
+            charges_.push_back(charge);
         }
     }
-    if (event.charged && event.answered) {
-        for (Collection &own : want.collections) {
+    if (event.charged && event.isAnswered) {
+        for (Collection& own : want.collections) {
             own.approval = own.visit == visit ? event.charged->approval : own.approval;
         }
-        if (event.mode == 6 && row != nullptr) { // its row comes with the approval
+        if (event.mode == 6 && row != nullptr) {  // its row comes with the approval
             want.collections.push_back(*row);
             std::ranges::sort(want.collections);
         }
     }
     want.payments = after.payments;
-    m_rowRule = Rule::Row;
+    rowRule_ = Rule::Row;
 }
 
-// Each open payment becomes what the host says of it, and the slips follow.
-void Judge::inquired(Page &want, const Event &event, const Page &after) {
-    for (const Payment &payment : want.payments) {
+// Each open payment becomes what the host says of it, and the slips follow. What was booked for a card that
+// was never charged is taken back, as 이전 does.
+void Judge::inquired(Page& want, const Event& event, const Page& after) {
+    const std::vector<Payment> asked = std::exchange(want.payments, after.payments);
+    for (const Payment& payment : asked) {
         const auto answer = event.answers.find(payment.message);
-        if (!payment.open() || answer == event.answers.end()) {
-            continue;
-        }
-        const Visit &visit = payment.visit;
-        const auto own = std::ranges::find(want.collections, visit, &Collection::visit);
-        if (answer->second == Event::Answer::NotCharged) {
-            if (own == want.collections.end() || !own->approval.empty()) {
-                continue;
-            }
-            m_rowRule = Rule::CardApproved;
-            want.collections.erase(own);
-            if (const auto &replaced = m_replaced[payment.message]) {
-                want.collections.push_back(*replaced);
-                std::ranges::sort(want.collections);
-            }
-        } else if (answer->second == Event::Answer::Approved) {
-            const Goods *const sale = find(want.goods, visit);
-            const bool same = own != want.collections.end() && own->amounts.total() == payable(want, visit) + depositsOf(want, visit);
-            if (payment.visit.key.number < "6000" && (sale == nullptr || (own != want.collections.end() && !same))) {
-                m_rowRule = Rule::FoundLater;
-                m_credited[visit.customer] += payment.amount;
-                continue;
-            }
-            // The slip is as it was charged.
-            m_rowRule = m_rowRule == Rule::FoundLater ? m_rowRule : Rule::Row;
-            const Collection *const row = find(after.collections, visit);
-            if (row == nullptr || row->approval.empty()) {
-                found(Rule::Lost, words(visit) + " was approved and its slip does not say so");
-            } else if (own != want.collections.end()) {
-                *own = *row;
-            } else {
-                want.collections.push_back(*row);
-            }
-            std::ranges::sort(want.collections);
+        if (answer != event.answers.end() && answer->second == Event::Answer::Approved) {
+            approvedLater(want, payment, after);
         }
     }
-    want.payments = after.payments;
+    for (const Collection& row : std::vector(want.collections)) {
+        const bool isAnswered = std::ranges::any_of(asked, [&](const Payment& payment) {
+            return payment.visit == row.visit && event.answers.contains(payment.message);
+        });
+        if (lacksApproval(want, row) && row.visit != event.visit && (event.isAtMenu || isAnswered)) {
+            std::erase(want.collections, row);
+            if (const auto& replaced = replacing_[row.visit]) {
+                want.collections.push_back(*replaced);
+            }
+            rowRule_ = Rule::CardApproved;
+        }
+    }
+    std::ranges::sort(want.collections);
 }
 
-void Judge::compare(const Page &want, const Page &after) {
+// The slip is put back as it was charged; without its sale, or with another total, the money is received.
+void Judge::approvedLater(Page& want, const Payment& payment, const Page& after) {
+    const Visit& visit = payment.visit;
+    const auto charge = std::ranges::find(charges_, payment.message, &Charge::message);
+    const auto row = std::ranges::find(after.collections, charge->approval, &Collection::approval);
+    const bool isThere = row != after.collections.end();
+    const Won present = payable(want, visit) + depositsOf(want, visit);
+    const bool isSame = simple_.contains(payment.message) ||
+                        (find(want.goods, visit) != nullptr && present == totals_[payment.message]);
+    const auto adopt = [&] {
+        std::erase_if(want.collections, [&](const Collection& own) {
+            return own.visit == row->visit && own.approval.empty() && !row->isSimple;
+        });
+        want.collections.push_back(*row);
+    };
+    if (isSame || (isThere && row->visit == visit && row->amounts.total() == present &&
+                   std::max(row->amounts.card, row->amounts.cash) == payment.amount)) {
+        if (isThere) {
+            adopt();
+        } else {
+            found(Rule::Lost, words(visit) + " was approved and its slip does not say so");
+        }
+    } else if (!isThere) {
+        credited_[visit.customer] += payment.amount;
+    } else if (row->effect() == -payment.amount) {
+        want.collections.push_back(*row);
+    } else {
+        found(Rule::FoundLater, words(*row) + " for " + std::to_string(payment.amount) + ", the sale is " +
+                                    std::to_string(present));
+        adopt();
+    }
+}
+
+// A card amount of a visit that no approval stands for, nor a payment that may still become one.
+bool Judge::lacksApproval(const Page& page, const Collection& row) const {
+    return row.amounts.card > 0 && row.approval.empty() && !row.isSimple &&
+           !byCollectionWork_.contains(row.visit) &&
+           std::ranges::none_of(page.payments, [&row](const Payment& payment) {
+               return payment.open() && payment.visit == row.visit;
+           });
+}
+
+void Judge::compare(const Page& want, const Page& after) {
     // Another customer's rows under a number given twice may have got one of their own.
     std::set<Visit> moved;
-    const auto look = [&moved](const auto &rows, const auto &now) {
-        for (const auto &row : rows) {
+    const auto look = [&moved](const auto& rows, const auto& now) {
+        for (const auto& row : rows) {
             if (find(now, row.visit) == nullptr) {
                 moved.insert(row.visit);
             }
@@ -540,37 +672,40 @@ void Judge::compare(const Page &want, const Page &after) {
         found(Rule::Empty, empties);
     }
     if (!rows.empty()) {
-        found(m_rowRule, rows);
+        found(rowRule_, rows);
     }
-    for (const Payment &payment : want.payments) {
-        if (!std::ranges::contains(after.payments, payment.message, &Payment::message)) {
+    for (const Payment& payment : want.payments) {
+        if (!hasMessage(after, payment.message)) {
             found(Rule::Lost, words(payment.visit) + " left the journal");
         }
     }
 }
 
 // Every balance moves by the effects of its collections, and by what was received without a sale.
-void Judge::balances(const Page &before, const Page &after) {
+void Judge::balances(const Page& before, const Page& after) {
     std::map<std::string, Won> moves;
     bool excess = false;
-    const auto add = [&](const Page &page, int sign) {
-        for (const Collection &row : page.collections) {
-            moves[row.visit.customer] += sign * row.amounts.effect();
-            const bool changed = !std::ranges::contains(sign < 0 ? after.collections : before.collections, row);
-            excess |= changed && row.amounts.bookedByButton();
+    const auto add = [&](const Page& page, int sign) {
+        for (const Collection& row : page.collections) {
+            moves[row.visit.customer] += sign * row.effect();
+            const bool changed =
+                std::ranges::count(sign < 0 ? after.collections : before.collections, row) == 0;
+            excess |= changed && !row.isSimple && row.amounts.bookedByButton();
         }
     };
     add(before, -1);
     add(after, 1);
-    for (const auto &[customer, won] : m_credited) {
+    for (const auto& [customer, won] : credited_) {
         moves[customer] -= won;
     }
-    const bool received = !m_credited.empty();
-    m_credited.clear();
-    for (const auto &[customer, debt] : after.debt) {
+    const bool received = !credited_.empty();
+    credited_.clear();
+    for (const auto& [customer, debt] : after.debt) {
         const Won was = before.debt.at(customer);
         if (customer != kUnregistered && debt - was != moves[customer]) {
-            found(received ? Rule::FoundLater : excess ? Rule::ExcessOnce : Rule::Balance,
+            found(received ? Rule::FoundLater
+                  : excess ? Rule::ExcessOnce
+                           : Rule::Balance,
                   customer + " must move by " + std::to_string(moves[customer]) + ", moved by " +
                       std::to_string(debt - was));
         }
@@ -578,35 +713,41 @@ void Judge::balances(const Page &before, const Page &after) {
 }
 
 // What does not agree on a page, by rule and visit.
-std::set<std::pair<Rule, std::string>> Judge::broken(const Page &page) const {
+std::set<std::pair<Rule, std::string>> Judge::broken(const Page& page) const {
     std::set<std::pair<Rule, std::string>> all;
     std::map<std::string, int> approvals;
-    for (const Collection &row : page.collections) {
-        const Amounts &a = row.amounts;
+    for (const Collection& row : page.collections) {
+        const Amounts& a = row.amounts;
         const bool sale = find(page.goods, row.visit) != nullptr;
-        const bool simple = !sale && row.visit.key.number >= "7000";
-        const bool keyed = m_keyedSales.contains(row.visit);
+        const std::string& number = row.visit.key.number;
+        // What was found under a number given twice stands alone.
+        const bool isAlone = row.isSimple || (number > "4000" && number < "4999");
+        const bool keyed = keyedSales_.contains(row.visit);
         if (sale && !keyed && a.total() != payable(page, row.visit) + depositsOf(page, row.visit)) {
             all.insert({Rule::SettledTotal, words(row)});
         }
-        if (!sale && !keyed && a.total() != 0 && row.visit.key.number < "7000") {
+        if (!sale && !keyed && !isAlone && a.total() != 0) {
             all.insert({Rule::SettledTotal, words(row) + " without a sale"});
         }
-        if (a.recovery != worth(page, row.visit) && !m_keyedRecovery.contains(row.visit) && !simple) {
+        if (a.recovery != worth(page, row.visit) && !keyedRecovery_.contains(row.visit) && !isAlone) {
             all.insert({Rule::Worth, words(row) + " took back " + std::to_string(worth(page, row.visit))});
         }
         if (sale && a.vat != a.sales - a.supply) {
             all.insert({Rule::Vat, words(row) + " VAT " + std::to_string(a.vat)});
         }
-        const bool foots = a.card + a.cash + a.unpaid == a.due() || (a.due() < 0 && a.card + a.cash + a.unpaid == 0);
-        if (!foots && !simple) {
+        const bool foots =
+            a.card + a.cash + a.unpaid == a.due() || (a.due() < 0 && a.card + a.cash + a.unpaid == 0);
+        if (!foots && !row.isSimple) {
             all.insert({Rule::Foots, words(row)});
+        }
+        if (lacksApproval(page, row)) {
+            all.insert({Rule::CardApproved, words(row)});
         }
         if (!row.approval.empty() && ++approvals[row.approval] > 1) {
             all.insert({Rule::Doubled, row.approval + " stands twice"});
         }
     }
-    for (const Charge &charge : m_charges) {
+    for (const Charge& charge : charges_) {
         const auto kept = std::ranges::find(page.payments, charge.message, &Payment::message);
         if (kept == page.payments.end() || (kept->state != "approved" && !kept->open())) {
             all.insert({Rule::Lost, words(charge.visit) + " charged " + std::to_string(charge.amount)});
@@ -615,4 +756,4 @@ std::set<std::pair<Rule, std::string>> Judge::broken(const Page &page) const {
     return all;
 }
 
-} // namespace days
+}  // namespace days

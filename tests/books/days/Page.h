@@ -7,8 +7,8 @@
 #include <tuple>
 #include <vector>
 
-// The books of a random day as plain values: what stands in the tables, read row by row by the driver, and what the
-// judge says must stand there. Nothing here knows the code that it judges.
+// The books of a random day as plain values: what stands in the tables, read row by row by the driver, and
+// what the judge says must stand there. Nothing here knows the code that it judges.
 namespace days {
 
 using Won = std::int64_t;
@@ -16,14 +16,14 @@ using Won = std::int64_t;
 // Under what a slip stands.
 struct Key {
     std::string date, number, user;
-    auto operator<=>(const Key &) const = default;
+    auto operator<=>(const Key&) const = default;
 };
 
 // Whose visit it is: a number may hold other customers' rows.
 struct Visit {
     Key key;
     std::string customer;
-    auto operator<=>(const Visit &) const = default;
+    auto operator<=>(const Visit&) const = default;
 };
 
 // A line of MTM.
@@ -32,7 +32,7 @@ struct Goods {
     std::string product;
     int boxes = 0, bottles = 0;
     Won supply = 0, vat = 0, crates = 0, deposit = 0;
-    auto operator<=>(const Goods &) const = default;
+    auto operator<=>(const Goods&) const = default;
 };
 
 // A line of YTM. The handling fees are not part of its worth.
@@ -41,14 +41,14 @@ struct Empties {
     std::string product;
     int full = 0, mixed = 0, bottles = 0;
     Won crates = 0, deposit = 0;
-    auto operator<=>(const Empties &) const = default;
+    auto operator<=>(const Empties&) const = default;
 };
 
 // The amounts of the collection screen, or of a row of MTMOK.
 struct Amounts {
     Won sales = 0, supply = 0, vat = 0, other = 0, deposits = 0;
     Won recovery = 0, card = 0, cash = 0, unpaid = 0, earlier = 0;
-    auto operator<=>(const Amounts &) const = default;
+    auto operator<=>(const Amounts&) const = default;
 
     Won total() const { return sales + deposits; }
     Won due() const { return total() - recovery; }
@@ -65,17 +65,20 @@ struct Collection {
     Visit visit;
     Amounts amounts;
     std::string approval;
-    auto operator<=>(const Collection &) const = default;
+    bool isSimple = false;  // sale and payment in one: no debt moves
+    auto operator<=>(const Collection&) const = default;
+
+    Won effect() const { return isSimple ? 0 : amounts.effect(); }
 };
 
 // A row of PAYJOURNAL.
 struct Payment {
-    std::string message; // its number of the exchange
+    std::string message;  // its number of the exchange
     Visit visit;
     std::string state;
     Won amount = 0;
     std::string approval;
-    auto operator<=>(const Payment &) const = default;
+    auto operator<=>(const Payment&) const = default;
 
     bool open() const { return state == "sent" || state == "unknown"; }
 };
@@ -87,7 +90,7 @@ struct Page {
     std::vector<Collection> collections;
     std::vector<Payment> payments;
     std::map<std::string, Won> debt;
-    bool operator==(const Page &) const = default;
+    bool operator==(const Page&) const = default;
 };
 
 // What the host has charged.
@@ -97,7 +100,7 @@ struct Charge {
     Visit visit;
 };
 
-std::string words(const Amounts &amounts);
-std::string words(const Visit &visit);
+std::string words(const Amounts& amounts);
+std::string words(const Visit& visit);
 
-} // namespace days
+}  // namespace days
