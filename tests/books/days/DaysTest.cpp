@@ -25,9 +25,9 @@ constexpr unsigned kUsualSeed = 20261121;
 /// How often the hand does what, in the order of the taps.
 constexpr double kWeights[] = {
     // The menu.
-    12, 4, 4, 2, 1, 2, 1, 0.4, 0.3, 0.5,
+    12, 4, 4, 2, 1, 0.1, 2.5, 0.7, 0.4, 0.3, 0.5,
     // The lists.
-    8, 4, 3, 2, 3, 4, 1, 3, 4, 1.5,
+    8, 4, 3, 3, 3, 4, 1.5, 3, 4, 1.5,
     // The sales slip, the container slip.
     6, 2, 2, 1, 1.5, 5, 4, 1, 1, 1, 5,
     // The collection, the card, the simple payment.
@@ -95,29 +95,55 @@ class Days : public testing::Test {
             sought);
     }
 
-    /// The shortest list of steps that still breaks the rule: ever smaller pieces are left out.
+    /// The shortest list of steps that still breaks the rule: ever smaller pieces are left out, in the end
+    /// any two; then every step is made its simplest.
     Story shrink(std::vector<Action> actions, Rule rule) {
-        actions = replay(actions, rule).actions;
-        for (std::size_t piece = actions.size() / 2; piece > 0;) {
-            bool isShorter = false;
-            for (std::size_t from = 0; from < actions.size();) {
-                std::vector<Action> fewer = actions;
-                fewer.erase(fewer.begin() + long(from),
-                            fewer.begin() + long(std::min(from + piece, fewer.size())));
-                Story story = replay(fewer, rule);
-                if (story.findings.contains(rule)) {
-                    actions = std::move(story.actions);
-                    isShorter = true;
-                } else {
-                    from += piece;
+        const auto take = [&](std::vector<Action> fewer) {
+            Story story = replay(fewer, rule);
+            if (!story.findings.contains(rule)) return false;
+            actions = std::move(story.actions);
+            return true;
+        };
+        const auto without = [&](std::size_t from, std::size_t count) {
+            std::vector<Action> fewer = actions;
+            const auto begin = fewer.begin() + std::ptrdiff_t(from);
+            fewer.erase(begin, begin + std::ptrdiff_t(std::min(count, fewer.size() - from)));
+            return fewer;
+        };
+        const auto leaveOut = [&](std::size_t piece) {
+            for (bool isShorter = true; piece > 1 || isShorter; piece = std::max<std::size_t>(1, piece / 2)) {
+                isShorter = false;
+                for (std::size_t from = 0; from < actions.size();) {
+                    const bool isLeftOut = take(without(from, piece));
+                    isShorter |= isLeftOut;
+                    from += isLeftOut ? 0 : piece;
                 }
             }
-            if (piece > 1) {
-                piece /= 2;
-            } else if (!isShorter) {
-                break;
+        };
+        take(actions);
+        leaveOut(actions.size() / 2);
+        for (std::size_t one = 0; one < actions.size(); ++one) {
+            // A way back leaves more out than the way on.
+            auto other = actions;
+            other[one].tap = Tap::Back;
+            take(other);
+            for (std::size_t second = actions.size(); --second > one;) {
+                auto fewer = without(second, 1);
+                fewer.erase(fewer.begin() + std::ptrdiff_t(one));
+                if (take(fewer)) second = actions.size();
             }
         }
+        leaveOut(1);
+        for (std::size_t at = 0; at < actions.size(); ++at) {
+            for (unsigned Action::*const choice : {&Action::pick, &Action::amount}) {
+                for (const unsigned simple : {0U, 1U, 2U}) {
+                    auto simpler = actions;
+                    simpler[at].*choice = simple;
+                    if (actions[at].*choice <= simple || take(simpler)) break;
+                }
+            }
+        }
+        leaveOut(1);
         return replay(actions, rule);
     }
 

@@ -247,14 +247,16 @@ void Judge::screen(const Page& before, const Event& event) {
         case KeySales:
         case KeySupply:
         case KeyVat:
-        case KeyOther:
             hasKeyedSales_ = true;
+            break;
+        case TookWorth:
+            hasTakenWorth_ = true;
             break;
         case KeptRecovery:
             hasKeyedRecovery_ = true;
             break;
         case OpenCollection:
-            hasKeyedSales_ = hasKeyedRecovery_ = false;
+            hasKeyedSales_ = hasKeyedRecovery_ = hasTakenWorth_ = false;
             opened(before, event);
             break;
         case Card:
@@ -364,6 +366,10 @@ void Judge::tables(Page before, const Event& event, const Page& after) {
             case SaleSaved:
                 saleSaved(want, event, after);
                 break;
+            case OfficeLoaded:
+                want.goods.insert(want.goods.end(), event.goods.begin(), event.goods.end());
+                std::ranges::sort(want.goods);
+                break;
             case SaleDeleted:
                 saleDeleted(want, event, after);
                 break;
@@ -464,14 +470,14 @@ void Judge::saleDeleted(Page& want, const Event& event, const Page&) {
 void Judge::collectionSaved(Page& want, const Event& event) {
     const Visit& visit = event.visit;
     const Amounts& a = event.shown;
-    if ((a.card != 0 || a.cash != 0) && a.card + a.cash + a.unpaid != a.due()) {
+    if (!event.isApproved && (a.card != 0 || a.cash != 0) && a.card + a.cash + a.unpaid != a.due()) {
         this->found(Rule::RefuseDifference, words(visit) + " " + words(a));
     }
     const Collection* const found = find(want.collections, visit);
     const std::optional<Collection> old = found != nullptr ? std::optional(*found) : std::nullopt;
     replacing_[visit] = old;
     Collection row{visit, a, old ? old->approval : "", old && old->isSimple};
-    erase(want.collections, visit.key);
+    std::erase_if(want.collections, [&visit](const Collection& own) { return own.visit == visit; });
     want.collections.push_back(row);
     std::ranges::sort(want.collections);
     const auto note = [&visit](std::set<Visit>& visits, bool is) {
@@ -480,7 +486,7 @@ void Judge::collectionSaved(Page& want, const Event& event) {
     note(byCollectionWork_, event.mode == 2 || event.mode == 3);
     // A keyed amount that a collection has opened with is still keyed.
     note(keyedSales_, hasKeyedSales_ || (keyedSales_.contains(visit) && old));
-    note(keyedRecovery_, hasKeyedRecovery_ || (keyedRecovery_.contains(visit) && old));
+    note(keyedRecovery_, hasKeyedRecovery_ || (keyedRecovery_.contains(visit) && old && !hasTakenWorth_));
     rowRule_ = Rule::Row;
 }
 
@@ -505,27 +511,28 @@ void Judge::collectionBack(Page& want, const Event& event, const Page& after) {
 }
 
 void Judge::emptiesChanged(Page& want, const Event& event) {
+    const std::vector<Empties> before = want.empties;
     if (event.kind == Event::Kind::EmptiesDeleted) {
         eraseOfAll(want.empties, event.visit.key);
     } else {
-        erase(want.empties, event.visit.key);
+        std::erase_if(want.empties, [&event](const Empties& line) { return line.visit == event.visit; });
         want.empties.insert(want.empties.end(), event.empties.begin(), event.empties.end());
         std::ranges::sort(want.empties);
     }
-    // A container slip that goes takes the recovery of its collections along; what was paid stays.
+    // A container slip that goes takes the recovery of its collection along, keyed or not; what was paid
+    // stays.
     for (Collection& row : want.collections) {
-        const bool under =
-            row.visit.key.date == event.visit.key.date && row.visit.key.number == event.visit.key.number;
-        if (under && worth(want, row.visit) == 0 && !keyedRecovery_.contains(row.visit)) {
-            row.amounts = withoutExcess(row.amounts);
-            row.amounts.unpaid += row.amounts.recovery;
-            row.amounts.recovery = 0;
-        }
+        const bool isGone = find(before, row.visit) != nullptr && find(want.empties, row.visit) == nullptr;
+        if (!isGone || row.isSimple || row.amounts.recovery == 0) continue;
+        row.amounts = withoutExcess(row.amounts);
+        row.amounts.recovery = 0;
+        const Amounts& a = row.amounts;
+        row.amounts.unpaid = a.total() >= 1 ? a.total() - a.card - a.cash : 0;
     }
     std::erase_if(want.collections, [](const Collection& row) {
         const Amounts& a = row.amounts;
-        return a.total() == 0 && a.card == 0 && a.cash == 0 && a.unpaid == 0 && a.earlier == 0 &&
-               a.recovery == 0;
+        return row.approval.empty() && a.total() == 0 && a.card == 0 && a.cash == 0 && a.earlier == 0 &&
+               a.recovery == 0 && a.other == 0;
     });
     std::ranges::sort(want.collections);
     rowRule_ = Rule::Worth;
@@ -558,7 +565,7 @@ void Judge::paymentSent(Page& want, const Event& event, const Page& after) {
                                    std::to_string(event.asked) + " booked " + std::to_string(booked));
     }
     if (kept != nullptr) {
-        totals_[kept->message] = event.shown.total();
+        totals_[kept->message] = payable(want, visit) + depositsOf(want, visit);
         if (event.mode == 6) {
             simple_.insert(kept->message);
         }
@@ -735,8 +742,8 @@ std::set<std::pair<Rule, std::string>> Judge::broken(const Page& page) const {
         if (sale && a.vat != a.sales - a.supply) {
             all.insert({Rule::Vat, words(row) + " VAT " + std::to_string(a.vat)});
         }
-        const bool foots =
-            a.card + a.cash + a.unpaid == a.due() || (a.due() < 0 && a.card + a.cash + a.unpaid == 0);
+        const bool foots = a.total() < 1 || a.card + a.cash + a.unpaid == a.due() ||
+                           (a.due() < 0 && a.card + a.cash + a.unpaid == 0);
         if (!foots && !row.isSimple) {
             all.insert({Rule::Foots, words(row)});
         }

@@ -52,6 +52,7 @@ struct Event {
     enum class Kind {
         Screen,  // only a screen changed
         OpenCollection,
+        TookWorth,     // the recovery is what the container slip is worth
         KeptRecovery,  // the question for the containers' worth was answered with no
         KeySales,
         KeySupply,
@@ -63,6 +64,7 @@ struct Event {
         Cash,
         Credit,
         Numbered,
+        OfficeLoaded,  // the office's orders
         SaleSaved,
         SaleDeleted,
         CollectionSaved,
@@ -139,11 +141,11 @@ class Judge {
     std::map<std::string, std::string> vatModes_;
     std::vector<Charge> charges_;
     std::set<Visit> keyedSales_, keyedRecovery_, byCollectionWork_;
-    bool hasKeyedSales_ = false, hasKeyedRecovery_ = false;  // on the screen
-    std::map<Visit, std::optional<Collection>> replacing_;   // what the last settlement took the place of
-    std::map<std::string, Won> totals_;                      // of the sale, when its payment was sent
-    std::set<std::string> simple_;                           // numbers of exchanges without a sale
-    std::map<std::string, Won> credited_;                    // received without a sale, by customer
+    bool hasKeyedSales_ = false, hasKeyedRecovery_ = false, hasTakenWorth_ = false;  // on the screen
+    std::map<Visit, std::optional<Collection>> replacing_;  // what the last settlement took the place of
+    std::map<std::string, Won> totals_;                     // of the sale, when its payment was sent
+    std::set<std::string> simple_;                          // numbers of exchanges without a sale
+    std::map<std::string, Won> credited_;                   // received without a sale, by customer
     std::set<std::pair<Rule, std::string>> told_;
     std::vector<Finding> findings_;
     Rule rowRule_ = Rule::Row;

@@ -45,14 +45,14 @@ const User& userOf(const QString& id) {
 }
 
 constexpr const char* kNames[] = {
-    "매출작업",        "입금작업",       "용공작업",     "단순결제",     "일마감",       "로그인",
-    "다른날 로그인",   "꺼짐",           "디스크 고장",  "시계",         "132 추가",     "132 확인",
-    "132 결제",        "132 삭제",       "150 추가",     "150 확인",     "150 삭제",     "391 추가",
-    "391 확인",        "391 삭제",       "134 등록",     "134 수량",     "134 금액",     "134 삭제",
-    "134 주문서 저장", "134 완료",       "394 등록",     "394 수량",     "394 금액",     "394 삭제",
-    "394 완료",        "450 주류매출액", "450 공급가액", "450 부가세액", "450 비주류",   "450 용공회수액",
-    "450 전미수",      "450 카드입금",   "450 현금입금", "450 외상처리", "450 전표삭제", "450 완료",
-    "449 카드",        "449 완료",       "104 금액",     "104 완료",     "이전"};
+    "매출작업",       "입금작업",        "용공작업",       "단순결제",     "일마감",       "사무실 주문",
+    "로그인",         "다른날 로그인",   "꺼짐",           "디스크 고장",  "시계",         "132 추가",
+    "132 확인",       "132 결제",        "132 삭제",       "150 추가",     "150 확인",     "150 삭제",
+    "391 추가",       "391 확인",        "391 삭제",       "134 등록",     "134 수량",     "134 금액",
+    "134 삭제",       "134 주문서 저장", "134 완료",       "394 등록",     "394 수량",     "394 금액",
+    "394 삭제",       "394 완료",        "450 주류매출액", "450 공급가액", "450 부가세액", "450 비주류",
+    "450 용공회수액", "450 전미수",      "450 카드입금",   "450 현금입금", "450 외상처리", "450 전표삭제",
+    "450 완료",       "449 카드",        "449 완료",       "104 금액",     "104 완료",     "이전"};
 static_assert(std::size(kNames) == std::size_t(Tap::Count));
 
 test::StorageFaultPlan thePlan;
@@ -326,6 +326,33 @@ void Terminal::kill() {
     platform::adoce::DatabaseFile::forgetAll();
 }
 
+/// What the import appends to the sales slips.
+void Terminal::loadOrder(unsigned pick) {
+    constexpr const char* kNumbers[] = {"5003", "9999", "10000"};
+    Goods order;
+    order.visit = {{text(date_), kNumbers[pick % 3], "Z"}, text(kCustomers[pick / 3 % 3])};
+    order.product = "1001";
+    order.boxes = 1;
+    order.supply = 30000;
+    order.vat = 3000;
+    const Visit& visit = order.visit;
+    device_.insert(u"MTM", {{u"DDate", date_},
+                            {u"JunNo", QString::fromStdString(visit.key.number)},
+                            {u"UserID", u"Z"},
+                            {u"GCode", QString::fromStdString(visit.customer)},
+                            {u"WorkGubun", u"미처리"},
+                            {u"PCode", u"1001"},
+                            {u"Box", u"1"},
+                            {u"Bon", u"0"},
+                            {u"MMoney", u"30000"},
+                            {u"BMoney", u"3000"},
+                            {u"YMoney", u"0"},
+                            {u"GMoney", u"0"}});
+    Event loaded = event(Event::Kind::OfficeLoaded);
+    loaded.goods = {order};
+    tell(loaded);
+}
+
 void Terminal::login(unsigned pick, bool isOtherDay) {
     kill();
     user_ = QString::fromLatin1(kUsers[pick % std::size(kUsers)].id);
@@ -340,7 +367,9 @@ std::string Terminal::tap(const Action& action) {
     std::string said = name(action.tap);
     const bool wasAtMenu = isAtMenu();
     const bool isArmed = std::exchange(isFaultArmed_, false);
-    if (isArmed) thePlan.arm(test::StorageFault::FullDisk, int(action.pick % 5), false);
+    // What the office sends has a storage of its own.
+    if (isArmed && action.tap != Office)
+        thePlan.arm(test::StorageFault::FullDisk, int(action.pick % 5), false);
     switch (action.tap) {
         case Sales:
             menu(1, Screen::SaleList);
@@ -369,6 +398,9 @@ std::string Terminal::tap(const Action& action) {
             }
             break;
         }
+        case Office:
+            loadOrder(action.pick);
+            break;
         case Login:
         case OtherDay:
             login(action.pick, action.tap == OtherDay);
@@ -467,9 +499,7 @@ std::string Terminal::listTap(const Action& action) {
             break;
         case AddEmpties:
         case OpenEmpties:
-            container::openSlip(user_, date_, number_);
-            if (container::isOtherCustomers(customer_)) container::emptySlip();
-            open(Screen::Empties);
+            openEmpties();
             break;
         case DeleteCollection: {
             Event deleted = event(Event::Kind::CollectionDeleted);
@@ -522,9 +552,7 @@ void Terminal::finishSale() {
     if (sales::isWorkingSlipEmpty() || (hasUnsavedLines_ && !saveSale())) return;
     const QLatin1StringView follows(userOf(user_).followOn);
     if (follows == "Y"_L1 || follows == "Z"_L1) {
-        container::openSlip(user_, date_, number_);
-        if (container::isOtherCustomers(customer_)) container::emptySlip();
-        open(Screen::Empties);
+        openEmpties();
     } else {
         openEntry(0);
     }
@@ -559,8 +587,7 @@ std::string Terminal::goodsTap(const Action& action) {
         return text(line.PCode + u' ' + line.Box + u'/' + line.Bon);
     }
     if (row < 0) return "(no line)";
-    const sales::LineKey key{lines.cell(row, 0), lines.cell(row, 2),
-                             lines.cell(row, 3)};
+    const sales::LineKey key{lines.cell(row, 0), lines.cell(row, 2), lines.cell(row, 3)};
     const sales::LineAmounts now = sales::lineAmounts(key).value_or(sales::LineAmounts{});
     if (action.tap == Tap::ChangeGoods) {
         hasUnsavedLines_ |= sales::replaceQuantities(
@@ -579,6 +606,13 @@ std::string Terminal::goodsTap(const Action& action) {
 
 // --- the container slip
 // ---------------------------------------------------------------------------------------------
+
+void Terminal::openEmpties() {
+    // A slip that could not be opened closes its screen at once.
+    if (!container::openSlip(user_, date_, number_)) return;
+    if (container::isOtherCustomers(customer_)) container::emptySlip();
+    open(Screen::Empties);
+}
 
 void Terminal::finishEmpties() {
     Event saved = event(Event::Kind::EmptiesSaved);

@@ -26,6 +26,7 @@ enum class Tap {
     Containers,
     Simple,
     Close,
+    Office,  ///< The office sends an order, numbered as high as it likes.
     Login,
     OtherDay,
     Kill,
@@ -130,6 +131,7 @@ class Terminal {
     void done();
     void login(unsigned pick, bool isOtherDay);
     void kill();
+    void loadOrder(unsigned pick);
     bool chooseFromList(unsigned pick);
     bool chooseCustomer(unsigned pick);
     std::string listTap(const Action& action);
@@ -142,6 +144,7 @@ class Terminal {
     bool saveSale();
     void finishSale();
     void openSale();
+    void openEmpties();
     void finishEmpties();
     void openEntry(unsigned pick);
     void loadEntry(unsigned pick);

@@ -45,7 +45,6 @@ Amounts Terminal::shown() const {
 void Terminal::openEntry(unsigned pick) {
     open(Screen::Entry);
     loadEntry(pick);
-    tell(event(Event::Kind::OpenCollection));
 }
 
 /// What the dialog of the collection does when it is made.
@@ -79,10 +78,12 @@ void Terminal::loadEntry(unsigned pick) {
     const bool isHandedOver = recovery.has_value();
     if (!isHandedOver && !(saved && saved->isSimplePayment()))
         recovery = books::savedRecovery(date_, number_, user_, customer_);
+    tell(event(Event::Kind::OpenCollection));
     if (recovery == amounts_.containerRecovery) recovery.reset();
     const bool isAsked = recovery && !isHandedOver && saved;
     if (recovery && (!isAsked || pick % 2 == 0)) {
         collect::takeOverRecovery(amounts_, *recovery, mode_ != 1);
+        tell(event(Event::Kind::TookWorth));
     } else if (recovery) {
         tell(event(Event::Kind::KeptRecovery));
     }
@@ -169,7 +170,6 @@ bool Terminal::isPaymentSettled(unsigned pick) {
     const books::SettlementAmounts paid = last->slip.amounts();
     if (paid.total != amounts_.total || paid.containerRecovery != amounts_.containerRecovery) {
         loadEntry(pick);
-        tell(event(Event::Kind::OpenCollection));
     } else {
         done();
     }
