@@ -7,26 +7,26 @@
 #include <tuple>
 #include <vector>
 
-// The books of a random day as plain values: what stands in the tables, read row by row by the driver, and
-// what the judge says must stand there. Nothing here knows the code that it judges.
+/// The books of a random day as plain values: what stands in the tables, read row by row by the driver, and
+/// what the judge says must stand there. Nothing here knows the code that it judges.
 namespace days {
 
 using Won = std::int64_t;
 
-// Under what a slip stands.
+/// Under what a slip stands.
 struct Key {
     std::string date, number, user;
     auto operator<=>(const Key&) const = default;
 };
 
-// Whose visit it is: a number may hold other customers' rows.
+/// Whose visit it is: a number may hold other customers' rows.
 struct Visit {
     Key key;
     std::string customer;
     auto operator<=>(const Visit&) const = default;
 };
 
-// A line of MTM.
+/// A line of MTM.
 struct Goods {
     Visit visit;
     std::string product;
@@ -35,7 +35,7 @@ struct Goods {
     auto operator<=>(const Goods&) const = default;
 };
 
-// A line of YTM. The handling fees are not part of its worth.
+/// A line of YTM. The handling fees are not part of its worth.
 struct Empties {
     Visit visit;
     std::string product;
@@ -44,7 +44,7 @@ struct Empties {
     auto operator<=>(const Empties&) const = default;
 };
 
-// The amounts of the collection screen, or of a row of MTMOK.
+/// The amounts of the collection screen, or of a row of MTMOK.
 struct Amounts {
     Won sales = 0, supply = 0, vat = 0, other = 0, deposits = 0;
     Won recovery = 0, card = 0, cash = 0, unpaid = 0, earlier = 0;
@@ -52,28 +52,28 @@ struct Amounts {
 
     Won total() const { return sales + deposits; }
     Won due() const { return total() - recovery; }
-    // Empties beyond the total that a settling button booked against the debt; its cash is 0.
+    /// Empties beyond the total that a settling button booked against the debt; its cash is 0.
     bool bookedByButton() const {
         return due() < 0 && card == 0 && cash == 0 && unpaid == 0 && earlier == -due();
     }
-    // By how much this settlement moves the customer's debt. A booked excess counts once.
+    /// By how much this settlement moves the customer's debt. A booked excess counts once.
     Won effect() const { return bookedByButton() ? due() : due() - card - cash - earlier; }
 };
 
-// A row of MTMOK.
+/// A row of MTMOK.
 struct Collection {
     Visit visit;
     Amounts amounts;
     std::string approval;
-    bool isSimple = false;  // sale and payment in one: no debt moves
+    bool isSimple = false;  ///< sale and payment in one: no debt moves
     auto operator<=>(const Collection&) const = default;
 
     Won effect() const { return isSimple ? 0 : amounts.effect(); }
 };
 
-// A row of PAYJOURNAL.
+/// A row of PAYJOURNAL.
 struct Payment {
-    std::string message;  // its number of the exchange
+    std::string message;  ///< its number of the exchange
     Visit visit;
     std::string state;
     Won amount = 0;
@@ -83,7 +83,7 @@ struct Payment {
     bool open() const { return state == "sent" || state == "unknown"; }
 };
 
-// The tables, each in the order of its rows' values.
+/// The tables, each in the order of its rows' values.
 struct Page {
     std::vector<Goods> goods;
     std::vector<Empties> empties;
@@ -93,7 +93,7 @@ struct Page {
     bool operator==(const Page&) const = default;
 };
 
-// What the host has charged.
+/// What the host has charged.
 struct Charge {
     std::string message, approval;
     Won amount = 0;

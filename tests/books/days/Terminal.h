@@ -12,6 +12,7 @@
 #include "books/CollectionSlip.h"
 #include "books/PaymentJournal.h"
 #include "books/TransactionRecord.h"
+#include "platform/Rows.h"
 #include "sales/SlipLine.h"
 #include "support/FaultyStorage.h"
 #include "support/TestDevice.h"
@@ -132,6 +133,11 @@ class Terminal {
     void login(unsigned pick, bool isOtherDay);
     void kill();
     void loadOrder(unsigned pick);
+    void openSimple(unsigned pick);
+    void closeDay();
+    std::string menuTap(const Action& action);
+    std::string backTap();
+    bool isFollowedByContainers() const;
     bool chooseFromList(unsigned pick);
     bool chooseCustomer(unsigned pick);
     std::string listTap(const Action& action);
@@ -140,7 +146,9 @@ class Terminal {
     std::string entryTap(const Action& action);
     std::string cardTap(const Action& action);
     std::string simpleTap(const Action& action);
+    void paySale(unsigned pick);
     void deleteSale(unsigned pick);
+    std::string addGoods(const Action& action, const platform::Rows& lines);
     bool saveSale();
     void finishSale();
     void openSale();
@@ -193,5 +201,10 @@ class Terminal {
 };
 
 const char* name(Tap tap);
+const QStringList& products();
+
+inline std::string text(const QString& from) {
+    return from.toStdString();
+}
 
 }  // namespace days

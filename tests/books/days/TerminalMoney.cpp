@@ -26,7 +26,6 @@ platform::Won netTotal(const books::SettlementAmounts& amounts) {
 }  // namespace
 
 // --- the collection
-// -------------------------------------------------------------------------------------------------
 
 Amounts Terminal::shown() const {
     const books::SettlementAmounts& a = isAt(Screen::Card) ? charged_ : amounts_;
@@ -199,7 +198,6 @@ bool Terminal::finishEntry(unsigned pick) {
 }
 
 // --- the card
-// -------------------------------------------------------------------------------------------------------
 
 void Terminal::openCard() {
     // A simple payment's total already has the recovery taken off; it is taken off a second time here.
@@ -332,7 +330,6 @@ void Terminal::inquire(unsigned pick) {
 }
 
 // --- the simple payment
-// ---------------------------------------------------------------------------------------------
 
 std::string Terminal::simpleTap(const Action& action) {
     if (action.tap == Tap::FinishSimple) {
