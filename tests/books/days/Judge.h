@@ -35,6 +35,7 @@ enum class Rule {
     Foots,
     Lost,
     Doubled,
+    Journal,
     Closing,
     Nothing,  ///< what must not change anything
     Count
@@ -96,7 +97,7 @@ struct Event {
     /// A close: expected cash, card and unpaid.
     std::vector<Won> figures;
     /// Of each open payment that was asked about: what the host said.
-    enum class Answer { Silent, Approved, NotCharged };
+    enum class Answer { Approved, NotCharged };
     std::map<std::string, Answer> answers;
 };
 

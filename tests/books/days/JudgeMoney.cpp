@@ -64,6 +64,8 @@ void Judge::paymentSent(Page& want, const Event& event, const Page& after) {
             charges_.push_back(charge);
         }
     }
+    if (kept != nullptr && (event.charged && event.isAnswered) != (kept->state == "approved"))
+        found(Rule::Journal, words(visit) + " is " + kept->state + " after the answer");
     if (event.charged && event.isAnswered) {
         for (Collection& own : want.collections)
             own.approval = own.visit == visit ? event.charged->approval : own.approval;
@@ -82,8 +84,12 @@ void Judge::inquired(Page& want, const Event& event, const Page& after) {
     const std::vector<Payment> asked = std::exchange(want.payments, after.payments);
     for (const Payment& payment : asked) {
         const auto answer = event.answers.find(payment.message);
-        if (answer != event.answers.end() && answer->second == Event::Answer::Approved)
-            approvedLater(want, payment, after);
+        if (answer == event.answers.end()) continue;
+        const bool isApproved = answer->second == Event::Answer::Approved;
+        const auto kept = std::ranges::find(after.payments, payment.message, &Payment::message);
+        if (kept == after.payments.end() || kept->open() || (kept->state == "approved") != isApproved)
+            found(Rule::Journal, words(payment.visit) + " is not what the host said");
+        if (isApproved) approvedLater(want, payment, after);
     }
     for (const Collection& row : std::vector(want.collections)) {
         const bool isAnswered = std::ranges::any_of(asked, [&](const Payment& payment) {
@@ -160,8 +166,12 @@ void Judge::compare(const Page& want, const Page& after) {
     if (!empties.empty()) found(Rule::Empty, empties);
     if (!rows.empty()) found(rowRule_, rows);
     for (const Payment& payment : want.payments) {
-        if (!hasMessage(after, payment.message))
-            found(Rule::Lost, words(payment.visit) + " left the journal");
+        const auto kept = std::ranges::find(after.payments, payment.message, &Payment::message);
+        const bool isThere = kept != after.payments.end();
+        if (!isThere || std::tie(kept->state, kept->amount, kept->approval) !=
+                            std::tie(payment.state, payment.amount, payment.approval))
+            found(Rule::Journal, words(payment.visit) + " was " + payment.state + ", is " +
+                                     (isThere ? kept->state : "gone"));
     }
 }
 

@@ -31,7 +31,8 @@ const RuleWords kRuleWords[] = {
     {Rule::NothingToSettle, "where nothing is to be settled the buttons leave a keyed payment alone"},
     {Rule::Foots, "a settlement foots: total = card, cash, unpaid and recovery"},
     {Rule::Lost, "what the host charged, the journal has as approved or asks about"},
-    {Rule::Doubled, "an approval stands on one collection, and a sale is charged once"},
+    {Rule::Doubled, "an approval stands on one collection"},
+    {Rule::Journal, "the journal keeps every payment as the host answered it"},
     {Rule::Closing, "a close says what the collections of its day and user come to"},
     {Rule::Nothing, "what has nothing to do with a table leaves it alone"},
 };
