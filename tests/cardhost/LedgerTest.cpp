@@ -23,7 +23,7 @@ using cardhost::Ledger;
 using Request = QMap<quint16, QString>;
 
 QString cardData(QStringView name) {
-    return platform::termdev::track3(*platform::termdev::findDemoCard(name)).mid(1, 104);
+    return desk::track3(*desk::findDemoCard(name)).mid(1, 104);
 }
 
 class LedgerTest : public ::testing::Test {
@@ -40,8 +40,8 @@ class LedgerTest : public ::testing::Test {
         ledger = std::make_unique<Ledger>(folder.path(), *cardhost::openKeys(folder.path(), &error));
     }
     void enter(QStringView name) {
-        const auto& card = *platform::termdev::findDemoCard(name);
-        ledger->putCard(platform::termdev::track3(card), card.password, card.balance, card.limit);
+        const auto& card = *desk::findDemoCard(name);
+        ledger->putCard(desk::track3(card), card.password, card.balance, card.limit);
     }
 
     static Request request(const QString& kind, const QStringList& parameters = {}) {

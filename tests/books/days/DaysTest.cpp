@@ -1,0 +1,286 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <random>
+#include <sstream>
+
+#include "Judge.h"
+#include "Terminal.h"
+
+/// Random days: one seed drives the hand, the host, the faults, the kills and the clock, and a judge that was
+/// written from the rules says after each step what must be on the page. `known.days` keeps the shortest day
+/// of each fault that was found.
+namespace days {
+namespace {
+
+/// The rules that are not kept yet. Each has to be seen broken: one that is kept comes off this list.
+constexpr Rule kNotYetKept[] = {
+    Rule::SettledTotal, Rule::SaleMoves,        Rule::KeyedSurvives, Rule::Worth,        Rule::CardApproved,
+    Rule::OneAmount,    Rule::RefuseDifference, Rule::Excess,        Rule::ExcessOnce,   Rule::ApprovalTold,
+    Rule::FoundLater,   Rule::OneOpen,          Rule::DeleteOpen,    Rule::CardQuestion, Rule::TakenNumber,
+    Rule::Vat,          Rule::NothingToSettle,  Rule::Foots,
+    Rule::Count,  // none; for an empty list
+};
+
+constexpr int kActionsOfDay = 120;
+constexpr int kUsualActions = 3000;
+constexpr unsigned kUsualSeed = 20261121;
+
+/// How often the hand does what, in the order of the taps.
+constexpr double kWeights[] = {
+    // The menu.
+    12, 5, 4, 3, 1, 0.1, 2.5, 0.7, 0.4, 0.3, 0.5,
+    // The lists.
+    8, 4, 3, 3, 5, 4, 1.5, 3, 4, 1.5,
+    // The sales slip, the container slip.
+    6, 2, 2, 1, 1.5, 5, 4, 1, 1, 1, 5,
+    // The collection, the card, the simple payment.
+    0.6, 0.4, 0.4, 0.4, 2, 1, 4, 3, 3, 0.5, 6, 4, 2, 3, 3,
+    // 이전.
+    2.5};
+static_assert(std::size(kWeights) == std::size_t(Tap::Count));
+
+/// Where a rule was broken: at the same event it is the same fault.
+using Fault = std::pair<Rule, Event::Kind>;
+
+struct Story {
+    std::vector<Action> actions;
+    std::map<Fault, std::string> findings;  ///< The first of each.
+    std::vector<std::string> words;         ///< Each step that meant something, in the form of `known.days`.
+
+    bool has(Rule rule) const {
+        return std::ranges::any_of(findings, [rule](const auto& each) { return each.first.first == rule; });
+    }
+};
+
+class Days : public testing::Test {
+  protected:
+    /// Plays a day: what `next` gives until it gives nothing. With `sought` it ends as soon as that is found.
+    Story play(const std::function<std::optional<Action>(const Terminal&)>& next,
+               std::optional<Fault> sought = std::nullopt) {
+        Story story;
+        Judge judge(Terminal::vatModes());
+        Page page;
+        std::string found;
+        terminal_.begin([&](const Event& event) {
+            Page after = terminal_.page();
+            for (const Finding& finding : judge.judge(page, event, after)) {
+                story.findings.try_emplace({finding.rule, event.kind}, finding.what);
+                found += std::string("\n#   ! ") + words(finding.rule) + ": " + finding.what;
+            }
+            page = std::move(after);
+        });
+        page = terminal_.page();
+        while (const auto action = next(terminal_)) {
+            story.actions.push_back(*action);
+            const std::string said = terminal_.tap(*action);
+            if (said.empty()) continue;
+            std::ostringstream line;
+            line << name(action->tap) << " | " << action->pick << ' ' << action->amount << " | " << said;
+            story.words.push_back(line.str() + std::exchange(found, {}));
+            if (sought && story.findings.contains(*sought)) break;
+            // Nobody can say what belongs to whom after this.
+            if (story.has(Rule::TakenNumber)) break;
+        }
+        return story;
+    }
+
+    Story random(unsigned seed, int count) {
+        std::mt19937 engine(seed);
+        return play([&, left = count](const Terminal& terminal) mutable -> std::optional<Action> {
+            if (left-- == 0) return std::nullopt;
+            std::array<double, std::size(kWeights)> weights;
+            double total = 0;
+            for (std::size_t i = 0; i < weights.size(); ++i)
+                total += weights[i] = terminal.can(Tap(i)) ? kWeights[i] : 0;
+            // Drawn by hand: the library's distributions differ between its versions.
+            double at = double(engine()) / 4294967296.0 * total;
+            std::size_t tap = 0;
+            while (tap + 1 < weights.size() && (at -= weights[tap]) >= 0) ++tap;
+            const unsigned pick = engine() % 9973U;
+            return Action{Tap(tap), pick, unsigned(engine() % 9967U)};
+        });
+    }
+
+    Story replay(const std::vector<Action>& actions, std::optional<Fault> sought = std::nullopt) {
+        return play(
+            [&, at = std::size_t(0)](const Terminal&) mutable -> std::optional<Action> {
+                return at < actions.size() ? std::optional(actions[at++]) : std::nullopt;
+            },
+            sought);
+    }
+
+    Terminal terminal_;
+};
+
+/// Looks for the shortest day with a fault.
+class Shrink {
+  public:
+    using Replay = std::function<Story(const std::vector<Action>&)>;
+
+    Shrink(std::vector<Action> actions, Fault fault, Replay replay)
+        : actions_(std::move(actions)), fault_(fault), replay_(std::move(replay)) {
+        take(actions_);
+        leaveOut(actions_.size() / 2);
+        leaveOutTwo();
+        leaveOut(1);
+        simplify();
+        leaveOut(1);
+    }
+    Story story() const { return replay_(actions_); }
+
+  private:
+    bool take(const std::vector<Action>& fewer) {
+        Story story = replay_(fewer);
+        if (!story.findings.contains(fault_)) return false;
+        actions_ = std::move(story.actions);
+        return true;
+    }
+
+    std::vector<Action> without(std::size_t from, std::size_t count) const {
+        std::vector<Action> fewer = actions_;
+        const auto begin = fewer.begin() + std::ptrdiff_t(from);
+        fewer.erase(begin, begin + std::ptrdiff_t(std::min(count, fewer.size() - from)));
+        return fewer;
+    }
+
+    /// Ever smaller pieces.
+    void leaveOut(std::size_t piece) {
+        for (bool isShorter = true; piece > 1 || isShorter; piece = std::max<std::size_t>(1, piece / 2)) {
+            isShorter = false;
+            for (std::size_t from = 0; from < actions_.size();) {
+                const bool isLeftOut = take(without(from, piece));
+                isShorter |= isLeftOut;
+                from += isLeftOut ? 0 : piece;
+            }
+        }
+    }
+
+    /// Any two, where a way back may stand for a way on.
+    void leaveOutTwo() {
+        for (std::size_t one = 0; one < actions_.size(); ++one) {
+            auto other = actions_;
+            other[one].tap = Tap::Back;
+            take(other);
+            for (std::size_t second = actions_.size(); --second > one;) {
+                auto fewer = without(second, 1);
+                fewer.erase(fewer.begin() + std::ptrdiff_t(one));
+                if (take(fewer)) second = actions_.size();
+            }
+        }
+    }
+
+    void simplify() {
+        for (std::size_t at = 0; at < actions_.size(); ++at) {
+            for (unsigned Action::*const choice : {&Action::pick, &Action::amount}) {
+                for (const unsigned simple : {0U, 1U, 2U}) {
+                    auto simpler = actions_;
+                    simpler[at].*choice = simple;
+                    if (actions_[at].*choice <= simple || take(simpler)) break;
+                }
+            }
+        }
+    }
+
+    std::vector<Action> actions_;
+    Fault fault_;
+    Replay replay_;
+};
+
+int number(const char* variable, int usual) {
+    const char* const value = std::getenv(variable);
+    return value != nullptr ? std::atoi(value) : usual;
+}
+
+bool isListed(Rule rule) {
+    return std::ranges::find(kNotYetKept, rule) != std::end(kNotYetKept);
+}
+
+std::string joined(const Story& story) {
+    std::string day;
+    for (const std::string& step : story.words) day += step + "\n";
+    return day;
+}
+
+TEST_F(Days, AddUp) {
+    const unsigned seed = unsigned(number("ROVANA_TEST_SEED", int(kUsualSeed)));
+    const int asked = number("ROVANA_TORTURE_RUNS", kUsualActions);
+    const bool isTorture = std::getenv("ROVANA_TORTURE_RUNS") != nullptr;
+    std::printf("ROVANA_TEST_SEED=%u\n", seed);
+    std::map<Fault, std::vector<Action>> broken;
+    std::map<Rule, std::set<unsigned>> days;
+    const auto begun = std::chrono::steady_clock::now();
+    int done = 0;
+    unsigned day = 0;
+    for (; done < asked; ++day) {
+        Story story = random(seed + day, std::min(kActionsOfDay, asked - done));
+        done += int(story.actions.size());
+        for (const auto& [fault, what] : story.findings) {
+            days[fault.first].insert(day);
+            broken.try_emplace(fault, story.actions);
+        }
+    }
+    const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begun).count();
+    std::printf("books: %d actions on %u days, %.0f a second\n", done, day, done / seconds);
+    for (const auto& [rule, found] : days) std::printf("%6zu days  %s\n", found.size(), words(rule));
+    for (const auto& [fault, actions] : broken) {
+        if (isListed(fault.first) && !isTorture) continue;
+        const Story shortest = Shrink(actions, fault, [&](const std::vector<Action>& some) {
+                                   return replay(some, fault);
+                               }).story();
+        std::printf("\n= %s%s\n%s", words(fault.first), isListed(fault.first) ? " (not yet kept)" : "",
+                    joined(shortest).c_str());
+        if (!isListed(fault.first))
+            ADD_FAILURE() << words(fault.first) << ": " << shortest.findings.at(fault) << "\n"
+                          << joined(shortest);
+    }
+}
+
+/// The days of `known.days`: a line with "=" and the rule, then its steps, "name | pick amount | remark".
+std::vector<std::pair<std::string, std::vector<Action>>> knownDays() {
+    std::vector<std::pair<std::string, std::vector<Action>>> days;
+    std::ifstream file(ROVANA_TESTS_DIR "/books/days/known.days");
+    for (std::string line; std::getline(file, line);) {
+        if (line.starts_with("= ")) days.push_back({line.substr(2), {}});
+        const std::size_t bar = line.find(" | ");
+        if (line.starts_with("#") || bar == std::string::npos) continue;
+        int tap = 0;
+        while (tap < int(Tap::Count) && line.compare(0, bar, name(Tap(tap))) != 0) ++tap;
+        EXPECT_LT(tap, int(Tap::Count)) << "no such step: " << line;
+        Action action{Tap(tap), 0, 0};
+        std::istringstream(line.substr(bar + 3)) >> action.pick >> action.amount;
+        days.back().second.push_back(action);
+    }
+    return days;
+}
+
+/// Faults that random days have found stay mended, and what is listed as not kept is not kept.
+TEST_F(Days, KnownOnes) {
+    std::set<Rule> broken;
+    const auto known = knownDays();
+    EXPECT_FALSE(known.empty());
+    for (const auto& [heading, actions] : known) {
+        const Story story = replay(actions);
+        for (const auto& [fault, what] : story.findings) {
+            broken.insert(fault.first);
+            EXPECT_TRUE(isListed(fault.first)) << words(fault.first) << ": " << what << "\n" << joined(story);
+        }
+    }
+    for (const Rule rule : kNotYetKept) {
+        if (rule == Rule::Count) continue;
+        EXPECT_TRUE(broken.contains(rule)) << "is kept now, so it comes off the list: " << words(rule);
+    }
+}
+
+/// The same seed tells the same story.
+TEST_F(Days, RepeatThemselves) {
+    EXPECT_EQ(random(7, 300).words, random(7, 300).words);
+}
+
+}  // namespace
+}  // namespace days

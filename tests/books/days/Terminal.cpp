@@ -1,0 +1,419 @@
+#include "Terminal.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "books/SlipNumbers.h"
+#include "container/ContainerStore.h"
+#include "container/WorkingContainers.h"
+#include "platform/Clock.h"
+#include "platform/adoce/DatabaseFile.h"
+#include "sales/CustomerQuery.h"
+#include "sales/SlipStore.h"
+#include "sales/WorkingSlip.h"
+#include "support/PrintQt.h"
+#include "totals/DayClose.h"
+
+namespace days {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+const QStringList kCustomers{u"0001"_s, u"0002"_s, u"0003"_s};
+const QDateTime kMorning({2026, 11, 20}, {8, 0});
+
+/// A salesman with his VAT mode and what follows his sales slips.
+struct User {
+    const char* id;
+    const char* vatMode;
+    bool isFollowedByContainers;
+};
+constexpr User kUsers[] = {{"A", "1", false}, {"B", "2", true}, {"C", "3", true}};
+
+constexpr const char* kNames[] = {
+    "매출작업",       "입금작업",        "용공작업",       "단순결제",     "일마감",       "사무실 주문",
+    "로그인",         "다른날 로그인",   "꺼짐",           "디스크 고장",  "시계",         "132 추가",
+    "132 확인",       "132 결제",        "132 삭제",       "150 추가",     "150 확인",     "150 삭제",
+    "391 추가",       "391 확인",        "391 삭제",       "134 등록",     "134 수량",     "134 금액",
+    "134 삭제",       "134 주문서 저장", "134 완료",       "394 등록",     "394 수량",     "394 금액",
+    "394 삭제",       "394 완료",        "450 주류매출액", "450 공급가액", "450 부가세액", "450 비주류",
+    "450 용공회수액", "450 전미수",      "450 카드입금",   "450 현금입금", "450 외상처리", "450 전표삭제",
+    "450 완료",       "449 카드",        "449 완료",       "104 금액",     "104 완료",     "이전"};
+static_assert(std::size(kNames) == std::size_t(Tap::Count));
+
+test::StorageFaultPlan thePlan;
+
+}  // namespace
+
+const QStringList& products() {
+    static const QStringList codes{u"1001"_s, u"1002"_s, u"1003"_s, u"1004"_s};
+    return codes;
+}
+
+const char* name(Tap tap) {
+    return kNames[int(tap)];
+}
+
+const Host::Decision& Host::decide(const std::string& message, Won amount, bool charges) {
+    const auto [at, isNew] = decisions_.try_emplace(message);
+    if (isNew && charges) at->second = {true, amount, std::to_string(700000 + ++approvals_)};
+    return at->second;
+}
+
+std::map<std::string, std::string> Terminal::vatModes() {
+    std::map<std::string, std::string> modes;
+    for (const User& user : kUsers) modes[user.id] = user.vatMode;
+    return modes;
+}
+
+bool Terminal::isFollowedByContainers() const {
+    const auto* const user = std::ranges::find_if(
+        kUsers, [this](const User& each) { return user_ == QLatin1StringView(each.id); });
+    return user->isFollowedByContainers;
+}
+
+Terminal::Terminal() {
+    thePlan.skipsSync = true;
+    thePlan.disarm();
+    test::putFaultsBelowSqlite(&thePlan);
+    EXPECT_EQ(sqlite3_open_v2(device_.databaseFile().toUtf8().constData(), &reader_, SQLITE_OPEN_READWRITE,
+                              nullptr),
+              SQLITE_OK);
+    for (int i = 0; i < products().size(); ++i) {
+        // Odd prices: what is rounded shows.
+        const auto won = [i](int base) { return QString::number(base + 37 * i); };
+        device_.insert(u"PUMMOK", {{u"Pcode", products()[i]},
+                                   {u"Pname", products()[i]},
+                                   {u"BoxBonEa", u"20"},
+                                   {u"ABoxMMoney", won(30000)},
+                                   {u"ABoxBMoney", won(3000)},
+                                   {u"ABonMMoney", won(1500)},
+                                   {u"ABonBMoney", won(150)},
+                                   {u"BBoxMMoney", won(31111)},
+                                   {u"BBoxBMoney", won(3011)},
+                                   {u"BBonMMoney", won(1601)},
+                                   {u"BBonBMoney", won(161)},
+                                   {u"YGMoney1", i % 2 == 0 ? u"4000" : u"0"},
+                                   {u"YGMoney2", i % 2 == 0 ? u"2000" : u"0"},
+                                   {u"GBoxMoney1", u"100"},
+                                   {u"GBonMoney1", u"10"},
+                                   {u"GBonMoney2", i % 2 == 0 ? u"100" : u"0"},
+                                   {u"TTT", i % 2 == 0 ? u"Y" : u""}});
+    }
+    for (const QString& customer : kCustomers) {
+        device_.insert(u"GARAE", {{u"GCODE", customer},
+                                  {u"GNAME", customer},
+                                  {u"GUBUN", customer == kCustomers[0] ? u"일반" : u"공용"}});
+    }
+}
+
+Terminal::~Terminal() {
+    thePlan.disarm();
+    sqlite3_close(reader_);
+    platform::clock::set({});
+}
+
+void Terminal::begin(Listener listener) {
+    thePlan.disarm();
+    kill();
+    sqlite3_exec(
+        reader_,
+        "BEGIN; DELETE FROM MTM; DELETE FROM MTMOK; DELETE FROM YTM; DELETE FROM TEMP; DELETE FROM "
+        "YTEMP; DELETE FROM PAYJOURNAL; DELETE FROM PRINTLOG; DELETE FROM DAYCLOSE; UPDATE GARAE SET "
+        "CJMONEY = '100000'; COMMIT",
+        nullptr, nullptr, nullptr);
+    platform::clock::set(kMorning);
+    listener_ = std::move(listener);
+    host_ = {};
+    messages_ = 0;
+    user_ = u"A"_s;
+    date_ = u"2026-11-20"_s;
+}
+
+Visit Terminal::visit() const {
+    return {{text(date_), text(number_), text(user_)}, text(customer_)};
+}
+
+Event Terminal::event(Event::Kind kind) const {
+    Event event;
+    event.kind = kind;
+    event.visit = visit();
+    event.mode = mode_;
+    event.isAtMenu = isAtMenu();
+    event.shown = event.before = shown();
+    return event;
+}
+
+// --- the menu and the way through the screens
+
+bool Terminal::can(Tap tap) const {
+    using enum Tap;
+    if (tap == Kill || tap == Fault || tap == Clock) return true;
+    if (tap == Back) return !isAtMenu();
+    if (tap <= OtherDay) return isAtMenu();
+    if (tap <= DeleteSale) return isAt(Screen::SaleList);
+    if (tap <= DeleteCollection) return isAt(Screen::CollectionList);
+    if (tap <= DeleteEmpties) return isAt(Screen::EmptiesList);
+    if (tap <= FinishSale) return isAt(Screen::Sale);
+    if (tap <= FinishEmpties) return isAt(Screen::Empties);
+    if (tap <= FinishCollection) return isAt(Screen::Entry);
+    if (tap <= FinishCard) return isAt(Screen::Card);
+    return isAt(Screen::Simple);
+}
+
+void Terminal::menu(int mode, Screen screen) {
+    mode_ = mode;
+    customer_.clear();
+    number_.clear();
+    state_.clear();
+    handedOver_.reset();
+    checkout_ = {};
+    crateDeposit_ = {};
+    sqlite3_exec(reader_, "DELETE FROM TEMP; DELETE FROM YTEMP", nullptr, nullptr, nullptr);
+    screens_ = {screen};
+}
+
+void Terminal::open(Screen screen) {
+    screens_.push_back(screen);
+}
+
+void Terminal::replace(Screen screen) {
+    screens_.back() = screen;
+}
+
+/// A list that is come back to shows no choice.
+void Terminal::back() {
+    screens_.pop_back();
+    if (isAt(Screen::SaleList) || isAt(Screen::CollectionList) || isAt(Screen::EmptiesList)) {
+        number_.clear();
+        customer_.clear();
+    }
+}
+
+void Terminal::done() {
+    screens_.clear();
+}
+
+void Terminal::kill() {
+    screens_.clear();
+    number_.clear();
+    customer_.clear();
+    books::replacedCollection().reset();
+    books::resetTransactionRecord();
+    platform::adoce::DatabaseFile::forgetAll();
+}
+
+/// What the import appends to the sales slips.
+void Terminal::loadOrder(unsigned pick) {
+    constexpr const char* kNumbers[] = {"5003", "9999", "10000"};
+    Goods order;
+    order.visit = {{text(date_), kNumbers[pick % 3], "Z"}, text(kCustomers[pick / 3 % 3])};
+    order.product = "1001";
+    order.boxes = 1;
+    order.supply = 30000;
+    order.vat = 3000;
+    const Visit& visit = order.visit;
+    device_.insert(u"MTM", {{u"DDate", date_},
+                            {u"JunNo", QString::fromStdString(visit.key.number)},
+                            {u"UserID", u"Z"},
+                            {u"GCode", QString::fromStdString(visit.customer)},
+                            {u"WorkGubun", u"미처리"},
+                            {u"PCode", u"1001"},
+                            {u"Box", u"1"},
+                            {u"Bon", u"0"},
+                            {u"MMoney", u"30000"},
+                            {u"BMoney", u"3000"},
+                            {u"YMoney", u"0"},
+                            {u"GMoney", u"0"}});
+    Event loaded = event(Event::Kind::OfficeLoaded);
+    loaded.goods = {order};
+    tell(loaded);
+}
+
+void Terminal::login(unsigned pick, bool isOtherDay) {
+    kill();
+    user_ = QString::fromLatin1(kUsers[pick % std::size(kUsers)].id);
+    const QDate today = platform::clock::now().date();
+    date_ = (isOtherDay ? today.addDays(pick / 3 % 2 == 0 ? -1 : 1) : today).toString(u"yyyy-MM-dd"_s);
+    inquire(pick / 8);
+}
+
+std::string Terminal::tap(const Action& action) {
+    using enum Tap;
+    if (!can(action.tap)) return {};
+    const bool wasAtMenu = isAtMenu();
+    const bool isArmed = std::exchange(isFaultArmed_, false);
+    // What the office sends has a storage of its own.
+    if (isArmed && action.tap != Office)
+        thePlan.arm(test::StorageFault::FullDisk, int(action.pick % 5), false);
+    std::string said = action.tap <= Clock              ? menuTap(action)
+                       : action.tap <= DeleteEmpties    ? listTap(action)
+                       : action.tap <= FinishSale       ? goodsTap(action)
+                       : action.tap <= FinishEmpties    ? emptiesTap(action)
+                       : action.tap <= FinishCollection ? entryTap(action)
+                       : action.tap <= FinishCard       ? cardTap(action)
+                       : action.tap <= FinishSimple     ? simpleTap(action)
+                                                        : backTap();
+    if (!wasAtMenu && isAtMenu()) tell(event(Event::Kind::Screen));
+    if (isArmed) {
+        if (thePlan.hits > 0) said += " (디스크 가득)";
+        thePlan.disarm();
+    }
+    return said.empty() ? "-" : said;
+}
+
+std::string Terminal::backTap() {
+    if (isAt(Screen::Card)) {
+        backFromCard();
+    } else {
+        back();
+    }
+    return {};
+}
+
+std::string Terminal::menuTap(const Action& action) {
+    using enum Tap;
+    switch (action.tap) {
+        case Sales:
+            menu(1, Screen::SaleList);
+            break;
+        case Collections:
+            menu(2, Screen::CollectionList);
+            break;
+        case Containers:
+            menu(3, Screen::EmptiesList);
+            break;
+        case Simple:
+            openSimple(action.pick);
+            return text(number_ + u' ' + customer_);
+        case Close:
+            closeDay();
+            break;
+        case Office:
+            loadOrder(action.pick);
+            break;
+        case Kill:
+            kill();
+            login(action.pick, false);
+            break;
+        case Fault:
+            isFaultArmed_ = true;
+            break;
+        case Clock:
+            platform::clock::set(platform::clock::now().addSecs(60 * (1 + action.pick % 400)));
+            break;
+        default:
+            login(action.pick, action.tap == OtherDay);
+            return text(user_ + u' ' + date_);
+    }
+    return {};
+}
+
+void Terminal::openSimple(unsigned pick) {
+    menu(6, Screen::Simple);
+    amounts_ = {};
+    customer_ = pick % 3 == 0 ? u"XXXX"_s : kCustomers[pick / 3 % 3];
+    number_ = books::nextSimplePaymentNumber(date_);
+    tell(event(Event::Kind::Numbered));
+}
+
+void Terminal::closeDay() {
+    const auto closes = totals::closeDay(date_, user_, platform::Won());
+    if (!closes) return;
+    const totals::DayFigures& figures = closes->last().figures;
+    Event closing = event(Event::Kind::Closed);
+    closing.figures = {figures.expectedCash.value(), figures.card.value(), figures.unpaid.value()};
+    tell(closing);
+}
+
+Won Terminal::amountFrom(const Action& action) const {
+    const Won total = (amounts_.sales + amounts_.deposit).value();
+    const Won choices[] = {0,     total,         total + 10000, 5000 * Won(action.pick % 8),
+                           30000, total - 30000, 35000,         -5000};
+    return choices[action.amount % std::size(choices)];
+}
+
+// --- the lists
+
+bool Terminal::chooseFromList(unsigned pick) {
+    const bool isSales = isAt(Screen::SaleList);
+    const platform::Rows list = isSales                     ? sales::slipsOfDay(user_, date_).slips
+                                : isAt(Screen::EmptiesList) ? container::slipsOfDay(user_, date_)
+                                                            : books::collectionsOfDay(user_, date_);
+    if (list.count() == 0) return false;
+    const int row = int(pick % unsigned(list.count()));
+    number_ = list.cell(row, isSales ? 2 : 0);
+    state_ = isSales ? list.cell(row, 0) : QString();
+    // The lists of sales and collections know the customer's name only.
+    customer_ = isAt(Screen::EmptiesList) ? list.cell(row, 2) : QString();
+    return true;
+}
+
+bool Terminal::chooseCustomer(unsigned pick) {
+    customer_ = kCustomers[pick % unsigned(kCustomers.size())];
+    if (mode_ == 1 && books::customerHasSlip(date_, customer_)) return false;
+    number_ = books::nextSlipNumber(mode_, date_).value_or(QString());
+    tell(event(Event::Kind::Numbered));
+    return true;
+}
+
+std::string Terminal::listTap(const Action& action) {
+    using enum Tap;
+    const bool isNew = action.tap == AddSale || action.tap == AddCollection || action.tap == AddEmpties;
+    if (isNew ? !chooseCustomer(action.pick) : !chooseFromList(action.pick)) return "(nothing)";
+    const std::string said = text(number_ + u' ' + customer_);
+    switch (action.tap) {
+        case AddSale:
+        case OpenSale:
+            openSale();
+            break;
+        case PaySale:
+            paySale(action.amount);
+            break;
+        case DeleteSale:
+            deleteSale(action.amount);
+            break;
+        case AddCollection:
+        case OpenCollection:
+            openEntry(action.amount);
+            break;
+        case AddEmpties:
+        case OpenEmpties:
+            openEmpties();
+            break;
+        case DeleteCollection: {
+            Event deleted = event(Event::Kind::CollectionDeleted);
+            deleted.isRefused = !books::removeCollections(date_, number_);
+            tell(deleted);
+            break;
+        }
+        default: {
+            Event deleted = event(Event::Kind::EmptiesDeleted);
+            deleted.isRefused = !container::deleteSlip(date_, number_);
+            tell(deleted);
+        }
+    }
+    return said;
+}
+
+void Terminal::paySale(unsigned pick) {
+    const auto slip = sales::openSlip(user_, date_, number_);
+    if (!slip) return;
+    customer_ = slip->GCode;
+    openEntry(pick);
+}
+
+void Terminal::deleteSale(unsigned pick) {
+    const auto collection = books::loadCollection(date_, number_, user_);
+    Event deleted = event(Event::Kind::SaleDeleted);
+    deleted.hasCardQuestion = state_ == sales::kPaid || (collection && collection->isApproved());
+    deleted.isCardConfirmed = pick % 2 == 0;
+    deleted.isRefused =
+        !sales::deleteSlip(date_, number_, !deleted.hasCardQuestion || deleted.isCardConfirmed);
+    tell(deleted);
+}
+
+}  // namespace days

@@ -1,0 +1,210 @@
+#pragma once
+
+#include <sqlite3.h>
+
+#include <QString>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Judge.h"
+#include "books/CollectionSlip.h"
+#include "books/PaymentJournal.h"
+#include "books/TransactionRecord.h"
+#include "platform/Rows.h"
+#include "sales/SlipLine.h"
+#include "support/FaultyStorage.h"
+#include "support/TestDevice.h"
+
+namespace days {
+
+/// What the hand, the host and bad luck can do.
+enum class Tap {
+    // The menu.
+    Sales,
+    Collections,
+    Containers,
+    Simple,
+    Close,
+    Office,  ///< The office sends an order, numbered as high as it likes.
+    Login,
+    OtherDay,
+    Kill,
+    Fault,
+    Clock,
+    // The lists 132, 150 and 391.
+    AddSale,
+    OpenSale,
+    PaySale,
+    DeleteSale,
+    AddCollection,
+    OpenCollection,
+    DeleteCollection,
+    AddEmpties,
+    OpenEmpties,
+    DeleteEmpties,
+    // The sales slip.
+    AddGoods,
+    ChangeGoods,
+    EditAmount,
+    DeleteGoods,
+    SaveSale,
+    FinishSale,
+    // The container slip.
+    AddReturn,
+    ChangeReturn,
+    EditReturn,
+    DeleteReturn,
+    FinishEmpties,
+    // The collection.
+    KeySales,
+    KeySupply,
+    KeyVat,
+    KeyOther,
+    KeyRecovery,
+    KeyEarlier,
+    ByCard,
+    InCash,
+    OnCredit,
+    ForgetCollection,
+    FinishCollection,
+    // The card.
+    Swipe,
+    FinishCard,
+    // Simple payment.
+    KeySimple,
+    FinishSimple,
+    Back,  ///< 이전 or 취소 of whatever is in front.
+    Count
+};
+
+/// One step of a day. What it chooses follows from its numbers and from what is there, so a step means much
+/// the same when others before it are left out.
+struct Action {
+    Tap tap = Tap::Back;
+    unsigned pick = 0;
+    unsigned amount = 0;
+};
+
+/// The host of a random day: what it has decided about each message, for ever.
+class Host {
+  public:
+    struct Decision {
+        bool isCharged = false;
+        Won amount = 0;
+        std::string approval;
+    };
+    const Decision& decide(const std::string& message, Won amount, bool charges);
+    /// Decides about a message that never came that it will be refused.
+    const Decision& recall(const std::string& message) { return decide(message, 0, false); }
+
+  private:
+    std::map<std::string, Decision> decisions_;
+    int approvals_ = 0;
+};
+
+/// A terminal without widgets: the stores and rules in the order in which the screens call them, on a
+/// database of its own. It says what was done, never what should come of it.
+class Terminal {
+  public:
+    using Listener = std::function<void(const Event&)>;
+
+    Terminal();
+    ~Terminal();
+    /// An empty day with its customers and products.
+    void begin(Listener listener);
+    bool can(Tap tap) const;
+    /// Does the step and returns it in words; nothing where it means nothing here.
+    std::string tap(const Action& action);
+    Page page();
+    bool isAtMenu() const { return screens_.empty(); }
+    static std::map<std::string, std::string> vatModes();
+
+  private:
+    enum class Screen { SaleList, CollectionList, EmptiesList, Sale, Empties, Entry, Card, Simple };
+
+    bool isAt(Screen screen) const { return !screens_.empty() && screens_.back() == screen; }
+    void menu(int mode, Screen screen);
+    void open(Screen screen);
+    void replace(Screen screen);
+    void back();
+    void done();
+    void login(unsigned pick, bool isOtherDay);
+    void kill();
+    void loadOrder(unsigned pick);
+    void openSimple(unsigned pick);
+    void closeDay();
+    std::string menuTap(const Action& action);
+    std::string backTap();
+    bool isFollowedByContainers() const;
+    bool chooseFromList(unsigned pick);
+    bool chooseCustomer(unsigned pick);
+    std::string listTap(const Action& action);
+    std::string goodsTap(const Action& action);
+    std::string emptiesTap(const Action& action);
+    std::string entryTap(const Action& action);
+    std::string cardTap(const Action& action);
+    std::string simpleTap(const Action& action);
+    void paySale(unsigned pick);
+    void deleteSale(unsigned pick);
+    std::string addGoods(const Action& action, const platform::Rows& lines);
+    bool saveSale();
+    void finishSale();
+    void openSale();
+    void openEmpties();
+    void finishEmpties();
+    void openEntry(unsigned pick);
+    void loadEntry(unsigned pick);
+    void holdCard();
+    bool finishEntry(unsigned pick);
+    bool isPaymentSettled(unsigned pick);
+    void openCard();
+    bool isPaymentFree(unsigned pick);
+    void swipe(unsigned pick);
+    books::JournalPayment journalPayment(const QString& number) const;
+    void backFromCard();
+    void finishCard();
+    void inquire(unsigned pick);
+    Event event(Event::Kind kind) const;
+    void tell(const Event& event) { listener_(event); }
+    Amounts shown() const;
+    Visit visit() const;
+    std::vector<Goods> draft();
+    std::vector<Empties> returns();
+    Won amountFrom(const Action& action) const;
+    template <typename Row, typename Read>
+    std::vector<Row> rows(const char* select, Read&& read);
+
+    test::TestDevice device_;
+    sqlite3* reader_ = nullptr;
+    Listener listener_;
+    Host host_;
+    int messages_ = 0;
+    bool isFaultArmed_ = false;
+
+    // What a kill takes.
+    std::vector<Screen> screens_;
+    QString user_, date_;
+    int mode_ = 0;
+    QString customer_, number_, state_, kind_;
+    books::SettlementAmounts checkout_;  ///< Sales as payable, supply, VAT, deposits, as handed over.
+    platform::Won crateDeposit_;
+    std::optional<platform::Won> handedOver_;
+    bool hasUnsavedLines_ = false;
+    books::SettlementAmounts amounts_;
+    std::optional<platform::Won> approvedCard_;
+    bool isOthers_ = false, isApproved_ = false;
+    books::SettlementAmounts charged_;  ///< The record of the card dialog.
+    std::string payment_;
+    bool isPaid_ = false;
+};
+
+const char* name(Tap tap);
+const QStringList& products();
+
+inline std::string text(const QString& from) {
+    return from.toStdString();
+}
+
+}  // namespace days

@@ -1,0 +1,166 @@
+// The sales slip and the container slip of the terminal without widgets.
+#include <array>
+#include <utility>
+
+#include "Terminal.h"
+#include "container/ContainerProduct.h"
+#include "container/ContainerStore.h"
+#include "container/WorkingContainers.h"
+#include "sales/CustomerQuery.h"
+#include "sales/Pricing.h"
+#include "sales/SlipStore.h"
+#include "sales/WorkingSlip.h"
+
+namespace days {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+/// Boxes and bottles; never none of both.
+std::pair<int, int> quantities(const Action& action) {
+    const int boxes = int(action.amount % 4);
+    return {boxes, boxes == 0 ? 7 : int(action.amount / 4 % 3)};
+}
+
+}  // namespace
+
+// --- the sales slip
+
+void Terminal::openSale() {
+    const auto slip = sales::openSlip(user_, date_, number_);
+    if (!slip) return;
+    if (customer_.isEmpty()) customer_ = slip->GCode;
+    kind_ = sales::customerAccount(customer_).Gubun;
+    hasUnsavedLines_ = false;
+    open(Screen::Sale);
+}
+
+bool Terminal::saveSale() {
+    Event saved = event(Event::Kind::SaleSaved);
+    saved.goods = draft();
+    const sales::SaveOutcome outcome = sales::saveSlip(user_, date_, number_);
+    saved.isRefused = outcome != sales::SaveOutcome::Saved && outcome != sales::SaveOutcome::Empty;
+    if (!saved.isRefused) hasUnsavedLines_ = false;
+    tell(saved);
+    return !saved.isRefused;
+}
+
+void Terminal::finishSale() {
+    if (sales::isWorkingSlipEmpty() || (hasUnsavedLines_ && !saveSale())) return;
+    if (isFollowedByContainers()) {
+        openEmpties();
+    } else {
+        openEntry(0);
+    }
+}
+
+std::string Terminal::addGoods(const Action& action, const platform::Rows& lines) {
+    sales::SlipLine line;
+    line.PCode = products()[action.pick % unsigned(products().size())];
+    for (int at = 0; at < lines.count(); ++at) {
+        if (lines.cell(at, 0) == line.PCode) return "(there already)";
+    }
+    line.DDate = date_;
+    line.GCode = line.GName = customer_;
+    line.JunNo = number_;
+    line.PName = line.PCode;
+    // What comes back is written with a minus.
+    const int sign = action.amount % 16 == 15 ? -1 : 1;
+    const auto [boxes, bottles] = quantities(action);
+    line.Box = QString::number(sign * boxes);
+    line.Bon = QString::number(sign * bottles);
+    line.setAmounts(sales::priceLine(customer_, kind_, line.PCode, sign * boxes, sign * bottles).amounts);
+    hasUnsavedLines_ |= sales::insertLine(line);
+    return text(line.PCode + u' ' + line.Box + u'/' + line.Bon);
+}
+
+std::string Terminal::goodsTap(const Action& action) {
+    if (action.tap == Tap::SaveSale) return saveSale() ? "" : "(refused)";
+    if (action.tap == Tap::FinishSale) {
+        finishSale();
+        return "";
+    }
+    const platform::Rows lines = sales::workingLines();
+    if (action.tap == Tap::AddGoods) return addGoods(action, lines);
+    if (lines.count() == 0) return "(no line)";
+    const int row = int(action.pick % unsigned(lines.count()));
+    const sales::LineKey key{lines.cell(row, 0), lines.cell(row, 2), lines.cell(row, 3)};
+    const sales::LineAmounts now = sales::lineAmounts(key).value_or(sales::LineAmounts{});
+    if (action.tap == Tap::ChangeGoods) {
+        const auto [boxes, bottles] = quantities(action);
+        const auto amounts = sales::priceLine(customer_, kind_, key.PCode, boxes, bottles).amounts;
+        hasUnsavedLines_ |= sales::replaceQuantities(key, boxes, bottles, amounts);
+        return text(key.PCode) + " " + std::to_string(boxes) + "/" + std::to_string(bottles);
+    }
+    if (action.tap == Tap::EditAmount) {
+        constexpr std::array kEdits{sales::withSupply, sales::withVat, sales::withSubtotal, sales::withTotal};
+        const platform::Won keyed =
+            now.subtotal() + platform::Won(1000 * std::int64_t(action.amount % 5) - 1700);
+        hasUnsavedLines_ |= sales::replaceAmounts(key, kEdits[action.amount % 4](now, keyed));
+        return text(key.PCode + u' ' + platform::formatWon(keyed));
+    }
+    sales::deleteLine(key);
+    hasUnsavedLines_ = true;
+    return text(key.PCode);
+}
+
+// --- the container slip
+
+void Terminal::openEmpties() {
+    // A slip that could not be opened closes its screen at once.
+    if (!container::openSlip(user_, date_, number_)) return;
+    if (container::isOtherCustomers(customer_)) container::emptySlip();
+    open(Screen::Empties);
+}
+
+void Terminal::finishEmpties() {
+    Event saved = event(Event::Kind::EmptiesSaved);
+    saved.empties = returns();
+    const container::SaveOutcome outcome = container::saveSlip(user_, date_, number_, customer_);
+    saved.isRefused = outcome == container::SaveOutcome::Failed;
+    tell(saved);
+    if (saved.isRefused || (outcome == container::SaveOutcome::Empty && mode_ != 1)) return;
+    handedOver_ = container::workingSums().recovery();
+    openEntry(0);
+}
+
+std::string Terminal::emptiesTap(const Action& action) {
+    const platform::Rows lines = container::workingLines();
+    const container::ContainerCounts counts{.bottles = action.amount % 5,
+                                            .emptyCrates = action.amount % 3,
+                                            .filledCrates = 1 + action.amount / 2 % 6};
+    if (action.tap == Tap::FinishEmpties) {
+        finishEmpties();
+        return "";
+    }
+    if (action.tap == Tap::AddReturn) {
+        container::ContainerLine line;
+        line.PCode = products()[2 * (action.pick % 2)];
+        for (int at = 0; at < lines.count(); ++at) {
+            if (lines.cell(at, 0) == line.PCode) return "(there already)";
+        }
+        line.DDate = date_;
+        line.GCode = line.GName = customer_;
+        line.JunNo = number_;
+        const auto product = container::containerProduct(line.PCode).value_or(container::ContainerProduct{});
+        line.setCounts(counts);
+        line.setAmounts(container::containerAmounts(counts, product.prices));
+        container::insertLine(line);
+        return text(line.PCode + u' ' + line.NBox);
+    }
+    if (lines.count() == 0) return "(no line)";
+    const auto key = container::keyAt(lines, int(action.pick % unsigned(lines.count())));
+    const auto product = container::containerProduct(key.PCode).value_or(container::ContainerProduct{});
+    if (action.tap == Tap::ChangeReturn) {
+        container::replaceCounts(key, counts, container::containerAmounts(counts, product.prices));
+    } else if (action.tap == Tap::EditReturn) {
+        container::replaceAmount(key, &container::ContainerAmounts::crates,
+                                 platform::Won(amountFrom(action)));
+    } else {
+        container::deleteLine(key);
+    }
+    return text(key.PCode);
+}
+
+}  // namespace days
