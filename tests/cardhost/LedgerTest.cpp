@@ -7,8 +7,8 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
-#include "platform/message/Fields.h"
 #include "desk/demo/DemoCards.h"
+#include "platform/message/Fields.h"
 #include "support/FullDisk.h"
 #include "support/PrintQt.h"
 
@@ -63,7 +63,7 @@ class LedgerTest : public ::testing::Test {
     QString ask(const Request& request, MessageNumber number = makeMessageNumber()) {
         FieldWriter writer;
         for (auto field = request.begin(); field != request.end(); ++field) writer.add(field.key(), *field);
-        OpenedRequest opened;
+        cardhost::OpenedRequest opened;
         opened.number = number;
         opened.fields = writer.bytes();
         const auto reply = Fields::parse(ledger->answer(opened));

@@ -5,6 +5,7 @@
 
 #include "Terminal.h"
 #include "books/ContainerBalance.h"
+#include "books/OpenPayments.h"
 #include "books/PayableTotal.h"
 #include "collect/Settlement.h"
 #include "collect/SimplePayment.h"
@@ -60,9 +61,9 @@ void Terminal::loadEntry(unsigned pick) {
         customer_ = saved->GCode;
     }
     if (mode_ == 1) {
-        const sales::SlipSums sums = sales::workingSums();
         const QString vatMode = QString::fromStdString(vatModes()[user_.toStdString()]);
-        amounts_.sales = sales::slipTotal(sums, vatMode) - sums.deposits();
+        const sales::SlipSums sums = sales::slipSums(sales::workingSums(), vatMode);
+        amounts_.sales = sums.subtotal();
         amounts_.supply = sums.supply;
         amounts_.vat = sums.vat;
         amounts_.deposit = sums.deposits();
@@ -212,16 +213,18 @@ void Terminal::openCard() {
 }
 
 bool Terminal::isPaymentFree(unsigned pick) {
-    const auto isUnsettled = [&] {
-        return books::hasUnsettledPayment(date_, number_, user_) ||
-               (mode_ == 6 && books::hasUnsettledSimplePayment(date_, user_));
-    };
-    if (!isUnsettled()) return true;
+    const books::JournalPayment wanted = journalPayment({});
+    const auto inTheWay = [&] { return books::findInTheWay(books::unsettledPayments(), wanted); };
+    const auto before = inTheWay();
+    if (!before && !books::hasUnsettledPayments()) return true;
     inquire(pick);
-    if (isUnsettled()) return false;
+    if (!before) return true;
+    if (inTheWay()) return false;
+    const auto settled = books::findPayment(before->number);
+    if (!settled || settled->state != books::PaymentState::Approved) return true;
     const auto last = books::lastPayment(date_, number_, user_);
-    isPaid_ = last && last->state == books::PaymentState::Approved;
-    return !isPaid_;
+    isPaid_ = last && last->number == before->number;
+    return false;
 }
 
 books::JournalPayment Terminal::journalPayment(const QString& number) const {
