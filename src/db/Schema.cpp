@@ -37,10 +37,11 @@ constexpr Columns<22> kMtmOk{u"DDate",       u"Gubun",       u"GCode",      u"GN
                              u"MSGSENDTIME", u"BANKTRANNO"};
 constexpr Columns<14> kYtm{u"DDate", u"GCode", u"GName",  u"JunNo",  u"PCode", u"PName", u"FBox",
                            u"NBox",  u"Bon",   u"YMONEY", u"GMONEY", u"YSAMT", u"GSAMT", u"UserID"};
-constexpr Columns<16> kDayClose{u"DDate",        u"UserID",      u"ClosedAt",    u"CountedCash",
+constexpr Columns<20> kDayClose{u"DDate",        u"UserID",      u"ClosedAt",    u"CountedCash",
                                 u"ExpectedCash", u"Cash",        u"Card",        u"Approvals",
                                 u"Unpaid",       u"EarlierPaid", u"Recovery",    u"Boxes",
-                                u"Bottles",      u"CratesBack",  u"BottlesBack", u"OpenSlips"};
+                                u"Bottles",      u"CratesBack",  u"BottlesBack", u"OpenSlips",
+                                u"Strip",        u"Visits",      u"Deletions",   u"PrintedAt"};
 constexpr Columns<5> kImportLog{u"Path", u"Digest", u"Size", u"Modified", u"LoadedAt"};
 constexpr Columns<6> kPrintLog{u"DDate", u"JunNo", u"UserID", u"Document", u"Copy", u"PrintedAt"};
 // The payment's own columns, then those of the slip that it pays.
@@ -49,6 +50,9 @@ constexpr Columns<27> kPayJournal{
     u"GCode",       u"GName",      u"JunNo",   u"DTime",   u"UserID",      u"MMoney",    u"PMoney",
     u"BMoney",      u"YMoney",     u"GMoney",  u"YGMoney", u"InMoney",     u"WonMoney",  u"CardMoney",
     u"MisuInMoney", u"UnderMoney", u"YDMoney", u"GDMoney", u"MSGSENDTIME", u"BANKTRANNO"};
+
+constexpr Columns<9> kDeleted{u"DDate", u"Document", u"JunNo",     u"UserID",   u"GCode",
+                              u"GName", u"Total",    u"DeletedBy", u"DeletedAt"};
 
 // The working tables hold one slip while it is edited: MTM's first 15 and YTM's first 13 columns.
 constexpr std::array kTables{
@@ -70,6 +74,7 @@ constexpr std::array kTables{
     Table{u"IMPORTLOG", kImportLog},
     Table{u"PRINTLOG", kPrintLog, false},
     Table{u"PAYJOURNAL", kPayJournal, false},
+    Table{u"DELETED", kDeleted, false},
 };
 
 constexpr std::array kIndexes{
@@ -98,6 +103,7 @@ constexpr std::array kIndexes{
     Index{u"PAYJOURNAL_STATE", u"PAYJOURNAL", u"State"},
     Index{u"PAYJOURNAL_SLIP", u"PAYJOURNAL", u"DDate, JunNo, UserID"},
     Index{u"PAYJOURNAL_TRANSACTION", u"PAYJOURNAL", u"BANKTRANNO"},
+    Index{u"DELETED_DAY", u"DELETED", u"DDate"},
 };
 
 }  // namespace

@@ -78,7 +78,7 @@ void CCollectionListDlg::deleteChosen() {
         return;
     }
     // No word about one that could not be deleted: the list still shows it.
-    books::removeCollections(app::session().WorkDate, app::session().action.JunNo);
+    books::removeCollections(app::session().WorkDate, app::session().action.JunNo, app::session().UserID);
     fill();
 }
 

@@ -82,7 +82,7 @@ void CContainerListDlg::deleteChosen() {
         ui::message(u"삭제할 전표를 선택하세요!"_s);
         return;
     }
-    const auto takenBack = deleteSlip(session.WorkDate, session.action.JunNo);
+    const auto takenBack = deleteSlip(session.WorkDate, session.action.JunNo, session.UserID);
     // No word about one that could not be deleted: the list still shows it. The credit for the containers
     // goes with their slip.
     if (takenBack && !takenBack->isZero()) {

@@ -129,7 +129,7 @@ void CGaraeSeek::deleteChosen() {
     const bool isPaid = session.action.SlipState == kPaid || (collection && collection->isApproved());
     const bool alsoFollowers =
         !isPaid || ui::confirm(u"카드결제된 입금표를 삭제할까요?"_s, u"카드결제된 입금표삭제"_s);
-    const bool isDeleted = deleteSlip(session.WorkDate, session.action.JunNo, alsoFollowers);
+    const bool isDeleted = deleteSlip(session.WorkDate, session.action.JunNo, alsoFollowers, session.UserID);
     ui::message(!isDeleted ? u"주문전표를 삭제하지 못했습니다..!"_s
                            : u"선택된 주문전표와 입금표 / 인수증을 삭제하였습니다..!"_s);
     fill();
