@@ -66,7 +66,6 @@ CTotalsDlg::CTotalsDlg() : Screen(app::dialogs::kTotals) {
     });
     addWork(kCloseButton, u"일마감"_s, [this] {
         settlePayments();
-        checkVisits();
         closeDay();
         showChanges();
     });
@@ -156,7 +155,8 @@ void CTotalsDlg::closeDay() {
             return;
         }
     }
-    // Asked before anything is shown that the count could be made to fit.
+    checkVisits();
+    // Asked before any figure is shown that the count could be made to fit.
     if (!app::askNumber(u"현금시재"_s)) return;
     const platform::Won counted = platform::parseWon(app::keypadRequest().KeypadValue1);
     if (counted < platform::Won()) {
