@@ -37,11 +37,10 @@ constexpr Columns<22> kMtmOk{u"DDate",       u"Gubun",       u"GCode",      u"GN
                              u"MSGSENDTIME", u"BANKTRANNO"};
 constexpr Columns<14> kYtm{u"DDate", u"GCode", u"GName",  u"JunNo",  u"PCode", u"PName", u"FBox",
                            u"NBox",  u"Bon",   u"YMONEY", u"GMONEY", u"YSAMT", u"GSAMT", u"UserID"};
-constexpr Columns<20> kDayClose{u"DDate",        u"UserID",      u"ClosedAt",    u"CountedCash",
-                                u"ExpectedCash", u"Cash",        u"Card",        u"Approvals",
-                                u"Unpaid",       u"EarlierPaid", u"Recovery",    u"Boxes",
-                                u"Bottles",      u"CratesBack",  u"BottlesBack", u"OpenSlips",
-                                u"Strip",        u"Visits",      u"Deletions",   u"PrintedAt"};
+constexpr Columns<20> kDayClose{u"DDate",     u"UserID", u"ClosedAt",  u"CountedCash", u"ExpectedCash",
+                                u"Cash",      u"Card",   u"Approvals", u"Unpaid",      u"EarlierPaid",
+                                u"Recovery",  u"Boxes",  u"Bottles",   u"CratesBack",  u"BottlesBack",
+                                u"OpenSlips", u"Strip",  u"Visits",    u"Deletions",   u"PrintedAt"};
 constexpr Columns<5> kImportLog{u"Path", u"Digest", u"Size", u"Modified", u"LoadedAt"};
 constexpr Columns<6> kPrintLog{u"DDate", u"JunNo", u"UserID", u"Document", u"Copy", u"PrintedAt"};
 // The payment's own columns, then those of the slip that it pays.
