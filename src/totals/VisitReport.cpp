@@ -10,9 +10,9 @@ std::optional<VisitCheck> checkDays(const QStringList& days, QStringView userId)
     const QString date = days.size() > 1 ? days.first() + u" ~ "_s + days.last().mid(5) : days.value(0);
     VisitCheck check{reportHead(u"점검", date, userId), {}};
     check.report.columns = {{.title = u"전표"_s, .pixels = 38, .paper = 8},
-                            {.title = u"거래처"_s, .pixels = 64, .paper = 24},
-                            {.title = u"사유"_s, .pixels = 78, .paper = 18, .startsLine = true},
-                            {.title = u"금액"_s, .kind = Kind::Amount, .pixels = 58, .paper = 14},
+                            {.title = u"거래처"_s, .pixels = 80, .paper = 24},
+                            {.title = u"사유"_s, .pixels = 62, .paper = 18, .startsLine = true},
+                            {.title = u"금액"_s, .kind = Kind::Amount, .pixels = 52, .paper = 14},
                             {.title = u"내용"_s, .pixels = 150, .paper = 32, .startsLine = true}};
     for (const QString& day : days) {
         const auto visits = books::visitsOfDay(day, userId);
