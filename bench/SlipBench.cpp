@@ -138,7 +138,7 @@ double timeSlip(const Folder& folder) {
     folder.use();
     QString junNo;
     const double time = millisecondsOf([&] { junNo = writeSlip(); });
-    check(sales::deleteSlip(kDay, junNo, true), "the slip was not deleted");
+    check(sales::deleteSlip(kDay, junNo, true, kSalesman), "the slip was not deleted");
     return time;
 }
 

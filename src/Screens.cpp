@@ -24,6 +24,7 @@
 #include "sales/screens/PummokSeekBoard.h"
 #include "totals/screens/ReportDlg.h"
 #include "totals/screens/TotalsDlg.h"
+#include "totals/screens/VisitCheckDlg.h"
 #include "ui/Terminal.h"
 #include "van/screens/CardDlg.h"
 #include "van/screens/PaymentCheckDlg.h"
@@ -66,6 +67,7 @@ constexpr Entry kScreens[] = {
     {dialogs::kTotals, make<totals::CTotalsDlg>},
     {dialogs::kReport, make<totals::CReportDlg>},
     {dialogs::kPaymentCheck, make<van::CPaymentCheckDlg>},
+    {dialogs::kVisitCheck, make<totals::CVisitCheckDlg>},
 };
 
 }  // namespace

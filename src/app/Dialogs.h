@@ -26,5 +26,6 @@ inline constexpr int kCollectionEntry = 450;
 inline constexpr int kTotals = 457;
 inline constexpr int kReport = 458;
 inline constexpr int kPaymentCheck = 459;
+inline constexpr int kVisitCheck = 460;
 
 }  // namespace app::dialogs

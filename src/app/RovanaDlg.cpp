@@ -18,6 +18,7 @@
 #include "app/Session.h"
 #include "books/PaymentJournal.h"
 #include "books/SlipNumbers.h"
+#include "books/VisitChecks.h"
 #include "db/Health.h"
 #include "db/ImportFile.h"
 #include "platform/Clock.h"
@@ -225,6 +226,24 @@ void CRovanaDlg::answerLogin() {
     if (!old.isEmpty()) ui::message(old);
     // After the import, which brings the balances that a payment found approved then moves.
     if (books::hasUnsettledPayments()) ui::runScreen(dialogs::kPaymentCheck);
+    checkEarlierDays();
+}
+
+void CRovanaDlg::checkEarlierDays() {
+    QStringList days;
+    {
+        const ui::WaitCursor wait;
+        days = books::unclosedDays(session().UserID, session().WorkDate);
+        days.removeIf([](const QString& day) {
+            return books::checkVisits(
+                       books::visitsOfDay(day, session().UserID).value_or(QList<books::Visit>()))
+                .isEmpty();
+        });
+    }
+    if (days.isEmpty()) return;
+    resetSession();
+    session().action.CheckedDays = days;
+    ui::runScreen(dialogs::kVisitCheck);
 }
 
 void CRovanaDlg::showMenu() {

@@ -26,6 +26,8 @@ class CRovanaDlg : public ui::Screen {
     void addMenuControls();
     void logIn();
     void answerLogin();
+    /// Shows the visits of earlier days without a close that do not agree.
+    void checkEarlierDays();
     void setWaiting(bool isWaiting);
     void enterPassword();
     void showMenu();

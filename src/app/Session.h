@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <optional>
 
 #include "platform/Won.h"
@@ -50,6 +51,9 @@ struct ActionValues {
     platform::Won CheckoutDeposits;  ///< Crates and bottles.
     platform::Won CheckoutTotal;
     platform::Won CheckoutReceivable;  ///< The customer's balance before this visit.
+
+    /// The days whose visits dialog 460 is to check, "yyyy-MM-dd".
+    QStringList CheckedDays;
 
     /// What the container slip that was just finished is worth, in won; nothing when none was.
     std::optional<platform::Won> ContainerRecovery;

@@ -4,6 +4,7 @@
 #include <array>
 #include <utility>
 
+#include "books/Deletions.h"
 #include "books/OpenPayments.h"
 #include "books/PrintLog.h"
 #include "books/ReusedNumber.h"
@@ -195,6 +196,11 @@ bool deleteRows(db::Transaction& transaction, QStringView date, QStringView junN
            takeReceivablesBack(transaction, removed);
 }
 
+bool takeOut(QStringView date, QStringView junNo, QStringView userId) {
+    db::Transaction transaction;
+    return deleteRows(transaction, date, junNo, userId) && transaction.commit();
+}
+
 }  // namespace
 
 std::array<QString, kCollectionColumns> columnTexts(const CollectionSlip& slip) {
@@ -328,22 +334,26 @@ std::optional<CollectionSlip>& replacedCollection() {
 bool takeBackCollection(QStringView date, QStringView junNo, QStringView userId) {
     const std::optional<CollectionSlip>& before = replacedCollection();
     const bool isIts = before && before->DDate == date && before->JunNo == junNo && before->UserID == userId;
-    if (isIts ? !saveCollection(*before) : !removeCollection(date, junNo, userId)) return false;
+    // An entry that is given up was never a slip that somebody deleted.
+    if (isIts ? !saveCollection(*before) : !takeOut(date, junNo, userId)) return false;
     replacedCollection().reset();
     return true;
 }
 
 bool removeCollection(QStringView date, QStringView junNo, QStringView userId) {
     db::Transaction transaction;
-    return deleteRows(transaction, date, junNo, userId) && transaction.commit();
+    return noteDeletion(transaction, Paper::CollectionSlip, date, junNo, userId, userId) &&
+           deleteRows(transaction, date, junNo, userId) && transaction.commit();
 }
 
-bool removeCollections(QStringView date, QStringView junNo) {
+bool removeCollections(QStringView date, QStringView junNo, QStringView deletedBy) {
     db::Transaction transaction;
-    return removeCollections(transaction, date, junNo) && transaction.commit();
+    return removeCollections(transaction, date, junNo, deletedBy) && transaction.commit();
 }
 
-bool removeCollections(db::Transaction& transaction, QStringView date, QStringView junNo) {
+bool removeCollections(db::Transaction& transaction, QStringView date, QStringView junNo,
+                       QStringView deletedBy) {
+    if (!noteDeletion(transaction, Paper::CollectionSlip, date, junNo, {}, deletedBy)) return false;
     const QList<CollectionSlip> removed = wholeRows(kAnyones(date, junNo));
     transaction.connection().Execute(kDelete(junNo, date));
     return !db::hasRow(kAnyones(date, junNo)) &&

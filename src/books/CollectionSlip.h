@@ -104,16 +104,17 @@ std::optional<CollectionSlip>& replacedCollection();
 /// one of that date, number and user deletes the row. False when that failed; it can be tried again then.
 bool takeBackCollection(QStringView date, QStringView junNo, QStringView userId);
 
-/// Deletes the user's slip of that date and number and takes its receivable back. True also when there was
-/// none; false when the database did not take the change, and then nothing is.
+/// Deletes the user's slip of that date and number, notes that he did (noteDeletion) and takes its receivable
+/// back. True also when there was none; false when the database did not take the change, and then nothing is.
 bool removeCollection(QStringView date, QStringView junNo, QStringView userId);
 
 /// The same whoever wrote the slip: another user's slip of that number and date goes with it.
-bool removeCollections(QStringView date, QStringView junNo);
+bool removeCollections(QStringView date, QStringView junNo, QStringView deletedBy);
 
 /// The same as part of `transaction`, for what deletes more along with it. After false it must not be
 /// committed.
-[[nodiscard]] bool removeCollections(db::Transaction& transaction, QStringView date, QStringView junNo);
+[[nodiscard]] bool removeCollections(db::Transaction& transaction, QStringView date, QStringView junNo,
+                                     QStringView deletedBy);
 
 /// The slips of that date and number that carry an approval, whoever wrote them.
 QList<CollectionSlip> approvedUnder(QStringView date, QStringView junNo);

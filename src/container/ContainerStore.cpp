@@ -3,6 +3,7 @@
 #include <array>
 
 #include "books/CollectionSlip.h"
+#include "books/Deletions.h"
 #include "books/PrintLog.h"
 #include "books/ReusedNumber.h"
 #include "db/Query.h"
@@ -38,7 +39,9 @@ SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo
     const auto saved = [&] { return db::selectRows(kSavedLines(workDate, junNo, userId), kWorkingColumns); };
     const platform::Rows before = saved();
     // A slip without lines is none, and no collection is left with its worth.
-    if (!db::hasRow(kWorkingLines()) && !books::takeRecoveriesBack(transaction, workDate, junNo, userId)) {
+    if (!db::hasRow(kWorkingLines()) &&
+        (!books::noteDeletion(transaction, books::Paper::ContainerReceipt, workDate, junNo, userId, userId) ||
+         !books::takeRecoveriesBack(transaction, workDate, junNo, userId))) {
         return SaveOutcome::Failed;
     }
     if (!transaction.run(kDeleteOwn(workDate, junNo, userId))) return SaveOutcome::Failed;
@@ -74,8 +77,10 @@ platform::Rows slipsOfDay(QStringView userId, QStringView workDate) {
     return slips;
 }
 
-std::optional<platform::Won> deleteSlip(QStringView workDate, QStringView junNo) {
+std::optional<platform::Won> deleteSlip(QStringView workDate, QStringView junNo, QStringView deletedBy) {
     db::Transaction transaction;
+    if (!books::noteDeletion(transaction, books::Paper::ContainerReceipt, workDate, junNo, {}, deletedBy))
+        return std::nullopt;
     const auto takenBack = books::takeRecoveriesBack(transaction, workDate, junNo, {});
     const bool isDeleted = takenBack && transaction.run(kDeleteAll(junNo, workDate)) &&
                            books::forgetPrints(transaction, books::Paper::ContainerReceipt, workDate, junNo);

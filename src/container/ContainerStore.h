@@ -26,9 +26,10 @@ SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo
 /// code.
 platform::Rows slipsOfDay(QStringView userId, QStringView workDate);
 
-/// Deletes the container slip of that number and date, whoever wrote it, and takes back what its collections
-/// have for it: that sum in won. Nothing, traced, when the database did not take it; all is as before then.
-std::optional<platform::Won> deleteSlip(QStringView workDate, QStringView junNo);
+/// Deletes the container slip of that number and date, whoever wrote it, notes that `deletedBy` did, and
+/// takes back what its collections have for it: that sum in won. Nothing, traced, when the database did not
+/// take it; all is as before then.
+std::optional<platform::Won> deleteSlip(QStringView workDate, QStringView junNo, QStringView deletedBy);
 
 /// What a slip needs of its customer; kind empty and balance 0 for an unknown one.
 struct CustomerAccount {

@@ -37,10 +37,10 @@ constexpr Columns<22> kMtmOk{u"DDate",       u"Gubun",       u"GCode",      u"GN
                              u"MSGSENDTIME", u"BANKTRANNO"};
 constexpr Columns<14> kYtm{u"DDate", u"GCode", u"GName",  u"JunNo",  u"PCode", u"PName", u"FBox",
                            u"NBox",  u"Bon",   u"YMONEY", u"GMONEY", u"YSAMT", u"GSAMT", u"UserID"};
-constexpr Columns<16> kDayClose{u"DDate",        u"UserID",      u"ClosedAt",    u"CountedCash",
-                                u"ExpectedCash", u"Cash",        u"Card",        u"Approvals",
-                                u"Unpaid",       u"EarlierPaid", u"Recovery",    u"Boxes",
-                                u"Bottles",      u"CratesBack",  u"BottlesBack", u"OpenSlips"};
+constexpr Columns<20> kDayClose{u"DDate",     u"UserID", u"ClosedAt",  u"CountedCash", u"ExpectedCash",
+                                u"Cash",      u"Card",   u"Approvals", u"Unpaid",      u"EarlierPaid",
+                                u"Recovery",  u"Boxes",  u"Bottles",   u"CratesBack",  u"BottlesBack",
+                                u"OpenSlips", u"Strip",  u"Visits",    u"Deletions",   u"PrintedAt"};
 constexpr Columns<5> kImportLog{u"Path", u"Digest", u"Size", u"Modified", u"LoadedAt"};
 constexpr Columns<6> kImportReject{u"FileName", u"Digest", u"KeptAt", u"Number", u"Reason", u"Line"};
 constexpr Columns<5> kMasterLoad{u"FileName", u"Digest", u"Modified", u"Newest", u"LoadedAt"};
@@ -51,6 +51,9 @@ constexpr Columns<27> kPayJournal{
     u"GCode",       u"GName",      u"JunNo",   u"DTime",   u"UserID",      u"MMoney",    u"PMoney",
     u"BMoney",      u"YMoney",     u"GMoney",  u"YGMoney", u"InMoney",     u"WonMoney",  u"CardMoney",
     u"MisuInMoney", u"UnderMoney", u"YDMoney", u"GDMoney", u"MSGSENDTIME", u"BANKTRANNO"};
+
+constexpr Columns<9> kDeleted{u"DDate", u"Document", u"JunNo",     u"UserID",   u"GCode",
+                              u"GName", u"Total",    u"DeletedBy", u"DeletedAt"};
 
 // The working tables hold one slip while it is edited: MTM's first 15 and YTM's first 13 columns.
 constexpr std::array kTables{
@@ -74,6 +77,7 @@ constexpr std::array kTables{
     Table{u"MASTERLOAD", kMasterLoad, false},
     Table{u"PRINTLOG", kPrintLog, false},
     Table{u"PAYJOURNAL", kPayJournal, false},
+    Table{u"DELETED", kDeleted, false},
 };
 
 constexpr std::array kIndexes{
@@ -102,6 +106,7 @@ constexpr std::array kIndexes{
     Index{u"PAYJOURNAL_STATE", u"PAYJOURNAL", u"State"},
     Index{u"PAYJOURNAL_SLIP", u"PAYJOURNAL", u"DDate, JunNo, UserID"},
     Index{u"PAYJOURNAL_TRANSACTION", u"PAYJOURNAL", u"BANKTRANNO"},
+    Index{u"DELETED_DAY", u"DELETED", u"DDate"},
 };
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "books/CollectionSlip.h"
+#include "books/Deletions.h"
 #include "books/PaymentJournal.h"
 #include "books/PrintLog.h"
 #include "books/ReusedNumber.h"
@@ -69,6 +70,11 @@ SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo
     const platform::Rows lines = db::selectRows(kWorkingLines(), kWorkingColumns);
     if (!lines.isComplete) return SaveOutcome::Failed;
     if (isOthers(lines, userId, workDate, junNo)) return SaveOutcome::Taken;
+    // A slip that is saved without lines is gone.
+    if (lines.isEmpty() &&
+        !books::noteDeletion(transaction, books::Paper::Invoice, workDate, junNo, userId, userId)) {
+        return SaveOutcome::Failed;
+    }
     if (!transaction.run(kDeleteOwn(workDate, junNo, userId))) return SaveOutcome::Failed;
     const QString savedAt = platform::clock::now().toString(u"HH:mm"_s);
     for (int row = 0; row < lines.count(); ++row) {
@@ -113,16 +119,20 @@ SlipList slipsOfDay(QStringView userId, QStringView workDate) {
     return list;
 }
 
-bool deleteSlip(QStringView workDate, QStringView junNo, bool alsoFollowers) {
+bool deleteSlip(QStringView workDate, QStringView junNo, bool alsoFollowers, QStringView deletedBy) {
     db::Transaction transaction;
-    if (!transaction.run(kDeleteSales(junNo, workDate)) ||
+    const auto note = [&](books::Paper slip) {
+        return books::noteDeletion(transaction, slip, workDate, junNo, {}, deletedBy);
+    };
+    if (!note(books::Paper::Invoice) || !transaction.run(kDeleteSales(junNo, workDate)) ||
         !books::forgetPrints(transaction, books::Paper::Invoice, workDate, junNo)) {
         return false;
     }
     const bool areFollowersGone =
-        !alsoFollowers || (books::removeCollections(transaction, workDate, junNo) &&
-                           transaction.run(kDeleteContainers(junNo, workDate)) &&
-                           books::forgetPrints(transaction, books::Paper::ContainerReceipt, workDate, junNo));
+        !alsoFollowers ||
+        (books::removeCollections(transaction, workDate, junNo, deletedBy) &&
+         note(books::Paper::ContainerReceipt) && transaction.run(kDeleteContainers(junNo, workDate)) &&
+         books::forgetPrints(transaction, books::Paper::ContainerReceipt, workDate, junNo));
     return areFollowersGone && transaction.commit();
 }
 

@@ -33,9 +33,9 @@ struct SlipList {
 
 SlipList slipsOfDay(QStringView userId, QStringView workDate);
 
-/// Deletes the sales slip of that number and date, whoever wrote it, and with `alsoFollowers` the collection
-/// and container slips that carry the same number and date, taking the customers' receivables back. All of it
-/// or, when the database does not take the change, nothing: false.
-bool deleteSlip(QStringView workDate, QStringView junNo, bool alsoFollowers);
+/// Deletes the sales slip of that number and date, whoever wrote it, notes that `deletedBy` did, and with
+/// `alsoFollowers` the collection and container slips that carry the same number and date, taking the
+/// customers' receivables back. All of it or, when the database does not take the change, nothing: false.
+bool deleteSlip(QStringView workDate, QStringView junNo, bool alsoFollowers, QStringView deletedBy);
 
 }  // namespace sales

@@ -42,6 +42,7 @@ struct Difference {
     Kind kind;
     QString number;                             ///< Transaction number.
     std::optional<books::CollectionSlip> slip;  ///< The terminal's; nothing when it has none.
+    std::optional<books::CollectionSlip> sent;  ///< What was sent, by the journal, where no slip shows it.
     std::optional<HostPayment> payment;         ///< The host's; nothing when it has none.
 };
 
@@ -50,15 +51,22 @@ struct Reconciliation {
     platform::Won sum;
     HostDay host;
     QList<Difference> differences;  ///< By transaction number; none without the host's list.
+    std::int64_t openPayments = 0;  ///< Sent on the day, and it is open whether they were charged.
+    /// Approvals of one customer with one amount, which may be one payment made twice; no differences.
+    QList<books::CollectionSlip> repeated;
 
-    /// True when number and sum are the same, and every payment where the host has listed them.
+    /// True when nothing differs: number and sum are the same, and every payment where the host has listed
+    /// them, and none is open.
     bool isAgreed() const;
+    /// True when every payment was compared, not their number and sum alone.
+    bool isWhole() const { return host.payments && host.isWhole; }
 };
 
 /// Sets the host's day against the terminal's slips, whoever wrote them: those by card whose request was sent
 /// on that day. A payment of the host's list whose slip the terminal counts to a neighbouring day is no
-/// difference; of the host's own neighbouring days nothing is known. Nothing when the slips could not be
-/// read.
+/// difference; of the host's own neighbouring days nothing is known. What the journal knows to be approved on
+/// that day and no slip shows is missing where the host has it or not. Nothing when the slips or the journal
+/// could not be read.
 std::optional<Reconciliation> reconcile(const QDate& day, const HostDay& host);
 
 /// The result as a report: both counts and sums, then every difference.

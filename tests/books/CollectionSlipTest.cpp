@@ -179,7 +179,7 @@ TEST_F(Collections, StayAsTheyWereWhenAnyPartFails) {
         expectUntouched(qPrintable(when));
         if (when != u"INSERT ON MTMOK") {
             EXPECT_FALSE(books::removeCollection(kDate, kNumber, kUser));
-            EXPECT_FALSE(books::removeCollections(kDate, kNumber));
+            EXPECT_FALSE(books::removeCollections(kDate, kNumber, kUser));
             expectUntouched(qPrintable(when));
         }
         device_.execute(u"DROP TRIGGER broken"_s);
@@ -275,7 +275,7 @@ TEST_F(Collections, KeepEverySimplePayment) {
     ASSERT_TRUE(approve(paid, u"T2", u"143100"_s));
     EXPECT_FALSE(books::saveCollection(paid));
     EXPECT_TRUE(books::findByTransactionNumber(u"T1") && books::findByTransactionNumber(u"T2"));
-    EXPECT_TRUE(books::removeCollections(kDate, u"7001"));
+    EXPECT_TRUE(books::removeCollections(kDate, u"7001", kUser));
     EXPECT_EQ(receivable(), u"350000"_s);
 }
 

@@ -115,7 +115,7 @@ TEST(ContainerSlip, TakesItsCreditAlong) {
                 "WonMoney,MisuInMoney) VALUES ('2026-11-21','0001','6001','A','매출',8000,%1)"_s.arg(
                     collection));
             device.execute(u"UPDATE MTMOK SET InMoney = CardMoney + WonMoney"_s);
-            EXPECT_TRUE(isDeleted ? container::deleteSlip(u"2026-11-21", u"6001") == Won(8000)
+            EXPECT_TRUE(isDeleted ? container::deleteSlip(u"2026-11-21", u"6001", u"A") == Won(8000)
                                   : container::saveSlip(u"A", u"2026-11-21", u"6001", u"0001") ==
                                         container::SaveOutcome::Empty);
             EXPECT_EQ(device.value(u"SELECT CJMONEY || coalesce('/' || WonMoney || '/' || MisuInMoney || '/' "

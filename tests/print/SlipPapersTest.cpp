@@ -115,7 +115,7 @@ TEST_F(SlipPapers, AreReprintsUntilTheirSlipChanges) {
     EXPECT_FALSE(reprints().contains(u"거래명세서"_s));
     printAll(Copy::Seller);
     print::SlipPapers(kDate, u"5001", u"B").print(books::kPapers, Copy::Seller);
-    ASSERT_TRUE(sales::deleteSlip(kDate, u"5001", true));
+    ASSERT_TRUE(sales::deleteSlip(kDate, u"5001", true, u"A"));
     EXPECT_EQ(device_.value(u"SELECT COUNT(*) FROM PRINTLOG"_s), u"0"_s)
         << "the other user's go with the slip";
     platform::termdev::resetRoll();
@@ -138,7 +138,7 @@ TEST_F(SlipPapers, PrintWithoutTheTableOfAnOlderTerminal) {
     auto collection = *books::loadCollection(kDate, u"5001", u"A");
     collection.WonMoney += platform::Won(1);
     EXPECT_TRUE(books::saveCollection(collection));
-    EXPECT_TRUE(sales::deleteSlip(kDate, u"5001", true));
+    EXPECT_TRUE(sales::deleteSlip(kDate, u"5001", true, u"A"));
     EXPECT_EQ(states(), QString());
 }
 

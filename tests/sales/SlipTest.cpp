@@ -195,10 +195,10 @@ TEST_F(SlipTest, DeletesEverythingOfASlipOrNothing) {
             u"' ' || CJMONEY FROM GARAE"_s);
     };
     device.execute(u"CREATE TRIGGER broken BEFORE DELETE ON YTM BEGIN SELECT RAISE(ROLLBACK, 'disk'); END"_s);
-    EXPECT_FALSE(deleteSlip(kToday, kNumber, true));
+    EXPECT_FALSE(deleteSlip(kToday, kNumber, true, u"A"));
     EXPECT_EQ(left(), u"222 1000"_s);
     device.execute(u"DROP TRIGGER broken"_s);
-    EXPECT_TRUE(deleteSlip(kToday, kNumber, true));
+    EXPECT_TRUE(deleteSlip(kToday, kNumber, true, u"A"));
     EXPECT_EQ(left(), u"000 750"_s) << "whoever wrote it, and the debt comes back";
 }
 

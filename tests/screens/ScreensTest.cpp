@@ -80,6 +80,7 @@ constexpr Case kCases[] = {
     {"collection", 450},
     {"totals", 457},
     {"open payment", 459},
+    {"check of the visits", 460},
 };
 
 class Screens : public testing::Test {
@@ -128,6 +129,7 @@ class Screens : public testing::Test {
         session.action.GCode = u"0001"_s;
         session.action.GName = kLongName.toString();
         session.action.JunNo = u"5001"_s;
+        session.action.CheckedDays = {kDay.toString()};
         if (screen.dialog == 144) session.action.SeekValue = u"ㅈ"_s;
         sales::reloadSlip(session.UserID, session.WorkDate, session.action.JunNo);
         books::resetTransactionRecord();

@@ -59,10 +59,10 @@ struct Change {
 
 const Change kChanges[] = {
     {"save a slip", [] { return sales::saveSlip(kUser, kDate, kNumber) == sales::SaveOutcome::Saved; }},
-    {"delete a slip and what hangs on it", [] { return sales::deleteSlip(kDate, kNumber, true); }},
+    {"delete a slip and what hangs on it", [] { return sales::deleteSlip(kDate, kNumber, true, kUser); }},
     {"save a container slip",
      [] { return container::saveSlip(kUser, kDate, kNumber, u"0016") == container::SaveOutcome::Saved; }},
-    {"delete a container slip", [] { return container::deleteSlip(kDate, kNumber).has_value(); }},
+    {"delete a container slip", [] { return container::deleteSlip(kDate, kNumber, kUser).has_value(); }},
     {"save a collection", [] { return books::saveCollection(collection(100000)); }},
     {"delete a collection", [] { return books::removeCollection(kDate, kNumber, kUser); }},
     {"note a payment",

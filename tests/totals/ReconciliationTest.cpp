@@ -73,4 +73,45 @@ TEST(Reconciliation, NamesEveryDifference) {
     }
 }
 
+TEST(Reconciliation, KnowsFromTheJournalWhatNoSlipShows) {
+    const auto reconciled = [](const QString& journal, const QString& list) {
+        test::TestDevice device;
+        device.insert(u"MTMOK", {{u"GCode", u"7"},
+                                 {u"CardMoney", u"900"},
+                                 {u"MSGSENDTIME", u"20261121120000"},
+                                 {u"BANKTRANNO", u"000000000001"}});
+        for (const QString& line : journal.split(u' ')) {
+            const QStringList parts = line.split(u'/');
+            device.insert(u"PAYJOURNAL", {{u"State", parts[0]},
+                                          {u"Kind", u"card"},
+                                          {u"Charged", u"900"},
+                                          {u"GCode", u"7"},
+                                          {u"GName", u"일곱"},
+                                          {u"MSGSENDTIME", parts[1] + u"120000"_s},
+                                          {u"BANKTRANNO", parts[2]}});
+        }
+        print::HostSummary summary;
+        summary.transferCount = QString::number(list.count(u'\n'));
+        summary.transaction = QString::number(900 * list.count(u'\n'));
+        const QDate day(2026, 11, 21);
+        const auto result =
+            totals::reconcile(day, totals::readHostDay(summary, QString::number(list.count(u'\n')), list));
+        QString text =
+            describe(*result) + u" open %1 alike %2"_s.arg(result->openPayments).arg(result->repeated.size());
+        for (const Difference& each : result->differences)
+            text += each.sent ? u' ' + each.sent->GName : QString();
+        return text;
+    };
+    const QString one = u"000000000001 090000 900\n"_s;
+    const QString two = u"000000000002 091000 900\n"_s;
+    EXPECT_EQ(reconciled(u"approved/20261121/000000000001"_s, one), u"same 1 900 open 0 alike 0"_s);
+    EXPECT_EQ(reconciled(u"approved/20261121/000000000002"_s, one + two),
+              u"other 1 900, +02 host 900 open 0 alike 2 일곱"_s);
+    EXPECT_EQ(reconciled(u"approved/20261121/000000000002"_s, one),
+              u"other 1 900, -02 open 0 alike 2 일곱"_s);
+    EXPECT_EQ(reconciled(u"approved/20261120/000000000002 refused/20261121/"_s, one),
+              u"same 1 900 open 0 alike 0"_s);
+    EXPECT_EQ(reconciled(u"unknown/20261121/"_s, one), u"other 1 900 open 1 alike 0"_s);
+}
+
 }  // namespace

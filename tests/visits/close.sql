@@ -1,14 +1,15 @@
--- The colleague's day and yesterday are none of this salesman's close.
-INSERT INTO MTM (DDate, GCode, JunNo, WorkGubun, PCode, Box, Bon, UserID, DTime)
-VALUES ('2026-11-21', '0001', '5001', '발행', '1001', '90', '90', 'B', '09:05'),
-       ('2026-11-20', '0001', '5001', '발행', '1001', '90', '90', 'A', '09:05'),
-       ('2026-11-21', '0001', '5002', '결제', '1001', '3', '12', 'A', '09:05'),
-       ('2026-11-21', '0001', '5003', '미발행', '1001', '2', '0', 'A', '09:05'),
-       -- Nothing is collected for this one; nobody has delivered the office's four orders.
-       ('2026-11-21', '0007', '5007', '미발행', '1001', '1', '4', 'A', '09:05');
-INSERT INTO YTM (DDate, GCode, JunNo, PCode, FBox, NBox, Bon, UserID)
-VALUES ('2026-11-21', '0001', '5003', '1001', '1', '2', '7', 'A'),
-       ('2026-11-21', '0001', '5004', '1001', '90', '90', '90', 'B');
+-- The colleague's day is none of this salesman's close, and yesterday was not closed.
+INSERT INTO MTM (DDate, GCode, GName, JunNo, WorkGubun, PCode, Box, Bon, MMoney, YMoney, UserID, DTime)
+VALUES ('2026-11-21', '0001', '가', '5001', '발행', '1001', '90', '90', '999', '0', 'B', '09:00'),
+       ('2026-11-20', '0001', '가', '5001', '발행', '1001', '90', '90', '22000', '0', 'A', '09:00'),
+       ('2026-11-21', '0001', '가', '5002', '결제', '1001', '3', '12', '120000', '10500', 'A', '09:00'),
+       ('2026-11-21', '0002', '나', '5003', '미발행', '1001', '2', '0', '80000', '7000', 'A', '09:00'),
+       ('2026-11-21', '0004', '라', '5005', '미발행', '1001', '1', '0', '40000', '0', 'A', '09:00'),
+       ('2026-11-21', '0005', '마', '5006', '미발행', '1001', '1', '0', '30000', '5000', 'A', '09:00'),
+       ('2026-11-21', '0006', '바', '5007', '미발행', '1001', '1', '0', '11000', '0', 'A', '09:00');
+INSERT INTO YTM (DDate, GCode, GName, JunNo, PCode, FBox, NBox, Bon, YMONEY, UserID)
+VALUES ('2026-11-21', '0007', '사', '6001', '1001', '1', '2', '7', '3000', 'A'),
+       ('2026-11-21', '0001', '가', '5004', '1001', '90', '90', '90', '0', 'B');
 INSERT INTO MTMOK (DDate, Gubun, GCode, GName, JunNo, UserID, MMoney, YGMoney, WonMoney, CardMoney, MisuInMoney, UnderMoney, YDMoney, BANKTRANNO)
 VALUES ('2026-11-21', '매출', '0001', '가', '5001', 'B', '999', '0', '999', '0', '0', '0', '0', NULL),
        -- By card, and an old debt in cash; on credit; a recovery above the total, settled by a button; the

@@ -8,10 +8,13 @@
 #include <QStringBuilder>
 #include <functional>
 
+#include "books/VisitChecks.h"
 #include "db/MasterImport.h"
 #include "db/Schema.h"
+#include "platform/Clock.h"
 #include "platform/Device.h"
 #include "platform/Settings.h"
+#include "platform/adoce/DatabaseFile.h"
 #include "platform/message/SavedValues.h"
 #include "rovanactl/Command.h"
 #include "rovanactl/DatabaseCheck.h"
@@ -259,6 +262,30 @@ void checkImportFiles(Findings& findings) {
     }
 }
 
+/// The visits of the days that are not closed, and of today, whose slips do not agree. A person settles them
+/// on the terminal: the database is as it should be.
+void checkVisits(Findings& findings) {
+    const QString today = platform::clock::now().toString(u"yyyy-MM-dd"_s);
+    QStringList days = books::unclosedDays({}, today);
+    days << today;
+    for (const QString& day : std::as_const(days)) {
+        const auto visits = books::visitsOfDay(day, {});
+        if (!visits) continue;
+        for (const books::CheckedVisit& checked : books::checkVisits(*visits)) {
+            const books::Visit& visit = checked.visit;
+            for (const books::VisitDifference& difference : checked.differences) {
+                const QString detail = books::detailOf(difference);
+                findings.note(u"visit %1 %2 %3 %4: %5 %6%7"_s.arg(
+                    day, visit.userId, visit.junNo, visit.gName, books::reasonOf(difference.kind),
+                    platform::groupThousands(difference.amount),
+                    detail.isEmpty() ? QString() : u" (%1)"_s.arg(detail)));
+            }
+        }
+    }
+    // A repair asks whether anybody has the database open.
+    platform::adoce::DatabaseFile::forgetAll();
+}
+
 /// An index can be made anew from its table; a damaged table cannot. The database as it was stays beside.
 QString rebuildIndexes(SqliteFile& database, const QString& path, Findings& findings) {
     const CopyResult kept = keepBeside(database, path);
@@ -352,9 +379,13 @@ Outcome check(const Invocation& call) {
     }
     checkFolders(findings);
     checkDeviceSettings(findings);
+    const int before = findings.count();
     checkDatabase(findings);
+    const bool isSound = findings.count() == before;
     checkCardHost(findings);
     checkImportFiles(findings);
+    // Where the database is not sound, its rows tell nothing.
+    if (isSound) checkVisits(findings);
     if (findings.count() > 0) {
         return failure(u"%1 found wrong in %2"_s.arg(findings.count()).arg(platform::device::folder()));
     }
@@ -370,7 +401,10 @@ constinit const Command kCheckCommand{
     u"looks for damage to the database and the device folder",
     u"Prints what is wrong and how to mend it, and exits with 1 when anything is. Changes nothing without\n"
     u"--repair, which rebuilds indexes, makes missing tables, indexes and folders, takes rights back and\n"
-    u"removes the rows of a slip that a terminal was writing when it died. It needs the terminal closed.",
+    u"removes the rows of a slip that a terminal was writing when it died. It needs the terminal closed.\n"
+    u"Visits of today and of days of the last week without a close whose slips and payments do not agree "
+    u"are\n"
+    u"noted with number, customer, reason and amount.",
     0,
     0,
     addCheckOptions,

@@ -81,8 +81,9 @@ void CCollectionListDlg::deleteChosen() {
     }
     if (!app::mayDeletePayments()) return;
     // No word about one that could not be deleted: the list still shows it.
-    if (app::mayDelete(app::session().WorkDate, app::session().action.JunNo, {}))
-        books::removeCollections(app::session().WorkDate, app::session().action.JunNo);
+    const app::SessionValues& session = app::session();
+    if (app::mayDelete(session.WorkDate, session.action.JunNo, {}))
+        books::removeCollections(session.WorkDate, session.action.JunNo, session.UserID);
     fill();
 }
 

@@ -84,7 +84,7 @@ void CContainerListDlg::deleteChosen() {
         return;
     }
     if (!app::mayDelete(session.WorkDate, session.action.JunNo, {})) return fill();
-    const auto takenBack = deleteSlip(session.WorkDate, session.action.JunNo);
+    const auto takenBack = deleteSlip(session.WorkDate, session.action.JunNo, session.UserID);
     // No word about one that could not be deleted: the list still shows it. The credit for the containers
     // goes with their slip.
     if (takenBack && !takenBack->isZero()) {

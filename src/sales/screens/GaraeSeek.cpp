@@ -128,7 +128,7 @@ void CGaraeSeek::deleteChosen() {
     if (!app::mayDelete(session.WorkDate, session.action.JunNo, {})) return fill();
     // A paid slip that was saved again is unprinted, but its card payment stands all the same.
     const bool alsoFollowers = app::mayDeletePayments(session.action.SlipState == kPaid);
-    const bool isDeleted = deleteSlip(session.WorkDate, session.action.JunNo, alsoFollowers);
+    const bool isDeleted = deleteSlip(session.WorkDate, session.action.JunNo, alsoFollowers, session.UserID);
     ui::message(!isDeleted ? u"주문전표를 삭제하지 못했습니다..!"_s
                            : u"선택된 주문전표와 입금표 / 인수증을 삭제하였습니다..!"_s);
     fill();

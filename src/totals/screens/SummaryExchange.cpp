@@ -39,12 +39,12 @@ SummaryExchange::SummaryExchange(QWidget* screen, QPlainTextEdit* box)
     connect(&log_, &van::ExchangeLog::ended, this, &SummaryExchange::ended);
 }
 
-void SummaryExchange::request(const QString& opening) {
+void SummaryExchange::request(const QString& opening, const QDate& day) {
     if (log_.isExchanging()) return;
     log_.begin();
     log_.set(opening);
     summary_ = {};
-    log_.append(van::sendRequest(component_, van::RequestKind::Summary, books::transactionRecord()));
+    log_.append(van::sendRequest(component_, van::RequestKind::Summary, books::transactionRecord(), {}, day));
 }
 
 HostDay SummaryExchange::hostDay() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDate>
 #include <QObject>
 #include <QString>
 
@@ -19,8 +20,9 @@ class SummaryExchange : public QObject {
     /// `box` is the screen's status box.
     SummaryExchange(QWidget* screen, QPlainTextEdit* box);
 
-    /// Sends the request; the log begins with `opening`. Nothing while one is under way.
-    void request(const QString& opening);
+    /// Sends the request for that day, without one the clock's; the log begins with `opening`. Nothing while
+    /// one is under way.
+    void request(const QString& opening, const QDate& day);
     bool isExchanging() const { return log_.isExchanging(); }
 
     /// The answer; empty texts until one has come.

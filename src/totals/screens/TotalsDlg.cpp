@@ -9,10 +9,10 @@
 #include "app/Session.h"
 #include "books/PaymentJournal.h"
 #include "db/Health.h"
-#include "platform/Clock.h"
 #include "print/PrintJob.h"
 #include "totals/DailyReports.h"
 #include "totals/DayClose.h"
+#include "totals/VisitReport.h"
 #include "totals/screens/ReportDlg.h"
 #include "ui/Messages.h"
 #include "ui/Terminal.h"
@@ -52,23 +52,22 @@ void showDailyReport(const DailyReport& daily) {
 CTotalsDlg::CTotalsDlg() : Screen(app::dialogs::kTotals) {
     addLabel(0, u"영업/HOST집계"_s, {4, 4, 232, 26}, ui::FontHeight::Title, Qt::AlignCenter);
     addLabel(kWhoLabel, {}, {4, 30, 232, 22}, ui::FontHeight::Small, Qt::AlignCenter);
-    setFittedText(
-        kWhoLabel,
-        app::session().UserID + u' ' + app::session().UserField2 + u"  "_s + app::session().WorkDate,
-        ui::FontHeight::Small);
+    showChanges();
     for (const DailyReport& report : dailyReports()) {
         addWork(report.button, report.caption.toString(), [&report] { showDailyReport(report); });
     }
     addWork(kSummaryButton, u"HOST집계"_s,
-            [this] { ask(u"HOST집계요청 중입니다.."_s, [this] { printSummary(); }); });
+            [this] { ask(u"HOST집계요청 중입니다.."_s, {}, [this] { printSummary(); }); });
     addWork(kReconcileButton, u"대사"_s, [this] {
         // A payment whose outcome is open would be a difference that is none.
         settlePayments();
-        ask(u"HOST대사요청 중입니다.."_s, [this, day = platform::clock::now().date()] { reconcile(day); });
+        const QDate day = QDate::fromString(app::session().WorkDate, u"yyyy-MM-dd"_s);
+        ask(u"HOST대사요청 중입니다.."_s, day, [this, day] { reconcile(day); });
     });
     addWork(kCloseButton, u"일마감"_s, [this] {
         settlePayments();
         closeDay();
+        showChanges();
     });
     exchange_.emplace(this, place(1146, new QPlainTextEdit(this), {2, 202, 236, 78}));
     connect(&*exchange_, &SummaryExchange::ended, this, [this] { exchangeEnded(); });
@@ -86,14 +85,14 @@ void CTotalsDlg::enableButtons(bool areEnabled) {
     for (ui::BitmapButton* button : buttons_) button->setEnabled(areEnabled);
 }
 
-void CTotalsDlg::ask(const QString& opening, std::function<void()> answered) {
+void CTotalsDlg::ask(const QString& opening, const QDate& day, std::function<void()> answered) {
     answered_ = std::move(answered);
     // The hidden button would hand the focus to another one.
     setFocus();
     control(kSummaryButton)->hide();
     enableButtons(false);
     repaint();
-    exchange_->request(opening);
+    exchange_->request(opening, day);
 }
 
 void CTotalsDlg::exchangeEnded() {
@@ -126,15 +125,38 @@ void CTotalsDlg::reconcile(const QDate& day) {
     }
 }
 
+void CTotalsDlg::checkVisits() {
+    app::SessionValues& session = app::session();
+    std::optional<VisitCheck> check;
+    {
+        const ui::WaitCursor cursor;
+        check = checkDays({session.WorkDate}, session.UserID);
+    }
+    if (!check) {
+        ui::message(kUnread.toString());
+    } else if (!check->isEmpty()) {
+        session.action.CheckedDays = {session.WorkDate};
+        ui::runScreen(app::dialogs::kVisitCheck);
+    }
+}
+
 void CTotalsDlg::closeDay() {
     const app::SessionValues& session = app::session();
     const auto before = closesOfDay(session.WorkDate, session.UserID);
-    if (before && !before->isEmpty() &&
-        !ui::confirm(u"이미 마감하였습니다. 다시 마감할까요?"_s, u"일마감"_s)) {
-        showReport(dayCloseReport(session.WorkDate, *before));
-        return;
+    if (before && !before->isEmpty()) {
+        const auto changes = changesAfterClose(session.WorkDate, *before);
+        const QString question =
+            changes && !changes->isEmpty()
+                ? u"마감 후 변경이 %1건 있습니다. %2차 마감할까요?"_s.arg(changes->size())
+                      .arg(before->size() + 1)
+                : u"이미 마감하였습니다. 다시 마감할까요?"_s;
+        if (!ui::confirm(question, u"일마감"_s)) {
+            showClose(*before);
+            return;
+        }
     }
-    // Asked before anything is shown that the count could be made to fit.
+    checkVisits();
+    // Asked before any figure is shown that the count could be made to fit.
     if (!app::askNumber(u"현금시재"_s)) return;
     const platform::Won counted = platform::parseWon(app::keypadRequest().KeypadValue1);
     if (counted < platform::Won()) {
@@ -147,10 +169,30 @@ void CTotalsDlg::closeDay() {
         closes = totals::closeDay(session.WorkDate, session.UserID, counted);
     }
     if (closes) {
-        showReport(dayCloseReport(session.WorkDate, *closes));
+        showClose(*closes);
     } else {
         ui::message(db::needsUpgrade() ? db::kUpgradeAdvice.toString() : u"마감을 저장하지 못했습니다..!"_s);
     }
+}
+
+void CTotalsDlg::showClose(const QList<DayClose>& closes) {
+    const app::SessionValues& session = app::session();
+    const auto changes = changesAfterClose(session.WorkDate, closes);
+    if (!changes) {
+        ui::message(kUnread.toString());
+        return;
+    }
+    showReport({dayCloseReport(session.WorkDate, closes, *changes), !closes.last().printedAt.isEmpty(),
+                [&] { noteStripPrinted(session.WorkDate, session.UserID); }});
+}
+
+void CTotalsDlg::showChanges() {
+    const app::SessionValues& session = app::session();
+    const auto closes = closesOfDay(session.WorkDate, session.UserID).value_or(QList<DayClose>());
+    const auto changes = changesAfterClose(session.WorkDate, closes).value_or(QList<Row>());
+    QString who = session.UserID + u' ' + session.UserField2 + u"  "_s + session.WorkDate;
+    if (!changes.isEmpty()) who += u"  마감 후 변경 %1건"_s.arg(changes.size());
+    setFittedText(kWhoLabel, who, ui::FontHeight::Small);
 }
 
 }  // namespace totals

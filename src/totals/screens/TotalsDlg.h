@@ -6,6 +6,7 @@
 #include <functional>
 #include <optional>
 
+#include "totals/DayClose.h"
 #include "totals/screens/SummaryExchange.h"
 #include "ui/Screen.h"
 
@@ -22,14 +23,19 @@ class CTotalsDlg : public ui::Screen {
   private:
     /// Puts a button on the next free place, two beside each other.
     void addWork(int controlId, const QString& caption, std::function<void()> work);
-    /// Asks the card host for its day; `answered` runs when it has answered well.
-    void ask(const QString& opening, std::function<void()> answered);
+    /// Asks the card host for that day, today without one; `answered` runs when it has answered well.
+    void ask(const QString& opening, const QDate& day, std::function<void()> answered);
     /// During an exchange no button can be pressed.
     void enableButtons(bool areEnabled);
     void exchangeEnded();
     void printSummary();
     void reconcile(const QDate& day);
+    /// Shows the visits of the day that do not agree; nothing where all do.
+    void checkVisits();
     void closeDay();
+    void showClose(const QList<DayClose>& closes);
+    /// Says beside the user and the date whether the day has changed since its close.
+    void showChanges();
 
     std::optional<SummaryExchange> exchange_;
     std::function<void()> answered_;

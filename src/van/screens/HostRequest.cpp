@@ -95,7 +95,8 @@ QString requestPayment(CKsnet_msg_lib& component, RequestKind kind, const books:
     return failureText(Call::Payment, kind, status);
 }
 
-QString request(CKsnet_msg_lib& component, RequestKind kind, const books::TransactionRecord& record) {
+QString request(CKsnet_msg_lib& component, RequestKind kind, const books::TransactionRecord& record,
+                const QDate& day) {
     const QDateTime now = platform::clock::now();
     const QString time = now.toString(u"hhmmss"_s);
     switch (kind) {
@@ -109,8 +110,9 @@ QString request(CKsnet_msg_lib& component, RequestKind kind, const books::Transa
         case RequestKind::PreviousTransaction:
             return failureText(Call::PreviousTransaction, kind, component.setPreTradeRep());
         case RequestKind::Summary:
-            return failureText(Call::Summary, kind,
-                               component.setSummaryReq(time, now.toString(u"yyyyMMdd"_s)));
+            return failureText(
+                Call::Summary, kind,
+                component.setSummaryReq(time, (day.isValid() ? day : now.date()).toString(u"yyyyMMdd"_s)));
     }
     return {};
 }
@@ -145,7 +147,7 @@ QString hostAddress(QStringView savedDigits) {
 }
 
 QString sendRequest(CKsnet_msg_lib& component, RequestKind kind, const books::TransactionRecord& record,
-                    const std::function<bool(const QString& number)>& mayLeave) {
+                    const std::function<bool(const QString& number)>& mayLeave, const QDate& day) {
     QString failures;
     const QString address = hostAddress(savedValue(component, u"221", kind, &failures));
     const std::int64_t savedPort = parseInteger(savedValue(component, u"222", kind, &failures));
@@ -156,7 +158,7 @@ QString sendRequest(CKsnet_msg_lib& component, RequestKind kind, const books::Tr
     failures += failureText(
         Call::Header, kind,
         component.HeaderReq(u"JB", u"84", u"00", u"1234567890", u"    ", u"0200", messageKind(kind)));
-    failures += request(component, kind, record);
+    failures += request(component, kind, record, day);
     // A payment that could not be sealed cannot leave; its exchange is tried all the same.
     const auto number = component.component().paymentNumber();
     if (mayLeave && number && !mayLeave(platform::message::toText(*number))) return failures;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDate>
 #include <QString>
 #include <QStringView>
 #include <functional>
@@ -16,9 +17,9 @@ enum class RequestKind { CardPayment, CashPayment, Balance, PreviousTransaction,
 /// request, exchange. A call that fails does not stop the ones after it. Returns the texts of the failures,
 /// in order, for the status log; empty when all went well. Payment and balance take the card and the amounts
 /// from `record`. `mayLeave` is asked with the message number before a sealed payment leaves; when it says
-/// no, the exchange is not started.
+/// no, the exchange is not started. A summary is asked for of `day`, without one of the clock's.
 QString sendRequest(CKsnet_msg_lib& component, RequestKind kind, const books::TransactionRecord& record,
-                    const std::function<bool(const QString& number)>& mayLeave = {});
+                    const std::function<bool(const QString& number)>& mayLeave = {}, const QDate& day = {});
 
 /// Asks what became of the payment with that message number, as a previous-transaction request. Result as for
 /// sendRequest.

@@ -386,13 +386,13 @@ std::string Terminal::listTap(const Action& action) {
             break;
         case DeleteCollection: {
             Event deleted = event(Event::Kind::CollectionDeleted);
-            deleted.isRefused = !books::removeCollections(date_, number_);
+            deleted.isRefused = !books::removeCollections(date_, number_, user_);
             tell(deleted);
             break;
         }
         default: {
             Event deleted = event(Event::Kind::EmptiesDeleted);
-            deleted.isRefused = !container::deleteSlip(date_, number_);
+            deleted.isRefused = !container::deleteSlip(date_, number_, user_);
             tell(deleted);
         }
     }
@@ -412,7 +412,7 @@ void Terminal::deleteSale(unsigned pick) {
     deleted.hasCardQuestion = state_ == sales::kPaid || (collection && collection->isApproved());
     deleted.isCardConfirmed = pick % 2 == 0;
     deleted.isRefused =
-        !sales::deleteSlip(date_, number_, !deleted.hasCardQuestion || deleted.isCardConfirmed);
+        !sales::deleteSlip(date_, number_, !deleted.hasCardQuestion || deleted.isCardConfirmed, user_);
     tell(deleted);
 }
 
