@@ -267,6 +267,7 @@ void ReportList::tap(QPoint place, bool isAgain) {
     // The second touch may meet another row than the first, or a list that was filled anew in between.
     if (isAgain && row == selectedRow()) return Q_EMIT rowDoubleClicked(row);
     choose(row, false);
+    Q_EMIT rowTapped(row);
 }
 
 void ReportList::choose(int row, bool isByKey) {

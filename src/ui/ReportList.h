@@ -68,6 +68,8 @@ class ReportList : public QTableView {
   Q_SIGNALS:
     /// A row was chosen by a tap or with keys.
     void rowClicked(int row);
+    /// The same, by a tap alone.
+    void rowTapped(int row);
     /// The chosen row was tapped once more, quickly.
     void rowDoubleClicked(int row);
     /// The list was tapped where no row is.

@@ -39,7 +39,7 @@ CVisitCheckDlg::CVisitCheckDlg()
 CVisitCheckDlg::CVisitCheckDlg(const QStringList& days, const VisitCheck& found)
     : CReportDlg(app::dialogs::kVisitCheck, found.report), days_(days), check_(found) {
     // Not when the arrow keys pass a row.
-    connect(list(), &QTableView::clicked, this, [this](const QModelIndex& index) { openRow(index.row()); });
+    connect(list(), &ui::ReportList::rowTapped, this, &CVisitCheckDlg::openRow);
     addBottomButton(1001, u"열  기"_s, 2, ui::bitmaps::kPay, [this] {
         if (list()->selectedRow() < 0) {
             ui::message(u"전표를 선택하세요!"_s);
