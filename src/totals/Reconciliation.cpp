@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/Digits.h"
 #include "totals/DailyReports.h"
 
 namespace totals {
@@ -10,15 +11,12 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 using books::CollectionSlip;
+using platform::areDigits;
 using platform::parseWon;
 using platform::Won;
 
 constexpr qsizetype kNumberLength = 12;
 constexpr qsizetype kTimeLength = 6;
-
-bool areDigits(QStringView text) {
-    return !text.isEmpty() && std::ranges::all_of(text, [](QChar c) { return c >= u'0' && c <= u'9'; });
-}
 
 std::optional<HostPayment> readPayment(QStringView line) {
     const QList<QStringView> parts = line.split(u' ');

@@ -8,6 +8,8 @@
 #include <optional>
 #include <utility>
 
+#include "platform/WholeFile.h"
+
 namespace pilot {
 namespace {
 
@@ -458,12 +460,12 @@ Script parseScript(const QString& text) {
 
 Script readScript(const QString& file) {
     Script script;
-    QFile input(file);
-    if (!input.open(QIODevice::ReadOnly)) {
-        script.errors << u"cannot be read: %1"_s.arg(input.errorString());
+    QString error;
+    if (const auto content = platform::readWholeFile(file, &error); !content) {
+        script.errors << u"cannot be read: %1"_s.arg(error);
     } else {
         QStringDecoder decoder(QStringDecoder::Utf8);
-        const QString text = decoder(input.readAll());
+        const QString text = decoder(*content);
         if (decoder.hasError()) {
             script.errors << u"is not in UTF-8"_s;
         } else {
