@@ -1,7 +1,5 @@
 #include "Folder.h"
 
-#include <sqlite3.h>
-
 #include <QDir>
 #include <QFile>
 #include <QStringList>
@@ -9,6 +7,7 @@
 
 #include "db/Schema.h"
 #include "platform/Device.h"
+#include "platform/Sqlite.h"
 #include "platform/adoce/DatabaseFile.h"
 
 namespace bench {
@@ -44,21 +43,8 @@ void Folder::emptyDatabase() const {
 
 void Folder::makeDatabase(const QString& path) {
     for (const QString& suffix : {u""_s, u"-wal"_s, u"-shm"_s}) QFile::remove(path + suffix);
-    QString script = u"PRAGMA journal_mode=WAL; BEGIN;"_s;
-    for (const db::schema::Table& table : db::schema::tables()) {
-        QStringList columns;
-        for (const QStringView column : table.columns) columns << column.toString() + u" TEXT"_s;
-        script += u"CREATE TABLE %1 (%2);"_s.arg(table.name, columns.join(u", "_s));
-    }
-    for (const db::schema::Index& index : db::schema::indexes()) {
-        script += u"CREATE INDEX %1 ON %2 (%3);"_s.arg(index.name, index.table, index.columns);
-    }
-    sqlite3* handle = nullptr;
-    const bool isMade = sqlite3_open(path.toUtf8().constData(), &handle) == SQLITE_OK &&
-                        sqlite3_exec(handle, (script + u"COMMIT;"_s).toUtf8().constData(), nullptr, nullptr,
-                                     nullptr) == SQLITE_OK;
-    sqlite3_close(handle);
-    if (!isMade) throw std::runtime_error("no empty database");
+    platform::SqliteFile file(path, platform::SqliteFile::Mode::Create);
+    file.run((u"PRAGMA journal_mode=WAL; BEGIN;"_s + db::schema::createStatements() + u"COMMIT"_s).toUtf8());
 }
 
 void writeFile(const QString& path, const QByteArray& content) {

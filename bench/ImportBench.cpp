@@ -1,8 +1,6 @@
 // Loading a file of contract prices beside the sqlite3 shell's .import of the same rows into the same table
 // and index of a fresh database, both with a write-ahead log and a sync at the commit.
 
-#include <sqlite3.h>
-
 #include <QProcess>
 #include <stdexcept>
 
@@ -10,6 +8,7 @@
 #include "Folder.h"
 #include "db/MasterImport.h"
 #include "platform/Device.h"
+#include "platform/Sqlite.h"
 #include "platform/adoce/DatabaseFile.h"
 
 namespace bench {
@@ -48,21 +47,12 @@ const db::ImportFile& contractPriceFile() {
 }
 
 /// A digest of what the table holds, so that both sides are known to have done the same.
-QByteArray tableContent(const QString& databaseFile) {
-    sqlite3* handle = nullptr;
-    sqlite3_stmt* statement = nullptr;
-    sqlite3_open_v2(databaseFile.toUtf8().constData(), &handle, SQLITE_OPEN_READWRITE, nullptr);
-    sqlite3_prepare_v2(handle,
-                       "SELECT count(*) || ' ' || sum(boxmoney + bonbmoney) || ' ' || sum(ysmoney) || ' ' || "
-                       "min(ysbonmoney) FROM GARAEDANGA",
-                       -1, &statement, nullptr);
-    QByteArray content;
-    if (sqlite3_step(statement) == SQLITE_ROW) {
-        content = reinterpret_cast<const char*>(sqlite3_column_text(statement, 0));
-    }
-    sqlite3_finalize(statement);
-    sqlite3_close(handle);
-    return content;
+QString tableContent(const QString& databaseFile) {
+    platform::SqliteFile file(databaseFile, platform::SqliteFile::Mode::Existing);
+    const auto rows = file.rows(
+        u"SELECT count(*) || ' ' || sum(boxmoney + bonbmoney) || ' ' || sum(ysmoney) || ' ' || "
+        "min(ysbonmoney) FROM GARAEDANGA"_s);
+    return rows ? rows->first().first() : QString();
 }
 
 double loadWithShell(const QString& databaseFile, const QString& rows) {

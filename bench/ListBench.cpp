@@ -1,8 +1,6 @@
 // The customer list of one consonant, from opening its screen to its first paint, beside a bare QTableView on
 // a minimal model that a bound statement fills with the same rows. One window of the terminal's size each.
 
-#include <sqlite3.h>
-
 #include <QAbstractTableModel>
 #include <QCoreApplication>
 #include <QEvent>
@@ -17,6 +15,7 @@
 #include "Screens.h"
 #include "app/Dialogs.h"
 #include "app/Session.h"
+#include "platform/Sqlite.h"
 #include "ui/Fonts.h"
 #include "ui/ReportList.h"
 #include "ui/Terminal.h"
@@ -31,73 +30,34 @@ constexpr int kCustomers = 50'000;
 constexpr QStringView kConsonant = u"ㄱ";
 constexpr QStringView kSalesman = u"A";
 
-/// An SQLite handle on the terminal's database.
-class Handle {
-  public:
-    explicit Handle(const QString& path) {
-        if (sqlite3_open_v2(path.toUtf8().constData(), &handle_, SQLITE_OPEN_READWRITE, nullptr) !=
-            SQLITE_OK) {
-            throw std::runtime_error("no database");
-        }
-    }
-    ~Handle() { sqlite3_close(handle_); }
-    Handle(const Handle&) = delete;
-    Handle& operator=(const Handle&) = delete;
-
-    operator sqlite3*() const { return handle_; }
-
-  private:
-    sqlite3* handle_ = nullptr;
-};
-
-void bind(sqlite3_stmt* statement, int place, QStringView text) {
-    const QByteArray bytes = text.toUtf8();
-    sqlite3_bind_text(statement, place, bytes.constData(), int(bytes.size()), SQLITE_TRANSIENT);
-}
-
-void addCustomers(sqlite3* handle) {
-    sqlite3_exec(handle, "BEGIN", nullptr, nullptr, nullptr);
-    sqlite3_stmt* insert = nullptr;
-    sqlite3_prepare_v2(
-        handle,
+void addCustomers(platform::SqliteFile& file) {
+    platform::SqliteTransaction transaction(file);
+    platform::SqliteStatement insert = file.statement(
         "INSERT INTO GARAE VALUES (?,?,'주점','2024-03-15','123-45-67890','12','','150000','0',"
-        "'서울시 종로구 관철동 12-3','일반','02-123-4567','',?,?,'')",
-        -1, &insert, nullptr);
+        "'서울시 종로구 관철동 12-3','일반','02-123-4567','',?,?,'')");
     for (int i = 0; i < kCustomers; ++i) {
-        bind(insert, 1, QString::number(i, 36).rightJustified(4, u'0'));
-        bind(insert, 2, u"가람상회 %1호점"_s.arg(i * 7919 % kCustomers));
-        bind(insert, 3, kConsonant);
-        bind(insert, 4, kSalesman);
-        sqlite3_step(insert);
-        sqlite3_reset(insert);
+        insert.bind(QString::number(i, 36).rightJustified(4, u'0'))
+            .bind(u"가람상회 %1호점"_s.arg(i * 7919 % kCustomers))
+            .bind(kConsonant.toString())
+            .bind(kSalesman.toString())
+            .step();
+        insert.rewind();
     }
-    sqlite3_finalize(insert);
-    if (sqlite3_exec(handle, "COMMIT", nullptr, nullptr, nullptr) != SQLITE_OK) {
-        throw std::runtime_error("no customers");
-    }
+    transaction.commit();
 }
 
 class MinimalModel : public QAbstractTableModel {
   public:
     static constexpr int kColumns = 3;
 
-    explicit MinimalModel(sqlite3* handle) {
-        sqlite3_stmt* select = nullptr;
-        sqlite3_prepare_v2(handle,
-                           "SELECT GCode, GName, EndDate FROM GARAE WHERE Seek = ? AND userID = ? "
-                           "ORDER BY GName DESC",
-                           -1, &select, nullptr);
-        bind(select, 1, kConsonant);
-        bind(select, 2, kSalesman);
-        while (sqlite3_step(select) == SQLITE_ROW) {
+    explicit MinimalModel(platform::SqliteFile& file) {
+        platform::SqliteStatement select = file.statement(
+            "SELECT GCode, GName, EndDate FROM GARAE WHERE Seek = ? AND userID = ? ORDER BY GName DESC");
+        select.bind(kConsonant.toString()).bind(kSalesman.toString());
+        while (select.step()) {
             auto& row = rows_.emplace_back();
-            for (int column = 0; column < kColumns; ++column) {
-                row[std::size_t(column)] =
-                    QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(select, column)),
-                                      sqlite3_column_bytes(select, column));
-            }
+            for (int column = 0; column < kColumns; ++column) row[std::size_t(column)] = select.text(column);
         }
-        sqlite3_finalize(select);
     }
 
     int rowCount(const QModelIndex& parent = {}) const override {
@@ -140,8 +100,8 @@ void checkRows(const QTableView& view) {
 
 Result measureList() {
     const Folder folder;
-    const Handle handle(folder.databaseFile());
-    addCustomers(handle);
+    platform::SqliteFile file(folder.databaseFile(), platform::SqliteFile::Mode::Existing);
+    addCustomers(file);
     ui::prepareFonts();
     ui::Terminal terminal;
     terminal.setVisible(true);
@@ -170,7 +130,7 @@ Result measureList() {
         std::unique_ptr<MinimalModel> model;
         std::unique_ptr<QTableView> view;
         const double time = millisecondsOf([&] {
-            model = std::make_unique<MinimalModel>(handle);
+            model = std::make_unique<MinimalModel>(file);
             view = std::make_unique<QTableView>(&window);
             view->setModel(model.get());
             view->setGeometry(window.rect());

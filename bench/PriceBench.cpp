@@ -4,13 +4,13 @@
 #include <sqlite3.h>
 
 #include <array>
-#include <memory>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "Bench.h"
 #include "Folder.h"
+#include "platform/Sqlite.h"
 #include "sales/Pricing.h"
 
 namespace bench {
@@ -39,42 +39,34 @@ char kindOf(PriceSource source) {
     return "KCMT"[int(source)];
 }
 
-/// Runs one statement, or throws.
-void run(sqlite3* handle, const std::string& sql) {
-    if (sqlite3_exec(handle, sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) {
-        throw std::runtime_error(sqlite3_errmsg(handle));
-    }
-}
-
-void fill(sqlite3* handle) {
-    run(handle, "BEGIN");
+void fill(platform::SqliteFile& file) {
+    platform::SqliteTransaction transaction(file);
+    const auto run = [&](const std::string& sql) { file.run(QByteArray::fromStdString(sql)); };
     for (int product = 0; product < kProducts; ++product) {
         std::string values = "'" + code('P', product) + "','Soju','','360',20";
         for (int column = 5; column < 23; ++column)
             values += ",'" + std::to_string(column * 100 + product) + "'";
-        run(handle,
-            "INSERT INTO PUMMOK VALUES (" + values + ",'0" + std::to_string(product % 5) + "','','','')");
+        run("INSERT INTO PUMMOK VALUES (" + values + ",'0" + std::to_string(product % 5) + "','','','')");
     }
     for (const PriceSource source : kSources) {
         for (int customer = 0; customer < kCustomersOfASource; ++customer) {
             const std::string gcode = code(kindOf(source), customer);
             const std::string margin = source == PriceSource::CustomerMargin ? "7" : "";
-            run(handle,
-                "INSERT INTO GARAE (GCODE,GNAME,MAJIN) VALUES ('" + gcode + "','Customer','" + margin + "')");
+            run("INSERT INTO GARAE (GCODE,GNAME,MAJIN) VALUES ('" + gcode + "','Customer','" + margin + "')");
             for (int product = 0; source == PriceSource::Contract && product < kProducts; ++product) {
-                run(handle, "INSERT INTO GARAEDANGA VALUES ('" + gcode + "','" + code('P', product) +
-                                "','5','15000','1500','900','90','2000','3000','50')");
+                run("INSERT INTO GARAEDANGA VALUES ('" + gcode + "','" + code('P', product) +
+                    "','5','15000','1500','900','90','2000','3000','50')");
             }
             for (int liquorClass = 0; source == PriceSource::ClassMargin && liquorClass < 5; ++liquorClass) {
-                run(handle, "INSERT INTO GARAEMAJIN VALUES ('" + gcode + "','0" +
-                                std::to_string(liquorClass) + "','5')");
+                run("INSERT INTO GARAEMAJIN VALUES ('" + gcode + "','0" + std::to_string(liquorClass) +
+                    "','5')");
             }
         }
     }
-    run(handle, "COMMIT");
+    transaction.commit();
 }
 
-/// A prepared statement whose first row is read as texts.
+/// A prepared statement whose first row is read as texts, by SQLite's own calls alone.
 class LookUp {
   public:
     LookUp(sqlite3* handle, const char* sql) {
@@ -165,13 +157,9 @@ double microsecondsOfAPrice(const std::vector<Text>& customers, const std::vecto
 
 Result measurePrice() {
     const Folder folder;
-    sqlite3* handle = nullptr;
-    if (sqlite3_open(folder.databaseFile().toUtf8().constData(), &handle) != SQLITE_OK) {
-        throw std::runtime_error("no database");
-    }
-    const std::unique_ptr<sqlite3, int (*)(sqlite3*)> closing(handle, sqlite3_close);
-    fill(handle);
-    LookUps lookUps(handle);
+    platform::SqliteFile file(folder.databaseFile(), platform::SqliteFile::Mode::Existing);
+    fill(file);
+    LookUps lookUps(file.handle());
 
     std::vector<std::string> customers;
     std::vector<std::string> products;

@@ -1,13 +1,11 @@
 // The five reports of one day among 100,000 rows of each slip table beside among 1,000. The salesman's rows
 // of the day and the customers are the same on both devices.
 
-#include <sqlite3.h>
-
-#include <memory>
 #include <stdexcept>
 
 #include "Bench.h"
 #include "Folder.h"
+#include "platform/Sqlite.h"
 #include "totals/DailyReports.h"
 
 namespace bench {
@@ -43,13 +41,8 @@ constexpr const char* kFill = R"(
     COMMIT;)";
 
 void fill(const QString& file, int rows) {
-    sqlite3* handle = nullptr;
-    sqlite3_open_v2(file.toUtf8().constData(), &handle, SQLITE_OPEN_READWRITE, nullptr);
-    const std::unique_ptr<sqlite3, int (*)(sqlite3*)> closing(handle, sqlite3_close);
-    const QByteArray script = QString::asprintf(kFill, rows, kRowsOfTheDay, kRowsOfTheDay).toUtf8();
-    if (sqlite3_exec(handle, script, nullptr, nullptr, nullptr) != SQLITE_OK) {
-        throw std::runtime_error(sqlite3_errmsg(handle));
-    }
+    platform::SqliteFile(file, platform::SqliteFile::Mode::Existing)
+        .run(QString::asprintf(kFill, rows, kRowsOfTheDay, kRowsOfTheDay).toUtf8());
 }
 
 double timeReports(const Folder& folder) {

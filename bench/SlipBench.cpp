@@ -2,16 +2,14 @@
 // number, opening it, ten priced lines, saving, reopening and the list of the day. Both devices hold the same
 // customers and products, and the salesman has saved as many slips on the day.
 
-#include <sqlite3.h>
-
 #include <QDate>
 #include <algorithm>
-#include <memory>
 #include <stdexcept>
 
 #include "Bench.h"
 #include "Folder.h"
 #include "books/SlipNumbers.h"
+#include "platform/Sqlite.h"
 #include "sales/CustomerQuery.h"
 #include "sales/Pricing.h"
 #include "sales/ProductQuery.h"
@@ -45,59 +43,38 @@ QString productCode(int number) {
     return u"P%1"_s.arg(number, 3, 10, QChar(u'0'));
 }
 
-/// Fills one table with rows of texts.
-class Inserter {
-  public:
-    Inserter(sqlite3* handle, const char* sql) : handle_(handle) {
-        if (sqlite3_prepare_v2(handle, sql, -1, &statement_, nullptr) != SQLITE_OK) fail();
-    }
-    ~Inserter() { sqlite3_finalize(statement_); }
-    Inserter(const Inserter&) = delete;
-    Inserter& operator=(const Inserter&) = delete;
+/// Runs an INSERT once more with these values.
+void add(platform::SqliteStatement& insert, const QStringList& values) {
+    insert.rewind();
+    for (const QString& value : values) insert.bind(value);
+    insert.step();
+}
 
-    void add(const QStringList& values) {
-        for (qsizetype i = 0; i < values.size(); ++i) {
-            const QByteArray bytes = values[i].toUtf8();
-            sqlite3_bind_text(statement_, int(i) + 1, bytes.constData(), int(bytes.size()), SQLITE_TRANSIENT);
-        }
-        if (sqlite3_step(statement_) != SQLITE_DONE) fail();
-        sqlite3_reset(statement_);
-    }
-
-  private:
-    [[noreturn]] void fail() { throw std::runtime_error(sqlite3_errmsg(handle_)); }
-
-    sqlite3* handle_;
-    sqlite3_stmt* statement_ = nullptr;
-};
-
-void fill(sqlite3* handle, int slips) {
-    sqlite3_exec(handle, "BEGIN", nullptr, nullptr, nullptr);
-    Inserter customer(handle,
-                      "INSERT INTO GARAE (GCODE,GNAME,MAJIN,CJMONEY,GUBUN) VALUES (?,?,'0','150000','일반')");
-    for (int i = 0; i < kCustomers; ++i) customer.add({customerCode(i), u"가람상회 %1호점"_s.arg(i)});
-    Inserter product(handle,
-                     "INSERT INTO PUMMOK (Pcode,Pname,JGubun,ABoxMMoney,ABoxBMoney,ABonMMoney,ABonBMoney,"
-                     "YGMoney1,YGMoney2) VALUES (?,?,'01','21000','2100','1100','110','1000','2000')");
-    for (int i = 0; i < kProducts; ++i) product.add({productCode(i), u"소주 %1"_s.arg(i)});
+void fill(platform::SqliteFile& file, int slips) {
+    platform::SqliteTransaction transaction(file);
+    auto customer = file.statement(
+        "INSERT INTO GARAE (GCODE,GNAME,MAJIN,CJMONEY,GUBUN) VALUES (?,?,'0','150000','일반')");
+    for (int i = 0; i < kCustomers; ++i) add(customer, {customerCode(i), u"가람상회 %1호점"_s.arg(i)});
+    auto product = file.statement(
+        "INSERT INTO PUMMOK (Pcode,Pname,JGubun,ABoxMMoney,ABoxBMoney,ABonMMoney,ABonBMoney,"
+        "YGMoney1,YGMoney2) VALUES (?,?,'01','21000','2100','1100','110','1000','2000')");
+    for (int i = 0; i < kProducts; ++i) add(product, {productCode(i), u"소주 %1"_s.arg(i)});
 
     // The salesman's own slips of the day; all others are spread over the year and four salesmen.
-    Inserter line(handle,
-                  "INSERT INTO MTM VALUES (?,'매출',?,?,?,'미발행',?,?,'01','3','5','68500','6850','3000',"
-                  "'6000',?,'10:30')");
+    auto line = file.statement(
+        "INSERT INTO MTM VALUES (?,'매출',?,?,?,'미발행',?,?,'01','3','5','68500','6850','3000',"
+        "'6000',?,'10:30')");
     const auto addSlip = [&](const QString& day, int number, int of, QStringView user) {
-        line.add({day, customerCode(of % kCustomers), u"가람상회 %1호점"_s.arg(of % kCustomers),
-                  QString::number(5001 + number), productCode(of % kProducts),
-                  u"소주 %1"_s.arg(of % kProducts), user.toString()});
+        add(line, {day, customerCode(of % kCustomers), u"가람상회 %1호점"_s.arg(of % kCustomers),
+                   QString::number(5001 + number), productCode(of % kProducts),
+                   u"소주 %1"_s.arg(of % kProducts), user.toString()});
     };
     for (int i = 0; i < slips - kSlipsOfTheDay; ++i) {
         const QDate day = kFirstDay.addDays(i % kDaysOfTheYear);
         addSlip(day.toString(Qt::ISODate), i / kDaysOfTheYear, i, QString(QChar(u'A' + i % 4)));
     }
     for (int i = 0; i < kSlipsOfTheDay; ++i) addSlip(kDay.toString(), i, i, kSalesman);
-    if (sqlite3_exec(handle, "COMMIT", nullptr, nullptr, nullptr) != SQLITE_OK) {
-        throw std::runtime_error(sqlite3_errmsg(handle));
-    }
+    transaction.commit();
 }
 
 void check(bool isRight, const char* what) {
@@ -149,10 +126,8 @@ Result measureSlip() {
     const Folder few;
     for (const auto& [folder, slips] : {std::pair(&many, kManySlips), std::pair(&few, kFewSlips)}) {
         folder->use();
-        sqlite3* handle = nullptr;
-        sqlite3_open_v2(folder->databaseFile().toUtf8().constData(), &handle, SQLITE_OPEN_READWRITE, nullptr);
-        const std::unique_ptr<sqlite3, int (*)(sqlite3*)> closing(handle, sqlite3_close);
-        fill(handle, slips);
+        platform::SqliteFile file(folder->databaseFile(), platform::SqliteFile::Mode::Existing);
+        fill(file, slips);
     }
     return compare(
         kRuns, "ms", [&] { return timeSlip(many); }, [&] { return timeSlip(few); });

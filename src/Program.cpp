@@ -126,6 +126,31 @@ void bringToFront(QWidget& window) {
     window.activateWindow();
 }
 
+/// Begins the log and closes the folder to others.
+void openFolder(const platform::Settings& settings) {
+    if (!platform::openLog(settings.logKilobytes * qint64{1024})) {
+        std::fprintf(stderr, "rovana: no log can be kept in %s\n",
+                     qUtf8Printable(platform::device::folder()));
+    }
+    platform::tightenFiles(platform::device::folder());
+    for (const QString& complaint : settings.complaints) platform::trace(complaint);
+}
+
+/// The terminal of the window, alone or on its desk.
+ui::Terminal* putIntoWindow(QWidget& window, const Options& options, const platform::Settings& settings) {
+    auto* layout = new QVBoxLayout(&window);
+    layout->setContentsMargins(0, 0, 0, 0);
+    auto* terminal = new ui::Terminal(&window);
+    if (options.isDesk) {
+        layout->addWidget(new desk::Desk(terminal, settings, &window));
+        window.resize(desk::kDeskSize);
+    } else {
+        layout->addWidget(terminal, 0, Qt::AlignCenter);
+        if (!options.isFullScreen) layout->setSizeConstraint(QLayout::SetFixedSize);
+    }
+    return terminal;
+}
+
 }  // namespace
 
 int runProgram(int argc, char** argv, const std::function<void(ui::Terminal&)>& terminalMade) {
@@ -140,12 +165,7 @@ int runProgram(int argc, char** argv, const std::function<void(ui::Terminal&)>& 
     // Before anything in the folder is touched.
     const platform::TerminalLock lock;
     if (lock.isTaken()) return refuseSecondStart();
-    if (!platform::openLog(settings.logKilobytes * qint64{1024})) {
-        std::fprintf(stderr, "rovana: no log can be kept in %s\n",
-                     qUtf8Printable(platform::device::folder()));
-    }
-    platform::tightenFiles(platform::device::folder());
-    for (const QString& complaint : settings.complaints) platform::trace(complaint);
+    openFolder(settings);
     ui::prepareFonts();
     QApplication::setWindowIcon(ui::icon(ui::bitmaps::kApplicationIcon));
 
@@ -154,17 +174,7 @@ int runProgram(int argc, char** argv, const std::function<void(ui::Terminal&)>& 
     QWidget window;
     window.setWindowTitle(u"Rovana"_s);
     window.setPalette(QPalette(Qt::black));
-    auto* layout = new QVBoxLayout(&window);
-    layout->setContentsMargins(0, 0, 0, 0);
-    auto* terminal = new ui::Terminal(&window);
-    if (options.isDesk) {
-        layout->addWidget(new desk::Desk(terminal, settings, &window));
-        window.resize(desk::kDeskSize);
-    } else {
-        layout->addWidget(terminal, 0, Qt::AlignCenter);
-        if (!options.isFullScreen) layout->setSizeConstraint(QLayout::SetFixedSize);
-    }
-
+    ui::Terminal* const terminal = putIntoWindow(window, options, settings);
     QObject::connect(&lock, &platform::TerminalLock::startedAgain, &window, [&] { bringToFront(window); });
     const platform::termdev::SwipeSocket swipes;
     registerScreens();

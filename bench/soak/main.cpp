@@ -57,7 +57,7 @@ using Holdings = std::array<double, std::size(kHeld)>;
 Holdings holdings() {
     QString error;
     const QString path = platform::device::path(platform::device::kDatabaseFile);
-    sqlite3* const database = platform::adoce::DatabaseFile::shared(path, &error)->handle();
+    sqlite3* const database = platform::adoce::DatabaseFile::shared(path, &error)->sqlite().handle();
     int cached = 0;
     int highest = 0;
     sqlite3_db_status(database, SQLITE_DBSTATUS_CACHE_USED, &cached, &highest, 0);

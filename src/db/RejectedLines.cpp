@@ -57,12 +57,11 @@ QString RejectedLines::keep(const QStringList& places, QStringView fileName, con
 bool RejectedLines::keepInFile(const QString& path, const QString& digest) const {
     const QByteArray heading = "# " + digest.toLatin1();
     QByteArray content;
-    QFile old(path);
-    if (old.exists()) {
+    if (QFileInfo::exists(path)) {
+        const auto old = platform::readWholeFile(path);
         // Lines that cannot be read must not be replaced.
-        if (!old.open(QIODevice::ReadOnly)) return false;
-        content = withoutBatch(old.readAll(), heading);
-        if (old.error() != QFileDevice::NoError) return false;
+        if (!old) return false;
+        content = withoutBatch(*old, heading);
     }
     content += heading + ' ' + timeStamp().toLatin1() + '\n';
     for (const Line& line : lines_)

@@ -1,10 +1,14 @@
 #include "db/Schema.h"
 
+#include <QStringBuilder>
+#include <QStringList>
 #include <algorithm>
 #include <array>
 
 namespace db::schema {
 namespace {
+
+using namespace Qt::Literals::StringLiterals;
 
 template <std::size_t N>
 using Columns = std::array<QStringView, N>;
@@ -123,6 +127,23 @@ const Table* findTable(QStringView name) {
     const auto found = std::ranges::find_if(
         kTables, [&](const Table& table) { return table.name.compare(name, Qt::CaseInsensitive) == 0; });
     return found == kTables.end() ? nullptr : &*found;
+}
+
+QString createStatement(const Table& table) {
+    QStringList columns;
+    for (const QStringView column : table.columns) columns << column % u" TEXT"_s;
+    return u"CREATE TABLE "_s % table.name % u" ("_s % columns.join(u", "_s) % u");"_s;
+}
+
+QString createStatement(const Index& index) {
+    return u"CREATE INDEX "_s % index.name % u" ON "_s % index.table % u" ("_s % index.columns % u");"_s;
+}
+
+QString createStatements() {
+    QString all;
+    for (const Table& table : tables()) all += createStatement(table);
+    for (const Index& index : indexes()) all += createStatement(index);
+    return all;
 }
 
 }  // namespace db::schema

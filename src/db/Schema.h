@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QString>
 #include <QStringView>
 #include <span>
 
@@ -32,5 +33,10 @@ std::span<const Index> indexes();
 
 /// The table of that name in any case, or null.
 const Table* findTable(QStringView name);
+
+/// The SQLite statements that make a table, an index, and all of both.
+QString createStatement(const Table& table);
+QString createStatement(const Index& index);
+QString createStatements();
 
 }  // namespace db::schema

@@ -118,4 +118,14 @@ bool writeWholeFile(const QString& path, QByteArrayView content, QString* error,
     return false;
 }
 
+std::optional<QByteArray> readWholeFile(const QString& path, QString* error) {
+    QFile file(path);
+    if (file.open(QIODevice::ReadOnly)) {
+        QByteArray content = file.readAll();
+        if (file.error() == QFileDevice::NoError) return content;
+    }
+    if (error != nullptr) *error = file.errorString();
+    return std::nullopt;
+}
+
 }  // namespace platform

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <QByteArray>
 #include <QByteArrayView>
 #include <QString>
+#include <optional>
 
 namespace platform {
 
@@ -48,5 +50,9 @@ class WholeFile {
 /// it was.
 bool writeWholeFile(const QString& path, QByteArrayView content, QString* error = nullptr,
                     WholeFile::IfThere ifThere = WholeFile::IfThere::Replace);
+
+/// Everything in a file; nothing, with the system's reason in `error` if that is given, when it cannot be
+/// read.
+std::optional<QByteArray> readWholeFile(const QString& path, QString* error = nullptr);
 
 }  // namespace platform

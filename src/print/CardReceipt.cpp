@@ -11,10 +11,6 @@ using platform::parseWon;
 
 constexpr db::Statement<u"SELECT GName,Sno,Gupju, Juso  FROM GARAE WHERE GCODE = '%s'  "> kSelectCustomer;
 
-constexpr qsizetype kShownInFront = 6;
-constexpr qsizetype kShownBehind = 4;
-constexpr qsizetype kFewestDigits = 13;  ///< A shorter number would show too much of itself.
-
 std::optional<books::CollectionSlip> paidSlip(QStringView date, QStringView junNo, QStringView userId,
                                               const std::optional<CardExchange>& exchange) {
     std::optional<books::CollectionSlip> slip = books::loadCollection(date, junNo, userId);
@@ -90,18 +86,6 @@ Document hostReceipt(QStringView date, QStringView userId, const CardExchange& e
     exchangeLines(document, exchange);
     closingBlock(document);
     return document;
-}
-
-QString maskedCardNumber(QStringView track2) {
-    while (!track2.isEmpty() && (track2.front() < u'0' || track2.front() > u'9')) track2 = track2.sliced(1);
-    qsizetype digits = 0;
-    while (digits < track2.size() && track2[digits] >= u'0' && track2[digits] <= u'9') ++digits;
-    QString masked(digits, u'*');
-    if (digits < kFewestDigits) return masked;
-    for (qsizetype at = 0; at < digits; ++at) {
-        if (at < kShownInFront || at >= digits - kShownBehind) masked[at] = track2[at];
-    }
-    return masked;
 }
 
 }  // namespace print

@@ -17,7 +17,8 @@ Party receiptCustomer(QStringView gCode);
 /// What a receipt shows of the exchange beside the slip's row.
 struct CardExchange {
     books::HostReply reply;
-    QString maskedCardNumber;  ///< As maskedCardNumber gives it, never the whole number; no line when empty.
+    QString maskedCardNumber;  ///< As platform::maskedCardNumber gives it, never the whole number; no line
+                               ///< when empty.
 };
 
 /// The card receipt of a simple payment: what it came to (합계), what was charged (결제금액), and 거래금액,
@@ -35,9 +36,5 @@ std::optional<Document> cardReceipt(QStringView date, QStringView junNo, QString
 /// with the transaction's number says whose it was and when; without one the customer is not named, `date` is
 /// today's and `userId` who asks.
 Document hostReceipt(QStringView date, QStringView userId, const CardExchange& exchange);
-
-/// The card number at the start of a track 2 text, as far as it may be shown: the first 6 and the last 4
-/// digits, asterisks between; asterisks alone for fewer than 13 digits; empty without a digit.
-QString maskedCardNumber(QStringView track2);
 
 }  // namespace print

@@ -7,13 +7,9 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-QString grouped(platform::Won amount) {
-    return platform::groupDigits(platform::formatWon(amount));
-}
-
 QString price(double won) {
     const auto whole = platform::Won(std::int64_t(won));
-    return double(whole.value()) == won ? grouped(whole) : QString::number(won, 'f', 2);
+    return double(whole.value()) == won ? platform::groupThousands(whole) : QString::number(won, 'f', 2);
 }
 
 bool hasMargin(PriceSource source) {
@@ -47,9 +43,10 @@ QString priceOrigin(const PricedLine& line, std::int64_t boxes, std::int64_t bot
     };
     part(u"상자"_s, boxes, unit.boxSupply, unit.boxVat);
     part(u"본"_s, bottles, unit.bottleSupply, unit.bottleVat);
-    lines << u"공급가 "_s + grouped(line.amounts.supply) << u"부가세 "_s + grouped(line.amounts.vat)
-          << u"용기 %1, 공병 %2"_s.arg(grouped(line.amounts.crateDeposit),
-                                       grouped(line.amounts.bottleDeposit));
+    lines << u"공급가 "_s + platform::groupThousands(line.amounts.supply)
+          << u"부가세 "_s + platform::groupThousands(line.amounts.vat)
+          << u"용기 %1, 공병 %2"_s.arg(platform::groupThousands(line.amounts.crateDeposit),
+                                       platform::groupThousands(line.amounts.bottleDeposit));
     return lines.join(u'\n');
 }
 

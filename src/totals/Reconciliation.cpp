@@ -7,6 +7,7 @@
 #include "books/PaymentJournal.h"
 #include "db/Health.h"
 #include "db/Query.h"
+#include "platform/Digits.h"
 #include "totals/DailyReports.h"
 
 namespace totals {
@@ -14,6 +15,7 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 using books::CollectionSlip;
+using platform::areDigits;
 using platform::parseWon;
 using platform::Won;
 
@@ -27,10 +29,6 @@ constexpr int kSlipColumn = 5;
 
 constexpr qsizetype kNumberLength = 12;
 constexpr qsizetype kTimeLength = 6;
-
-bool areDigits(QStringView text) {
-    return !text.isEmpty() && std::ranges::all_of(text, [](QChar c) { return c >= u'0' && c <= u'9'; });
-}
 
 std::optional<HostPayment> readPayment(QStringView line) {
     const QList<QStringView> parts = line.split(u' ');

@@ -31,8 +31,8 @@ struct HostDay {
     bool isWhole = true;
 };
 
-/// Reads the host's answer. `listTotal` and `list` are its fields 1123 and 1124, empty from a host that does
-/// not send them. A list with a line that is none counts as not sent.
+/// Reads the host's answer. `listTotal` and `list` are its fields kListTotalField and kListField, empty from
+/// a host that does not send them. A list with a line that is none counts as not sent.
 HostDay readHostDay(const print::HostSummary& summary, QStringView listTotal, QStringView list);
 
 /// A payment on which the two do not agree.

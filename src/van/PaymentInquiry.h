@@ -14,10 +14,10 @@ enum class PaymentVerdict {
     Open,        ///< The answer does not tell.
 };
 
-/// `answeredNumber` is the reply's field 1131. Without it the host has answered with the terminal's last
-/// payment, as an older one does: that counts as this one only when nothing else can be meant, which is when
-/// amount and kind agree, it was sent less than a day ago, no payment was sent after it, and the transaction
-/// number is on no slip and on no other payment.
+/// `answeredNumber` is the reply's field kAnsweredNumberField. Without it the host has answered with the
+/// terminal's last payment, as an older one does: that counts as this one only when nothing else can be
+/// meant, which is when amount and kind agree, it was sent less than a day ago, no payment was sent after it,
+/// and the transaction number is on no slip and on no other payment.
 PaymentVerdict judge(const books::JournalPayment& payment, const books::HostReply& reply,
                      QStringView answeredNumber);
 

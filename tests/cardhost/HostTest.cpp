@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "desk/demo/DemoCards.h"
+#include "platform/Sqlite.h"
 #include "platform/message/Component.h"
 #include "platform/message/SavedValues.h"
-#include "rovana-cardhost/Sqlite.h"
 #include "support/Exchange.h"
 #include "support/HostProcess.h"
 #include "support/PrintQt.h"
@@ -138,8 +138,8 @@ TEST_F(HostTest, TheSummaryIsTheLedgersForTerminalAndDay) {
     EXPECT_EQ(terminal.field(1102), u"0016") << "another terminal has paid nothing";
 
     // More payments than an answer has room for: it comes, and tells how many there are.
-    cardhost::Sqlite ledger(host.folder() + u"/ledger.db"_s);
-    ledger.execute(
+    platform::SqliteFile ledger(host.folder() + u"/ledger.db"_s, platform::SqliteFile::Mode::Existing);
+    ledger.run(
         "WITH RECURSIVE n(i) AS (SELECT 100 UNION ALL SELECT i + 1 FROM n WHERE i < 3099) "
         "INSERT INTO payment SELECT i, 1, card, '4713', day, kind, 1, 1, 1, 1, 50000, 1, 1, 1 "
         "FROM payment, n WHERE payment.id = 1");
@@ -241,7 +241,7 @@ struct Ended {
 
 Ended runHost(const QStringList& arguments, const QByteArray& input = {}) {
     QProcess process;
-    process.start(HostProcess::program(), arguments);
+    process.start(cardhost::StartedHost::program(), arguments);
     process.write(input);
     process.closeWriteChannel();
     EXPECT_TRUE(process.waitForFinished(20'000));

@@ -13,6 +13,7 @@
 #include "desk/DeskPrinter.h"
 #include "desk/PaperView.h"
 #include "desk/StatusStrip.h"
+#include "platform/message/SavedValues.h"
 #include "platform/termdev/CardReader.h"
 #include "platform/termdev/PaperRoll.h"
 #include "platform/termdev/TermDev.h"

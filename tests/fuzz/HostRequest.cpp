@@ -1,10 +1,9 @@
-#include <sqlite3.h>
-
 #include <QTemporaryDir>
 
 #include "common/Enrolment.h"
 #include "desk/demo/DemoCards.h"
 #include "fuzz/Target.h"
+#include "platform/Sqlite.h"
 #include "rovana-cardhost/Ledger.h"
 #include "rovana-cardhost/RequestReader.h"
 
@@ -24,18 +23,14 @@ class Host {
         for (const auto& card : desk::demoCards()) {
             if (card.isKnown) ledger.putCard(track3(card), card.password, card.balance, card.limit);
         }
-        require(sqlite3_open(QFile::encodeName(folder_.filePath(QStringLiteral("ledger.db"))).constData(),
-                             &file_) == SQLITE_OK,
-                "there is a ledger");
         SecureBytes seed(crypto_sign_SEEDBYTES, 1);
         terminal_ = signingKeyFrom(seed);
         seed[0] = 2;
         require(enrolTerminal(folder(), kEnrolled.toString(), terminal_.publicKey) &&
                     enrolTerminal(folder(), QStringLiteral("4712"), signingKeyFrom(seed).publicKey),
                 "there are terminals, of which one asks");
-        sqlite3_exec(file_, "CREATE TABLE card_before AS SELECT * FROM card", nullptr, nullptr, nullptr);
+        file_.run("CREATE TABLE card_before AS SELECT * FROM card");
     }
-    ~Host() { sqlite3_close(file_); }
     Host(const Host&) = delete;
     Host& operator=(const Host&) = delete;
 
@@ -43,12 +38,9 @@ class Host {
     const SigningKey& terminal() const { return terminal_; }
 
     void reset() {
-        require(sqlite3_exec(
-                    file_,
-                    "BEGIN; DELETE FROM payment; DELETE FROM exchange; UPDATE card SET wrong_passwords = 0, "
-                    "balance = (SELECT balance FROM card_before WHERE card_before.id = card.id); COMMIT",
-                    nullptr, nullptr, nullptr) == SQLITE_OK,
-                "the ledger is emptied");
+        file_.run(
+            "BEGIN; DELETE FROM payment; DELETE FROM exchange; UPDATE card SET wrong_passwords = 0, "
+            "balance = (SELECT balance FROM card_before WHERE card_before.id = card.id); COMMIT");
     }
 
     qint64 money() {
@@ -66,11 +58,14 @@ class Host {
     }
 
     QTemporaryDir folder_;
-    sqlite3* file_ = nullptr;
     SigningKey terminal_;
 
   public:
     Ledger ledger;
+
+  private:
+    platform::SqliteFile file_{folder_.filePath(QStringLiteral("ledger.db")),
+                               platform::SqliteFile::Mode::Existing};
 };
 
 /// The host's answer, checked. What it has charged is `charged` in won.

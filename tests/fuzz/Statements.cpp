@@ -67,17 +67,10 @@ class Database {
         isWatched_ = false;
         const QString table = insert.toString().simplified().section(u' ', 2, 2).section(u'(', 0, 0);
         const QByteArray select = "SELECT * FROM " + table.toUtf8() + " WHERE rowid = last_insert_rowid()";
-        sqlite3_stmt* statement = nullptr;
-        require(
-            sqlite3_prepare_v2(file_->handle(), select.constData(), -1, &statement, nullptr) == SQLITE_OK &&
-                sqlite3_step(statement) == SQLITE_ROW,
-            "what was inserted is there");
+        auto statement = file_->sqlite().statement(select);
+        require(statement.step(), "what was inserted is there");
         QList<QByteArray> columns;
-        for (int i = 0; i < sqlite3_column_count(statement); ++i) {
-            const auto* const data = static_cast<const char*>(sqlite3_column_blob(statement, i));
-            columns << QByteArray(data, sqlite3_column_bytes(statement, i));
-        }
-        sqlite3_finalize(statement);
+        for (int i = 0; i < statement.columns(); ++i) columns << statement.bytes(i);
         isWatched_ = true;
         return columns;
     }
@@ -87,10 +80,11 @@ class Database {
         QString error;
         file_ = adoce::DatabaseFile::shared(device().databaseFile(), &error);
         require(file_ != nullptr, "there is a database");
-        sqlite3_trace_v2(file_->handle(), SQLITE_TRACE_STMT, note, this);
-        sqlite3_set_authorizer(file_->handle(), mayDo, this);
-        sqlite3_progress_handler(file_->handle(), 1000, isTooLong, this);
-        sqlite3_limit(file_->handle(), SQLITE_LIMIT_LENGTH, 16 * 1024 * 1024);
+        sqlite3* const handle = file_->sqlite().handle();
+        sqlite3_trace_v2(handle, SQLITE_TRACE_STMT, note, this);
+        sqlite3_set_authorizer(handle, mayDo, this);
+        sqlite3_progress_handler(handle, 1000, isTooLong, this);
+        sqlite3_limit(handle, SQLITE_LIMIT_LENGTH, 16 * 1024 * 1024);
     }
 
     static int note(unsigned, void* self, void* statement, void*) {

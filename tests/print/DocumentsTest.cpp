@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "books/CollectionSlip.h"
+#include "platform/CardNumber.h"
 #include "platform/CodePage.h"
 #include "print/CardReceipt.h"
 #include "print/CollectionReceipt.h"
@@ -63,7 +64,7 @@ class Documents : public testing::Test {
                           .remainingAmount = u"1234567"_s,
                           .accountBalance = {},
                           .withdrawalLimit = {}},
-                .maskedCardNumber = print::maskedCardNumber(u"9410123456789012=2912101")};
+                .maskedCardNumber = platform::maskedCardNumber(u"9410123456789012=2912101")};
     }
 
     static QString text(const std::optional<print::Document>& document) {
@@ -160,7 +161,7 @@ TEST(CardNumber, ShowsItsEndsOnly) {
         {u"", u""},
     };
     for (const auto& c : kCases) {
-        EXPECT_EQ(print::maskedCardNumber(QStringView(c.track)), QString::fromUtf16(c.shown));
+        EXPECT_EQ(platform::maskedCardNumber(QStringView(c.track)), QString::fromUtf16(c.shown));
     }
 }
 

@@ -7,6 +7,7 @@
 #include "Screens.h"
 #include "app/Session.h"
 #include "books/TransactionRecord.h"
+#include "platform/message/SavedValues.h"
 #include "platform/termdev/CardReader.h"
 #include "rovana-cardhost/Ledger.h"
 #include "support/HostProcess.h"

@@ -12,6 +12,7 @@
 #include "platform/Clock.h"
 #include "platform/CodePage.h"
 #include "platform/Device.h"
+#include "platform/Sqlite.h"
 #include "platform/adoce/DatabaseFile.h"
 #include "sales/SlipStore.h"
 #include "support/FaultyStorage.h"
@@ -152,31 +153,17 @@ class StorageFaultTest : public testing::Test {
 
     /// Every row of every table, the slip being written aside.
     QStringList everything() {
-        static const QByteArray selects = [] {
-            QString all;
-            for (const db::schema::Table& table : db::schema::tables()) {
-                if (table.name != u"IMPORTLOG") all += u"SELECT '%1', * FROM %1;"_s.arg(table.name);
-            }
-            return all.toUtf8();
-        }();
-        sqlite3* handle = nullptr;
-        EXPECT_EQ(sqlite3_open(device_.databaseFile().toUtf8().constData(), &handle), SQLITE_OK);
+        QString selects;
+        for (const db::schema::Table& table : db::schema::tables()) {
+            if (table.name != u"IMPORTLOG") selects += u"SELECT '%1', * FROM %1;"_s.arg(table.name);
+        }
+        platform::SqliteFile file(device_.databaseFile(), platform::SqliteFile::Mode::Existing);
+        const auto found = file.rows(selects);
+        EXPECT_TRUE(found) << file.errorText().toStdString();
         QStringList rows;
-        const auto addRow = [](void* all, int count, char** columns, char**) {
-            QByteArrayList row;
-            for (int column = 0; column < count; ++column) row << columns[column];
-            static_cast<QStringList*>(all)->append(QString::fromUtf8(row.join('|')));
-            return 0;
-        };
-        EXPECT_EQ(sqlite3_exec(handle, selects.constData(), addRow, &rows, nullptr), SQLITE_OK);
-        isSound_ = false;
-        const auto seeSound = [](void* isSound, int, char** columns, char**) {
-            *static_cast<bool*>(isSound) = qstrcmp(columns[0], "ok") == 0;
-            return 0;
-        };
-        sqlite3_exec(handle, "PRAGMA integrity_check", seeSound, &isSound_, nullptr);
+        for (const QStringList& row : found.value_or(QList<QStringList>())) rows << row.join(u'|');
+        isSound_ = file.rows(u"PRAGMA integrity_check"_s) == QList<QStringList>(1, {u"ok"_s});
         EXPECT_TRUE(isSound_);
-        sqlite3_close(handle);
         rows.sort();
         return rows;
     }
@@ -206,8 +193,8 @@ TEST_F(StorageFaultTest, EveryChangeIsMadeWholeOrNotAtAllAndTheProgramGoesOn) {
                 QString error;
                 const auto file = platform::adoce::DatabaseFile::shared(device_.databaseFile(), &error);
                 ASSERT_TRUE(file) << error.toStdString();
-                sqlite3_busy_timeout(file->handle(), 0);
-                sqlite3_exec(file->handle(), "SELECT name FROM sqlite_schema", nullptr, nullptr, nullptr);
+                file->sqlite().setPatience(0);
+                file->sqlite().execute(u"SELECT name FROM sqlite_schema"_s);
                 plan_.arm(fault, call, isOnce);
                 const bool isMade = change.make();
                 const bool isHit = plan_.hits > 0;

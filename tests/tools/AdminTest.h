@@ -7,10 +7,10 @@
 #include <QTextStream>
 
 #include "platform/Device.h"
+#include "platform/Sqlite.h"
 #include "platform/adoce/DatabaseFile.h"
 #include "rovanactl/Command.h"
 #include "rovanactl/DeviceFolder.h"
-#include "rovanactl/SqliteFile.h"
 
 namespace test {
 
@@ -61,7 +61,7 @@ class AdminTest : public ::testing::Test {
 
     /// The rows of a SELECT, columns joined by "|".
     QStringList rows(const QString& select) {
-        admin::SqliteFile file(database(), admin::SqliteFile::Mode::Existing);
+        platform::SqliteFile file(database(), platform::SqliteFile::Mode::Existing);
         const auto found = file.rows(select);
         EXPECT_TRUE(found) << narrow(file.errorText());
         QStringList texts;
@@ -72,7 +72,7 @@ class AdminTest : public ::testing::Test {
     }
 
     void execute(const QString& statement) {
-        admin::SqliteFile file(database(), admin::SqliteFile::Mode::Existing);
+        platform::SqliteFile file(database(), platform::SqliteFile::Mode::Existing);
         ASSERT_TRUE(file.execute(statement)) << narrow(file.errorText());
     }
 

@@ -62,9 +62,7 @@ TEST_F(BackupTest, CopiesWhatIsSavedWhileATerminalIsInTheMiddleOfAChange) {
     auto terminal = openTerminal(database());
     name(u"saved"_s);  // Only in the write-ahead log.
     ASSERT_TRUE(terminal->begin());
-    ASSERT_EQ(
-        sqlite3_exec(terminal->handle(), "UPDATE PDAUSER SET userNAME = 'half'", nullptr, nullptr, nullptr),
-        SQLITE_OK);
+    ASSERT_TRUE(terminal->sqlite().execute(u"UPDATE PDAUSER SET userNAME = 'half'"_s));
     backUp();
     terminal->rollback();
 
@@ -107,7 +105,7 @@ TEST_F(BackupTest, RefusesAndLeavesEverythingAsItWas) {
     QByteArray torn = readFile(file());
     torn.replace(8192, 4096, QByteArray(4096, '\xA5'));
     writeFile(u"torn.cdb"_s, torn);
-    admin::SqliteFile other(folder() + u"/other.cdb"_s, admin::SqliteFile::Mode::Create);
+    platform::SqliteFile other(folder() + u"/other.cdb"_s, platform::SqliteFile::Mode::Create);
     ASSERT_TRUE(other.execute(u"CREATE TABLE t (a)"_s));
     const struct {
         QStringList call;
@@ -160,7 +158,7 @@ TEST_F(BackupTest, RestoringForgetsNoPayment) {
         "INSERT INTO PAYJOURNAL (Number, State, BANKTRANNO) VALUES ('d', 'unknown', ''), "
         "('e', 'approved', '2')"_s);
     const QStringList before = filesOf(documents());
-    admin::SqliteFile backup(file(), admin::SqliteFile::Mode::Existing);
+    platform::SqliteFile backup(file(), platform::SqliteFile::Mode::Existing);
     ASSERT_TRUE(backup.execute(
         u"CREATE TRIGGER broken BEFORE INSERT ON PAYJOURNAL BEGIN SELECT RAISE(ABORT, 'no'); END"_s));
     expectRefused({u"restore"_s, file()}, u"cannot be carried over"_s);

@@ -232,7 +232,7 @@ TEST_F(CommandsTest, JournalListsPaymentsAndSettlesOpenOnes) {
         rows(u"SELECT State FROM PAYJOURNAL UNION ALL SELECT JunNo || BANKTRANNO FROM MTMOK ORDER BY 1"_s)
             .join(u' '),
         u"5002000000000002 7001 approved approved released"_s);
-    admin::SqliteFile terminal(database(), admin::SqliteFile::Mode::Existing);
+    platform::SqliteFile terminal(database(), platform::SqliteFile::Mode::Existing);
     ASSERT_TRUE(terminal.execute(u"PRAGMA journal_mode=WAL"_s) && terminal.rows(u"SELECT * FROM MTM"_s));
     EXPECT_TRUE(
         run({u"journal"_s, u"--settle"_s, QString(32, u'c'), u"released"_s}).err.contains(u"close the"_s));

@@ -14,7 +14,7 @@ class UpgradeTest : public AdminTest {
         QFile::remove(database());
         makeDevice();
         ASSERT_TRUE(QFile::remove(database()));
-        admin::SqliteFile made(database(), admin::SqliteFile::Mode::Create);
+        platform::SqliteFile made(database(), platform::SqliteFile::Mode::Create);
         ASSERT_TRUE(made.execute(
             QString::fromUtf8(readFile(QStringLiteral(ROVANA_TESTS_DIR "/tools/fixtures/first-build.sql")))));
         QFile::setPermissions(database(), QFile::ReadOwner | QFile::WriteOwner);
@@ -87,7 +87,7 @@ TEST_F(UpgradeTest, RefusesWhatIsNotAnOlderTerminalsAndLeavesItAsItWas) {
         EXPECT_EQ(kept(), QStringList());
     }
     QFile::remove(database());
-    admin::SqliteFile other(database(), admin::SqliteFile::Mode::Create);
+    platform::SqliteFile other(database(), platform::SqliteFile::Mode::Create);
     ASSERT_TRUE(other.execute(u"CREATE TABLE t (a)"_s));
     EXPECT_TRUE(run({u"upgrade"_s}).err.contains(u"no table of a terminal"_s));
     SetUp();

@@ -6,6 +6,8 @@
 #include <map>
 
 #include "TortureTest.h"
+#include "rovana-cardhost/StartedHost.h"
+#include "support/Pump.h"
 
 /// Kills the terminal at any moment of a card payment and of the question about it, lets the host fail in
 /// each of its ways meanwhile, and then compares what the host has charged with what the slips say.
@@ -46,23 +48,20 @@ constexpr QStringView kFaults[] = {
 
 class PaymentTorture : public test::TortureTest {
   protected:
-    PaymentTorture() { prepare(&host_); }
-    ~PaymentTorture() override { stop(&host_); }
+    PaymentTorture() { test::needApplication(); }
+    ~PaymentTorture() override { host_.kill(); }
 
     /// A host with these faults, at the same port from the first one on.
     void startHost(const QStringList& faults) {
-        if (host_.state() == QProcess::Running && faults.isEmpty() && hostFaults_.isEmpty()) return;
-        stop(&host_);
+        if (host_.isRunning() && faults.isEmpty() && hostFaults_.isEmpty()) return;
+        host_.kill();
         hostFaults_ = faults;
-        host_.start(program(u"rovana-cardhost"_s),
-                    QStringList{u"--dir"_s, hostFolder(), u"--demo"_s, u"--port"_s, port_} + faults);
-        while (!host_.canReadLine()) ASSERT_TRUE(host_.waitForReadyRead(kPatienceMs));
-        const QByteArray line = host_.readLine().trimmed();
-        port_ = QString::fromLatin1(line.mid(line.lastIndexOf(':') + 1));
+        const QString port = QString::number(host_.port());
+        ASSERT_EQ(host_.start(hostFolder(), QStringList{u"--port"_s, port} + faults), QString());
     }
     void tellOfHost() {
-        runTool({u"card-host"_s, u"--device"_s, device(), u"--host"_s, u"127.0.0.1"_s, u"--port"_s, port_,
-                 u"--key"_s, hostFolder() + u"/host.pub"_s});
+        runTool({u"card-host"_s, u"--device"_s, device(), u"--host"_s, u"127.0.0.1"_s, u"--port"_s,
+                 QString::number(host_.port()), u"--key"_s, hostFolder() + u"/host.pub"_s});
     }
     void startVisit(const QString& steps, QStringView time) {
         startTerminal(u"clock 2026-11-21 %1\nlogin A 1111\n%2"_s.arg(time, steps));
@@ -145,8 +144,7 @@ class PaymentTorture : public test::TortureTest {
 
     static constexpr int kMoments = 5;
 
-    QProcess host_;
-    QString port_ = u"0"_s;
+    cardhost::StartedHost host_;
     QStringList hostFaults_;
     qint64 before_ = 0;  ///< The host's last payment before this run.
     std::map<QString, int> faults_;
@@ -196,7 +194,7 @@ TEST_F(PaymentTorture, EverySlipIsPaidOnceAsTheHostHasCharged) {
         // In peace: what is open is settled at the login, as the host knows it, and an unpaid slip is paid.
         const QString number = open();
         // A request of the killed terminal may still wait at the host.
-        if (!number.isEmpty()) stop(&host_);
+        if (!number.isEmpty()) host_.kill();
         startHost({});
         QString steps = u"patience 20\n"_s;
         const bool isCharged = !charged(u"amount"_s).isEmpty();

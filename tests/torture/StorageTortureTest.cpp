@@ -8,6 +8,7 @@
 #include <iterator>
 
 #include "TortureTest.h"
+#include "platform/Sqlite.h"
 #include "support/FaultyStorage.h"
 
 /// Kills the terminal and the import, and lets the disk fail, at any call to the storage and at any other
@@ -99,11 +100,8 @@ class StorageTorture : public test::TortureTest {
     void learnStates(const QStringList& empty) {
         empty_ = empty;
         // Nothing gets from the write-ahead log into the database while this reader reads.
-        sqlite3* reader = nullptr;
-        ASSERT_EQ(sqlite3_open(databaseFile().toUtf8().constData(), &reader), SQLITE_OK);
-        ASSERT_EQ(sqlite3_exec(reader, "PRAGMA journal_mode=WAL; BEGIN; SELECT count(*) FROM MTM", nullptr,
-                               nullptr, nullptr),
-                  SQLITE_OK);
+        platform::SqliteFile reader(databaseFile(), platform::SqliteFile::Mode::Existing);
+        ASSERT_TRUE(reader.execute(u"PRAGMA journal_mode=WAL; BEGIN; SELECT count(*) FROM MTM"_s));
         plan_->arm(StorageFault::Kill, kUncounted, true);
         QElapsedTimer elapsed;
         elapsed.start();
@@ -134,7 +132,6 @@ class StorageTorture : public test::TortureTest {
             // A frame that ends a commit says how large the database is then.
             if (qFromBigEndian<quint32>(frames.constData() + end - frame + 4) != 0) take(end);
         }
-        sqlite3_close(reader);
         ASSERT_EQ(states_.size(), qsizetype(std::size(kChanges)) + 1) << "a change is not made at once";
     }
 

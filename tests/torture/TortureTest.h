@@ -1,7 +1,6 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -9,9 +8,9 @@
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QTemporaryDir>
-#include <memory>
 #include <random>
 
+#include "platform/Sqlite.h"
 #include "support/PrintQt.h"
 
 namespace test {
@@ -82,28 +81,19 @@ class TortureTest : public testing::Test {
     /// is empty.
     static QString read(const QString& file, const char* select, QStringView between = u" ") {
         // Read-only: what a kill left behind is the terminal's to repair.
-        sqlite3* opened = nullptr;
-        sqlite3_open_v2(file.toUtf8().constData(), &opened, SQLITE_OPEN_READONLY, nullptr);
-        const std::unique_ptr<sqlite3, decltype(&sqlite3_close)> database(opened, &sqlite3_close);
-        sqlite3_busy_timeout(opened, 1000);
+        platform::SqliteFile database(file, platform::SqliteFile::Mode::ReadOnly);
         QStringList found;
-        const auto addRow = [](void* rows, int count, char** columns, char**) {
-            QStringList row;
-            for (int column = 0; column < count; ++column) row << QString::fromUtf8(columns[column]);
-            static_cast<QStringList*>(rows)->append(row.join(u'|'));
-            return 0;
-        };
-        sqlite3_exec(opened, select, addRow, &found, nullptr);
+        database.forEachRow(QString::fromUtf8(select), {}, [&](const QStringList& row) {
+            found << row.join(u'|');
+            return true;
+        });
         return found.join(between);
     }
     /// Loads the waiting files, as on the day of the visits: prices of another day would be told as old.
     void importFiles() {
         runTool({QStringLiteral("import"), QStringLiteral("--device"), device()});
-        sqlite3* opened = nullptr;
-        sqlite3_open_v2(databaseFile().toUtf8().constData(), &opened, SQLITE_OPEN_READWRITE, nullptr);
-        sqlite3_exec(opened, "UPDATE MASTERLOAD SET LoadedAt = '2026-11-21T08:00:00'", nullptr, nullptr,
-                     nullptr);
-        sqlite3_close(opened);
+        platform::SqliteFile(databaseFile(), platform::SqliteFile::Mode::Existing)
+            .execute(u"UPDATE MASTERLOAD SET LoadedAt = '2026-11-21T08:00:00'"_s);
     }
     QString onTerminal(const char* select) const { return read(databaseFile(), select); }
 

@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 #include <QDir>
 #include <QDirIterator>
@@ -14,6 +13,7 @@
 
 #include "desk/demo/DemoCards.h"
 #include "platform/Device.h"
+#include "platform/Sqlite.h"
 #include "platform/TerminalLock.h"
 #include "support/PrintQt.h"
 
@@ -77,17 +77,10 @@ std::string prepare(const QString& device, const QString& sqlFile) {
     // The master data came on the day of the visits, not on that of the test.
     const QByteArray statements =
         "UPDATE MASTERLOAD SET LoadedAt = '" + kDay.toLatin1() + "T08:00:00';" + script.readAll();
-    const QByteArray database = (device + u"/My Documents/rvnclient.cdb"_s).toUtf8();
-    sqlite3* handle = nullptr;
-    char* message = nullptr;
-    std::string error;
-    if (sqlite3_open_v2(database, &handle, SQLITE_OPEN_READWRITE, nullptr) != SQLITE_OK ||
-        sqlite3_exec(handle, statements, nullptr, nullptr, &message) != SQLITE_OK) {
-        error = sqlFile.toStdString() + ": " + (message != nullptr ? message : sqlite3_errmsg(handle));
-    }
-    sqlite3_free(message);
-    sqlite3_close(handle);
-    return error;
+    platform::SqliteFile database(device + u"/My Documents/rvnclient.cdb"_s,
+                                  platform::SqliteFile::Mode::Existing);
+    if (database.execute(QString::fromUtf8(statements))) return {};
+    return (sqlFile + u": "_s + database.errorText()).toStdString();
 }
 
 /// Lets others read and write every file, as a careless copy of a device does.

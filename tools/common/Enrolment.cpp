@@ -5,6 +5,7 @@
 #include <QStringBuilder>
 #include <algorithm>
 
+#include "platform/Digits.h"
 #include "platform/Sync.h"
 #include "platform/WholeFile.h"
 #include "platform/message/SavedValues.h"
@@ -31,8 +32,7 @@ QString keyFile(const QString& hostFolder, const QString& number) {
 }  // namespace
 
 bool isTerminalNumber(QStringView text) {
-    return !text.isEmpty() && text.size() <= kMostDigits &&
-           std::ranges::all_of(text, [](QChar c) { return c >= u'0' && c <= u'9'; });
+    return text.size() <= kMostDigits && platform::areDigits(text);
 }
 
 bool enrolTerminal(const QString& hostFolder, const QString& number, const PublicKey& key, QString* error) {

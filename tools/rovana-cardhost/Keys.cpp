@@ -70,9 +70,7 @@ bool makeKeys(const QString& path, QString* error) {
 /// Only a file that is not as it should be is written, so that a host with a full disk still starts.
 bool writePublic(const QString& path, const Keys& keys, QString* error) {
     const QByteArray digits = QByteArrayView(keys.box.publicKey).toByteArray().toHex() + '\n';
-    QFile file(path);
-    return (file.open(QIODevice::ReadOnly) && file.readAll() == digits) ||
-           platform::writeWholeFile(path, digits, error);
+    return platform::readWholeFile(path) == digits || platform::writeWholeFile(path, digits, error);
 }
 
 }  // namespace

@@ -6,7 +6,9 @@
 #include <array>
 #include <cstdlib>
 
+#include "platform/CardNumber.h"
 #include "platform/Clock.h"
+#include "platform/Digits.h"
 #include "platform/Trace.h"
 
 namespace cardhost {
@@ -15,6 +17,9 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 using namespace platform::message;
 using platform::SecureBytes;
+using platform::SqliteError;
+using platform::SqliteStatement;
+using platform::SqliteTransaction;
 
 constexpr char kTables[] = R"(
 CREATE TABLE IF NOT EXISTS card (
@@ -69,7 +74,7 @@ QByteArrayView view(const SecureBytes& bytes) {
 /// The amount of a field: digits alone, up to kLargestAmount.
 std::optional<qint64> amount(const Fields& fields, quint16 number) {
     const QString digits = fields.text(number);
-    if (!std::ranges::all_of(digits, [](QChar c) { return c >= u'0' && c <= u'9'; })) return std::nullopt;
+    if (!platform::areDigits(digits)) return std::nullopt;
     bool isNumber = false;
     const qint64 value = digits.toLongLong(&isNumber);
     if (!isNumber || value > kLargestAmount) return std::nullopt;
@@ -121,14 +126,6 @@ void addResponse(FieldWriter& reply, const Response& response, qint64 exchange) 
     reply.add(kIdentificationField, identification(exchange));
 }
 
-/// First 6 and last 4 digits of the number that a track 3 carries after its two digits of format.
-QString maskedNumber(QStringView cardData) {
-    constexpr qsizetype kShown = 10;
-    const QStringView number = cardData.mid(2, std::max<qsizetype>(0, cardData.indexOf(u'=') - 2));
-    if (number.size() <= kShown) return QString(number.size(), u'*');
-    return number.first(6) % QString(number.size() - kShown, u'*') % number.last(4);
-}
-
 /// The response of that code, which a payment was answered with.
 Response responseOf(QStringView code) {
     for (const Response& response : {kApproved, kUnknownCard, kWrongPassword, kOverBalance, kOverLimit,
@@ -146,11 +143,17 @@ SecureBytes utf8(QStringView text) {
 
 }  // namespace
 
-Ledger::Ledger(const QString& folder, Keys keys) : keys_(std::move(keys)), file_(folder + u"/ledger.db"_s) {
-    file_.execute(kTables);
+Ledger::Ledger(const QString& folder, Keys keys)
+    : keys_(std::move(keys)), file_(folder + u"/ledger.db"_s, platform::SqliteFile::Mode::Create) {
+    // An approval that was sent must survive anything. A log that has grown all the same, for example while
+    // somebody else read the file, gives its room back.
+    file_.run(
+        "PRAGMA journal_mode=WAL; PRAGMA synchronous=FULL; PRAGMA foreign_keys=ON; "
+        "PRAGMA journal_size_limit=4194304");
+    file_.run(kTables);
     // A ledger of before wrong passwords were counted.
     if (!file_.statement("SELECT 1 FROM pragma_table_info('card') WHERE name = 'wrong_passwords'").step())
-        file_.execute("ALTER TABLE card ADD COLUMN wrong_passwords INTEGER NOT NULL DEFAULT 0");
+        file_.run("ALTER TABLE card ADD COLUMN wrong_passwords INTEGER NOT NULL DEFAULT 0");
 }
 
 QByteArray Ledger::digest(char use, QByteArrayView bytes) const {
@@ -178,13 +181,14 @@ void Ledger::putCard(QStringView track3, QStringView password, qint64 balance, q
                           crypto_pwhash_OPSLIMIT_MIN, crypto_pwhash_MEMLIMIT_MIN) != 0) {
         throw std::bad_alloc();
     }
-    Statement put = file_.statement(
+    SqliteStatement put = file_.statement(
         "INSERT INTO card (track, password, number, balance, payment_limit) VALUES (?, ?, ?, ?, ?) "
         "ON CONFLICT (track) DO UPDATE SET password = excluded.password, balance = excluded.balance, "
         "payment_limit = excluded.payment_limit, wrong_passwords = 0");
     put.bind(digest('t', view(utf8(cardData))))
         .bind(QString::fromLatin1(hash.data()))
-        .bind(maskedNumber(cardData))
+        // The number of a track 3 follows its two digits of format.
+        .bind(platform::maskedCardNumber(cardData.mid(2)))
         .bind(balance)
         .bind(limit)
         .step();
@@ -204,7 +208,7 @@ void Ledger::unlockCard(QStringView track3) {
 
 QList<CardState> Ledger::cards() {
     QList<CardState> cards;
-    Statement select =
+    SqliteStatement select =
         file_.statement("SELECT number, balance, payment_limit, wrong_passwords FROM card ORDER BY id");
     while (select.step()) {
         cards.append(
@@ -214,14 +218,15 @@ QList<CardState> Ledger::cards() {
 }
 
 qint64 Ledger::nextId(const char* sql) {
-    Statement next = file_.statement(sql);
+    SqliteStatement next = file_.statement(sql);
     next.step();
     return next.integer(0);
 }
 
 std::optional<SecureBytes> Ledger::answerAgain(const OpenedRequest& request, const QByteArray& digest,
                                                FieldWriter& refusal) {
-    Statement known = file_.statement("SELECT request, reply, id FROM exchange WHERE message_number = ?");
+    SqliteStatement known =
+        file_.statement("SELECT request, reply, id FROM exchange WHERE message_number = ?");
     if (!known.bind(QByteArrayView(request.number)).step()) return std::nullopt;
     if (known.bytes(0) == digest) {
         const QByteArray before = known.bytes(1);
@@ -290,7 +295,7 @@ Response Ledger::decide(Call& call) {
 }
 
 Response Ledger::findCard(QByteArrayView cardData, QByteArrayView password, Card* card) {
-    Statement find = file_.statement(
+    SqliteStatement find = file_.statement(
         "SELECT id, password, balance, payment_limit, wrong_passwords FROM card WHERE track = ?");
     if (!find.bind(digest('t', cardData)).step()) return kUnknownCard;
     const qint64 wrong = find.integer(4);
@@ -379,7 +384,7 @@ Response Ledger::tellPrevious(Call& call) {
         if (!asked) return kBadMessage;
         return call.manner == Manner::Refusing ? kRefused : tellOf(call, *asked);
     }
-    Statement last = file_.statement(
+    SqliteStatement last = file_.statement(
         "SELECT id, exchange, amount, fee, transferred, remaining FROM payment WHERE terminal = ? "
         "ORDER BY id DESC LIMIT 1");
     if (!last.bind(call.terminal).step()) return kNoPrevious;
@@ -394,7 +399,7 @@ Response Ledger::tellPrevious(Call& call) {
 }
 
 Response Ledger::tellOf(Call& call, const MessageNumber& number) {
-    Statement asked =
+    SqliteStatement asked =
         file_.statement("SELECT id, terminal, kind, code, reply FROM exchange WHERE message_number = ?");
     if (!asked.bind(QByteArrayView(number)).step()) return closeNumber(call, number);
     const QString kind = asked.text(2);
@@ -436,7 +441,7 @@ Response Ledger::sum(Call& call) {
     const QString day = call.fields.text(parameter(2));
     if (!hasParameters(call.fields, 2) || !QDate::fromString(day, u"yyyyMMdd").isValid()) return kBadMessage;
     if (call.manner == Manner::Refusing) return kRefused;
-    Statement totals = file_.statement(
+    SqliteStatement totals = file_.statement(
         "SELECT count(*), coalesce(sum(supply), 0), coalesce(sum(vat), 0), coalesce(sum(deposit), 0), "
         "coalesce(sum(recovery), 0), coalesce(sum(amount), 0), coalesce(sum(fee), 0), "
         "coalesce(sum(transferred), 0) FROM payment WHERE terminal = ? AND day = ? AND kind = ?");
@@ -452,7 +457,7 @@ Response Ledger::sum(Call& call) {
 }
 
 void Ledger::list(Call& call, const QString& day) {
-    Statement payments = file_.statement(
+    SqliteStatement payments = file_.statement(
         "SELECT payment.id, substr(received, 12, 2) || substr(received, 15, 2) || substr(received, 18, 2), "
         "amount FROM payment JOIN exchange ON exchange.id = payment.exchange "
         "WHERE payment.terminal = ? AND day = ? AND payment.kind = ? ORDER BY payment.id");

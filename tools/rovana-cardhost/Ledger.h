@@ -7,10 +7,10 @@
 #include <optional>
 
 #include "platform/SecureBytes.h"
+#include "platform/Sqlite.h"
 #include "platform/message/Fields.h"
 #include "rovana-cardhost/HostSeal.h"
 #include "rovana-cardhost/Keys.h"
-#include "rovana-cardhost/Sqlite.h"
 
 namespace cardhost {
 
@@ -66,7 +66,7 @@ struct CardState {
 /// are kept as digests only.
 class Ledger {
   public:
-    /// Opens the folder's ledger, made when there is none. Throws SqliteError.
+    /// Opens the folder's ledger, made when there is none. Throws platform::SqliteError.
     Ledger(const QString& folder, Keys keys);
 
     const Keys& keys() const { return keys_; }
@@ -119,7 +119,7 @@ class Ledger {
     void list(Call& call, const QString& day);
 
     Keys keys_;
-    Sqlite file_;
+    platform::SqliteFile file_;
 };
 
 }  // namespace cardhost

@@ -226,7 +226,7 @@ int run(const QStringList& arguments, QTextStream& in, QTextStream& out, QTextSt
                 if (options.command == u"cards") listCards(ledger, out);
             }
         }
-    } catch (const SqliteError& failure) {
+    } catch (const platform::SqliteError& failure) {
         error = u"the ledger in %1 failed: %2"_s.arg(options.folder, QString::fromUtf8(failure.what()));
     }
     if (error.isEmpty()) return kSuccess;

@@ -59,10 +59,9 @@ QString writeApproved(const QString& file, const QString& text) {
 }
 
 QString readApproved(const QString& file) {
-    QFile input(file);
-    if (!input.open(QIODevice::ReadOnly)) return {};
-    const QString text = QString::fromUtf8(input.readAll());
-    return text.isNull() ? u""_s : text;
+    const auto content = platform::readWholeFile(file);
+    // An empty file is a paper of no lines.
+    return content ? u""_s + QString::fromUtf8(*content) : QString();
 }
 
 }  // namespace pilot

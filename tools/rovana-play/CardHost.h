@@ -1,23 +1,21 @@
 #pragma once
 
-#include <QProcess>
 #include <QString>
 #include <QStringList>
 
+#include "rovana-cardhost/StartedHost.h"
+
 namespace pilot {
 
-/// A card host of a visit's own: the real program with the demonstration's cards, on a port of its own, with
-/// its ledger in the device folder. It ends with the object.
+/// A card host of a visit's own, with its ledger in the device folder.
 class CardHost {
   public:
-    ~CardHost();
-
     /// Starts the host with more of its options and tells the terminal of the device folder where it is. An
     /// earlier host ends first. Returns what went wrong, else an empty text.
     QString start(const QStringList& options);
 
   private:
-    QProcess process_;
+    cardhost::StartedHost host_;
 };
 
 }  // namespace pilot

@@ -364,6 +364,33 @@ Attempt Pilot::attempt(const Step& step) {
             return answer(step);
         case Command::Key:
             return pressKey(step);
+        case Command::Tear:
+            return ready([this] { tear(); });
+        case Command::Host:
+            return {{}, [this, options = textOf(step)] {
+                        return cardHost_.start(QProcess::splitCommand(options));
+                    }};
+        case Command::Swipe:
+            return swipe(step);
+        case Command::TimeOut:
+            return ready([unit = std::chrono::milliseconds(step.numbers[0])] {
+                platform::message::Component::setTimeOutUnit(unit);
+            });
+        case Command::Remove:
+            return {{}, [name = textOf(step)] { return removeFile(name); }};
+        case Command::Shot:
+            return ready([this, name = textOf(step)] { saveShot(name); });
+        case Command::Paper:
+            return savePaper(textOf(step));
+        case Command::Quit:
+            return {};
+        default:
+            return expect(step);
+    }
+}
+
+Attempt Pilot::expect(const Step& step) {
+    switch (step.command) {
         case Command::ExpectMessage:
         case Command::ExpectCaption:
             return expectMessage(step);
@@ -388,28 +415,9 @@ Attempt Pilot::attempt(const Step& step) {
             return compareRoll(step);
         case Command::ExpectPrinted:
             return expectPrinted(step);
-        case Command::Tear:
-            return ready([this] { tear(); });
-        case Command::Host:
-            return {{}, [this, options = textOf(step)] {
-                        return cardHost_.start(QProcess::splitCommand(options));
-                    }};
-        case Command::Swipe:
-            return swipe(step);
-        case Command::TimeOut:
-            return ready([unit = std::chrono::milliseconds(step.numbers[0])] {
-                platform::message::Component::setTimeOutUnit(unit);
-            });
-        case Command::Remove:
-            return {{}, [name = textOf(step)] { return removeFile(name); }};
-        case Command::Shot:
-            return ready([this, name = textOf(step)] { saveShot(name); });
-        case Command::Paper:
-            return savePaper(textOf(step));
-        case Command::Quit:
-            break;
+        default:
+            return {};
     }
-    return {};
 }
 
 QString Pilot::rollSoFar() {

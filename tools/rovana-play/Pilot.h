@@ -62,6 +62,7 @@ class Pilot : public QObject {
     void miss(const Step& step, const QString& problem);
     void advance();
     Attempt attempt(const Step& step);
+    Attempt expect(const Step& step);
     Attempt compareRoll(const Step& step);
     Attempt expectPrinted(const Step& step);
     void saveShot(const QString& name);

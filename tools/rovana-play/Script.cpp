@@ -8,6 +8,8 @@
 #include <optional>
 #include <utility>
 
+#include "platform/WholeFile.h"
+
 namespace pilot {
 namespace {
 
@@ -216,70 +218,85 @@ class LineReader {
     QString error_;
 };
 
+void readAddress(LineReader& line, Address* at) {
+    const QString word = line.word();
+    const std::optional<Address> read = address(word);
+    if (!read) return line.fail(u"no address of the form DIALOG.CONTROL: %1"_s.arg(word));
+    *at = *read;
+}
+
+void readNumber(LineReader& line, int least, Step* step) {
+    const QString word = line.word();
+    const std::optional<int> number = wholeNumber(word, least);
+    if (!number) return line.fail(u"no number from %1 on: %2"_s.arg(least).arg(word));
+    step->numbers << *number;
+}
+
+void readRow(LineReader& line, Step* step) {
+    if (!line.rest().startsWith(u'=')) return readNumber(line, 1, step);
+    line.skip(1);
+    step->numbers << 0;
+    step->texts << line.text();
+}
+
+void readName(LineReader& line, Step* step) {
+    const QString word = line.word();
+    const bool isName = std::all_of(word.begin(), word.end(), [](QChar character) {
+        return character.isLetterOrNumber() || character == u'-' || character == u'_';
+    });
+    if (!isName || word.isEmpty()) return line.fail(u"no name for a file: %1"_s.arg(word));
+    step->texts << word;
+}
+
+void readReply(LineReader& line, Step* step) {
+    const QString word = line.word();
+    const bool isFirst = word == u"ok" || word == u"yes";
+    if (!isFirst && word != u"cancel" && word != u"no") return line.fail(u"no answer: %1"_s.arg(word));
+    step->numbers << (isFirst ? 1 : 0);
+}
+
+void readKey(LineReader& line, Step* step) {
+    const QString word = line.word();
+    const int key = keyboardKey(word);
+    if (key == 0) return line.fail(u"no key: %1"_s.arg(word));
+    step->numbers << key;
+}
+
+void readMoment(LineReader& line, Step* step) {
+    const QString day = line.word();
+    QString time = line.word();
+    if (time.size() == 5) time += u":00"_s;
+    step->moment = QDateTime::fromString(day + u' ' + time, u"yyyy-MM-dd HH:mm:ss"_s);
+    if (!step->moment.isValid()) line.fail(u"no date and time: %1 %2"_s.arg(day, time));
+}
+
 void readOperand(Operand operand, LineReader& line, Step* step) {
     if (line.atEnd() && operand != Operand::Text) return line.fail(u"something is missing"_s);
     switch (operand) {
         case Operand::Address:
-        case Operand::Goal: {
-            const QString word = line.word();
-            const std::optional<Address> at = address(word);
-            if (!at) return line.fail(u"no address of the form DIALOG.CONTROL: %1"_s.arg(word));
-            (operand == Operand::Goal ? step->to : step->at) = *at;
-            return;
-        }
+            return readAddress(line, &step->at);
+        case Operand::Goal:
+            return readAddress(line, &step->to);
         case Operand::Number:
-        case Operand::Position: {
-            const int least = operand == Operand::Position ? 1 : 0;
-            const QString word = line.word();
-            const std::optional<int> number = wholeNumber(word, least);
-            if (!number) return line.fail(u"no number from %1 on: %2"_s.arg(least).arg(word));
-            step->numbers << *number;
-            return;
-        }
+            return readNumber(line, 0, step);
+        case Operand::Position:
+            return readNumber(line, 1, step);
         case Operand::Row:
-            if (!line.rest().startsWith(u'=')) return readOperand(Operand::Position, line, step);
-            line.skip(1);
-            step->numbers << 0;
-            step->texts << line.text();
-            return;
+            return readRow(line, step);
         case Operand::Word:
             step->texts << line.word();
             return;
         case Operand::Text:
             step->texts << line.text();
             return;
-        case Operand::Name: {
-            const QString word = line.word();
-            const bool isName = std::all_of(word.begin(), word.end(), [](QChar character) {
-                return character.isLetterOrNumber() || character == u'-' || character == u'_';
-            });
-            if (!isName || word.isEmpty()) return line.fail(u"no name for a file: %1"_s.arg(word));
-            step->texts << word;
-            return;
-        }
-        case Operand::Reply: {
-            const QString word = line.word();
-            const bool isFirst = word == u"ok" || word == u"yes";
-            if (!isFirst && word != u"cancel" && word != u"no")
-                return line.fail(u"no answer: %1"_s.arg(word));
-            step->numbers << (isFirst ? 1 : 0);
-            return;
-        }
-        case Operand::Key: {
-            const QString word = line.word();
-            const int key = keyboardKey(word);
-            if (key == 0) return line.fail(u"no key: %1"_s.arg(word));
-            step->numbers << key;
-            return;
-        }
-        case Operand::Moment: {
-            const QString day = line.word();
-            QString time = line.word();
-            if (time.size() == 5) time += u":00"_s;
-            step->moment = QDateTime::fromString(day + u' ' + time, u"yyyy-MM-dd HH:mm:ss"_s);
-            if (!step->moment.isValid()) line.fail(u"no date and time: %1 %2"_s.arg(day, time));
-            return;
-        }
+        case Operand::Name:
+            return readName(line, step);
+        case Operand::Reply:
+            return readReply(line, step);
+        case Operand::Key:
+            return readKey(line, step);
+        case Operand::Moment:
+            return readMoment(line, step);
         case Operand::KeypadKeys:
         case Operand::Keys:
         case Operand::Addresses:
@@ -458,12 +475,12 @@ Script parseScript(const QString& text) {
 
 Script readScript(const QString& file) {
     Script script;
-    QFile input(file);
-    if (!input.open(QIODevice::ReadOnly)) {
-        script.errors << u"cannot be read: %1"_s.arg(input.errorString());
+    QString error;
+    if (const auto content = platform::readWholeFile(file, &error); !content) {
+        script.errors << u"cannot be read: %1"_s.arg(error);
     } else {
         QStringDecoder decoder(QStringDecoder::Utf8);
-        const QString text = decoder(input.readAll());
+        const QString text = decoder(*content);
         if (decoder.hasError()) {
             script.errors << u"is not in UTF-8"_s;
         } else {

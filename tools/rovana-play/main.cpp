@@ -4,7 +4,7 @@
 #include <QTimer>
 #include <cstdio>
 #include <memory>
-#include <tuple>
+#include <optional>
 
 #include "Screens.h"
 #include "app/RovanaApp.h"
@@ -30,10 +30,18 @@ int fail(const QString& error, int exitCode) {
     return exitCode;
 }
 
-}  // namespace
+/// What the program is called with.
+struct Call {
+    QString script;
+    QString device;
+    QString scale;  ///< Empty for Qt's own.
+    bool isOnDesk = false;
+    bool isByPointer = false;
+    pilot::Options options;
+};
 
-int main(int argc, char* argv[]) {
-    platform::keepToOwner();
+/// Reads the call; the exit code when the program ends with it.
+std::optional<int> readCall(int argc, char** argv, Call* call) {
     QCommandLineParser parser;
     parser.setApplicationDescription(u"Plays a visit script on the terminal's screens."_s);
     parser.addPositionalArgument(u"FILE.visit"_s, u"The script."_s);
@@ -50,27 +58,68 @@ int main(int argc, char* argv[]) {
     QStringList arguments;
     for (int i = 0; i < argc; ++i) arguments << QString::fromLocal8Bit(argv[i]);
     if (!parser.parse(arguments)) return fail(parser.errorText(), kUsageError);
-    const bool isHelpWanted = parser.isSet(help);
-    if (!isHelpWanted && parser.positionalArguments().size() != 1)
-        return fail(u"one script is wanted, see --help"_s, kUsageError);
-    if (isHelpWanted) {
+    if (parser.isSet(help)) {
         // The text needs an application object, but no display.
         const QCoreApplication passing(argc, argv);
         parser.showHelp();
     }
-    // The scale has to be known before Qt starts.
-    const QString size = parser.isSet(scale) ? parser.value(scale) : parser.isSet(shots) ? u"2"_s : QString();
+    if (parser.positionalArguments().size() != 1)
+        return fail(u"one script is wanted, see --help"_s, kUsageError);
+    call->script = parser.positionalArguments().constFirst();
+    call->device = parser.value(device);
+    call->scale = parser.isSet(scale) ? parser.value(scale) : parser.isSet(shots) ? u"2"_s : QString();
     bool isSize = true;
-    if (!size.isEmpty() && (size.toDouble(&isSize) <= 0 || !isSize))
-        return fail(u"no scale: %1"_s.arg(size), kUsageError);
-    if (!size.isEmpty()) qputenv("QT_SCALE_FACTOR", size.toUtf8());
+    if (!call->scale.isEmpty() && (call->scale.toDouble(&isSize) <= 0 || !isSize))
+        return fail(u"no scale: %1"_s.arg(call->scale), kUsageError);
+    call->isOnDesk = parser.isSet(onDesk);
+    call->isByPointer = parser.isSet(byPointer);
+    call->options.shots = parser.value(shots);
+    call->options.paceMs = parser.value(pace).toInt();
+    call->options.approve = qEnvironmentVariableIntValue("ROVANA_APPROVE") == 1;
+    return std::nullopt;
+}
+
+/// The window of the terminal: itself, or its desk.
+std::unique_ptr<QWidget> makeWindow(ui::Terminal* terminal, bool isOnDesk) {
+    if (!isOnDesk) return std::unique_ptr<QWidget>(terminal);
+    // The desk takes the terminal over.
+    auto window = std::make_unique<desk::Desk>(terminal, platform::Settings());
+    window->resize(desk::kDeskSize);
+    return window;
+}
+
+/// Plays the script in that window, inside the event loop, as the program runs without a script.
+int play(const pilot::Script& script, const Call& call, QWidget& window) {
+    if (call.isByPointer) pilot::useDisplay();
+    pilot::Pilot player(script, call.options);
+    // At once: a program that hangs while it closes shall still have told why.
+    QObject::connect(&player, &pilot::Pilot::missed, &player,
+                     [](const QString& failure) { fail(failure, 1); });
+    int exitCode = 0;
+    QTimer::singleShot(0, &window, [&] {
+        player.start();
+        exitCode = app::CRovanaApp().run();
+        QCoreApplication::quit();
+    });
+    QApplication::exec();
+    return player.finish() ? exitCode : 1;
+}
+
+}  // namespace
+
+int main(int argc, char* argv[]) {
+    platform::keepToOwner();
+    Call call;
+    if (const std::optional<int> exitCode = readCall(argc, argv, &call)) return *exitCode;
+    // The scale has to be known before Qt starts.
+    if (!call.scale.isEmpty()) qputenv("QT_SCALE_FACTOR", call.scale.toUtf8());
 
     QApplication application(argc, argv);
-    const pilot::Script script = pilot::readScript(parser.positionalArguments().constFirst());
+    const pilot::Script script = pilot::readScript(call.script);
     for (const QString& error : script.errors) fail(u"%1: %2"_s.arg(script.file, error), kUsageError);
     if (!script.errors.isEmpty()) return kUsageError;
 
-    platform::device::setFolder(platform::device::choose(parser.value(device)));
+    platform::device::setFolder(platform::device::choose(call.device));
     if (!QFileInfo::exists(platform::device::path(platform::device::kDatabaseFile)))
         return fail(u"no terminal in %1; \"rovanactl init\" makes one"_s.arg(platform::device::folder()),
                     kUsageError);
@@ -85,37 +134,12 @@ int main(int argc, char* argv[]) {
     QApplication::setCursorFlashTime(0);  // Screenshots of the same screen are the same.
     ui::prepareFonts();
     registerScreens();
-    auto* terminal = new ui::Terminal;
-    std::unique_ptr<QWidget> window(terminal);
-    if (parser.isSet(onDesk)) {
-        // The desk takes the terminal over.
-        std::ignore = window.release();
-        window = std::make_unique<desk::Desk>(terminal, platform::Settings());
-        window->resize(desk::kDeskSize);
-    }
+    const std::unique_ptr<QWidget> window = makeWindow(new ui::Terminal, call.isOnDesk);
     window->setVisible(true);
     window->activateWindow();
     QObject::connect(&lock, &platform::TerminalLock::startedAgain, window.get(), [&window] {
         window->raise();
         window->activateWindow();
     });
-
-    pilot::Options options;
-    options.shots = parser.value(shots);
-    options.paceMs = parser.value(pace).toInt();
-    options.approve = qEnvironmentVariableIntValue("ROVANA_APPROVE") == 1;
-    if (parser.isSet(byPointer)) pilot::useDisplay();
-    pilot::Pilot player(script, options);
-    // At once: a program that hangs while it closes shall still have told why.
-    QObject::connect(&player, &pilot::Pilot::missed, &player,
-                     [](const QString& failure) { fail(failure, 1); });
-    int exitCode = 0;
-    // The program runs inside the event loop, as it does without a script.
-    QTimer::singleShot(0, terminal, [&] {
-        player.start();
-        exitCode = app::CRovanaApp().run();
-        QCoreApplication::quit();
-    });
-    QApplication::exec();
-    return player.finish() ? exitCode : 1;
+    return play(script, call, *window);
 }

@@ -34,8 +34,17 @@ QString newTerminal() {
     return digits;
 }
 
-Outcome setCardHost(const Invocation& call) {
-    const QCommandLineParser& options = call.options;
+/// What a call asks for.
+struct Wanted {
+    QHostAddress address;
+    quint16 port = 0;
+    QString terminal;  ///< Empty when none is named.
+    QString keyFile;
+    PublicKey key;
+};
+
+/// Reads the call's options and the key; a failure when they are not as they must be.
+Outcome readOptions(const QCommandLineParser& options, Wanted* wanted) {
     const std::optional<platform::Endpoint> host = platform::parseEndpoint(options.value(u"host"_s));
     if (!options.isSet(u"host"_s) || !options.isSet(u"key"_s) ||
         (options.isSet(u"port"_s) == (host && host->port > 0)))
@@ -54,26 +63,41 @@ Outcome setCardHost(const Invocation& call) {
     const std::optional<PublicKey> key = parsePublicKey(file.read(kLargestKeyFile));
     if (!key)
         return failure(u"%1 holds no public key: 64 hexadecimal digits are wanted"_s.arg(file.fileName()));
-    if (startCipher() != kDone) return failure(u"the cipher library does not start"_s);
+    *wanted = {host->address, port, terminal, file.fileName(), *key};
+    return {};
+}
+
+/// Why the terminal may not go to the host with that key under that number; empty when it may.
+QString findHindrance(const PublicKey& key, QStringView terminal) {
     // Another host has never seen the payment, and would let the terminal say that nothing was charged.
     PublicKey before{};
-    if (readHostKey(&before) == kDone && before != *key && books::hasUnsettledPayments()) {
-        return failure(
-            u"what became of a payment is open, and only the host of before can tell: log in at the terminal "
-            u"while it answers, or see \"rovanactl journal --help\""_s);
+    if (readHostKey(&before) == kDone && before != key && books::hasUnsettledPayments()) {
+        return u"what became of a payment is open, and only the host of before can tell: log in at the "
+               u"terminal while it answers, or see \"rovanactl journal --help\""_s;
     }
 
     SavedValues values;
-    readSavedValues(&values);  // Without readable ones they are made anew.
+    readSavedValues(&values);
     // The host knows a payment by the number of the terminal that sent it.
     const QString known = values.value(kTerminalKey.toString());
     const bool isAnother = known.isEmpty() ? terminal.isEmpty() : !terminal.isEmpty() && terminal != known;
     if (isAnother && books::hasUnsettledPayments()) {
-        return failure(
-            u"what became of a payment is open, and the host tells it to the number of before only: give "
-            u"that with --terminal, or see \"rovanactl journal --help\""_s);
+        return u"what became of a payment is open, and the host tells it to the number of before only: give "
+               u"that with --terminal, or see \"rovanactl journal --help\""_s;
     }
-    values[kHostAddressKey.toString()] = savedAddress(host->address);
+    return {};
+}
+
+Outcome setCardHost(const Invocation& call) {
+    Wanted wanted;
+    if (Outcome wrong = readOptions(call.options, &wanted); wrong.exitCode != kSuccess) return wrong;
+    const auto& [address, port, terminal, keyFile, key] = wanted;
+    if (startCipher() != kDone) return failure(u"the cipher library does not start"_s);
+    if (const QString hindrance = findHindrance(key, terminal); !hindrance.isEmpty())
+        return failure(hindrance);
+    SavedValues values;
+    readSavedValues(&values);  // Without readable ones they are made anew.
+    values[kHostAddressKey.toString()] = savedAddress(address);
     values[kHostPortKey.toString()] = QString::number(port);
     QString& number = values[kTerminalKey.toString()];
     if (!terminal.isEmpty()) number = terminal;
@@ -86,15 +110,15 @@ Outcome setCardHost(const Invocation& call) {
             platform::device::path(kSigningKeyFile),
             error.isEmpty() ? QString() : u", and none can be written: "_s + error));
     }
-    if (!writeCardHost(values, *key, &error)) {
+    if (!writeCardHost(values, key, &error)) {
         return failure(
             u"the card host could not be written to %1 (%2); it is as it was; is there a device folder?"_s
                 .arg(QFileInfo(platform::device::path(kSavedValuesFile)).absolutePath(), error));
     }
-    call.out << u"terminal "_s << number << u" uses the card host "_s
-             << platform::endpointText(host->address, port) << u'\n';
+    call.out << u"terminal "_s << number << u" uses the card host "_s << platform::endpointText(address, port)
+             << u'\n';
     // A host of this machine, as that of the demonstration, is told here and now.
-    const QString hostFolder = QFileInfo(file).absolutePath();
+    const QString hostFolder = QFileInfo(keyFile).absolutePath();
     const bool isHere = QFileInfo(hostFolder + u"/host.key"_s).isWritable();
     if (isHere && cardhost::enrolTerminal(hostFolder, number, own.publicKey, &error)) {
         call.out << u"and is enrolled there\n"_s;

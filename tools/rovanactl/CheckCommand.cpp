@@ -14,12 +14,13 @@
 #include "platform/Clock.h"
 #include "platform/Device.h"
 #include "platform/Settings.h"
+#include "platform/Sqlite.h"
+#include "platform/WholeFile.h"
 #include "platform/adoce/DatabaseFile.h"
 #include "platform/message/SavedValues.h"
 #include "rovanactl/Command.h"
 #include "rovanactl/DatabaseCheck.h"
 #include "rovanactl/DatabaseCopy.h"
-#include "rovanactl/SqliteFile.h"
 
 namespace admin {
 namespace {
@@ -122,16 +123,16 @@ void checkSettings(SqliteFile& database, Findings& findings) {
                      makeFolder(QFileInfo(path).absolutePath()));
         return;
     }
-    QFile file(path);
-    if (!file.exists()) {
+    if (!QFileInfo::exists(path)) {
         findings.note(u"%1 is missing; the terminal offers the user \"A\""_s.arg(path));
         return;
     }
-    if (!file.open(QIODevice::ReadOnly)) {
+    const std::optional<QByteArray> content = platform::readWholeFile(path);
+    if (!content) {
         findings.add(u"%1 cannot be read"_s.arg(path), repairCommand(), permit(path, kOwnFile));
         return;
     }
-    const QString user = QString::fromLatin1(file.readAll().trimmed().left(1));
+    const QString user = QString::fromLatin1(content->trimmed().left(1));
     const auto found = database.rows(u"SELECT userID FROM PDAUSER WHERE userID = ?"_s, {user});
     if (!user.isEmpty() && found && found->isEmpty()) {
         findings.add(u"%1 offers the user \"%2\", who is not in PDAUSER"_s.arg(path, user),

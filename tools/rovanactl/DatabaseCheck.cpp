@@ -33,7 +33,7 @@ QList<Departure> findDepartures(SqliteFile& database) {
             firstColumn(database, u"SELECT name FROM pragma_table_info(?)"_s, table.name);
         if (columns.isEmpty()) {
             departures << Departure{u"the table %1 is missing"_s.arg(table.name),
-                                    createTableStatement(table.name), u"table "_s % table.name};
+                                    db::schema::createStatement(table), u"table "_s % table.name};
             continue;
         }
         QStringList expected;
@@ -61,7 +61,7 @@ QList<Departure> findDepartures(SqliteFile& database) {
         if (index.columns.compare(columns.join(u", "_s), Qt::CaseInsensitive) == 0) continue;
         departures << Departure{
             u"the index %1 is missing or another; searches are slow"_s.arg(index.name),
-            u"DROP INDEX IF EXISTS %1; "_s.arg(index.name) % createIndexStatement(index.name),
+            u"DROP INDEX IF EXISTS %1; "_s.arg(index.name) % db::schema::createStatement(index),
             u"index "_s % index.name};
     }
     return departures;

@@ -3,9 +3,11 @@
 #include <QList>
 #include <QString>
 
-#include "rovanactl/SqliteFile.h"
+#include "platform/Sqlite.h"
 
 namespace admin {
+
+using platform::SqliteFile;
 
 /// What SQLite's own examination of the whole file finds first; empty when the file is sound.
 QString findDamage(SqliteFile& database);

@@ -2,9 +2,11 @@
 
 #include <QString>
 
-#include "rovanactl/SqliteFile.h"
+#include "platform/Sqlite.h"
 
 namespace admin {
+
+using platform::SqliteFile;
 
 /// The ends of the names of what SQLite keeps beside a database.
 inline constexpr QStringView kJournalSuffixes[] = {u"-wal", u"-shm", u"-journal"};

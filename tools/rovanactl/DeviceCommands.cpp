@@ -13,6 +13,7 @@
 #include <optional>
 
 #include "platform/Address.h"
+#include "platform/CardNumber.h"
 #include "platform/Device.h"
 #include "platform/Settings.h"
 #include "platform/termdev/CardReader.h"
@@ -158,18 +159,6 @@ Outcome printTest(const Invocation& call) {
                        .arg(status.waitingJobs));
 }
 
-/// The account number of track 2 with the digits hidden that may not be shown.
-QString maskedAccount(QByteArrayView track2) {
-    constexpr qsizetype kShownFirst = 6;
-    constexpr qsizetype kShownLast = 4;
-    constexpr qsizetype kShortestShown = 13;  // Of a shorter one these would be too much.
-    const qsizetype digits = std::max<qsizetype>(0, track2.indexOf('=') - 1);
-    const QByteArrayView account = digits > 0 ? track2.sliced(1, digits) : QByteArrayView();
-    if (digits < kShortestShown) return QString(digits, u'*');
-    return QString::fromLatin1(account.first(kShownFirst)) +
-           QString(digits - kShownFirst - kShownLast, u'*') + QString::fromLatin1(account.last(kShownLast));
-}
-
 void addSwipeTestOptions(QCommandLineParser& parser) {
     parser.addOption({u"seconds"_s, u"How long to wait for a card, 30 without it."_s, u"N"_s, u"30"_s});
 }
@@ -192,7 +181,9 @@ Outcome swipeTest(const Invocation& call) {
     reader.setReceiver([&](int) {
         char buffer[kTrackBufferBytes];
         reader.readTrack(2, buffer);
-        told = u"card %1, track 2 of %2 characters"_s.arg(maskedAccount(buffer)).arg(qstrlen(buffer));
+        told =
+            u"card %1, track 2 of %2 characters"_s.arg(platform::maskedCardNumber(QLatin1StringView(buffer)))
+                .arg(qstrlen(buffer));
         reader.readTrack(3, buffer);
         *told += u", track 3 of %1"_s.arg(qstrlen(buffer));
         sodium_memzero(buffer, sizeof buffer);

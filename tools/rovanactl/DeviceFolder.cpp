@@ -10,15 +10,16 @@
 #include "db/ImportFile.h"
 #include "db/Schema.h"
 #include "platform/Device.h"
+#include "platform/Sqlite.h"
 #include "platform/Sync.h"
 #include "platform/WholeFile.h"
 #include "rovanactl/DeliveredTable.h"
-#include "rovanactl/SqliteFile.h"
 
 namespace admin {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
+using platform::SqliteFile;
 
 /// Keeps what is made while it lives from everyone but the owner: the database holds passwords.
 class OwnerOnly {
@@ -65,9 +66,7 @@ QString createDatabase(const QString& path, const QList<Row>& rows) {
     const auto fault = [&] { return u"%1 cannot be made: %2"_s.arg(path, file.errorText()); };
     if (!file.isOpen()) return fault();
     QString script = u"PRAGMA encoding='UTF-8'; PRAGMA synchronous=FULL; BEGIN;"_s;
-    for (const db::schema::Table& table : db::schema::tables()) script += createTableStatement(table.name);
-    for (const db::schema::Index& index : db::schema::indexes()) script += createIndexStatement(index.name);
-    script += u"PRAGMA user_version=%1;"_s.arg(db::schema::kVersion);
+    script += db::schema::createStatements() + u"PRAGMA user_version=%1;"_s.arg(db::schema::kVersion);
     if (!file.execute(script)) return fault();
     for (const Row& row : rows) {
         const QString places = QStringList(row.values.size(), u"?"_s).join(u',');

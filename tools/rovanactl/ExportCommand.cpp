@@ -4,16 +4,17 @@
 #include "db/Schema.h"
 #include "platform/CodePage.h"
 #include "platform/Device.h"
+#include "platform/Sqlite.h"
 #include "rovanactl/Command.h"
 #include "rovanactl/Csv.h"
 #include "rovanactl/DeliveredTable.h"
 #include "rovanactl/ExportFolder.h"
-#include "rovanactl/SqliteFile.h"
 
 namespace admin {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
+using platform::SqliteFile;
 
 /// The line buffer of the import, line end included.
 constexpr qsizetype kLongestLineBytes = 1023;

@@ -2,9 +2,11 @@
 
 #include <QString>
 
-#include "rovanactl/SqliteFile.h"
+#include "platform/Sqlite.h"
 
 namespace admin {
+
+using platform::SqliteFile;
 
 /// True when the database has payments that a backup of before may not know.
 bool hasPayments(SqliteFile& database);

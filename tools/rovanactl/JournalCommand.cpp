@@ -2,10 +2,11 @@
 
 #include "books/PaymentJournal.h"
 #include "platform/Device.h"
+#include "platform/Digits.h"
+#include "platform/Sqlite.h"
 #include "platform/message/Frame.h"
 #include "rovanactl/Command.h"
 #include "rovanactl/DatabaseCopy.h"
-#include "rovanactl/SqliteFile.h"
 
 namespace admin {
 namespace {
@@ -22,8 +23,7 @@ void addJournalOptions(QCommandLineParser& parser) {
 
 bool isTransactionNumber(const QString& text) {
     constexpr qsizetype kDigits = 12;
-    return text.size() == kDigits &&
-           std::ranges::all_of(text, [](QChar c) { return c >= u'0' && c <= u'9'; });
+    return text.size() == kDigits && platform::areDigits(text);
 }
 
 /// Why the payment cannot be settled so; empty when it can.

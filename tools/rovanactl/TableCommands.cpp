@@ -6,6 +6,8 @@
 #include <iterator>
 
 #include "db/Query.h"
+#include "platform/Digits.h"
+#include "platform/WholeFile.h"
 #include "rovanactl/Command.h"
 #include "rovanactl/Csv.h"
 #include "rovanactl/DeliveredTable.h"
@@ -113,14 +115,13 @@ Outcome load(const Invocation& call) {
             u"\"%1\" is not a delivered table; load fills one of %2"_s.arg(call.arguments[0], tableNames()));
     }
     if (Outcome missing = requireTable(table->name); missing.exitCode != kSuccess) return missing;
-    QFile file(call.arguments[1]);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return failure(u"%1 cannot be read: %2"_s.arg(file.fileName(), file.errorString()));
-    }
+    const QString& path = call.arguments[1];
+    QString error;
+    const std::optional<QByteArray> content = platform::readWholeFile(path, &error);
+    if (!content) return failure(u"%1 cannot be read: %2"_s.arg(path, error));
     QList<QStringList> rows;
-    if (const QString error = readRows(*table, file.readAll(), &rows); !error.isEmpty()) {
-        return failure(u"%1: %2; nothing has changed"_s.arg(file.fileName(), error));
-    }
+    error = readRows(*table, *content, &rows);
+    if (!error.isEmpty()) return failure(u"%1: %2; nothing has changed"_s.arg(path, error));
     db::Transaction transaction;
     const bool isStored =
         runIn(transaction, table->deleteAll()) && std::ranges::all_of(rows, [&](const QStringList& row) {
@@ -180,9 +181,8 @@ QString applyPassword(const Invocation& call, QStringList* row) {
     if (!call.options.isSet(u"password"_s)) return {};
     QString password = call.options.value(u"password"_s);
     if (password == u"-") password = call.in.readLine();
-    const bool isKeyable =
-        !password.isEmpty() && std::ranges::all_of(password, [](QChar c) { return c >= u'0' && c <= u'9'; });
-    if (!isKeyable) return u"the password must be digits, as the keypad of the login has nothing else"_s;
+    if (!platform::areDigits(password))
+        return u"the password must be digits, as the keypad of the login has nothing else"_s;
     (*row)[user::kPassword] = password;
     return {};
 }

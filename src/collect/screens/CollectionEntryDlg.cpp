@@ -21,6 +21,7 @@ namespace collect {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
+using platform::groupThousands;
 using platform::Won;
 
 constexpr int kFirstRowTop = 26;
@@ -58,13 +59,9 @@ constexpr Value kValues[] = {
 };
 constexpr int kResultingReceivable = 1091;
 
-QString grouped(Won amount) {
-    return platform::groupDigits(platform::formatWon(amount));
-}
-
 void tellExcess(Won excess) {
     ui::message(u"용공초과액이 ['%1'원] 발생하였습니다. 매출금액과 결제금액을 다시 확인하세요..!!"_s.arg(
-        grouped(excess)));
+        groupThousands(excess)));
 }
 
 }  // namespace
@@ -203,8 +200,9 @@ Won CCollectionEntryDlg::takeOver(Won recovery) {
 }
 
 void CCollectionEntryDlg::askToTakeOver(Won recovery) {
-    if (!ui::confirm(u"용공회수전표의 금액은 ['%1'원]입니다. 용공회수액을 바꿀까요?"_s.arg(grouped(recovery)),
-                     u"용공회수액"_s)) {
+    if (!ui::confirm(
+            u"용공회수전표의 금액은 ['%1'원]입니다. 용공회수액을 바꿀까요?"_s.arg(groupThousands(recovery)),
+            u"용공회수액"_s)) {
         return;
     }
     const Won excess = takeOver(recovery);
@@ -215,11 +213,12 @@ void CCollectionEntryDlg::askToTakeOver(Won recovery) {
 
 void CCollectionEntryDlg::showAmounts() {
     for (const Value& value : kValues)
-        setFittedText(value.control, grouped(amounts_.*value.amount), ui::FontHeight::Small);
+        setFittedText(value.control, groupThousands(amounts_.*value.amount), ui::FontHeight::Small);
     // A simple payment has nothing to do with the debt.
-    setFittedText(kResultingReceivable,
-                  grouped(isSimplePayment_ ? amounts_.previousReceivable : resultingReceivable(amounts_)),
-                  ui::FontHeight::Small);
+    setFittedText(
+        kResultingReceivable,
+        groupThousands(isSimplePayment_ ? amounts_.previousReceivable : resultingReceivable(amounts_)),
+        ui::FontHeight::Small);
 }
 
 void CCollectionEntryDlg::keyAmount(const QString& title, Key key) {
@@ -352,7 +351,7 @@ void CCollectionEntryDlg::finish() {
     if (isPaidOnLine && !books::isChargeOneAmount(amounts_)) {
         const bool isCard = books::chargeKind(amounts_) == books::ChargeKind::Card;
         ui::message(u"%1금액이 결제할 금액 ['%2'원]과 다릅니다..! [%1입금]을 다시 누르세요!!"_s.arg(
-            isCard ? u"카드"_s : u"현금"_s, grouped(books::amountToSettle(amounts_))));
+            isCard ? u"카드"_s : u"현금"_s, groupThousands(books::amountToSettle(amounts_))));
         return;
     }
     if (!isPaymentSettled()) return;

@@ -14,6 +14,7 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 using platform::formatWon;
+using platform::groupThousands;
 using platform::Won;
 
 struct AmountRow {
@@ -29,10 +30,6 @@ constexpr AmountRow kRows[] = {
 };
 constexpr int kTotalButton = 1130;
 constexpr int kTotalValue = 1104;
-
-QString grouped(Won amount) {
-    return platform::groupDigits(platform::formatWon(amount));
-}
 
 }  // namespace
 
@@ -77,9 +74,9 @@ CSimplePaymentDlg::CSimplePaymentDlg() : Screen(app::dialogs::kSimplePayment) {
 
 void CSimplePaymentDlg::showAmounts() {
     for (const AmountRow& row : kRows) {
-        setFittedText(row.value, grouped(value(amounts_, row.which)), ui::FontHeight::Medium);
+        setFittedText(row.value, groupThousands(value(amounts_, row.which)), ui::FontHeight::Medium);
     }
-    setFittedText(kTotalValue, grouped(amounts_.total), ui::FontHeight::Medium);
+    setFittedText(kTotalValue, groupThousands(amounts_.total), ui::FontHeight::Medium);
 }
 
 void CSimplePaymentDlg::keyAmount(SimpleAmount which, const QString& title) {
@@ -87,7 +84,7 @@ void CSimplePaymentDlg::keyAmount(SimpleAmount which, const QString& title) {
     if (!keyed) return;
     const Won excess = keySimpleAmount(amounts_, which, *keyed);
     if (!excess.isZero()) {
-        ui::message(u"용공초과액이 ['%1'원] 발생하였습니다. 확인하세요!!"_s.arg(grouped(excess)));
+        ui::message(u"용공초과액이 ['%1'원] 발생하였습니다. 확인하세요!!"_s.arg(groupThousands(excess)));
     }
     showAmounts();
 }

@@ -85,22 +85,19 @@ bool Connection::IsUsable() const {
 }
 
 QString Field::Name() const {
-    if (recordset_->statement_ == nullptr) return {};
-    return QString::fromUtf8(sqlite3_column_name(recordset_->statement_->handle, index_));
+    return recordset_->statement_.isEmpty() ? QString() : recordset_->statement_.name(index_);
 }
 
 HResult Field::Value(QVariant* value) const {
     value->clear();
     if (!recordset_->hasRow_) return kFail;
-    if (sqlite3_column_type(recordset_->statement_->handle, index_) == SQLITE_NULL) return kOk;
-    const auto* text =
-        reinterpret_cast<const char*>(sqlite3_column_text(recordset_->statement_->handle, index_));
-    *value = QString::fromUtf8(text, sqlite3_column_bytes(recordset_->statement_->handle, index_));
+    if (!recordset_->statement_.isNull(index_)) *value = recordset_->statement_.text(index_);
     return kOk;
 }
 
 int Fields::Count() const {
-    return field_.recordset_->statement_ ? sqlite3_column_count(field_.recordset_->statement_->handle) : 0;
+    const SqliteStatement& statement = field_.recordset_->statement_;
+    return statement.isEmpty() ? 0 : statement.columns();
 }
 
 HResult Fields::Item(const QVariant& index, Field** field) {
@@ -129,31 +126,7 @@ HResult Recordset::Open(const QVariant& source, const QVariant& activeConnection
         return kFail;
     }
     file_ = connection->file();
-    QString error;
-    if (file_->isUsable()) {
-        statement_ = file_->acquire(parsed.text, &error);
-    } else {
-        error = u"the transaction is lost"_s;
-    }
-    if (statement_ == nullptr) {
-        traceFailure(error, parsed.text);
-        return kFail;
-    }
-    sqlite3_stmt* handle = statement_->handle;
-
-    // A SELECT goes on reading its values while rows are fetched, long after `parsed` serves another one.
-    // SQLite's own copies would not be wiped.
-    const char* values = parsed.values.constData();
-    if (sqlite3_stmt_readonly(handle) != 0) {
-        values_.reserve(parsed.values.size() + 1);  // Never null, which would bind NULL.
-        values_.assign(parsed.values.cbegin(), parsed.values.cend());
-        values = reinterpret_cast<const char*>(values_.data());
-    }
-    int begin = 0;
-    for (size_t i = 0; i < parsed.ends.size(); ++i) {
-        sqlite3_bind_text(handle, int(i) + 1, values + begin, parsed.ends[i] - begin, SQLITE_STATIC);
-        begin = parsed.ends[i];
-    }
+    if (!prepare(parsed)) return kFail;
     const HResult result = step();
     if (failed(result)) {
         Close();
@@ -164,9 +137,36 @@ HResult Recordset::Open(const QVariant& source, const QVariant& activeConnection
     return result;
 }
 
+bool Recordset::prepare(const ParsedStatement& parsed) {
+    if (!file_->isUsable()) {
+        traceFailure(u"the transaction is lost"_s, parsed.text);
+        return false;
+    }
+    try {
+        statement_ = file_->statement(parsed.text);
+        // A SELECT goes on reading its values while rows are fetched, long after `parsed` serves another one.
+        // SQLite's own copies would not be wiped.
+        const char* values = parsed.values.constData();
+        if (statement_.isReadOnly()) {
+            values_.reserve(parsed.values.size() + 1);  // Never null, which would bind NULL.
+            values_.assign(parsed.values.cbegin(), parsed.values.cend());
+            values = reinterpret_cast<const char*>(values_.data());
+        }
+        int begin = 0;
+        for (const int end : parsed.ends) {
+            statement_.bindBorrowed({values + begin, end - begin});
+            begin = end;
+        }
+        return true;
+    } catch (const SqliteError& error) {
+        traceFailure(QString::fromUtf8(error.what()), parsed.text);
+        Close();
+        return false;
+    }
+}
+
 HResult Recordset::Close() {
-    if (statement_ != nullptr) file_->release(statement_);
-    statement_ = nullptr;
+    statement_ = {};
     SecureBytes().swap(values_);
     file_.reset();
     rowNumber_ = -1;
@@ -175,27 +175,30 @@ HResult Recordset::Close() {
 }
 
 HResult Recordset::MoveFirst() {
-    if (statement_ == nullptr || rowNumber_ < 0) return kFail;
+    if (statement_.isEmpty() || rowNumber_ < 0) return kFail;
     if (rowNumber_ == 0 && hasRow_) return kOk;
-    sqlite3_reset(statement_->handle);
+    statement_.rewind();
     const HResult result = step();
     rowNumber_ = hasRow_ ? 0 : -1;
     return result;
 }
 
 HResult Recordset::MoveNext() {
-    if (statement_ == nullptr || !hasRow_) return kFail;
+    if (statement_.isEmpty() || !hasRow_) return kFail;
     ++rowNumber_;
     return step();
 }
 
-HResult Recordset::step() {
-    const int result = sqlite3_step(statement_->handle);
-    file_->noteResult(result);
-    hasRow_ = result == SQLITE_ROW;
-    isBroken_ = !hasRow_ && result != SQLITE_DONE;
-    if (isBroken_) traceFailure(file_->errorText(), sqlite3_sql(statement_->handle));
-    return isBroken_ ? kFail : kOk;
+HResult Recordset::step() try {
+    hasRow_ = statement_.step();
+    isBroken_ = false;
+    return kOk;
+} catch (const SqliteError& error) {
+    file_->noteFailure(error);
+    hasRow_ = false;
+    isBroken_ = true;
+    traceFailure(QString::fromUtf8(error.what()), statement_.text());
+    return kFail;
 }
 
 }  // namespace platform::adoce

@@ -6,13 +6,14 @@
 #include <memory>
 
 #include "platform/SecureBytes.h"
+#include "platform/Sqlite.h"
 
 /// The handheld's database component, reduced to the operations that the system uses, over SQLite. Statements
 /// come as text with their values in single quotes; the quoted values become bound parameters.
 namespace platform::adoce {
 
 class DatabaseFile;
-struct PreparedStatement;
+struct ParsedStatement;
 
 /// Result code of a component call: negative means failure.
 using HResult = std::int32_t;
@@ -113,12 +114,13 @@ class Recordset {
     friend class Field;
     friend class Fields;
 
+    bool prepare(const ParsedStatement& parsed);
     HResult step();
 
     Connection* active_ = nullptr;
     std::shared_ptr<DatabaseFile> file_;
-    SecureBytes values_;  ///< Of a SELECT: SQLite reads them while rows are fetched.
-    PreparedStatement* statement_ = nullptr;
+    SecureBytes values_;         ///< Of a SELECT: SQLite reads them while rows are fetched.
+    SqliteStatement statement_;  ///< Let go before the file.
     qint64 rowNumber_ = -1;
     bool hasRow_ = false;
     bool isBroken_ = false;

@@ -3,8 +3,7 @@
 #include <sys/stat.h>
 
 #include <QFile>
-#include <algorithm>
-#include <utility>
+#include <QHash>
 
 #include "platform/Trace.h"
 
@@ -12,16 +11,6 @@ namespace platform::adoce {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
-
-/// The system runs fewer distinct statements than this; the bound only stops a stray caller that builds
-/// texts.
-constexpr qsizetype kMostIdle = 256;
-
-constexpr int kBusyTimeoutMs = 3000;
-
-/// SQLite counts the memory it uses behind a lock, at every allocation. Nothing here asks for the count; it
-/// can only be switched off before the library is used.
-[[maybe_unused]] const int kWithoutMemoryCount = sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
 
 struct FileIdentity {
     dev_t device = 0;
@@ -61,17 +50,10 @@ std::shared_ptr<DatabaseFile> DatabaseFile::shared(const QString& path, QString*
     const auto known = sharedFiles().constFind(path);
     if (known != sharedFiles().constEnd() && known->identity == identity) return known->file;
 
-    sqlite3* handle = nullptr;
-    int result = sqlite3_open_v2(path.toUtf8().constData(), &handle,
-                                 SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
-    std::shared_ptr<DatabaseFile> file(new DatabaseFile(handle));
-    if (result == SQLITE_OK) {
-        sqlite3_busy_timeout(handle, kBusyTimeoutMs);
-        result = sqlite3_exec(handle, "PRAGMA journal_mode=WAL; PRAGMA synchronous=FULL;", nullptr, nullptr,
-                              nullptr);
-    }
-    if (result != SQLITE_OK) {
-        *error = u"%1: %2"_s.arg(path, file->errorText());
+    std::shared_ptr<DatabaseFile> file(new DatabaseFile(path));
+    SqliteFile& sqlite = file->sqlite_;
+    if (!sqlite.isOpen() || !sqlite.execute(u"PRAGMA journal_mode=WAL; PRAGMA synchronous=FULL;"_s)) {
+        *error = u"%1: %2"_s.arg(path, sqlite.errorText());
         return nullptr;
     }
     sharedFiles().insert(path, {identity, file});
@@ -82,81 +64,40 @@ void DatabaseFile::forgetAll() {
     sharedFiles().clear();
 }
 
-DatabaseFile::~DatabaseFile() {
-    delete last_;
-    qDeleteAll(idle_);
-    sqlite3_close_v2(handle_);
-}
-
-PreparedStatement* DatabaseFile::acquire(const QByteArray& text, QString* error) {
-    if (last_ != nullptr && last_->text == text) return std::exchange(last_, nullptr);
-    if (PreparedStatement* idle = idle_.take(text)) return idle;
-
-    const QByteArray sql = toSqlite(text);
-    sqlite3_stmt* handle = nullptr;
-    const char* tail = nullptr;
-    const int result = sqlite3_prepare_v2(handle_, sql.constData(), int(sql.size()), &handle, &tail);
-    noteResult(result);
-    if (result != SQLITE_OK) {
-        *error = errorText();
-        return nullptr;
-    }
-    if (handle == nullptr || tail != sql.constData() + sql.size()) {
-        sqlite3_finalize(handle);
-        *error = u"not one statement"_s;
-        return nullptr;
-    }
-    return new PreparedStatement(text, handle);
-}
-
-void DatabaseFile::release(PreparedStatement* statement) {
-    sqlite3_reset(statement->handle);
-    sqlite3_clear_bindings(statement->handle);
-    PreparedStatement* before = std::exchange(last_, statement);
-    if (before == nullptr) return;
-    if (idle_.size() < kMostIdle) {
-        idle_.insert(before->text, before);
-    } else {
-        delete before;
-    }
+SqliteStatement DatabaseFile::statement(const QByteArray& text) try {
+    return sqlite_.statement(toSqlite(text));
+} catch (const SqliteError& error) {
+    noteFailure(error);
+    throw;
 }
 
 bool DatabaseFile::begin() {
-    if (inTransaction_ || !run("BEGIN IMMEDIATE")) return false;
+    if (inTransaction_ || !run(u"BEGIN IMMEDIATE"_s)) return false;
     inTransaction_ = true;
     return true;
 }
 
 bool DatabaseFile::commit() {
-    if (!inTransaction_ || !isUsable() || !run("COMMIT")) return false;
+    if (!inTransaction_ || !isUsable() || !run(u"COMMIT"_s)) return false;
     inTransaction_ = false;
     return true;
 }
 
 void DatabaseFile::rollback() {
     if (!inTransaction_) return;
-    if (sqlite3_get_autocommit(handle_) == 0) run("ROLLBACK");
+    if (sqlite_.isInTransaction()) run(u"ROLLBACK"_s);
     inTransaction_ = false;
     isLost_ = false;
 }
 
-void DatabaseFile::noteResult(int result) {
+void DatabaseFile::noteFailure(const SqliteError& failure) {
     // A text that SQLite does not accept, a table that is missing: the statement is skipped, as everywhere.
-    constexpr int kOfTheStatement[] = {SQLITE_OK,     SQLITE_ROW,      SQLITE_DONE,
-                                       SQLITE_ERROR,  SQLITE_SCHEMA,   SQLITE_CONSTRAINT,
-                                       SQLITE_TOOBIG, SQLITE_MISMATCH, SQLITE_RANGE};
-    // The low byte is the code without its particulars.
-    if (inTransaction_ && std::ranges::find(kOfTheStatement, result & 0xff) == std::end(kOfTheStatement))
-        isLost_ = true;
+    if (inTransaction_ && !failure.isOfTheStatement()) isLost_ = true;
 }
 
-QString DatabaseFile::errorText() const {
-    return QString::fromUtf8(sqlite3_errmsg(handle_));
-}
-
-bool DatabaseFile::run(const char* sql) {
-    if (sqlite3_exec(handle_, sql, nullptr, nullptr, nullptr) == SQLITE_OK) return true;
-    trace(u"database: %1: %2"_s.arg(QString::fromUtf8(sql), errorText()));
+bool DatabaseFile::run(const QString& statement) {
+    if (sqlite_.execute(statement)) return true;
+    trace(u"database: %1: %2"_s.arg(statement, sqlite_.errorText()));
     return false;
 }
 

@@ -1,30 +1,16 @@
 #pragma once
 
-#include <sqlite3.h>
-
 #include <QByteArray>
-#include <QHash>
 #include <QString>
-#include <QStringView>
 #include <memory>
-#include <utility>
+
+#include "platform/Sqlite.h"
 
 namespace platform::adoce {
 
-/// One statement of SQLite's and the text that it was made from.
-struct PreparedStatement {
-    PreparedStatement(QByteArray from, sqlite3_stmt* made) : text(std::move(from)), handle(made) {}
-    ~PreparedStatement() { sqlite3_finalize(handle); }
-    PreparedStatement(const PreparedStatement&) = delete;
-    PreparedStatement& operator=(const PreparedStatement&) = delete;
-
-    const QByteArray text;
-    sqlite3_stmt* const handle;
-};
-
-/// The one SQLite handle of a database file, with its cache of prepared statements. Every connection to the
-/// file shares it, so opening a connection costs a look-up rather than a file open. For one thread only, as
-/// all database work of the system is: SQLite's own locking of the handle is off.
+/// The one SQLite connection to a database file and its transaction. Every connection of the system's to the
+/// file shares it, so opening one costs a look-up rather than a file open. For one thread only, as all
+/// database work of the system is.
 class DatabaseFile {
   public:
     /// The shared handle of the file at `path`, opened at the first call and again when the file was
@@ -35,41 +21,35 @@ class DatabaseFile {
     /// Forgets all shared handles; each closes when its last user lets go. For tests and file replacement.
     static void forgetAll();
 
-    ~DatabaseFile();
     DatabaseFile(const DatabaseFile&) = delete;
     DatabaseFile& operator=(const DatabaseFile&) = delete;
 
-    /// A prepared statement for `text`, in which every literal is a "?" already. Null on a text that SQLite
-    /// does not accept; `error` says why. Give it back with release().
-    PreparedStatement* acquire(const QByteArray& text, QString* error);
-    void release(PreparedStatement* statement);
+    /// The statement of `text`, in which every literal is a "?" already. Throws SqliteError on a text that
+    /// SQLite does not accept.
+    SqliteStatement statement(const QByteArray& text);
 
     /// False while the transaction that began here is lost: SQLite has rolled it back itself, or a statement
     /// of it failed on the storage. No statement may run then, or it would be kept without the others, and
     /// what could not be read must not decide what is written.
-    bool isUsable() const { return !inTransaction_ || (!isLost_ && sqlite3_get_autocommit(handle_) == 0); }
+    bool isUsable() const { return !inTransaction_ || (!isLost_ && sqlite_.isInTransaction()); }
 
-    /// Takes note of how a statement ended, by SQLite's result code.
-    void noteResult(int result);
+    /// Takes note that a statement failed.
+    void noteFailure(const SqliteError& failure);
 
     bool begin();
     bool commit();
     void rollback();
 
-    sqlite3* handle() const { return handle_; }
-    QString errorText() const;
+    SqliteFile& sqlite() { return sqlite_; }
 
   private:
-    explicit DatabaseFile(sqlite3* handle) : handle_(handle) {}
+    explicit DatabaseFile(const QString& path) : sqlite_(path, SqliteFile::Mode::Existing) {}
 
-    bool run(const char* sql);
+    bool run(const QString& statement);
 
-    sqlite3* handle_;
+    SqliteFile sqlite_;
     bool inTransaction_ = false;
     bool isLost_ = false;
-    QMultiHash<QByteArray, PreparedStatement*> idle_;
-    // The statement given back last stands in front of the others: a file is loaded with one over and over.
-    PreparedStatement* last_ = nullptr;
 };
 
 }  // namespace platform::adoce

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "platform/Address.h"
+#include "platform/Digits.h"
 #include "platform/Trace.h"
 #include "platform/message/SavedValues.h"
 
@@ -33,13 +34,9 @@ QStringView text(const Argument& argument) {
     return std::get<QStringView>(argument);
 }
 
-bool areDigits(QStringView text) {
-    return std::ranges::all_of(text, [](QChar c) { return c >= u'0' && c <= u'9'; });
-}
-
 bool isAmount(QStringView text) {
     const QStringView digits = text.startsWith(u'-') ? text.sliced(1) : text;
-    return !digits.isEmpty() && digits.size() <= kMostDigits && areDigits(digits);
+    return digits.size() <= kMostDigits && areDigits(digits);
 }
 
 bool isCardData(QStringView text) {

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/Device.h"
+#include "platform/Digits.h"
 #include "platform/WholeFile.h"
 
 namespace platform::message {
@@ -17,7 +18,7 @@ using namespace Qt::Literals::StringLiterals;
 constexpr qint64 kLargestFile = 64 * 1024;
 
 bool isKey(QStringView key) {
-    return key.size() == 3 && std::ranges::all_of(key, [](QChar c) { return c >= u'0' && c <= u'9'; });
+    return key.size() == 3 && areDigits(key);
 }
 
 bool isLineText(QStringView text) {

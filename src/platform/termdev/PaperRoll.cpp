@@ -131,8 +131,7 @@ void PaperRoll::draw() {
 }
 
 QString rollText() {
-    QFile file(textFile());
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    return QString::fromUtf8(readWholeFile(textFile()).value_or(QByteArray()));
 }
 
 QByteArray RollReader::read(qint64 most) {

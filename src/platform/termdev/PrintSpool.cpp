@@ -18,6 +18,7 @@
 #include "platform/Device.h"
 #include "platform/Sync.h"
 #include "platform/Trace.h"
+#include "platform/WholeFile.h"
 
 namespace platform::termdev {
 namespace {
@@ -145,9 +146,7 @@ std::optional<PrintSpool::Entry> PrintSpool::oldest() {
 }
 
 std::optional<QByteArray> PrintSpool::read(const Entry& entry) const {
-    QFile file(path(entry));
-    if (!file.open(QIODevice::ReadOnly)) return std::nullopt;
-    return file.readAll();
+    return readWholeFile(path(entry));
 }
 
 void PrintSpool::mark(Entry* entry, Stage stage) {

@@ -1,36 +1,34 @@
 #include "totals/screens/SummaryExchange.h"
 
 #include "books/TransactionRecord.h"
+#include "platform/message/Fields.h"
 #include "van/screens/HostRequest.h"
 
 namespace totals {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
+using namespace platform::message;
 
 /// The fields of the reply in the order in which they are read.
 struct SummaryField {
-    short number;
+    quint16 number;
     QString print::HostSummary::*text;
 };
 constexpr SummaryField kFields[] = {
-    {1102, &print::HostSummary::responseCode},
-    {1203, &print::HostSummary::responseText},
-    {1002, &print::HostSummary::identification},
-    {1115, &print::HostSummary::transferCount},
-    {1116, &print::HostSummary::supply},
-    {1117, &print::HostSummary::vat},
-    {1118, &print::HostSummary::deposit},
-    {1119, &print::HostSummary::collected},
-    {1106, nullptr},  // Read with the others and thrown away.
-    {1120, &print::HostSummary::transaction},
-    {1121, &print::HostSummary::fee},
-    {1122, &print::HostSummary::deposited},
+    {kResponseCodeField, &print::HostSummary::responseCode},
+    {kResponseTextField, &print::HostSummary::responseText},
+    {kIdentificationField, &print::HostSummary::identification},
+    {kTransferCountField, &print::HostSummary::transferCount},
+    {kSupplyTotalField, &print::HostSummary::supply},
+    {kVatTotalField, &print::HostSummary::vat},
+    {kDepositTotalField, &print::HostSummary::deposit},
+    {kRecoveryTotalField, &print::HostSummary::collected},
+    {kDepositedField, nullptr},  // Read with the others and thrown away.
+    {kAmountTotalField, &print::HostSummary::transaction},
+    {kFeeTotalField, &print::HostSummary::fee},
+    {kTransferTotalField, &print::HostSummary::deposited},
 };
-
-// Only the reconciliation reads these.
-constexpr short kListTotal = 1123;
-constexpr short kList = 1124;
 
 }  // namespace
 
@@ -48,8 +46,8 @@ void SummaryExchange::request(const QString& opening, const QDate& day) {
 }
 
 HostDay SummaryExchange::hostDay() {
-    return readHostDay(summary_, van::receivedField(component_, kListTotal),
-                       van::receivedField(component_, kList));
+    return readHostDay(summary_, van::receivedField(component_, kListTotalField),
+                       van::receivedField(component_, kListField));
 }
 
 QString SummaryExchange::readReply() {
@@ -59,9 +57,10 @@ QString SummaryExchange::readReply() {
     for (const SummaryField& field : kFields) {
         const QString value = van::receivedField(component_, field.number);
         if (field.text != nullptr) summary_.*field.text = value;
-        if (field.number == 1102 || field.number == 1203) text += u'[' + value + u']';
-        if (field.number == 1121) text += u"수수료:"_s + value;
-        if (field.number == 1122) text += u"이체액:"_s + value;
+        if (field.number == kResponseCodeField || field.number == kResponseTextField)
+            text += u'[' + value + u']';
+        if (field.number == kFeeTotalField) text += u"수수료:"_s + value;
+        if (field.number == kTransferTotalField) text += u"이체액:"_s + value;
     }
     return text + u"> "_s;
 }

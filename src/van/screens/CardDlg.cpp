@@ -12,6 +12,7 @@
 #include "books/OpenPayments.h"
 #include "db/Health.h"
 #include "db/Query.h"
+#include "platform/CardNumber.h"
 #include "platform/Clock.h"
 #include "platform/Trace.h"
 #include "platform/Wipe.h"
@@ -389,7 +390,7 @@ bool CCardDlg::printSlip(print::SlipPapers& papers, int selector, books::Copy co
 
 print::CardExchange CCardDlg::exchange() const {
     const books::TransactionRecord& record = books::transactionRecord();
-    return {record.reply, print::maskedCardNumber(record.track2.view())};
+    return {record.reply, platform::maskedCardNumber(record.track2.view())};
 }
 
 std::optional<print::Document> CCardDlg::cardReceipt() const {

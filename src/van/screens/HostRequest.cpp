@@ -2,6 +2,7 @@
 
 #include "books/Charge.h"
 #include "platform/Clock.h"
+#include "platform/message/Fields.h"
 
 namespace van {
 namespace {
@@ -9,6 +10,7 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 using platform::formatWon;
 using platform::parseInteger;
+using namespace platform::message;
 
 constexpr short kTimeOutSeconds = 30;
 /// The card data leaves the track's first character out and has at most this many.
@@ -183,20 +185,20 @@ QString readReply(CKsnet_msg_lib& component, books::RequestType type, books::Hos
     if (type == books::RequestType::BalanceInquiry) component.RecvBalance();
     if (type == books::RequestType::Payment) component.RecvPayment();
     if (type == books::RequestType::PreviousTransaction) component.RecvPreTrade();
-    reply->responseCode = receivedField(component, 1102);
-    reply->responseText = receivedField(component, 1203);
+    reply->responseCode = receivedField(component, kResponseCodeField);
+    reply->responseText = receivedField(component, kResponseTextField);
     if (type == books::RequestType::BalanceInquiry) {
-        reply->balanceSign = receivedField(component, 1103);
-        reply->accountBalance = receivedField(component, 1109);
-        reply->withdrawalLimit = receivedField(component, 1110);
+        reply->balanceSign = receivedField(component, kBalanceSignField);
+        reply->accountBalance = receivedField(component, kBalanceField);
+        reply->withdrawalLimit = receivedField(component, kLimitField);
     } else {
-        reply->transactionNumber = receivedField(component, 1008);
-        reply->identification = receivedField(component, 1002);
-        reply->balanceSign = receivedField(component, 1103);
-        reply->transactionAmount = receivedField(component, 1104);
-        reply->feeAmount = receivedField(component, 1105);
-        reply->depositedAmount = receivedField(component, 1106);
-        reply->remainingAmount = receivedField(component, 1107);
+        reply->transactionNumber = receivedField(component, kTransactionField);
+        reply->identification = receivedField(component, kIdentificationField);
+        reply->balanceSign = receivedField(component, kBalanceSignField);
+        reply->transactionAmount = receivedField(component, kAmountField);
+        reply->feeAmount = receivedField(component, kFeeField);
+        reply->depositedAmount = receivedField(component, kDepositedField);
+        reply->remainingAmount = receivedField(component, kRemainingField);
     }
     return u"<응답값: [%1][%2]> "_s.arg(reply->responseCode, reply->responseText);
 }
