@@ -119,12 +119,12 @@ QStringList SqliteStatement::row() const {
 
 void SqliteStatement::giveBack() {
     if (handle_ == nullptr) return;
-    if (key_.isNull()) {
+    if (prepared_->key.isNull()) {
         sqlite3_finalize(handle_);
     } else {
         sqlite3_reset(handle_);
         sqlite3_clear_bindings(handle_);
-        file_->keep(std::move(key_), handle_);
+        file_->keep(std::move(prepared_));
     }
     handle_ = nullptr;
 }
@@ -139,8 +139,11 @@ SqliteFile::SqliteFile(const QString& path, Mode mode) {
 }
 
 SqliteFile::~SqliteFile() {
-    sqlite3_finalize(last_);
-    for (sqlite3_stmt* each : std::as_const(idle_)) sqlite3_finalize(each);
+    if (last_) sqlite3_finalize(last_->handle);
+    for (const Prepared* each : std::as_const(idle_)) {
+        sqlite3_finalize(each->handle);
+        delete each;
+    }
     sqlite3_close_v2(handle_);
 }
 
@@ -165,30 +168,24 @@ sqlite3_stmt* SqliteFile::prepare(const QByteArray& text, const char** tail) {
 }
 
 SqliteStatement SqliteFile::statement(const QByteArray& text) {
-    if (last_ != nullptr && lastKey_ == text)
-        return {this, std::exchange(last_, nullptr), std::move(lastKey_)};
-    if (const auto idle = idle_.constFind(text); idle != idle_.constEnd()) {
-        SqliteStatement found(this, idle.value(), idle.key());
-        idle_.erase(idle);
-        return found;
-    }
+    if (last_ && last_->key == text) return {this, std::move(last_)};
+    if (std::unique_ptr<Prepared> idle{idle_.take(text)}) return {this, std::move(idle)};
     const char* tail = nullptr;
-    SqliteStatement made(this, prepare(text, &tail), text);
-    if (made.isEmpty() || tail != text.constData() + text.size()) {
-        made.key_.clear();
+    SqliteStatement made(this, std::make_unique<Prepared>(QByteArray(), prepare(text, &tail)));
+    if (made.isEmpty() || !QByteArrayView(tail, text.constEnd()).trimmed().isEmpty())
         throw SqliteError(SQLITE_ERROR, "not one statement");
-    }
+    made.prepared_->key = text;
     return made;
 }
 
-void SqliteFile::keep(QByteArray key, sqlite3_stmt* statement) {
-    sqlite3_stmt* const before = std::exchange(last_, statement);
-    key.swap(lastKey_);
-    if (before == nullptr) return;
+void SqliteFile::keep(std::unique_ptr<Prepared> statement) {
+    statement.swap(last_);
+    if (!statement) return;
     if (idle_.size() < kMostIdle) {
-        idle_.insert(key, before);
+        const QByteArray& key = statement->key;
+        idle_.insert(key, statement.release());
     } else {
-        sqlite3_finalize(before);
+        sqlite3_finalize(statement->handle);
     }
 }
 
@@ -211,7 +208,7 @@ bool SqliteFile::forEachRow(const QString& statements, const QStringList& values
     bool isFirst = true;
     while (!left.isEmpty()) {
         const char* tail = nullptr;
-        SqliteStatement each(this, prepare(left, &tail), {});
+        SqliteStatement each(this, std::make_unique<Prepared>(QByteArray(), prepare(left, &tail)));
         left.remove(0, tail - left.constData());
         if (each.isEmpty()) continue;
         if (std::exchange(isFirst, false)) {

@@ -74,22 +74,27 @@ class SqliteStatement {
 
   private:
     friend class SqliteFile;
-    SqliteStatement(SqliteFile* file, sqlite3_stmt* handle, QByteArray key)
-        : file_(file), handle_(handle), key_(std::move(key)) {}
+    /// SQLite's statement and the text that the file keeps it under; null for one that is not kept.
+    struct Prepared {
+        QByteArray key;
+        sqlite3_stmt* handle;
+    };
+    SqliteStatement(SqliteFile* file, std::unique_ptr<Prepared> prepared)
+        : file_(file), prepared_(std::move(prepared)), handle_(prepared_->handle) {}
 
     void swap(SqliteStatement& other) noexcept {
         std::swap(file_, other.file_);
+        prepared_.swap(other.prepared_);
         std::swap(handle_, other.handle_);
-        key_.swap(other.key_);
         std::swap(next_, other.next_);
     }
     void giveBack();
     SqliteStatement& check(int result);
 
     SqliteFile* file_ = nullptr;
+    std::unique_ptr<Prepared> prepared_;
     sqlite3_stmt* handle_ = nullptr;
-    QByteArray key_;  ///< Under which the file keeps it; null for one that is not kept.
-    int next_ = 1;    ///< The "?" that is bound next.
+    int next_ = 1;  ///< The "?" that is bound next.
 };
 
 /// A connection to a database file, closed with this object; its statements must be gone by then. For one
@@ -156,16 +161,17 @@ class SqliteFile {
   private:
     friend class SqliteStatement;
 
+    using Prepared = SqliteStatement::Prepared;
+
     sqlite3_stmt* prepare(const QByteArray& text, const char** tail);
-    void keep(QByteArray key, sqlite3_stmt* statement);
+    void keep(std::unique_ptr<Prepared> statement);
     [[noreturn]] void fail() const;
 
     sqlite3* handle_ = nullptr;
     bool isOpen_ = false;
-    QMultiHash<QByteArray, sqlite3_stmt*> idle_;
+    QMultiHash<QByteArray, Prepared*> idle_;
     // The statement given back last stands in front of the others: a file is loaded with one over and over.
-    QByteArray lastKey_;
-    sqlite3_stmt* last_ = nullptr;
+    std::unique_ptr<Prepared> last_;
 };
 
 /// Everything or nothing: what is not committed is undone. Throws SqliteError.

@@ -8,6 +8,7 @@
 
 #include "platform/Device.h"
 #include "platform/Sqlite.h"
+#include "platform/WholeFile.h"
 #include "platform/adoce/DatabaseFile.h"
 #include "rovanactl/Command.h"
 #include "rovanactl/DeviceFolder.h"
@@ -62,12 +63,11 @@ class AdminTest : public ::testing::Test {
     /// The rows of a SELECT, columns joined by "|".
     QStringList rows(const QString& select) {
         platform::SqliteFile file(database(), platform::SqliteFile::Mode::Existing);
-        const auto found = file.rows(select);
-        EXPECT_TRUE(found) << narrow(file.errorText());
         QStringList texts;
-        if (found) {
-            for (const QStringList& row : *found) texts << row.join(u'|');
-        }
+        EXPECT_TRUE(file.forEachRow(select, {}, [&](const QStringList& row) {
+            texts << row.join(u'|');
+            return true;
+        })) << narrow(file.errorText());
         return texts;
     }
 
@@ -84,9 +84,9 @@ class AdminTest : public ::testing::Test {
     }
 
     static QByteArray readFile(const QString& path) {
-        QFile file(path);
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << narrow(path);
-        return file.readAll();
+        const auto content = platform::readWholeFile(path);
+        EXPECT_TRUE(content) << narrow(path);
+        return content.value_or(QByteArray());
     }
 
   private:

@@ -156,12 +156,5 @@ TEST_F(CheckTest, ExaminesWhatItCannotWrite) {
     EXPECT_FALSE(out.contains(u"damaged"_s)) << narrow(out);
 }
 
-TEST_F(CheckTest, WaitingFilesAreNoFault) {
-    makeDemo();
-    const Ended ended = run({u"check"_s});
-    EXPECT_EQ(ended.exitCode, admin::kSuccess);
-    EXPECT_EQ(ended.out.count(u"waits for its import"_s), 5);
-}
-
 }  // namespace
 }  // namespace test

@@ -4,6 +4,7 @@
 
 #include <QFile>
 #include <QHash>
+#include <algorithm>
 
 #include "platform/Trace.h"
 
@@ -30,11 +31,14 @@ QHash<QString, SharedFile>& sharedFiles() {
 
 /// The handheld's provider accepts "DELETE X …" without FROM.
 QByteArray toSqlite(const QByteArray& text) {
-    const QByteArray trimmed = text.trimmed();
-    if (qstrnicmp(trimmed.constData(), "DELETE", 6) != 0) return trimmed;
-    const QByteArray rest = trimmed.mid(6).trimmed();
-    if (qstrnicmp(rest.constData(), "FROM ", 5) == 0) return trimmed;
-    return "DELETE FROM " + rest;
+    constexpr QByteArrayView kDelete = "DELETE";
+    constexpr QByteArrayView kFrom = "FROM ";
+    const QByteArrayView trimmed = QByteArrayView(text).trimmed();
+    if (trimmed.first(std::min(kDelete.size(), trimmed.size())).compare(kDelete, Qt::CaseInsensitive) != 0)
+        return text;
+    const QByteArrayView rest = trimmed.sliced(kDelete.size()).trimmed();
+    if (rest.first(std::min(kFrom.size(), rest.size())).compare(kFrom, Qt::CaseInsensitive) == 0) return text;
+    return "DELETE FROM " + rest.toByteArray();
 }
 
 }  // namespace
