@@ -51,7 +51,7 @@ db::Sql insertOf(const SlipLine& line) {
 /// Reads the line, deletes it and inserts what `change` makes of it.
 template <typename Change>
 bool replaceLine(const LineKey& key, Change&& change) {
-    db::Transaction transaction;
+    db::Transaction transaction(db::Survives::ProcessEnd);
     const auto row = db::firstRow(kLine(key.PCode, key.Box, key.Bon));
     if (!row || row->size() != qsizetype(kColumns.size())) return false;
     SlipLine line;
@@ -65,7 +65,7 @@ bool replaceLine(const LineKey& key, Change&& change) {
 }  // namespace
 
 bool reloadSlip(QStringView userId, QStringView workDate, QStringView junNo) {
-    db::Transaction transaction;
+    db::Transaction transaction(db::Survives::ProcessEnd);
     bool isWhole = transaction.run(kEmpty());
     const int lines = db::forEachRow(kSaved(userId, workDate, junNo), [&](db::CVORecordset& row) {
         SlipLine line;
@@ -115,10 +115,7 @@ std::optional<LineAmounts> lineAmounts(const LineKey& key) {
 }
 
 bool insertLine(const SlipLine& line) {
-    db::CVOConnection connection;
-    db::openDatabase(connection);
-    db::CVORecordset insert(connection);
-    return insert.Open(insertOf(line), db::kForwardOnly, db::kReadOnly);
+    return db::changeWorkingTable(insertOf(line));
 }
 
 bool replaceQuantities(const LineKey& key, std::int64_t boxes, std::int64_t bottles,
@@ -138,7 +135,7 @@ bool replaceAmounts(const LineKey& key, const LineAmounts& amounts) {
 }
 
 void deleteLine(const LineKey& key) {
-    db::execute(kDelete(key.PCode, key.Box, key.Bon));
+    db::changeWorkingTable(kDelete(key.PCode, key.Box, key.Bon));
 }
 
 }  // namespace sales

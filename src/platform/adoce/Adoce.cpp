@@ -75,8 +75,8 @@ HResult Connection::Close() {
     return kOk;
 }
 
-HResult Connection::BeginTrans() {
-    return file_ && file_->begin() ? kOk : kFail;
+HResult Connection::BeginTrans(Survives survives) {
+    return file_ && file_->begin(survives) ? kOk : kFail;
 }
 
 HResult Connection::CommitTrans() {
@@ -149,6 +149,10 @@ HResult Recordset::Open(const QVariant& source, const QVariant& activeConnection
         return kFail;
     }
     sqlite3_stmt* handle = statement_->handle;
+    if (sqlite3_stmt_readonly(handle) == 0 && !file_->readyToChange()) {
+        Close();
+        return kFail;
+    }
 
     // A SELECT goes on reading its values while rows are fetched, long after `parsed` serves another one.
     // SQLite's own copies would not be wiped.

@@ -121,8 +121,8 @@ void DatabaseFile::release(PreparedStatement* statement) {
     }
 }
 
-bool DatabaseFile::begin() {
-    if (inTransaction_ || !run("BEGIN IMMEDIATE")) return false;
+bool DatabaseFile::begin(Survives survives) {
+    if (inTransaction_ || !prepareFor(survives) || !run("BEGIN IMMEDIATE")) return false;
     inTransaction_ = true;
     return true;
 }
@@ -148,6 +148,16 @@ void DatabaseFile::noteResult(int result) {
     // The low byte is the code without its particulars.
     if (inTransaction_ && std::ranges::find(kOfTheStatement, result & 0xff) == std::end(kOfTheStatement))
         isLost_ = true;
+}
+
+bool DatabaseFile::prepareFor(Survives survives) {
+    if (survives == survives_) return true;
+    // With NORMAL the write-ahead log is put on the disk by the next commit that waits, and before its pages
+    // go into the database: a loss of power takes back whole transactions, the last ones first.
+    const bool waits = survives == Survives::PowerLoss;
+    if (!run(waits ? "PRAGMA synchronous=FULL" : "PRAGMA synchronous=NORMAL")) return false;
+    survives_ = survives;
+    return true;
 }
 
 QString DatabaseFile::errorText() const {

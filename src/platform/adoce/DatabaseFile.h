@@ -9,6 +9,8 @@
 #include <memory>
 #include <utility>
 
+#include "platform/adoce/Survives.h"
+
 namespace platform::adoce {
 
 /// One statement of SQLite's and the text that it was made from.
@@ -49,10 +51,13 @@ class DatabaseFile {
     /// what could not be read must not decide what is written.
     bool isUsable() const { return !inTransaction_ || (!isLost_ && sqlite3_get_autocommit(handle_) == 0); }
 
+    /// Makes a statement outside a transaction wait for the disk. False when that cannot be: it must not run.
+    bool readyToChange() { return inTransaction_ || prepareFor(Survives::PowerLoss); }
+
     /// Takes note of how a statement ended, by SQLite's result code.
     void noteResult(int result);
 
-    bool begin();
+    bool begin(Survives survives = Survives::PowerLoss);
     bool commit();
     void rollback();
 
@@ -63,10 +68,13 @@ class DatabaseFile {
     explicit DatabaseFile(sqlite3* handle) : handle_(handle) {}
 
     bool run(const char* sql);
+    /// What the next change survives; SQLite takes that only between two transactions.
+    bool prepareFor(Survives survives);
 
     sqlite3* handle_;
     bool inTransaction_ = false;
     bool isLost_ = false;
+    Survives survives_ = Survives::PowerLoss;
     QMultiHash<QByteArray, PreparedStatement*> idle_;
     // The statement given back last stands in front of the others: a file is loaded with one over and over.
     PreparedStatement* last_ = nullptr;
