@@ -9,7 +9,7 @@
 #include "app/LoginWait.h"
 #include "db/MasterImport.h"
 #include "desk/PaperView.h"
-#include "files/SystemCalls.h"
+#include "support/SystemCalls.h"
 #include "platform/Device.h"
 #include "platform/message/SavedValues.h"
 #include "platform/termdev/PaperRoll.h"

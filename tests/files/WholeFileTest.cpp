@@ -9,7 +9,7 @@
 #include <thread>
 #include <vector>
 
-#include "files/SystemCalls.h"
+#include "support/SystemCalls.h"
 #include "support/PrintQt.h"
 
 namespace test {
