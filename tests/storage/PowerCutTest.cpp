@@ -7,6 +7,7 @@
 
 #include "container/ContainerStore.h"
 #include "container/WorkingContainers.h"
+#include "db/Schema.h"
 #include "db/Statement.h"
 #include "db/Transaction.h"
 #include "platform/Device.h"
@@ -252,6 +253,39 @@ TEST_F(PowerCutTest, AnExportIsTheOldOneOrTheNewOne) {
             const QByteArrayList found = filesIn(QDir(out).exists() ? out : out + u".export-old"_s);
             const bool isWhole = found == after || (done == 0 && found == before);
             return isWhole && exportTo(out) && filesIn(out) == after;
+        });
+}
+
+TEST_F(PowerCutTest, AnArchiveTakesEverySlipOrNone) {
+    const QString name = u"/old.cdb"_s;
+    const auto archive = [&](const QString& folder) {
+        return command({u"archive"_s, folder + name, u"--before"_s, u"2024-03-29"_s, u"--unclosed"_s});
+    };
+    device_.execute(
+        u"PRAGMA user_version=%1; UPDATE MTM SET DDate = '2024-03-01', DTime = '10:00'; "
+        "UPDATE YTM SET DDate = '2024-03-01'; UPDATE PRINTLOG SET DDate = '2024-03-01'"_s.arg(
+            db::schema::kVersion));
+    platform::adoce::DatabaseFile::forgetAll();
+    const QStringList before = everything();
+    QList<QStringList> after;
+    cutEverywhere(
+        "archive",
+        [&](const auto& mark) {
+            EXPECT_TRUE(archive(device_.folder()));
+            mark();
+            after = {everything(), everythingIn(device_.folder() + name)};
+        },
+        [&](int done) {
+            const QString file = cut_.path() + name;
+            const QString database = databaseIn(cut_.path());
+            const bool isThere = QFile::exists(file);
+            const QStringList found = everythingIn(database);
+            if (isThere && everythingIn(file) != after[1]) return false;
+            if (found != after[0] && (done == 1 || found != before)) return false;
+            // What left is in the archive; what did not leaves with the next call.
+            if (found == after[0]) return isThere;
+            return archive(cut_.path()) && everythingIn(database) == after[0] &&
+                   everythingIn(file) == after[1];
         });
 }
 
