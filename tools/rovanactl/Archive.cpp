@@ -142,7 +142,19 @@ QString takeOut(SqliteFile& database, const QList<QStringList>& carried) {
     if (isDone && database.execute(u"COMMIT"_s)) return {};
     const QString error = database.errorText();
     database.execute(u"ROLLBACK"_s);
-    return u"nothing was archived: "_s % error;
+    return u"the slips stay in the terminal: "_s % error;
+}
+
+/// How many rows of each table are to leave; nothing when they cannot be counted.
+std::optional<QList<std::pair<QString, int>>> countLeaving(SqliteFile& database) {
+    QList<std::pair<QString, int>> counts;
+    for (const QStringView table : kTables) {
+        const auto counted =
+            database.rows(u"SELECT COUNT(*) FROM main.%1 WHERE %2"_s.arg(table, leaves(table)));
+        if (!counted) return std::nullopt;
+        counts.append({table.toString(), counted->first().first().toInt()});
+    }
+    return counts;
 }
 
 /// Why the file cannot be made, or nothing.
@@ -180,15 +192,10 @@ ArchiveResult archiveSlips(const QString& from, const QString& to, const Archive
     result.unclosedDays =
         texts(database, u"SELECT DDate, GROUP_CONCAT(UserID) FROM temp.unclosed GROUP BY DDate"_s);
     result.visits = texts(database, u"SELECT * FROM temp.old INTERSECT SELECT * FROM temp.staying"_s);
-    int rows = 0;
-    for (const QStringView table : kTables) {
-        const auto counted =
-            database.rows(u"SELECT COUNT(*) FROM main.%1 WHERE %2"_s.arg(table, leaves(table)));
-        if (!counted) return fail(database.errorText());
-        result.moved.append({table.toString(), counted->first().first().toInt()});
-        rows += result.moved.last().second;
-    }
-    if (rows == 0) return result;
+    const auto moved = countLeaving(database);
+    if (!moved) return fail(database.errorText());
+    result.moved = *moved;
+    if (std::ranges::all_of(*moved, [](const auto& each) { return each.second == 0; })) return result;
     const auto carried = carriedRows(database, order.before);
     if (!carried) return fail(database.errorText());
     result.carried = carried->size();
@@ -203,8 +210,10 @@ ArchiveResult archiveSlips(const QString& from, const QString& to, const Archive
         if (!error.isEmpty()) return fail(error);
     }
     if (const QString error = takeOut(database, *carried); !error.isEmpty()) {
-        if (!result.wasThere) QFile::remove(path);
-        return fail(error);
+        // An error of the disk may come when it is done already: the archive goes only when it is not needed.
+        const bool isNeeded = countLeaving(database) != moved;
+        if (!result.wasThere && !isNeeded) QFile::remove(path);
+        return fail(isNeeded ? u"%1; keep %2 and give the same command again"_s.arg(error, to) : error);
     }
     // The file gets smaller where there is room to write it anew; else new slips take the room.
     database.execute(u"VACUUM"_s);
