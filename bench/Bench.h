@@ -32,6 +32,8 @@ Result measureStartup();
 Result measureMemory();
 Result measureList();
 Result measureSlip();
+/// How often a slip of ten lines waits for the disk, against once.
+Result measureSyncs();
 Result measureReport();
 /// One approved payment of the terminal's component, seal to parsed reply, against the same bytes over a bare
 /// socket and the bare cipher calls.

@@ -28,6 +28,7 @@ constexpr std::array kMeasurements{
     Measurement{"memory", 1.5, bench::measureMemory},
     Measurement{"list", 1.5, bench::measureList},
     Measurement{"slip", 1.5, bench::measureSlip},
+    Measurement{"syncs", 4.0, bench::measureSyncs},
     Measurement{"report", 1.5, bench::measureReport},
     Measurement{"exchange", 3.0, bench::measureExchange},
     Measurement{"payments", 1.05, bench::measurePayments},

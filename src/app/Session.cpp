@@ -1,6 +1,7 @@
 #include "app/Session.h"
 
-#include "db/Query.h"
+#include "db/Statement.h"
+#include "db/Transaction.h"
 
 namespace app {
 namespace {
@@ -17,10 +18,8 @@ SessionValues& session() {
 
 void resetSession() {
     session().action = {};
-    db::CVOConnection connection;
-    db::openDatabase(connection);
-    connection.Execute(kEmptyWorkingSlip());
-    connection.Execute(kEmptyWorkingContainerSlip());
+    db::changeWorkingTable(kEmptyWorkingSlip());
+    db::changeWorkingTable(kEmptyWorkingContainerSlip());
 }
 
 }  // namespace app

@@ -1,8 +1,6 @@
 #include "books/ContainerBalance.h"
 
 #include <algorithm>
-#include <functional>
-#include <map>
 
 #include "books/UndeliveredOrders.h"
 #include "db/Query.h"
@@ -23,6 +21,13 @@ constexpr db::Statement<
     u"SELECT PCode, PName, DDate, JunNo, UserID, FBox, NBox, Bon FROM YTM WHERE GCode = '%s' "
     u"AND DDate <= '%s'">
     kReturns;
+// Of what was archived, by the same rules.
+constexpr db::Statement<
+    u"SELECT CONTAINERCARRY.PCode, PUMMOK.PName, BoxBonEa, Box, Bon FROM CONTAINERCARRY, PUMMOK WHERE "
+    u"CONTAINERCARRY.GCode = '%s' AND PUMMOK.PCode = CONTAINERCARRY.PCode AND (TTT = 'Y' OR TTT = 'Z')">
+    kCarriedDeliveries;
+constexpr db::Statement<u"SELECT PCode, PName, FBox, NBox, BackBon FROM CONTAINERCARRY WHERE GCode = '%s'">
+    kCarriedReturns;
 // An empty user leaves the condition on him out.
 constexpr db::Statement<
     u"SELECT PCode, FBox, NBox, Bon FROM YTM WHERE DDate = '%s' AND ('%s' = '' OR UserID = '%s')">
@@ -41,46 +46,6 @@ std::int64_t bounded(std::int64_t count) {
 std::int64_t count(QStringView text) {
     return bounded(parseInteger(text));
 }
-
-class Balances {
-  public:
-    ContainerBalance& of(const QString& pCode, const QString& pName) {
-        ContainerBalance& balance = byCode_[pCode];
-        if (balance.PCode.isEmpty()) {
-            balance.PCode = pCode;
-            balance.PName = pName;
-        }
-        return balance;
-    }
-
-    /// Bottles in a full crate; looked up once for each product.
-    std::int64_t bottlesPerBox(const QString& pCode) {
-        const auto known = bottles_.find(pCode);
-        if (known != bottles_.end()) return known->second;
-        const auto row = db::firstRow(kBottlesPerBox(pCode));
-        return bottles_[pCode] = row ? count(row->first()) : 0;
-    }
-
-    Containers containers(const ContainerReturn& line) {
-        const std::int64_t filled = bounded(line.filledCrates);
-        return {bounded(line.emptyCrates) + filled,
-                filled * bottlesPerBox(line.PCode) + bounded(line.bottles)};
-    }
-
-    QList<ContainerBalance> list() const {
-        QList<ContainerBalance> balances;
-        for (const auto& [code, balance] : byCode_) {
-            const bool isSettled = balance.before.isZero() && balance.delivered.isZero() &&
-                                   balance.returned.isZero() && balance.ordered.isZero();
-            if (!isSettled) balances << balance;
-        }
-        return balances;
-    }
-
-  private:
-    std::map<QString, ContainerBalance, std::greater<>> byCode_;
-    std::map<QString, std::int64_t> bottles_;
-};
 
 }  // namespace
 
@@ -103,37 +68,86 @@ Containers ContainerBalance::after() const {
     return out;
 }
 
-QList<ContainerBalance> containerBalances(QStringView gCode, QStringView date, QStringView junNo,
-                                          QStringView userId, std::span<const ContainerReturn> returned) {
-    Balances balances;
+ContainerBalance& ContainerFigures::of(const QString& pCode, const QString& pName) {
+    ContainerBalance& balance = byCode_[pCode];
+    if (balance.PCode.isEmpty()) {
+        balance.PCode = pCode;
+        balance.PName = pName;
+    }
+    return balance;
+}
+
+std::int64_t ContainerFigures::bottlesPerBox(const QString& pCode) {
+    const auto known = bottles_.find(pCode);
+    if (known != bottles_.end()) return known->second;
+    const auto row = db::firstRow(kBottlesPerBox(pCode));
+    return bottles_[pCode] = row ? count(row->first()) : 0;
+}
+
+Containers ContainerFigures::containers(const ContainerReturn& line) {
+    const std::int64_t filled = bounded(line.filledCrates);
+    return {bounded(line.emptyCrates) + filled, filled * bottlesPerBox(line.PCode) + bounded(line.bottles)};
+}
+
+QList<ContainerBalance> ContainerFigures::list() const {
+    QList<ContainerBalance> balances;
+    for (const auto& [code, balance] : byCode_) {
+        const bool isSettled = balance.before.isZero() && balance.delivered.isZero() &&
+                               balance.returned.isZero() && balance.ordered.isZero();
+        if (!isSettled) balances << balance;
+    }
+    return balances;
+}
+
+ContainerHistory::ContainerHistory(QStringView gCode, QStringView date, QStringView junNo,
+                                   QStringView userId) {
+    const auto sold = [](db::CVORecordset& row, int boxColumn) {
+        const std::int64_t boxes = count(row.GetFieldString(boxColumn));
+        return Containers{boxes,
+                          boxes * count(row.GetFieldString(2)) + count(row.GetFieldString(boxColumn + 1))};
+    };
+    db::forEachRow(kCarriedDeliveries(gCode), [&](db::CVORecordset& row) {
+        saved_.of(row.GetFieldString(0), row.GetFieldString(1)).before += sold(row, 3);
+    });
     const UndeliveredOrders orders = UndeliveredOrders::ofCustomer(gCode, date);
     db::forEachRow(kDeliveries(gCode, date), [&](db::CVORecordset& row) {
-        const std::int64_t boxes = count(row.GetFieldString(4));
-        const Containers sold{boxes, boxes * count(row.GetFieldString(2)) + count(row.GetFieldString(5))};
-        ContainerBalance& balance = balances.of(row.GetFieldString(0), row.GetFieldString(1));
+        ContainerBalance& balance = saved_.of(row.GetFieldString(0), row.GetFieldString(1));
         const QString day = row.GetFieldString(3);
         const QString number = row.GetFieldString(6);
         const QString user = row.GetFieldString(7);
         const bool isSaleAtHand = day == date && number == junNo && user == userId;
         const bool isOrdered = !isSaleAtHand && orders.contains(day, number, user);
-        (isOrdered ? balance.ordered : day == date ? balance.delivered : balance.before) += sold;
+        (isOrdered ? balance.ordered : day == date ? balance.delivered : balance.before) += sold(row, 4);
     });
+    const auto takeBack = [&](db::CVORecordset& row, int countColumn) {
+        const ContainerReturn line{
+            row.GetFieldString(0), row.GetFieldString(1), count(row.GetFieldString(countColumn)),
+            count(row.GetFieldString(countColumn + 1)), count(row.GetFieldString(countColumn + 2))};
+        saved_.of(line.PCode, line.PName).before -= saved_.containers(line);
+    };
+    db::forEachRow(kCarriedReturns(gCode), [&](db::CVORecordset& row) { takeBack(row, 2); });
     db::forEachRow(kReturns(gCode, date), [&](db::CVORecordset& row) {
         const bool isSlipAtHand = row.GetFieldString(2) == date && row.GetFieldString(3) == junNo &&
                                   row.GetFieldString(4) == userId;
-        if (isSlipAtHand) return;
-        const ContainerReturn line{row.GetFieldString(0), row.GetFieldString(1), count(row.GetFieldString(5)),
-                                   count(row.GetFieldString(6)), count(row.GetFieldString(7))};
-        balances.of(line.PCode, line.PName).before -= balances.containers(line);
+        if (!isSlipAtHand) takeBack(row, 5);
     });
-    for (const ContainerReturn& line : returned) {
-        balances.of(line.PCode, line.PName).returned += balances.containers(line);
-    }
-    return balances.list();
+}
+
+QList<ContainerBalance> ContainerHistory::with(std::span<const ContainerReturn> returned) {
+    ContainerFigures figures = saved_;
+    // The bottles of a crate that are looked up are kept for the next time.
+    for (const ContainerReturn& line : returned)
+        figures.of(line.PCode, line.PName).returned += saved_.containers(line);
+    return figures.list();
+}
+
+QList<ContainerBalance> containerBalances(QStringView gCode, QStringView date, QStringView junNo,
+                                          QStringView userId, std::span<const ContainerReturn> returned) {
+    return ContainerHistory(gCode, date, junNo, userId).with(returned);
 }
 
 std::optional<Containers> containersTakenBack(QStringView date, QStringView userId) {
-    Balances balances;
+    ContainerFigures balances;
     Containers back;
     const int rows = db::forEachRow(kReturnsOfDay(date, userId, userId), [&](db::CVORecordset& row) {
         back += balances.containers({row.GetFieldString(0),

@@ -4,6 +4,8 @@
 #include <QString>
 #include <QStringView>
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <optional>
 #include <span>
 
@@ -47,12 +49,43 @@ struct ContainerBalance {
     Containers after() const;  ///< Out now.
 };
 
+/// The figures of a customer by product code, highest first, as they come together.
+class ContainerFigures {
+  public:
+    ContainerBalance& of(const QString& pCode, const QString& pName);
+    /// The crates and bottles of a line, by the bottles that a crate of the product takes.
+    Containers containers(const ContainerReturn& line);
+    /// Without those where all is 0.
+    QList<ContainerBalance> list() const;
+
+  private:
+    /// Looked up once for each product.
+    std::int64_t bottlesPerBox(const QString& pCode);
+
+    std::map<QString, ContainerBalance, std::greater<>> byCode_;
+    std::map<QString, std::int64_t> bottles_;
+};
+
+/// What the saved slips and the carried-forward rows of a customer say, read once; the slip at hand comes in
+/// as often as it changes.
+class ContainerHistory {
+  public:
+    /// As for containerBalances.
+    ContainerHistory(QStringView gCode, QStringView date, QStringView junNo, QStringView userId);
+
+    /// The balances with these lines of the slip at hand.
+    QList<ContainerBalance> with(std::span<const ContainerReturn> returned);
+
+  private:
+    ContainerFigures saved_;
+};
+
 /// The customer's balances by product code, highest first, without those where all is 0: of the products
 /// marked as containers ("Y" or "Z") that were sold up to `date`, and of those that were taken back.
-/// The sale of the number at hand
-/// counts as delivered. `returned` holds the lines of the slip at hand; the saved lines of that date, number
-/// and user are left out, so it may be the slip as it is on screen. A customer without rows starts at 0; a
-/// count that is no number reads as 0.
+/// The sale of the number at hand counts as delivered. `returned` holds the lines of the slip at hand; the
+/// saved lines of that date, number and user are left out, so it may be the slip as it is on screen. What
+/// `CONTAINERCARRY` has of archived slips is part of what was out before, whatever the date. A customer
+/// without rows starts at 0; a count that is no number reads as 0.
 QList<ContainerBalance> containerBalances(QStringView gCode, QStringView date, QStringView junNo,
                                           QStringView userId, std::span<const ContainerReturn> returned);
 

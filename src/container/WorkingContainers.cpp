@@ -58,7 +58,7 @@ db::Sql insertOf(const ContainerLine& line) {
 /// Reads the line, deletes it and inserts what `change(line, its amounts)` makes of it.
 template <typename Change>
 bool replaceLine(const ContainerKey& key, Change&& change) {
-    db::Transaction transaction;
+    db::Transaction transaction(db::Survives::ProcessEnd);
     const auto row = db::firstRow(kLine(key.PCode, key.FBox, key.NBox, key.Bon));
     auto amounts = lineAmounts(key);
     if (!row || row->size() != kLineColumns || !amounts) return false;
@@ -76,7 +76,7 @@ bool replaceLine(const ContainerKey& key, Change&& change) {
 }  // namespace
 
 bool openSlip(QStringView userId, QStringView workDate, QStringView junNo) {
-    db::Transaction transaction;
+    db::Transaction transaction(db::Survives::ProcessEnd);
     bool isWhole = transaction.run(kEmpty());
     const int lines = db::forEachRow(kSaved(userId, workDate, junNo), [&](db::CVORecordset& row) {
         ContainerLine line;
@@ -89,7 +89,7 @@ bool openSlip(QStringView userId, QStringView workDate, QStringView junNo) {
 }
 
 void emptySlip() {
-    db::execute(kEmpty());
+    db::changeWorkingTable(kEmpty());
 }
 
 bool isOtherCustomers(QStringView gCode) {
@@ -137,10 +137,7 @@ std::optional<ContainerAmounts> lineAmounts(const ContainerKey& key) {
 }
 
 bool insertLine(const ContainerLine& line) {
-    db::CVOConnection connection;
-    db::openDatabase(connection);
-    db::CVORecordset insert(connection);
-    return insert.Open(insertOf(line), db::kForwardOnly, db::kReadOnly);
+    return db::changeWorkingTable(insertOf(line));
 }
 
 bool replaceCounts(const ContainerKey& key, const ContainerCounts& counts, const ContainerAmounts& amounts) {
@@ -156,7 +153,7 @@ bool replaceAmount(const ContainerKey& key, Won ContainerAmounts::*amount, Won k
 }
 
 void deleteLine(const ContainerKey& key) {
-    db::execute(kDelete(key.PCode, key.FBox, key.NBox, key.Bon));
+    db::changeWorkingTable(kDelete(key.PCode, key.FBox, key.NBox, key.Bon));
 }
 
 }  // namespace container

@@ -49,6 +49,9 @@ constexpr Columns<5> kImportLog{u"Path", u"Digest", u"Size", u"Modified", u"Load
 constexpr Columns<6> kImportReject{u"FileName", u"Digest", u"KeptAt", u"Number", u"Reason", u"Line"};
 constexpr Columns<5> kMasterLoad{u"FileName", u"Digest", u"Modified", u"Newest", u"LoadedAt"};
 constexpr Columns<6> kPrintLog{u"DDate", u"JunNo", u"UserID", u"Document", u"Copy", u"PrintedAt"};
+// A customer's containers of one product in the slips that were archived: sold, and taken back.
+constexpr Columns<9> kContainerCarry{u"GCode", u"PCode", u"PName",   u"Box",  u"Bon",
+                                     u"FBox",  u"NBox",  u"BackBon", u"Until"};
 // The payment's own columns, then those of the slip that it pays.
 constexpr Columns<27> kPayJournal{
     u"Number",      u"State",      u"Kind",    u"Charged", u"SettledAt",   u"DDate",     u"Gubun",
@@ -82,6 +85,7 @@ constexpr std::array kTables{
     Table{u"PRINTLOG", kPrintLog, false},
     Table{u"PAYJOURNAL", kPayJournal, false},
     Table{u"DELETED", kDeleted, false},
+    Table{u"CONTAINERCARRY", kContainerCarry, false},
 };
 
 constexpr std::array kIndexes{
@@ -106,6 +110,7 @@ constexpr std::array kIndexes{
     Index{u"BANKMONEY_DATE", u"BankMoney", u"DDate"},
     Index{u"DAYCLOSE_DAY", u"DAYCLOSE", u"DDate, UserID"},
     Index{u"PRINTLOG_SLIP", u"PRINTLOG", u"DDate, JunNo"},
+    Index{u"CONTAINERCARRY_CUSTOMER", u"CONTAINERCARRY", u"GCode"},
     Index{u"PAYJOURNAL_NUMBER", u"PAYJOURNAL", u"Number"},
     Index{u"PAYJOURNAL_STATE", u"PAYJOURNAL", u"State"},
     Index{u"PAYJOURNAL_SLIP", u"PAYJOURNAL", u"DDate, JunNo, UserID"},

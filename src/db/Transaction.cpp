@@ -4,9 +4,10 @@
 
 namespace db {
 
-Transaction::Transaction() {
+Transaction::Transaction(Survives survives) {
     openDatabase(connection_);
-    isOpen_ = connection_.m_pConnection && !platform::adoce::failed(connection_.m_pConnection->BeginTrans());
+    isOpen_ = connection_.m_pConnection &&
+              !platform::adoce::failed(connection_.m_pConnection->BeginTrans(survives));
     // Statements that could not be taken back again must not run at all.
     if (!isOpen_ && connection_.m_pConnection) connection_.Close();
 }
@@ -28,6 +29,11 @@ bool Transaction::commit() {
     if (!isOpen_ || platform::adoce::failed(connection_.m_pConnection->CommitTrans())) return false;
     isOpen_ = false;
     return true;
+}
+
+bool changeWorkingTable(const Sql& statement) {
+    Transaction transaction(Survives::ProcessEnd);
+    return transaction.run(statement) && transaction.commit();
 }
 
 }  // namespace db

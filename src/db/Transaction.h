@@ -1,14 +1,17 @@
 #pragma once
 
 #include "db/VOConnection.h"
+#include "platform/adoce/Survives.h"
 
 namespace db {
+
+using platform::adoce::Survives;
 
 /// Keeps the statements between its creation and commit() together: all of them last, or none does. Leaving
 /// the scope without commit() takes them back. A statement that fails in between is skipped, as everywhere.
 class Transaction {
   public:
-    Transaction();
+    explicit Transaction(Survives survives = Survives::PowerLoss);
     ~Transaction();
     Transaction(const Transaction&) = delete;
     Transaction& operator=(const Transaction&) = delete;
@@ -31,5 +34,9 @@ class Transaction {
     CVOConnection connection_;
     bool isOpen_ = false;
 };
+
+/// Runs one statement that changes a working table. These hold the slip that is being edited and are emptied
+/// at every press in the menu, so that it need not outlast the power. False when the change was not made.
+bool changeWorkingTable(const Sql& statement);
 
 }  // namespace db

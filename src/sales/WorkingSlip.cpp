@@ -52,7 +52,7 @@ db::Sql insertOf(const SlipLine& line) {
 /// Reads the line, deletes it and inserts what `change` makes of it.
 template <typename Change>
 bool replaceLine(const LineKey& key, Change&& change) {
-    db::Transaction transaction;
+    db::Transaction transaction(db::Survives::ProcessEnd);
     const auto row = db::firstRow(kLine(key.PCode, key.Box, key.Bon));
     // Of two lines alike the working table cannot change one: both would make way for it.
     if (!row || row->size() != qsizetype(kColumns.size()) || linesOf(key) != 1) return false;
@@ -66,7 +66,7 @@ bool replaceLine(const LineKey& key, Change&& change) {
 }  // namespace
 
 bool reloadSlip(QStringView userId, QStringView workDate, QStringView junNo) {
-    db::Transaction transaction;
+    db::Transaction transaction(db::Survives::ProcessEnd);
     bool isWhole = transaction.run(kEmpty());
     const int lines = db::forEachRow(kSaved(userId, workDate, junNo), [&](db::CVORecordset& row) {
         SlipLine line;
@@ -120,10 +120,7 @@ int linesOf(const LineKey& key) {
 }
 
 bool insertLine(const SlipLine& line) {
-    db::CVOConnection connection;
-    db::openDatabase(connection);
-    db::CVORecordset insert(connection);
-    return insert.Open(insertOf(line), db::kForwardOnly, db::kReadOnly);
+    return db::changeWorkingTable(insertOf(line));
 }
 
 bool replaceQuantities(const LineKey& key, std::int64_t boxes, std::int64_t bottles,
@@ -143,7 +140,7 @@ bool replaceAmounts(const LineKey& key, const LineAmounts& amounts) {
 }
 
 void deleteLine(const LineKey& key) {
-    db::execute(kDelete(key.PCode, key.Box, key.Bon));
+    db::changeWorkingTable(kDelete(key.PCode, key.Box, key.Bon));
 }
 
 }  // namespace sales

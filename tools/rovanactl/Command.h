@@ -60,6 +60,7 @@ extern const Command kPrintTestCommand;
 extern const Command kSwipeTestCommand;
 extern const Command kBackupCommand;
 extern const Command kRestoreCommand;
+extern const Command kArchiveCommand;
 extern const Command kUpgradeCommand;
 extern const Command kCheckCommand;
 

@@ -19,7 +19,7 @@ constexpr std::array kCommands{&kInitCommand,    &kLoadCommand,      &kUserComma
                                &kDevicesCommand, &kPrintTestCommand, &kSwipeTestCommand, &kImportCommand,
                                &kPriceCommand,   &kSlipsCommand,     &kPrintCommand,     &kTotalsCommand,
                                &kJournalCommand, &kExportCommand,    &kCardHostCommand,  &kBackupCommand,
-                               &kRestoreCommand, &kUpgradeCommand,   &kCheckCommand};
+                               &kRestoreCommand, &kArchiveCommand,   &kUpgradeCommand,   &kCheckCommand};
 
 constexpr db::Statement<u"SELECT name FROM sqlite_master WHERE name = '%s'"> kSelectTable;
 

@@ -175,7 +175,7 @@ QString copyFault(const QString& to, SqliteFile& target, qint64 bytes) {
 
 /// Copies `source` to the new file `to`, examined with `examine`.
 QString copyTo(const QString& to, SqliteFile& source, qint64 bytes, bool mayReplace,
-               QString (*examine)(SqliteFile&)) {
+               QString (*examine)(SqliteFile&), const std::function<QString(SqliteFile&)>& edit = {}) {
     Unfinished copy(to);
     if (!copy.error().isEmpty()) return copy.error();
     {
@@ -186,6 +186,7 @@ QString copyTo(const QString& to, SqliteFile& source, qint64 bytes, bool mayRepl
                               // Of one file from here on, readable from a medium that cannot be written.
                               target.execute(u"PRAGMA journal_mode=DELETE"_s);
         if (!isCopied) return copyFault(to, target, bytes);
+        if (const QString fault = edit ? edit(target) : QString(); !fault.isEmpty()) return fault;
         if (const QString fault = examine ? examine(target) : QString(); !fault.isEmpty())
             return u"the copy is not sound: %1; \"rovanactl check\" tells whether the database is"_s.arg(
                 fault);
@@ -263,6 +264,11 @@ QString describeUse(const QString& database) {
     const qint64 user = findUser(database);
     return u"%1 is open in %2; close the terminal first"_s.arg(
         database, user > 0 ? u"process %1"_s.arg(user) : u"another program"_s);
+}
+
+QString copyEdited(SqliteFile& source, const QString& to, qint64 bytes,
+                   const std::function<QString(SqliteFile&)>& edit) {
+    return copyTo(to, source, bytes, false, findHopeless, edit);
 }
 
 CopyResult keepBeside(SqliteFile& database, const QString& path) {

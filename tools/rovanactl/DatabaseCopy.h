@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <functional>
 
 #include "platform/Sqlite.h"
 
@@ -21,6 +22,12 @@ struct CopyResult {
 /// the disk whole and then renamed, for its owner alone. A file named `to` is replaced only with
 /// `mayReplace`.
 CopyResult backUpDatabase(const QString& from, const QString& to, bool mayReplace);
+
+/// Copies the open database `source` to `to`, a new file in a folder that is there, in the same way. `edit`
+/// may change the copy before it gets its name, and says what is wrong with it. What is wrong, or nothing;
+/// then there is no copy.
+QString copyEdited(SqliteFile& source, const QString& to, qint64 bytes,
+                   const std::function<QString(SqliteFile&)>& edit);
 
 /// Puts the backup `from` in the place of the database `to`, which no other process may have open. The backup
 /// is examined first, the database that was there is kept beside `to` with the time in its name, and what the

@@ -5,6 +5,7 @@
 #include "print/CardReceipt.h"
 #include "print/SlipPapers.h"
 #include "rovanactl/Command.h"
+#include "rovanactl/NamedDatabase.h"
 
 namespace admin {
 namespace {
@@ -54,6 +55,7 @@ std::optional<print::Document> compose(const Printable& printable, const QString
 }
 
 void addPrintOptions(QCommandLineParser& parser) {
+    NamedDatabase::addOption(parser);
     parser.addOption({u"date"_s, u"The day of the slip, today without it."_s, u"yyyy-MM-dd"_s});
     parser.addOption({u"user"_s, u"The salesman, when two have a slip of that number."_s, u"ID"_s});
     parser.addOption({u"copy"_s, u"Whose copy: seller (without it) or buyer."_s, u"COPY"_s});
@@ -71,6 +73,8 @@ Outcome printSlip(const Invocation& call) {
     if (!date) return usageError(u"--date takes a date such as 2024-03-31"_s);
     const QString copy = call.options.isSet(u"copy"_s) ? call.options.value(u"copy"_s) : u"seller"_s;
     if (copy != u"seller" && copy != u"buyer") return usageError(u"--copy takes seller or buyer"_s);
+    const NamedDatabase database(call.options);
+    if (!database.error().isEmpty()) return failure(database.error());
     for (const QStringView table : {u"MTM", u"PUMMOK", u"GARAE", u"PDAUSER", u"config", u"MTMOK", u"YTM"}) {
         if (Outcome missing = requireTable(table); missing.exitCode != kSuccess) return missing;
     }

@@ -3,6 +3,7 @@
 #include "platform/Won.h"
 #include "print/SlipBlocks.h"
 #include "rovanactl/Command.h"
+#include "rovanactl/NamedDatabase.h"
 
 namespace admin {
 namespace {
@@ -49,6 +50,7 @@ platform::Won total(const Slip& slip) {
 }
 
 void addSlipsOptions(QCommandLineParser& parser) {
+    NamedDatabase::addOption(parser);
     parser.addOption({u"date"_s, u"The day of the slips, today without it."_s, u"yyyy-MM-dd"_s});
     parser.addOption({u"user"_s, u"Only the slips of this user."_s, u"ID"_s});
 }
@@ -56,6 +58,8 @@ void addSlipsOptions(QCommandLineParser& parser) {
 Outcome listSlips(const Invocation& call) {
     const std::optional<QString> date = dateOption(call.options, u"date"_s);
     if (!date) return usageError(u"--date takes a date such as 2024-03-31"_s);
+    const NamedDatabase database(call.options);
+    if (!database.error().isEmpty()) return failure(database.error());
     if (Outcome missing = requireTable(u"MTM"); missing.exitCode != kSuccess) return missing;
     const QString user = call.options.value(u"user"_s);
     call.out << u"state\tcustomer\tnumber\tuser\tlines\ttotal\n"_s;

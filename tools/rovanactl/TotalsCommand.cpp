@@ -4,6 +4,7 @@
 #include "db/Query.h"
 #include "rovanactl/Command.h"
 #include "rovanactl/Csv.h"
+#include "rovanactl/NamedDatabase.h"
 #include "totals/DailyReports.h"
 #include "totals/DayClose.h"
 
@@ -15,6 +16,7 @@ using namespace Qt::Literals::StringLiterals;
 constexpr db::Statement<u"SELECT userNAME  FROM PDAUSER WHERE userID = '%s'"> kUser;
 
 void addTotalsOptions(QCommandLineParser& parser) {
+    NamedDatabase::addOption(parser);
     parser.addOption({u"date"_s, u"The day of the reports, today without it."_s, u"yyyy-MM-dd"_s});
     parser.addOption({u"user"_s, u"Only what this user did, everybody's without it."_s, u"ID"_s});
     parser.addOption({u"report"_s, u"Only this report, all without it."_s, u"NAME"_s});
@@ -46,6 +48,8 @@ Outcome writeTotals(const Invocation& call) {
     if (!isClose && std::ranges::none_of(totals::dailyReports(), isWanted)) {
         return usageError(u"there is no report \"%1\"; totals makes %2"_s.arg(name, reportNames()));
     }
+    const NamedDatabase database(call.options);
+    if (!database.error().isEmpty()) return failure(database.error());
     for (const QStringView table : {u"MTM", u"YTM", u"MTMOK", u"GARAE", u"BankMoney", u"PDAUSER"}) {
         if (Outcome missing = requireTable(table); missing.exitCode != kSuccess) return missing;
     }

@@ -43,7 +43,10 @@ constexpr int kRowHeight = 25;
 
 }  // namespace
 
-CContainerSlipDlg::CContainerSlipDlg() : ContainerEntry(app::dialogs::kContainerSlip) {
+CContainerSlipDlg::CContainerSlipDlg()
+    : ContainerEntry(app::dialogs::kContainerSlip),
+      history_(app::session().action.GCode, app::session().WorkDate, app::session().action.JunNo,
+               app::session().UserID) {
     addList();
     addAmountRows();
     addLabel(kBalance, {}, {4, 270, 232, 15});
@@ -142,9 +145,7 @@ void CContainerSlipDlg::showAmounts() {
 void CContainerSlipDlg::showBalance() {
     QString text;
     if (selected_) {
-        const QList<books::ContainerBalance> balances =
-            workingBalances(app::session().action.GCode, app::session().WorkDate, app::session().action.JunNo,
-                            app::session().UserID);
+        const QList<books::ContainerBalance> balances = history_.with(workingReturns());
         const auto found = std::find_if(
             balances.begin(), balances.end(),
             [this](const books::ContainerBalance& balance) { return balance.PCode == selected_->PCode; });

@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "books/ContainerBalance.h"
 #include "container/screens/ContainerEntry.h"
 
 namespace ui {
@@ -39,6 +40,7 @@ class CContainerSlipDlg : public ContainerEntry {
     ContainerKey keyOfRow(int row) const;
 
     ui::ReportList* list_ = nullptr;
+    books::ContainerHistory history_;  ///< Read once: it may be years long.
     std::optional<ContainerKey> selected_;
 };
 

@@ -66,8 +66,8 @@ HResult Connection::Close() {
     return kOk;
 }
 
-HResult Connection::BeginTrans() {
-    return file_ && file_->begin() ? kOk : kFail;
+HResult Connection::BeginTrans(Survives survives) {
+    return file_ && file_->begin(survives) ? kOk : kFail;
 }
 
 HResult Connection::CommitTrans() {
@@ -144,6 +144,10 @@ bool Recordset::prepare(const ParsedStatement& parsed) {
     }
     try {
         statement_ = file_->statement(parsed.text);
+        if (!statement_.isReadOnly() && !file_->readyToChange()) {
+            Close();
+            return false;
+        }
         // A SELECT goes on reading its values while rows are fetched, long after `parsed` serves another one.
         // SQLite's own copies would not be wiped.
         const char* values = parsed.values.constData();

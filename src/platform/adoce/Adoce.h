@@ -7,6 +7,7 @@
 
 #include "platform/SecureBytes.h"
 #include "platform/Sqlite.h"
+#include "platform/adoce/Survives.h"
 
 /// The handheld's database component, reduced to the operations that the system uses, over SQLite. Statements
 /// come as text with their values in single quotes; the quoted values become bound parameters.
@@ -45,7 +46,7 @@ class Connection {
     HResult Open(const QString& connectionString, const QString& user, const QString& password, int options);
     HResult Close();
 
-    HResult BeginTrans();
+    HResult BeginTrans(Survives survives = Survives::PowerLoss);
     HResult CommitTrans();
     HResult RollbackTrans();
     /// False without a file, and when the database gave up the transaction that began here.

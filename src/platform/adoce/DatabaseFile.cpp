@@ -75,8 +75,8 @@ SqliteStatement DatabaseFile::statement(const QByteArray& text) try {
     throw;
 }
 
-bool DatabaseFile::begin() {
-    if (inTransaction_ || !run(u"BEGIN IMMEDIATE"_s)) return false;
+bool DatabaseFile::begin(Survives survives) {
+    if (inTransaction_ || !prepareFor(survives) || !run(u"BEGIN IMMEDIATE"_s)) return false;
     inTransaction_ = true;
     return true;
 }
@@ -97,6 +97,16 @@ void DatabaseFile::rollback() {
 void DatabaseFile::noteFailure(const SqliteError& failure) {
     // A text that SQLite does not accept, a table that is missing: the statement is skipped, as everywhere.
     if (inTransaction_ && !failure.isOfTheStatement()) isLost_ = true;
+}
+
+bool DatabaseFile::prepareFor(Survives survives) {
+    if (survives == survives_) return true;
+    // With NORMAL the write-ahead log is put on the disk by the next commit that waits, and before its pages
+    // go into the database: a loss of power takes back whole transactions, the last ones first.
+    const bool waits = survives == Survives::PowerLoss;
+    if (!run(waits ? u"PRAGMA synchronous=FULL"_s : u"PRAGMA synchronous=NORMAL"_s)) return false;
+    survives_ = survives;
+    return true;
 }
 
 bool DatabaseFile::run(const QString& statement) {

@@ -6,6 +6,8 @@
 
 #include "platform/Sqlite.h"
 
+#include "platform/adoce/Survives.h"
+
 namespace platform::adoce {
 
 /// The one SQLite connection to a database file and its transaction. Every connection of the system's to the
@@ -33,10 +35,13 @@ class DatabaseFile {
     /// what could not be read must not decide what is written.
     bool isUsable() const { return !inTransaction_ || (!isLost_ && sqlite_.isInTransaction()); }
 
+    /// Makes a statement outside a transaction wait for the disk. False when that cannot be: it must not run.
+    bool readyToChange() { return inTransaction_ || prepareFor(Survives::PowerLoss); }
+
     /// Takes note that a statement failed.
     void noteFailure(const SqliteError& failure);
 
-    bool begin();
+    bool begin(Survives survives = Survives::PowerLoss);
     bool commit();
     void rollback();
 
@@ -46,10 +51,13 @@ class DatabaseFile {
     explicit DatabaseFile(const QString& path) : sqlite_(path, SqliteFile::Mode::Existing) {}
 
     bool run(const QString& statement);
+    /// What the next change survives; SQLite takes that only between two transactions.
+    bool prepareFor(Survives survives);
 
     SqliteFile sqlite_;
     bool inTransaction_ = false;
     bool isLost_ = false;
+    Survives survives_ = Survives::PowerLoss;
 };
 
 }  // namespace platform::adoce
