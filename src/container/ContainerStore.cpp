@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "books/CollectionSlip.h"
+#include "books/CollectionMoves.h"
 #include "books/PrintLog.h"
 #include "books/ReusedNumber.h"
 #include "db/Query.h"

@@ -45,12 +45,12 @@ constexpr Columns<5> kImportLog{u"Path", u"Digest", u"Size", u"Modified", u"Load
 constexpr Columns<6> kImportReject{u"FileName", u"Digest", u"KeptAt", u"Number", u"Reason", u"Line"};
 constexpr Columns<5> kMasterLoad{u"FileName", u"Digest", u"Modified", u"Newest", u"LoadedAt"};
 constexpr Columns<6> kPrintLog{u"DDate", u"JunNo", u"UserID", u"Document", u"Copy", u"PrintedAt"};
-// The payment's own columns, then those of the slip that it pays.
-constexpr Columns<27> kPayJournal{
-    u"Number",      u"State",      u"Kind",    u"Charged", u"SettledAt",   u"DDate",     u"Gubun",
-    u"GCode",       u"GName",      u"JunNo",   u"DTime",   u"UserID",      u"MMoney",    u"PMoney",
-    u"BMoney",      u"YMoney",     u"GMoney",  u"YGMoney", u"InMoney",     u"WonMoney",  u"CardMoney",
-    u"MisuInMoney", u"UnderMoney", u"YDMoney", u"GDMoney", u"MSGSENDTIME", u"BANKTRANNO"};
+// The payment's own columns, those of the slip that it pays, and what its sale came to.
+constexpr Columns<28> kPayJournal{
+    u"Number",      u"State",      u"Kind",    u"Charged", u"SettledAt",   u"DDate",      u"Gubun",
+    u"GCode",       u"GName",      u"JunNo",   u"DTime",   u"UserID",      u"MMoney",     u"PMoney",
+    u"BMoney",      u"YMoney",     u"GMoney",  u"YGMoney", u"InMoney",     u"WonMoney",   u"CardMoney",
+    u"MisuInMoney", u"UnderMoney", u"YDMoney", u"GDMoney", u"MSGSENDTIME", u"BANKTRANNO", u"SaleTotal"};
 
 // The working tables hold one slip while it is edited: MTM's first 15 and YTM's first 13 columns.
 constexpr std::array kTables{

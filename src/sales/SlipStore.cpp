@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "books/CollectionMoves.h"
 #include "books/CollectionSlip.h"
 #include "books/PaymentJournal.h"
 #include "books/PrintLog.h"
@@ -37,13 +38,8 @@ constexpr int kWorkingColumns = 15;
 constexpr int kCustomerColumn = 2;
 constexpr int kWorkGubunColumn = 5;
 
-}  // namespace
-
-SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo) {
-    db::Transaction transaction;
-    if (!transaction.run(kDeleteOwn(workDate, junNo, userId))) return SaveOutcome::Failed;
-    const platform::Rows lines = db::selectRows(kWorkingLines(), kWorkingColumns);
-    if (!lines.isComplete) return SaveOutcome::Failed;
+/// Saves the lines as part of `transaction`.
+bool insertLines(db::Transaction& transaction, const platform::Rows& lines, QStringView userId) {
     const QString savedAt = platform::clock::now().toString(u"HH:mm"_s);
     for (int row = 0; row < lines.count(); ++row) {
         std::array<QStringView, decltype(kInsert)::kValues> values;
@@ -54,14 +50,27 @@ SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo
         values[kWorkingColumns + 1] = savedAt;
         const db::Sql insert = kInsert(values);
         // A line with a quote in it is skipped; any other failure is the database's.
-        if (!transaction.run(insert) && insert.isWellFormed()) return SaveOutcome::Failed;
+        if (!transaction.run(insert) && insert.isWellFormed()) return false;
     }
+    return true;
+}
+
+}  // namespace
+
+SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo, platform::Won* moved) {
+    db::Transaction transaction;
+    const books::SaleChange change(workDate, junNo, userId);
+    if (!transaction.run(kDeleteOwn(workDate, junNo, userId))) return SaveOutcome::Failed;
+    const platform::Rows lines = db::selectRows(kWorkingLines(), kWorkingColumns);
+    if (!lines.isComplete || !insertLines(transaction, lines, userId)) return SaveOutcome::Failed;
     // What stayed of an earlier customer's slip leaves the number to the sale that has it now.
     if (!books::forgetPrints(transaction, books::Paper::Invoice, workDate, junNo, userId) ||
         !books::freeNumber(transaction, workDate, junNo, userId, lines.cell(0, kCustomerColumn))) {
         return SaveOutcome::Failed;
     }
-    if (!transaction.commit()) return SaveOutcome::Failed;
+    const auto difference = change.moveCollections(transaction);
+    if (!difference || !transaction.commit()) return SaveOutcome::Failed;
+    if (moved) *moved = *difference;
     return lines.isEmpty() ? SaveOutcome::Empty : SaveOutcome::Saved;
 }
 

@@ -3,6 +3,7 @@
 #include <QStringView>
 
 #include "platform/Rows.h"
+#include "platform/Won.h"
 
 /// The saved sales slips, in `MTM`.
 namespace sales {
@@ -14,8 +15,10 @@ enum class SaveOutcome {
 };
 
 /// Replaces the user's saved slip by the working slip, as unprinted and with the time of the clock. The slip
-/// is saved whole or not at all. What another customer has under the number gets one of its own.
-SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo);
+/// is saved whole or not at all. What another customer has under the number gets one of its own. The
+/// collection of the slip follows its total (books::SaleChange): `moved` receives by how much, in won.
+SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo,
+                     platform::Won* moved = nullptr);
 
 /// The salesman's slips of a day.
 struct SlipList {

@@ -73,7 +73,7 @@ TEST(OpenPayments, PayTheCreditThatTheyEndedIn) {
     } cases[] = {
         {"the same total", 1000, u"5001매출 1000/0/7"_s, u"493"_s, u"결제"_s},
         {"grown since", 1300, u"5001매출 1000/300/7"_s, u"793"_s, u"발행"_s},
-        {"shrunk since", 900, u"5001매출 1000/-100/7"_s, u"393"_s, u"결제"_s},
+        {"shrunk since", 900, u"5001매출 1000/-100/7"_s, u"393"_s, u"발행"_s},
         {"the sale is gone", 0, u"5001입금 1000/0/0"_s, u"-500"_s, u""_s, true},
     };
     for (const auto& c : cases) {

@@ -99,7 +99,7 @@ TEST(ContainerSlip, TakesItsCreditAlong) {
                  {u"0,0,0,500"_s, u"8000/0/500/0"_s},
                  {u"50000,20000,22000,0"_s, u"8000/22000/0/8000"_s},
                  {u"5000,0,-3000,3000"_s, u"8000/0/0/5000"_s},
-                 {u"5000,0,0,3000"_s, u"11000/0/0/5000"_s}};
+                 {u"5000,0,0,3000"_s, u"8000/0/0/5000"_s}};
     for (const bool isDeleted : {true, false}) {
         for (const auto& [collection, expected] : cases) {
             test::TestDevice device;

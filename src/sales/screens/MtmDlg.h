@@ -43,6 +43,8 @@ class CMtmDlg : public ui::Screen {
     void deleteSelected();
     /// False when the database did not take the slip.
     bool save();
+    /// Tells by how much the slip's collection has followed its total, if it has.
+    void tellMoved(platform::Won moved);
     void finish();
 
     /// Refills the list; the chosen line stays chosen.
