@@ -76,14 +76,25 @@ void CollectionSlip::moveSale(const SaleAmounts& difference) {
     YMoney += difference.crateDeposit;
     GMoney += difference.bottleDeposit;
     YGMoney += difference.deposit();
-    if (booking == ExcessBooking::None) {
-        UnderMoney += difference.total();
+    follow(booking, difference.total());
+}
+
+void CollectionSlip::moveRecovery(Won difference) {
+    const ExcessBooking booking = excessBooking(amounts(), MMoney + YGMoney);
+    YDMoney += difference;
+    // Without a sale it only comes off the receivable.
+    follow(booking, MMoney + YGMoney < Won(1) ? Won() : -difference);
+}
+
+void CollectionSlip::follow(ExcessBooking booked, Won difference) {
+    if (booked == ExcessBooking::None) {
+        UnderMoney += difference;
         return;
     }
     const Won due = MMoney + YGMoney - YDMoney;
     const Won excess = due < Won() ? -due : Won();
     MisuInMoney = excess;
-    WonMoney = booking == ExcessBooking::InCash ? -excess : Won();
+    WonMoney = booked == ExcessBooking::InCash ? -excess : Won();
     InMoney = WonMoney + CardMoney;
     UnderMoney = excess.isZero() ? due - CardMoney : Won();
 }

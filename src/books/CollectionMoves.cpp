@@ -1,6 +1,7 @@
 #include "books/CollectionMoves.h"
 
 #include "books/CollectionSlip.h"
+#include "books/ContainerBalance.h"
 #include "books/PaymentJournal.h"
 #include "books/PrintLog.h"
 
@@ -16,6 +17,11 @@ bool keepWhatIsLeft(db::Transaction& transaction, const CollectionSlip& before, 
     return deleteRows(transaction, before.DDate, before.JunNo, before.UserID) &&
            forgetPrints(transaction, Paper::CollectionSlip, before.DDate, before.JunNo, before.UserID) &&
            takeReceivablesBack(transaction, {before});
+}
+
+/// What the slip's containers are worth; 0 without any.
+Won worth(const CollectionSlip& slip) {
+    return savedRecovery(slip.DDate, slip.JunNo, slip.UserID, slip.GCode).value_or(Won());
 }
 
 /// Changes the slip that comes back when the payment of this one is given up in the same way.
@@ -59,6 +65,25 @@ std::optional<Won> SaleChange::moveCollections(db::Transaction& transaction) con
         moved += difference.total();
     }
     return moved;
+}
+
+ContainerChange::ContainerChange(QStringView date, QStringView junNo, QStringView userId) {
+    for (const CollectionSlip& slip : collectionRows(date, junNo, userId)) {
+        if (!slip.isSimplePayment() && slip.YDMoney == worth(slip)) followers_ << slip;
+    }
+}
+
+std::optional<bool> ContainerChange::moveCollections(db::Transaction& transaction) const {
+    bool isMoved = false;
+    for (const CollectionSlip& before : followers_) {
+        const Won difference = worth(before) - before.YDMoney;
+        if (difference.isZero()) continue;
+        CollectionSlip slip = before;
+        slip.moveRecovery(difference);
+        if (!keepWhatIsLeft(transaction, before, slip)) return std::nullopt;
+        isMoved = true;
+    }
+    return isMoved;
 }
 
 std::optional<Won> takeRecoveriesBack(db::Transaction& transaction, QStringView date, QStringView junNo,

@@ -33,6 +33,21 @@ class SaleChange {
     QList<Settled> settled_;
 };
 
+/// The collections of a date, number and user that have for their container slip what it is worth before a
+/// change. Another amount was keyed, and stays.
+class ContainerChange {
+  public:
+    ContainerChange(QStringView date, QStringView junNo, QStringView userId);
+
+    /// Gives each the new worth of its container slip as part of `transaction`, and moves the customer's
+    /// receivable with it (CollectionSlip::moveRecovery). Returns whether one was moved; after nothing, when
+    /// the database did not take it, the transaction must not be committed.
+    [[nodiscard]] std::optional<bool> moveCollections(db::Transaction& transaction) const;
+
+  private:
+    QList<CollectionSlip> followers_;
+};
+
 /// Takes back as part of `transaction` what the collections of that date, number and user, or with an empty
 /// id of everybody, have for a container slip that is about to go: its own user's and customer's. A
 /// collection of which nothing is left goes too. Returns what they had for it, in won; after nothing, when

@@ -2,10 +2,12 @@
 
 #include <QList>
 #include <QString>
+#include <QStringList>
 #include <QStringView>
 #include <array>
 #include <optional>
 
+#include "books/Receivable.h"
 #include "books/TransactionRecord.h"
 #include "db/Transaction.h"
 #include "db/VORecordset.h"
@@ -78,6 +80,9 @@ struct CollectionSlip {
     /// follows the total.
     void moveSale(const SaleAmounts& difference);
 
+    /// Gives the slip the recovery of a container slip that has changed by `difference`, in the same way.
+    void moveRecovery(platform::Won difference);
+
     /// True when the slip says anything of goods, money or containers.
     bool hasAmounts() const;
 
@@ -86,6 +91,11 @@ struct CollectionSlip {
     platform::Won cashTaken() const;
 
     friend bool operator==(const CollectionSlip&, const CollectionSlip&) = default;
+
+  private:
+    /// After a change of the total or the recovery: what is unpaid moves by `difference`, or the excess that
+    /// is `booked` becomes that of the new amounts.
+    void follow(ExcessBooking booked, platform::Won difference);
 };
 
 inline constexpr int kCollectionColumns = 22;
@@ -113,6 +123,9 @@ std::optional<CollectionSlip> findByTransactionNumber(QStringView transactionNum
 
 /// The user's slips of the day, highest number first: slip number, customer name, customer code.
 platform::Rows collectionsOfDay(QStringView userId, QStringView date);
+
+/// The numbers of those with a card amount of a visit that no host has approved.
+QStringList numbersWithoutApproval(QStringView userId, QStringView date);
 
 /// All slips of the day by number, of one user or, with an empty id, of everybody; nothing when they could
 /// not be read to the end.

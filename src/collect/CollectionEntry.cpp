@@ -23,7 +23,7 @@ OpenedEntry openEntry(const books::SlipIdentity& slip) {
         entry.amounts.deposit = sale->deposit();
         entry.crateDeposit = sale->crateDeposit;
     }
-    recomputeTotal(entry.amounts);
+    if (!entry.saved || !entry.saved->isSimplePayment()) recomputeTotal(entry.amounts);
     entry.amounts.previousReceivable =
         books::previousReceivable(entry.gCode, slip.date, slip.junNo, slip.userId);
     return entry;

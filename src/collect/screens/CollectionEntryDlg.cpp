@@ -165,10 +165,13 @@ void CCollectionEntryDlg::takeOverContainers(const std::optional<books::Collecti
     // slip says what it is worth.
     auto recovery = std::exchange(session.action.ContainerRecovery, std::nullopt);
     const bool isHandedOver = recovery.has_value();
+    const bool isMoved = std::exchange(session.action.IsRecoveryMoved, false);
     if (!isHandedOver && !(saved && saved->isSimplePayment())) {
         recovery = books::savedRecovery(session.WorkDate, session.action.JunNo, session.UserID,
                                         session.action.GCode);
     }
+    // What the saving of the containers has left unpaid is settled as if the recovery had been keyed.
+    if (isMoved && !amounts_.total.isZero()) excess = keyRecovery(amounts_, amounts_.containerRecovery);
     if (recovery == amounts_.containerRecovery) recovery.reset();
     // Another amount on the saved collection may have been keyed.
     const bool isAsked = recovery && !isHandedOver && saved;
