@@ -73,7 +73,8 @@ JournalPayment paymentOf(db::CVORecordset& row) {
     payment.charged = platform::parseWon(row.GetFieldString(3));
     payment.settledAt = row.GetFieldString(4);
     payment.slip = readCollection(row, kOwnColumns);
-    const QString saleTotal = row.GetFieldString(kOwnColumns + kCollectionColumns);
+    constexpr int kSaleTotal = kOwnColumns + kCollectionColumns;
+    const QString saleTotal = row.m_nFieldCount > kSaleTotal ? row.GetFieldString(kSaleTotal) : QString();
     if (!saleTotal.isEmpty()) payment.saleTotal = platform::parseWon(saleTotal);
     return payment;
 }

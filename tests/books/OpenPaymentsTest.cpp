@@ -137,6 +137,18 @@ TEST(OpenPayments, PayTheirSaleAsItIsByThen) {
     }
 }
 
+TEST(OpenPayments, AreNotedInAnOlderTerminalsJournal) {
+    test::TestDevice device;
+    device.insert(u"MTM",
+                  {{u"DDate", u"2024-05-10"}, {u"GCode", u"1"}, {u"JunNo", u"5001"}, {u"UserID", u"A"}});
+    device.execute(u"ALTER TABLE PAYJOURNAL DROP COLUMN SaleTotal"_s);
+    const JournalPayment payment = paymentOf(u"1", kCollectionOfSale, u"5001", 1000);
+    ASSERT_TRUE(saveForCard(payment.slip) && notePayment(payment));
+    EXPECT_FALSE(unsettledPayments().value(0).saleTotal);
+    EXPECT_TRUE(approvePayment(payment.number, u"T1"));
+    EXPECT_TRUE(preparedPayments().isEmpty());
+}
+
 TEST(OpenPayments, AreOpenAgainAfterAMistake) {
     test::TestDevice device;
     device.insert(u"MTM", {{u"DDate", u"2024-05-10"},
