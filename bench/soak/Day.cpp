@@ -153,11 +153,15 @@ class Writer {
     /// Opens the last slip again, changes a line and saves it.
     void reload() {
         auto& [junNo, slip] = *slips_.rbegin();
-        slip.keyed[Boxes] -= slip.boxes;
-        slip.keyed[Bottles] -= slip.bottles;
+        const int boxes = slip.boxes;
+        const int bottles = slip.bottles;
+        slip.keyed[Boxes] -= boxes;
+        slip.keyed[Bottles] -= bottles;
         say(u"press 102.1044\nrow2 132.1054 =%1"_s.arg(junNo));
-        keyCounts(&slip,
-                  u"row2 134.1054 =%1\nkeys again %2 next again %3 ok\npress 134.1137 134.1001 132.1003"_s);
+        keyCounts(&slip, u"row2 134.1054 =%1\nkeys again %2 next again %3 ok\npress 134.1137"_s);
+        // Its collection follows.
+        if (slip.boxes != boxes || slip.bottles != bottles) say(u"answer ok"_s);
+        say(u"press 134.1001 132.1003"_s);
     }
 
     void check() {

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <QApplication>
+#include <QDateTime>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -19,6 +20,7 @@
 #include "app/RovanaApp.h"
 #include "db/ImportFile.h"
 #include "desk/demo/DemoCards.h"
+#include "platform/Clock.h"
 #include "platform/Device.h"
 #include "platform/OwnerOnly.h"
 #include "platform/Trace.h"
@@ -170,6 +172,8 @@ int main(int argc, char* argv[]) {
     platform::openLog();
     ui::prepareFonts();
     registerScreens();
+    // The first login takes its work date from the clock before the first day's script has set it.
+    platform::clock::set(QDateTime(QDate::fromString(soak::dateOf(0), Qt::ISODate), QTime(9, 0)));
     ui::Terminal terminal;
     terminal.setVisible(true);
     terminal.activateWindow();

@@ -25,6 +25,10 @@ struct PaymentQuestion {
 /// again.
 PaymentQuestion askAboutPayments(const std::function<std::optional<books::JournalPayment>()>& find);
 
+/// Takes the collections back whose card payment was given up or not charged (books::takeBackUnpaid), and
+/// tells which.
+void takeBackUnpaid(const books::SlipIdentity& current = {});
+
 /// Asks so about the slips of that date and number, of one user or, with an empty id, of everybody, before
 /// anything of them is deleted. False, told, when it stays open what became of a payment, or when it turned
 /// out to be approved: that is another thing to delete.

@@ -15,6 +15,7 @@
 #include "app/KeypadRequest.h"
 #include "app/Login.h"
 #include "app/LoginWait.h"
+#include "app/PaymentQuestion.h"
 #include "app/Session.h"
 #include "books/PaymentJournal.h"
 #include "books/SlipNumbers.h"
@@ -226,6 +227,8 @@ void CRovanaDlg::answerLogin() {
     if (!old.isEmpty()) ui::message(old);
     // After the import, which brings the balances that a payment found approved then moves.
     if (books::hasUnsettledPayments()) ui::runScreen(dialogs::kPaymentCheck);
+    // Where the terminal ended on the card screen.
+    takeBackUnpaid();
     checkEarlierDays();
 }
 
@@ -272,6 +275,7 @@ void CRovanaDlg::runBehind(int button, const std::function<void()>& action) {
     control(button)->hide();
     repaint();
     action();
+    takeBackUnpaid();
     control(button)->show();
     showOldData();
     control(button)->setFocus();

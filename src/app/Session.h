@@ -57,6 +57,7 @@ struct ActionValues {
 
     /// What the container slip that was just finished is worth, in won; nothing when none was.
     std::optional<platform::Won> ContainerRecovery;
+    bool IsRecoveryMoved = false;  ///< The saved collection has taken it over already.
 };
 
 /// The record that all screens share.

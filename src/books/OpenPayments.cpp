@@ -49,16 +49,16 @@ QString refuseToDelete(const JournalPayment& open) {
 }
 
 std::optional<CollectionSlip> payCredit(const CollectionSlip& row, const CollectionSlip& charged) {
-    if (row.GCode != charged.GCode || row.isApproved() || row.isSimplePayment() ||
-        charged.isSimplePayment() || !row.CardMoney.isZero() || !row.WonMoney.isZero() ||
-        row.UnderMoney <= Won()) {
+    if (row.GCode != charged.GCode || row.isApproved() || row.isSimplePayment() || charged.isSimplePayment())
         return std::nullopt;
-    }
+    const bool isBooked = row.CardMoney == charged.CardMoney && row.WonMoney == charged.WonMoney;
+    const bool isCredit = row.CardMoney.isZero() && row.WonMoney.isZero() && row.UnderMoney > Won();
+    if (!isBooked && !isCredit) return std::nullopt;
     CollectionSlip paid = row;
     paid.CardMoney = charged.CardMoney;
     paid.WonMoney = charged.WonMoney;
     paid.InMoney = charged.InMoney;
-    paid.UnderMoney -= charged.InMoney;
+    if (!isBooked) paid.UnderMoney -= charged.InMoney;
     paid.MSGSENDTIME = charged.MSGSENDTIME;
     paid.BANKTRANNO = charged.BANKTRANNO;
     return paid;

@@ -25,8 +25,9 @@ QString refuseToPay(const JournalPayment& open);
 QString refuseToDelete(const JournalPayment& open);
 
 /// What the collection `row` of an open payment is once that is approved: what stands there on credit becomes
-/// what was charged, below 0 where that was more. Nothing when the row has no place for it: it is another
-/// customer's, has an approval, or is paid in another way.
+/// what was charged, below 0 where that was more; what it has as charged already only gets the approval.
+/// Nothing when the row has no place for it: it is another customer's, has an approval, or is paid in another
+/// way.
 std::optional<CollectionSlip> payCredit(const CollectionSlip& row, const CollectionSlip& charged);
 
 /// The collection of an approval that has no sale to pay any more: money that was received, which the debt

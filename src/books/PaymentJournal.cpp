@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <array>
 
+#include "books/Approvals.h"
 #include "books/OpenPayments.h"
+#include "db/Health.h"
 #include "db/Query.h"
 #include "db/Transaction.h"
 #include "platform/Clock.h"
@@ -23,15 +25,21 @@ constexpr db::Statement<u"SELECT * FROM PAYJOURNAL WHERE Number = '%s'"> kOne;
 constexpr db::Statement<u"SELECT * FROM PAYJOURNAL WHERE State = 'sent' OR State = 'unknown' ORDER BY rowid">
     kUnsettled;
 constexpr db::Statement<
-    u"SELECT * FROM PAYJOURNAL WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' ORDER BY rowid DESC">
+    u"SELECT * FROM PAYJOURNAL WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND State <> 'prepared' "
+    u"ORDER BY rowid DESC">
     kOfSlip;
 // An empty date leaves the condition on it out.
-constexpr db::Statement<u"SELECT * FROM PAYJOURNAL WHERE '%s' = '' OR DDate = '%s' ORDER BY rowid"> kOfDay;
 constexpr db::Statement<
-    u"SELECT Number FROM PAYJOURNAL WHERE DDate = '%s' AND JunNo = '%s' AND (State = 'sent' OR State = "
-    u"'unknown')">
-    kUnsettledNumber;
-constexpr db::Statement<u"SELECT Number FROM PAYJOURNAL ORDER BY rowid DESC"> kNewest;
+    u"SELECT * FROM PAYJOURNAL WHERE ('%s' = '' OR DDate = '%s') AND State <> 'prepared' ORDER BY rowid">
+    kOfDay;
+constexpr db::Statement<u"SELECT * FROM PAYJOURNAL WHERE State = 'prepared' ORDER BY rowid"> kPrepared;
+// An empty user leaves the condition on him out.
+constexpr db::Statement<
+    u"DELETE FROM PAYJOURNAL WHERE State = 'prepared' AND DDate = '%s' AND JunNo = '%s' AND ('%s' = '' OR "
+    u"UserID = '%s')">
+    kForgetPrepared;
+constexpr db::Statement<u"SELECT Number FROM PAYJOURNAL WHERE State <> 'prepared' ORDER BY rowid DESC">
+    kNewest;
 constexpr db::Statement<u"SELECT Number FROM PAYJOURNAL WHERE BANKTRANNO = '%s'"> kByTransaction;
 constexpr db::Statement<u"UPDATE PAYJOURNAL SET State = '%s', SettledAt = '%s' WHERE Number = '%s'"> kSettle;
 constexpr db::Statement<
@@ -44,12 +52,15 @@ constexpr db::Statement<
 constexpr db::Statement<u"UPDATE PAYJOURNAL SET State = 'unknown', SettledAt = '%s' WHERE State = 'sent'">
     kCloseStopped;
 
+// Apart from the INSERT, because a database of an older terminal has no such column.
+constexpr db::Statement<u"UPDATE PAYJOURNAL SET SaleTotal = '%s' WHERE Number = '%s'"> kNoteSale;
+
 constexpr QStringView kCard = u"card";
 constexpr QStringView kCash = u"cash";
 constexpr int kOwnColumns = 5;  ///< Those in front of the slip's.
 
-constexpr PaymentState kStates[] = {PaymentState::Sent, PaymentState::Approved, PaymentState::Refused,
-                                    PaymentState::Unknown, PaymentState::Released};
+constexpr PaymentState kStates[] = {PaymentState::Sent,    PaymentState::Approved, PaymentState::Refused,
+                                    PaymentState::Unknown, PaymentState::Released, PaymentState::Prepared};
 
 JournalPayment paymentOf(db::CVORecordset& row) {
     JournalPayment payment;
@@ -62,6 +73,9 @@ JournalPayment paymentOf(db::CVORecordset& row) {
     payment.charged = platform::parseWon(row.GetFieldString(3));
     payment.settledAt = row.GetFieldString(4);
     payment.slip = readCollection(row, kOwnColumns);
+    constexpr int kSaleTotal = kOwnColumns + kCollectionColumns;
+    const QString saleTotal = row.m_nFieldCount > kSaleTotal ? row.GetFieldString(kSaleTotal) : QString();
+    if (!saleTotal.isEmpty()) payment.saleTotal = platform::parseWon(saleTotal);
     return payment;
 }
 
@@ -86,8 +100,9 @@ std::optional<CollectionSlip> approve(db::Transaction& transaction, const Journa
                                       QStringView transactionNumber) {
     CollectionSlip approved = payment.slip;
     approved.BANKTRANNO = transactionNumber.toString();
-    const auto slip = putApproved(transaction, approved);
-    const bool isKept = slip &&
+    const CollectionSlip& charged = payment.slip;
+    const auto slip = putApproved(transaction, approved, payment.saleTotal);
+    const bool isKept = slip && forgetPrepared(transaction, charged.DDate, charged.JunNo, charged.UserID) &&
                         transaction.run(kApprove(now(), slip->JunNo, transactionNumber, payment.number)) &&
                         transaction.commit();
     return isKept ? slip : std::nullopt;
@@ -107,22 +122,70 @@ QStringView stateName(PaymentState state) {
             return u"unknown";
         case PaymentState::Released:
             return u"released";
+        case PaymentState::Prepared:
+            return u"prepared";
     }
     return {};
 }
 
 bool notePayment(const JournalPayment& payment) {
-    const CollectionSlip& slip = payment.slip;
     db::Transaction transaction;
     const auto open = payments(kUnsettled());
     if (!open || findInTheWay(*open, payment)) return false;
-    const auto columns = columnTexts(slip);
+    JournalPayment sent = payment;
+    sent.state = PaymentState::Sent;
+    if (!addPayment(transaction, sent)) return false;
+    const CollectionSlip& slip = sent.slip;
+    const auto sale = savedSale(slip.DDate, slip.JunNo, slip.UserID, slip.GCode);
+    const bool isSaleNoted =
+        !sale || transaction.run(kNoteSale(platform::formatWon(sale->total()), sent.number));
+    return (isSaleNoted || (transaction.isAlive() && db::needsUpgrade())) && transaction.commit();
+}
+
+bool addPayment(db::Transaction& transaction, const JournalPayment& payment) {
+    const auto columns = columnTexts(payment.slip);
     const QString charged = platform::formatWon(payment.charged);
-    std::array<QStringView, decltype(kInsert)::kValues> values{payment.number, stateName(PaymentState::Sent),
+    std::array<QStringView, decltype(kInsert)::kValues> values{payment.number, stateName(payment.state),
                                                                payment.isCard ? kCard : kCash, charged, u""};
     static_assert(kOwnColumns + std::tuple_size_v<decltype(columns)> == decltype(kInsert)::kValues);
     std::ranges::copy(columns, values.begin() + kOwnColumns);
-    return transaction.run(kInsert(values)) && transaction.commit();
+    return transaction.run(kInsert(values));
+}
+
+bool notePrepared(db::Transaction& transaction, const CollectionSlip& slip,
+                  const QList<CollectionSlip>& replaced) {
+    // The slip that it replaces may be on the way to the card itself: the one from before that comes back.
+    if (preparedPayment(slip.DDate, slip.JunNo, slip.UserID)) return true;
+    JournalPayment prepared;
+    prepared.state = PaymentState::Prepared;
+    prepared.number = slip.DDate + slip.JunNo + slip.UserID;
+    if (replaced.isEmpty()) {
+        prepared.slip.DDate = slip.DDate;
+        prepared.slip.JunNo = slip.JunNo;
+        prepared.slip.UserID = slip.UserID;
+        prepared.slip.GCode = slip.GCode;
+        prepared.slip.GName = slip.GName;
+    } else {
+        prepared.slip = replaced.first();
+    }
+    return addPayment(transaction, prepared) || (transaction.isAlive() && db::needsUpgrade());
+}
+
+bool forgetPrepared(db::Transaction& transaction, QStringView date, QStringView junNo, QStringView userId) {
+    return transaction.run(kForgetPrepared(date, junNo, userId, userId)) ||
+           (transaction.isAlive() && db::needsUpgrade());
+}
+
+QList<JournalPayment> preparedPayments() {
+    return payments(kPrepared()).value_or(QList<JournalPayment>());
+}
+
+std::optional<JournalPayment> preparedPayment(QStringView date, QStringView junNo, QStringView userId) {
+    const QList<JournalPayment> prepared = preparedPayments();
+    const auto found = std::ranges::find_if(prepared, [&](const JournalPayment& each) {
+        return each.slip.DDate == date && each.slip.JunNo == junNo && each.slip.UserID == userId;
+    });
+    return found == prepared.end() ? std::nullopt : std::optional(*found);
 }
 
 bool settlePayment(QStringView number, PaymentState state) {
@@ -199,11 +262,6 @@ bool hasUnsettledPayment(QStringView date, QStringView junNo, QStringView userId
 
 std::optional<JournalPayment> findPayment(QStringView number) {
     return payment(kOne(number));
-}
-
-platform::Won skipUnsettledNumbers(QStringView date, platform::Won number) {
-    while (db::hasRow(kUnsettledNumber(date, platform::formatWon(number)))) number += platform::Won(1);
-    return number;
 }
 
 std::optional<QList<JournalPayment>> journalPayments(QStringView date) {

@@ -20,13 +20,16 @@ enum class PaymentState {
     Refused,   ///< The host has refused it and charged nothing.
     Unknown,   ///< Its exchange ended without an answer.
     Released,  ///< It has not reached the host, or the host will refuse it; nothing is charged.
+    Prepared,  ///< No payment yet: its collection is on the way to the card (notePrepared).
 };
 
-/// "sent", "approved", "refused", "unknown" or "released"; `State` in the table.
+/// "sent", "approved", "refused", "unknown", "released" or "prepared"; `State` in the table.
 QStringView stateName(PaymentState state);
 
 /// What list and paper call a slip whose payment is open.
 inline constexpr QStringView kBeingAsked = u"카드결제 확인중";
+/// What screen, list and paper call a card amount of a visit that no host has approved.
+inline constexpr QStringView kNotApproved = u"미승인";
 
 struct JournalPayment {
     QString number;  ///< Message number, 32 hexadecimal digits.
@@ -37,6 +40,7 @@ struct JournalPayment {
     /// The slip that it pays, as it stood then. `MSGSENDTIME` is the time of sending, `BANKTRANNO` empty
     /// until the payment is approved.
     CollectionSlip slip;
+    std::optional<platform::Won> saleTotal;  ///< What its sale came to then; nothing where that is not known.
 
     /// True while it is open whether the customer has been charged.
     bool isUnsettled() const { return state == PaymentState::Sent || state == PaymentState::Unknown; }
@@ -46,6 +50,24 @@ struct JournalPayment {
 /// table, disk full, a single quote in a text) or when an unsettled payment may be the same customer's; it
 /// must not be sent then.
 bool notePayment(const JournalPayment& payment);
+
+/// Adds the payment as part of `transaction`, as it stands. After false that must not be committed.
+[[nodiscard]] bool addPayment(db::Transaction& transaction, const JournalPayment& payment);
+
+/// Notes as part of `transaction` that `slip` is about to be paid by card, with the slip that it replaces;
+/// one that is noted already stays. In a database of an older terminal nothing is noted. After false the
+/// transaction must not be committed.
+[[nodiscard]] bool notePrepared(db::Transaction& transaction, const CollectionSlip& slip,
+                                const QList<CollectionSlip>& replaced);
+
+/// Forgets that of a date, number and user, or with an empty id of everybody. Result as for notePrepared.
+[[nodiscard]] bool forgetPrepared(db::Transaction& transaction, QStringView date, QStringView junNo,
+                                  QStringView userId);
+
+/// The slips on the way to the card. The `slip` of each is the one that was replaced; without one its `Gubun`
+/// and amounts are empty. No other function here returns them.
+QList<JournalPayment> preparedPayments();
+std::optional<JournalPayment> preparedPayment(QStringView date, QStringView junNo, QStringView userId);
 
 /// Settles an unsettled payment without an approval, or makes a sent one unknown. False when there is no such
 /// payment, or when the change did not last; nothing is changed then.
@@ -86,10 +108,6 @@ std::optional<JournalPayment> unsettledPayment(QStringView date, QStringView jun
 bool hasUnsettledPayment(QStringView date, QStringView junNo, QStringView userId);
 /// The payment with that message number.
 std::optional<JournalPayment> findPayment(QStringView number);
-
-/// The first number from `number` on that no unsettled payment of that date has: one that may yet be found
-/// approved keeps its number, though no collection slip shows it.
-platform::Won skipUnsettledNumbers(QStringView date, platform::Won number);
 
 /// All payments of slips of that date in the order of their sending; an empty date stands for all. Nothing
 /// when they could not be read to the end.

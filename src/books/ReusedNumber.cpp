@@ -1,12 +1,9 @@
 #include "books/ReusedNumber.h"
 
-#include <algorithm>
-
 #include "books/PrintLog.h"
+#include "books/SlipNumbers.h"
 #include "db/Query.h"
-#include "platform/Rows.h"
 #include "platform/Trace.h"
-#include "platform/Won.h"
 
 namespace books {
 namespace {
@@ -24,11 +21,6 @@ constexpr db::Statement<
     u"AND GCode <> '%s' AND Gubun <> '단순결제' AND (State = 'sent' OR State = 'unknown')">
     kOthersOfPayments;
 constexpr db::Statement<
-    u"SELECT JunNo FROM MTM WHERE DDate = '%s' UNION SELECT JunNo FROM MTMOK WHERE DDate = '%s' UNION "
-    u"SELECT JunNo FROM YTM WHERE DDate = '%s'">
-    kNumbers;
-constexpr db::Statement<u"SELECT JunNo FROM PAYJOURNAL WHERE DDate = '%s'"> kPaymentNumbers;
-constexpr db::Statement<
     u"SELECT Number FROM PAYJOURNAL WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode = '%s'">
     kPayments;
 constexpr db::Statement<
@@ -39,23 +31,9 @@ constexpr db::Statement<
     u"UPDATE YTM SET JunNo = '%s' WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode = '%s'">
     kMoveContainers;
 constexpr db::Statement<
-    u"UPDATE PAYJOURNAL SET JunNo = '%s', Gubun = '입금' WHERE DDate = '%s' AND JunNo = '%s' "
-    u"AND UserID = '%s' AND GCode = '%s' AND Gubun <> '단순결제'">
+    u"UPDATE PAYJOURNAL SET JunNo = '%s', Gubun = CASE Gubun WHEN '' THEN '' ELSE '입금' END "
+    u"WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode = '%s' AND Gubun <> '단순결제'">
     kMovePayments;
-
-constexpr std::int64_t kFirst = 4001;
-constexpr std::int64_t kLast = 4999;
-
-QString nextNumber(QStringView date) {
-    std::int64_t next = kFirst;
-    const auto count = [&](db::CVORecordset& row) {
-        const std::int64_t number = platform::parseInteger(row.GetFieldString(0));
-        if (number >= kFirst && number <= kLast) next = std::max(next, number + 1);
-    };
-    db::forEachRow(kNumbers(date, date, date), count);
-    db::forEachRow(kPaymentNumbers(date), count);
-    return QString::number(next);
-}
 
 }  // namespace
 
@@ -69,7 +47,7 @@ bool freeNumber(db::Transaction& transaction, QStringView date, QStringView junN
     db::forEachRow(kOthersOfSlips(date, junNo, userId, gCode, date, junNo, userId, gCode), add);
     db::forEachRow(kOthersOfPayments(date, junNo, userId, gCode), add);
     for (const QString& other : others) {
-        const QString number = nextNumber(date);
+        const QString number = nextNumberOfReused(date);
         if (!transaction.run(kMoveCollection(number, date, junNo, userId, other)) ||
             !transaction.run(kMoveContainers(number, date, junNo, userId, other)) ||
             (db::hasRow(kPayments(date, junNo, userId, other)) &&

@@ -15,6 +15,10 @@ std::optional<QString> nextSlipNumber(int workMode, QStringView workDate);
 /// makes 7000 or more, else "7001"; numbers of unsettled payments are skipped.
 QString nextSimplePaymentNumber(QStringView workDate);
 
+/// The next number of the day for what stayed of another customer under a number that was given again: from
+/// "4001" on, below all that are given to new slips, whose order they leave alone.
+QString nextNumberOfReused(QStringView workDate);
+
 /// True when the customer already has a sales slip on the date, of whichever salesman.
 bool customerHasSlip(QStringView workDate, QStringView gcode);
 

@@ -1,5 +1,6 @@
 #include "collect/Settlement.h"
 
+#include "books/Receivable.h"
 #include "books/VatSplit.h"
 
 namespace collect {
@@ -28,10 +29,7 @@ bool settledByRecovery(SettlementAmounts& amounts) {
 /// Takes back what a recovery above `total` was booked as: an earlier receivable paid while no money changed
 /// hands, by a settling button or with the cash below 0 that makes up for it.
 void takeBackExcess(SettlementAmounts& amounts, Won total) {
-    const Won excess = amounts.containerRecovery - total;
-    const bool isByButton = amounts.cash.isZero() && amounts.card.isZero() && amounts.unpaid.isZero();
-    if (excess <= Won() || amounts.earlierReceivable != excess || (!isByButton && amounts.cash != -excess))
-        return;
+    if (books::excessBooking(amounts, total) == books::ExcessBooking::None) return;
     amounts.cash = amounts.earlierReceivable = Won();
 }
 
@@ -107,14 +105,6 @@ Won takeOverRecovery(SettlementAmounts& amounts, Won recovery, bool isContainerW
     return Won();
 }
 
-Won settleNewTotal(SettlementAmounts& amounts, Won before) {
-    recomputeTotal(amounts);
-    takeBackExcess(amounts, before);
-    if (amounts.containerRecovery > amounts.total) return settleRecovery(amounts, amounts.containerRecovery);
-    recomputeUnpaid(amounts);
-    return Won();
-}
-
 void holdCard(SettlementAmounts& amounts, Won charged) {
     const Won moved = amounts.card - charged;
     if (moved.isZero()) return;
@@ -145,8 +135,11 @@ void keyEarlierReceivable(SettlementAmounts& amounts, Won keyed) {
 }
 
 Won resultingReceivable(const SettlementAmounts& amounts) {
-    return amounts.previousReceivable + amounts.total -
-           (amounts.card + amounts.cash + amounts.containerRecovery + amounts.earlierReceivable);
+    return amounts.previousReceivable + books::receivableEffect(amounts);
+}
+
+bool hasSomethingToSettle(const SettlementAmounts& amounts) {
+    return !amounts.total.isZero() || !amounts.containerRecovery.isZero();
 }
 
 bool nothingToSettle(const SettlementAmounts& amounts) {

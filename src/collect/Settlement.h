@@ -31,11 +31,6 @@ platform::Won keyRecovery(books::SettlementAmounts& amounts, platform::Won keyed
 platform::Won takeOverRecovery(books::SettlementAmounts& amounts, platform::Won recovery,
                                bool isContainerWork);
 
-/// Settles anew what was settled with a total of `before`, now that the sale has another one: what a recovery
-/// above that was booked as goes, one above the new total counts as keyed (result as for keyRecovery), else
-/// the difference is unpaid.
-platform::Won settleNewTotal(books::SettlementAmounts& amounts, platform::Won before);
-
 /// Puts the card back to what it was charged. Cash, else the unpaid amount, takes the difference, below 0
 /// where too much was charged; a recovery above the total is then settled as if keyed.
 void holdCard(books::SettlementAmounts& amounts, platform::Won charged);
@@ -50,8 +45,11 @@ void settleOnCredit(books::SettlementAmounts& amounts);
 void keyEarlierReceivable(books::SettlementAmounts& amounts, platform::Won keyed);
 
 /// What the customer owes afterwards: previous receivable + total - (card + cash + recovery + earlier
-/// receivable paid).
+/// receivable paid). An excess that a settling button has booked counts once (books::receivableEffect).
 platform::Won resultingReceivable(const books::SettlementAmounts& amounts);
+
+/// True when there is something that a settling button could settle: total or recovery are not 0.
+bool hasSomethingToSettle(const books::SettlementAmounts& amounts);
 
 /// True when card, cash, earlier receivable paid, unpaid and recovery are all 0.
 bool nothingToSettle(const books::SettlementAmounts& amounts);

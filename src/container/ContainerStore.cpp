@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "books/CollectionSlip.h"
+#include "books/CollectionMoves.h"
 #include "books/Deletions.h"
 #include "books/PrintLog.h"
 #include "books/ReusedNumber.h"
@@ -33,11 +33,13 @@ constexpr int kWorkingColumns = 13;
 
 }  // namespace
 
-SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo, QStringView gCode) {
+SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo, QStringView gCode,
+                     bool* isCollectionMoved) {
     db::Transaction transaction;
     if (!books::freeNumber(transaction, workDate, junNo, userId, gCode)) return SaveOutcome::Failed;
     const auto saved = [&] { return db::selectRows(kSavedLines(workDate, junNo, userId), kWorkingColumns); };
     const platform::Rows before = saved();
+    const books::ContainerChange change(workDate, junNo, userId);
     // A slip without lines is none, and no collection is left with its worth.
     if (!db::hasRow(kWorkingLines()) &&
         (!books::noteDeletion(transaction, books::Paper::ContainerReceipt, workDate, junNo, userId, userId) ||
@@ -60,7 +62,9 @@ SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo
         !books::forgetPrints(transaction, books::Paper::ContainerReceipt, workDate, junNo, userId)) {
         return SaveOutcome::Failed;
     }
-    if (!transaction.commit()) return SaveOutcome::Failed;
+    const auto isMoved = lines.isEmpty() ? false : change.moveCollections(transaction);
+    if (!isMoved || !transaction.commit()) return SaveOutcome::Failed;
+    if (isCollectionMoved) *isCollectionMoved = *isMoved;
     return lines.isEmpty() ? SaveOutcome::Empty : SaveOutcome::Saved;
 }
 

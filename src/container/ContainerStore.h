@@ -18,9 +18,11 @@ enum class SaveOutcome {
 
 /// Replaces the user's saved slip by the working slip; another user's of the same number stays. The slip is
 /// saved whole or not at all; the prints of a receipt that changes are forgotten. Without lines the recovery
-/// of its collection is taken back. What another customer than `gCode` has under the number gets one of its
-/// own.
-SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo, QStringView gCode);
+/// of its collection is taken back, else that follows the slip's worth unless another was keyed:
+/// `isCollectionMoved` receives whether it has. What another customer than `gCode` has under the number gets
+/// one of its own.
+SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo, QStringView gCode,
+                     bool* isCollectionMoved = nullptr);
 
 /// The user's slips of the day, highest number first, one row for each: slip number, customer name, customer
 /// code.

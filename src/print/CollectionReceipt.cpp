@@ -7,6 +7,7 @@
 namespace print {
 namespace {
 
+using namespace Qt::Literals::StringLiterals;
 using platform::Won;
 
 /// A line for an amount that is there.
@@ -21,13 +22,16 @@ void transactionNumberLine(Document& document, QStringView transactionNumber) {
 }
 
 void paymentBlock(Document& document, const books::CollectionSlip& slip) {
-    amountLine(document, u"카드입금", slip.CardMoney);
+    const auto open = books::unsettledPayment(slip.DDate, slip.JunNo, slip.UserID);
+    // Without a host to ask the card amount is what the salesman says.
+    const bool isApproved = slip.isApproved() || open;
+    amountLine(document, isApproved ? u"카드입금"_s : u"카드입금(%1)"_s.arg(books::kNotApproved),
+               slip.CardMoney);
     amountLine(document, u"현금입금", slip.WonMoney);
     amountLine(document, u"미결제액", slip.UnderMoney);
     amountLine(document, u"용공회수액", slip.YDMoney);
     amountLine(document, u"전미수입금", slip.MisuInMoney);
-    if (const auto open = books::unsettledPayment(slip.DDate, slip.JunNo, slip.UserID))
-        document.labelAmount(books::kBeingAsked, open->charged);
+    if (open) document.labelAmount(books::kBeingAsked, open->charged);
     document.rule(Document::Rule::Thin);
     const Won before = books::previousReceivable(slip.GCode, slip.DDate, slip.JunNo, slip.UserID);
     document.labelAmount(u"전미수", before);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "books/CollectionMoves.h"
 #include "books/CollectionSlip.h"
 #include "books/Deletions.h"
 #include "books/PaymentJournal.h"
@@ -59,23 +60,8 @@ bool isOthers(const platform::Rows& lines, QStringView userId, QStringView workD
     return isOthers;
 }
 
-}  // namespace
-
-bool isOtherCustomers(QStringView userId, QStringView workDate, QStringView junNo, QStringView gCode) {
-    return db::hasRow(kOtherCustomers(workDate, junNo, gCode, workDate, junNo, gCode, userId));
-}
-
-SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo) {
-    db::Transaction transaction;
-    const platform::Rows lines = db::selectRows(kWorkingLines(), kWorkingColumns);
-    if (!lines.isComplete) return SaveOutcome::Failed;
-    if (isOthers(lines, userId, workDate, junNo)) return SaveOutcome::Taken;
-    // A slip that is saved without lines is gone.
-    if (lines.isEmpty() &&
-        !books::noteDeletion(transaction, books::Paper::Invoice, workDate, junNo, userId, userId)) {
-        return SaveOutcome::Failed;
-    }
-    if (!transaction.run(kDeleteOwn(workDate, junNo, userId))) return SaveOutcome::Failed;
+/// Saves the lines as part of `transaction`.
+bool insertLines(db::Transaction& transaction, const platform::Rows& lines, QStringView userId) {
     const QString savedAt = platform::clock::now().toString(u"HH:mm"_s);
     for (int row = 0; row < lines.count(); ++row) {
         std::array<QStringView, decltype(kInsert)::kValues> values;
@@ -86,14 +72,38 @@ SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo
         values[kWorkingColumns + 1] = savedAt;
         const db::Sql insert = kInsert(values);
         // A line with a quote in it is skipped; any other failure is the database's.
-        if (!transaction.run(insert) && insert.isWellFormed()) return SaveOutcome::Failed;
+        if (!transaction.run(insert) && insert.isWellFormed()) return false;
     }
+    return true;
+}
+
+}  // namespace
+
+bool isOtherCustomers(QStringView userId, QStringView workDate, QStringView junNo, QStringView gCode) {
+    return db::hasRow(kOtherCustomers(workDate, junNo, gCode, workDate, junNo, gCode, userId));
+}
+
+SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo, platform::Won* moved) {
+    db::Transaction transaction;
+    const platform::Rows lines = db::selectRows(kWorkingLines(), kWorkingColumns);
+    if (!lines.isComplete) return SaveOutcome::Failed;
+    if (isOthers(lines, userId, workDate, junNo)) return SaveOutcome::Taken;
+    const books::SaleChange change(workDate, junNo, userId);
+    // A slip that is saved without lines is gone.
+    if (lines.isEmpty() &&
+        !books::noteDeletion(transaction, books::Paper::Invoice, workDate, junNo, userId, userId)) {
+        return SaveOutcome::Failed;
+    }
+    if (!transaction.run(kDeleteOwn(workDate, junNo, userId)) || !insertLines(transaction, lines, userId))
+        return SaveOutcome::Failed;
     // What stayed of an earlier customer's slip leaves the number to the sale that has it now.
     if (!books::forgetPrints(transaction, books::Paper::Invoice, workDate, junNo, userId) ||
         !books::freeNumber(transaction, workDate, junNo, userId, lines.cell(0, kCustomerColumn))) {
         return SaveOutcome::Failed;
     }
-    if (!transaction.commit()) return SaveOutcome::Failed;
+    const auto difference = change.moveCollections(transaction);
+    if (!difference || !transaction.commit()) return SaveOutcome::Failed;
+    if (moved) *moved = *difference;
     return lines.isEmpty() ? SaveOutcome::Empty : SaveOutcome::Saved;
 }
 

@@ -3,6 +3,7 @@
 #include <QStringView>
 
 #include "platform/Rows.h"
+#include "platform/Won.h"
 
 /// The saved sales slips, in `MTM`.
 namespace sales {
@@ -20,8 +21,10 @@ bool isOtherCustomers(QStringView userId, QStringView workDate, QStringView junN
 
 /// Replaces the user's saved slip by the working slip, as unprinted and with the time of the clock. The slip
 /// is saved whole or not at all. The collection and containers that another customer has under the number get
-/// one of their own.
-SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo);
+/// one of their own. The collection of the slip follows its total (books::SaleChange): `moved` receives by
+/// how much, in won.
+SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo,
+                     platform::Won* moved = nullptr);
 
 /// The salesman's slips of a day.
 struct SlipList {

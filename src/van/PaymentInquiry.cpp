@@ -39,4 +39,12 @@ PaymentVerdict judge(const books::JournalPayment& payment, const books::HostRepl
                                                                               : PaymentVerdict::Open;
 }
 
+QString tellApprovedAmount(const books::HostReply& reply, Won asked) {
+    const Won approved = parseWon(reply.transactionAmount);
+    if (reply.transactionAmount.isEmpty() || approved == asked) return {};
+    const auto grouped = [](Won amount) { return platform::groupDigits(platform::formatWon(amount)); };
+    return u"승인금액 ['%1'원]이 결제금액 ['%2'원]과 다릅니다..! 거래번호 : %3  사무실에 확인하세요!!"_s.arg(
+        grouped(approved), grouped(asked), reply.transactionNumber);
+}
+
 }  // namespace van

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <QString>
 #include <QStringView>
 
 #include "books/PaymentJournal.h"
 #include "books/TransactionRecord.h"
+#include "platform/Won.h"
 
 /// What the host's answer to a question about a payment means.
 namespace van {
@@ -20,5 +22,9 @@ enum class PaymentVerdict {
 /// and the transaction number is on no slip and on no other payment.
 PaymentVerdict judge(const books::JournalPayment& payment, const books::HostReply& reply,
                      QStringView answeredNumber);
+
+/// What to tell when an approval speaks of another amount than the host was asked for, in won; empty when it
+/// names that one or none.
+QString tellApprovedAmount(const books::HostReply& reply, platform::Won asked);
 
 }  // namespace van

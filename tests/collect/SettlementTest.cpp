@@ -58,9 +58,6 @@ TEST(Settlement, SplitsTheTotal) {
         recomputeTotal(amounts);
         return holdCard(amounts, charged), Won();
     };
-    const Rule changed = [](SettlementAmounts& amounts, Won before) {
-        return settleNewTotal(amounts, before);
-    };
     const Rule alone = [](SettlementAmounts& amounts, Won won) {
         return takeOverRecovery(amounts, won, true);
     };
@@ -126,19 +123,6 @@ TEST(Settlement, SplitsTheTotal) {
          40000,
          {50000, 40000, 0, 0, 10000, 0},
          0},
-        {"sale shrunk", changed, {40000, 0, 0, 50000, 0, 7}, 50000, {40000, 0, 0, 50000, -10000, 7}, 0},
-        {"sale shrunk below the recovery",
-         changed,
-         {5000, 8000, 0, 2000, 0, 0},
-         50000,
-         {5000, 8000, 0, -3000, 0, 3000},
-         3000},
-        {"sale grown above the recovery",
-         changed,
-         {70000, 60000, 0, -10000, 0, 10000},
-         50000,
-         {70000, 60000, 0, 0, 10000, 0},
-         0},
         {"taken over, above", visit, {50000, 0, 0, 0, 0, 0}, 50001, {50000, 50001, 0, -1, 0, 1}, 1},
         {"card held, above",
          held,
@@ -185,6 +169,27 @@ TEST(Settlement, KnowsWhatIsLeft) {
     SettlementAmounts amounts = amountsOf({50000, 8000, 20000, 10000, 12000, 3000});
     recomputeTotal(amounts);
     EXPECT_EQ(resultingReceivable(amounts), Won(10000));
+    const struct {
+        const char* name;
+        Split amounts;
+        std::int64_t receivable;  ///< From 1000.
+    } kExcesses[] = {
+        {"by button", {50000, 60000, 0, 0, 0, 10000}, -9000},
+        {"keyed", {50000, 60000, 0, -10000, 0, 10000}, -9000},
+        {"keyed, then paid out in cash", {50000, 60000, 0, -10000, 0, 0}, 1000},
+        {"containers alone, by button", {0, 35000, 0, 0, 0, 35000}, -34000},
+        {"containers alone", {0, 35000, 0, 0, 0, 0}, -34000},
+        {"a return of goods, by button", {-130500, 0, 0, 0, 0, 130500}, -129500},
+        {"an old debt paid besides", {50000, 60000, 0, -10000, 0, 7000}, -6000},
+        {"by button, other money", {50000, 60000, 0, 0, 0, 7000}, -16000},
+    };
+    for (const auto& c : kExcesses) {
+        amounts = amountsOf(c.amounts);
+        recomputeTotal(amounts);
+        EXPECT_EQ(resultingReceivable(amounts), Won(c.receivable)) << c.name;
+        EXPECT_EQ(hasSomethingToSettle(amounts), true) << c.name;
+    }
+    EXPECT_FALSE(hasSomethingToSettle({}));
 
     amounts = amountsOf({50000, 0, 0, 0, 0, 0});
     EXPECT_TRUE(nothingToSettle(amounts));

@@ -79,6 +79,14 @@ void useCard(ui::Screen* dialog) {
     const auto* log = static_cast<QPlainTextEdit*>(dialog->control(1142));
     EXPECT_TRUE(QTest::qWaitFor([&] { return log->toPlainText().endsWith(u"[통신종료] "_s); }, 20'000));
     EXPECT_FALSE(log->toPlainText().contains(u"[에러발생]"_s)) << qPrintable(log->toPlainText());
+    const books::TransactionRecord& record = books::transactionRecord();
+    const auto isWiped = [&] {
+        return record.track2.view().isEmpty() && record.track3.view().isEmpty() &&
+               record.password.view().isEmpty();
+    };
+    if (app::session().WorkMode == app::kSimplePayment) {
+        EXPECT_TRUE(QTest::qWaitFor(isWiped, 5'000)) << "with the approval, not only when the dialog is left";
+    }
     press(dialog, 1003);
 }
 

@@ -157,7 +157,7 @@ TEST_F(ArchiveTest, RefusesAndChangesNothing) {
     expectRefused(archive(), u"holds something else"_s);
     expectRefused(run({u"totals"_s, u"--database"_s, file()}), u"no sound database"_s);
     QFile::remove(file());
-    execute(u"PRAGMA user_version=2"_s);
+    execute(u"PRAGMA user_version=1"_s);
     expectRefused(archive(), u"upgrade"_s);
 }
 

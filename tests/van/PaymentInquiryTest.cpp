@@ -72,5 +72,15 @@ TEST(PaymentInquiry, BelievesOnlyWhatTellsOfThisPayment) {
     platform::clock::set({});
 }
 
+TEST(PaymentInquiry, TellsAnotherAmountThanWasAsked) {
+    books::HostReply reply;
+    EXPECT_TRUE(tellApprovedAmount(reply, platform::Won(130500)).isEmpty()) << "it names none";
+    reply.transactionAmount = u"000130500"_s;
+    reply.transactionNumber = u"000000000007"_s;
+    EXPECT_TRUE(tellApprovedAmount(reply, platform::Won(130500)).isEmpty());
+    const QString told = tellApprovedAmount(reply, platform::Won(163040));
+    for (const QStringView part : {u"130,500", u"163,040", u"000000000007"}) EXPECT_TRUE(told.contains(part));
+}
+
 }  // namespace
 }  // namespace van

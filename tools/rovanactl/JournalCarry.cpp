@@ -20,9 +20,16 @@ bool carry(const QStringList& row, SqliteFile& to) {
     if (!there) return false;
     const bool isAskedAgain = std::ranges::any_of(*there, [](const auto& each) { return isOpen(each[0]); });
     if (isAskedAgain && row[kState] == u"approved") return true;
-    QStringList places(row.size(), u"?"_s);
+    // An older copy lacks the columns at the table's end.
+    const auto names = to.rows(u"SELECT name FROM pragma_table_info('PAYJOURNAL')"_s);
+    if (!names) return false;
+    const qsizetype columns = std::min(row.size(), names->size());
+    QStringList into;
+    for (const auto& name : names->first(columns)) into << name.first();
+    const QStringList places(columns, u"?"_s);
     return to.rows(u"DELETE FROM PAYJOURNAL WHERE Number = ?"_s, {number}) &&
-           to.rows(u"INSERT INTO PAYJOURNAL VALUES (%1)"_s.arg(places.join(u',')), row);
+           to.rows(u"INSERT INTO PAYJOURNAL (%1) VALUES (%2)"_s.arg(into.join(u','), places.join(u',')),
+                   row.first(columns));
 }
 
 }  // namespace
@@ -33,7 +40,7 @@ bool hasPayments(SqliteFile& database) {
 }
 
 QString carryPayments(SqliteFile& from, SqliteFile& to) {
-    const auto payments = from.rows(u"SELECT * FROM PAYJOURNAL ORDER BY rowid"_s);
+    const auto payments = from.rows(u"SELECT * FROM PAYJOURNAL WHERE State <> 'prepared' ORDER BY rowid"_s);
     if (payments && to.execute(u"BEGIN IMMEDIATE"_s)) {
         if (std::ranges::all_of(*payments, [&](const QStringList& row) { return carry(row, to); }) &&
             to.execute(u"COMMIT"_s)) {

@@ -12,6 +12,7 @@
 #include "books/Charge.h"
 #include "books/ContainerBalance.h"
 #include "books/OpenPayments.h"
+#include "collect/CollectionEntry.h"
 #include "collect/Settlement.h"
 #include "ui/Messages.h"
 #include "ui/Terminal.h"
@@ -58,6 +59,8 @@ constexpr Value kValues[] = {
     {1090, &books::SettlementAmounts::previousReceivable},
 };
 constexpr int kResultingReceivable = 1091;
+constexpr int kState = 1110;
+constexpr int kSettlingButtons[] = {1097, 1098, 1083};
 
 void tellExcess(Won excess) {
     ui::message(u"용공초과액이 ['%1'원] 발생하였습니다. 매출금액과 결제금액을 다시 확인하세요..!!"_s.arg(
@@ -72,12 +75,12 @@ CCollectionEntryDlg::CCollectionEntryDlg() : Screen(app::dialogs::kCollectionEnt
     setFittedText(1108, action.GName, ui::FontHeight::Medium);
     addAmount(1109, u"전표번호"_s, {156, 0, 40, 24}, ui::FontHeight::Medium);
     setText(1109, action.JunNo);
-    addLabel(1110, {}, {198, 0, 40, 24}, ui::FontHeight::Small, Qt::AlignRight | Qt::AlignVCenter);
+    addLabel(kState, {}, {198, 0, 40, 24}, ui::FontHeight::Small, Qt::AlignRight | Qt::AlignVCenter);
 
     addSaleRows();
     addPaymentRows();
 
-    setCancelButton(addBottomButton(1000, u"이전"_s, 0, ui::bitmaps::kCancel, [this] { close(Cancelled); }));
+    setCancelButton(addBottomButton(1000, u"이전"_s, 0, ui::bitmaps::kCancel, [this] { goBack(); }));
     addBottomButton(1002, u"전표삭제"_s, 1, ui::bitmaps::kDelete, [this] { deletePrevious(); });
     setDefaultButton(addBottomButton(1003, u"완료"_s, 3, ui::bitmaps::kConfirm, [this] { finish(); }));
 
@@ -140,49 +143,32 @@ void CCollectionEntryDlg::addPaymentRows() {
 
 void CCollectionEntryDlg::load() {
     app::SessionValues& session = app::session();
-    auto saved = books::loadCollection(session.WorkDate, session.action.JunNo, session.UserID);
-    // A number is given again once its slip is deleted, but the collection may have stayed.
-    isOthers_ = saved && !session.action.GCode.isEmpty() && saved->GCode != session.action.GCode;
-    if (isOthers_) saved.reset();
-    isApproved_ = saved && saved->isApproved();
-    setSimplePayment(saved && saved->isSimplePayment());
-    if (session.WorkMode != app::kSalesWork) session.action.CrateDepositSum = saved ? saved->YMoney : Won();
-    if (saved) {
-        amounts_ = saved->amounts();
-        // The collection list knows the customer's name only.
-        session.action.GCode = saved->GCode;
-    }
-    if (session.WorkMode == app::kSalesWork) {
-        // The goods as they are payable, so that the total is the slip's own, rounded as the salesman's VAT
-        // mode says.
-        amounts_.sales = session.action.CheckoutTotal - session.action.CheckoutDeposits;
-        amounts_.supply = session.action.CheckoutSupply;
-        amounts_.vat = session.action.CheckoutVat;
-        amounts_.deposit = session.action.CheckoutDeposits;
-    }
-    if (!isSimplePayment_) recomputeTotal(amounts_);
-    Won excess;
-    if (saved && !saved->isSimplePayment() && saved->amounts().total != amounts_.total)
-        excess = settleNewTotal(amounts_, saved->amounts().total);
-    if (saved && isApproved_) {
-        approvedCard_ = amounts_.card;
-        setText(1110, u"결제"_s);
-    }
-    amounts_.previousReceivable = books::previousReceivable(session.action.GCode, session.WorkDate,
-                                                            session.action.JunNo, session.UserID);
-    takeOverContainers(saved, excess);
+    app::ActionValues& action = session.action;
+    const OpenedEntry entry = openEntry({session.WorkDate, action.JunNo, session.UserID, action.GCode});
+    amounts_ = entry.amounts;
+    action.GCode = entry.gCode;
+    action.CrateDepositSum = entry.crateDeposit;
+    isOthers_ = entry.isOthers;
+    isApproved_ = entry.saved && entry.saved->isApproved();
+    if (isApproved_) approvedCard_ = amounts_.card;
+    setSimplePayment(entry.saved && entry.saved->isSimplePayment());
+    takeOverContainers(entry.saved);
 }
 
-void CCollectionEntryDlg::takeOverContainers(const std::optional<books::CollectionSlip>& saved, Won excess) {
+void CCollectionEntryDlg::takeOverContainers(const std::optional<books::CollectionSlip>& saved) {
     app::SessionValues& session = app::session();
+    Won excess;
     // What the container slip handed over is used up here. Where the way here passes the containers by, their
     // slip says what it is worth.
     auto recovery = std::exchange(session.action.ContainerRecovery, std::nullopt);
     const bool isHandedOver = recovery.has_value();
+    const bool isMoved = std::exchange(session.action.IsRecoveryMoved, false);
     if (!isHandedOver && !(saved && saved->isSimplePayment())) {
         recovery = books::savedRecovery(session.WorkDate, session.action.JunNo, session.UserID,
                                         session.action.GCode);
     }
+    // What the saving of the containers has left unpaid is settled as if the recovery had been keyed.
+    if (isMoved && !amounts_.total.isZero()) excess = keyRecovery(amounts_, amounts_.containerRecovery);
     if (recovery == amounts_.containerRecovery) recovery.reset();
     // Another amount on the saved collection may have been keyed.
     const bool isAsked = recovery && !isHandedOver && saved;
@@ -219,6 +205,19 @@ void CCollectionEntryDlg::showAmounts() {
         kResultingReceivable,
         groupThousands(isSimplePayment_ ? amounts_.previousReceivable : resultingReceivable(amounts_)),
         ui::FontHeight::Small);
+    for (const int button : kSettlingButtons)
+        control(button)->setEnabled(!isSimplePayment_ && hasSomethingToSettle(amounts_));
+    setFittedText(kState, approvalState(), ui::FontHeight::Small);
+}
+
+QString CCollectionEntryDlg::approvalState() const {
+    if (isApproved_) return u"결제"_s;
+    return !isPaidOnLine() && amounts_.card > Won() ? books::kNotApproved.toString() : QString();
+}
+
+bool CCollectionEntryDlg::isPaidOnLine() const {
+    const int mode = app::session().WorkMode;
+    return mode != app::kCollectionWork && mode != app::kContainerWork && !isApproved_;
 }
 
 void CCollectionEntryDlg::keyAmount(const QString& title, Key key) {
@@ -266,7 +265,10 @@ void CCollectionEntryDlg::deletePrevious() {
         return;
     }
     if (question.answer == app::PaymentAnswer::Approved) return takeApproval();
-    if (isApproved_ && !ui::confirm(u"카드결제된 입금표를 삭제할까요?"_s, u"카드결제된 입금표삭제"_s)) return;
+    if (isApproved_ ? !ui::confirm(u"카드결제된 입금표를 삭제할까요?"_s, u"카드결제된 입금표삭제"_s)
+                    : !ui::confirm(u"입금전표내역을 삭제할까요?"_s, u"입금전표삭제"_s)) {
+        return;
+    }
     // Another customer's collection is not this one's to delete.
     if (!isOthers_ && !books::removeCollection(session.WorkDate, session.action.JunNo, session.UserID)) {
         ui::message(u"입금전표를 삭제하지 못했습니다..!"_s);
@@ -277,7 +279,6 @@ void CCollectionEntryDlg::deletePrevious() {
     approvedCard_.reset();
     if (isSimplePayment_) amounts_ = {};
     setSimplePayment(false);
-    setText(1110, {});
     amounts_.previousReceivable = books::previousReceivable(session.action.GCode, session.WorkDate,
                                                             session.action.JunNo, session.UserID);
     showAmounts();
@@ -327,9 +328,10 @@ bool CCollectionEntryDlg::isApprovalPutBack() {
 void CCollectionEntryDlg::takeApproval() {
     app::SessionValues& session = app::session();
     const auto paid = books::loadCollection(session.WorkDate, session.action.JunNo, session.UserID);
-    if (!paid || paid->amounts().total != amounts_.total || paid->YDMoney != amounts_.containerRecovery) {
-        // The slip was changed meanwhile: what it is worth more is unpaid, which the screen has to show
-        // first.
+    if (!paid || paid->amounts().total != amounts_.total || paid->YDMoney != amounts_.containerRecovery ||
+        !paid->UnderMoney.isZero()) {
+        // The slip was changed meanwhile: what it is worth more or less is unpaid, which the screen has to
+        // show first.
         load();
         showAmounts();
         return;
@@ -345,16 +347,25 @@ void CCollectionEntryDlg::finish() {
             u"카드결제&현금결제&전미수입금&미결제액&용공회수액 중에서  금액이 0원 이상이여야 합니다.."_s);
         return;
     }
-    const app::SessionValues& session = app::session();
-    const bool isPaidOnLine =
-        session.WorkMode != app::kCollectionWork && session.WorkMode != app::kContainerWork && !isApproved_;
-    if (isPaidOnLine && !books::isChargeOneAmount(amounts_)) {
+    if (isPaidOnLine() && !books::isChargeOneAmount(amounts_)) {
         const bool isCard = books::chargeKind(amounts_) == books::ChargeKind::Card;
         ui::message(u"%1금액이 결제할 금액 ['%2'원]과 다릅니다..! [%1입금]을 다시 누르세요!!"_s.arg(
             isCard ? u"카드"_s : u"현금"_s, groupThousands(books::amountToSettle(amounts_))));
         return;
     }
     if (!isPaymentSettled()) return;
+    // Without its row an approval would have no place, so the way to the card ends here.
+    if (!save()) {
+        ui::message(u"입금전표를 저장하지 못했습니다..!"_s);
+        return;
+    }
+    books::resetTransactionRecord();
+    books::transactionRecord().amounts = amounts_;
+    closeAndOpen(isPaidOnLine() ? app::dialogs::kCard : app::dialogs::kSlipPrinting);
+}
+
+bool CCollectionEntryDlg::save() const {
+    const app::SessionValues& session = app::session();
     books::CollectionSlip slip;
     slip.DDate = session.WorkDate;
     slip.GCode = session.action.GCode;
@@ -362,19 +373,14 @@ void CCollectionEntryDlg::finish() {
     slip.JunNo = session.action.JunNo;
     slip.UserID = session.UserID;
     slip.setAmounts(amounts_, session.action.CrateDepositSum);
-    bool isSaved = false;
-    {
-        const ui::WaitCursor wait;
-        isSaved = books::saveCollection(slip, &books::replacedCollection());
-    }
-    // Without its row an approval would have no place, so the way to the card ends here.
-    if (!isSaved) {
-        ui::message(u"입금전표를 저장하지 못했습니다..!"_s);
-        return;
-    }
-    books::resetTransactionRecord();
-    books::transactionRecord().amounts = amounts_;
-    closeAndOpen(isPaidOnLine ? app::dialogs::kCard : app::dialogs::kSlipPrinting);
+    const ui::WaitCursor wait;
+    return isPaidOnLine() && amounts_.card > Won() ? books::saveForCard(slip) : books::saveCollection(slip);
+}
+
+void CCollectionEntryDlg::goBack() {
+    // A card payment that was not made, and that the host was asked about here.
+    app::takeBackUnpaid();
+    close(Cancelled);
 }
 
 }  // namespace collect

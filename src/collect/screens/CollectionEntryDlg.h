@@ -38,9 +38,16 @@ class CCollectionEntryDlg : public ui::Screen {
     /// Ends the visit that was found paid; where the slip was changed since, shows what is left.
     void takeApproval();
     void finish();
-    /// Takes over what the container slip of the visit is worth, and tells `excess`, or the recovery's excess
-    /// after that, once the screen shows.
-    void takeOverContainers(const std::optional<books::CollectionSlip>& saved, platform::Won excess);
+    /// Saves the slip as it shows. False when it did not get in.
+    bool save() const;
+    void goBack();
+    /// True when the settlement goes on to the card host.
+    bool isPaidOnLine() const;
+    /// What the heading says of the card amount: approved, not approved, or nothing.
+    QString approvalState() const;
+    /// Takes over what the container slip of the visit is worth, and tells the recovery's excess after that,
+    /// once the screen shows.
+    void takeOverContainers(const std::optional<books::CollectionSlip>& saved);
     /// Takes the worth of the container slip over, as if keyed. Result as for keyRecovery.
     platform::Won takeOver(platform::Won recovery);
     /// The container slip is worth another amount than the saved collection has for it.

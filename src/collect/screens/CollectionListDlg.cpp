@@ -7,6 +7,7 @@
 #include "app/PaymentQuestion.h"
 #include "app/Session.h"
 #include "books/CollectionSlip.h"
+#include "books/PaymentJournal.h"
 #include "ui/Messages.h"
 #include "ui/ReportList.h"
 #include "ui/Terminal.h"
@@ -46,7 +47,19 @@ CCollectionListDlg::CCollectionListDlg() : Screen(app::dialogs::kCollectionList)
 
 void CCollectionListDlg::fill() {
     const ui::WaitCursor wait;
-    list_->setRows(books::collectionsOfDay(app::session().UserID, app::session().WorkDate));
+    const app::SessionValues& session = app::session();
+    platform::Rows slips = books::collectionsOfDay(session.UserID, session.WorkDate);
+    const QStringList unapproved = books::numbersWithoutApproval(session.UserID, session.WorkDate);
+    names_.clear();
+    for (int row = 0; row < slips.count(); ++row) {
+        QString& name = slips.cells[row * slips.columns + 1];
+        const QString junNo = slips.cell(row, 0);
+        names_ << name;
+        if (!unapproved.contains(junNo)) continue;
+        const bool isOpen = books::hasUnsettledPayment(session.WorkDate, junNo, session.UserID);
+        name += u" (%1)"_s.arg(isOpen ? books::kBeingAsked : books::kNotApproved);
+    }
+    list_->setRows(slips);
     app::session().action.JunNo.clear();
     app::session().action.GName.clear();
     app::session().action.GCode.clear();
@@ -54,7 +67,7 @@ void CCollectionListDlg::fill() {
 
 void CCollectionListDlg::choose(int row) {
     app::session().action.JunNo = list_->text(row, 0);
-    app::session().action.GName = list_->text(row, 1);
+    app::session().action.GName = names_.value(row);
 }
 
 void CCollectionListDlg::closeIfDone() {

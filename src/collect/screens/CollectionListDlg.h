@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QStringList>
+
 #include "ui/Screen.h"
 
 namespace ui {
@@ -23,6 +25,7 @@ class CCollectionListDlg : public ui::Screen {
     void closeIfDone();
 
     ui::ReportList* list_ = nullptr;
+    QStringList names_;  ///< The customers' names; the list also says which card amounts are not approved.
 };
 
 }  // namespace collect

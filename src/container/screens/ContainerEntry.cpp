@@ -90,8 +90,9 @@ bool ContainerEntry::recount(const ContainerKey& key, const ContainerCounts& cou
 
 void ContainerEntry::finish() {
     app::SessionValues& session = app::session();
+    bool isMoved = false;
     const SaveOutcome outcome =
-        saveSlip(session.UserID, session.WorkDate, session.action.JunNo, session.action.GCode);
+        saveSlip(session.UserID, session.WorkDate, session.action.JunNo, session.action.GCode, &isMoved);
     // Money follows what is saved.
     if (outcome == SaveOutcome::Failed) {
         ui::message(u"용공회수 전표를 저장하지 못했습니다..!"_s);
@@ -105,6 +106,7 @@ void ContainerEntry::finish() {
         return;
     }
     session.action.ContainerRecovery = workingSums().recovery();
+    session.action.IsRecoveryMoved = isMoved;
     ui::runScreen(app::dialogs::kCollectionEntry);
     if (session.SlipDone == 1) {
         close(Accepted);

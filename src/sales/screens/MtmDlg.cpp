@@ -368,9 +368,20 @@ void CMtmDlg::tellNumberTaken() const {
             app::session().action.JunNo));
 }
 
+void CMtmDlg::tellMoved(Won moved) {
+    if (moved.isZero()) return;
+    receivable_ = customerAccount(app::session().action.GCode).CJMoney;
+    setAmount(kReceivable, receivable_);
+    const bool isMore = moved > Won();
+    ui::message(u"입금전표가 이미 있어 미결제액을 ['%1'원] %2..! 결제금액을 다시 확인하세요..!!"_s.arg(
+        platform::groupDigits(formatWon(isMore ? moved : -moved)),
+        isMore ? u"늘렸습니다"_s : u"줄였습니다"_s));
+}
+
 bool CMtmDlg::save() {
     const app::SessionValues& session = app::session();
-    const SaveOutcome outcome = saveSlip(session.UserID, session.WorkDate, session.action.JunNo);
+    Won moved;
+    const SaveOutcome outcome = saveSlip(session.UserID, session.WorkDate, session.action.JunNo, &moved);
     if (outcome == SaveOutcome::Empty) ui::message(u"주문서에 등록된 상품이 없습니다..!"_s);
     if (outcome == SaveOutcome::Taken) {
         tellNumberTaken();
@@ -380,6 +391,7 @@ bool CMtmDlg::save() {
     if (outcome == SaveOutcome::Failed) return false;
     hasUnsavedLines_ = false;
     savedMark_->setText(outcome == SaveOutcome::Saved ? u"저장됨"_s : QString());
+    tellMoved(moved);
     return true;
 }
 

@@ -46,6 +46,8 @@ class CMtmDlg : public ui::Screen {
     void deleteSelected();
     /// False when the database did not take the slip.
     bool save();
+    /// Tells by how much the slip's collection has followed its total, if it has.
+    void tellMoved(platform::Won moved);
     void finish();
 
     /// True, and told with the lines as they stand, when another line is like the chosen one.

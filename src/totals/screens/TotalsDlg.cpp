@@ -6,6 +6,7 @@
 
 #include "app/Dialogs.h"
 #include "app/KeypadRequest.h"
+#include "app/PaymentQuestion.h"
 #include "app/Session.h"
 #include "books/PaymentJournal.h"
 #include "db/Health.h"
@@ -32,6 +33,7 @@ constexpr QStringView kUnread = u"자료를 읽지 못해 집계하지 못했습
 
 void settlePayments() {
     if (books::hasUnsettledPayments()) ui::runScreen(app::dialogs::kPaymentCheck);
+    app::takeBackUnpaid();
 }
 
 void showDailyReport(const DailyReport& daily) {

@@ -24,6 +24,7 @@
 #include "ui/Terminal.h"
 #include "ui/WaitCursor.h"
 #include "van/CardReaderPort.h"
+#include "van/PaymentInquiry.h"
 
 namespace van {
 namespace {
@@ -62,10 +63,7 @@ CCardDlg::CCardDlg() : Screen(app::dialogs::kCard), component_(this) {
 
     print::DeviceOpen();
     ReaderEnable(true);
-    books::TransactionRecord& record = books::transactionRecord();
-    record.track2.clear();
-    record.track3.clear();
-    record.password.clear();
+    wipeCard();
     platform::termdev::CardReader::instance().setReceiver([this](int message) {
         if (message == platform::termdev::kCardSwiped) cardSwiped();
     });
@@ -80,6 +78,10 @@ CCardDlg::~CCardDlg() {
     platform::termdev::CardReader::instance().setReceiver({});
     ReaderEnable(false);
     print::DeviceClose();
+    wipeCard();
+}
+
+void CCardDlg::wipeCard() {
     books::TransactionRecord& record = books::transactionRecord();
     record.track2.clear();
     record.track3.clear();
@@ -252,6 +254,7 @@ void CCardDlg::send(RequestKind kind, books::RequestType type) {
     log_->begin();
     // The failures show with the next event's rewrite of the status box.
     paymentNumber_.clear();
+    maskedCard_ = platform::maskedCardNumber(record.track2.view());
     bool isNoted = true;
     log_->appendUnseen(sendRequest(component_, kind, record, [&](const QString& number) {
         paymentNumber_ = number;
@@ -343,6 +346,7 @@ books::CollectionSlip CCardDlg::simplePayment() const {
 void CCardDlg::paymentApproved() {
     isApproved_ = true;
     ReaderEnable(false);
+    wipeCard();
     // Looked up before the approval makes the slip "결제", which would pass for printed.
     const books::SlipIdentity& slip = books::transactionRecord().slip;
     const print::SlipPapers papers(slip.date, slip.junNo, slip.userId);
@@ -354,6 +358,7 @@ void CCardDlg::paymentApproved() {
         // The next question about the payment puts it on its slip and offers the print.
         if (isVisit()) return;
     }
+    tellOtherAmount();
     if (isVisit()) {
         printCopies(papers);
     } else {
@@ -362,6 +367,15 @@ void CCardDlg::paymentApproved() {
         print::printDocument(saved ? *saved : print::cardReceipt(simplePayment(), exchange(), false),
                              ui::WaitCursor::alive);
     }
+}
+
+void CCardDlg::tellOtherAmount() const {
+    const books::TransactionRecord& record = books::transactionRecord();
+    const Won charged = books::amountToCharge(record.amounts, record.cardPaymentFlag);
+    const QString differing = tellApprovedAmount(record.reply, charged);
+    if (differing.isEmpty()) return;
+    platform::trace(differing);
+    ui::message(differing);
 }
 
 void CCardDlg::printCopies(print::SlipPapers papers) {
@@ -390,7 +404,7 @@ bool CCardDlg::printSlip(print::SlipPapers& papers, int selector, books::Copy co
 
 print::CardExchange CCardDlg::exchange() const {
     const books::TransactionRecord& record = books::transactionRecord();
-    return {record.reply, platform::maskedCardNumber(record.track2.view())};
+    return {record.reply, maskedCard_};
 }
 
 std::optional<print::Document> CCardDlg::cardReceipt() const {
@@ -464,7 +478,10 @@ void CCardDlg::finish() {
         app::session().SlipDone = 1;
         close(Accepted);
     } else if (books::transactionRecord().amounts.card > Won()) {
-        ui::message(u"카드결제가 승인되지 않았습니다..! 결제방법을 바꾸려면 [이전]을 누르세요!!"_s);
+        ui::message(isThisSlipOpen()
+                        ? u"카드결제 결과가 확인되지 않았습니다..! [결과확인]을 누르거나, "
+                          "결제방법을 바꾸려면 [이전]을 누르세요!!"_s
+                        : u"카드결제가 승인되지 않았습니다..! 결제방법을 바꾸려면 [이전]을 누르세요!!"_s);
     } else if (mode == app::kSimplePayment) {
         close(Accepted);
     } else {

@@ -36,6 +36,10 @@ class CCardDlg : public ui::Screen {
     void send(RequestKind kind, books::RequestType type);
     void exchangeEnded();
     void paymentApproved();
+    /// Tells when the host has approved another amount than it was asked for.
+    void tellOtherAmount() const;
+    /// Overwrites the card's tracks and the password.
+    static void wipeCard();
     void showBalance();
     void reprintPrevious();
     /// The seller's copy, then the question for the buyer's, unless there is nothing to print.
@@ -71,6 +75,7 @@ class CCardDlg : public ui::Screen {
     QWidget* askAgain_ = nullptr;
     std::optional<ExchangeLog> log_;
     QString sentTime_;       ///< When the request at hand left, "yyyyMMddHHmmss".
+    QString maskedCard_;     ///< The number of the card of the request at hand, as the receipt shows it.
     QString paymentNumber_;  ///< Message number of the payment at hand.
     bool isBusyWithCard_ = false;
     bool isApproved_ = false;

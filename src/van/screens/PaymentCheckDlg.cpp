@@ -121,6 +121,12 @@ void CPaymentCheckDlg::approved() {
         ui::message(u"그 결제의 매출전표가 없어, 받은 돈으로 입금전표 %1번에 넣고 외상에서 뺐습니다..!"_s.arg(
             slip->JunNo));
     }
+    if (!slip->isSimplePayment() && !isWithoutSale && !slip->UnderMoney.isZero()) {
+        ui::message(u"그 결제의 매출이 바뀌어 결제와의 차액 ['%1'원]을 미결제액에 넣었습니다..!"_s.arg(
+            platform::groupDigits(platform::formatWon(slip->UnderMoney))));
+    }
+    const QString otherAmount = tellApprovedAmount(reply_, asked_.charged);
+    if (!otherAmount.isEmpty()) ui::message(otherAmount);
     if (ui::askYesNo(u"명세서를 출력할까요?"_s, u"명세서출력"_s)) {
         print(isMoved ? print::SlipPapers(slip->DDate, slip->JunNo, slip->UserID) : papers, *slip);
     }

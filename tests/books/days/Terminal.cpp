@@ -201,7 +201,6 @@ void Terminal::kill() {
     screens_.clear();
     number_.clear();
     customer_.clear();
-    books::replacedCollection().reset();
     books::resetTransactionRecord();
     platform::adoce::DatabaseFile::forgetAll();
 }

@@ -4,9 +4,11 @@
 #include <utility>
 
 #include "Terminal.h"
+#include "books/Charge.h"
 #include "books/ContainerBalance.h"
 #include "books/OpenPayments.h"
 #include "books/PayableTotal.h"
+#include "collect/CollectionEntry.h"
 #include "collect/Settlement.h"
 #include "collect/SimplePayment.h"
 #include "platform/Clock.h"
@@ -49,31 +51,15 @@ void Terminal::openEntry(unsigned pick) {
 
 /// What the dialog of the collection does when it is made.
 void Terminal::loadEntry(unsigned pick) {
-    amounts_ = {};
-    approvedCard_.reset();
-    auto saved = books::loadCollection(date_, number_, user_);
-    isOthers_ = saved && !customer_.isEmpty() && saved->GCode != customer_;
-    if (isOthers_) saved.reset();
+    const collect::OpenedEntry entry = collect::openEntry({date_, number_, user_, customer_});
+    const auto& saved = entry.saved;
+    amounts_ = entry.amounts;
+    customer_ = entry.gCode;
+    crateDeposit_ = entry.crateDeposit;
+    isOthers_ = entry.isOthers;
     isApproved_ = saved && saved->isApproved();
-    if (mode_ != 1) crateDeposit_ = saved ? saved->YMoney : platform::Won();
-    if (saved) {
-        amounts_ = saved->amounts();
-        customer_ = saved->GCode;
-    }
-    if (mode_ == 1) {
-        const QString vatMode = QString::fromStdString(vatModes()[user_.toStdString()]);
-        const sales::SlipSums sums = sales::slipSums(sales::workingSums(), vatMode);
-        amounts_.sales = sums.subtotal();
-        amounts_.supply = sums.supply;
-        amounts_.vat = sums.vat;
-        amounts_.deposit = sums.deposits();
-        crateDeposit_ = sums.crateDeposit;
-    }
-    collect::recomputeTotal(amounts_);
-    if (saved && !saved->isSimplePayment() && saved->amounts().total != amounts_.total)
-        collect::settleNewTotal(amounts_, saved->amounts().total);
-    if (saved && isApproved_) approvedCard_ = amounts_.card;
-    amounts_.previousReceivable = books::previousReceivable(customer_, date_, number_, user_);
+    approvedCard_.reset();
+    if (isApproved_) approvedCard_ = amounts_.card;
     auto recovery = std::exchange(handedOver_, std::nullopt);
     const bool isHandedOver = recovery.has_value();
     if (!isHandedOver && !(saved && saved->isSimplePayment()))
@@ -177,7 +163,9 @@ bool Terminal::isPaymentSettled(unsigned pick) {
 }
 
 bool Terminal::finishEntry(unsigned pick) {
-    if (collect::nothingToSettle(amounts_) || !isPaymentSettled(pick)) return false;
+    if (collect::nothingToSettle(amounts_)) return false;
+    if (mode_ != 2 && mode_ != 3 && !isApproved_ && !books::isChargeOneAmount(amounts_)) return false;
+    if (!isPaymentSettled(pick)) return false;
     books::CollectionSlip slip;
     slip.DDate = date_;
     slip.GCode = slip.GName = customer_;
@@ -186,10 +174,12 @@ bool Terminal::finishEntry(unsigned pick) {
     slip.setAmounts(amounts_, crateDeposit_);
     Event saved = event(Event::Kind::CollectionSaved);
     saved.isApproved = isApproved_;
-    saved.isRefused = !books::saveCollection(slip, &books::replacedCollection());
+    const bool isOnLine = mode_ != 2 && mode_ != 3 && !isApproved_;
+    saved.isRefused = !(isOnLine && amounts_.card > platform::Won() ? books::saveForCard(slip)
+                                                                    : books::saveCollection(slip));
     tell(saved);
     if (saved.isRefused) return false;
-    if (mode_ != 2 && mode_ != 3 && !isApproved_) {
+    if (isOnLine) {
         charged_ = amounts_;
         openCard();
     } else {

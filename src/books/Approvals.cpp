@@ -1,0 +1,142 @@
+#include "books/Approvals.h"
+
+#include <algorithm>
+
+#include "books/CollectionSlip.h"
+#include "books/OpenPayments.h"
+#include "books/PrintLog.h"
+#include "books/SlipNumbers.h"
+#include "books/VatSplit.h"
+#include "db/Query.h"
+
+namespace books {
+
+using platform::Won;
+
+namespace {
+
+constexpr db::Statement<
+    u"UPDATE MTMOK SET MSGSENDTIME = '%s', BANKTRANNO = '%s' "
+    u"WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s'">
+    kApprove;
+constexpr db::Statement<
+    u"UPDATE MTM SET WorkGubun = '결제' WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s'">
+    kMarkPaid;
+constexpr db::Statement<u"UPDATE MTMOK SET MSGSENDTIME = '', BANKTRANNO = '' WHERE BANKTRANNO = '%s'">
+    kTakeApprovalOff;
+constexpr db::Statement<u"DELETE MTMOK WHERE BANKTRANNO = '%s' AND Gubun = '단순결제'"> kDeleteSimple;
+constexpr db::Statement<
+    u"UPDATE MTM SET WorkGubun = '미발행' WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND "
+    u"WorkGubun = '결제'">
+    kMarkUnpaid;
+constexpr db::Statement<
+    u"SELECT GCode FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode <> '%s'">
+    kOthersSalesSlip;
+constexpr db::Statement<
+    u"SELECT GCode FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode = '%s'">
+    kOwnSalesSlip;
+
+QList<CollectionSlip> rowsOf(const CollectionSlip& slip) {
+    return collectionRows(slip.DDate, slip.JunNo, slip.UserID);
+}
+
+/// True when `row` is what `slip` was before its approval, but for the time of saving.
+bool isUnapproved(CollectionSlip row, const CollectionSlip& slip) {
+    row.DTime = slip.DTime;
+    row.MSGSENDTIME = slip.MSGSENDTIME;
+    row.BANKTRANNO = slip.BANKTRANNO;
+    return row == slip;
+}
+
+/// True when the number is another customer's by now, or carries another approval. It is given anew once its
+/// slip is deleted.
+bool isNumberTaken(const CollectionSlip& slip) {
+    return std::ranges::any_of(rowsOf(slip),
+                               [&](const CollectionSlip& row) {
+                                   return row.GCode != slip.GCode || row.isApproved() ||
+                                          row.isSimplePayment();
+                               }) ||
+           db::hasRow(kOthersSalesSlip(slip.DDate, slip.JunNo, slip.UserID, slip.GCode));
+}
+
+/// By how much the slip's sale has changed since it was charged, when it came to `saleTotal`.
+SaleAmounts changeOfSale(const CollectionSlip& charged, std::optional<Won> saleTotal) {
+    const auto now = savedSale(charged.DDate, charged.JunNo, charged.UserID, charged.GCode);
+    if (!now) return {};
+    const Won total = charged.MMoney + charged.YGMoney;
+    if (saleTotal.value_or(total) == total)
+        return *now -
+               SaleAmounts{charged.PMoney, charged.MMoney - charged.PMoney, charged.YMoney, charged.GMoney};
+    // Its amounts were keyed: only what the sale has moved by is known.
+    const VatSplit moved = splitVat(now->total() - *saleTotal);
+    return {moved.supply, moved.vat, {}, {}};
+}
+
+/// The approved slip under its number, whose rows are `before`.
+CollectionSlip slipUnder(const QList<CollectionSlip>& before, const CollectionSlip& approved,
+                         std::optional<Won> saleTotal) {
+    if (approved.isSimplePayment()) return approved;
+    if (approved.Gubun == kCollectionOfSale &&
+        !db::hasRow(kOwnSalesSlip(approved.DDate, approved.JunNo, approved.UserID, approved.GCode))) {
+        return receivedWithoutSale(approved);
+    }
+    if (before.size() == 1) {
+        if (const auto paid = payCredit(before.first(), approved)) return *paid;
+    }
+    CollectionSlip slip = approved;
+    if (const SaleAmounts change = changeOfSale(approved, saleTotal); change.total() != Won())
+        slip.moveSale(change);
+    return slip;
+}
+
+/// Writes the approved slip over the rows of its number, or beside them.
+bool putRow(db::Transaction& transaction, const QList<CollectionSlip>& before, const CollectionSlip& slip) {
+    if (slip.isSimplePayment()) {
+        // It stays beside another of its number: each holds an approval of its own.
+        return addApprovedRow(transaction, slip) && rowsOf(slip) == before + QList<CollectionSlip>{slip};
+    }
+    if (before.size() == 1 && isUnapproved(before.first(), slip)) {
+        return transaction.run(
+                   kApprove(slip.MSGSENDTIME, slip.BANKTRANNO, slip.DDate, slip.JunNo, slip.UserID)) &&
+               rowsOf(slip) == QList<CollectionSlip>{slip};
+    }
+    return deleteRows(transaction, slip.DDate, slip.JunNo, slip.UserID) &&
+           addApprovedRow(transaction, slip) && rowsOf(slip) == QList<CollectionSlip>{slip} &&
+           forgetPrints(transaction, Paper::CollectionSlip, slip.DDate, slip.JunNo, slip.UserID) &&
+           takeReceivablesBack(transaction, before) &&
+           moveReceivable(transaction, slip.GCode, slip.receivableEffect());
+}
+
+}  // namespace
+
+std::optional<CollectionSlip> putApproved(db::Transaction& transaction, const CollectionSlip& approved,
+                                          std::optional<Won> saleTotal) {
+    CollectionSlip slip = approved;
+    QList<CollectionSlip> before = rowsOf(slip);
+    if (!slip.isSimplePayment() && isNumberTaken(slip)) {
+        slip = receivedWithoutSale(slip);
+        slip.JunNo = nextSimplePaymentNumber(slip.DDate);
+        before = rowsOf(slip);
+    } else {
+        slip = slipUnder(before, slip, saleTotal);
+    }
+    const bool isThere = !slip.isSimplePayment() && before.size() == 1 && isUnapproved(before.first(), slip);
+    slip.DTime = isThere ? before.first().DTime : timeOfSaving();
+    if (!slip.isApproved() || !putRow(transaction, before, slip)) return std::nullopt;
+    // A sale that has changed since is not what was paid.
+    if (!slip.isSimplePayment() && slip.UnderMoney.isZero() &&
+        !transaction.run(kMarkPaid(slip.DDate, slip.JunNo, slip.UserID)))
+        return std::nullopt;
+    return slip;
+}
+
+bool takeApprovalOff(db::Transaction& transaction, QStringView transactionNumber) {
+    const auto slip = findByTransactionNumber(transactionNumber);
+    if (!slip) return true;
+    if (slip->isSimplePayment()) return transaction.run(kDeleteSimple(transactionNumber));
+    return transaction.run(kTakeApprovalOff(transactionNumber)) &&
+           transaction.run(kMarkUnpaid(slip->DDate, slip->JunNo, slip->UserID)) &&
+           forgetPrints(transaction, Paper::CollectionSlip, slip->DDate, slip->JunNo, slip->UserID);
+}
+
+}  // namespace books

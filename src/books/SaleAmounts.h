@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QStringView>
+#include <optional>
+
+#include "platform/Won.h"
+
+namespace books {
+
+/// What a sale comes to, in won: the goods as they are payable and the deposits.
+struct SaleAmounts {
+    platform::Won supply;
+    platform::Won vat;  ///< What is payable for the goods, less the supply.
+    platform::Won crateDeposit;
+    platform::Won bottleDeposit;
+
+    platform::Won sales() const { return supply + vat; }
+    platform::Won deposit() const { return crateDeposit + bottleDeposit; }
+    platform::Won total() const { return sales() + deposit(); }
+
+    friend SaleAmounts operator-(const SaleAmounts& after, const SaleAmounts& before);
+    friend bool operator==(const SaleAmounts&, const SaleAmounts&) = default;
+};
+
+/// The customer's saved sale of that date, number and user, rounded as that salesman's VAT mode says; nothing
+/// without one.
+std::optional<SaleAmounts> savedSale(QStringView date, QStringView junNo, QStringView userId,
+                                     QStringView gCode);
+
+}  // namespace books

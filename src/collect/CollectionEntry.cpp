@@ -1,0 +1,32 @@
+#include "collect/CollectionEntry.h"
+
+#include "collect/Settlement.h"
+
+namespace collect {
+
+OpenedEntry openEntry(const books::SlipIdentity& slip) {
+    OpenedEntry entry;
+    entry.gCode = slip.gCode;
+    entry.saved = books::loadCollection(slip.date, slip.junNo, slip.userId);
+    // A number is given again once its slip is deleted, but the collection may have stayed.
+    entry.isOthers = entry.saved && !slip.gCode.isEmpty() && entry.saved->GCode != slip.gCode;
+    if (entry.isOthers) entry.saved.reset();
+    if (entry.saved) {
+        // The collection list knows the customer's name only.
+        entry.gCode = entry.saved->GCode;
+        entry.amounts = entry.saved->amounts();
+        entry.crateDeposit = entry.saved->YMoney;
+    } else if (const auto sale = books::savedSale(slip.date, slip.junNo, slip.userId, slip.gCode)) {
+        entry.amounts.sales = sale->sales();
+        entry.amounts.supply = sale->supply;
+        entry.amounts.vat = sale->vat;
+        entry.amounts.deposit = sale->deposit();
+        entry.crateDeposit = sale->crateDeposit;
+    }
+    if (!entry.saved || !entry.saved->isSimplePayment()) recomputeTotal(entry.amounts);
+    entry.amounts.previousReceivable =
+        books::previousReceivable(entry.gCode, slip.date, slip.junNo, slip.userId);
+    return entry;
+}
+
+}  // namespace collect

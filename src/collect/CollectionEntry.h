@@ -1,0 +1,24 @@
+#pragma once
+
+#include <optional>
+
+#include "books/CollectionSlip.h"
+#include "books/TransactionRecord.h"
+#include "platform/Won.h"
+
+/// What the entry of a collection opens with. The store says it, wherever the entry is opened from.
+namespace collect {
+
+struct OpenedEntry {
+    books::SettlementAmounts amounts;  ///< With the receivable from before the slip.
+    /// The saved collection of the customer, with the amounts above; nothing when he has none.
+    std::optional<books::CollectionSlip> saved;
+    bool isOthers = false;       ///< The number's collection is another customer's.
+    platform::Won crateDeposit;  ///< The part of the deposits for crates, in won.
+    QString gCode;               ///< The customer; the saved collection's where `slip` names none.
+};
+
+/// Opens the collection of a visit: the saved one, or what the visit's saved sale comes to.
+OpenedEntry openEntry(const books::SlipIdentity& slip);
+
+}  // namespace collect

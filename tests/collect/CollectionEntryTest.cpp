@@ -1,0 +1,71 @@
+#include "collect/CollectionEntry.h"
+
+#include <gtest/gtest.h>
+
+#include "support/TestDevice.h"
+
+namespace collect {
+
+using namespace Qt::Literals::StringLiterals;
+using platform::Won;
+
+namespace {
+
+class CollectionEntryTest : public testing::Test {
+  protected:
+    CollectionEntryTest() {
+        device_.insert(u"GARAE", {{u"GCODE", u"0001"}, {u"CJMONEY", u"9000"}});
+        device_.insert(u"PDAUSER", {{u"userID", u"A"}, {u"vatMode", u"2"}});
+        for (const QStringView product : {u"1001", u"1002"}) {
+            device_.insert(u"MTM", {{u"DDate", u"2024-05-10"},
+                                    {u"GCode", u"0001"},
+                                    {u"JunNo", u"5001"},
+                                    {u"PCode", product},
+                                    {u"MMoney", u"10007"},
+                                    {u"BMoney", u"1000"},
+                                    {u"YMoney", u"500"},
+                                    {u"GMoney", u"60"},
+                                    {u"UserID", u"A"}});
+        }
+    }
+    static OpenedEntry open(const QString& gCode = u"0001"_s) {
+        return openEntry({u"2024-05-10"_s, u"5001"_s, u"A"_s, gCode});
+    }
+
+    test::TestDevice device_;
+};
+
+TEST_F(CollectionEntryTest, OpensWhatTheSavedSaleComesTo) {
+    const OpenedEntry entry = open();
+    EXPECT_FALSE(entry.saved || entry.isOthers);
+    EXPECT_EQ(entry.amounts.sales, Won(22020)) << "rounded as the salesman's VAT mode says";
+    EXPECT_EQ(entry.amounts.supply + entry.amounts.vat, entry.amounts.sales);
+    EXPECT_EQ(entry.amounts.total, Won(23140));
+    EXPECT_EQ(entry.crateDeposit, Won(1000));
+    EXPECT_EQ(entry.amounts.previousReceivable, Won(9000));
+    EXPECT_EQ(open(u"0002"_s).amounts.total, Won()) << "it is another customer's";
+}
+
+TEST_F(CollectionEntryTest, OpensWhatIsSavedAsItIs) {
+    books::CollectionSlip slip;
+    slip.DDate = u"2024-05-10"_s;
+    slip.JunNo = u"5001"_s;
+    slip.UserID = u"A"_s;
+    slip.GCode = u"0001"_s;
+    books::SettlementAmounts keyed;
+    keyed.sales = keyed.unpaid = Won(20000);
+    slip.setAmounts(keyed, {});
+    ASSERT_TRUE(books::saveCollection(slip));
+    for (const QString& gCode : {u"0001"_s, QString()}) {
+        const OpenedEntry entry = open(gCode);
+        EXPECT_TRUE(entry.saved);
+        EXPECT_EQ(entry.gCode, u"0001"_s);
+        EXPECT_EQ(entry.amounts.total, Won(20000));
+        EXPECT_EQ(entry.amounts.previousReceivable, Won(9000));
+    }
+    const OpenedEntry others = open(u"0002"_s);
+    EXPECT_TRUE(others.isOthers && !others.saved);
+}
+
+}  // namespace
+}  // namespace collect
