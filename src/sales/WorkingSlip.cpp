@@ -103,6 +103,10 @@ platform::Rows workingLines() {
     return db::selectRows(kLines(), 4);
 }
 
+LineKey keyAt(const platform::Rows& lines, int row) {
+    return {lines.at(row, 0), lines.at(row, 2), lines.at(row, 3)};
+}
+
 bool isWorkingSlipEmpty() {
     return !db::hasRow(kAnyLine());
 }

@@ -1,28 +1,21 @@
 #pragma once
 
-#include "ui/Screen.h"
-
-namespace ui {
-class ReportList;
-}
+#include "app/SlipListScreen.h"
 
 namespace collect {
 
 /// The list of the day's collection slips (dialog 150).
-class CCollectionListDlg : public ui::Screen {
+class CCollectionListDlg : public app::SlipListScreen {
     Q_OBJECT
 
   public:
     CCollectionListDlg();
 
-  private:
-    void fill();
-    void choose(int row);
-    void openHere();
-    void deleteChosen();
-    void closeIfDone();
-
-    ui::ReportList* list_ = nullptr;
+  protected:
+    platform::Rows loadSlips() override;
+    void takeSlip(const platform::Rows& slips, int row) override;
+    void openSlip() override;
+    void deleteSlip() override;
 };
 
 }  // namespace collect

@@ -85,16 +85,12 @@ CReportDlg::CReportDlg() : Screen(app::dialogs::kReport), report_(std::exchange(
     setFittedText(1059, report_.salesman + u"  "_s + report_.date, ui::FontHeight::Small);
 
     const int listBottom = addSums(kListBottom);
-    ui::ReportList* list = addList(1054, {0, kListTop, 240, listBottom - kListTop});
     platform::Rows rows = listRows(report_);
-    const QList<ui::ListColumn> columns = fittedColumns(report_, rows, ui::font(ui::FontHeight::Small));
-    list->setColumns(columns);
+    ui::ReportList* list = addList(1054, {0, kListTop, 240, listBottom - kListTop}, report_.title,
+                                   fittedColumns(report_, rows, ui::font(ui::FontHeight::Small)));
     list->setRows(std::move(rows));
-
-    describe(list, report_.title);
-    setCancelButton(
-        addBottomButton(1003, u"닫  기"_s, 0, ui::bitmaps::kCancel, [this] { close(Cancelled); }));
-    setDefaultButton(addBottomButton(1000, u"출  력"_s, 3, ui::bitmaps::kConfirm, [this] { printReport(); }));
+    addLeaveButton(1003, u"닫  기"_s);
+    addMainButton(1000, u"출  력"_s, [this] { printReport(); });
     list->setFocus();
 }
 
