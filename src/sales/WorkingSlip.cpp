@@ -1,10 +1,6 @@
 #include "sales/WorkingSlip.h"
 
-#include <array>
-
-#include "db/Query.h"
-#include "db/Statement.h"
-#include "db/Transaction.h"
+#include "db/Records.h"
 
 namespace sales {
 namespace {
@@ -35,17 +31,8 @@ constexpr db::Statement<u"DELETE TEMP WHERE PCode= '%s' and Box = '%s' and Bon =
 
 constexpr db::Statement<u"SELECT MMoney,BMoney,YMoney,GMoney FROM TEMP"> kWorkingAmounts;
 
-/// The columns of the working table in their order.
-constexpr std::array kColumns{&SlipLine::DDate,  &SlipLine::Gubun,     &SlipLine::GCode, &SlipLine::GName,
-                              &SlipLine::JunNo,  &SlipLine::WorkGubun, &SlipLine::PCode, &SlipLine::PName,
-                              &SlipLine::JGubun, &SlipLine::Box,       &SlipLine::Bon,   &SlipLine::MMoney,
-                              &SlipLine::BMoney, &SlipLine::YMoney,    &SlipLine::GMoney};
-static_assert(kColumns.size() == decltype(kInsert)::kValues);
-
 db::Sql insertOf(const SlipLine& line) {
-    std::array<QStringView, kColumns.size()> values;
-    for (std::size_t i = 0; i < kColumns.size(); ++i) values[i] = line.*kColumns[i];
-    return kInsert(values);
+    return db::withColumns(kInsert, kSlipLineColumns, line);
 }
 
 /// Reads the line, deletes it and inserts what `change` makes of it.
@@ -53,9 +40,10 @@ template <typename Change>
 bool replaceLine(const LineKey& key, Change&& change) {
     db::Transaction transaction;
     const auto row = db::firstRow(kLine(key.PCode, key.Box, key.Bon));
-    if (!row || row->size() != qsizetype(kColumns.size())) return false;
+    if (!row || row->size() != qsizetype(kSlipLineColumns.size())) return false;
     SlipLine line;
-    for (std::size_t i = 0; i < kColumns.size(); ++i) line.*kColumns[i] = row->at(qsizetype(i));
+    for (std::size_t i = 0; i < kSlipLineColumns.size(); ++i)
+        line.*kSlipLineColumns[i] = row->at(qsizetype(i));
     change(&line);
     // Two lines of the same product and quantities are one to the working table: both make way.
     return transaction.run(kDelete(key.PCode, key.Box, key.Bon)) && transaction.run(insertOf(line)) &&
@@ -65,16 +53,7 @@ bool replaceLine(const LineKey& key, Change&& change) {
 }  // namespace
 
 bool reloadSlip(QStringView userId, QStringView workDate, QStringView junNo) {
-    db::Transaction transaction;
-    bool isWhole = transaction.run(kEmpty());
-    const int lines = db::forEachRow(kSaved(userId, workDate, junNo), [&](db::CVORecordset& row) {
-        SlipLine line;
-        for (std::size_t i = 0; i < kColumns.size(); ++i) line.*kColumns[i] = row.GetFieldString(int(i));
-        const db::Sql insert = insertOf(line);
-        // A line with a quote in it is skipped; any other failure is the database's.
-        if (!transaction.run(insert) && insert.isWellFormed()) isWhole = false;
-    });
-    return isWhole && lines >= 0 && transaction.commit();
+    return db::refill(kEmpty(), kSaved(userId, workDate, junNo), kInsert, kSlipLineColumns);
 }
 
 std::optional<OpenedSlip> openSlip(QStringView userId, QStringView workDate, QStringView junNo) {
@@ -119,10 +98,7 @@ std::optional<LineAmounts> lineAmounts(const LineKey& key) {
 }
 
 bool insertLine(const SlipLine& line) {
-    db::CVOConnection connection;
-    db::openDatabase(connection);
-    db::CVORecordset insert(connection);
-    return insert.Open(insertOf(line), db::kForwardOnly, db::kReadOnly);
+    return db::execute(insertOf(line));
 }
 
 bool replaceQuantities(const LineKey& key, std::int64_t boxes, std::int64_t bottles,

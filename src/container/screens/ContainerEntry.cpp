@@ -30,7 +30,7 @@ ContainerEntry::ContainerEntry(int dialogId) : Screen(dialogId) {
     addAmount(kReceivable, u"채권잔액"_s, {66, 22, 170, 18});
     showCustomer();
     const app::SessionValues& session = app::session();
-    if (!openSlip(session.UserID, session.WorkDate, session.action.JunNo)) {
+    if (!reloadSlip(session.UserID, session.WorkDate, session.action.JunNo)) {
         QTimer::singleShot(0, this, [this] {
             ui::message(u"용공회수 전표를 열지 못했습니다..!"_s);
             close(Cancelled);
