@@ -126,6 +126,23 @@ void bringToFront(QWidget& window) {
     window.activateWindow();
 }
 
+/// Puts the terminal, on its desk where that is asked for, into the window.
+ui::Terminal* fillWindow(QWidget& window, const Options& options, const platform::Settings& settings) {
+    window.setWindowTitle(u"Rovana"_s);
+    window.setPalette(QPalette(Qt::black));
+    auto* layout = new QVBoxLayout(&window);
+    layout->setContentsMargins(0, 0, 0, 0);
+    auto* terminal = new ui::Terminal(&window);
+    if (options.isDesk) {
+        layout->addWidget(new desk::Desk(terminal, settings, &window));
+        window.resize(desk::kDeskSize);
+    } else {
+        layout->addWidget(terminal, 0, Qt::AlignCenter);
+        if (!options.isFullScreen) layout->setSizeConstraint(QLayout::SetFixedSize);
+    }
+    return terminal;
+}
+
 }  // namespace
 
 int runProgram(int argc, char** argv, const std::function<void(ui::Terminal&)>& terminalMade) {
@@ -152,19 +169,7 @@ int runProgram(int argc, char** argv, const std::function<void(ui::Terminal&)>& 
     // Before the window: a desk in it stands on them to its end.
     const platform::termdev::Devices devices(settings);
     QWidget window;
-    window.setWindowTitle(u"Rovana"_s);
-    window.setPalette(QPalette(Qt::black));
-    auto* layout = new QVBoxLayout(&window);
-    layout->setContentsMargins(0, 0, 0, 0);
-    auto* terminal = new ui::Terminal(&window);
-    if (options.isDesk) {
-        layout->addWidget(new desk::Desk(terminal, settings, &window));
-        window.resize(desk::kDeskSize);
-    } else {
-        layout->addWidget(terminal, 0, Qt::AlignCenter);
-        if (!options.isFullScreen) layout->setSizeConstraint(QLayout::SetFixedSize);
-    }
-
+    ui::Terminal* terminal = fillWindow(window, options, settings);
     QObject::connect(&lock, &platform::TerminalLock::startedAgain, &window, [&] { bringToFront(window); });
     const platform::termdev::SwipeSocket swipes;
     registerScreens();

@@ -30,11 +30,4 @@ platform::Rows slipsOfDay(QStringView userId, QStringView workDate);
 /// have for it: that sum in won. Nothing, traced, when the database did not take it; all is as before then.
 std::optional<platform::Won> deleteSlip(QStringView workDate, QStringView junNo);
 
-/// What a slip needs of its customer; kind empty and balance 0 for an unknown one.
-struct CustomerAccount {
-    platform::Won CJMoney;  ///< Receivable balance.
-    QString Gubun;          ///< The customer's kind.
-};
-CustomerAccount customerAccount(QStringView gCode);
-
 }  // namespace container

@@ -6,6 +6,7 @@
 #include "app/Dialogs.h"
 #include "app/KeypadRequest.h"
 #include "app/Session.h"
+#include "books/Customer.h"
 #include "container/ContainerProduct.h"
 #include "container/ContainerStore.h"
 #include "container/WorkingContainers.h"
@@ -42,10 +43,10 @@ ContainerEntry::ContainerEntry(int dialogId) : Screen(dialogId) {
 
 void ContainerEntry::showCustomer() {
     app::ActionValues& action = app::session().action;
-    const CustomerAccount account = customerAccount(action.GCode);
-    action.CustomerKind = account.Gubun;
+    const auto customer = books::containerCustomer(action.GCode).value_or(books::Customer());
+    action.CustomerKind = customer.Gubun;
     setFittedText(kCustomerName, action.GName, ui::FontHeight::Medium);
-    setAmount(kReceivable, account.CJMoney);
+    setAmount(kReceivable, customer.receivable());
 }
 
 std::optional<ContainerCounts> ContainerEntry::askCounts(const ContainerCounts& start) {

@@ -5,6 +5,7 @@
 
 #include "app/Dialogs.h"
 #include "app/Session.h"
+#include "books/Customer.h"
 #include "books/SlipNumbers.h"
 #include "platform/Hangul.h"
 #include "sales/CustomerQuery.h"
@@ -81,11 +82,11 @@ void CGaeaeDlg::choose(int row) {
     action.GCode = customers_.at(row, 0);
     action.GName = customers_.at(row, 1);
     isChosenHere_ = true;
-    const std::optional<CustomerFooter> footer = customerFooter(action.GCode);
-    if (!footer) return;
-    setFittedText(kTel, footer->tel, ui::FontHeight::Small);
-    setFittedText(kMargin, u" %1 "_s.arg(footer->Majin), ui::FontHeight::Small);
-    setAmount(kReceivable, footer->CJMoney);
+    const auto customer = books::listedCustomer(action.GCode);
+    if (!customer) return;
+    setFittedText(kTel, customer->Tel, ui::FontHeight::Small);
+    setFittedText(kMargin, u" %1 "_s.arg(customer->Majin), ui::FontHeight::Small);
+    setAmount(kReceivable, customer->receivable());
 }
 
 void CGaeaeDlg::forgetChoice() {

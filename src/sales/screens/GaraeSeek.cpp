@@ -5,7 +5,7 @@
 #include "app/Dialogs.h"
 #include "app/Session.h"
 #include "books/CollectionSlip.h"
-#include "sales/CustomerQuery.h"
+#include "books/Customer.h"
 #include "sales/SlipLine.h"
 #include "sales/SlipStore.h"
 #include "sales/WorkingSlip.h"
@@ -68,7 +68,7 @@ void CGaraeSeek::pay() {
         return;
     }
     app::session().action.GCode = slip->GCode;
-    handOver(slip->sums, customerAccount(slip->GCode).CJMoney);
+    handOver(slip->sums, books::slipCustomer(slip->GCode).value_or(books::Customer()).receivable());
     runWork(app::dialogs::kCollectionEntry);
 }
 

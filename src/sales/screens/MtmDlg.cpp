@@ -6,9 +6,9 @@
 #include "app/Dialogs.h"
 #include "app/KeypadRequest.h"
 #include "app/Session.h"
+#include "books/Customer.h"
 #include "platform/Clock.h"
 #include "sales/Checkout.h"
-#include "sales/CustomerQuery.h"
 #include "sales/PriceOrigin.h"
 #include "sales/Pricing.h"
 #include "sales/ProductQuery.h"
@@ -134,9 +134,9 @@ void CMtmDlg::openSlip() {
     const OpenedSlip slip = opened.value_or(OpenedSlip{});
     // The slip list knows the customer's name only; the slip itself knows who it is.
     if (session.action.GCode.isEmpty()) session.action.GCode = slip.GCode;
-    const CustomerAccount account = customerAccount(session.action.GCode);
-    session.action.CustomerKind = account.Gubun;
-    receivable_ = account.CJMoney;
+    const auto customer = books::slipCustomer(session.action.GCode).value_or(books::Customer());
+    session.action.CustomerKind = customer.Gubun;
+    receivable_ = customer.receivable();
     sums_ = slip.sums;
     setFittedText(kCustomerName, session.action.GName, ui::FontHeight::Medium);
     setAmount(kReceivable, receivable_);
@@ -349,7 +349,7 @@ void CMtmDlg::finish() {
         return;
     }
     // The collection may have moved it.
-    receivable_ = customerAccount(session.action.GCode).CJMoney;
+    receivable_ = books::slipCustomer(session.action.GCode).value_or(books::Customer()).receivable();
     setAmount(kReceivable, receivable_);
     showAmounts();
 }

@@ -11,7 +11,6 @@
 #include "books/CollectionSlip.h"
 #include "books/OpenPayments.h"
 #include "db/Health.h"
-#include "db/Query.h"
 #include "platform/Clock.h"
 #include "platform/Trace.h"
 #include "platform/Wipe.h"
@@ -32,8 +31,6 @@ using platform::formatWon;
 using platform::groupDigits;
 using platform::parseWon;
 using platform::Won;
-
-constexpr db::Statement<u"SELECT GName,Sno,Gupju, Juso  FROM GARAE WHERE GCODE = '%s'  "> kSelectCustomer;
 
 constexpr QStringView kApproved = u"0000";
 constexpr QStringView kHostDisturbed = u"0098";
@@ -115,12 +112,7 @@ void CCardDlg::addControls() {
 
 void CCardDlg::loadCustomer() {
     books::TransactionRecord& record = books::transactionRecord();
-    const auto row = db::firstRow(kSelectCustomer(record.slip.gCode));
-    const QStringList texts = row.value_or(QStringList{u"XXXX"_s, u"XXX-XX-XXXX"_s, u"XXXX"_s, u"XXXX"_s});
-    record.customerName = texts.value(0);
-    record.customerNumber = texts.value(1);
-    record.customerOwner = texts.value(2);
-    record.customerAddress = texts.value(3);
+    record.customer = books::cardCustomer(record.slip.gCode);
 }
 
 void CCardDlg::preparePayment() {
