@@ -253,8 +253,9 @@ int ReportList::selectedRow() const {
 }
 
 void ReportList::showChosen(int row) {
-    selectRow(row);
-    scrollTo(model_->index(row, 0));
+    const int place = filter_ ? int(shown_.indexOf(row)) : row;
+    selectRow(place);
+    scrollTo(model_->index(place, 0));
 }
 
 void ReportList::tap(QPoint place, bool isAgain) {

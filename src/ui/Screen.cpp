@@ -18,7 +18,6 @@ namespace {
 /// Type is not set smaller than this many pixels to make a text fit.
 constexpr int kSmallestType = 8;
 
-constexpr auto kRight = Qt::AlignRight | Qt::AlignVCenter;
 /// The colour of amounts of the chosen line.
 constexpr QColor kChosenColour(0x1c, 0x5b, 0xa8);
 

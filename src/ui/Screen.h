@@ -29,6 +29,9 @@ inline constexpr int kGridPitch = 60;
 /// Where the row of buttons at the bottom begins.
 inline constexpr int kBottomRow = 286;
 
+/// How figures stand in their place.
+inline constexpr Qt::Alignment kRight = Qt::AlignRight | Qt::AlignVCenter;
+
 /// A full-screen modal dialog. It is found by its dialog id, its controls by their control ids.
 class Screen : public QWidget {
     Q_OBJECT

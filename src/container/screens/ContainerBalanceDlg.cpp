@@ -17,7 +17,6 @@ using books::ContainerBalance;
 
 constexpr int kProductName = 1060;
 constexpr int kRowHeight = 18;
-constexpr auto kRight = Qt::AlignRight | Qt::AlignVCenter;
 
 /// A row of the product's figures: its label, and its crates and bottles.
 struct FigureRow {
@@ -39,9 +38,10 @@ CContainerBalanceDlg::CContainerBalanceDlg() : Screen(app::dialogs::kContainerBa
     const ui::WaitCursor wait;
     addLabel(1059, {}, {4, 0, 232, 24});
     setFittedText(1059, u"용공잔액  "_s + app::session().action.GName, ui::FontHeight::Medium);
-    ui::ReportList* list = addList(1054, {0, 25, 240, 138}, u"용공잔액 상품"_s,
-                                   {{u"상품명"_s, 116}, {u"상자"_s, 50, kRight}, {u"공병"_s, 58, kRight}},
-                                   [this](int row) { showProduct(row); });
+    ui::ReportList* list =
+        addList(1054, {0, 25, 240, 138}, u"용공잔액 상품"_s,
+                {{u"상품명"_s, 116}, {u"상자"_s, 50, ui::kRight}, {u"공병"_s, 58, ui::kRight}},
+                [this](int row) { showProduct(row); });
 
     addLabel(kProductName, {}, {4, 164, 232, 18});
     const ui::AmountTable table{.left = ui::kGridLeft,

@@ -17,7 +17,6 @@ using namespace Qt::Literals::StringLiterals;
 using platform::Won;
 
 constexpr int kProduct = 1060;
-constexpr auto kRight = Qt::AlignRight | Qt::AlignVCenter;
 
 /// A row of the amounts: the chosen line's value and the sum of all lines.
 struct AmountRow {
@@ -45,7 +44,10 @@ CContainerDepositDlg::CContainerDepositDlg() : ContainerEntry(app::dialogs::kCon
     // What is taken back stands as empty crates, filled crates and bottles.
     list_ = addList(
         1054, {0, 41, 240, 130}, u"용공 보증금 상품"_s,
-        {{u"상품명"_s, 78}, {u"상자"_s, 30, kRight}, {u"본"_s, 30, kRight}, {u"공상/입상/병"_s, 86, kRight}},
+        {{u"상품명"_s, 78},
+         {u"상자"_s, 30, ui::kRight},
+         {u"본"_s, 30, ui::kRight},
+         {u"공상/입상/병"_s, 86, ui::kRight}},
         [this](int) { showAmounts(); }, [this] { takeBack(); });
     addAmountRows();
     addBottomButton(1091, u"용공잔액"_s, 1, ui::bitmaps::kSearch,

@@ -21,7 +21,6 @@ using namespace Qt::Literals::StringLiterals;
 using platform::Won;
 
 constexpr int kBalance = 1099;
-constexpr auto kRight = Qt::AlignRight | Qt::AlignVCenter;
 
 /// A row of the amounts: its button and caption, the slip's sum, the selected line's value.
 struct AmountRow {
@@ -47,9 +46,9 @@ CContainerSlipDlg::CContainerSlipDlg() : ContainerEntry(app::dialogs::kContainer
         1054, {0, 41, 240, 97}, u"용공회수 상품"_s,
         {{u"코드"_s, 38},
          {u"상품명"_s, 104},
-         {u"공상"_s, 30, kRight},
-         {u"입상"_s, 30, kRight},
-         {u"공병"_s, 30, kRight}},
+         {u"공상"_s, 30, ui::kRight},
+         {u"입상"_s, 30, ui::kRight},
+         {u"공병"_s, 30, ui::kRight}},
         [this](int row) {
             selected_ = keyAt(lines_, row);
             showAmounts();

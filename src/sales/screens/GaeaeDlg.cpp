@@ -52,7 +52,7 @@ CGaeaeDlg::CGaeaeDlg() : NarrowScreen(app::dialogs::kCustomerList), seek_(app::s
 
     addLabel(0, u"전화"_s, {4, 242, 100, 16});
     addLabel(0, u"마진"_s, {108, 242, 40, 16}, ui::FontHeight::Small, Qt::AlignCenter);
-    addLabel(0, u"채권잔액"_s, {150, 242, 86, 16}, ui::FontHeight::Small, Qt::AlignRight | Qt::AlignVCenter);
+    addLabel(0, u"채권잔액"_s, {150, 242, 86, 16}, ui::FontHeight::Small, ui::kRight);
     describe(addLabel(kTel, {}, {4, 258, 104, 24}), u"전화"_s);
     describe(addLabel(kMargin, {}, {108, 258, 40, 24}, ui::FontHeight::Small, Qt::AlignCenter), u"마진"_s);
     addAmount(kReceivable, u"채권잔액"_s, {150, 258, 86, 24});

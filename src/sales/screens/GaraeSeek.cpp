@@ -17,23 +17,19 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int kTotalCount = 1056;
-constexpr int kPrintedCount = 1057;
-constexpr int kUnprintedCount = 1058;
+/// How many slips there are, and how many of them printed and not.
+constexpr int kCounts[] = {1056, 1057, 1058};
+constexpr QStringView kCountNames[] = {u"전체", u"발행", u"미발행"};
 
 }  // namespace
 
 CGaraeSeek::CGaraeSeek() : SlipListScreen(app::dialogs::kSlipList, app::dialogs::kSalesSlip) {
     addSlips({0, 0, 240, 242}, u"주문전표 목록"_s, {{u"구분"_s, 60}, {u"거래처명"_s, 180}, {u"전표"_s, 50}});
-    const struct {
-        int control;
-        QString caption;
-    } counts[] = {{kTotalCount, u"전체"_s}, {kPrintedCount, u"발행"_s}, {kUnprintedCount, u"미발행"_s}};
-    for (int i = 0; i < int(std::size(counts)); ++i) {
-        addLabel(0, counts[i].caption, {2 + i * 60, 244, 56, 16}, ui::FontHeight::Small, Qt::AlignCenter);
-        describe(addLabel(counts[i].control, {}, {2 + i * 60, 260, 56, 20}, ui::FontHeight::Small,
-                          Qt::AlignCenter),
-                 counts[i].caption);
+    for (int i = 0; i < int(std::size(kCounts)); ++i) {
+        const QString name = kCountNames[i].toString();
+        addLabel(0, name, {2 + i * 60, 244, 56, 16}, ui::FontHeight::Small, Qt::AlignCenter);
+        describe(addLabel(kCounts[i], {}, {2 + i * 60, 260, 56, 20}, ui::FontHeight::Small, Qt::AlignCenter),
+                 name);
     }
     addButton(1004, u"결  제"_s, {182, 246}, ui::bitmaps::kPay, [this] { pay(); });
     addButtons(u"추 가"_s, u"주문전표내역을 삭제할까요?"_s, u"주문전표삭제"_s);
@@ -41,9 +37,8 @@ CGaraeSeek::CGaraeSeek() : SlipListScreen(app::dialogs::kSlipList, app::dialogs:
 
 platform::Rows CGaraeSeek::loadSlips() {
     const SlipList slips = slipsOfDay(app::session().UserID, app::session().WorkDate);
-    setText(kTotalCount, u" %1 건"_s.arg(slips.printed + slips.unprinted));
-    setText(kPrintedCount, u" %1 건"_s.arg(slips.printed));
-    setText(kUnprintedCount, u" %1 건"_s.arg(slips.unprinted));
+    const int counts[] = {slips.printed + slips.unprinted, slips.printed, slips.unprinted};
+    for (int i = 0; i < int(std::size(kCounts)); ++i) setText(kCounts[i], u" %1 건"_s.arg(counts[i]));
     app::ActionValues& action = app::session().action;
     action.JunNo.clear();
     action.SlipState.clear();

@@ -73,10 +73,9 @@ CMtmDlg::CMtmDlg() : Screen(app::dialogs::kSalesSlip) {
     addLabel(0, u"채권잔액"_s, {4, 22, 60, 18});
     addAmount(kReceivable, u"채권잔액"_s, {66, 22, 170, 18});
 
-    constexpr auto kRight = Qt::AlignRight | Qt::AlignVCenter;
     list_ = addList(
         1054, {0, 41, 240, 103}, u"주문서 상품"_s,
-        {{u"코드"_s, 40}, {u"상품명"_s, 110}, {u"상자"_s, 34, kRight}, {u"본"_s, 34, kRight}},
+        {{u"코드"_s, 40}, {u"상품명"_s, 110}, {u"상자"_s, 34, ui::kRight}, {u"본"_s, 34, ui::kRight}},
         [this](int row) { selectLine(row); }, [this] { changeQuantities(); });
     connect(list_, &ui::ReportList::emptyPartClicked, this, [this] {
         list_->clearSelection();
