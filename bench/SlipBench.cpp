@@ -8,9 +8,9 @@
 
 #include "Bench.h"
 #include "Folder.h"
+#include "books/Customer.h"
 #include "books/SlipNumbers.h"
 #include "platform/Sqlite.h"
-#include "sales/CustomerQuery.h"
 #include "sales/Pricing.h"
 #include "sales/ProductQuery.h"
 #include "sales/SlipLine.h"
@@ -87,7 +87,7 @@ QString writeSlip() {
     check(!books::customerHasSlip(kDay, gcode), "the customer has a slip already");
     const QString junNo = books::nextSlipNumber(kSalesWork, kDay).value_or(QString());
     check(sales::openSlip(kSalesman, kDay, junNo).value().lines.isEmpty(), "a new slip is not empty");
-    const QString kind = sales::customerAccount(gcode).Gubun;
+    const QString kind = books::slipCustomer(gcode).value().Gubun;
     for (int i = 0; i < kLines; ++i) {
         sales::SlipLine line;
         line.PCode = productCode(i * 31);

@@ -136,8 +136,10 @@ void openFolder(const platform::Settings& settings) {
     for (const QString& complaint : settings.complaints) platform::trace(complaint);
 }
 
-/// The terminal of the window, alone or on its desk.
-ui::Terminal* putIntoWindow(QWidget& window, const Options& options, const platform::Settings& settings) {
+/// Puts the terminal, on its desk where that is asked for, into the window.
+ui::Terminal* fillWindow(QWidget& window, const Options& options, const platform::Settings& settings) {
+    window.setWindowTitle(u"Rovana"_s);
+    window.setPalette(QPalette(Qt::black));
     auto* layout = new QVBoxLayout(&window);
     layout->setContentsMargins(0, 0, 0, 0);
     auto* terminal = new ui::Terminal(&window);
@@ -172,9 +174,7 @@ int runProgram(int argc, char** argv, const std::function<void(ui::Terminal&)>& 
     // Before the window: a desk in it stands on them to its end.
     const platform::termdev::Devices devices(settings);
     QWidget window;
-    window.setWindowTitle(u"Rovana"_s);
-    window.setPalette(QPalette(Qt::black));
-    ui::Terminal* const terminal = putIntoWindow(window, options, settings);
+    ui::Terminal* const terminal = fillWindow(window, options, settings);
     QObject::connect(&lock, &platform::TerminalLock::startedAgain, &window, [&] { bringToFront(window); });
     const platform::termdev::SwipeSocket swipes;
     registerScreens();

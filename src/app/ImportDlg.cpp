@@ -34,9 +34,7 @@ constexpr FileRow kRows[] = {{1136, 1135, u"주문서"},
 }  // namespace
 
 CImportDlg::CImportDlg() : Screen(dialogs::kImport) {
-    addPicture(0, ui::bitmaps::kImportHeading, {0, 0});
-    QLabel* heading = addLabel(0, u"영업자료 수신"_s, {38, 0, 198, 31}, ui::FontHeight::Title);
-    setTextColour(heading, Qt::white);
+    addHeading(0, ui::bitmaps::kImportHeading, u"영업자료 수신"_s);
     for (int i = 0; i < kFiles; ++i) {
         const int top = 42 + i * 47;
         addLabel(kRows[i].label, kRows[i].caption.toString(), {8, top, 224, 22}, ui::FontHeight::Medium);
@@ -45,9 +43,8 @@ CImportDlg::CImportDlg() : Screen(dialogs::kImport) {
         bars_[size_t(i)]->setTextVisible(false);
         bars_[size_t(i)]->setValue(0);
     }
-    setCancelButton(
-        addBottomButton(1001, u"취  소"_s, 0, ui::bitmaps::kCancel, [this] { close(Cancelled); }));
-    setDefaultButton(addBottomButton(1000, u"확  인"_s, 3, ui::bitmaps::kConfirm, [this] { importAll(); }));
+    addLeaveButton(1001, u"취  소"_s);
+    addMainButton(1000, u"확  인"_s, [this] { importAll(); });
     countFiles();
 }
 

@@ -26,17 +26,14 @@ void setImportReport(const QString& report) {
 }
 
 CImportResultDlg::CImportResultDlg() : Screen(dialogs::kImportResult) {
-    addPicture(0, ui::bitmaps::kImportHeading, {0, 0});
-    setTextColour(addLabel(0, u"수신 결과"_s, {38, 0, 198, 31}, ui::FontHeight::Title), Qt::white);
+    addHeading(0, ui::bitmaps::kImportHeading, u"수신 결과"_s);
     auto* report = place(kReport, new QPlainTextEdit(this), {2, 38, 236, 242});
     report->setReadOnly(true);
     report->setFont(ui::font(ui::FontHeight::Small));
     report->setPlainText(std::exchange(reportToShow(), {}));
     describe(report, u"수신 결과"_s);
     new ui::FlickScroll(report);
-    ui::BitmapButton* button =
-        addBottomButton(1000, u"확  인"_s, 3, ui::bitmaps::kConfirm, [this] { close(Accepted); });
-    setDefaultButton(button);
+    ui::BitmapButton* button = addMainButton(1000, u"확  인"_s, [this] { close(Accepted); });
     setCancelButton(button);
     report->setFocusPolicy(Qt::NoFocus);
     button->setFocus();

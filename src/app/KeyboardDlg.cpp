@@ -67,13 +67,13 @@ void CKeyboardDlg::addFields() {
         // What may be a password is not read out.
         keypadRequest().KeypadMode == kTextField ? display->setAccessibleName(captions[i])
                                                  : describe(display, captions[i]);
-        ui::BitmapButton* erase = addButton(row.erase, u"지움"_s, {190, row.top}, ui::bitmaps::kErase);
+        ui::BitmapButton* erase =
+            addButton(row.erase, u"지움"_s, {190, row.top}, ui::bitmaps::kErase, [=, this] {
+                keypad_.erase(i + 1);
+                refresh();
+            });
         describe(erase, captions[i] + u" 지움"_s);
         erase->setRepeated(true);
-        connect(erase, &ui::BitmapButton::clicked, this, [this, i] {
-            keypad_.erase(i + 1);
-            refresh();
-        });
     }
 }
 
@@ -93,27 +93,24 @@ void CKeyboardDlg::addSelectors() {
 
 void CKeyboardDlg::addKeys() {
     for (const Key& key : kDigitKeys) {
-        ui::BitmapButton* button =
-            addButton(key.control, key.text.toString(), keyAt(key.column, key.row), ui::bitmaps::kDigit);
+        const QString digits = key.text.toString();
+        ui::BitmapButton* button = addButton(key.control, digits, keyAt(key.column, key.row),
+                                             ui::bitmaps::kDigit, [this, digits] { append(digits); });
         button->setFont(ui::font(ui::FontHeight::Title));
         button->setRepeated(true);
-        connect(button, &ui::BitmapButton::clicked, this,
-                [this, digits = key.text.toString()] { append(digits); });
     }
-    ui::BitmapButton* minus = addButton(1001, u"ㅡ"_s, keyAt(2, 3), ui::bitmaps::kKeySpecial);
-    minus->setFont(ui::font(ui::FontHeight::Title));
-    connect(minus, &ui::BitmapButton::clicked, this, [this] {
+    ui::BitmapButton* minus = addButton(1001, u"ㅡ"_s, keyAt(2, 3), ui::bitmaps::kKeySpecial, [this] {
         keypad_.minus();
         refresh();
     });
+    minus->setFont(ui::font(ui::FontHeight::Title));
     addButton(1002, u"다시입력"_s, keyAt(3, 0), ui::bitmaps::kEnterAgain, [this] {
         keypad_.clear();
         refresh();
     });
     setCancelButton(addButton(1003, u"취  소"_s, keyAt(3, 2) + QPoint(0, 8), ui::bitmaps::kCancel,
                               [this] { leave(Cancelled); }));
-    setDefaultButton(
-        addBottomButton(1000, u"확  인"_s, 3, ui::bitmaps::kConfirm, [this] { leave(Accepted); }));
+    addMainButton(1000, u"확  인"_s, [this] { leave(Accepted); });
     // Keys of a keyboard always go to the active field, wherever a finger was last.
     for (QAbstractButton* button : findChildren<QAbstractButton*>()) button->setFocusPolicy(Qt::NoFocus);
 }

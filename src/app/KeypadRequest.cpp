@@ -32,10 +32,6 @@ KeypadRequest& keypadRequest() {
     return request;
 }
 
-void resetKeypadRequest() {
-    keypadRequest() = {};
-}
-
 bool askText(const QString& label) {
     KeypadRequest request;
     request.KeypadLabel1 = label;

@@ -12,9 +12,10 @@ namespace app {
 /// How the keypad is laid out and what it enters.
 enum KeypadMode { kTextField = 0, kOneNumber = 1, kTwoNumbers = 2, kThreeNumbers = 3 };
 
-/// What a screen asks of the keypad, and its answer. Texts are the raw digits, without separators.
+/// What a screen asks of the keypad, written by the ask functions below and read by the keypad (130), and its
+/// answer, read by the screen that asked. Texts are the raw digits, without separators.
 struct KeypadRequest {
-    QString KeypadValue1;
+    QString KeypadValue1;  ///< At first what the field starts with, in the end the entry.
     QString KeypadValue2;
     QString KeypadValue3;
     QString KeypadLabel1;
@@ -23,15 +24,14 @@ struct KeypadRequest {
     QString KeypadCheck2;
     QString KeypadCheck3;
     int KeypadMode = kTextField;
-    std::function<void()> StartAnew{};  ///< Empties the fields of the open keypad; empty while none is open.
-    int KeypadResult = 0;               ///< 1 after "확  인" with at least one field filled, else 0.
+    /// Empties the fields of the open keypad, which writes it; the card dialog calls it. Empty while none is
+    /// open.
+    std::function<void()> StartAnew{};
+    int KeypadResult = 0;  ///< 1 after "확  인" with at least one field filled, else 0.
 };
 
 /// The one request record of the process. It keeps its values after the keypad closes.
 KeypadRequest& keypadRequest();
-
-/// Empties the record before a screen fills it.
-void resetKeypadRequest();
 
 /// Opens the keypad on one field and returns true when it was left with "확  인" and an entry, which is then
 /// in KeypadValue1.

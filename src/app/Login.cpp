@@ -45,11 +45,13 @@ QString userName(QStringView userId) {
 
 void loadCompany() {
     SessionValues& values = session();
-    QString* const fields[] = {&values.sangho,   &values.sno,   &values.name,    &values.tel,
-                               &values.fax,      &values.juso,  &values.calltel, &values.cardid,
-                               &values.cardpass, &values.cardno};
+    QString cardpass;
+    QString* const fields[] = {&values.sangho, &values.sno,     &values.name,   &values.tel, &values.fax,
+                               &values.juso,   &values.calltel, &values.cardid, &cardpass,   &values.cardno};
     db::forEachRow(kSelectCompany(), [&](db::CVORecordset& row) {
         for (int i = 0; i < int(std::size(fields)); ++i) *fields[i] = row.GetFieldString(i);
+        values.cardpass.assign(QStringView(cardpass));
+        platform::wipe(&cardpass);
     });
 }
 

@@ -85,14 +85,8 @@ void CRovanaDlg::addLoginControls() {
 
     ui::BitmapButton* keypad =
         addButton(1010, u"비밀번호"_s, {170, 213}, ui::bitmaps::kPassword, [this] { enterPassword(); });
-    ui::BitmapButton* confirm =
-        addBottomButton(1000, u"확  인"_s, 3, ui::bitmaps::kConfirm, [this] { logIn(); });
-    setDefaultButton(confirm);
+    ui::BitmapButton* confirm = addMainButton(1000, u"확  인"_s, [this] { logIn(); });
     addBottomButton(1003, u"X"_s, 0, ui::bitmaps::kCancel, [this] { close(Cancelled); });
-    ui::BitmapButton* left = addBottomButton(1001, {}, 1, ui::bitmaps::kBlank);
-    ui::BitmapButton* right = addBottomButton(1002, {}, 2, ui::bitmaps::kBlank);
-    left->setEnabled(false);
-    right->setEnabled(false);
 
     loginControls_ = {addLabel(1007, {}, {4, 76, 232, 26}, ui::FontHeight::Title, Qt::AlignCenter),
                       addLabel(1008, {}, {4, 102, 232, 22}, ui::FontHeight::Small, Qt::AlignCenter),
@@ -107,8 +101,8 @@ void CRovanaDlg::addLoginControls() {
                       password_,
                       keypad,
                       confirm,
-                      left,
-                      right};
+                      addBottomButton(1001, {}, 1, ui::bitmaps::kBlank, {}),
+                      addBottomButton(1002, {}, 2, ui::bitmaps::kBlank, {})};
     for (QWidget* control : {static_cast<QWidget*>(date_), static_cast<QWidget*>(password_)}) {
         control->setFont(ui::font(ui::FontHeight::Medium));
     }

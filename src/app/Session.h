@@ -4,6 +4,7 @@
 #include <QStringList>
 #include <optional>
 
+#include "platform/SecureBytes.h"
 #include "platform/Won.h"
 
 namespace app {
@@ -19,32 +20,36 @@ enum WorkMode {
     kPreviousTransaction = 73,
 };
 
-/// The values that one menu action collects; the next action starts with them empty and 0.
+/// The values that one menu action collects; the next action starts with them empty and 0. Where no reader is
+/// named the value is kept for the record.
 struct ActionValues {
-    QString GCode;         ///< Customer code.
+    // The slip at hand: written by the lists (132, 144, 150, 391) and, for a new slip, by the customer list
+    // (144) and the main dialog and the simple payment (104); read by every screen of the work.
+    QString GCode;         ///< Customer code; where a list knows only the name, the slip's own lines say it.
     QString GName;         ///< Customer name.
     QString JunNo;         ///< Slip number.
-    QString SlipState;     ///< `WorkGubun` of the slip chosen in the slip list.
-    QString CustomerKind;  ///< `Gubun` of the slip's customer.
-    QString SeekValue;     ///< Consonant key pressed last, or "00"; compared with the `Seek` columns.
-    QString PCode;         ///< Product chosen in the product search.
-    QString JGubun;        ///< Its liquor class.
+    QString SlipState;     ///< `WorkGubun` of the slip chosen in list 132, which reads it to delete the slip.
+    QString CustomerKind;  ///< `Gubun` of the customer; from the slip to prices and product search.
 
-    int ProductChosen = 0;  ///< 1 when the product search was left with a product.
+    // The choices of the searches.
+    QString SeekValue;      ///< Consonant pressed last, or "00"; from the boards to the searches behind them.
+    QString PCode;          ///< Product chosen in the product search (139); read by the sales slip.
+    QString JGubun;         ///< Its liquor class.
+    int ProductChosen = 0;  ///< 1 when the product search was left with a product; read by board and slip.
 
-    QString SelectedContainerGName;  ///< Customer name of the container slip chosen in the list.
-    QString SelectedContainerPCode;  ///< Product chosen in the container product search.
-    QString ContainerSearchKey;      ///< Its consonant, compared with `PUMMOK.seek`; empty lists all.
-    bool SeeksContainer = false;     ///< The product board opens that search, not the one of the sales.
-    int ContainerSearchResult = 0;   ///< 1 when the container product search was left with a product.
+    QString SelectedContainerGName;  ///< Customer name of the container slip chosen in list 391.
+    QString SelectedContainerPCode;  ///< Product chosen in search 397; read by the container slip.
+    QString ContainerSearchKey;      ///< Consonant of that search; empty lists all.
+    bool SeeksContainer = false;     ///< From the container slip to the board: open 397, not 139.
+    int ContainerSearchResult = 0;   ///< 1 when 397 was left with a product; read by board and slip.
 
-    // The sums of the slip on screen, won.
+    // The sums of the slip on screen, won; written by the sales slip and, before 결제, by its list.
     platform::Won SupplySum;
     platform::Won VatSum;
-    platform::Won CrateDepositSum;
+    platform::Won CrateDepositSum;  ///< The collection entry saves it; without a sale it loads it as saved.
     platform::Won BottleDepositSum;
 
-    // What 완료 hands over to the collection of money, won.
+    // What 완료 hands over to the collection entry (450), won; written with the sums.
     platform::Won CheckoutSales;  ///< Supply and VAT.
     platform::Won CheckoutSupply;
     platform::Won CheckoutVat;
@@ -52,20 +57,22 @@ struct ActionValues {
     platform::Won CheckoutTotal;
     platform::Won CheckoutReceivable;  ///< The customer's balance before this visit.
 
-    /// The days whose visits dialog 460 is to check, "yyyy-MM-dd".
+    /// The days whose visits dialog 460 is to check, "yyyy-MM-dd". Written by who opens it.
     QStringList CheckedDays;
 
-    /// What the container slip that was just finished is worth, in won; nothing when none was.
+    /// What the container slip that was just finished is worth, in won; nothing when none was. Written by the
+    /// container screens, used up by the collection entry.
     std::optional<platform::Won> ContainerRecovery;
     bool IsRecoveryMoved = false;  ///< The saved collection has taken it over already.
 };
 
 /// The record that all screens share.
 struct SessionValues {
+    // Written by the login.
     QString UserID;
-    QString WorkDate;  ///< "yyyy-MM-dd", fixed at login.
+    QString WorkDate;  ///< "yyyy-MM-dd".
 
-    // The third to tenth column of the user's row, by position.
+    // The third to tenth column of the user's row, by position; written by the login.
     QString UserField2;  ///< Name.
     QString UserField3;  ///< VAT rounding mode: "2" to 10 won, "3" to 100 won, anything else none.
     QString UserField4;  ///< What follows a sales slip: "N", "Y", "Z" or anything else.
@@ -75,7 +82,8 @@ struct SessionValues {
     QString UserField8;
     QString UserField9;
 
-    // The distributor's particulars, columns of the same names.
+    // The distributor's particulars, columns of the same names; written at start-up. The main dialog shows
+    // `sangho` and `calltel`; the papers read the table again, as they stand when one is printed.
     QString sangho;
     QString sno;
     QString name;
@@ -84,12 +92,12 @@ struct SessionValues {
     QString juso;
     QString calltel;
     QString cardid;
-    QString cardpass;
+    platform::SecureText cardpass;
     QString cardno;
 
     QString ImportPending;  ///< "Y" when an import file waits, else "N".
-    int WorkMode = 0;
-    int SlipDone = 0;  ///< 1 once the visit is finished: every screen on the way back closes.
+    int WorkMode = 0;       ///< Written by the main dialog as an action starts.
+    int SlipDone = 0;       ///< 1 once the visit is finished: every screen on the way back closes.
 
     ActionValues action;
 };

@@ -19,10 +19,7 @@ void resetTransactionRecord() {
     record.track3.clear();
     record.password.clear();
     record.reply = {};
-    record.customerName.clear();
-    record.customerNumber.clear();
-    record.customerOwner.clear();
-    record.customerAddress.clear();
+    record.customer = {};
     record.printSelector = 1;
 }
 

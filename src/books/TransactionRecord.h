@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include "books/Customer.h"
 #include "platform/SecureBytes.h"
 #include "platform/Won.h"
 
@@ -49,28 +50,28 @@ struct SlipIdentity {
     QString gCode;
 };
 
-/// The record that the collection screens fill, the card dialog settles, and saving and printing read.
+/// The record of one exchange with the card host. Where no reader is named the value is kept for the record.
 struct TransactionRecord {
-    RequestType requestType = RequestType::None;
-    QString paymentKind;  ///< "1" card, "2" cash, empty for neither.
-    SlipIdentity slip;
+    // Written by the collection screens, for a reprint by the card dialog, which reads them with its rules.
     SettlementAmounts amounts;
-    platform::Won amountToCharge;  ///< Won; that of books::amountToCharge.
-    int cardPaymentFlag = 0;       ///< 1 sends a card payment whatever the card amount is.
 
+    // Written by the card dialog as it opens.
+    SlipIdentity slip;             ///< Read by the card dialog: what is approved, and printed.
+    QString paymentKind;           ///< "1" card, "2" cash, empty for neither.
+    platform::Won amountToCharge;  ///< That of books::amountToCharge; shown by the dialog.
+    int cardPaymentFlag = 0;       ///< 1 sends a card payment whatever the card amount is.
+    Customer customer;             ///< The customer as a receipt names him.
+
+    // Written by the card dialog at a swipe and wiped as it closes; read into the request.
     platform::SecureText track2;
     platform::SecureText track3;
     platform::SecureText password;
 
-    HostReply reply;
+    // Written as a request leaves and as its answer comes.
+    RequestType requestType = RequestType::None;  ///< Read when the answer comes.
+    HostReply reply;                              ///< Read by the card dialog and its receipts.
 
-    // The customer as the receipt names him.
-    QString customerName;
-    QString customerNumber;  ///< Business registration number.
-    QString customerOwner;
-    QString customerAddress;
-
-    int printSelector = 1;  ///< 1 seller's copy, 2 buyer's copy.
+    int printSelector = 1;  ///< 1 seller's copy, 2 buyer's copy; written as each is printed.
 };
 
 /// The one transaction record of the process.

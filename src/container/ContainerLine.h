@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <array>
 #include <cstdint>
 
 #include "platform/Won.h"
@@ -79,5 +80,12 @@ struct ContainerLine {
     void setCounts(const ContainerCounts& counts);
     void setAmounts(const ContainerAmounts& amounts);
 };
+
+/// The columns of the working table; the saved slips have `UserID` behind them.
+inline constexpr std::array kContainerLineColumns{
+    &ContainerLine::DDate, &ContainerLine::GCode,  &ContainerLine::GName,  &ContainerLine::JunNo,
+    &ContainerLine::PCode, &ContainerLine::PName,  &ContainerLine::FBox,   &ContainerLine::NBox,
+    &ContainerLine::Bon,   &ContainerLine::YMONEY, &ContainerLine::GMONEY, &ContainerLine::YSAMT,
+    &ContainerLine::GSAMT};
 
 }  // namespace container

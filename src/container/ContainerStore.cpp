@@ -27,7 +27,6 @@ constexpr db::Statement<
     u"SELECT JunNo, GName, GCode FROM YTM WHERE USERID= '%s' and DDate = '%s' ORDER BY JunNo DESC ">
     kSlips;
 constexpr db::Statement<u"DELETE YTM WHERE JunNo= '%s' AND DDate = '%s' "> kDeleteAll;
-constexpr db::Statement<u"SELECT CJMoney,Gubun FROM GARAE WHERE GCode= '%s'"> kAccount;
 
 constexpr int kWorkingColumns = 13;
 
@@ -89,12 +88,6 @@ std::optional<platform::Won> deleteSlip(QStringView workDate, QStringView junNo,
     const bool isDeleted = takenBack && transaction.run(kDeleteAll(junNo, workDate)) &&
                            books::forgetPrints(transaction, books::Paper::ContainerReceipt, workDate, junNo);
     return isDeleted && transaction.commit() ? takenBack : std::nullopt;
-}
-
-CustomerAccount customerAccount(QStringView gCode) {
-    const auto row = db::firstRow(kAccount(gCode));
-    if (!row) return {};
-    return {platform::parseWon(row->at(0)), row->at(1)};
 }
 
 }  // namespace container

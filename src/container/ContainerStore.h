@@ -33,11 +33,4 @@ platform::Rows slipsOfDay(QStringView userId, QStringView workDate);
 /// take it; all is as before then.
 std::optional<platform::Won> deleteSlip(QStringView workDate, QStringView junNo, QStringView deletedBy);
 
-/// What a slip needs of its customer; kind empty and balance 0 for an unknown one.
-struct CustomerAccount {
-    platform::Won CJMoney;  ///< Receivable balance.
-    QString Gubun;          ///< The customer's kind.
-};
-CustomerAccount customerAccount(QStringView gCode);
-
 }  // namespace container

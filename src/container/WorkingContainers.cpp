@@ -1,10 +1,6 @@
 #include "container/WorkingContainers.h"
 
-#include <array>
-
-#include "db/Query.h"
-#include "db/Statement.h"
-#include "db/Transaction.h"
+#include "db/Records.h"
 
 namespace container {
 namespace {
@@ -38,21 +34,12 @@ constexpr db::Statement<u"DELETE YTEMP WHERE PCode= '%s' and FBox = '%s' and NBo
 constexpr db::Statement<u"SELECT YMONEY,GMONEY,YSAMT,GSAMT FROM YTEMP"> kWorkingAmounts;
 constexpr db::Statement<u"SELECT GName FROM YTEMP WHERE GCode <> '%s'"> kOthers;
 
-/// The columns of the working table in their order.
-constexpr std::array kColumns{&ContainerLine::DDate,  &ContainerLine::GCode,  &ContainerLine::GName,
-                              &ContainerLine::JunNo,  &ContainerLine::PCode,  &ContainerLine::PName,
-                              &ContainerLine::FBox,   &ContainerLine::NBox,   &ContainerLine::Bon,
-                              &ContainerLine::YMONEY, &ContainerLine::GMONEY, &ContainerLine::YSAMT,
-                              &ContainerLine::GSAMT};
-static_assert(kColumns.size() == decltype(kInsert)::kValues);
-/// Those that a line keeps when its counts or amounts change; they are the first of both.
+/// The columns that a line keeps when its counts or amounts change; they are the first of both.
 constexpr std::size_t kKeptColumns = 6;
 constexpr qsizetype kLineColumns = 10;
 
 db::Sql insertOf(const ContainerLine& line) {
-    std::array<QStringView, kColumns.size()> values;
-    for (std::size_t i = 0; i < kColumns.size(); ++i) values[i] = line.*kColumns[i];
-    return kInsert(values);
+    return db::withColumns(kInsert, kContainerLineColumns, line);
 }
 
 /// Reads the line, deletes it and inserts what `change(line, its amounts)` makes of it.
@@ -63,7 +50,7 @@ bool replaceLine(const ContainerKey& key, Change&& change) {
     auto amounts = lineAmounts(key);
     if (!row || row->size() != kLineColumns || !amounts) return false;
     ContainerLine line;
-    for (std::size_t i = 0; i < kKeptColumns; ++i) line.*kColumns[i] = row->at(qsizetype(i));
+    for (std::size_t i = 0; i < kKeptColumns; ++i) line.*kContainerLineColumns[i] = row->at(qsizetype(i));
     line.FBox = key.FBox;
     line.NBox = key.NBox;
     line.Bon = key.Bon;
@@ -75,17 +62,8 @@ bool replaceLine(const ContainerKey& key, Change&& change) {
 
 }  // namespace
 
-bool openSlip(QStringView userId, QStringView workDate, QStringView junNo) {
-    db::Transaction transaction(db::Survives::ProcessEnd);
-    bool isWhole = transaction.run(kEmpty());
-    const int lines = db::forEachRow(kSaved(userId, workDate, junNo), [&](db::CVORecordset& row) {
-        ContainerLine line;
-        for (std::size_t i = 0; i < kColumns.size(); ++i) line.*kColumns[i] = row.GetFieldString(int(i));
-        const db::Sql insert = insertOf(line);
-        // A line with a quote in it is skipped; any other failure is the database's.
-        if (!transaction.run(insert) && insert.isWellFormed()) isWhole = false;
-    });
-    return isWhole && lines >= 0 && transaction.commit();
+bool reloadSlip(QStringView userId, QStringView workDate, QStringView junNo) {
+    return db::refill(kEmpty(), kSaved(userId, workDate, junNo), kInsert, kContainerLineColumns);
 }
 
 void emptySlip() {

@@ -13,7 +13,7 @@ namespace container {
 
 /// Replaces the working slip by the saved lines of the user's slip; a slip without saved lines leaves it
 /// empty. False, and the working slip stays as it was, when the database does not take the change.
-bool openSlip(QStringView userId, QStringView workDate, QStringView junNo);
+bool reloadSlip(QStringView userId, QStringView workDate, QStringView junNo);
 
 /// Leaves the working slip without lines.
 void emptySlip();

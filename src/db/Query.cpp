@@ -20,10 +20,11 @@ bool hasRow(const Sql& select) {
     return firstRow(select).has_value();
 }
 
-void execute(const Sql& statement) {
+bool execute(const Sql& statement) {
     CVOConnection connection;
     openDatabase(connection);
-    connection.Execute(statement);
+    CVORecordset recordset(connection);
+    return recordset.Open(statement, kForwardOnly, kReadOnly);
 }
 
 platform::Rows selectRows(const Sql& select, int columns) {

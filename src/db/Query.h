@@ -41,7 +41,7 @@ platform::Rows selectRows(const Sql& select, int columns);
 /// True when the SELECT has a row.
 bool hasRow(const Sql& select);
 
-/// Runs a DELETE, INSERT or UPDATE on a connection of its own; a failure is traced only.
-void execute(const Sql& statement);
+/// Runs a DELETE, INSERT or UPDATE on a connection of its own. False, traced, when it failed.
+bool execute(const Sql& statement);
 
 }  // namespace db

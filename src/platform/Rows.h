@@ -23,6 +23,15 @@ struct Rows {
         return row < 0 || column < 0 || column >= columns ? QString()
                                                           : cells.value(qsizetype(row) * columns + column);
     }
+
+    /// The first row that `isWanted` says yes to; -1 when there is none.
+    template <typename Predicate>
+    int find(Predicate&& isWanted) const {
+        for (int row = 0; row < count(); ++row) {
+            if (isWanted(row)) return row;
+        }
+        return -1;
+    }
 };
 
 }  // namespace platform

@@ -1,6 +1,6 @@
 #include "print/CardReceipt.h"
 
-#include "db/Query.h"
+#include "books/Customer.h"
 #include "print/CollectionReceipt.h"
 
 namespace print {
@@ -8,8 +8,6 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 using platform::parseWon;
-
-constexpr db::Statement<u"SELECT GName,Sno,Gupju, Juso  FROM GARAE WHERE GCODE = '%s'  "> kSelectCustomer;
 
 std::optional<books::CollectionSlip> paidSlip(QStringView date, QStringView junNo, QStringView userId,
                                               const std::optional<CardExchange>& exchange) {
@@ -38,9 +36,8 @@ void exchangeLines(Document& document, const CardExchange& exchange) {
 }  // namespace
 
 Party receiptCustomer(QStringView gCode) {
-    const std::optional<QStringList> row = db::firstRow(kSelectCustomer(gCode));
-    if (!row) return {u"XXXX"_s, u"XXX-XX-XXXX"_s, u"XXXX"_s, u"XXXX"_s, {}};
-    return {row->value(0), row->value(1), row->value(2), row->value(3), {}};
+    const books::Customer customer = books::cardCustomer(gCode);
+    return {customer.GName, customer.Sno, customer.Gupju, customer.Juso, {}};
 }
 
 Document cardReceipt(const books::CollectionSlip& slip, const std::optional<CardExchange>& exchange,

@@ -3,6 +3,7 @@
 #include <QStringBuilder>
 #include <QStringList>
 
+#include "books/Customer.h"
 #include "db/Query.h"
 
 namespace print {
@@ -14,7 +15,6 @@ constexpr db::Statement<u"SELECT userNAME, vatMode, userTEL FROM PDAUSER WHERE u
 constexpr db::Statement<
     u"SELECT sangho, sno, name, tel, fax, juso, calltel, cardid, cardpass, cardno FROM config">
     kSelectConfig;
-constexpr db::Statement<u"SELECT SNO, GUPJU, JUSO, TEL FROM GARAE WHERE GCode= '%s'"> kSelectCustomer;
 
 /// The config row by column name; as at start-up, the last row wins.
 struct Config {
@@ -47,8 +47,8 @@ Salesman salesman(QStringView userId) {
 }
 
 Party customer(QStringView gCode, QStringView gName) {
-    const QStringList row = db::firstRow(kSelectCustomer(gCode)).value_or(QStringList());
-    return {gName.toString(), row.value(0), row.value(1), row.value(2), row.value(3)};
+    const auto customer = books::paperCustomer(gCode).value_or(books::Customer());
+    return {gName.toString(), customer.Sno, customer.Gupju, customer.Juso, customer.Tel};
 }
 
 Document slipDocument(QStringView title, std::optional<Copy> copy, bool reprint, const SlipHead& head) {

@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <QStringView>
+#include <array>
 
 #include "sales/LineAmounts.h"
 
@@ -39,6 +40,12 @@ struct SlipLine {
     LineAmounts amounts() const;
     void setAmounts(const LineAmounts& amounts);
 };
+
+/// The columns of the working table; the saved slips have `UserID` and `DTime` beside them.
+inline constexpr std::array kSlipLineColumns{
+    &SlipLine::DDate,     &SlipLine::Gubun,  &SlipLine::GCode,  &SlipLine::GName,  &SlipLine::JunNo,
+    &SlipLine::WorkGubun, &SlipLine::PCode,  &SlipLine::PName,  &SlipLine::JGubun, &SlipLine::Box,
+    &SlipLine::Bon,       &SlipLine::MMoney, &SlipLine::BMoney, &SlipLine::YMoney, &SlipLine::GMoney};
 
 /// What tells the lines of a slip apart: the same product may stand on it twice with other quantities.
 struct LineKey {

@@ -1,11 +1,8 @@
 #include "sales/WorkingSlip.h"
 
 #include <algorithm>
-#include <array>
 
-#include "db/Query.h"
-#include "db/Statement.h"
-#include "db/Transaction.h"
+#include "db/Records.h"
 
 namespace sales {
 namespace {
@@ -36,17 +33,8 @@ constexpr db::Statement<u"DELETE TEMP WHERE PCode= '%s' and Box = '%s' and Bon =
 
 constexpr db::Statement<u"SELECT MMoney,BMoney,YMoney,GMoney FROM TEMP"> kWorkingAmounts;
 
-/// The columns of the working table in their order.
-constexpr std::array kColumns{&SlipLine::DDate,  &SlipLine::Gubun,     &SlipLine::GCode, &SlipLine::GName,
-                              &SlipLine::JunNo,  &SlipLine::WorkGubun, &SlipLine::PCode, &SlipLine::PName,
-                              &SlipLine::JGubun, &SlipLine::Box,       &SlipLine::Bon,   &SlipLine::MMoney,
-                              &SlipLine::BMoney, &SlipLine::YMoney,    &SlipLine::GMoney};
-static_assert(kColumns.size() == decltype(kInsert)::kValues);
-
 db::Sql insertOf(const SlipLine& line) {
-    std::array<QStringView, kColumns.size()> values;
-    for (std::size_t i = 0; i < kColumns.size(); ++i) values[i] = line.*kColumns[i];
-    return kInsert(values);
+    return db::withColumns(kInsert, kSlipLineColumns, line);
 }
 
 /// Reads the line, deletes it and inserts what `change` makes of it.
@@ -55,9 +43,10 @@ bool replaceLine(const LineKey& key, Change&& change) {
     db::Transaction transaction(db::Survives::ProcessEnd);
     const auto row = db::firstRow(kLine(key.PCode, key.Box, key.Bon));
     // Of two lines alike the working table cannot change one: both would make way for it.
-    if (!row || row->size() != qsizetype(kColumns.size()) || linesOf(key) != 1) return false;
+    if (!row || row->size() != qsizetype(kSlipLineColumns.size()) || linesOf(key) != 1) return false;
     SlipLine line;
-    for (std::size_t i = 0; i < kColumns.size(); ++i) line.*kColumns[i] = row->at(qsizetype(i));
+    for (std::size_t i = 0; i < kSlipLineColumns.size(); ++i)
+        line.*kSlipLineColumns[i] = row->at(qsizetype(i));
     change(&line);
     return transaction.run(kDelete(key.PCode, key.Box, key.Bon)) && transaction.run(insertOf(line)) &&
            transaction.commit();
@@ -66,16 +55,7 @@ bool replaceLine(const LineKey& key, Change&& change) {
 }  // namespace
 
 bool reloadSlip(QStringView userId, QStringView workDate, QStringView junNo) {
-    db::Transaction transaction(db::Survives::ProcessEnd);
-    bool isWhole = transaction.run(kEmpty());
-    const int lines = db::forEachRow(kSaved(userId, workDate, junNo), [&](db::CVORecordset& row) {
-        SlipLine line;
-        for (std::size_t i = 0; i < kColumns.size(); ++i) line.*kColumns[i] = row.GetFieldString(int(i));
-        const db::Sql insert = insertOf(line);
-        // A line with a quote in it is skipped; any other failure is the database's.
-        if (!transaction.run(insert) && insert.isWellFormed()) isWhole = false;
-    });
-    return isWhole && lines >= 0 && transaction.commit();
+    return db::refill(kEmpty(), kSaved(userId, workDate, junNo), kInsert, kSlipLineColumns);
 }
 
 std::optional<OpenedSlip> openSlip(QStringView userId, QStringView workDate, QStringView junNo) {
@@ -102,6 +82,10 @@ SlipSums workingSums() {
 
 platform::Rows workingLines() {
     return db::selectRows(kLines(), 4);
+}
+
+LineKey keyAt(const platform::Rows& lines, int row) {
+    return {lines.at(row, 0), lines.at(row, 2), lines.at(row, 3)};
 }
 
 bool isWorkingSlipEmpty() {

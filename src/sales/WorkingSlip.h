@@ -28,6 +28,9 @@ std::optional<OpenedSlip> openSlip(QStringView userId, QStringView workDate, QSt
 /// The lines by product code descending, in four columns: code, name, boxes, bottles.
 platform::Rows workingLines();
 
+/// The key of the line in that row of workingLines.
+LineKey keyAt(const platform::Rows& lines, int row);
+
 /// The sums of the lines, in won.
 SlipSums workingSums();
 

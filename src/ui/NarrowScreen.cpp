@@ -61,7 +61,8 @@ void NarrowScreen::showKeys(bool isShown) {
 
 void NarrowScreen::keyPressEvent(QKeyEvent* event) {
     // From the line down into what it left.
-    if (event->key() != Qt::Key_Down || focusWidget() != line_) return Screen::keyPressEvent(event);
+    if (event->key() != Qt::Key_Down || line_ == nullptr || focusWidget() != line_)
+        return Screen::keyPressEvent(event);
     list_->setFocus(Qt::TabFocusReason);
     QKeyEvent copy(event->type(), event->key(), event->modifiers());
     QCoreApplication::sendEvent(list_, &copy);

@@ -234,38 +234,35 @@ void ReportList::narrow(Filter filter) {
 
 void ReportList::showRows() {
     platform::Rows shown = all_;
+    shown_.clear();
     if (filter_) {
         shown.cells.clear();
         for (int row = 0; row < all_.count(); ++row) {
-            if (filter_(all_, row))
-                shown.cells += all_.cells.mid(qsizetype(row) * all_.columns, all_.columns);
+            if (!filter_(all_, row)) continue;
+            shown_.append(row);
+            shown.cells += all_.cells.mid(qsizetype(row) * all_.columns, all_.columns);
         }
     }
     model_->setRows(std::move(shown));
     scrollToTop();
 }
 
-QString ReportList::text(int row, int column) const {
-    return model_->rows().cell(row, column);
-}
-
 int ReportList::selectedRow() const {
     const QModelIndexList selected = selectionModel()->selectedRows();
-    return selected.isEmpty() ? -1 : selected.first().row();
+    return selected.isEmpty() ? -1 : rowAtPlace(selected.first().row());
 }
 
-bool ReportList::contains(int column, const QString& text) const {
-    for (int row = 0; row < rowCount(); ++row) {
-        if (this->text(row, column) == text) return true;
-    }
-    return false;
+void ReportList::showChosen(int row) {
+    const int place = filter_ ? int(shown_.indexOf(row)) : row;
+    selectRow(place);
+    scrollTo(model_->index(place, 0));
 }
 
 void ReportList::tap(QPoint place, bool isAgain) {
     const int row = rowAt(place.y());
     if (row < 0 || columnAt(place.x()) < 0) return Q_EMIT emptyPartClicked();
     // The second touch may meet another row than the first, or a list that was filled anew in between.
-    if (isAgain && row == selectedRow()) return Q_EMIT rowDoubleClicked(row);
+    if (isAgain && selectionModel()->isRowSelected(row)) return Q_EMIT rowDoubleClicked(rowAtPlace(row));
     choose(row, false);
     Q_EMIT rowTapped(row);
 }
@@ -276,7 +273,7 @@ void ReportList::choose(int row, bool isByKey) {
     selectionModel()->setCurrentIndex(model_->index(row, 0),
                                       QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
     setAutoScroll(true);
-    Q_EMIT rowClicked(row);
+    Q_EMIT rowClicked(rowAtPlace(row));
 }
 
 void ReportList::keyPressEvent(QKeyEvent* event) {
@@ -294,7 +291,8 @@ void ReportList::keyPressEvent(QKeyEvent* event) {
     }
     const int before = currentIndex().row();
     QTableView::keyPressEvent(event);
-    if (currentIndex().isValid() && currentIndex().row() != before) Q_EMIT rowClicked(currentIndex().row());
+    if (currentIndex().isValid() && currentIndex().row() != before)
+        Q_EMIT rowClicked(rowAtPlace(currentIndex().row()));
 }
 
 }  // namespace ui

@@ -52,18 +52,16 @@ class ReportList : public QTableView {
     void setRows(platform::Rows rows);
     /// Says whether a row of the rows that were set is shown.
     using Filter = std::function<bool(const platform::Rows& rows, int row)>;
-    /// Shows only the rows that go through `filter`, and takes the selection away. The rows of a list are
-    /// counted as they are shown. From then on a text that is keyed on the list is told by typed().
+    /// Shows only the rows that go through `filter`, and takes the selection away. Rows are counted as they
+    /// were set all the same. From then on a text that is keyed on the list is told by typed().
     void narrow(Filter filter);
     void clear() { setRows({}); }
 
     int rowCount() const { return model_->rowCount(); }
-    /// The text of a cell; empty outside the list.
-    QString text(int row, int column) const;
     /// The row chosen last; -1 when there is none.
     int selectedRow() const;
-    /// True when some row has exactly `text` in `column`.
-    bool contains(int column, const QString& text) const;
+    /// Chooses the row, without saying so, and brings it into view; nothing for a row outside the list.
+    void showChosen(int row);
 
   Q_SIGNALS:
     /// A row was chosen by a tap or with keys.
@@ -87,9 +85,13 @@ class ReportList : public QTableView {
     void choose(int row, bool isByKey);
     void tap(QPoint place, bool isAgain);
 
+    /// The row that stands in that place of what is shown.
+    int rowAtPlace(int place) const { return filter_ ? shown_.value(place, -1) : place; }
+
     RowsModel* model_;
     platform::Rows all_;
     Filter filter_;
+    QList<int> shown_;  ///< The rows that go through the filter.
 };
 
 }  // namespace ui

@@ -7,6 +7,7 @@
 #include <QPainter>
 #include <QStyledItemDelegate>
 
+#include "ui/AmountTable.h"
 #include "ui/PressableText.h"
 #include "ui/ReportList.h"
 #include "ui/Terminal.h"
@@ -16,6 +17,9 @@ namespace {
 
 /// Type is not set smaller than this many pixels to make a text fit.
 constexpr int kSmallestType = 8;
+
+/// The colour of amounts of the chosen line.
+constexpr QColor kChosenColour(0x1c, 0x5b, 0xa8);
 
 /// The property of a label that holds its name for a reader of the screen.
 constexpr char kSpokenName[] = "spokenName";
@@ -87,6 +91,7 @@ BitmapButton* Screen::addButton(int controlId, const QString& caption, QPoint at
     auto* button = new BitmapButton(caption, pictures, this);
     adopt(controlId, button);
     button->move(at);
+    button->setEnabled(bool(pressed));
     if (pressed) connect(button, &BitmapButton::clicked, this, std::move(pressed));
     return button;
 }
@@ -95,6 +100,17 @@ BitmapButton* Screen::addBottomButton(int controlId, const QString& caption, int
                                       ButtonBitmaps pictures, std::function<void()> pressed) {
     return addButton(controlId, caption, {kGridLeft + place * kGridPitch, kBottomRow}, pictures,
                      std::move(pressed));
+}
+
+BitmapButton* Screen::addLeaveButton(int controlId, const QString& caption, std::function<void()> pressed) {
+    if (!pressed) pressed = [this] { close(Cancelled); };
+    cancel_ = addBottomButton(controlId, caption, 0, bitmaps::kCancel, std::move(pressed));
+    return cancel_;
+}
+
+BitmapButton* Screen::addMainButton(int controlId, const QString& caption, std::function<void()> pressed) {
+    default_ = addBottomButton(controlId, caption, 3, bitmaps::kConfirm, std::move(pressed));
+    return default_;
 }
 
 QLabel* Screen::addLabel(int controlId, const QString& text, const QRect& area, FontHeight height,
@@ -107,19 +123,39 @@ QLabel* Screen::addLabel(int controlId, const QString& text, const QRect& area, 
 }
 
 QLabel* Screen::addAmount(int controlId, const QString& name, const QRect& area, FontHeight height) {
-    QLabel* result = addLabel(controlId, {}, area, height, Qt::AlignRight | Qt::AlignVCenter);
+    QLabel* result = addLabel(controlId, {}, area, height, kRight);
     describe(result, name);
     return result;
 }
 
-QLabel* Screen::addPressableAmount(int controlId, const QString& name, const QRect& area,
-                                   std::function<void()> pressed) {
-    auto* result = place(controlId, new PressableText(this), area);
-    result->setFont(ui::font(FontHeight::Small));
-    result->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    describe(result, name);
-    connect(result, &PressableText::pressed, this, std::move(pressed));
-    return result;
+void Screen::addAmountTitles(const AmountTable& table, int top, int height) {
+    for (const AmountColumn& column : table.columns)
+        addLabel(0, column.title, {column.left, top, column.width, height}, FontHeight::Small, kRight);
+}
+
+void Screen::addAmountRow(const AmountTable& table, const AmountRow& row) {
+    const int height = row.height != 0 ? row.height : table.rowHeight;
+    const QString name = row.name.isEmpty() ? row.caption : row.name;
+    for (qsizetype i = 0; i < row.values.size(); ++i) {
+        const AmountColumn& column = table.columns[i];
+        QLabel* value = column.pressed ? new PressableText(this) : new QLabel(this);
+        place(row.values[i], value,
+              {column.left, row.top + table.captionHeight, column.width, height - table.captionHeight});
+        value->setFont(ui::font(table.font));
+        value->setAlignment(kRight);
+        describe(value, column.title.isEmpty() ? name : name + u' ' + column.title);
+        if (column.isOfChosenLine) setTextColour(value, kChosenColour);
+        if (auto* text = qobject_cast<PressableText*>(value))
+            connect(text, &PressableText::pressed, this, column.pressed);
+    }
+    if (row.button != 0) {
+        addButton(row.button, row.caption, {table.left, row.top}, table.bitmaps, row.pressed);
+    } else if (table.captionHeight != 0) {
+        addLabel(0, row.caption, {table.left, row.top, table.captionWidth, table.captionHeight},
+                 FontHeight::Small, Qt::AlignCenter);
+    } else {
+        addLabel(0, row.caption, {table.left + kGridLeft, row.top, table.captionWidth, height});
+    }
 }
 
 QLabel* Screen::addPicture(int controlId, int bitmapNumber, QPoint at) {
@@ -128,8 +164,25 @@ QLabel* Screen::addPicture(int controlId, int bitmapNumber, QPoint at) {
     return result;
 }
 
-ReportList* Screen::addList(int controlId, const QRect& area) {
-    return place(controlId, new ReportList(this), area);
+void Screen::addHeading(int pictureId, int bitmapNumber, const QString& title) {
+    addPicture(pictureId, bitmapNumber, {0, 0});
+    setTextColour(addLabel(0, title, {38, 0, 198, 31}, FontHeight::Title), Qt::white);
+}
+
+ReportList* Screen::addList(int controlId, const QRect& area, const QString& name,
+                            const QList<ListColumn>& columns, std::function<void(int row)> chosen,
+                            std::function<void()> opened) {
+    auto* result = place(controlId, new ReportList(this), area);
+    result->setColumns(columns);
+    describe(result, name);
+    if (chosen) connect(result, &ReportList::rowClicked, this, chosen);
+    if (opened) {
+        connect(result, &ReportList::rowDoubleClicked, this, [chosen, opened](int row) {
+            chosen(row);
+            opened();
+        });
+    }
+    return result;
 }
 
 QComboBox* Screen::addCombo(int controlId, const QRect& area) {

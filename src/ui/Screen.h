@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QEventLoop>
+#include <QList>
 #include <QPointer>
 #include <QWidget>
 #include <functional>
@@ -15,6 +16,9 @@ class QLabel;
 namespace ui {
 
 class ReportList;
+struct AmountRow;
+struct AmountTable;
+struct ListColumn;
 
 /// Size of the terminal's screen in pixels at scale 1.
 inline constexpr QSize kScreenSize(240, 320);
@@ -24,6 +28,9 @@ inline constexpr int kGridLeft = 2;
 inline constexpr int kGridPitch = 60;
 /// Where the row of buttons at the bottom begins.
 inline constexpr int kBottomRow = 286;
+
+/// How figures stand in their place.
+inline constexpr Qt::Alignment kRight = Qt::AlignRight | Qt::AlignVCenter;
 
 /// A full-screen modal dialog. It is found by its dialog id, its controls by their control ids.
 class Screen : public QWidget {
@@ -61,13 +68,16 @@ class Screen : public QWidget {
     /// Lets the dialog with that id take this screen's place when it is closed.
     void setSuccessor(int dialogId) { successor_ = dialogId; }
 
-    /// `pressed` may be left out for a button that is connected elsewhere or does nothing.
+    /// A button without `pressed` is disabled.
     BitmapButton* addButton(int controlId, const QString& caption, QPoint at, ButtonBitmaps bitmaps,
-                            std::function<void()> pressed = {});
-    /// A button in the row at the bottom, which has four places: 0, left, leaves the screen, and 3, right, is
-    /// its main button.
+                            std::function<void()> pressed);
+    /// A button in the row at the bottom, which has four places.
     BitmapButton* addBottomButton(int controlId, const QString& caption, int place, ButtonBitmaps bitmaps,
-                                  std::function<void()> pressed = {});
+                                  std::function<void()> pressed);
+    /// The left one of that row, which Esc presses: it closes the screen, unless `pressed` does otherwise.
+    BitmapButton* addLeaveButton(int controlId, const QString& caption, std::function<void()> pressed = {});
+    /// The right one, the screen's main button, which Enter presses while no focus ring shows.
+    BitmapButton* addMainButton(int controlId, const QString& caption, std::function<void()> pressed);
     /// A static text. `controlId` 0 marks a text that nothing refers to.
     QLabel* addLabel(int controlId, const QString& text, const QRect& area,
                      FontHeight height = FontHeight::Small,
@@ -75,12 +85,18 @@ class Screen : public QWidget {
     /// A figure, right-aligned, that a reader of the screen announces after `name`.
     QLabel* addAmount(int controlId, const QString& name, const QRect& area,
                       FontHeight height = FontHeight::Small);
-    /// The same, with more to say when it is pressed.
-    QLabel* addPressableAmount(int controlId, const QString& name, const QRect& area,
-                               std::function<void()> pressed);
     /// A static picture.
     QLabel* addPicture(int controlId, int bitmapNumber, QPoint at);
-    ReportList* addList(int controlId, const QRect& area);
+    /// A heading across the screen: a picture with the title on it.
+    void addHeading(int pictureId, int bitmapNumber, const QString& title);
+    /// A list, named for a reader of the screen. `chosen` is given the row that is tapped or chosen with
+    /// keys; a double tap chooses its row, then calls `opened`.
+    ReportList* addList(int controlId, const QRect& area, const QString& name,
+                        const QList<ListColumn>& columns, std::function<void(int row)> chosen = {},
+                        std::function<void()> opened = {});
+    /// The titles of a table's columns.
+    void addAmountTitles(const AmountTable& table, int top, int height);
+    void addAmountRow(const AmountTable& table, const AmountRow& row);
     /// A combo box whose entries are high enough for a finger.
     QComboBox* addCombo(int controlId, const QRect& area);
     /// Places any other control.

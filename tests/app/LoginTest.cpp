@@ -155,11 +155,12 @@ TEST(Session, ResetEmptiesTheActionAndBothWorkingTables) {
 TEST(Company, TheLastRowWins) {
     test::TestDevice device;
     device.insert(u"config", {{u"sangho", u"첫째"}, {u"tel", u"1"}});
-    device.insert(u"config", {{u"sangho", u"둘째"}, {u"cardno", u"9"}});
+    device.insert(u"config", {{u"sangho", u"둘째"}, {u"cardno", u"9"}, {u"cardpass", u"8642"}});
     app::loadCompany();
     EXPECT_EQ(app::session().sangho, u"둘째"_s);
     EXPECT_EQ(app::session().tel, QString());
     EXPECT_EQ(app::session().cardno, u"9"_s);
+    EXPECT_EQ(app::session().cardpass.view(), u"8642");
 }
 
 }  // namespace

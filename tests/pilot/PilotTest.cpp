@@ -57,15 +57,14 @@ class TestScreen : public ui::Screen {
         auto* combo = place(13, new QComboBox(this), {4, 150, 100, 24});
         combo->addItems({u"전체"_s, u"소주"_s, u"맥주"_s});
         place(16, new QCheckBox(u"표"_s, this), {110, 176, 120, 24});
-        const ui::ListColumn columns[] = {{u"번호"_s, 60}, {u"이름"_s, 200}, {u"금액"_s, 80}};
-        ui::ReportList* list = addList(20, {60, 204, 176, 110});
-        list->setColumns(columns);
+        ui::ReportList* list =
+            addList(20, {60, 204, 176, 110}, u"가게"_s, {{u"번호"_s, 60}, {u"이름"_s, 200}, {u"금액"_s, 80}},
+                    [this](int row) { log << u"row %1"_s.arg(row); });
         platform::Rows rows{3, {}};
         for (int row = 1; row <= 40; ++row) {
             rows.cells << QString::number(row) << u"가게 %1"_s.arg(row) << QString::number(row * 1000);
         }
         list->setRows(rows);
-        connect(list, &ui::ReportList::rowClicked, this, [this](int row) { log << u"row %1"_s.arg(row); });
         connect(list, &ui::ReportList::rowDoubleClicked, this,
                 [this](int row) { log << u"double %1"_s.arg(row); });
     }
@@ -74,9 +73,7 @@ class TestScreen : public ui::Screen {
 
   private:
     ui::BitmapButton* button(int id, QPoint at, const std::function<void()>& clicked) {
-        ui::BitmapButton* result = addButton(id, u"단추 %1"_s.arg(id), at, ui::bitmaps::kConfirm);
-        connect(result, &ui::BitmapButton::clicked, this, clicked);
-        return result;
+        return addButton(id, u"단추 %1"_s.arg(id), at, ui::bitmaps::kConfirm, clicked);
     }
 };
 

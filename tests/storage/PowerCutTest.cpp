@@ -149,7 +149,7 @@ void writeSlips(const std::function<void()>& mark) {
     EXPECT_TRUE(sales::replaceQuantities({u"1003"_s, u"3"_s, QString()}, 4, 5, {}));
     EXPECT_EQ(sales::saveSlip(u"A", u"2024-03-29", u"5003"), sales::SaveOutcome::Saved);
     mark();
-    EXPECT_TRUE(container::openSlip(u"A", u"2024-03-29", u"5003"));
+    EXPECT_TRUE(container::reloadSlip(u"A", u"2024-03-29", u"5003"));
     container::ContainerLine line;
     line.DDate = u"2024-03-29"_s;
     line.GCode = u"0016"_s;

@@ -3,8 +3,8 @@
 #include <QSet>
 
 #include "AdminTest.h"
+#include "books/Customer.h"
 #include "db/MasterImport.h"
-#include "sales/CustomerQuery.h"
 #include "sales/Pricing.h"
 
 namespace test {
@@ -63,7 +63,7 @@ TEST_F(DemoTest, OpenOrdersCostWhatTheTerminalWouldAsk) {
     for (const QString& row :
          rows(u"SELECT GCode, PCode, Box, Bon, MMoney, BMoney, YMoney, GMoney, JunNo, UserID FROM MTM"_s)) {
         const QStringList line = row.split(u'|');
-        const sales::PricedLine priced = sales::priceLine(line[0], sales::customerAccount(line[0]).Gubun,
+        const sales::PricedLine priced = sales::priceLine(line[0], books::slipCustomer(line[0]).value().Gubun,
                                                           line[1], line[2].toInt(), line[3].toInt());
         const sales::LineAmounts stored{platform::parseWon(line[4]), platform::parseWon(line[5]),
                                         platform::parseWon(line[6]), platform::parseWon(line[7])};

@@ -14,6 +14,7 @@
 #include "books/OpenPayments.h"
 #include "collect/CollectionEntry.h"
 #include "collect/Settlement.h"
+#include "ui/AmountTable.h"
 #include "ui/Messages.h"
 #include "ui/Terminal.h"
 #include "ui/WaitCursor.h"
@@ -27,17 +28,16 @@ using platform::Won;
 
 constexpr int kFirstRowTop = 26;
 constexpr int kRowHeight = 43;
-constexpr int kCaptionHeight = 24;
-constexpr int kColumnLeft[] = {2, 122};
-constexpr int kColumnWidth = 116;
 
-QPoint cellAt(int column, int row) {
-    return {kColumnLeft[column], kFirstRowTop + row * kRowHeight};
-}
-
-QRect valueAt(int column, int row) {
-    return {cellAt(column, row) + QPoint(0, kCaptionHeight),
-            QSize(kColumnWidth - 4, kRowHeight - kCaptionHeight)};
+/// A column of amounts, each below its button.
+ui::AmountTable column(int left, ui::ButtonBitmaps bitmaps) {
+    constexpr int kWidth = 116;
+    return {.left = left,
+            .captionWidth = kWidth,
+            .rowHeight = kRowHeight,
+            .columns = {{left, kWidth - 4}},
+            .bitmaps = bitmaps,
+            .captionHeight = 24};
 }
 
 /// The value texts and the amounts that they show.
@@ -80,9 +80,9 @@ CCollectionEntryDlg::CCollectionEntryDlg() : Screen(app::dialogs::kCollectionEnt
     addSaleRows();
     addPaymentRows();
 
-    setCancelButton(addBottomButton(1000, u"이전"_s, 0, ui::bitmaps::kCancel, [this] { goBack(); }));
+    addLeaveButton(1000, u"이전"_s, [this] { goBack(); });
     addBottomButton(1002, u"전표삭제"_s, 1, ui::bitmaps::kDelete, [this] { deletePrevious(); });
-    setDefaultButton(addBottomButton(1003, u"완료"_s, 3, ui::bitmaps::kConfirm, [this] { finish(); }));
+    addMainButton(1003, u"완료"_s, [this] { finish(); });
 
     load();
     showAmounts();
@@ -103,42 +103,26 @@ void CCollectionEntryDlg::addSaleRows() {
         {1092, u"주류매출액"_s, 1099, keySales}, {1093, u"공급가액"_s, 1100, keySupply},
         {1094, u"부가세액"_s, 1101, keyVat},     {1104, u"비주류금액"_s, 1105, keyNonLiquorAlone},
         {1095, u"매출합계"_s, 1102, nullptr},    {1096, u"용공회수액"_s, 1103, keyRecovery}};
-    for (int i = 0; i < int(std::size(rows)); ++i) {
-        const Row& row = rows[i];
-        ui::BitmapButton* button = addButton(row.button, row.caption, cellAt(0, i), ui::bitmaps::kWideAmount);
-        button->setEnabled(row.key != nullptr);
-        connect(button, &ui::BitmapButton::clicked, this, [this, row] { keyAmount(row.caption, row.key); });
-        addAmount(row.value, row.caption, valueAt(0, i));
+    const ui::AmountTable table = column(2, ui::bitmaps::kWideAmount);
+    int top = kFirstRowTop;
+    for (const Row& row : rows) {
+        std::function<void()> keyed;
+        if (row.key != nullptr) keyed = [this, row] { keyAmount(row.caption, row.key); };
+        addAmountRow(table, {row.caption, top, {row.value}, row.button, keyed});
+        top += kRowHeight;
     }
 }
 
 void CCollectionEntryDlg::addPaymentRows() {
-    struct Row {
-        int button;
-        QString caption;
-        int value;
-        ui::ButtonBitmaps bitmaps;
-        std::function<void()> action;
-    };
-    const Row rows[] = {
-        {1097, u"카드입금"_s, 1084, ui::bitmaps::kSettle, [this] { settle(settleByCard); }},
-        {1098, u"현금입금"_s, 1085, ui::bitmaps::kSettle, [this] { settle(settleInCash); }},
-        {1083, u"외상처리"_s, 1086, ui::bitmaps::kSettle, [this] { settle(settleOnCredit); }},
-        {1013, u"전미수"_s, 1087, ui::bitmaps::kWideAmount, [this] { keyEarlierReceivable(); }},
-    };
-    for (int i = 0; i < int(std::size(rows)); ++i) {
-        addButton(rows[i].button, rows[i].caption, cellAt(1, i), rows[i].bitmaps, rows[i].action);
-        addAmount(rows[i].value, rows[i].caption, valueAt(1, i));
-    }
-    const struct {
-        QString caption;
-        int value;
-    } receivables[] = {{u"전채권잔액"_s, 1090}, {u"총채권잔액"_s, kResultingReceivable}};
-    for (int i = 0; i < 2; ++i) {
-        addLabel(0, receivables[i].caption, {cellAt(1, 4 + i), QSize(kColumnWidth, kCaptionHeight)},
-                 ui::FontHeight::Small, Qt::AlignCenter);
-        addAmount(receivables[i].value, receivables[i].caption, valueAt(1, 4 + i));
-    }
+    const auto top = [](int row) { return kFirstRowTop + row * kRowHeight; };
+    const ui::AmountTable settled = column(122, ui::bitmaps::kSettle);
+    addAmountRow(settled, {u"카드입금"_s, top(0), {1084}, 1097, [this] { settle(settleByCard); }});
+    addAmountRow(settled, {u"현금입금"_s, top(1), {1085}, 1098, [this] { settle(settleInCash); }});
+    addAmountRow(settled, {u"외상처리"_s, top(2), {1086}, 1083, [this] { settle(settleOnCredit); }});
+    const ui::AmountTable keyed = column(122, ui::bitmaps::kWideAmount);
+    addAmountRow(keyed, {u"전미수"_s, top(3), {1087}, 1013, [this] { keyEarlierReceivable(); }});
+    addAmountRow(keyed, {u"전채권잔액"_s, top(4), {1090}});
+    addAmountRow(keyed, {u"총채권잔액"_s, top(5), {kResultingReceivable}});
 }
 
 void CCollectionEntryDlg::load() {

@@ -2,29 +2,24 @@
 
 #include <QStringList>
 
-#include "ui/Screen.h"
-
-namespace ui {
-class ReportList;
-}
+#include "app/SlipListScreen.h"
 
 namespace collect {
 
 /// The list of the day's collection slips (dialog 150).
-class CCollectionListDlg : public ui::Screen {
+class CCollectionListDlg : public app::SlipListScreen {
     Q_OBJECT
 
   public:
     CCollectionListDlg();
 
-  private:
-    void fill();
-    void choose(int row);
-    void openHere();
-    void deleteChosen();
-    void closeIfDone();
+  protected:
+    platform::Rows loadSlips() override;
+    void takeSlip(const platform::Rows& slips, int row) override;
+    void openSlip() override;
+    void deleteSlip() override;
 
-    ui::ReportList* list_ = nullptr;
+  private:
     QStringList names_;  ///< The customers' names; the list also says which card amounts are not approved.
 };
 

@@ -6,6 +6,7 @@
 #include "app/KeypadRequest.h"
 #include "app/Session.h"
 #include "books/SlipNumbers.h"
+#include "ui/AmountTable.h"
 #include "ui/Messages.h"
 #include "ui/Terminal.h"
 
@@ -43,32 +44,28 @@ CSimplePaymentDlg::CSimplePaymentDlg() : Screen(app::dialogs::kSimplePayment) {
     addAmount(1088, u"전표번호"_s, {180, 36, 54, 24}, ui::FontHeight::Medium);
     setText(1088, action.JunNo);
 
-    constexpr int kTop = 70;
-    constexpr int kRowHeight = 34;
-    const auto place = [this](int controlId, const QString& caption, int valueId, int row) {
-        const int top = kTop + row * kRowHeight;
-        addAmount(valueId, caption, {122, top, 112, 24}, ui::FontHeight::Medium);
-        return addButton(controlId, caption, {4, top}, ui::bitmaps::kWideAmount);
-    };
-    for (int i = 0; i < int(std::size(kRows)); ++i) {
-        const AmountRow& row = kRows[i];
-        connect(place(row.button, row.caption.toString(), row.value, i), &ui::BitmapButton::clicked, this,
-                [this, row] { keyAmount(row.which, row.caption.toString()); });
+    const ui::AmountTable table{.left = 4,
+                                .captionWidth = 0,
+                                .rowHeight = 24,
+                                .columns = {{122, 112}},
+                                .bitmaps = ui::bitmaps::kWideAmount,
+                                .font = ui::FontHeight::Medium};
+    int top = 70;
+    for (const AmountRow& row : kRows) {
+        const QString caption = row.caption.toString();
+        addAmountRow(table,
+                     {caption, top, {row.value}, row.button, [=, this] { keyAmount(row.which, caption); }});
+        top += 34;
     }
     // The total follows from the others; its button only names it.
-    place(kTotalButton, u"합계"_s, kTotalValue, int(std::size(kRows)))->setEnabled(false);
+    addAmountRow(table, {u"합계"_s, top, {kTotalValue}, kTotalButton});
 
-    ui::BitmapButton* cancel = addBottomButton(1000, u"취  소"_s, 0, ui::bitmaps::kCancel);
-    connect(cancel, &ui::BitmapButton::clicked, this, [this] { close(Cancelled); });
-    ui::BitmapButton* clear = addBottomButton(1001, u"크리어"_s, 1, ui::bitmaps::kPay);
-    connect(clear, &ui::BitmapButton::clicked, this, [this] {
+    addLeaveButton(1000, u"취  소"_s);
+    addBottomButton(1001, u"크리어"_s, 1, ui::bitmaps::kPay, [this] {
         amounts_ = {};
         showAmounts();
     });
-    ui::BitmapButton* done = addBottomButton(1003, u"완  료"_s, 3, ui::bitmaps::kConfirm);
-    connect(done, &ui::BitmapButton::clicked, this, [this] { finish(); });
-    setDefaultButton(done);
-    setCancelButton(cancel);
+    addMainButton(1003, u"완  료"_s, [this] { finish(); });
     showAmounts();
 }
 

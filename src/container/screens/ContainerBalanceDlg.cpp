@@ -1,11 +1,11 @@
 #include "container/screens/ContainerBalanceDlg.h"
 
 #include <QLabel>
-#include <QStringBuilder>
 
 #include "app/Dialogs.h"
 #include "app/Session.h"
 #include "container/WorkingContainers.h"
+#include "ui/AmountTable.h"
 #include "ui/ReportList.h"
 #include "ui/WaitCursor.h"
 
@@ -16,9 +16,7 @@ using namespace Qt::Literals::StringLiterals;
 using books::ContainerBalance;
 
 constexpr int kProductName = 1060;
-constexpr int kFirstRowTop = 190;
 constexpr int kRowHeight = 18;
-constexpr auto kRight = Qt::AlignRight | Qt::AlignVCenter;
 
 /// A row of the product's figures: its label, and its crates and bottles.
 struct FigureRow {
@@ -41,26 +39,21 @@ CContainerBalanceDlg::CContainerBalanceDlg() : Screen(app::dialogs::kContainerBa
     const ui::WaitCursor wait;
     addLabel(1059, {}, {4, 0, 232, 24});
     setFittedText(1059, u"용공잔액  "_s + app::session().action.GName, ui::FontHeight::Medium);
-    ui::ReportList* list = addList(1054, {0, 25, 240, 128});
-    const ui::ListColumn columns[] = {{u"상품명"_s, 116}, {u"상자"_s, 50, kRight}, {u"공병"_s, 58, kRight}};
-    list->setColumns(columns);
-    describe(list, u"용공잔액 상품"_s);
-    connect(list, &ui::ReportList::rowClicked, this, &CContainerBalanceDlg::showProduct);
+    ui::ReportList* list =
+        addList(1054, {0, 25, 240, 128}, u"용공잔액 상품"_s,
+                {{u"상품명"_s, 116}, {u"상자"_s, 50, ui::kRight}, {u"공병"_s, 58, ui::kRight}},
+                [this](int row) { showProduct(row); });
 
     addLabel(kProductName, {}, {4, 154, 232, 18});
-    addLabel(0, u"상자"_s, {84, 172, 70, kRowHeight}, ui::FontHeight::Small, kRight);
-    addLabel(0, u"공병"_s, {160, 172, 74, kRowHeight}, ui::FontHeight::Small, kRight);
-    int top = kFirstRowTop;
-    for (const FigureRow& row : kFigureRows) {
-        addLabel(0, row.caption.toString(), {4, top, 76, kRowHeight});
-        addAmount(row.crates, row.caption % u" 상자", {84, top, 70, kRowHeight});
-        addAmount(row.bottles, row.caption % u" 공병", {160, top, 74, kRowHeight});
-        top += kRowHeight;
-    }
-    ui::BitmapButton* done =
-        addBottomButton(1000, u"확  인"_s, 3, ui::bitmaps::kConfirm, [this] { close(Accepted); });
-    setDefaultButton(done);
-    setCancelButton(done);
+    const ui::AmountTable table{.left = ui::kGridLeft,
+                                .captionWidth = 76,
+                                .rowHeight = kRowHeight,
+                                .columns = {{84, 70, u"상자"_s}, {160, 74, u"공병"_s}}};
+    int top = 172;
+    addAmountTitles(table, top, kRowHeight);
+    for (const FigureRow& row : kFigureRows)
+        addAmountRow(table, {row.caption.toString(), top += kRowHeight, {row.crates, row.bottles}});
+    setCancelButton(addMainButton(1000, u"확  인"_s, [this] { close(Accepted); }));
 
     balances_ = workingBalances(app::session().action.GCode, app::session().WorkDate,
                                 app::session().action.JunNo, app::session().UserID);

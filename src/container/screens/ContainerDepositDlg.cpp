@@ -1,11 +1,11 @@
 #include "container/screens/ContainerDepositDlg.h"
 
 #include <QLabel>
-#include <QStringBuilder>
 
 #include "app/Dialogs.h"
 #include "container/ContainerProduct.h"
 #include "container/WorkingContainers.h"
+#include "ui/AmountTable.h"
 #include "ui/Messages.h"
 #include "ui/ReportList.h"
 #include "ui/Terminal.h"
@@ -17,7 +17,6 @@ using namespace Qt::Literals::StringLiterals;
 using platform::Won;
 
 constexpr int kProduct = 1060;
-constexpr auto kRight = Qt::AlignRight | Qt::AlignVCenter;
 
 /// A row of the amounts: the chosen line's value and the sum of all lines.
 struct AmountRow {
@@ -33,8 +32,6 @@ constexpr AmountRow kAmountRows[] = {
     {u"보증합계", 1084, 1079, [](const DepositLine& line) { return line.deposit(); }},
     {u"회수금액", 1085, kRecoverySum, [](const DepositLine& line) { return line.recovery; }},
 };
-constexpr int kFirstRowTop = 208;
-constexpr int kRowHeight = 18;
 
 QString countsOf(const DepositLine& line) {
     if (!line.returned) return {};
@@ -44,41 +41,35 @@ QString countsOf(const DepositLine& line) {
 }  // namespace
 
 CContainerDepositDlg::CContainerDepositDlg() : ContainerEntry(app::dialogs::kContainerDeposit) {
-    list_ = addList(1054, {0, 41, 240, 130});
     // What is taken back stands as empty crates, filled crates and bottles.
-    const ui::ListColumn columns[] = {
-        {u"상품명"_s, 78}, {u"상자"_s, 30, kRight}, {u"본"_s, 30, kRight}, {u"공상/입상/병"_s, 86, kRight}};
-    list_->setColumns(columns);
-    describe(list_, u"용공 보증금 상품"_s);
-    connect(list_, &ui::ReportList::rowClicked, this, &CContainerDepositDlg::showAmounts);
-    connect(list_, &ui::ReportList::rowDoubleClicked, this, [this] { takeBack(); });
+    list_ = addList(
+        1054, {0, 41, 240, 130}, u"용공 보증금 상품"_s,
+        {{u"상품명"_s, 78},
+         {u"상자"_s, 30, ui::kRight},
+         {u"본"_s, 30, ui::kRight},
+         {u"공상/입상/병"_s, 86, ui::kRight}},
+        [this](int) { showAmounts(); }, [this] { takeBack(); });
     addAmountRows();
-    addButtons();
+    addBottomButton(1091, u"용공잔액"_s, 1, ui::bitmaps::kSearch,
+                    [] { ui::runScreen(app::dialogs::kContainerBalance); });
+    addLeaveButton(1001, u"취  소"_s);
+    addBottomButton(1000, u"회  수"_s, 2, ui::bitmaps::kAdd, [this] { takeBack(); });
+    addMainButton(1003, u"완  료"_s, [this] { finish(); });
     showLines(-1);
     list_->setFocus();
 }
 
 void CContainerDepositDlg::addAmountRows() {
-    addLabel(kProduct, {}, {4, 172, 232, 18});
-    addLabel(0, u"선택상품"_s, {74, 190, 76, kRowHeight}, ui::FontHeight::Small, kRight);
-    addLabel(0, u"전표합계"_s, {156, 190, 80, kRowHeight}, ui::FontHeight::Small, kRight);
-    int top = kFirstRowTop;
-    for (const AmountRow& row : kAmountRows) {
-        addLabel(0, row.caption.toString(), {4, top, 68, kRowHeight});
-        QLabel* value = addAmount(row.lineValue, row.caption % u" 선택상품", {74, top, 76, kRowHeight});
-        setTextColour(value, QColor(0x1c, 0x5b, 0xa8));
-        addAmount(row.sum, row.caption % u" 전표합계", {156, top, 80, kRowHeight});
-        top += kRowHeight;
-    }
-}
-
-void CContainerDepositDlg::addButtons() {
-    addBottomButton(1091, u"용공잔액"_s, 1, ui::bitmaps::kSearch,
-                    [] { ui::runScreen(app::dialogs::kContainerBalance); });
-    setCancelButton(
-        addBottomButton(1001, u"취  소"_s, 0, ui::bitmaps::kCancel, [this] { close(Cancelled); }));
-    addBottomButton(1000, u"회  수"_s, 2, ui::bitmaps::kAdd, [this] { takeBack(); });
-    setDefaultButton(addBottomButton(1003, u"완  료"_s, 3, ui::bitmaps::kConfirm, [this] { finish(); }));
+    constexpr int kRowHeight = 18;
+    addLabel(kProduct, {}, {4, 172, 232, kRowHeight});
+    const ui::AmountTable table{.left = ui::kGridLeft,
+                                .captionWidth = 68,
+                                .rowHeight = kRowHeight,
+                                .columns = {{74, 76, u"선택상품"_s, true}, {156, 80, u"전표합계"_s}}};
+    int top = 190;
+    addAmountTitles(table, top, kRowHeight);
+    for (const AmountRow& row : kAmountRows)
+        addAmountRow(table, {row.caption.toString(), top += kRowHeight, {row.lineValue, row.sum}});
 }
 
 void CContainerDepositDlg::takeBack() {
@@ -111,10 +102,7 @@ void CContainerDepositDlg::showLines(int row) {
     for (const DepositLine& line : lines_) rows.cells << line.PName << line.Box << line.Bon << countsOf(line);
     list_->setRows(rows);
     // A product that was only taken back goes with its counts.
-    if (row >= 0 && row < lines_.size()) {
-        list_->selectRow(row);
-        list_->scrollTo(list_->model()->index(row, 0));
-    }
+    if (row >= 0) list_->showChosen(row);
     showAmounts();
 }
 

@@ -21,7 +21,6 @@ class CContainerDepositDlg : public ContainerEntry {
 
   private:
     void addAmountRows();
-    void addButtons();
     /// Asks what is taken back of the chosen line's product.
     void takeBack();
     /// Refills the list and the amounts; `row` is chosen.

@@ -6,6 +6,7 @@
 #include "app/Dialogs.h"
 #include "app/KeypadRequest.h"
 #include "app/Session.h"
+#include "books/Customer.h"
 #include "container/ContainerProduct.h"
 #include "container/ContainerStore.h"
 #include "container/WorkingContainers.h"
@@ -28,7 +29,7 @@ ContainerEntry::ContainerEntry(int dialogId) : Screen(dialogId) {
     addAmount(kReceivable, u"채권잔액"_s, {66, 22, 170, 18});
     showCustomer();
     const app::SessionValues& session = app::session();
-    if (!openSlip(session.UserID, session.WorkDate, session.action.JunNo)) {
+    if (!reloadSlip(session.UserID, session.WorkDate, session.action.JunNo)) {
         QTimer::singleShot(0, this, [this] {
             ui::message(u"용공회수 전표를 열지 못했습니다..!"_s);
             close(Cancelled);
@@ -40,10 +41,10 @@ ContainerEntry::ContainerEntry(int dialogId) : Screen(dialogId) {
 
 void ContainerEntry::showCustomer() {
     app::ActionValues& action = app::session().action;
-    const CustomerAccount account = customerAccount(action.GCode);
-    action.CustomerKind = account.Gubun;
+    const auto customer = books::containerCustomer(action.GCode).value_or(books::Customer());
+    action.CustomerKind = customer.Gubun;
     setFittedText(kCustomerName, action.GName, ui::FontHeight::Medium);
-    setAmount(kReceivable, account.CJMoney);
+    setAmount(kReceivable, customer.receivable());
 }
 
 std::optional<ContainerCounts> ContainerEntry::askCounts(const ContainerCounts& start) {

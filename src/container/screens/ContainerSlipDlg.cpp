@@ -9,6 +9,7 @@
 #include "books/ContainerBalance.h"
 #include "container/ContainerProduct.h"
 #include "container/WorkingContainers.h"
+#include "ui/AmountTable.h"
 #include "ui/Messages.h"
 #include "ui/ReportList.h"
 #include "ui/Terminal.h"
@@ -20,7 +21,6 @@ using namespace Qt::Literals::StringLiterals;
 using platform::Won;
 
 constexpr int kBalance = 1099;
-constexpr auto kRight = Qt::AlignRight | Qt::AlignVCenter;
 
 /// A row of the amounts: its button and caption, the slip's sum, the selected line's value.
 struct AmountRow {
@@ -38,8 +38,6 @@ constexpr AmountRow kAmountRows[] = {
 };
 constexpr int kTotalSum = 1081;
 constexpr int kTotalOfLine = 1086;
-constexpr int kFirstRowTop = 153;
-constexpr int kRowHeight = 25;
 
 }  // namespace
 
@@ -47,7 +45,24 @@ CContainerSlipDlg::CContainerSlipDlg()
     : ContainerEntry(app::dialogs::kContainerSlip),
       history_(app::session().action.GCode, app::session().WorkDate, app::session().action.JunNo,
                app::session().UserID) {
-    addList();
+    list_ = addList(
+        1054, {0, 41, 240, 97}, u"용공회수 상품"_s,
+        {{u"코드"_s, 38},
+         {u"상품명"_s, 104},
+         {u"공상"_s, 30, ui::kRight},
+         {u"입상"_s, 30, ui::kRight},
+         {u"공병"_s, 30, ui::kRight}},
+        [this](int row) {
+            selected_ = keyAt(lines_, row);
+            showAmounts();
+        },
+        [this] { changeCounts(); });
+    connect(list_, &ui::ReportList::emptyPartClicked, this, [this] {
+        list_->clearSelection();
+        selected_.reset();
+        showAmounts();
+        ui::message(u"매출상품이 선택되지 않았습니다..!"_s);
+    });
     addAmountRows();
     addLabel(kBalance, {}, {4, 270, 232, 15});
     addButtons();
@@ -55,44 +70,25 @@ CContainerSlipDlg::CContainerSlipDlg()
     list_->setFocus();
 }
 
-void CContainerSlipDlg::addList() {
-    list_ = Screen::addList(1054, {0, 41, 240, 97});
-    const ui::ListColumn columns[] = {{u"코드"_s, 38},
-                                      {u"상품명"_s, 104},
-                                      {u"공상"_s, 30, kRight},
-                                      {u"입상"_s, 30, kRight},
-                                      {u"공병"_s, 30, kRight}};
-    list_->setColumns(columns);
-    describe(list_, u"용공회수 상품"_s);
-    connect(list_, &ui::ReportList::rowClicked, this, &CContainerSlipDlg::selectLine);
-    connect(list_, &ui::ReportList::emptyPartClicked, this, [this] {
-        deselect();
-        ui::message(u"매출상품이 선택되지 않았습니다..!"_s);
-    });
-    connect(list_, &ui::ReportList::rowDoubleClicked, this, [this](int row) {
-        selectLine(row);
-        changeCounts();
-    });
-}
-
 void CContainerSlipDlg::addAmountRows() {
-    addLabel(0, u"선택상품"_s, {47, 138, 63, 15}, ui::FontHeight::Small, kRight);
-    addLabel(0, u"전표합계"_s, {114, 138, 66, 15}, ui::FontHeight::Small, kRight);
-    const auto values = [this](const QString& name, int lineValue, int slipSum, int top, int height) {
-        QLabel* value = addAmount(lineValue, name + u" 선택상품"_s, {47, top, 63, height});
-        setTextColour(value, QColor(0x1c, 0x5b, 0xa8));
-        addAmount(slipSum, name + u" 전표합계"_s, {114, top, 66, height});
-    };
-    int top = kFirstRowTop;
+    const ui::AmountTable table{.left = ui::kGridLeft,
+                                .captionWidth = 43,
+                                .rowHeight = 24,
+                                .columns = {{47, 63, u"선택상품"_s, true}, {114, 66, u"전표합계"_s}}};
+    addAmountTitles(table, 138, 15);
+    int top = 153;
     for (const AmountRow& row : kAmountRows) {
         const QString caption = row.caption.toString();
-        addButton(row.button, caption, {2, top}, ui::bitmaps::kAmount,
-                  [this, caption, &row] { editAmount(caption, row.amount); });
-        values(caption, row.lineValue, row.slipSum, top, 24);
-        top += kRowHeight;
+        addAmountRow(table, {caption, top, {row.lineValue, row.slipSum}, row.button, [this, caption, &row] {
+                                 editAmount(caption, row.amount);
+                             }});
+        top += 25;
     }
-    addLabel(0, u"합  계"_s, {4, top, 43, 16});
-    values(u"합계"_s, kTotalOfLine, kTotalSum, top, 16);
+    addAmountRow(table, {.caption = u"합  계"_s,
+                         .top = top,
+                         .values = {kTotalOfLine, kTotalSum},
+                         .height = 16,
+                         .name = u"합계"_s});
 }
 
 void CContainerSlipDlg::addButtons() {
@@ -100,32 +96,19 @@ void CContainerSlipDlg::addButtons() {
               [this] { addFromSearch(false); });
     addButton(1091, u"용공잔액"_s, {182, 213}, ui::bitmaps::kSearch,
               [] { ui::runScreen(app::dialogs::kContainerBalance); });
-    setCancelButton(addBottomButton(1001, u"취 소"_s, 0, ui::bitmaps::kCancel, [this] { close(Cancelled); }));
+    addLeaveButton(1001, u"취 소"_s);
     addBottomButton(1002, u"삭  제"_s, 1, ui::bitmaps::kDelete, [this] { deleteSelected(); });
     addBottomButton(1000, u"등  록"_s, 2, ui::bitmaps::kAdd,
                     [this] { addFromSearch(app::session().UserField6 == u"Y"); });
-    setDefaultButton(addBottomButton(1003, u"완  료"_s, 3, ui::bitmaps::kConfirm, [this] { finish(); }));
-}
-
-ContainerKey CContainerSlipDlg::keyOfRow(int row) const {
-    return {list_->text(row, 0), list_->text(row, 2), list_->text(row, 3), list_->text(row, 4)};
-}
-
-int CContainerSlipDlg::rowOf(const ContainerKey& key) const {
-    for (int row = 0; row < list_->rowCount(); ++row) {
-        if (keyOfRow(row) == key) return row;
-    }
-    return -1;
+    addMainButton(1003, u"완  료"_s, [this] { finish(); });
 }
 
 void CContainerSlipDlg::showLines() {
-    list_->setRows(workingLines());
-    if (selected_) {
-        const int row = rowOf(*selected_);
-        list_->selectRow(row);
-        // The list is short: the line may stand below what it shows.
-        list_->scrollTo(list_->model()->index(row, 0));
-    }
+    lines_ = workingLines();
+    list_->setRows(lines_);
+    // The list is short: the line may stand below what it shows.
+    if (selected_)
+        list_->showChosen(lines_.find([this](int row) { return keyAt(lines_, row) == *selected_; }));
     showAmounts();
 }
 
@@ -175,7 +158,7 @@ void CContainerSlipDlg::addProduct(const QString& pCode) {
         ui::message(u"품목코드에서 해당품목이 없습니다..!"_s);
         return;
     }
-    if (list_->contains(0, pCode)) {
+    if (lines_.find([&](int row) { return lines_.at(row, 0) == pCode; }) >= 0) {
         ui::message(u"상품이 이미 등록되어있습니다..!"_s);
         return;
     }
@@ -187,17 +170,6 @@ void CContainerSlipDlg::addProduct(const QString& pCode) {
     }
     if (addLine(pCode, *counts)) selected_ = keyOf(pCode, *counts);
     showLines();
-}
-
-void CContainerSlipDlg::selectLine(int row) {
-    selected_ = keyOfRow(row);
-    showAmounts();
-}
-
-void CContainerSlipDlg::deselect() {
-    list_->clearSelection();
-    selected_.reset();
-    showAmounts();
 }
 
 void CContainerSlipDlg::changeCounts() {
@@ -212,7 +184,7 @@ void CContainerSlipDlg::changeCounts() {
 }
 
 void CContainerSlipDlg::editAmount(const QString& title, Won ContainerAmounts::*amount) {
-    if (list_->rowCount() == 0) {
+    if (lines_.isEmpty()) {
         ui::message(u"품목이 없으면 합계금액을 수정할수 없습니다.."_s);
         return;
     }

@@ -4,6 +4,7 @@
 
 #include "books/ContainerBalance.h"
 #include "container/screens/ContainerEntry.h"
+#include "platform/Rows.h"
 
 namespace ui {
 class ReportList;
@@ -19,14 +20,11 @@ class CContainerSlipDlg : public ContainerEntry {
     CContainerSlipDlg();
 
   private:
-    void addList();
     void addAmountRows();
     void addButtons();
     /// Adds the product that the search is left with. By the consonant, the board comes first.
     void addFromSearch(bool byConsonant);
     void addProduct(const QString& pCode);
-    void selectLine(int row);
-    void deselect();
     void changeCounts();
     void editAmount(const QString& title, platform::Won ContainerAmounts::*amount);
     void deleteSelected();
@@ -35,12 +33,10 @@ class CContainerSlipDlg : public ContainerEntry {
     void showLines();
     void showAmounts();
     void showBalance();
-    /// The row of the line; -1 when the list does not hold it.
-    int rowOf(const ContainerKey& key) const;
-    ContainerKey keyOfRow(int row) const;
 
     ui::ReportList* list_ = nullptr;
     books::ContainerHistory history_;  ///< Read once: it may be years long.
+    platform::Rows lines_;             ///< As workingLines gives them; the list shows them.
     std::optional<ContainerKey> selected_;
 };
 

@@ -38,9 +38,9 @@ CSlipPrintDlg::CSlipPrintDlg()
 
     const auto choice = [this](int controlId, const QString& caption, int row,
                                std::span<const Paper> papers) {
-        ui::BitmapButton* button = addButton(controlId, caption, {12, 98 + row * 40}, ui::bitmaps::kDocument);
-        button->setFont(ui::font(ui::FontHeight::Medium));
-        connect(button, &ui::BitmapButton::clicked, this, [this, papers] { print(papers); });
+        addButton(controlId, caption, {12, 98 + row * 40}, ui::bitmaps::kDocument, [this, papers] {
+            print(papers);
+        })->setFont(ui::font(ui::FontHeight::Medium));
     };
     const std::span papers(books::kPapers);
     for (int row = 0; row < int(papers.size()); ++row) {
@@ -49,12 +49,10 @@ CSlipPrintDlg::CSlipPrintDlg()
     choice(1007, u"전체출력"_s, int(papers.size()), papers);
     addLabel(kPrintedMark, {}, {12, 258, 216, 22}, ui::FontHeight::Small, Qt::AlignCenter);
 
-    ui::BitmapButton* closeButton = addBottomButton(1003, u"닫  기"_s, 3, ui::bitmaps::kConfirm, [this] {
+    setCancelButton(addMainButton(1003, u"닫  기"_s, [this] {
         app::session().SlipDone = 1;
         close(Accepted);
-    });
-    setDefaultButton(closeButton);
-    setCancelButton(closeButton);
+    }));
 }
 
 void CSlipPrintDlg::print(std::span<const Paper> papers) {

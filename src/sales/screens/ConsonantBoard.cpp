@@ -25,9 +25,9 @@ ConsonantBoard::ConsonantBoard(int dialogId, const QString& title) : Screen(dial
     keyFont.setPixelSize(kKeyType);
     for (int i = 0; i < int(kConsonants.size()); ++i) {
         const QString seek(kConsonants[i]);
-        ui::BitmapButton* key = addButton(kFirstKey + i, seek, keyAt(i), ui::bitmaps::kConsonant);
-        key->setFont(keyFont);
-        connect(key, &ui::BitmapButton::clicked, this, [this, seek] { choose(seek); });
+        addButton(kFirstKey + i, seek, keyAt(i), ui::bitmaps::kConsonant, [this, seek] {
+            choose(seek);
+        })->setFont(keyFont);
     }
     addButton(kOtherKey, u"기타"_s, keyAt(int(kConsonants.size())), ui::bitmaps::kOtherConsonant,
               [this] { choose(kOtherSeek.toString()); });

@@ -16,19 +16,19 @@ constexpr int kCancelHint = 1134;
 }  // namespace
 
 CCustomerBoardDlg::CCustomerBoardDlg() : ConsonantBoard(app::dialogs::kConsonantBoard, u"거래처 초성"_s) {
-    addButton(kBlankKey, {}, keyAt(15), ui::bitmaps::kConsonant)->setEnabled(false);
+    addButton(kBlankKey, {}, keyAt(15), ui::bitmaps::kConsonant, {});
     addLabel(kCancelHint, u"[취소]클릭시 미등록거래처로 세팅!"_s, {4, 254, 232, 24}, ui::FontHeight::Small,
              Qt::AlignCenter)
         ->setVisible(app::session().WorkMode == app::kSimplePayment);
 
-    setCancelButton(addBottomButton(1003, u"취  소"_s, 0, ui::bitmaps::kCancel, [this] {
+    addLeaveButton(1003, u"취  소"_s, [this] {
         if (app::session().WorkMode == app::kSimplePayment) {
             closeAndOpen(app::dialogs::kSimplePayment);
         } else {
             close(Cancelled);
         }
-    }));
-    setDefaultButton(addBottomButton(1000, u"확  인"_s, 3, ui::bitmaps::kConfirm, [this] { seekChosen(); }));
+    });
+    addMainButton(1000, u"확  인"_s, [this] { seekChosen(); });
 }
 
 void CCustomerBoardDlg::seekChosen() {

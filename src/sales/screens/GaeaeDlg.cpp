@@ -5,6 +5,7 @@
 
 #include "app/Dialogs.h"
 #include "app/Session.h"
+#include "books/Customer.h"
 #include "books/SlipNumbers.h"
 #include "platform/Hangul.h"
 #include "sales/CustomerQuery.h"
@@ -17,7 +18,6 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int kList = 1054;
 constexpr int kTel = 1108;
 constexpr int kMargin = 1109;
 constexpr int kReceivable = 1110;
@@ -41,58 +41,52 @@ int workScreen(int workMode) {
 }  // namespace
 
 CGaeaeDlg::CGaeaeDlg() : NarrowScreen(app::dialogs::kCustomerList), seek_(app::session().action.SeekValue) {
-    ui::ReportList* list = addList(kList, {0, 32, 240, 208});
-    const ui::ListColumn columns[] = {{u"코드"_s, 50}, {u"거래처명"_s, 180}, {u"거래일자"_s, 70}};
-    list->setColumns(columns);
-    describe(list, u"거래처 목록"_s);
-    connect(list, &ui::ReportList::rowClicked, this, &CGaeaeDlg::choose);
-    connect(list, &ui::ReportList::rowDoubleClicked, this, [this](int row) {
-        choose(row);
-        app::session().action.JunNo.clear();
-        app::session().action.SeekValue.clear();
-        confirm();
-    });
+    list_ = addList(
+        1054, {0, 32, 240, 208}, u"거래처 목록"_s,
+        {{u"코드"_s, 50}, {u"거래처명"_s, 180}, {u"거래일자"_s, 70}}, [this](int row) { choose(row); },
+        [this] {
+            app::session().action.JunNo.clear();
+            app::session().action.SeekValue.clear();
+            confirm();
+        });
 
     addLabel(0, u"전화"_s, {4, 242, 100, 16});
     addLabel(0, u"마진"_s, {108, 242, 40, 16}, ui::FontHeight::Small, Qt::AlignCenter);
-    addLabel(0, u"채권잔액"_s, {150, 242, 86, 16}, ui::FontHeight::Small, Qt::AlignRight | Qt::AlignVCenter);
+    addLabel(0, u"채권잔액"_s, {150, 242, 86, 16}, ui::FontHeight::Small, ui::kRight);
     describe(addLabel(kTel, {}, {4, 258, 104, 24}), u"전화"_s);
     describe(addLabel(kMargin, {}, {108, 258, 40, 24}, ui::FontHeight::Small, Qt::AlignCenter), u"마진"_s);
     addAmount(kReceivable, u"채권잔액"_s, {150, 258, 86, 24});
 
-    setCancelButton(
-        addBottomButton(1003, u"취  소"_s, 0, ui::bitmaps::kCancel, [this] { close(Cancelled); }));
-    addBottomButton(1002, {}, 1, ui::bitmaps::kBlank)->setEnabled(false);
+    addLeaveButton(1003, u"취  소"_s);
+    addBottomButton(1002, {}, 1, ui::bitmaps::kBlank, {});
     addBottomButton(1001, u"전  체"_s, 2, ui::bitmaps::kSearch, [this] {
         ownOnly_ = !ownOnly_;
         fill();
     });
-    setDefaultButton(addBottomButton(1000, u"확  인"_s, 3, ui::bitmaps::kConfirm, [this] { confirm(); }));
+    addMainButton(1000, u"확  인"_s, [this] { confirm(); });
 
-    addNarrowing(list, 2, platform::hangul::continues);
-    connect(list, &ui::ReportList::narrowed, this, &CGaeaeDlg::forgetChoice);
+    addNarrowing(list_, 2, platform::hangul::continues);
+    connect(list_, &ui::ReportList::narrowed, this, &CGaeaeDlg::forgetChoice);
     fill();
-    list->setFocus();
+    list_->setFocus();
 }
 
 void CGaeaeDlg::fill() {
     const ui::WaitCursor wait;
-    auto* list = static_cast<ui::ReportList*>(control(kList));
-    list->clear();
-    list->setRows(customers(seek_, app::session().UserID, ownOnly_));
+    customers_ = customers(seek_, app::session().UserID, ownOnly_);
+    list_->setRows(customers_);
 }
 
 void CGaeaeDlg::choose(int row) {
-    const auto* list = static_cast<ui::ReportList*>(control(kList));
     app::ActionValues& action = app::session().action;
-    action.GCode = list->text(row, 0);
-    action.GName = list->text(row, 1);
+    action.GCode = customers_.at(row, 0);
+    action.GName = customers_.at(row, 1);
     isChosenHere_ = true;
-    const std::optional<CustomerFooter> footer = customerFooter(action.GCode);
-    if (!footer) return;
-    setFittedText(kTel, footer->tel, ui::FontHeight::Small);
-    setFittedText(kMargin, u" %1 "_s.arg(footer->Majin), ui::FontHeight::Small);
-    setAmount(kReceivable, footer->CJMoney);
+    const auto customer = books::listedCustomer(action.GCode);
+    if (!customer) return;
+    setFittedText(kTel, customer->Tel, ui::FontHeight::Small);
+    setFittedText(kMargin, u" %1 "_s.arg(customer->Majin), ui::FontHeight::Small);
+    setAmount(kReceivable, customer->receivable());
 }
 
 void CGaeaeDlg::forgetChoice() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Rows.h"
 #include "ui/NarrowScreen.h"
 
 namespace sales {
@@ -19,6 +20,8 @@ class CGaeaeDlg : public ui::NarrowScreen {
     void forgetChoice();
     void confirm();
 
+    ui::ReportList* list_ = nullptr;
+    platform::Rows customers_;
     /// The key that the list was opened for: confirming clears the session's, also when it is refused.
     QString seek_;
     bool ownOnly_ = true;

@@ -1,29 +1,23 @@
 #pragma once
 
-#include "ui/Screen.h"
-
-namespace ui {
-class ReportList;
-}
+#include "app/SlipListScreen.h"
 
 namespace sales {
 
 /// The list of the day's sales slips (dialog 132).
-class CGaraeSeek : public ui::Screen {
+class CGaraeSeek : public app::SlipListScreen {
     Q_OBJECT
 
   public:
     CGaraeSeek();
 
-  private:
-    void fill();
-    void choose(int row);
-    void openSlip();
-    void pay();
-    void deleteChosen();
-    void closeIfDone();
+  protected:
+    platform::Rows loadSlips() override;
+    void takeSlip(const platform::Rows& slips, int row) override;
+    void deleteSlip() override;
 
-    ui::ReportList* list_ = nullptr;
+  private:
+    void pay();
 };
 
 }  // namespace sales

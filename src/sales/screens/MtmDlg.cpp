@@ -1,27 +1,27 @@
 #include "sales/screens/MtmDlg.h"
 
 #include <QLabel>
-#include <QStringBuilder>
 #include <QTimer>
 
 #include "app/Dialogs.h"
 #include "app/KeypadRequest.h"
 #include "app/Session.h"
+#include "books/Customer.h"
+#include "books/Receivable.h"
 #include "platform/Clock.h"
 #include "sales/Checkout.h"
-#include "sales/CustomerQuery.h"
 #include "sales/PriceOrigin.h"
 #include "sales/Pricing.h"
 #include "sales/ProductQuery.h"
 #include "sales/SlipStore.h"
 #include "sales/WorkingSlip.h"
 #include "sales/screens/HandOver.h"
+#include "ui/AmountTable.h"
 #include "ui/Messages.h"
 #include "ui/ReportList.h"
 #include "ui/Terminal.h"
 
 namespace sales {
-namespace {
 
 using namespace Qt::Literals::StringLiterals;
 using platform::formatWon;
@@ -29,30 +29,42 @@ using platform::parseInteger;
 using platform::parseWon;
 using platform::Won;
 
+/// One of the slip's amounts: the selected line's value and the slip's sum, and for an amount that can be
+/// keyed its button and how.
+struct SlipAmount {
+    QStringView caption;
+    int top;
+    int lineValue;
+    int slipSum;
+    Won (*of)(const LineAmounts&);
+    int button = 0;
+    QStringView title{};                               ///< The keypad's.
+    LineAmounts (*apply)(LineAmounts, Won) = nullptr;  ///< What the line becomes.
+    QStringView emptyMessage{};                        ///< The refusal on a slip without lines.
+};
+
+namespace {
+
 constexpr int kCustomerName = 1059;
 constexpr int kReceivable = 1088;
-constexpr int kList = 1054;
 
 constexpr std::int64_t kHighestQuantity = 999;
 
 constexpr QStringView kUnknownProduct = u"입력하신 상품코드는 존재하지 않습니다..!";
-
-/// A row of the amounts: the label or its button, the selected line's value and the slip's sum.
-struct AmountRow {
-    int lineValue;
-    int slipSum;
-    QStringView name;
-    Won (*of)(const LineAmounts&);
-    int top;
-};
-constexpr int kRowHeight = 24;
-constexpr AmountRow kAmountRows[] = {
-    {1082, 1077, u"공급가", [](const LineAmounts& a) { return a.supply; }, 160},
-    {1083, 1078, u"부가세", [](const LineAmounts& a) { return a.vat; }, 184},
-    {1084, 1079, u"용기", [](const LineAmounts& a) { return a.crateDeposit; }, 208},
-    {1085, 1080, u"공병", [](const LineAmounts& a) { return a.bottleDeposit; }, 222},
-    {1086, 1081, u"소계", [](const LineAmounts& a) { return a.subtotal(); }, 236},
-    {1089, 1087, u"합계", [](const LineAmounts& a) { return a.total(); }, 260},
+constexpr QStringView kNoGoods = u"품목이 없으면 공급가액을 수정할수 없습니다..";
+constexpr QStringView kNoGoodsToSum = u"품목이 없으면 합계금액을 수정할수 없습니다..";
+constexpr SlipAmount kAmounts[] = {
+    {u"공급가", 160, 1082, 1077, [](const LineAmounts& a) { return a.supply; }, 1076, u"공급가", withSupply,
+     kNoGoods},
+    // The VAT's refusal speaks of the supply amount.
+    {u"부가세", 184, 1083, 1078, [](const LineAmounts& a) { return a.vat; }, 1090, u"부가세", withVat,
+     kNoGoods},
+    {u"용  기", 208, 1084, 1079, [](const LineAmounts& a) { return a.crateDeposit; }},
+    {u"공  병", 222, 1085, 1080, [](const LineAmounts& a) { return a.bottleDeposit; }},
+    {u"소계", 236, 1086, 1081, [](const LineAmounts& a) { return a.subtotal(); }, 1075, u"상품소계",
+     withSubtotal, kNoGoodsToSum},
+    {u"합계", 260, 1089, 1087, [](const LineAmounts& a) { return a.total(); }, 1074, u"상품합계", withTotal,
+     kNoGoodsToSum},
 };
 
 }  // namespace
@@ -62,23 +74,15 @@ CMtmDlg::CMtmDlg() : Screen(app::dialogs::kSalesSlip) {
     addLabel(0, u"채권잔액"_s, {4, 22, 60, 18});
     addAmount(kReceivable, u"채권잔액"_s, {66, 22, 170, 18});
 
-    list_ = addList(kList, {0, 41, 240, 103});
-    const ui::ListColumn columns[] = {{u"코드"_s, 40},
-                                      {u"상품명"_s, 110},
-                                      {u"상자"_s, 34, Qt::AlignRight | Qt::AlignVCenter},
-                                      {u"본"_s, 34, Qt::AlignRight | Qt::AlignVCenter}};
-    list_->setColumns(columns);
-    describe(list_, u"주문서 상품"_s);
-    connect(list_, &ui::ReportList::rowClicked, this, &CMtmDlg::selectLine);
+    list_ = addList(
+        1054, {0, 41, 240, 103}, u"주문서 상품"_s,
+        {{u"코드"_s, 40}, {u"상품명"_s, 110}, {u"상자"_s, 34, ui::kRight}, {u"본"_s, 34, ui::kRight}},
+        [this](int row) { selectLine(row); }, [this] { changeQuantities(); });
     connect(list_, &ui::ReportList::emptyPartClicked, this, [this] {
         list_->clearSelection();
         deselect();
         showAmounts();
         ui::message(u"매출상품이 선택되지 않았습니다..!"_s);
-    });
-    connect(list_, &ui::ReportList::rowDoubleClicked, this, [this](int row) {
-        selectLine(row);
-        changeQuantities();
     });
 
     addAmountRows();
@@ -88,36 +92,25 @@ CMtmDlg::CMtmDlg() : Screen(app::dialogs::kSalesSlip) {
 }
 
 void CMtmDlg::addAmountRows() {
-    constexpr auto kRight = Qt::AlignRight | Qt::AlignVCenter;
-    addLabel(0, u"선택상품"_s, {47, 144, 63, 15}, ui::FontHeight::Small, kRight);
-    addLabel(0, u"전표합계"_s, {114, 144, 66, 15}, ui::FontHeight::Small, kRight);
+    const ui::AmountTable table{
+        .left = ui::kGridLeft,
+        .captionWidth = 43,
+        .rowHeight = 24,
+        .columns = {{47, 63, u"선택상품"_s, true, [this] { explainPrice(); }}, {114, 66, u"전표합계"_s}}};
+    addAmountTitles(table, 144, 15);
     savedMark_ = addLabel(0, {}, {182, 144, 56, 15}, ui::FontHeight::Small, Qt::AlignCenter);
-    addLabel(0, u"용  기"_s, {4, 208, 43, 14});
-    addLabel(0, u"공  병"_s, {4, 222, 43, 14});
-    for (const AmountRow& row : kAmountRows) {
-        const bool isDeposit = row.of(LineAmounts{{}, {}, Won(1), Won(1)}) == Won(1);
-        const int height = isDeposit ? 14 : kRowHeight;
-        QLabel* lineValue = addPressableAmount(row.lineValue, row.name % u" 선택상품",
-                                               {47, row.top, 63, height}, [this] { explainPrice(); });
-        setTextColour(lineValue, QColor(0x1c, 0x5b, 0xa8));
+    for (const SlipAmount& amount : kAmounts) {
+        const bool isKeyed = amount.apply != nullptr;
+        addAmountRow(table, {.caption = amount.caption.toString(),
+                             .top = amount.top,
+                             .values = {amount.lineValue, amount.slipSum},
+                             .button = amount.button,
+                             .pressed = [this, &amount] { editAmount(amount); },
+                             .height = isKeyed ? 0 : 14,
+                             .name = amount.caption.toString().remove(u' ')});
         // All of them tell the same, so Tab stops at one.
-        if (&row != std::begin(kAmountRows)) lineValue->setFocusPolicy(Qt::NoFocus);
-        addAmount(row.slipSum, row.name % u" 전표합계", {114, row.top, 66, height});
+        if (&amount != std::begin(kAmounts)) control(amount.lineValue)->setFocusPolicy(Qt::NoFocus);
     }
-
-    const QString noGoods = u"품목이 없으면 공급가액을 수정할수 없습니다.."_s;
-    const QString noGoodsToSum = u"품목이 없으면 합계금액을 수정할수 없습니다.."_s;
-    const auto amountButton = [&](int controlId, const QString& caption, int top, const AmountEdit& edit) {
-        addButton(controlId, caption, {2, top}, ui::bitmaps::kAmount, [this, edit] { editAmount(edit); });
-    };
-    amountButton(1076, u"공급가"_s, kAmountRows[0].top,
-                 {u"공급가"_s, kAmountRows[0].of, withSupply, noGoods});
-    // The VAT's refusal speaks of the supply amount.
-    amountButton(1090, u"부가세"_s, kAmountRows[1].top, {u"부가세"_s, kAmountRows[1].of, withVat, noGoods});
-    amountButton(1075, u"소계"_s, kAmountRows[4].top,
-                 {u"상품소계"_s, kAmountRows[4].of, withSubtotal, noGoodsToSum});
-    amountButton(1074, u"합계"_s, kAmountRows[5].top,
-                 {u"상품합계"_s, kAmountRows[5].of, withTotal, noGoodsToSum});
 }
 
 void CMtmDlg::addButtons() {
@@ -125,8 +118,8 @@ void CMtmDlg::addButtons() {
     addButton(1010, u"상품코드검색"_s, {182, 222}, ui::bitmaps::kSearchCode, [this] { addByCode(); });
     addBottomButton(1002, u"삭  제"_s, 1, ui::bitmaps::kDelete, [this] { deleteSelected(); });
     addBottomButton(1000, u"등  록"_s, 2, ui::bitmaps::kAdd, [this] { addFromSearch(); });
-    setDefaultButton(addBottomButton(1003, u"완  료"_s, 3, ui::bitmaps::kConfirm, [this] { finish(); }));
-    setCancelButton(addBottomButton(1001, u"취 소"_s, 0, ui::bitmaps::kCancel, [this] { close(Cancelled); }));
+    addMainButton(1003, u"완  료"_s, [this] { finish(); });
+    addLeaveButton(1001, u"취 소"_s);
 }
 
 bool CMtmDlg::isNumberTaken() const {
@@ -155,35 +148,32 @@ void CMtmDlg::openSlip() {
     const OpenedSlip slip = opened.value_or(OpenedSlip{});
     // The slip list knows the customer's name only; the slip itself knows who it is.
     if (session.action.GCode.isEmpty()) session.action.GCode = slip.GCode;
-    const CustomerAccount account = customerAccount(session.action.GCode);
-    session.action.CustomerKind = account.Gubun;
-    receivable_ = account.CJMoney;
+    const auto customer = books::slipCustomer(session.action.GCode).value_or(books::Customer());
+    session.action.CustomerKind = customer.Gubun;
+    receivable_ = customer.receivable();
     sums_ = slip.sums;
     setFittedText(kCustomerName, session.action.GName, ui::FontHeight::Medium);
     setAmount(kReceivable, receivable_);
-    list_->setRows(slip.lines);
+    lines_ = slip.lines;
+    list_->setRows(lines_);
     showAmounts();
 }
 
 void CMtmDlg::showLines() {
-    list_->setRows(workingLines());
+    lines_ = workingLines();
+    list_->setRows(lines_);
     if (selected_) list_->selectRow(rowOf(*selected_));
 }
 
 int CMtmDlg::rowOf(const LineKey& key) const {
-    for (int row = 0; row < list_->rowCount(); ++row) {
-        if (list_->text(row, 0) == key.PCode && list_->text(row, 2) == key.Box &&
-            list_->text(row, 3) == key.Bon)
-            return row;
-    }
-    return -1;
+    return lines_.find([&](int row) { return keyAt(lines_, row) == key; });
 }
 
 void CMtmDlg::showAmounts() {
     const SlipSums sums = slipSums(sums_, app::session().UserField3);
-    for (const AmountRow& row : kAmountRows) {
-        setAmount(row.lineValue, row.of(selectedAmounts_));
-        setAmount(row.slipSum, row.of(sums));
+    for (const SlipAmount& amount : kAmounts) {
+        setAmount(amount.lineValue, amount.of(selectedAmounts_));
+        setAmount(amount.slipSum, amount.of(sums));
     }
     handOver(sums_, receivable_);
 }
@@ -220,7 +210,7 @@ void CMtmDlg::addByCode() {
 }
 
 void CMtmDlg::addProduct(const QString& pcode) {
-    if (list_->contains(0, pcode)) {
+    if (lines_.find([&](int row) { return lines_.at(row, 0) == pcode; }) >= 0) {
         ui::message(u"상품이 이미 등록되어있습니다..!"_s);
         return;
     }
@@ -279,7 +269,7 @@ bool CMtmDlg::isChosenTwice() {
 }
 
 void CMtmDlg::selectLine(int row) {
-    selected_ = LineKey{list_->text(row, 0), list_->text(row, 2), list_->text(row, 3)};
+    selected_ = keyAt(lines_, row);
     selectedAmounts_ = lineAmounts(*selected_).value_or(LineAmounts{});
     showAmounts();
 }
@@ -315,9 +305,9 @@ void CMtmDlg::changeQuantities() {
     showAmounts();
 }
 
-void CMtmDlg::editAmount(const AmountEdit& edit) {
-    if (list_->rowCount() == 0) {
-        ui::message(edit.emptyMessage);
+void CMtmDlg::editAmount(const SlipAmount& amount) {
+    if (lines_.isEmpty()) {
+        ui::message(amount.emptyMessage.toString());
         return;
     }
     if (!selected_) {
@@ -325,8 +315,8 @@ void CMtmDlg::editAmount(const AmountEdit& edit) {
         return;
     }
     if (isChosenTwice()) return;
-    if (!app::askNumber(edit.title, formatWon(edit.start(selectedAmounts_)))) return;
-    const LineAmounts changed = edit.apply(selectedAmounts_, parseWon(app::keypadRequest().KeypadValue1));
+    if (!app::askNumber(amount.title.toString(), formatWon(amount.of(selectedAmounts_)))) return;
+    const LineAmounts changed = amount.apply(selectedAmounts_, parseWon(app::keypadRequest().KeypadValue1));
     if (!replaceAmounts(*selected_, changed)) return;
     selectedAmounts_ = changed;
     markUnsaved();
@@ -370,12 +360,11 @@ void CMtmDlg::tellNumberTaken() const {
 
 void CMtmDlg::tellMoved(Won moved) {
     if (moved.isZero()) return;
-    receivable_ = customerAccount(app::session().action.GCode).CJMoney;
+    receivable_ = books::receivable(app::session().action.GCode);
     setAmount(kReceivable, receivable_);
     const bool isMore = moved > Won();
     ui::message(u"입금전표가 이미 있어 미결제액을 ['%1'원] %2..! 결제금액을 다시 확인하세요..!!"_s.arg(
-        platform::groupDigits(formatWon(isMore ? moved : -moved)),
-        isMore ? u"늘렸습니다"_s : u"줄였습니다"_s));
+        platform::groupThousands(isMore ? moved : -moved), isMore ? u"늘렸습니다"_s : u"줄였습니다"_s));
 }
 
 bool CMtmDlg::save() {
@@ -416,7 +405,7 @@ void CMtmDlg::finish() {
         return;
     }
     // The collection may have moved it.
-    receivable_ = customerAccount(session.action.GCode).CJMoney;
+    receivable_ = books::slipCustomer(session.action.GCode).value_or(books::Customer()).receivable();
     setAmount(kReceivable, receivable_);
     showAmounts();
 }

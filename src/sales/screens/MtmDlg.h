@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "platform/Rows.h"
 #include "sales/LineAmounts.h"
 #include "sales/SlipLine.h"
 #include "ui/Screen.h"
@@ -12,6 +13,8 @@ class ReportList;
 
 namespace sales {
 
+struct SlipAmount;
+
 /// The sales slip (dialog 134): one customer's goods, edited in the working slip.
 class CMtmDlg : public ui::Screen {
     Q_OBJECT
@@ -20,15 +23,6 @@ class CMtmDlg : public ui::Screen {
     CMtmDlg();
 
   private:
-    /// How one amount of the selected line is keyed: the keypad's title, the amount it starts with, and what
-    /// the line becomes.
-    struct AmountEdit {
-        QString title;
-        platform::Won (*start)(const LineAmounts&);
-        LineAmounts (*apply)(LineAmounts, platform::Won);
-        QString emptyMessage;
-    };
-
     void addAmountRows();
     void addButtons();
     void openSlip();
@@ -40,7 +34,7 @@ class CMtmDlg : public ui::Screen {
     void addProduct(const QString& pcode);
     void selectLine(int row);
     void changeQuantities();
-    void editAmount(const AmountEdit& edit);
+    void editAmount(const SlipAmount& amount);
     /// Tells where the selected line's price comes from.
     void explainPrice();
     void deleteSelected();
@@ -63,6 +57,7 @@ class CMtmDlg : public ui::Screen {
     bool askQuantities(std::int64_t* boxes, std::int64_t* bottles, const LineKey& start);
 
     ui::ReportList* list_ = nullptr;
+    platform::Rows lines_;  ///< As workingLines gives them; the list shows them.
     SlipSums sums_;
     std::optional<LineKey> selected_;
     LineAmounts selectedAmounts_;

@@ -1,36 +1,25 @@
 #pragma once
 
-#include <QList>
-
-#include "platform/Rows.h"
-#include "ui/NarrowScreen.h"
+#include "app/ProductSearchScreen.h"
 
 class QComboBox;
 
-namespace ui {
-class ReportList;
-}
-
 namespace sales {
 
-/// The product search (dialog 139). The chosen product is left in the session.
-class CPummokCheck : public ui::NarrowScreen {
+/// The product search (dialog 139).
+class CPummokCheck : public app::ProductSearchScreen {
     Q_OBJECT
 
   public:
     CPummokCheck();
 
+  protected:
+    void confirmed(const QString& product) override;
+
   private:
     void search();
-    void showFrequent();
-    /// A list filled anew shows no choice, so none is kept.
-    void forgetChoice();
-    void choose(int row);
-    void confirm();
-    void cancel();
 
     QComboBox* class_ = nullptr;
-    ui::ReportList* list_ = nullptr;
     QStringList classCodes_;  ///< By combo entry; the first, empty, stands for all classes.
 };
 

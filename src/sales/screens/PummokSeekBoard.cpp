@@ -9,8 +9,7 @@ namespace sales {
 using namespace Qt::Literals::StringLiterals;
 
 CPummokSeekBoard::CPummokSeekBoard() : ConsonantBoard(app::dialogs::kProductBoard, u"상품 초성"_s) {
-    setCancelButton(
-        addBottomButton(1003, u"취  소"_s, 0, ui::bitmaps::kCancel, [this] { close(Cancelled); }));
+    addLeaveButton(1003, u"취  소"_s);
 }
 
 void CPummokSeekBoard::seekChosen() {

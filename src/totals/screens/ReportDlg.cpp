@@ -94,13 +94,10 @@ CReportDlg::CReportDlg(int id, ShownReport shown) : Screen(id), shown_(std::move
     setFittedText(1059, report.salesman + u"  "_s + report.date, ui::FontHeight::Small);
 
     const int listBottom = addSums(kListBottom);
-    list_ = addList(1054, {0, kListTop, 240, listBottom - kListTop});
+    list_ = addList(1054, {0, kListTop, 240, listBottom - kListTop}, report.title, {});
     showRows();
-
-    describe(list_, report.title);
-    setCancelButton(
-        addBottomButton(1003, u"닫  기"_s, 0, ui::bitmaps::kCancel, [this] { close(Cancelled); }));
-    setDefaultButton(addBottomButton(1000, u"출  력"_s, 3, ui::bitmaps::kConfirm, [this] { printReport(); }));
+    addLeaveButton(1003, u"닫  기"_s);
+    addMainButton(1000, u"출  력"_s, [this] { printReport(); });
     list_->setFocus();
 }
 

@@ -11,7 +11,6 @@
 #include "books/CollectionSlip.h"
 #include "books/OpenPayments.h"
 #include "db/Health.h"
-#include "db/Query.h"
 #include "platform/CardNumber.h"
 #include "platform/Clock.h"
 #include "platform/Trace.h"
@@ -34,8 +33,6 @@ using platform::formatWon;
 using platform::groupDigits;
 using platform::parseWon;
 using platform::Won;
-
-constexpr db::Statement<u"SELECT GName,Sno,Gupju, Juso  FROM GARAE WHERE GCODE = '%s'  "> kSelectCustomer;
 
 constexpr QStringView kApproved = u"0000";
 constexpr QStringView kHostDisturbed = u"0098";
@@ -90,11 +87,8 @@ void CCardDlg::wipeCard() {
 
 void CCardDlg::addControls() {
     const int mode = app::session().WorkMode;
-    results_ = addList(1054, {0, 2, 240, 78});
-    const ui::ListColumn columns[] = {{u"명  칭"_s, 90},
-                                      {u"금  액"_s, 135, Qt::AlignRight | Qt::AlignVCenter}};
-    results_->setColumns(columns);
-    describe(results_, u"잔액조회 결과"_s);
+    results_ = addList(1054, {0, 2, 240, 78}, u"잔액조회 결과"_s,
+                       {{u"명  칭"_s, 90}, {u"금  액"_s, 135, Qt::AlignRight | Qt::AlignVCenter}});
     results_->setVisible(mode == app::kBalanceInquiry);
 
     picture_ = addPicture(1143, ui::bitmaps::kAskForCard, {20, 84});
@@ -111,26 +105,17 @@ void CCardDlg::addControls() {
                                       {1012, u"주판출력"_s},
                                       {1016, u"패스입력"_s},
                                       {1017, u"직전거래"_s}}) {
-        addButton(id, caption, {2, 84}, ui::bitmaps::kPassword)->hide();
+        addButton(id, caption, {2, 84}, ui::bitmaps::kPassword, {})->hide();
     }
-    ui::BitmapButton* back = addBottomButton(1000, u"이전"_s, 0, ui::bitmaps::kCancel);
-    connect(back, &ui::BitmapButton::clicked, this, [this] { goBack(); });
+    addLeaveButton(1000, u"이전"_s, [this] { goBack(); });
     askAgain_ = addBottomButton(kAskAgain, u"결과확인"_s, 1, ui::bitmaps::kPay, [this] { askAgain(); });
     askAgain_->hide();
-    ui::BitmapButton* done = addBottomButton(1003, u"완료"_s, 3, ui::bitmaps::kConfirm);
-    connect(done, &ui::BitmapButton::clicked, this, [this] { finish(); });
-    setDefaultButton(done);
-    setCancelButton(back);
+    addMainButton(1003, u"완료"_s, [this] { finish(); });
 }
 
 void CCardDlg::loadCustomer() {
     books::TransactionRecord& record = books::transactionRecord();
-    const auto row = db::firstRow(kSelectCustomer(record.slip.gCode));
-    const QStringList texts = row.value_or(QStringList{u"XXXX"_s, u"XXX-XX-XXXX"_s, u"XXXX"_s, u"XXXX"_s});
-    record.customerName = texts.value(0);
-    record.customerNumber = texts.value(1);
-    record.customerOwner = texts.value(2);
-    record.customerAddress = texts.value(3);
+    record.customer = books::cardCustomer(record.slip.gCode);
 }
 
 void CCardDlg::preparePayment() {

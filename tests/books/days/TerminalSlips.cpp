@@ -3,10 +3,10 @@
 #include <utility>
 
 #include "Terminal.h"
+#include "books/Receivable.h"
 #include "container/ContainerProduct.h"
 #include "container/ContainerStore.h"
 #include "container/WorkingContainers.h"
-#include "sales/CustomerQuery.h"
 #include "sales/Pricing.h"
 #include "sales/SlipStore.h"
 #include "sales/WorkingSlip.h"
@@ -109,7 +109,7 @@ std::string Terminal::goodsTap(const Action& action) {
 
 void Terminal::openEmpties() {
     // A slip that could not be opened closes its screen at once.
-    if (!container::openSlip(user_, date_, number_)) return;
+    if (!container::reloadSlip(user_, date_, number_)) return;
     if (container::isOtherCustomers(customer_)) container::emptySlip();
     open(Screen::Empties);
 }
