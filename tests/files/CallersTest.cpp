@@ -9,7 +9,6 @@
 #include "app/LoginWait.h"
 #include "db/MasterImport.h"
 #include "desk/PaperView.h"
-#include "support/SystemCalls.h"
 #include "platform/Device.h"
 #include "platform/message/SavedValues.h"
 #include "platform/termdev/PaperRoll.h"
@@ -21,6 +20,7 @@
 #include "support/FullDisk.h"
 #include "support/PrintQt.h"
 #include "support/RecordedTraces.h"
+#include "support/SystemCalls.h"
 #include "support/TestDevice.h"
 
 namespace test {

@@ -9,8 +9,8 @@
 #include <thread>
 #include <vector>
 
-#include "support/SystemCalls.h"
 #include "support/PrintQt.h"
+#include "support/SystemCalls.h"
 
 namespace test {
 namespace {
