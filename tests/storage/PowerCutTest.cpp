@@ -39,10 +39,8 @@ class PowerCutTest : public StoredChangesTest {
         std::printf("ROVANA_TEST_SEED=%u\n", seed_);
         reset();
     }
-    ~PowerCutTest() override {
-        platform::device::setFolder(device_.folder());
-        std::printf("torture power %d 0 %d %d 0\n", changes_, cuts_, lost_);
-    }
+    ~PowerCutTest() override { platform::device::setFolder(device_.folder()); }
+    static void TearDownTestSuite() { std::printf("torture power %d 0 %d %d 0\n", changes_, cuts_, lost_); }
 
     /// Lets `change`, which may `mark` what has been done so far, run once and cuts the power many times.
     /// `look(done)` sees the folder of one cut, with as many marks passed; true when it holds what it should.
@@ -104,9 +102,9 @@ class PowerCutTest : public StoredChangesTest {
                                : std::random_device{}() >> 1;
     std::mt19937 random_;
     QTemporaryDir cut_;
-    int changes_ = 0;
-    int cuts_ = 0;
-    int lost_ = 0;
+    static inline int changes_ = 0;
+    static inline int cuts_ = 0;
+    static inline int lost_ = 0;
 };
 
 TEST_F(PowerCutTest, ChangesOfTheDatabaseAreWhole) {
