@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "Terminal.h"
-#include "books/Receivable.h"
+#include "books/Customer.h"
 #include "container/ContainerProduct.h"
 #include "container/ContainerStore.h"
 #include "container/WorkingContainers.h"
@@ -31,7 +31,7 @@ void Terminal::openSale() {
     const auto slip = sales::openSlip(user_, date_, number_);
     if (!slip) return;
     if (customer_.isEmpty()) customer_ = slip->GCode;
-    kind_ = sales::customerAccount(customer_).Gubun;
+    kind_ = books::slipCustomer(customer_).value_or(books::Customer()).Gubun;
     hasUnsavedLines_ = false;
     open(Screen::Sale);
 }
