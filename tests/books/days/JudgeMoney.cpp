@@ -78,8 +78,7 @@ void Judge::paymentSent(Page& want, const Event& event, const Page& after) {
     rowRule_ = Rule::Row;
 }
 
-// Each open payment becomes what the host says of it, and the slips follow. What was booked for a card that
-// was never charged is taken back, as 이전 does.
+// Each open payment becomes what the host says of it, and the slips of the approved follow.
 void Judge::inquired(Page& want, const Event& event, const Page& after) {
     const std::vector<Payment> asked = std::exchange(want.payments, after.payments);
     for (const Payment& payment : asked) {
@@ -90,16 +89,6 @@ void Judge::inquired(Page& want, const Event& event, const Page& after) {
         if (kept == after.payments.end() || kept->open() || (kept->state == "approved") != isApproved)
             found(Rule::Journal, words(payment.visit) + " is not what the host said");
         if (isApproved) approvedLater(want, payment, after);
-    }
-    for (const Collection& row : std::vector(want.collections)) {
-        const bool isAnswered = std::ranges::any_of(asked, [&](const Payment& payment) {
-            return payment.visit == row.visit && event.answers.contains(payment.message);
-        });
-        if (lacksApproval(want, row) && row.visit != event.visit && (event.isAtMenu || isAnswered)) {
-            std::erase(want.collections, row);
-            putBack(want, row.visit);
-            rowRule_ = Rule::CardApproved;
-        }
     }
     std::ranges::sort(want.collections);
 }
