@@ -38,6 +38,10 @@ SettlementAmounts CollectionSlip::amounts() const {
             .previousReceivable = {}};
 }
 
+SaleAmounts CollectionSlip::sale() const {
+    return {PMoney, MMoney - PMoney, YMoney, GMoney};
+}
+
 Won CollectionSlip::receivableEffect() const {
     // What came in is the sum that the row has, whatever its parts are.
     return isSimplePayment() ? Won() : books::receivableEffect(amounts()) + WonMoney + CardMoney - InMoney;
@@ -96,7 +100,7 @@ void CollectionSlip::follow(ExcessBooking booked, Won difference) {
     MisuInMoney = excess;
     WonMoney = booked == ExcessBooking::InCash ? -excess : Won();
     InMoney = WonMoney + CardMoney;
-    UnderMoney = excess.isZero() ? due - CardMoney : Won();
+    UnderMoney = due + excess - CardMoney;
 }
 
 }  // namespace books

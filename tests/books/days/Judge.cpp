@@ -240,8 +240,16 @@ void Judge::saleSaved(Page& want, const Event& event, const Page& after) {
                line.visit.customer != visit.customer;
     });
     if (taken) found(Rule::TakenNumber, words(visit) + " was saved");
-    const Won sales = payable(want, visit);
-    const Won deposits = depositsOf(want, visit);
+    Won sales = payable(want, visit);
+    Won deposits = depositsOf(want, visit);
+    const Collection* const row = find(want.collections, visit);
+    if (row != nullptr && find(want.goods, visit) == nullptr && !event.goods.empty() &&
+        orphans_.erase(visit) > 0) {
+        // The collection that outlived its sale is this one's now.
+        sales = row->amounts.sales;
+        deposits = row->amounts.deposits;
+        keyedSales_.erase(visit);
+    }
     erase(want.goods, visit.key);
     want.goods.insert(want.goods.end(), event.goods.begin(), event.goods.end());
     std::ranges::sort(want.goods);
@@ -374,8 +382,7 @@ void Judge::moveRecovery(Collection* row, Won difference, const Page& after) {
     const Collection* const is = find(after.collections, row->visit);
     if (is != nullptr && (row->amounts.due() < 0 || moved.due() < 0) &&
         is->amounts.total() == moved.total() && is->amounts.recovery == moved.recovery &&
-        is->amounts.card == moved.card &&
-        is->amounts.effect() - row->amounts.effect() == -difference) {
+        is->amounts.card == moved.card && is->amounts.effect() - row->amounts.effect() == -difference) {
         moved = is->amounts;
     }
     row->amounts = moved;

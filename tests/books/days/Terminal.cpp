@@ -104,6 +104,10 @@ Terminal::Terminal() {
                                    {u"GBonMoney2", i % 2 == 0 ? u"100" : u"0"},
                                    {u"TTT", i % 2 == 0 ? u"Y" : u""}});
     }
+    for (const User& user : kUsers) {
+        device_.insert(u"PDAUSER", {{u"userID", QString::fromLatin1(user.id)},
+                                    {u"vatMode", QString::fromLatin1(user.vatMode)}});
+    }
     for (const QString& customer : kCustomers) {
         device_.insert(u"GARAE", {{u"GCODE", customer},
                                   {u"GNAME", customer},
