@@ -117,6 +117,10 @@ void holdCard(SettlementAmounts& amounts, Won charged) {
     }
 }
 
+bool hasCardBesideExcess(const SettlementAmounts& amounts) {
+    return amounts.card > Won() && amounts.containerRecovery > amounts.total;
+}
+
 void settleByCard(SettlementAmounts& amounts) {
     if (!settledByRecovery(amounts)) amounts.card = amounts.total - amounts.containerRecovery;
 }

@@ -162,6 +162,7 @@ class Judge {
     bool hasKeyedSales_ = false, hasKeyedRecovery_ = false, hasTakenWorth_ = false;  ///< on the screen
     std::map<Visit, Replaced> replacing_;
     std::map<std::string, Won> totals_;                     ///< of the sale, when its payment was sent
+    std::map<std::string, Won> settledTotals_;              ///< of the collection then
     std::set<std::string> keyedSalesOf_, keyedRecoveryOf_;  ///< the same by the number of the exchange
     std::set<std::string> simple_;                          ///< numbers of exchanges without a sale
     std::map<std::string, Won> credited_;                   ///< received without a sale, by customer

@@ -54,6 +54,7 @@ void Judge::paymentSent(Page& want, const Event& event, const Page& after) {
     const Collection* const row = find(after.collections, visit);
     if (kept != nullptr) {
         totals_[kept->message] = payable(want, visit) + depositsOf(want, visit);
+        settledTotals_[kept->message] = event.shown.total();
         if (keyedSales_.contains(visit)) keyedSalesOf_.insert(kept->message);
         if (keyedRecovery_.contains(visit)) keyedRecoveryOf_.insert(kept->message);
         if (event.mode == 6) simple_.insert(kept->message);
@@ -110,7 +111,9 @@ void Judge::approvedLater(Page& want, const Payment& payment, const Page& after)
         if (keyedSalesOf_.contains(payment.message)) keyedSales_.insert(row->visit);
         if (keyedRecoveryOf_.contains(payment.message)) keyedRecovery_.insert(row->visit);
     };
-    if (isSame || (isThere && row->visit == visit && row->amounts.total() == present &&
+    // Keyed sales amounts move with the sale.
+    const Won moved = settledTotals_[payment.message] + present - totals_[payment.message];
+    if (isSame || (isThere && row->visit == visit && row->amounts.total() == moved &&
                    std::max(row->amounts.card, row->amounts.cash) == payment.amount)) {
         if (isThere) {
             adopt();

@@ -195,6 +195,7 @@ void Terminal::takeApproval(unsigned pick) {
 bool Terminal::finishEntry(unsigned pick) {
     if (collect::nothingToSettle(amounts_)) return false;
     if (isPaidOnLine() && !books::isChargeOneAmount(amounts_)) return false;
+    if (!isApproved_ && collect::hasCardBesideExcess(amounts_)) return false;
     if (!isPaymentSettled(pick)) return false;
     books::CollectionSlip slip;
     slip.DDate = date_;
@@ -372,8 +373,7 @@ void Terminal::takeBackUnpaid() {
     Event back = event(Event::Kind::UnpaidBack);
     back.isAtMenu = false;
     for (const books::CollectionSlip& slip : books::takeBackUnpaid()) {
-        back.takenBack.push_back(
-            {{text(slip.DDate), text(slip.JunNo), text(slip.UserID)}, text(slip.GCode)});
+        back.takenBack.push_back({{text(slip.DDate), text(slip.JunNo), text(slip.UserID)}, text(slip.GCode)});
     }
     if (!back.takenBack.empty()) tell(back);
 }
