@@ -13,12 +13,6 @@ void note(std::set<Visit>* visits, const Visit& visit, bool is) {
     is ? void(visits->insert(visit)) : void(visits->erase(visit));
 }
 
-Won worthOf(const std::vector<Empties>& lines, const Visit& visit) {
-    Won sum = 0;
-    for (const Empties& line : lines) sum += line.visit == visit ? line.crates + line.deposit : 0;
-    return sum;
-}
-
 void withoutRecovery(Amounts* amounts) {
     Amounts& a = *amounts;
     if (a.recovery == 0) return;
@@ -401,8 +395,8 @@ void Judge::emptiesChanged(Page& want, const Event& event, const Page& after) {
         std::ranges::sort(want.empties);
     }
     const auto change = [&](Collection& row) {
-        const Won was = worthOf(before, row.visit);
-        const Won is = worthOf(want.empties, row.visit);
+        const Won was = worth(before, row.visit);
+        const Won is = worth(want.empties, row.visit);
         const bool isGone = find(before, row.visit) != nullptr && find(want.empties, row.visit) == nullptr;
         if (row.isSimple) return;
         if (isGone) {

@@ -113,7 +113,12 @@ void Judge::approvedLater(Page& want, const Payment& payment, const Page& after)
     };
     // Keyed sales amounts move with the sale.
     const Won moved = settledTotals_[payment.message] + present - totals_[payment.message];
-    if (isSame || (isThere && row->visit == visit && row->amounts.total() == moved &&
+    // What stands there on credit is paid.
+    const Collection* const own = find(want.collections, visit);
+    const bool isCredit = own != nullptr && own->amounts.card == 0 && own->amounts.cash == 0;
+    const Won total =
+        isThere && isCredit && row->amounts.total() == own->amounts.total() ? row->amounts.total() : moved;
+    if (isSame || (isThere && row->visit == visit && row->amounts.total() == total &&
                    std::max(row->amounts.card, row->amounts.cash) == payment.amount)) {
         if (isThere) {
             adopt();
@@ -207,8 +212,9 @@ void Judge::brokenOn(const Page& page, const Collection& row, Broken* all) const
     const Won present = payable(page, row.visit) + depositsOf(page, row.visit);
     if (!isAlone && !keyedSales_.contains(row.visit) && a.total() != present)
         all->insert({Rule::SettledTotal, words(row) + ", the sale is " + std::to_string(present)});
-    if (!isAlone && !keyedRecovery_.contains(row.visit) && a.recovery != worth(page, row.visit))
-        all->insert({Rule::Worth, words(row) + " took back " + std::to_string(worth(page, row.visit))});
+    if (!isAlone && !keyedRecovery_.contains(row.visit) && a.recovery != worth(page.empties, row.visit))
+        all->insert(
+            {Rule::Worth, words(row) + " took back " + std::to_string(worth(page.empties, row.visit))});
     if (hasSale && a.vat != a.sales - a.supply)
         all->insert({Rule::Vat, words(row) + " VAT " + std::to_string(a.vat)});
     const Won paid = a.card + a.cash + a.unpaid;
