@@ -74,6 +74,7 @@ void CollectionSlip::takeRecoveryBack() {
 
 void CollectionSlip::moveSale(const SaleAmounts& difference) {
     const ExcessBooking booking = excessBooking(amounts(), MMoney + YGMoney);
+    const bool hadNoTotal = MMoney + YGMoney < Won(1);
     MMoney += difference.sales();
     PMoney += difference.supply;
     BMoney += difference.vat;
@@ -81,6 +82,10 @@ void CollectionSlip::moveSale(const SaleAmounts& difference) {
     GMoney += difference.bottleDeposit;
     YGMoney += difference.deposit();
     follow(booking, difference.total());
+    // Without a total nothing was unpaid, whatever was due.
+    const Won total = MMoney + YGMoney;
+    if (booking == ExcessBooking::None && hadNoTotal && total >= Won(1))
+        UnderMoney = total - YDMoney - CardMoney - WonMoney;
 }
 
 void CollectionSlip::moveRecovery(Won difference) {

@@ -257,9 +257,12 @@ void Judge::moveCollection(Page& want, const Event& event, const Page& after, Wo
     const auto at = std::ranges::find(want.collections, event.visit, &Collection::visit);
     if (at == want.collections.end() || at->isSimple || (sales == 0 && deposits == 0)) return;
     const auto moved = [&](Amounts amounts) {
+        // Without a total nothing was unpaid, whatever was due.
+        const bool hadNoTotal = amounts.total() < 1;
         amounts.sales += sales;
         amounts.deposits += deposits;
         amounts.unpaid += sales + deposits;
+        if (hadNoTotal && amounts.total() >= 1) amounts.unpaid = amounts.due() - amounts.card - amounts.cash;
         return amounts;
     };
     const auto replaced = replacing_.find(event.visit);
