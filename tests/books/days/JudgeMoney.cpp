@@ -155,6 +155,15 @@ void Judge::compare(const Page& want, const Page& after) {
     };
     look(want.collections, after.collections);
     look(want.empties, after.empties);
+    // What was a collection work's is so under its new number.
+    for (const Collection& row : want.collections) {
+        if (!moved.contains(row.visit) || !byCollectionWork_.contains(row.visit)) continue;
+        for (const Collection& now : after.collections) {
+            if (now.visit.customer == row.visit.customer && now.amounts == row.amounts &&
+                find(want.collections, now.visit) == nullptr)
+                byCollectionWork_.insert(now.visit);
+        }
+    }
     const auto goods = difference(want.goods, after.goods);
     const auto empties = difference(numberless(want.empties, moved), numberless(after.empties, moved));
     const auto rows = difference(numberless(comparable(want.collections), moved),

@@ -119,8 +119,7 @@ void Terminal::finishEmpties() {
     Event saved = event(Event::Kind::EmptiesSaved);
     saved.empties = returns();
     bool isMoved = false;
-    const container::SaveOutcome outcome =
-        container::saveSlip(user_, date_, number_, customer_, &isMoved);
+    const container::SaveOutcome outcome = container::saveSlip(user_, date_, number_, customer_, &isMoved);
     saved.isRefused = outcome == container::SaveOutcome::Failed;
     tell(saved);
     if (saved.isRefused || (outcome == container::SaveOutcome::Empty && mode_ != 1)) return;
