@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "books/CollectionSlip.h"
+#include "books/ContainerBalance.h"
 #include "books/OpenPayments.h"
 #include "books/PrintLog.h"
 #include "books/SlipNumbers.h"
@@ -64,17 +65,23 @@ SaleAmounts changeOfSale(const CollectionSlip& charged, std::optional<Won> saleT
     const auto now = savedSale(charged.DDate, charged.JunNo, charged.UserID, charged.GCode);
     if (!now) return {};
     const Won total = charged.MMoney + charged.YGMoney;
-    if (saleTotal.value_or(total) == total)
-        return *now -
-               SaleAmounts{charged.PMoney, charged.MMoney - charged.PMoney, charged.YMoney, charged.GMoney};
+    if (saleTotal.value_or(total) == total) return *now - charged.sale();
     // Its amounts were keyed: only what the sale has moved by is known.
     const VatSplit moved = splitVat(now->total() - *saleTotal);
     return {moved.supply, moved.vat, {}, {}};
 }
 
+/// By how much the slip's containers have changed since it was charged, when they were `worth`. Another
+/// recovery was keyed, and stays.
+Won changeOfContainers(const CollectionSlip& charged, std::optional<Won> worth) {
+    if (worth != charged.YDMoney) return {};
+    return savedRecovery(charged.DDate, charged.JunNo, charged.UserID, charged.GCode).value_or(Won()) -
+           *worth;
+}
+
 /// The approved slip under its number, whose rows are `before`.
 CollectionSlip slipUnder(const QList<CollectionSlip>& before, const CollectionSlip& approved,
-                         std::optional<Won> saleTotal) {
+                         const ChargedFor& chargedFor) {
     if (approved.isSimplePayment()) return approved;
     if (approved.Gubun == kCollectionOfSale &&
         !db::hasRow(kOwnSalesSlip(approved.DDate, approved.JunNo, approved.UserID, approved.GCode))) {
@@ -84,8 +91,10 @@ CollectionSlip slipUnder(const QList<CollectionSlip>& before, const CollectionSl
         if (const auto paid = payCredit(before.first(), approved)) return *paid;
     }
     CollectionSlip slip = approved;
-    if (const SaleAmounts change = changeOfSale(approved, saleTotal); change.total() != Won())
+    if (const SaleAmounts change = changeOfSale(approved, chargedFor.sale); change.total() != Won())
         slip.moveSale(change);
+    if (const Won change = changeOfContainers(approved, chargedFor.containers); !change.isZero())
+        slip.moveRecovery(change);
     return slip;
 }
 
@@ -110,7 +119,7 @@ bool putRow(db::Transaction& transaction, const QList<CollectionSlip>& before, c
 }  // namespace
 
 std::optional<CollectionSlip> putApproved(db::Transaction& transaction, const CollectionSlip& approved,
-                                          std::optional<Won> saleTotal) {
+                                          const ChargedFor& chargedFor) {
     CollectionSlip slip = approved;
     QList<CollectionSlip> before = rowsOf(slip);
     if (!slip.isSimplePayment() && isNumberTaken(slip)) {
@@ -118,7 +127,7 @@ std::optional<CollectionSlip> putApproved(db::Transaction& transaction, const Co
         slip.JunNo = nextSimplePaymentNumber(slip.DDate);
         before = rowsOf(slip);
     } else {
-        slip = slipUnder(before, slip, saleTotal);
+        slip = slipUnder(before, slip, chargedFor);
     }
     const bool isThere = !slip.isSimplePayment() && before.size() == 1 && isUnapproved(before.first(), slip);
     slip.DTime = isThere ? before.first().DTime : timeOfSaving();

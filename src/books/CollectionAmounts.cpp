@@ -38,6 +38,10 @@ SettlementAmounts CollectionSlip::amounts() const {
             .previousReceivable = {}};
 }
 
+SaleAmounts CollectionSlip::sale() const {
+    return {PMoney, MMoney - PMoney, YMoney, GMoney};
+}
+
 Won CollectionSlip::receivableEffect() const {
     // What came in is the sum that the row has, whatever its parts are.
     return isSimplePayment() ? Won() : books::receivableEffect(amounts()) + WonMoney + CardMoney - InMoney;
@@ -70,6 +74,7 @@ void CollectionSlip::takeRecoveryBack() {
 
 void CollectionSlip::moveSale(const SaleAmounts& difference) {
     const ExcessBooking booking = excessBooking(amounts(), MMoney + YGMoney);
+    const bool hadNoTotal = MMoney + YGMoney < Won(1);
     MMoney += difference.sales();
     PMoney += difference.supply;
     BMoney += difference.vat;
@@ -77,6 +82,10 @@ void CollectionSlip::moveSale(const SaleAmounts& difference) {
     GMoney += difference.bottleDeposit;
     YGMoney += difference.deposit();
     follow(booking, difference.total());
+    // Without a total nothing was unpaid, whatever was due.
+    const Won total = MMoney + YGMoney;
+    if (booking == ExcessBooking::None && hadNoTotal && total >= Won(1))
+        UnderMoney = total - YDMoney - CardMoney - WonMoney;
 }
 
 void CollectionSlip::moveRecovery(Won difference) {
@@ -96,7 +105,7 @@ void CollectionSlip::follow(ExcessBooking booked, Won difference) {
     MisuInMoney = excess;
     WonMoney = booked == ExcessBooking::InCash ? -excess : Won();
     InMoney = WonMoney + CardMoney;
-    UnderMoney = excess.isZero() ? due - CardMoney : Won();
+    UnderMoney = due + excess - CardMoney;
 }
 
 }  // namespace books

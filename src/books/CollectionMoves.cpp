@@ -40,19 +40,20 @@ bool changeReplaced(db::Transaction& transaction, const CollectionSlip& slip, co
 
 SaleChange::SaleChange(QStringView date, QStringView junNo, QStringView userId) {
     for (const CollectionSlip& slip : collectionRows(date, junNo, userId)) {
-        if (!slip.isSimplePayment()) settled_ << Settled{slip, sale(slip)};
+        if (!slip.isSimplePayment())
+            settled_ << Settled{slip, savedSale(slip.DDate, slip.JunNo, slip.UserID, slip.GCode)};
     }
-}
-
-SaleAmounts SaleChange::sale(const CollectionSlip& slip) const {
-    return savedSale(slip.DDate, slip.JunNo, slip.UserID, slip.GCode).value_or(SaleAmounts{});
 }
 
 std::optional<Won> SaleChange::moveCollections(db::Transaction& transaction) const {
     Won moved;
     for (const auto& [before, saleBefore] : settled_) {
         const auto saleNow = savedSale(before.DDate, before.JunNo, before.UserID, before.GCode);
-        const SaleAmounts difference = saleNow.value_or(SaleAmounts{}) - saleBefore;
+        if (!saleNow && !saleBefore) continue;
+        // A collection that outlived its sale has that one's amounts.
+        const bool isLeft = !saleBefore && before.Gubun == kCollectionOfSale;
+        const SaleAmounts difference =
+            saleNow.value_or(SaleAmounts{}) - (isLeft ? before.sale() : saleBefore.value_or(SaleAmounts{}));
         if (difference == SaleAmounts{}) continue;
         const auto change = [&](CollectionSlip& slip) {
             slip.moveSale(difference);

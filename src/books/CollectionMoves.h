@@ -17,19 +17,18 @@ class SaleChange {
   public:
     SaleChange(QStringView date, QStringView junNo, QStringView userId);
 
-    /// Gives each the difference that the sale's change has made, as part of `transaction`, and moves the
-    /// customer's receivable with it (CollectionSlip::moveSale). A collection of which nothing is left goes.
-    /// Returns by how much the totals have moved, in won; 0 where no collection is. After nothing, when the
-    /// database did not take it, the transaction must not be committed.
+    /// Gives each the difference that the sale's change has made, or where it has outlived its sale the total
+    /// of the one that its number has now, as part of `transaction`, and moves the customer's receivable with
+    /// it (CollectionSlip::moveSale). A collection of which nothing is left goes. Returns by how much the
+    /// totals have moved, in won; 0 where no collection is. After nothing, when the database did not take it,
+    /// the transaction must not be committed.
     [[nodiscard]] std::optional<platform::Won> moveCollections(db::Transaction& transaction) const;
 
   private:
     struct Settled {
         CollectionSlip slip;
-        SaleAmounts before;
+        std::optional<SaleAmounts> before;
     };
-    SaleAmounts sale(const CollectionSlip& slip) const;
-
     QList<Settled> settled_;
 };
 

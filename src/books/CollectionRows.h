@@ -63,6 +63,9 @@ struct CollectionSlip {
     /// simple payment sales and non-liquor less the recovery. The previous receivable is 0: it is no column.
     SettlementAmounts amounts() const;
 
+    /// What the slip has for its sale.
+    SaleAmounts sale() const;
+
     /// What the slip adds to the customer's receivable (books::receivableEffect). 0 for a simple payment,
     /// where sale and payment are one.
     platform::Won receivableEffect() const;

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "books/Approvals.h"
+#include "books/ContainerBalance.h"
 #include "books/OpenPayments.h"
 #include "db/Health.h"
 #include "db/Query.h"
@@ -14,6 +15,7 @@ namespace books {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
+using platform::Won;
 
 constexpr db::Statement<
     u"INSERT INTO PAYJOURNAL (Number,State,Kind,Charged,SettledAt,DDate,Gubun,GCode,GName,JunNo,DTime,UserID,"
@@ -52,8 +54,9 @@ constexpr db::Statement<
 constexpr db::Statement<u"UPDATE PAYJOURNAL SET State = 'unknown', SettledAt = '%s' WHERE State = 'sent'">
     kCloseStopped;
 
-// Apart from the INSERT, because a database of an older terminal has no such column.
+// Apart from the INSERT, because a database of an older terminal has no such columns.
 constexpr db::Statement<u"UPDATE PAYJOURNAL SET SaleTotal = '%s' WHERE Number = '%s'"> kNoteSale;
+constexpr db::Statement<u"UPDATE PAYJOURNAL SET ContainerWorth = '%s' WHERE Number = '%s'"> kNoteContainers;
 
 constexpr QStringView kCard = u"card";
 constexpr QStringView kCash = u"cash";
@@ -73,9 +76,12 @@ JournalPayment paymentOf(db::CVORecordset& row) {
     payment.charged = platform::parseWon(row.GetFieldString(3));
     payment.settledAt = row.GetFieldString(4);
     payment.slip = readCollection(row, kOwnColumns);
-    constexpr int kSaleTotal = kOwnColumns + kCollectionColumns;
-    const QString saleTotal = row.m_nFieldCount > kSaleTotal ? row.GetFieldString(kSaleTotal) : QString();
-    if (!saleTotal.isEmpty()) payment.saleTotal = platform::parseWon(saleTotal);
+    int column = kOwnColumns + kCollectionColumns;
+    for (auto* amount : {&payment.saleTotal, &payment.containerWorth}) {
+        const QString text = column < row.m_nFieldCount ? row.GetFieldString(column) : QString();
+        if (!text.isEmpty()) *amount = platform::parseWon(text);
+        ++column;
+    }
     return payment;
 }
 
@@ -101,7 +107,7 @@ std::optional<CollectionSlip> approve(db::Transaction& transaction, const Journa
     CollectionSlip approved = payment.slip;
     approved.BANKTRANNO = transactionNumber.toString();
     const CollectionSlip& charged = payment.slip;
-    const auto slip = putApproved(transaction, approved, payment.saleTotal);
+    const auto slip = putApproved(transaction, approved, {payment.saleTotal, payment.containerWorth});
     const bool isKept = slip && forgetPrepared(transaction, charged.DDate, charged.JunNo, charged.UserID) &&
                         transaction.run(kApprove(now(), slip->JunNo, transactionNumber, payment.number)) &&
                         transaction.commit();
@@ -137,9 +143,11 @@ bool notePayment(const JournalPayment& payment) {
     if (!addPayment(transaction, sent)) return false;
     const CollectionSlip& slip = sent.slip;
     const auto sale = savedSale(slip.DDate, slip.JunNo, slip.UserID, slip.GCode);
-    const bool isSaleNoted =
-        !sale || transaction.run(kNoteSale(platform::formatWon(sale->total()), sent.number));
-    return (isSaleNoted || (transaction.isAlive() && db::needsUpgrade())) && transaction.commit();
+    const Won worth = savedRecovery(slip.DDate, slip.JunNo, slip.UserID, slip.GCode).value_or(Won());
+    const bool isNoted =
+        (!sale || transaction.run(kNoteSale(platform::formatWon(sale->total()), sent.number))) &&
+        transaction.run(kNoteContainers(platform::formatWon(worth), sent.number));
+    return (isNoted || (transaction.isAlive() && db::needsUpgrade())) && transaction.commit();
 }
 
 bool addPayment(db::Transaction& transaction, const JournalPayment& payment) {

@@ -40,7 +40,9 @@ struct JournalPayment {
     /// The slip that it pays, as it stood then. `MSGSENDTIME` is the time of sending, `BANKTRANNO` empty
     /// until the payment is approved.
     CollectionSlip slip;
-    std::optional<platform::Won> saleTotal;  ///< What its sale came to then; nothing where that is not known.
+    // Nothing where it is not known.
+    std::optional<platform::Won> saleTotal;       ///< What its sale came to then.
+    std::optional<platform::Won> containerWorth;  ///< What its container slip was worth then.
 
     /// True while it is open whether the customer has been charged.
     bool isUnsettled() const { return state == PaymentState::Sent || state == PaymentState::Unknown; }

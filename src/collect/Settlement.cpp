@@ -107,13 +107,18 @@ Won takeOverRecovery(SettlementAmounts& amounts, Won recovery, bool isContainerW
 
 void holdCard(SettlementAmounts& amounts, Won charged) {
     const Won moved = amounts.card - charged;
-    if (moved.isZero()) return;
     amounts.card = charged;
     if (amounts.containerRecovery > amounts.total) {
-        keyRecovery(amounts, amounts.containerRecovery);
-    } else {
+        if (!moved.isZero()) keyRecovery(amounts, amounts.containerRecovery);
+        // The recovery has left nothing of the total to pay: what was charged is below 0 unpaid.
+        if (!charged.isZero()) recomputeUnpaid(amounts);
+    } else if (!moved.isZero()) {
         (amounts.cash.isZero() ? amounts.unpaid : amounts.cash) += moved;
     }
+}
+
+bool hasCardBesideExcess(const SettlementAmounts& amounts) {
+    return amounts.card > Won() && amounts.containerRecovery > amounts.total;
 }
 
 void settleByCard(SettlementAmounts& amounts) {

@@ -35,6 +35,9 @@ platform::Won takeOverRecovery(books::SettlementAmounts& amounts, platform::Won 
 /// where too much was charged; a recovery above the total is then settled as if keyed.
 void holdCard(books::SettlementAmounts& amounts, platform::Won charged);
 
+/// True when there is a card amount though the recovery leaves nothing of the total to pay.
+bool hasCardBesideExcess(const books::SettlementAmounts& amounts);
+
 /// Settles what the recovery leaves of the total by card, in cash or on credit, and nothing of it otherwise.
 /// Where it leaves nothing, all three are 0 and the excess is paid against the earlier receivable.
 void settleByCard(books::SettlementAmounts& amounts);

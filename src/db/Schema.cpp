@@ -52,12 +52,14 @@ constexpr Columns<6> kPrintLog{u"DDate", u"JunNo", u"UserID", u"Document", u"Cop
 // A customer's containers of one product in the slips that were archived: sold, and taken back.
 constexpr Columns<9> kContainerCarry{u"GCode", u"PCode", u"PName",   u"Box",  u"Bon",
                                      u"FBox",  u"NBox",  u"BackBon", u"Until"};
-// The payment's own columns, those of the slip that it pays, and what its sale came to.
-constexpr Columns<28> kPayJournal{
-    u"Number",      u"State",      u"Kind",    u"Charged", u"SettledAt",   u"DDate",      u"Gubun",
-    u"GCode",       u"GName",      u"JunNo",   u"DTime",   u"UserID",      u"MMoney",     u"PMoney",
-    u"BMoney",      u"YMoney",     u"GMoney",  u"YGMoney", u"InMoney",     u"WonMoney",   u"CardMoney",
-    u"MisuInMoney", u"UnderMoney", u"YDMoney", u"GDMoney", u"MSGSENDTIME", u"BANKTRANNO", u"SaleTotal"};
+// The payment's own columns, those of the slip that it pays, and what its sale came to and its containers
+// were worth.
+constexpr Columns<29> kPayJournal{
+    u"Number",  u"State",       u"Kind",       u"Charged",     u"SettledAt",     u"DDate",
+    u"Gubun",   u"GCode",       u"GName",      u"JunNo",       u"DTime",         u"UserID",
+    u"MMoney",  u"PMoney",      u"BMoney",     u"YMoney",      u"GMoney",        u"YGMoney",
+    u"InMoney", u"WonMoney",    u"CardMoney",  u"MisuInMoney", u"UnderMoney",    u"YDMoney",
+    u"GDMoney", u"MSGSENDTIME", u"BANKTRANNO", u"SaleTotal",   u"ContainerWorth"};
 
 constexpr Columns<9> kDeleted{u"DDate", u"Document", u"JunNo",     u"UserID",   u"GCode",
                               u"GName", u"Total",    u"DeletedBy", u"DeletedAt"};

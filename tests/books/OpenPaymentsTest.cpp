@@ -141,7 +141,8 @@ TEST(OpenPayments, AreNotedInAnOlderTerminalsJournal) {
     test::TestDevice device;
     device.insert(u"MTM",
                   {{u"DDate", u"2024-05-10"}, {u"GCode", u"1"}, {u"JunNo", u"5001"}, {u"UserID", u"A"}});
-    device.execute(u"ALTER TABLE PAYJOURNAL DROP COLUMN SaleTotal"_s);
+    for (const auto* const column : {"SaleTotal", "ContainerWorth"})
+        device.execute(u"ALTER TABLE PAYJOURNAL DROP COLUMN "_s + QLatin1StringView(column));
     const JournalPayment payment = paymentOf(u"1", kCollectionOfSale, u"5001", 1000);
     ASSERT_TRUE(saveForCard(payment.slip) && notePayment(payment));
     EXPECT_FALSE(unsettledPayments().value(0).saleTotal);

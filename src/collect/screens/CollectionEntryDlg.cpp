@@ -331,7 +331,8 @@ void CCollectionEntryDlg::finish() {
             u"카드결제&현금결제&전미수입금&미결제액&용공회수액 중에서  금액이 0원 이상이여야 합니다.."_s);
         return;
     }
-    if (isPaidOnLine() && !books::isChargeOneAmount(amounts_)) {
+    if ((isPaidOnLine() && !books::isChargeOneAmount(amounts_)) ||
+        (!isApproved_ && hasCardBesideExcess(amounts_))) {
         const bool isCard = books::chargeKind(amounts_) == books::ChargeKind::Card;
         ui::message(u"%1금액이 결제할 금액 ['%2'원]과 다릅니다..! [%1입금]을 다시 누르세요!!"_s.arg(
             isCard ? u"카드"_s : u"현금"_s, groupThousands(books::amountToSettle(amounts_))));

@@ -1,6 +1,7 @@
 #include "Judge.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "Rows.h"
 
@@ -10,6 +11,20 @@ namespace {
 
 void note(std::set<Visit>* visits, const Visit& visit, bool is) {
     is ? void(visits->insert(visit)) : void(visits->erase(visit));
+}
+
+void withoutRecovery(Amounts* amounts) {
+    Amounts& a = *amounts;
+    if (a.recovery == 0) return;
+    a = withoutExcess(a);
+    a.recovery = 0;
+    a.unpaid = a.total() >= 1 ? a.total() - a.card - a.cash : 0;
+}
+
+bool isUnder(const Visit& visit, const Event& event) {
+    const Key& key = event.visit.key;
+    return visit.key.date == key.date && visit.key.number == key.number &&
+           (visit.key.user == key.user || event.kind != Event::Kind::CollectionForgotten);
 }
 
 }  // namespace
@@ -174,10 +189,22 @@ void Judge::tables(Page before, const Event& event, const Page& after) {
             case CollectionBack:
                 collectionBack(want, event, after);
                 break;
+            case UnpaidBack:
+                unpaidBack(want, event);
+                break;
+            case ApprovalBack:
+                for (const Payment& payment : std::vector(want.payments)) {
+                    if (event.answers.contains(payment.message)) approvedLater(want, payment, after);
+                }
+                std::ranges::sort(want.collections);
+                want.payments = after.payments;
+                break;
             case CollectionDeleted:
+                mayDelete(want, event);
                 eraseOfAll(want.collections, event.visit.key);
                 break;
             case CollectionForgotten:
+                mayDelete(want, event);
                 // What was keyed is still on the screen.
                 hasKeyedSales_ |= keyedSales_.contains(event.visit);
                 hasKeyedRecovery_ |= keyedRecovery_.contains(event.visit);
@@ -185,7 +212,7 @@ void Judge::tables(Page before, const Event& event, const Page& after) {
                 break;
             case EmptiesSaved:
             case EmptiesDeleted:
-                emptiesChanged(want, event);
+                emptiesChanged(want, event, after);
                 break;
             case PaymentSent:
                 paymentSent(want, event, after);
@@ -207,8 +234,16 @@ void Judge::saleSaved(Page& want, const Event& event, const Page& after) {
                line.visit.customer != visit.customer;
     });
     if (taken) found(Rule::TakenNumber, words(visit) + " was saved");
-    const Won sales = payable(want, visit);
-    const Won deposits = depositsOf(want, visit);
+    Won sales = payable(want, visit);
+    Won deposits = depositsOf(want, visit);
+    const Collection* const row = find(want.collections, visit);
+    if (row != nullptr && find(want.goods, visit) == nullptr && !event.goods.empty() &&
+        orphans_.erase(visit) > 0) {
+        // The collection that outlived its sale is this one's now.
+        sales = row->amounts.sales;
+        deposits = row->amounts.deposits;
+        keyedSales_.erase(visit);
+    }
     erase(want.goods, visit.key);
     want.goods.insert(want.goods.end(), event.goods.begin(), event.goods.end());
     std::ranges::sort(want.goods);
@@ -220,37 +255,48 @@ void Judge::saleSaved(Page& want, const Event& event, const Page& after) {
 // total before or after, only its effect is told: what was booked as excess may move.
 void Judge::moveCollection(Page& want, const Event& event, const Page& after, Won sales, Won deposits) {
     const auto at = std::ranges::find(want.collections, event.visit, &Collection::visit);
-    if (at == want.collections.end() || (sales == 0 && deposits == 0)) return;
-    Amounts moved = at->amounts;
-    moved.sales += sales;
-    moved.deposits += deposits;
-    moved.unpaid += sales + deposits;
+    if (at == want.collections.end() || at->isSimple || (sales == 0 && deposits == 0)) return;
+    const auto moved = [&](Amounts amounts) {
+        // Without a total nothing was unpaid, whatever was due.
+        const bool hadNoTotal = amounts.total() < 1;
+        amounts.sales += sales;
+        amounts.deposits += deposits;
+        amounts.unpaid += sales + deposits;
+        if (hadNoTotal && amounts.total() >= 1) amounts.unpaid = amounts.due() - amounts.card - amounts.cash;
+        return amounts;
+    };
+    const auto replaced = replacing_.find(event.visit);
+    if (replaced != replacing_.end() && replaced->second.collection)
+        replaced->second.collection->amounts = moved(replaced->second.collection->amounts);
+    const Amounts before = std::exchange(at->amounts, moved(at->amounts));
+    Amounts& is = at->amounts;
     const Collection* const row = find(after.collections, event.visit);
-    if (row != nullptr && (at->amounts.due() < 0 || moved.due() < 0) &&
-        row->amounts.total() == moved.total() &&
-        row->amounts.effect() - at->amounts.effect() == sales + deposits) {
-        moved = row->amounts;
+    if (row != nullptr && (before.due() < 0 || is.due() < 0) && row->amounts.total() == is.total() &&
+        row->amounts.effect() - before.effect() == sales + deposits) {
+        is = row->amounts;
     }
-    at->amounts = moved;
-    if (row == nullptr && moved.total() == 0 && moved.unpaid == 0 && moved.recovery == 0 &&
-        moved.earlier == 0 && moved.card == 0 && moved.cash == 0) {
+    if (row == nullptr && is.total() == 0 && is.unpaid == 0 && is.recovery == 0 && is.earlier == 0 &&
+        is.card == 0 && is.cash == 0) {
         want.collections.erase(at);
     }
 }
 
-void Judge::saleDeleted(Page& want, const Event& event) {
-    const Key& key = event.visit.key;
-    const auto under = [&key](const auto& row) {
-        return row.visit.key.date == key.date && row.visit.key.number == key.number;
-    };
-    for (const Payment& payment : want.payments) {
-        if (under(payment) && payment.open())
+// What a deletion must have asked before: of everybody's rows, and on the screen of the user's own.
+void Judge::mayDelete(const Page& page, const Event& event) {
+    for (const Payment& payment : page.payments) {
+        if (isUnder(payment.visit, event) && payment.open())
             found(Rule::DeleteOpen, words(payment.visit) + " went with its open payment");
     }
-    const bool approved = std::ranges::any_of(
-        want.collections, [&](const Collection& row) { return under(row) && !row.approval.empty(); });
-    if (approved && !event.hasCardQuestion)
+    const bool isApproved = std::ranges::any_of(page.collections, [&](const Collection& row) {
+        return isUnder(row.visit, event) && !row.approval.empty();
+    });
+    if (isApproved && !event.hasCardQuestion && event.kind != Event::Kind::EmptiesDeleted)
         found(Rule::CardQuestion, words(event.visit) + " went without the question");
+}
+
+void Judge::saleDeleted(Page& want, const Event& event) {
+    mayDelete(want, event);
+    const Key& key = event.visit.key;
     eraseOfAll(want.goods, key);
     if (!event.hasCardQuestion || event.isCardConfirmed) {
         eraseOfAll(want.collections, key);
@@ -258,7 +304,7 @@ void Judge::saleDeleted(Page& want, const Event& event) {
     } else {
         // Who declines the card question keeps the collection without its sale.
         for (const Collection& row : want.collections)
-            if (under(row)) orphans_.insert(row.visit);
+            if (isUnder(row.visit, event)) orphans_.insert(row.visit);
     }
     rowRule_ = Rule::Row;
 }
@@ -270,8 +316,12 @@ void Judge::collectionSaved(Page& want, const Event& event) {
         this->found(Rule::RefuseDifference, words(visit) + " " + words(a));
     const Collection* const found = find(want.collections, visit);
     const std::optional<Collection> old = found != nullptr ? std::optional(*found) : std::nullopt;
-    replacing_[visit] = {old, byCollectionWork_.contains(visit), keyedSales_.contains(visit),
-                         keyedRecovery_.contains(visit)};
+    // What waits for its card has taken the place of something itself, which is what comes back.
+    const bool isWaiting = old && old->amounts.card > 0 && old->approval.empty() &&
+                           !byCollectionWork_.contains(visit) && replacing_.contains(visit);
+    if (!isWaiting)
+        replacing_[visit] = {old, byCollectionWork_.contains(visit), keyedSales_.contains(visit),
+                             keyedRecovery_.contains(visit)};
     Collection row{visit, a, old ? old->approval : "", old && old->isSimple};
     std::erase_if(want.collections, [&visit](const Collection& own) { return own.visit == visit; });
     want.collections.push_back(row);
@@ -311,24 +361,57 @@ void Judge::collectionBack(Page& want, const Event& event, const Page& after) {
     rowRule_ = Rule::Row;
 }
 
-void Judge::emptiesChanged(Page& want, const Event& event) {
+void Judge::unpaidBack(Page& want, const Event& event) {
+    for (const Visit& visit : event.takenBack) {
+        erase(want.collections, visit.key);
+        putBack(want, visit);
+    }
+    std::ranges::sort(want.collections);
+    rowRule_ = Rule::CardApproved;
+}
+
+// The recovery follows what the empties are worth; what was paid stays. Where empties exceed the total before
+// or after, what was booked as excess may move.
+void Judge::moveRecovery(Collection* row, Won difference, const Page& after) {
+    Amounts moved = row->amounts;
+    moved.recovery += difference;
+    if (moved.total() >= 1) moved.unpaid -= difference;
+    const Collection* const is = find(after.collections, row->visit);
+    if (is != nullptr && (row->amounts.due() < 0 || moved.due() < 0) &&
+        is->amounts.total() == moved.total() && is->amounts.recovery == moved.recovery &&
+        is->amounts.card == moved.card && is->amounts.effect() - row->amounts.effect() == -difference) {
+        moved = is->amounts;
+    }
+    row->amounts = moved;
+}
+
+// A container slip that goes takes the recovery of its collection along, keyed or not; what was paid stays.
+// One that changes moves it where it was what the slip is worth.
+void Judge::emptiesChanged(Page& want, const Event& event, const Page& after) {
     const std::vector<Empties> before = want.empties;
     if (event.kind == Event::Kind::EmptiesDeleted) {
+        mayDelete(want, event);
         eraseOfAll(want.empties, event.visit.key);
     } else {
         std::erase_if(want.empties, [&event](const Empties& line) { return line.visit == event.visit; });
         want.empties.insert(want.empties.end(), event.empties.begin(), event.empties.end());
         std::ranges::sort(want.empties);
     }
-    // A container slip that goes takes the recovery of its collection along, keyed or not; what was paid
-    // stays.
-    for (Collection& row : want.collections) {
+    const auto change = [&](Collection& row) {
+        const Won was = worth(before, row.visit);
+        const Won is = worth(want.empties, row.visit);
         const bool isGone = find(before, row.visit) != nullptr && find(want.empties, row.visit) == nullptr;
-        if (!isGone || row.isSimple || row.amounts.recovery == 0) continue;
-        row.amounts = withoutExcess(row.amounts);
-        row.amounts.recovery = 0;
-        const Amounts& a = row.amounts;
-        row.amounts.unpaid = a.total() >= 1 ? a.total() - a.card - a.cash : 0;
+        if (row.isSimple) return;
+        if (isGone) {
+            withoutRecovery(&row.amounts);
+        } else if (row.amounts.recovery == was && is != was) {
+            moveRecovery(&row, is - was, after);
+        }
+    };
+    for (Collection& row : want.collections) {
+        change(row);
+        const auto replaced = replacing_.find(row.visit);
+        if (replaced != replacing_.end() && replaced->second.collection) change(*replaced->second.collection);
     }
     std::erase_if(want.collections, [](const Collection& row) {
         const Amounts& a = row.amounts;

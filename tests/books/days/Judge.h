@@ -70,6 +70,8 @@ struct Event {
         SaleDeleted,
         CollectionSaved,
         CollectionBack,       ///< what an unapproved payment had booked was taken back
+        UnpaidBack,           ///< the same of every visit that no payment is open for
+        ApprovalBack,         ///< an approval that the journal knows was put back on its slip
         CollectionDeleted,    ///< list: of every salesman
         CollectionForgotten,  ///< on the screen: the user's own
         EmptiesSaved,
@@ -99,6 +101,7 @@ struct Event {
     /// Of each open payment that was asked about: what the host said.
     enum class Answer { Approved, NotCharged };
     std::map<std::string, Answer> answers;
+    std::vector<Visit> takenBack;
 };
 
 struct Finding {
@@ -133,11 +136,14 @@ class Judge {
     void tables(Page before, const Event& event, const Page& after);
     void saleSaved(Page& want, const Event& event, const Page& after);
     void moveCollection(Page& want, const Event& event, const Page& after, Won sales, Won deposits);
+    void mayDelete(const Page& page, const Event& event);
     void saleDeleted(Page& want, const Event& event);
     void collectionSaved(Page& want, const Event& event);
     void putBack(Page& want, const Visit& visit);
     void collectionBack(Page& want, const Event& event, const Page& after);
-    void emptiesChanged(Page& want, const Event& event);
+    void unpaidBack(Page& want, const Event& event);
+    void emptiesChanged(Page& want, const Event& event, const Page& after);
+    static void moveRecovery(Collection* row, Won difference, const Page& after);
     void paymentSent(Page& want, const Event& event, const Page& after);
     const Payment* amountsOf(const Page& want, const Event& event, const Page& after);
     void inquired(Page& want, const Event& event, const Page& after);
@@ -156,6 +162,7 @@ class Judge {
     bool hasKeyedSales_ = false, hasKeyedRecovery_ = false, hasTakenWorth_ = false;  ///< on the screen
     std::map<Visit, Replaced> replacing_;
     std::map<std::string, Won> totals_;                     ///< of the sale, when its payment was sent
+    std::map<std::string, Won> settledTotals_;              ///< of the collection then
     std::set<std::string> keyedSalesOf_, keyedRecoveryOf_;  ///< the same by the number of the exchange
     std::set<std::string> simple_;                          ///< numbers of exchanges without a sale
     std::map<std::string, Won> credited_;                   ///< received without a sale, by customer

@@ -54,6 +54,7 @@ void Judge::paymentSent(Page& want, const Event& event, const Page& after) {
     const Collection* const row = find(after.collections, visit);
     if (kept != nullptr) {
         totals_[kept->message] = payable(want, visit) + depositsOf(want, visit);
+        settledTotals_[kept->message] = event.shown.total();
         if (keyedSales_.contains(visit)) keyedSalesOf_.insert(kept->message);
         if (keyedRecovery_.contains(visit)) keyedRecoveryOf_.insert(kept->message);
         if (event.mode == 6) simple_.insert(kept->message);
@@ -78,8 +79,7 @@ void Judge::paymentSent(Page& want, const Event& event, const Page& after) {
     rowRule_ = Rule::Row;
 }
 
-// Each open payment becomes what the host says of it, and the slips follow. What was booked for a card that
-// was never charged is taken back, as 이전 does.
+// Each open payment becomes what the host says of it, and the slips of the approved follow.
 void Judge::inquired(Page& want, const Event& event, const Page& after) {
     const std::vector<Payment> asked = std::exchange(want.payments, after.payments);
     for (const Payment& payment : asked) {
@@ -90,16 +90,6 @@ void Judge::inquired(Page& want, const Event& event, const Page& after) {
         if (kept == after.payments.end() || kept->open() || (kept->state == "approved") != isApproved)
             found(Rule::Journal, words(payment.visit) + " is not what the host said");
         if (isApproved) approvedLater(want, payment, after);
-    }
-    for (const Collection& row : std::vector(want.collections)) {
-        const bool isAnswered = std::ranges::any_of(asked, [&](const Payment& payment) {
-            return payment.visit == row.visit && event.answers.contains(payment.message);
-        });
-        if (lacksApproval(want, row) && row.visit != event.visit && (event.isAtMenu || isAnswered)) {
-            std::erase(want.collections, row);
-            putBack(want, row.visit);
-            rowRule_ = Rule::CardApproved;
-        }
     }
     std::ranges::sort(want.collections);
 }
@@ -121,7 +111,14 @@ void Judge::approvedLater(Page& want, const Payment& payment, const Page& after)
         if (keyedSalesOf_.contains(payment.message)) keyedSales_.insert(row->visit);
         if (keyedRecoveryOf_.contains(payment.message)) keyedRecovery_.insert(row->visit);
     };
-    if (isSame || (isThere && row->visit == visit && row->amounts.total() == present &&
+    // Keyed sales amounts move with the sale.
+    const Won moved = settledTotals_[payment.message] + present - totals_[payment.message];
+    // What stands there on credit is paid.
+    const Collection* const own = find(want.collections, visit);
+    const bool isCredit = own != nullptr && own->amounts.card == 0 && own->amounts.cash == 0;
+    const Won total =
+        isThere && isCredit && row->amounts.total() == own->amounts.total() ? row->amounts.total() : moved;
+    if (isSame || (isThere && row->visit == visit && row->amounts.total() == total &&
                    std::max(row->amounts.card, row->amounts.cash) == payment.amount)) {
         if (isThere) {
             adopt();
@@ -158,6 +155,15 @@ void Judge::compare(const Page& want, const Page& after) {
     };
     look(want.collections, after.collections);
     look(want.empties, after.empties);
+    // What was a collection work's is so under its new number.
+    for (const Collection& row : want.collections) {
+        if (!moved.contains(row.visit) || !byCollectionWork_.contains(row.visit)) continue;
+        for (const Collection& now : after.collections) {
+            if (now.visit.customer == row.visit.customer && now.amounts == row.amounts &&
+                find(want.collections, now.visit) == nullptr)
+                byCollectionWork_.insert(now.visit);
+        }
+    }
     const auto goods = difference(want.goods, after.goods);
     const auto empties = difference(numberless(want.empties, moved), numberless(after.empties, moved));
     const auto rows = difference(numberless(comparable(want.collections), moved),
@@ -215,8 +221,9 @@ void Judge::brokenOn(const Page& page, const Collection& row, Broken* all) const
     const Won present = payable(page, row.visit) + depositsOf(page, row.visit);
     if (!isAlone && !keyedSales_.contains(row.visit) && a.total() != present)
         all->insert({Rule::SettledTotal, words(row) + ", the sale is " + std::to_string(present)});
-    if (!isAlone && !keyedRecovery_.contains(row.visit) && a.recovery != worth(page, row.visit))
-        all->insert({Rule::Worth, words(row) + " took back " + std::to_string(worth(page, row.visit))});
+    if (!isAlone && !keyedRecovery_.contains(row.visit) && a.recovery != worth(page.empties, row.visit))
+        all->insert(
+            {Rule::Worth, words(row) + " took back " + std::to_string(worth(page.empties, row.visit))});
     if (hasSale && a.vat != a.sales - a.supply)
         all->insert({Rule::Vat, words(row) + " VAT " + std::to_string(a.vat)});
     const Won paid = a.card + a.cash + a.unpaid;

@@ -12,7 +12,7 @@ std::string words(const Empties& row);
 std::string words(const Collection& row);
 
 /// What the visit's empties are worth, and the deposits of its goods.
-Won worth(const Page& page, const Visit& visit);
+Won worth(const std::vector<Empties>& lines, const Visit& visit);
 Won depositsOf(const Page& page, const Visit& visit);
 
 bool hasMessage(const Page& page, const std::string& message);

@@ -77,9 +77,9 @@ bool hasMessage(const Page& page, const std::string& message) {
     return std::ranges::find(page.payments, message, &Payment::message) != page.payments.end();
 }
 
-Won worth(const Page& page, const Visit& visit) {
+Won worth(const std::vector<Empties>& lines, const Visit& visit) {
     Won sum = 0;
-    for (const Empties& line : page.empties) sum += line.visit == visit ? line.crates + line.deposit : 0;
+    for (const Empties& line : lines) sum += line.visit == visit ? line.crates + line.deposit : 0;
     return sum;
 }
 

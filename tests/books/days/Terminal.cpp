@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "books/PaymentJournal.h"
 #include "books/SlipNumbers.h"
 #include "container/ContainerStore.h"
 #include "container/WorkingContainers.h"
@@ -103,6 +104,10 @@ Terminal::Terminal() {
                                    {u"GBonMoney2", i % 2 == 0 ? u"100" : u"0"},
                                    {u"TTT", i % 2 == 0 ? u"Y" : u""}});
     }
+    for (const User& user : kUsers) {
+        device_.insert(u"PDAUSER", {{u"userID", QString::fromLatin1(user.id)},
+                                    {u"vatMode", QString::fromLatin1(user.vatMode)}});
+    }
     for (const QString& customer : kCustomers) {
         device_.insert(u"GARAE", {{u"GCODE", customer},
                                   {u"GNAME", customer},
@@ -170,7 +175,7 @@ void Terminal::menu(int mode, Screen screen) {
     number_.clear();
     state_.clear();
     handedOver_.reset();
-    checkout_ = {};
+    isRecoveryMoved_ = false;
     crateDeposit_ = {};
     sqlite3_exec(reader_, "DELETE FROM TEMP; DELETE FROM YTEMP", nullptr, nullptr, nullptr);
     screens_ = {screen};
@@ -237,7 +242,7 @@ void Terminal::login(unsigned pick, bool isOtherDay) {
     user_ = QString::fromLatin1(kUsers[pick % std::size(kUsers)].id);
     const QDate today = platform::clock::now().date();
     date_ = (isOtherDay ? today.addDays(pick / 3 % 2 == 0 ? -1 : 1) : today).toString(u"yyyy-MM-dd"_s);
-    inquire(pick / 8);
+    if (books::hasUnsettledPayments()) inquire(pick / 8);
 }
 
 std::string Terminal::tap(const Action& action) {
@@ -256,20 +261,22 @@ std::string Terminal::tap(const Action& action) {
                        : action.tap <= FinishCard       ? cardTap(action)
                        : action.tap <= FinishSimple     ? simpleTap(action)
                                                         : backTap();
-    if (!wasAtMenu && isAtMenu()) tell(event(Event::Kind::Screen));
     if (isArmed) {
         if (thePlan.hits > 0) said += " (디스크 가득)";
         thePlan.disarm();
     }
+    if (isAtMenu() && (!wasAtMenu || action.tap <= Kill)) takeBackUnpaid();
+    if (isAtMenu() && !wasAtMenu) tell(event(Event::Kind::Screen));
     return said.empty() ? "-" : said;
 }
 
 std::string Terminal::backTap() {
     if (isAt(Screen::Card)) {
         backFromCard();
-    } else {
-        back();
+        return {};
     }
+    if (isAt(Screen::Entry)) takeBackUnpaid();
+    back();
     return {};
 }
 
@@ -289,7 +296,7 @@ std::string Terminal::menuTap(const Action& action) {
             openSimple(action.pick);
             return text(number_ + u' ' + customer_);
         case Close:
-            closeDay();
+            closeDay(action.pick);
             break;
         case Office:
             loadOrder(action.pick);
@@ -319,7 +326,9 @@ void Terminal::openSimple(unsigned pick) {
     tell(event(Event::Kind::Numbered));
 }
 
-void Terminal::closeDay() {
+void Terminal::closeDay(unsigned pick) {
+    if (books::hasUnsettledPayments()) inquire(pick);
+    takeBackUnpaid();
     const auto closes = totals::closeDay(date_, user_, platform::Won());
     if (!closes) return;
     const totals::DayFigures& figures = closes->last().figures;
@@ -385,11 +394,13 @@ std::string Terminal::listTap(const Action& action) {
             break;
         case DeleteCollection: {
             Event deleted = event(Event::Kind::CollectionDeleted);
+            if (!mayDeletePayments(&deleted, false, action.amount) || !mayDelete(action.pick / 8)) break;
             deleted.isRefused = !books::removeCollections(date_, number_, user_);
             tell(deleted);
             break;
         }
         default: {
+            if (!mayDelete(action.pick / 8)) break;
             Event deleted = event(Event::Kind::EmptiesDeleted);
             deleted.isRefused = !container::deleteSlip(date_, number_, user_);
             tell(deleted);
@@ -406,12 +417,10 @@ void Terminal::paySale(unsigned pick) {
 }
 
 void Terminal::deleteSale(unsigned pick) {
-    const auto collection = books::loadCollection(date_, number_, user_);
+    if (!mayDelete(pick / 8)) return;
     Event deleted = event(Event::Kind::SaleDeleted);
-    deleted.hasCardQuestion = state_ == sales::kPaid || (collection && collection->isApproved());
-    deleted.isCardConfirmed = pick % 2 == 0;
-    deleted.isRefused =
-        !sales::deleteSlip(date_, number_, !deleted.hasCardQuestion || deleted.isCardConfirmed, user_);
+    const bool alsoFollowers = mayDeletePayments(&deleted, state_ == sales::kPaid, pick);
+    deleted.isRefused = !sales::deleteSlip(date_, number_, alsoFollowers, user_);
     tell(deleted);
 }
 

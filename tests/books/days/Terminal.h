@@ -134,7 +134,7 @@ class Terminal {
     void kill();
     void loadOrder(unsigned pick);
     void openSimple(unsigned pick);
-    void closeDay();
+    void closeDay(unsigned pick);
     std::string menuTap(const Action& action);
     std::string backTap();
     bool isFollowedByContainers() const;
@@ -158,7 +158,11 @@ class Terminal {
     void loadEntry(unsigned pick);
     void holdCard();
     bool finishEntry(unsigned pick);
+    bool forgetCollection(unsigned pick);
     bool isPaymentSettled(unsigned pick);
+    bool isApprovalPutBack(unsigned pick);
+    void takeApproval(unsigned pick);
+    bool isPaidOnLine() const;
     void openCard();
     bool isPaymentFree(unsigned pick);
     void swipe(unsigned pick);
@@ -166,6 +170,14 @@ class Terminal {
     void backFromCard();
     void finishCard();
     void inquire(unsigned pick);
+    /// What becomes of a payment that is in the way of something.
+    enum class Answer { Free, Approved, Open };
+    using Find = std::function<std::optional<books::JournalPayment>()>;
+    Answer ask(unsigned pick, const Find& find, QString* found = nullptr);
+    Answer askAboutSlip(unsigned pick, const QString& user);
+    void takeBackUnpaid();
+    bool mayDelete(unsigned pick);
+    bool mayDeletePayments(Event* deleted, bool isPaid, unsigned pick) const;
     Event event(Event::Kind kind) const;
     void tell(const Event& event) { listener_(event); }
     Amounts shown() const;
@@ -188,13 +200,12 @@ class Terminal {
     QString user_, date_;
     int mode_ = 0;
     QString customer_, number_, state_, kind_;
-    books::SettlementAmounts checkout_;  ///< Sales as payable, supply, VAT, deposits, as handed over.
     platform::Won crateDeposit_;
     std::optional<platform::Won> handedOver_;
-    bool hasUnsavedLines_ = false;
+    bool isRecoveryMoved_ = false, hasUnsavedLines_ = false;
     books::SettlementAmounts amounts_;
     std::optional<platform::Won> approvedCard_;
-    bool isOthers_ = false, isApproved_ = false;
+    bool isOthers_ = false, isApproved_ = false, isSimple_ = false, isTold_ = false;
     books::SettlementAmounts charged_;  ///< The record of the card dialog.
     std::string payment_;
     bool isPaid_ = false;

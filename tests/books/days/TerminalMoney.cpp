@@ -1,32 +1,20 @@
 // Where the terminal takes money: the collection, the card, the simple payment, and the question about
 // payments.
-#include <array>
 #include <utility>
 
 #include "Terminal.h"
 #include "books/Charge.h"
 #include "books/ContainerBalance.h"
 #include "books/OpenPayments.h"
-#include "books/PayableTotal.h"
 #include "collect/CollectionEntry.h"
 #include "collect/Settlement.h"
 #include "collect/SimplePayment.h"
 #include "platform/Clock.h"
-#include "sales/Checkout.h"
-#include "sales/WorkingSlip.h"
 #include "van/PaymentInquiry.h"
 
 namespace days {
 
 using namespace Qt::Literals::StringLiterals;
-
-namespace {
-
-platform::Won netTotal(const books::SettlementAmounts& amounts) {
-    return amounts.total - amounts.containerRecovery;
-}
-
-}  // namespace
 
 // --- the collection
 
@@ -58,12 +46,15 @@ void Terminal::loadEntry(unsigned pick) {
     crateDeposit_ = entry.crateDeposit;
     isOthers_ = entry.isOthers;
     isApproved_ = saved && saved->isApproved();
+    isSimple_ = saved && saved->isSimplePayment();
+    isTold_ = false;
     approvedCard_.reset();
     if (isApproved_) approvedCard_ = amounts_.card;
     auto recovery = std::exchange(handedOver_, std::nullopt);
     const bool isHandedOver = recovery.has_value();
-    if (!isHandedOver && !(saved && saved->isSimplePayment()))
-        recovery = books::savedRecovery(date_, number_, user_, customer_);
+    const bool isMoved = std::exchange(isRecoveryMoved_, false);
+    if (!isHandedOver && !isSimple_) recovery = books::savedRecovery(date_, number_, user_, customer_);
+    if (isMoved && !amounts_.total.isZero()) collect::keyRecovery(amounts_, amounts_.containerRecovery);
     tell(event(Event::Kind::OpenCollection));
     if (recovery == amounts_.containerRecovery) recovery.reset();
     const bool isAsked = recovery && !isHandedOver && saved;
@@ -92,12 +83,15 @@ std::string Terminal::entryTap(const Action& action) {
         holdCard();
     };
     const auto settle = [&](Event::Kind kind, auto rule) {
+        // The buttons are disabled.
+        if (!collect::hasSomethingToSettle(amounts_)) return;
         done.kind = kind;
         done.isRefused = approvedCard_ && kind == Event::Kind::Card;
         if (done.isRefused) return;
         rule(amounts_);
         holdCard();
     };
+    if (isSimple_ && action.tap <= OnCredit) return "(disabled)";
     switch (action.tap) {
         case KeySales:
             key(Event::Kind::KeySales, collect::keySales);
@@ -115,7 +109,8 @@ std::string Terminal::entryTap(const Action& action) {
             key(Event::Kind::KeyRecovery, collect::keyRecovery);
             break;
         case KeyEarlier:
-            key(Event::Kind::KeyEarlier, collect::keyEarlierReceivable);
+            done.kind = Event::Kind::KeyEarlier;
+            collect::keyEarlierReceivable(amounts_, platform::Won(keyed));
             break;
         case ByCard:
             settle(Event::Kind::Card, collect::settleByCard);
@@ -126,17 +121,8 @@ std::string Terminal::entryTap(const Action& action) {
         case OnCredit:
             settle(Event::Kind::Credit, collect::settleOnCredit);
             break;
-        case ForgetCollection: {
-            done.kind = Event::Kind::CollectionForgotten;
-            done.isRefused = (isApproved_ && action.pick % 3 == 0) || isOthers_ ||
-                             !books::removeCollection(date_, number_, user_);
-            if (!done.isRefused) {
-                isApproved_ = false;
-                approvedCard_.reset();
-                amounts_.previousReceivable = books::previousReceivable(customer_, date_, number_, user_);
-            }
-            break;
-        }
+        case ForgetCollection:
+            return forgetCollection(action.pick) ? words(shown()) : "(refused)";
         default:
             return finishEntry(action.pick) ? words(done.shown) : "(refused)";
     }
@@ -145,26 +131,71 @@ std::string Terminal::entryTap(const Action& action) {
     return std::to_string(keyed) + " -> " + words(done.shown);
 }
 
+bool Terminal::forgetCollection(unsigned pick) {
+    const Answer answer = askAboutSlip(pick / 8, user_);
+    if (answer == Answer::Approved) takeApproval(pick);
+    if (answer != Answer::Free || (isApproved_ && pick % 3 == 0)) return false;
+    Event forgotten = event(Event::Kind::CollectionForgotten);
+    forgotten.hasCardQuestion = isApproved_;
+    forgotten.isRefused = isOthers_ || !books::removeCollection(date_, number_, user_);
+    if (!forgotten.isRefused || isOthers_) {
+        isApproved_ = false;
+        approvedCard_.reset();
+        if (std::exchange(isSimple_, false)) amounts_ = {};
+        amounts_.previousReceivable = books::previousReceivable(customer_, date_, number_, user_);
+    }
+    forgotten.shown = shown();
+    tell(forgotten);
+    return !forgotten.isRefused;
+}
+
+bool Terminal::isPaidOnLine() const {
+    return mode_ != 2 && mode_ != 3 && !isApproved_;
+}
+
 /// False when the slip may not be settled: its payment is open, or has become known meanwhile.
 bool Terminal::isPaymentSettled(unsigned pick) {
-    const auto isUnsettled = [&] { return books::hasUnsettledPayment(date_, number_, user_); };
-    if (!isUnsettled()) return true;
-    inquire(pick);
-    if (isUnsettled()) return false;
-    const auto last = books::lastPayment(date_, number_, user_);
-    if (!last || last->state != books::PaymentState::Approved) return true;
-    const books::SettlementAmounts paid = last->slip.amounts();
-    if (paid.total != amounts_.total || paid.containerRecovery != amounts_.containerRecovery) {
+    switch (askAboutSlip(pick / 8, user_)) {
+        case Answer::Free:
+            return !isApprovalPutBack(pick);
+        case Answer::Approved:
+            takeApproval(pick);
+            return false;
+        case Answer::Open:
+            break;
+    }
+    // Credit asks nobody for money twice.
+    return amounts_.card.isZero() && amounts_.cash.isZero() && pick % 4 != 0;
+}
+
+bool Terminal::isApprovalPutBack(unsigned pick) {
+    const auto lost = books::approvalWithoutSlip({date_, number_, user_, customer_});
+    if (!lost || isApproved_) return false;
+    isTold_ = true;
+    if (pick % 2 == 0) return false;
+    Event back = event(Event::Kind::ApprovalBack);
+    back.answers[text(lost->number)] = Event::Answer::Approved;
+    back.isRefused = !books::putApprovalBack(lost->number);
+    tell(back);
+    if (!back.isRefused) takeApproval(pick);
+    return true;
+}
+
+/// The visit is paid already. Where it was changed meanwhile the screen has to show it first.
+void Terminal::takeApproval(unsigned pick) {
+    const auto paid = books::loadCollection(date_, number_, user_);
+    if (!paid || paid->amounts().total != amounts_.total || paid->YDMoney != amounts_.containerRecovery ||
+        !paid->UnderMoney.isZero()) {
         loadEntry(pick);
     } else {
         done();
     }
-    return false;
 }
 
 bool Terminal::finishEntry(unsigned pick) {
     if (collect::nothingToSettle(amounts_)) return false;
-    if (mode_ != 2 && mode_ != 3 && !isApproved_ && !books::isChargeOneAmount(amounts_)) return false;
+    if (isPaidOnLine() && !books::isChargeOneAmount(amounts_)) return false;
+    if (!isApproved_ && collect::hasCardBesideExcess(amounts_)) return false;
     if (!isPaymentSettled(pick)) return false;
     books::CollectionSlip slip;
     slip.DDate = date_;
@@ -174,7 +205,7 @@ bool Terminal::finishEntry(unsigned pick) {
     slip.setAmounts(amounts_, crateDeposit_);
     Event saved = event(Event::Kind::CollectionSaved);
     saved.isApproved = isApproved_;
-    const bool isOnLine = mode_ != 2 && mode_ != 3 && !isApproved_;
+    const bool isOnLine = isPaidOnLine();
     saved.isRefused = !(isOnLine && amounts_.card > platform::Won() ? books::saveForCard(slip)
                                                                     : books::saveCollection(slip));
     tell(saved);
@@ -191,8 +222,8 @@ bool Terminal::finishEntry(unsigned pick) {
 // --- the card
 
 void Terminal::openCard() {
-    // A simple payment's total already has the recovery taken off; it is taken off a second time here.
-    if (mode_ == 6) charged_.card = netTotal(charged_);
+    // A simple payment has no other way to be settled.
+    if (mode_ == 6) charged_.card = books::amountToSettle(charged_);
     payment_.clear();
     isPaid_ = false;
     if (mode_ == 6) {
@@ -205,23 +236,21 @@ void Terminal::openCard() {
 bool Terminal::isPaymentFree(unsigned pick) {
     const books::JournalPayment wanted = journalPayment({});
     const auto inTheWay = [&] { return books::findInTheWay(books::unsettledPayments(), wanted); };
-    const auto before = inTheWay();
-    if (!before && !books::hasUnsettledPayments()) return true;
-    inquire(pick);
-    if (!before) return true;
-    if (inTheWay()) return false;
-    const auto settled = books::findPayment(before->number);
-    if (!settled || settled->state != books::PaymentState::Approved) return true;
-    const auto last = books::lastPayment(date_, number_, user_);
-    isPaid_ = last && last->number == before->number;
-    return false;
+    if (!inTheWay() && books::hasUnsettledPayments()) inquire(pick);
+    QString found;
+    const Answer answer = ask(pick / 3, inTheWay, &found);
+    if (answer == Answer::Approved) {
+        const auto last = books::lastPayment(date_, number_, user_);
+        isPaid_ = last && last->number == found;
+    }
+    return answer == Answer::Free;
 }
 
 books::JournalPayment Terminal::journalPayment(const QString& number) const {
     books::JournalPayment payment;
     payment.number = number;
-    payment.isCard = charged_.card > platform::Won();
-    payment.charged = netTotal(charged_);
+    payment.isCard = books::chargeKind(charged_) == books::ChargeKind::Card;
+    payment.charged = books::amountToCharge(charged_);
     books::CollectionSlip& slip = payment.slip;
     slip.Gubun = books::kSimplePaymentSlip.toString();
     slip.DDate = date_;
@@ -239,12 +268,13 @@ books::JournalPayment Terminal::journalPayment(const QString& number) const {
 
 void Terminal::swipe(unsigned pick) {
     if (isPaid_ || !isPaymentFree(pick / 8)) return;
-    if (charged_.card <= platform::Won() && charged_.cash < platform::Won(1)) return;
+    if (books::chargeKind(charged_) == books::ChargeKind::Nothing) return;
     const QString number = QStringLiteral("%1").arg(++messages_, 32, 10, QLatin1Char('0'));
     if (!books::notePayment(journalPayment(number))) return;
     Event sent = event(Event::Kind::PaymentSent);
     payment_ = number.toStdString();
-    sent.asked = netTotal(charged_).value();
+    sent.asked = books::amountToCharge(charged_).value();
+    sent.isTold = isTold_;
     // Approved; refused; the request was lost; the answer was lost; no link; killed before or after the host.
     enum Fate { Approved, AlsoApproved, Refused, LostRequest, LostAnswer, NoLink, KilledBefore, KilledAfter };
     const auto fate = Fate(pick % 8);
@@ -304,6 +334,8 @@ std::string Terminal::cardTap(const Action& action) {
 /// What the question about every open payment does with the answers.
 void Terminal::inquire(unsigned pick) {
     Event asked = event(Event::Kind::Inquired);
+    // What was not charged is taken back before the menu is left alone.
+    asked.isAtMenu = false;
     books::closeStoppedPayments();
     for (const books::JournalPayment& payment : books::unsettledPayments()) {
         if (pick++ % 3 == 0) break;  // No link any more.
@@ -320,6 +352,44 @@ void Terminal::inquire(unsigned pick) {
         }
     }
     tell(asked);
+}
+
+Terminal::Answer Terminal::ask(unsigned pick, const Find& find, QString* found) {
+    const auto before = find();
+    if (!before) return Answer::Free;
+    if (found != nullptr) *found = before->number;
+    inquire(pick);
+    if (find()) return Answer::Open;
+    const auto settled = books::findPayment(before->number);
+    const bool isApproved = settled && settled->state == books::PaymentState::Approved;
+    return isApproved ? Answer::Approved : Answer::Free;
+}
+
+Terminal::Answer Terminal::askAboutSlip(unsigned pick, const QString& user) {
+    return ask(pick, [&] { return books::unsettledPayment(date_, number_, user); });
+}
+
+void Terminal::takeBackUnpaid() {
+    Event back = event(Event::Kind::UnpaidBack);
+    back.isAtMenu = false;
+    for (const books::CollectionSlip& slip : books::takeBackUnpaid()) {
+        back.takenBack.push_back({{text(slip.DDate), text(slip.JunNo), text(slip.UserID)}, text(slip.GCode)});
+    }
+    if (!back.takenBack.empty()) tell(back);
+}
+
+bool Terminal::mayDelete(unsigned pick) {
+    const bool isOpen = books::hasUnsettledPayment(date_, number_, {});
+    const Answer answer = askAboutSlip(pick, {});
+    if (isOpen) takeBackUnpaid();
+    return answer == Answer::Free;
+}
+
+/// Asks the question of a number that carries an approval; true without one.
+bool Terminal::mayDeletePayments(Event* deleted, bool isPaid, unsigned pick) const {
+    deleted->hasCardQuestion = isPaid || !books::approvedUnder(date_, number_).isEmpty();
+    deleted->isCardConfirmed = pick % 2 == 0;
+    return !deleted->hasCardQuestion || deleted->isCardConfirmed;
 }
 
 // --- the simple payment

@@ -87,7 +87,9 @@ Page Terminal::page() {
             return row;
         });
     page.payments = rows<Payment>(
-        "SELECT Number,DDate,JunNo,UserID,GCode,State,Charged,BANKTRANNO FROM PAYJOURNAL", [](auto& next) {
+        "SELECT Number,DDate,JunNo,UserID,GCode,State,Charged,BANKTRANNO FROM PAYJOURNAL "
+        "WHERE State <> 'prepared'",
+        [](auto& next) {
             Payment payment;
             payment.message = next();
             payment.visit = readVisit(next);

@@ -28,6 +28,7 @@ std::pair<int, int> quantities(const Action& action) {
 // --- the sales slip
 
 void Terminal::openSale() {
+    if (!customer_.isEmpty() && sales::isOtherCustomers(user_, date_, number_, customer_)) return;
     const auto slip = sales::openSlip(user_, date_, number_);
     if (!slip) return;
     if (customer_.isEmpty()) customer_ = slip->GCode;
@@ -117,11 +118,13 @@ void Terminal::openEmpties() {
 void Terminal::finishEmpties() {
     Event saved = event(Event::Kind::EmptiesSaved);
     saved.empties = returns();
-    const container::SaveOutcome outcome = container::saveSlip(user_, date_, number_, customer_);
+    bool isMoved = false;
+    const container::SaveOutcome outcome = container::saveSlip(user_, date_, number_, customer_, &isMoved);
     saved.isRefused = outcome == container::SaveOutcome::Failed;
     tell(saved);
     if (saved.isRefused || (outcome == container::SaveOutcome::Empty && mode_ != 1)) return;
     handedOver_ = container::workingSums().recovery();
+    isRecoveryMoved_ = isMoved;
     openEntry(0);
 }
 
