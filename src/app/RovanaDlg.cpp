@@ -34,9 +34,7 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int kUserName = 1009;
-constexpr int kContainerButton = 1046;
-constexpr int kOldData = 1011;
+enum Control { kUserName = 1009, kContainerButton = 1046, kOldData = 1011 };
 
 QPoint tileAt(int index) {
     return {ui::kGridLeft + index % 2 * 2 * ui::kGridPitch, 8 + index / 2 * 68};

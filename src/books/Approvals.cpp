@@ -17,10 +17,6 @@ using platform::Won;
 namespace {
 
 constexpr db::Statement<
-    u"UPDATE MTMOK SET MSGSENDTIME = '%s', BANKTRANNO = '%s' "
-    u"WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s'">
-    kApprove;
-constexpr db::Statement<
     u"UPDATE MTM SET WorkGubun = '결제' WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s'">
     kMarkPaid;
 constexpr db::Statement<u"UPDATE MTMOK SET MSGSENDTIME = '', BANKTRANNO = '' WHERE BANKTRANNO = '%s'">
@@ -105,9 +101,7 @@ bool putRow(db::Transaction& transaction, const QList<CollectionSlip>& before, c
         return addApprovedRow(transaction, slip) && rowsOf(slip) == before + QList<CollectionSlip>{slip};
     }
     if (before.size() == 1 && isUnapproved(before.first(), slip)) {
-        return transaction.run(
-                   kApprove(slip.MSGSENDTIME, slip.BANKTRANNO, slip.DDate, slip.JunNo, slip.UserID)) &&
-               rowsOf(slip) == QList<CollectionSlip>{slip};
+        return writeApproval(transaction, slip) && rowsOf(slip) == QList<CollectionSlip>{slip};
     }
     return deleteRows(transaction, slip.DDate, slip.JunNo, slip.UserID) &&
            addApprovedRow(transaction, slip) && rowsOf(slip) == QList<CollectionSlip>{slip} &&

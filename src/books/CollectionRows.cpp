@@ -158,12 +158,15 @@ std::optional<QList<CollectionSlip>> approvedSlips(QStringView first, QStringVie
     return allRows(kApproved(first, last));
 }
 
+bool writeApproval(db::Transaction& transaction, const CollectionSlip& slip) {
+    return transaction.run(kApprove(slip.MSGSENDTIME, slip.BANKTRANNO, slip.DDate, slip.JunNo, slip.UserID));
+}
+
 bool writeRow(db::Transaction& transaction, const CollectionSlip& slip) {
     // The entry's own INSERT leaves the approval's two columns out.
     const bool isIn = deleteRows(transaction, slip.DDate, slip.JunNo, slip.UserID) &&
                       insertRow(transaction, kInsert, slip) &&
-                      (!slip.isApproved() || transaction.run(kApprove(slip.MSGSENDTIME, slip.BANKTRANNO,
-                                                                      slip.DDate, slip.JunNo, slip.UserID)));
+                      (!slip.isApproved() || writeApproval(transaction, slip));
     return isIn && collectionRows(slip.DDate, slip.JunNo, slip.UserID) == QList<CollectionSlip>{slip};
 }
 

@@ -143,6 +143,9 @@ std::optional<QList<CollectionSlip>> approvedSlips(QStringView first, QStringVie
 /// Puts the slip, with the approval that it carries, in the place of the rows of its date, number and user.
 [[nodiscard]] bool writeRow(db::Transaction& transaction, const CollectionSlip& slip);
 
+/// Writes the slip's approval into the rows of its date, number and user.
+[[nodiscard]] bool writeApproval(db::Transaction& transaction, const CollectionSlip& slip);
+
 /// Adds the slip of an approved payment beside what has its number.
 [[nodiscard]] bool addApprovedRow(db::Transaction& transaction, const CollectionSlip& slip);
 

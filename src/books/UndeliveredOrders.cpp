@@ -1,24 +1,24 @@
 #include "books/UndeliveredOrders.h"
 
 #include "db/Query.h"
-#include "db/Statement.h"
 
 namespace books {
 namespace {
 
-// The import knows no time of saving. An empty user leaves the condition on him out.
+// What an order is that nobody has delivered. The import knows no time of saving. The slips are those of a
+// day, of a customer and of all days before one: a part whose values are empty finds none. An empty user
+// leaves the condition on him out.
 constexpr db::Statement<
-    u"SELECT DDate, JunNo, UserID FROM MTM WHERE DDate = '%s' AND ('%s' = '' OR UserID = '%s') "
+    u"SELECT DDate, JunNo, UserID FROM MTM WHERE rowid IN ("
+    u"SELECT rowid FROM MTM WHERE DDate = '%s' AND ('%s' = '' OR UserID = '%s') UNION ALL "
+    u"SELECT rowid FROM MTM WHERE GCode = '%s' AND DDate <= '%s' UNION ALL "
+    u"SELECT rowid FROM MTM WHERE DDate < '%s') "
     u"AND NOT EXISTS (SELECT 1 FROM MTMOK WHERE MTMOK.DDate = MTM.DDate AND MTMOK.JunNo = MTM.JunNo "
-    u"AND MTMOK.UserID = MTM.UserID) GROUP BY DDate, JunNo, UserID "
+    u"AND MTMOK.UserID = MTM.UserID) "
+    u"AND NOT EXISTS (SELECT 1 FROM YTM WHERE YTM.DDate = MTM.DDate AND YTM.JunNo = MTM.JunNo "
+    u"AND YTM.UserID = MTM.UserID) GROUP BY DDate, JunNo, UserID "
     u"HAVING TOTAL(DTime <> '') = 0 AND TOTAL(WorkGubun = '발행' OR WorkGubun = '결제') = 0">
-    kOfDay;
-constexpr db::Statement<
-    u"SELECT DDate, JunNo, UserID FROM MTM WHERE GCode = '%s' AND DDate <= '%s' "
-    u"AND NOT EXISTS (SELECT 1 FROM MTMOK WHERE MTMOK.DDate = MTM.DDate AND MTMOK.JunNo = MTM.JunNo "
-    u"AND MTMOK.UserID = MTM.UserID) GROUP BY DDate, JunNo, UserID "
-    u"HAVING TOTAL(DTime <> '') = 0 AND TOTAL(WorkGubun = '발행' OR WorkGubun = '결제') = 0">
-    kOfCustomer;
+    kUndelivered;
 
 std::optional<QSet<QStringList>> read(const db::Sql& select) {
     QSet<QStringList> slips;
@@ -31,7 +31,7 @@ std::optional<QSet<QStringList>> read(const db::Sql& select) {
 }  // namespace
 
 std::optional<UndeliveredOrders> UndeliveredOrders::ofDay(QStringView date, QStringView userId) {
-    const auto slips = read(kOfDay(date, userId, userId));
+    const auto slips = read(kUndelivered(date, userId, userId, u"", u"", u""));
     if (!slips) return std::nullopt;
     UndeliveredOrders orders;
     orders.slips_ = *slips;
@@ -40,8 +40,12 @@ std::optional<UndeliveredOrders> UndeliveredOrders::ofDay(QStringView date, QStr
 
 UndeliveredOrders UndeliveredOrders::ofCustomer(QStringView gCode, QStringView date) {
     UndeliveredOrders orders;
-    orders.slips_ = read(kOfCustomer(gCode, date)).value_or(QSet<QStringList>());
+    orders.slips_ = read(kUndelivered(u"", u"", u"", gCode, date, u"")).value_or(QSet<QStringList>());
     return orders;
+}
+
+db::Sql UndeliveredOrders::selectBefore(QStringView date) {
+    return kUndelivered(u"", u"", u"", u"", u"", date);
 }
 
 bool UndeliveredOrders::contains(const QString& date, const QString& junNo, const QString& userId) const {

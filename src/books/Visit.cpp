@@ -7,6 +7,7 @@
 
 #include "books/PayableTotal.h"
 #include "books/PrintLog.h"
+#include "books/UndeliveredOrders.h"
 #include "db/Health.h"
 #include "db/Query.h"
 
@@ -19,7 +20,7 @@ using platform::Won;
 
 // An empty number or user leaves the condition on it out.
 constexpr db::Statement<
-    u"SELECT JunNo, UserID, GCode, GName, WorkGubun, DTime, PCode, PName, Box, Bon, MMoney, BMoney, YMoney, "
+    u"SELECT JunNo, UserID, GCode, GName, WorkGubun, PCode, PName, Box, Bon, MMoney, BMoney, YMoney, "
     u"GMoney FROM MTM WHERE DDate = '%s' AND ('%s' = '' OR JunNo = '%s') AND ('%s' = '' OR UserID = '%s') "
     u"ORDER BY rowid">
     kGoods;
@@ -59,8 +60,8 @@ class Reader {
         : date_(date), junNo_(junNo), userId_(userId) {}
 
     bool read() {
-        return readGoods() && readContainers() && readCollections() && readPayments() && readPrints() &&
-               readMasterData();
+        return readGoods() && markOrders() && readContainers() && readCollections() && readPayments() &&
+               readPrints() && readMasterData();
     }
 
     QList<Visit> visits() const {
@@ -93,11 +94,18 @@ class Reader {
                    const auto text = [&](int column) { return row.GetFieldString(column); };
                    Visit& visit = at(text(0), text(1), text(2), text(3));
                    if (visit.goods.isEmpty()) visit.printState = text(4);
-                   if (visit.savedAt.isEmpty()) visit.savedAt = text(5);
-                   visit.goods.append({text(6), text(7), parseInteger(text(8)), parseInteger(text(9)),
-                                       parseWon(text(10)), parseWon(text(11)), parseWon(text(12)),
-                                       parseWon(text(13))});
+                   visit.goods.append({text(5), text(6), parseInteger(text(7)), parseInteger(text(8)),
+                                       parseWon(text(9)), parseWon(text(10)), parseWon(text(11)),
+                                       parseWon(text(12))});
                }) >= 0;
+    }
+
+    bool markOrders() {
+        const auto orders = UndeliveredOrders::ofDay(date_, userId_);
+        if (!orders) return false;
+        for (auto& [key, visit] : visits_)
+            visit.isUndelivered = orders->contains(visit.date, visit.junNo, visit.userId);
+        return true;
     }
 
     bool readContainers() {
@@ -185,10 +193,6 @@ std::optional<QList<Visit>> readVisits(QStringView date, QStringView junNo, QStr
 
 }  // namespace
 
-bool Visit::isEmpty() const {
-    return goods.isEmpty() && containers.isEmpty() && collections.isEmpty() && payments.isEmpty();
-}
-
 Won Visit::goodsTotal() const {
     Won supply;
     Won vat;
@@ -207,12 +211,6 @@ Won Visit::containerWorth() const {
     return worth;
 }
 
-bool Visit::isUndelivered() const {
-    const bool isPrinted = printState == u"발행" || printState == u"결제";
-    return !goods.isEmpty() && savedAt.isEmpty() && !isPrinted && containers.isEmpty() &&
-           collections.isEmpty() && payments.isEmpty();
-}
-
 const CollectionSlip* Visit::collection() const {
     const auto found =
         std::ranges::find_if(collections, [](const CollectionSlip& slip) { return !slip.isSimplePayment(); });
@@ -229,19 +227,6 @@ std::optional<QList<Visit>> visitsOfDay(QStringView date, QStringView userId) {
 
 std::optional<QList<Visit>> visitsOfNumber(QStringView date, QStringView junNo, QStringView userId) {
     return readVisits(date, junNo, userId);
-}
-
-std::optional<Visit> readVisit(QStringView date, QStringView junNo, QStringView userId, QStringView gCode) {
-    const auto visits = readVisits(date, junNo, userId);
-    if (!visits) return std::nullopt;
-    const auto found = std::ranges::find_if(*visits, [&](const Visit& each) { return each.gCode == gCode; });
-    if (found != visits->end()) return *found;
-    Visit none;
-    none.date = date.toString();
-    none.junNo = junNo.toString();
-    none.userId = userId.toString();
-    none.gCode = gCode.toString();
-    return none;
 }
 
 QStringList unclosedDays(QStringView userId, QStringView date) {

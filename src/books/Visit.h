@@ -48,9 +48,9 @@ struct Visit {
     QString userId;
     QString gCode;
     QString gName;
-    QString vatMode;     ///< The user's VAT rounding mode.
-    QString printState;  ///< `WorkGubun` of the sales slip's first line.
-    QString savedAt;  ///< `DTime` of the sales slip; empty for an order of the office that was not changed.
+    QString vatMode;             ///< The user's VAT rounding mode.
+    QString printState;          ///< `WorkGubun` of the sales slip's first line.
+    bool isUndelivered = false;  ///< An order of the office that nobody has delivered.
     QList<SoldLine> goods;
     QList<ReturnedLine> containers;
     QList<CollectionSlip> collections;  ///< One, but for simple payments, which may share a number.
@@ -58,14 +58,10 @@ struct Visit {
     QList<NotedPrint> prints;
     std::optional<platform::Won> balance;  ///< The customer's present receivable; nothing for an unknown one.
 
-    bool isEmpty() const;
     /// Goods as the customer pays them, rounded in the user's VAT mode, and deposits, in won.
     platform::Won goodsTotal() const;
     /// What the containers taken back are worth, in won.
     platform::Won containerWorth() const;
-    /// True for an order of the office that nobody has delivered: as it was imported, neither printed nor
-    /// settled, and nothing taken back for it.
-    bool isUndelivered() const;
     /// The collection of the visit; null without one, or when there are simple payments alone.
     const CollectionSlip* collection() const;
     /// True while it is open whether a payment of the visit was charged.
@@ -79,9 +75,6 @@ std::optional<QList<Visit>> visitsOfDay(QStringView date, QStringView userId);
 
 /// The visits under one number: more than one where it has several users or customers.
 std::optional<QList<Visit>> visitsOfNumber(QStringView date, QStringView junNo, QStringView userId);
-
-/// The one visit, empty where nothing stands. Nothing when it could not be read.
-std::optional<Visit> readVisit(QStringView date, QStringView junNo, QStringView userId, QStringView gCode);
 
 /// The user's days in the week before `date` that have a visit and no close, the oldest first; with an empty
 /// id the days on which some user has not closed.

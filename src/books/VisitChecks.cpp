@@ -57,7 +57,7 @@ class Checks {
                 add(Kind::CollectionWithoutSale, collection->amounts().total);
         } else if (collection != nullptr) {
             compare(Kind::TotalDiffers, visit_.goodsTotal(), collection->amounts().total);
-        } else if (!visit_.isUndelivered()) {
+        } else if (!visit_.isUndelivered) {
             add(Kind::SaleWithoutCollection, visit_.goodsTotal());
         }
     }
@@ -204,7 +204,7 @@ CrossFoot crossFoot(const QList<Visit>& visits) {
     CrossFoot foot;
     for (const Visit& visit : visits) {
         const bool isCollected = visit.collection() != nullptr;
-        if (!visit.goods.isEmpty() && !visit.isUndelivered()) {
+        if (!visit.goods.isEmpty() && !visit.isUndelivered) {
             foot.sales += visit.goodsTotal();
             if (!isCollected) foot.uncollected += visit.goodsTotal();
         }

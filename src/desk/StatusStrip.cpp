@@ -74,6 +74,13 @@ StatusStrip::StatusStrip(const platform::Settings& settings, QWidget* parent)
       noPaper_(makeFault(u"no-paper"_s, u"용지 없음 No paper"_s, this)),
       printerGone_(makeFault(u"printer-gone"_s, u"꺼짐 Gone"_s, this)),
       hostSilent_(makeFault(u"host-silent"_s, u"응답 없음 Silent"_s, this)) {
+    layOut();
+    connectPrinterFaults(settings);
+    connectHostFault();
+    refresh();
+}
+
+void StatusStrip::layOut() {
     // The columns stay where they are, whatever the lamps say: the boxes below are being aimed at.
     auto* layout = new QGridLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -92,7 +99,9 @@ StatusStrip::StatusStrip(const platform::Settings& settings, QWidget* parent)
         layout->addWidget(lamp, 0, column);
         layout->setColumnStretch(column++, share);
     }
+}
 
+void StatusStrip::connectPrinterFaults(const platform::Settings& settings) {
     if (settings.printer.kind == platform::PrinterSettings::Kind::Roll) {
         auto printer = std::make_unique<DeskPrinter>(settings.rollKilobytes * kKilobyte);
         deskPrinter_ = printer.get();
@@ -106,6 +115,9 @@ StatusStrip::StatusStrip(const platform::Settings& settings, QWidget* parent)
     }
     noPaper_->setAccessibleName(u"프린터 용지 없음 Printer without paper"_s);
     printerGone_->setAccessibleName(u"프린터 꺼짐 Printer gone"_s);
+}
+
+void StatusStrip::connectHostFault() {
     hostSilent_->setAccessibleName(u"호스트 응답 없음 Host silent"_s);
     hostSilent_->setEnabled(isDemoHost());
     // A desk that was killed ended its fault no more.
@@ -116,7 +128,6 @@ StatusStrip::StatusStrip(const platform::Settings& settings, QWidget* parent)
     connect(hostSilent_, &QCheckBox::toggled, this, [this](bool isOn) {
         if (!setHostSilent(isOn)) hostSilent_->setChecked(false);
     });
-    refresh();
 }
 
 StatusStrip::~StatusStrip() {

@@ -43,6 +43,9 @@ class StatusStrip : public QWidget {
     void refresh();
 
   private:
+    void layOut();
+    void connectPrinterFaults(const platform::Settings& settings);
+    void connectHostFault();
     void setPrinterFault();
     void showPrinter(const platform::termdev::DeviceStatus& status);
 

@@ -52,7 +52,7 @@ DayFigures figuresOf(const QList<Visit>& visits, books::Containers back) {
     DayFigures figures;
     figures.back = back;
     for (const Visit& visit : visits) {
-        if (visit.isUndelivered()) continue;
+        if (visit.isUndelivered) continue;
         figures.openSlips += !visit.goods.isEmpty() && visit.collection() == nullptr;
         for (const books::SoldLine& line : visit.goods) {
             add(&figures.boxes, line.boxes);
@@ -138,7 +138,7 @@ void addUncollected(Report* report, const QList<Visit>& visits) {
     Section sales{u"수금없는 판매"_s, {}};
     Section containers{u"입금없는 용공"_s, {}};
     for (const Visit& visit : visits) {
-        if (visit.collection() != nullptr || visit.isUndelivered()) continue;
+        if (visit.collection() != nullptr || visit.isUndelivered) continue;
         if (!visit.goods.isEmpty()) sales.rows.append({nameOf(visit), visit.goodsTotal()});
         if (!visit.containers.isEmpty()) containers.rows.append({nameOf(visit), visit.containerWorth()});
     }
@@ -320,7 +320,7 @@ QString fingerprint(const QList<Visit>& visits) {
     QJsonObject digests;
     for (const Visit& visit : visits) {
         // Orders that come in change nothing until they are delivered.
-        if (!visit.isUndelivered()) digests[keyOf(visit.junNo, visit.userId, visit.gCode)] = digestOf(visit);
+        if (!visit.isUndelivered) digests[keyOf(visit.junNo, visit.userId, visit.gCode)] = digestOf(visit);
     }
     return compact(digests);
 }
@@ -330,7 +330,7 @@ QList<Row> changesSince(QStringView fingerprint, std::int64_t deletions, const D
     QSet<QString> seen;
     QList<Row> changes;
     for (const Visit& visit : day.visits) {
-        if (visit.isUndelivered()) continue;
+        if (visit.isUndelivered) continue;
         const QString key = keyOf(visit.junNo, visit.userId, visit.gCode);
         seen << key;
         if (before[key].toString() != digestOf(visit)) changes.append({nameOf(visit), worthOf(visit)});

@@ -65,9 +65,6 @@ class Screen : public QWidget {
     QWidget* control(int controlId) const;
 
   protected:
-    /// Lets the dialog with that id take this screen's place when it is closed.
-    void setSuccessor(int dialogId) { successor_ = dialogId; }
-
     /// A button without `pressed` is disabled.
     BitmapButton* addButton(int controlId, const QString& caption, QPoint at, ButtonBitmaps bitmaps,
                             std::function<void()> pressed);

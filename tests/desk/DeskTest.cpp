@@ -20,6 +20,7 @@
 #include "support/Exchange.h"
 #include "support/HostProcess.h"
 #include "support/PrintQt.h"
+#include "support/Roll.h"
 #include "support/TestDevice.h"
 #include "ui/Terminal.h"
 
@@ -129,10 +130,10 @@ TEST_F(DeskTest, KeepsSlipsWhileThePrinterIsOutOfOrder) {
     box(u"no-paper"_s)->click();
     EXPECT_EQ(lamp->light(), desk::Lamp::Red) << "it is still switched off";
     EXPECT_TRUE(lamp->accessibleName().contains(u"대기 2"_s)) << lamp->accessibleName().toStdString();
-    EXPECT_EQ(rollText(), u"  【하나】\n"_s);
+    EXPECT_EQ(test::rollText(), u"  【하나】\n"_s);
     box(u"printer-gone"_s)->click();
     EXPECT_EQ(lamp->light(), desk::Lamp::Green);
-    EXPECT_EQ(rollText(), u"  【하나】\n  【둘】\n【셋】\n"_s);
+    EXPECT_EQ(test::rollText(), u"  【하나】\n  【둘】\n【셋】\n"_s);
 
     // What waits in the folder was left by a program that was killed: it comes out first.
     box(u"no-paper"_s)->click();
@@ -145,11 +146,11 @@ TEST_F(DeskTest, KeepsSlipsWhileThePrinterIsOutOfOrder) {
     ASSERT_TRUE(QDir().rename(aside, spool));
     open();
     printByOrdinal(u"다섯\n");
-    EXPECT_TRUE(rollText().endsWith(u"【셋】\n【넷】\n【다섯】\n"_s)) << rollText().toStdString();
+    EXPECT_TRUE(test::rollText().endsWith(u"【셋】\n【넷】\n【다섯】\n"_s)) << test::rollText().toStdString();
 
     // What the roll does not take is tried again by itself.
     desk_.reset();
-    platform::termdev::resetRoll();
+    test::resetRoll();
     const QString roll = device_.folder() + u"/roll.txt"_s;
     ASSERT_TRUE(QDir().mkdir(roll));
     desk::DeskPrinter printer(1 << 20, 20);
@@ -158,7 +159,7 @@ TEST_F(DeskTest, KeepsSlipsWhileThePrinterIsOutOfOrder) {
     printer.close();
     EXPECT_EQ(printer.status().waitingJobs, 1);
     ASSERT_TRUE(QDir().rmdir(roll));
-    EXPECT_TRUE(QTest::qWaitFor([] { return rollText() == u"여섯\n"; }));
+    EXPECT_TRUE(QTest::qWaitFor([] { return test::rollText() == u"여섯\n"; }));
 }
 
 TEST_F(DeskTest, DrawsCardsThroughTheReader) {

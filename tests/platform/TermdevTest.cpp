@@ -8,6 +8,7 @@
 #include "platform/termdev/PaperRoll.h"
 #include "platform/termdev/TermDev.h"
 #include "support/Pump.h"
+#include "support/Roll.h"
 #include "support/TestDevice.h"
 
 namespace {
@@ -59,9 +60,9 @@ TEST_F(Roll, OperationsAreBoundByOrdinal) {
     print(u"글\n");
     EXPECT_EQ(print(nullptr), 0);
     counted(16)(2);
-    EXPECT_EQ(rollText(), u""_s) << "paper is written when the device closes";
+    EXPECT_EQ(test::rollText(), u""_s) << "paper is written when the device closes";
     EXPECT_EQ(plain(2)(), 1);
-    EXPECT_EQ(rollText().toStdString(), "  【제목】\n글\n\n\n");
+    EXPECT_EQ(test::rollText().toStdString(), "  【제목】\n글\n\n\n");
     EXPECT_EQ(plain(2)(), 0) << "closed already";
 }
 
@@ -84,12 +85,12 @@ TEST_F(Roll, TextFollowsThePaper) {
         {u"opened for the card reader only", {}, u""_s},
     };
     for (const Case& entry : cases) {
-        resetRoll();
+        test::resetRoll();
         PaperRoll roll;
         roll.open();
         for (const QString& text : entry.prints) roll.print(text);
         roll.close();
-        EXPECT_EQ(rollText().toStdString(), entry.paper.toStdString())
+        EXPECT_EQ(test::rollText().toStdString(), entry.paper.toStdString())
             << QString::fromUtf16(entry.what).toStdString();
     }
 }
@@ -98,7 +99,7 @@ TEST_F(Roll, TextNeedsNoFonts) {
     if (QCoreApplication::instance()) GTEST_SKIP() << "this program has an application with fonts";
     print({u"글\n"});
     print({u"다음\n"});
-    EXPECT_EQ(rollText(), u"글\n다음\n"_s);
+    EXPECT_EQ(test::rollText(), u"글\n다음\n"_s);
     EXPECT_TRUE(picture().isNull());
 }
 
@@ -127,11 +128,11 @@ TEST_F(Roll, TextTurnsOverAtItsLimit) {
         roll.open();
         roll.print(u"job %1 ---------\n"_s.arg(job));
         roll.close();
-        ASSERT_LE(rollText().size(), 40);
+        ASSERT_LE(test::rollText().size(), 40);
     }
     QFile older(device_.folder() + u"/roll.txt.1"_s);
     ASSERT_TRUE(older.open(QIODevice::ReadOnly));
-    EXPECT_EQ(older.readAll() + rollText().toUtf8(),
+    EXPECT_EQ(older.readAll() + test::rollText().toUtf8(),
               "job 6 ---------\njob 7 ---------\njob 8 ---------\njob 9 ---------\n");
 }
 
@@ -144,7 +145,7 @@ TEST_F(Roll, FailureIsTracedOnly) {
     EXPECT_EQ(traces.size(), 1);
     ASSERT_TRUE(QDir(device_.folder()).rmdir(u"roll.txt"_s));
     print({u"다음\n"});
-    EXPECT_EQ(rollText(), u"다음\n"_s) << "the job that failed does not come back";
+    EXPECT_EQ(test::rollText(), u"다음\n"_s) << "the job that failed does not come back";
 }
 
 }  // namespace

@@ -4,11 +4,11 @@
 
 #include "books/CollectionSlip.h"
 #include "platform/CodePage.h"
-#include "platform/termdev/PaperRoll.h"
 #include "platform/termdev/TermDev.h"
 #include "print/Layout.h"
 #include "sales/SlipStore.h"
 #include "support/Approved.h"
+#include "support/Roll.h"
 #include "support/TestDevice.h"
 
 namespace {
@@ -118,9 +118,9 @@ TEST_F(SlipPapers, AreReprintsUntilTheirSlipChanges) {
     ASSERT_TRUE(sales::deleteSlip(kDate, u"5001", true, u"A"));
     EXPECT_EQ(device_.value(u"SELECT COUNT(*) FROM PRINTLOG"_s), u"0"_s)
         << "the other user's go with the slip";
-    platform::termdev::resetRoll();
+    test::resetRoll();
     EXPECT_EQ(printAll(Copy::Seller), 0);
-    EXPECT_TRUE(platform::termdev::rollText().isEmpty());
+    EXPECT_TRUE(test::rollText().isEmpty());
 }
 
 TEST_F(SlipPapers, PrintWithoutTheTableOfAnOlderTerminal) {
@@ -128,11 +128,11 @@ TEST_F(SlipPapers, PrintWithoutTheTableOfAnOlderTerminal) {
     device_.execute(u"DROP TABLE PRINTLOG"_s);
     print::SlipPapers papers(kDate, u"5001", u"A");
     for (const Copy copy : {Copy::Seller, Copy::Buyer, Copy::Seller}) {
-        EXPECT_EQ(platform::termdev::rollText().count(u"재발행"_s), 0);
-        platform::termdev::resetRoll();
+        EXPECT_EQ(test::rollText().count(u"재발행"_s), 0);
+        test::resetRoll();
         EXPECT_EQ(papers.print(books::kPapers, copy).size(), 3);
     }
-    EXPECT_EQ(platform::termdev::rollText().count(u"재발행"_s), 3) << "the third one repeats the first";
+    EXPECT_EQ(test::rollText().count(u"재발행"_s), 3) << "the third one repeats the first";
     // Of what was printed another time the slip's state is all that is known.
     EXPECT_EQ(reprints(), u"거래명세서공급자용 거래명세서공급받는자용"_s);
     auto collection = *books::loadCollection(kDate, u"5001", u"A");

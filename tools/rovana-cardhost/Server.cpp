@@ -110,14 +110,18 @@ void Server::reply(QTcpSocket* socket, const Frame& reply, const std::optional<F
         platform::trace(u"a terminal does not read its answers"_s);
         return socket->abort();
     }
-    const QByteArray bytes = encodeFrame(reply);
-    if (!fault) {
-        socket->write(bytes);
-        return;
+    if (fault) {
+        replyWrongly(socket, reply, *fault);
+    } else {
+        socket->write(encodeFrame(reply));
     }
-    switch (fault->misbehaviour) {
+}
+
+void Server::replyWrongly(QTcpSocket* socket, const Frame& reply, const Fault& fault) {
+    const QByteArray bytes = encodeFrame(reply);
+    switch (fault.misbehaviour) {
         case Misbehaviour::Late:
-            QTimer::singleShot(fault->delay, socket, [socket, bytes] { socket->write(bytes); });
+            QTimer::singleShot(fault.delay, socket, [socket, bytes] { socket->write(bytes); });
             break;
         case Misbehaviour::Split:
             sendInPieces(socket, bytes);

@@ -45,6 +45,7 @@ class Server : public QObject {
     void read(QTcpSocket* socket);
     void serve(QTcpSocket* socket, const OpenedRequest& request);
     void reply(QTcpSocket* socket, const platform::message::Frame& reply, const std::optional<Fault>& fault);
+    static void replyWrongly(QTcpSocket* socket, const platform::message::Frame& reply, const Fault& fault);
 
     Ledger& ledger_;
     const QString folder_;

@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "books/ContainerCarry.h"
+#include "books/UndeliveredOrders.h"
 #include "db/Schema.h"
 #include "rovanactl/DatabaseCheck.h"
 #include "rovanactl/DatabaseCopy.h"
@@ -46,12 +47,7 @@ bool choose(SqliteFile& database, const ArchiveOrder& order) {
         "CREATE TABLE temp.staying AS "
         "SELECT DDate, JunNo FROM main.PAYJOURNAL WHERE State IN ('sent', 'unknown') OR MSGSENDTIME >= '%3' "
         "UNION SELECT DDate, JunNo FROM main.MTMOK WHERE MSGSENDTIME >= '%3' "
-        // An order of the office: never saved on the terminal, printed or settled.
-        "UNION SELECT DDate, JunNo FROM main.MTM AS line WHERE DDate < '%1' AND NOT EXISTS ("
-        "SELECT 1 FROM main.MTMOK AS ok WHERE ok.DDate = line.DDate AND ok.JunNo = line.JunNo "
-        "AND ok.UserID = line.UserID) "
-        "GROUP BY DDate, JunNo, UserID "
-        "HAVING TOTAL(DTime <> '') = 0 AND TOTAL(WorkGubun = '발행' OR WorkGubun = '결제') = 0;"
+        "UNION SELECT DDate, JunNo FROM (%5);"
         // A payment that never reaches the host is told from the one before it by that one's transaction
         // number: the last approved payment before the first open one stays, and all after it.
         "CREATE TABLE temp.stayingpayment AS SELECT COALESCE((SELECT MAX(rowid) FROM main.PAYJOURNAL "
@@ -63,7 +59,8 @@ bool choose(SqliteFile& database, const ArchiveOrder& order) {
         "AND DDate NOT IN (SELECT DDate FROM temp.unclosed);"
         "CREATE TABLE temp.leaving (DDate TEXT, JunNo TEXT, PRIMARY KEY (DDate, JunNo)) WITHOUT ROWID;"
         "INSERT INTO temp.leaving SELECT * FROM temp.old EXCEPT SELECT * FROM temp.staying;"_s.arg(
-            order.before, order.alsoUnclosed ? u"1"_s : u"0"_s, time, visits.join(u" UNION "_s));
+            order.before, order.alsoUnclosed ? u"1"_s : u"0"_s, time, visits.join(u" UNION "_s),
+            books::UndeliveredOrders::selectBefore(order.before).text());
     return database.execute(script);
 }
 

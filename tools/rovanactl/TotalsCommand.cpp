@@ -37,6 +37,19 @@ void writeCsv(QTextStream& out, const totals::Report& report) {
     for (const QStringList& line : totals::table(report)) out << QString::fromUtf8(csvLine(line));
 }
 
+/// Writes them with an empty line between two.
+void writeReports(const Invocation& call, const QList<totals::Report>& reports) {
+    bool isFirst = true;
+    for (const totals::Report& report : reports) {
+        if (!std::exchange(isFirst, false)) call.out << u'\n';
+        if (call.options.isSet(u"csv"_s)) {
+            writeCsv(call.out, report);
+        } else {
+            call.out << totals::document(report).text();
+        }
+    }
+}
+
 Outcome writeTotals(const Invocation& call) {
     const std::optional<QString> date = dateOption(call.options, u"date"_s);
     if (!date) return usageError(u"--date takes a date such as 2024-03-31"_s);
@@ -77,15 +90,7 @@ Outcome writeTotals(const Invocation& call) {
         if (!report) return unread(daily.name);
         reports << *std::move(report);
     }
-    bool isFirst = true;
-    for (const totals::Report& report : reports) {
-        if (!std::exchange(isFirst, false)) call.out << u'\n';
-        if (call.options.isSet(u"csv"_s)) {
-            writeCsv(call.out, report);
-        } else {
-            call.out << totals::document(report).text();
-        }
-    }
+    writeReports(call, reports);
     return {};
 }
 

@@ -20,7 +20,7 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 using platform::Won;
 
-constexpr int kBalance = 1099;
+enum Control { kBalance = 1099, kTotalSum = 1081, kTotalOfLine = 1086 };
 
 /// A row of the amounts: its button and caption, the slip's sum, the selected line's value.
 struct AmountRow {
@@ -36,8 +36,6 @@ constexpr AmountRow kAmountRows[] = {
     {1096, u"용수수", 1079, 1084, &ContainerAmounts::crateFee},
     {1076, u"공수수", 1080, 1085, &ContainerAmounts::bottleFee},
 };
-constexpr int kTotalSum = 1081;
-constexpr int kTotalOfLine = 1086;
 
 }  // namespace
 

@@ -130,10 +130,6 @@ void PaperRoll::draw() {
     if (!writePicture(std::exchange(undrawn_, {}))) trace(u"the paper roll's picture could not be written");
 }
 
-QString rollText() {
-    return QString::fromUtf8(readWholeFile(textFile()).value_or(QByteArray()));
-}
-
 QByteArray RollReader::read(qint64 most) {
     QByteArray bytes;
     QFile file(textFile());
@@ -148,10 +144,6 @@ QByteArray RollReader::read(qint64 most) {
     if (number == 0) return bytes;
     if (file.size() < read_) read_ = 0;
     return bytes + readLines(file, most, &read_);
-}
-
-void resetRoll() {
-    for (const QString& name : {textFile(), olderTextFile(), pictureFile()}) QFile::remove(name);
 }
 
 }  // namespace platform::termdev

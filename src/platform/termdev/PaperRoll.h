@@ -33,9 +33,6 @@ class PaperRoll : public LinePrinter {
     QTimer drawing_;
 };
 
-/// The paper printed so far, as text; empty for none.
-QString rollText();
-
 /// Reads on in the paper's text as it is printed, also where roll.txt turns over.
 class RollReader {
   public:
@@ -48,8 +45,5 @@ class RollReader {
         0;  ///< The number in the file system of the roll.txt that was read; 0 before there is one.
     qint64 read_ = 0;  ///< Bytes of it.
 };
-
-/// Tears the paper off: removes roll.txt, the one before it, and roll.png.
-void resetRoll();
 
 }  // namespace platform::termdev

@@ -15,9 +15,7 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 using books::Paper;
 
-constexpr int kSellerCopy = 1089;
-constexpr int kBuyerCopy = 1090;
-constexpr int kPrintedMark = 1056;
+enum Control { kSellerCopy = 1089, kBuyerCopy = 1090, kPrintedMark = 1056 };
 
 }  // namespace
 

@@ -18,9 +18,7 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int kTel = 1108;
-constexpr int kMargin = 1109;
-constexpr int kReceivable = 1110;
+enum Control { kTel = 1108, kMargin = 1109, kReceivable = 1110 };
 
 /// The screen that a work mode goes on to; 0 for a mode that opens nothing.
 int workScreen(int workMode) {

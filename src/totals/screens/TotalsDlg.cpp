@@ -24,10 +24,7 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int kSummaryButton = 1022;
-constexpr int kReconcileButton = 1023;
-constexpr int kCloseButton = 1024;
-constexpr int kWhoLabel = 1059;
+enum Control { kSummaryButton = 1022, kReconcileButton = 1023, kCloseButton = 1024, kWhoLabel = 1059 };
 
 constexpr QStringView kUnread = u"자료를 읽지 못해 집계하지 못했습니다..!";
 

@@ -17,9 +17,7 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int kCustomer = 1059;
-constexpr int kSlip = 1088;
-constexpr int kAmount = 1084;
+enum Control { kCustomer = 1059, kSlip = 1088, kAmount = 1084 };
 constexpr short kAnsweredNumberField = 1131;
 constexpr QStringView kNeverReceived = u"0019";
 
