@@ -10,6 +10,7 @@
 
 #include "app/DeviceProblem.h"
 #include "app/LoginWait.h"
+#include "app/Session.h"
 #include "platform/Device.h"
 #include "platform/Wipe.h"
 #include "support/FullDisk.h"
@@ -125,6 +126,31 @@ TEST(SimplePayment, IsNumberedFrom7001WithinTheDay) {
         }
         EXPECT_EQ(books::nextSimplePaymentNumber(u"2026-11-21"), c.next) << c.highest.toStdString();
     }
+}
+
+TEST(Session, ResetEmptiesTheActionAndBothWorkingTables) {
+    test::TestDevice device;
+    device.insert(u"TEMP", {{u"PCode", u"0001"}});
+    device.insert(u"YTEMP", {{u"PCode", u"0001"}});
+    app::session().UserID = u"A"_s;
+    app::session().action.GCode = u"0012"_s;
+    app::session().action.SupplySum = platform::Won(5);
+    app::resetSession();
+    EXPECT_EQ(app::session().action.GCode, QString());
+    EXPECT_TRUE(app::session().action.SupplySum.isZero());
+    EXPECT_EQ(app::session().UserID, u"A"_s);
+    EXPECT_EQ(device.value(u"SELECT (SELECT COUNT(*) FROM TEMP) + (SELECT COUNT(*) FROM YTEMP)"_s), u"0"_s);
+}
+
+TEST(Company, TheLastRowWins) {
+    test::TestDevice device;
+    device.insert(u"config", {{u"sangho", u"첫째"}, {u"tel", u"1"}});
+    device.insert(u"config", {{u"sangho", u"둘째"}, {u"cardno", u"9"}, {u"cardpass", u"8642"}});
+    app::loadCompany();
+    EXPECT_EQ(app::session().sangho, u"둘째"_s);
+    EXPECT_EQ(app::session().tel, QString());
+    EXPECT_EQ(app::session().cardno, u"9"_s);
+    EXPECT_EQ(app::session().cardpass.view(), u"8642");
 }
 
 }  // namespace

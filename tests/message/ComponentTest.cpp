@@ -83,6 +83,16 @@ TEST_F(ComponentTest, SavedValuesAreReadFromTheirFile) {
     EXPECT_EQ(terminal.call(24, {u"221", &read}), kSavedUnreadable) << "no file";
 }
 
+TEST_F(ComponentTest, EveryRequestNeedsTheTerminalsNumber) {
+    replace(savedFile(), "221=127000000001\n");
+    EXPECT_EQ(terminal.header(u"0100"), kSavedMissing);
+    EXPECT_EQ(terminal.payment(kCardData, u"1234"), kBadInput) << "no header to build on";
+    EXPECT_EQ(terminal.commun(port()), kBadInput) << "and nothing to send";
+    EXPECT_EQ(terminal.wait(), u"ksnet -100 ended");
+    QFile::remove(savedFile());
+    EXPECT_EQ(terminal.header(u"0100"), kSavedUnreadable);
+}
+
 TEST_F(ComponentTest, ParametersAreChecked) {
     const struct {
         QStringView card, password, supply, flag, amount;
