@@ -22,16 +22,6 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-TEST(Login, FillsTheSessionByPosition) {
-    test::TestDevice device;
-    device.execute(u"INSERT INTO PDAUSER VALUES ('A','1111','김영수','2','N','X','Y','010','r1','r2')"_s);
-    EXPECT_TRUE(app::logIn(u"A"_s, u"1111"_s, u"2026-11-21"_s));
-    const app::SessionValues& session = app::session();
-    EXPECT_EQ(session.UserField2, u"김영수"_s);
-    EXPECT_EQ(session.UserField9, u"r2"_s);
-    EXPECT_EQ(session.WorkDate, u"2026-11-21"_s);
-}
-
 // Refused, so that the user's row, which is read from the database, is not what is found.
 TEST(Login, LeavesNoPasswordInMemory) {
     if (!test::kCanSearchMemory) GTEST_SKIP();

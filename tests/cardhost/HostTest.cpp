@@ -475,24 +475,6 @@ TEST_F(HostTest, OneConnectionTooManyIsClosed) {
     EXPECT_EQ(pay(u"good"), QString::fromLatin1(kGood)) << "and there is room again";
 }
 
-TEST_F(HostTest, NoTrackAndNoPasswordIsOnDisk) {
-    host.start();
-    pay(u"good");
-    ASSERT_EQ(terminal.field(1102), u"0000");
-    host.stop();
-    const QByteArray track = cardData(u"good").toUtf8();
-    for (const QString& name : {u"ledger.db"_s, u"ledger.db-wal"_s, u"host.key"_s}) {
-        QFile file(host.folder() + u'/' + name);
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
-        const QByteArray content = file.readAll();
-        EXPECT_GT(content.size(), 64) << name.toStdString();
-        EXPECT_FALSE(content.contains(track.first(30))) << name.toStdString();
-        EXPECT_FALSE(content.contains("9409110000000001")) << "the card's number in " << name.toStdString();
-        EXPECT_EQ(file.permissions() & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions())
-            << name.toStdString();
-    }
-}
-
 TEST_F(HostTest, CardsAreEnteredFromStandardInput) {
     const QStringList folder{u"--dir"_s, host.folder()};
     const QStringList amounts{u"--balance"_s, u"50000"_s, u"--limit"_s, u"60000"_s};

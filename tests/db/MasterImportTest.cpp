@@ -18,7 +18,6 @@
 #include "platform/CodePage.h"
 #include "platform/Device.h"
 #include "platform/adoce/DatabaseFile.h"
-#include "support/FullDisk.h"
 #include "support/PrintQt.h"
 #include "support/TestDevice.h"
 
@@ -416,35 +415,6 @@ TEST_F(MasterImportTest, AFileThatCannotBeDeletedIsLoadedOnce) {
     write(u"MTM.RVN", "2004-03-02|a|\n", kCard);
     EXPECT_EQ(load(u"MTM.RVN", kCard).outcome, Loaded);
     EXPECT_EQ(device.value(u"SELECT count(*) FROM MTM"_s), u"2"_s);
-}
-
-TEST_F(MasterImportTest, AFullDiskLeavesTableAndFileAsTheyWere) {
-    device.insert(u"GARAEMAJIN", {{u"GCode", u"old"}});
-    QByteArray content;
-    constexpr int kLines = 20000;
-    for (int line = 0; line < kLines; ++line)
-        content += QByteArray::number(1000 + line % 9000) + "|01|" + QByteArray::number(line) + "|\n";
-    write(u"GARAEMAJIN.RVN", content);
-
-    // The disk fills at the first line, among the lines, and at the end.
-    int failures = 0;
-    for (rlim_t limit = 8 * 1024;; limit *= 2) {
-        ImportResult result;
-        {
-            const test::FullDisk full(limit);
-            result = load(u"GARAEMAJIN.RVN");
-        }
-        if (result.outcome == Loaded) break;
-        ASSERT_EQ(result.outcome, NotSaved);
-        ASSERT_EQ(result.loaded, 0);
-        ASSERT_EQ(margins(), QStringList({u"old//"_s})) << limit;
-        ASSERT_EQ(contentOf(onDisk(u"GARAEMAJIN.RVN")), content);
-        ++failures;
-    }
-    EXPECT_GE(failures, 3);
-    EXPECT_EQ(device.value(u"SELECT count(DISTINCT Majin) FROM GARAEMAJIN"_s).toInt(), kLines);
-    EXPECT_EQ(device.value(u"SELECT count(*) FROM GARAEMAJIN"_s).toInt(), kLines);
-    EXPECT_FALSE(QFile::exists(onDisk(u"GARAEMAJIN.RVN")));
 }
 
 }  // namespace

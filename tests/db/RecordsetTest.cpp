@@ -98,59 +98,6 @@ TEST_F(RecordsetTest, FieldsByPlace) {
     }
 }
 
-TEST_F(RecordsetTest, WithoutComponentsEverythingIsFalseAndTraced) {
-    struct Case {
-        const char* operation;
-        bool (*result)(CVORecordset&);
-        QStringList traces;
-    };
-    const auto told = [](const char* operation) {
-        return u"CVORecordset::%1() RecordSet COM Object not initialized\n"_s.arg(
-            QLatin1StringView(operation));
-    };
-    const QString badValue = u"CVORecordset::GetFieldValue() Invalid Field Index\n"_s;
-    const QString badName = u"CVORecordset::GetFieldName() Invalid Field Index\n"_s;
-    const Case cases[] = {
-        {"Open", [](CVORecordset& r) { return r.Open(kOrders(), kKeyset, kReadOnly); }, {told("Open")}},
-        {"Close", [](CVORecordset& r) { return r.Close(); }, {told("Close")}},
-        {"BOF", [](CVORecordset& r) { return r.BOF(); }, {told("BOF")}},
-        {"EOF", [](CVORecordset& r) { return r.EOF(); }, {told("EOF")}},
-        {"MoveFirst", [](CVORecordset& r) { return r.MoveFirst(); }, {told("MoveFirst")}},
-        {"MoveNext", [](CVORecordset& r) { return r.MoveNext(); }, {told("MoveNext")}},
-        {"GetField", [](CVORecordset& r) { return r.GetField(0) != nullptr; }, {told("GetField")}},
-        {"GetFieldName",
-         [](CVORecordset& r) { return r.GetFieldName(0).has_value(); },
-         {told("GetField"), badName}},
-        {"GetFieldString",
-         [](CVORecordset& r) { return r.GetFieldString(0) != u"0"; },
-         {told("GetField"), badValue}},
-    };
-    openDatabase(connection);
-    test::RecordedTraces traces;
-    {
-        CVORecordset recordset(connection);
-        recordset.m_pRecordset.reset();
-        for (const Case& c : cases) {
-            EXPECT_FALSE(c.result(recordset)) << c.operation;
-            EXPECT_EQ(traces.take(), c.traces) << c.operation;
-        }
-    }
-    traces.take();
-
-    CVOConnection none(0);
-    EXPECT_EQ(none.Execute(kInsert(u"0003", u"인천상회")), 1);
-    traces.take();
-    EXPECT_FALSE(none.Close());
-    EXPECT_EQ(traces.take(),
-              QStringList({u"CVOConnection::Close() Connection COM Object not initialized\n"_s}));
-
-    // A recordset that exists on a connection that does not.
-    CVORecordset recordset(none);
-    EXPECT_FALSE(recordset.Open(kCustomers(u""), kKeyset, kReadOnly));
-    EXPECT_TRUE(recordset.EOF());
-    EXPECT_EQ(device.value(u"SELECT count(*) FROM GARAE"_s), u"2"_s);
-}
-
 TEST_F(RecordsetTest, ExecuteIsAlwaysOneAndSilent) {
     openDatabase(connection);
     EXPECT_EQ(connection.Execute(kInsert(u"0003", u"인천상회")), 1);

@@ -13,12 +13,9 @@
 #include "desk/DeskPrinter.h"
 #include "desk/PaperView.h"
 #include "desk/StatusStrip.h"
-#include "platform/message/SavedValues.h"
 #include "platform/termdev/CardReader.h"
 #include "platform/termdev/PaperRoll.h"
 #include "platform/termdev/TermDev.h"
-#include "support/Exchange.h"
-#include "support/HostProcess.h"
 #include "support/PrintQt.h"
 #include "support/Roll.h"
 #include "support/TestDevice.h"
@@ -214,36 +211,6 @@ TEST_F(DeskTest, DrawsCardsThroughTheReader) {
     EXPECT_EQ(numbers, QStringList({u"9409110000000001"_s, u"9409110000000002"_s, u"9409110000000009"_s}));
     reader.setReceiver({});
     reader.close();
-}
-
-TEST_F(DeskTest, SilencesTheDemonstrationHostAlone) {
-    EXPECT_FALSE(open().findChild<QCheckBox*>(u"host-silent"_s)->isEnabled()) << "there is no such host";
-    desk_.reset();
-    test::HostProcess host;
-    ASSERT_NO_FATAL_FAILURE(host.start());
-    ASSERT_TRUE(platform::message::writeSavedValues({{u"101"_s, u"4711"_s}}));
-    ASSERT_TRUE(QFile::link(host.folder(), device_.folder() + u"/cardhost"_s));
-    auto* silent = open().findChild<QCheckBox*>(u"host-silent"_s);
-    auto* lamp = desk_->findChild<desk::Lamp*>(u"host"_s);
-    const auto lights = [&](desk::Lamp::Light light) {
-        return QTest::qWaitFor([&] { return lamp->light() == light; });
-    };
-    test::Exchange terminal;
-    test::Exchange::Component::setTimeOutUnit(std::chrono::milliseconds(20));
-    silent->click();
-    terminal.previous();
-    EXPECT_EQ(terminal.run(host.port()), u"communicating sent error ended"_s);
-    EXPECT_TRUE(lights(desk::Lamp::Red));
-    test::Exchange::Component::setTimeOutUnit(std::chrono::seconds(1));
-    silent->click();
-    terminal.previous();
-    EXPECT_EQ(terminal.run(host.port()), u"communicating sent receiving ended"_s);
-    EXPECT_TRUE(lights(desk::Lamp::Green));
-
-    silent->click();
-    EXPECT_TRUE(QFile::exists(host.folder() + u"/silent"_s));
-    desk_.reset();
-    EXPECT_FALSE(QFile::exists(host.folder() + u"/silent"_s)) << "a fault lasts as long as the desk";
 }
 
 }  // namespace

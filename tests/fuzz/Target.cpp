@@ -1,7 +1,5 @@
 #include "fuzz/Target.h"
 
-#include <QCoreApplication>
-#include <QEvent>
 #include <stdexcept>
 
 #include "platform/adoce/DatabaseFile.h"
@@ -28,18 +26,6 @@ int choose(QByteArrayView* input, int choices) {
     const int choice = uchar(input->front()) % choices;
     *input = input->sliced(1);
     return choice;
-}
-
-void needEventLoop() {
-    static int count = 1;
-    static char name[] = "fuzz";
-    static char* arguments[] = {name, nullptr};
-    if (QCoreApplication::instance() == nullptr) new QCoreApplication(count, arguments);
-}
-
-void settle() {
-    QCoreApplication::processEvents();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 test::TestDevice& device() {

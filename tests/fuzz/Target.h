@@ -28,12 +28,6 @@ void require(bool isKept, const char* promise);
 /// Takes a number from 0 to `choices` - 1 off the input's front; 0 when the input is empty.
 int choose(QByteArrayView* input, int choices);
 
-/// Makes the application object at its first call, for code that needs an event loop.
-void needEventLoop();
-
-/// Lets everything happen that is due in the event loop, deletions that were put off included.
-void settle();
-
 /// The one device of all targets of a process.
 test::TestDevice& device();
 

@@ -28,32 +28,6 @@ using namespace platform::message;
 const QString kCardData = QString(104, u'7');
 constexpr char kNoAnswer[] = "communicating sent error ended";
 
-/// A random source that goes round in circles.
-quint32 randomPeriod = 1;
-quint32 randomDraws = 0;
-
-void drawRandom(void* buffer, size_t size) {
-    const quint32 draw = randomDraws++ % randomPeriod;
-    for (size_t i = 0; i < size; ++i) static_cast<unsigned char*>(buffer)[i] = uchar(draw * 31 + i);
-}
-
-/// While it lives, the cipher library draws from a source that repeats itself after `period` draws.
-class FaultyRandom {
-  public:
-    explicit FaultyRandom(quint32 period) {
-        randomPeriod = period;
-        randomDraws = 0;
-        static randombytes_implementation faulty{};
-        faulty.implementation_name = [] { return "faulty"; };
-        faulty.buf = drawRandom;
-        faulty.random = [] { return quint32(randomDraws++ % randomPeriod); };
-        randombytes_set_implementation(&faulty);
-    }
-    ~FaultyRandom() { randombytes_set_implementation(&randombytes_sysrandom_implementation); }
-    FaultyRandom(const FaultyRandom&) = delete;
-    FaultyRandom& operator=(const FaultyRandom&) = delete;
-};
-
 class ComponentTest : public ::testing::Test {
   protected:
     ComponentTest() {
@@ -149,22 +123,6 @@ TEST_F(ComponentTest, ParametersAreChecked) {
     EXPECT_EQ(terminal.header(u"0200"), kBadInput) << "no such kind";
 }
 
-TEST_F(ComponentTest, OperationsTakeTheirParametersOnly) {
-    ASSERT_EQ(terminal.header(u"0600"), kDone);
-    QString out = u"left over"_s;
-    EXPECT_EQ(terminal.call(3, {u""}), kBadInput);
-    EXPECT_EQ(terminal.call(24, {u"101"}), kBadInput);
-    EXPECT_EQ(terminal.call(24, {u"101", static_cast<QString*>(nullptr)}), kBadInput);
-    for (const int id : {0, 5, 7, 8, 9, 13, 15, 17, 18, 19, 20, 21, 23, 26, 27, -1}) {
-        EXPECT_EQ(terminal.call(id), kBadInput) << id;
-    }
-    out = u"left over"_s;
-    EXPECT_EQ(terminal.call(26, {&out, &out, &out, &out, &out}), kBadInput) << "not offered by the network";
-    EXPECT_EQ(out, u"");
-    EXPECT_EQ(terminal.call(-552), kDone) << "the about box";
-    EXPECT_EQ(terminal.call(3), kDone) << "none of this disturbed the request";
-}
-
 TEST_F(ComponentTest, TheHostsKeyIsNeededAndChecked) {
     const struct {
         const char* what;
@@ -187,27 +145,6 @@ TEST_F(ComponentTest, TheHostsKeyIsNeededAndChecked) {
         terminal.wait();
     }
     EXPECT_FALSE(listener.hasPendingConnections()) << "nothing was sent without a key";
-}
-
-TEST_F(ComponentTest, ARandomSourceThatRepeatsItselfSealsNothing) {
-    // The first request of a process draws more than the ones after it, which would shift the count below.
-    ASSERT_EQ(terminal.payment(kCardData, u"1234"), kDone);
-    {
-        const FaultyRandom standing(1);
-        EXPECT_EQ(terminal.payment(kCardData, u"1234"), kCipherFailed);
-        EXPECT_EQ(terminal.commun(port()), kCipherFailed);
-    }
-    EXPECT_EQ(terminal.wait(), u"ksnet -901 ended");
-    {
-        // Two draws to start, one for the key, one for the number, one for the sealed box: then from the
-        // start.
-        const FaultyRandom circling(5);
-        EXPECT_EQ(terminal.payment(kCardData, u"1234"), kDone);
-        EXPECT_EQ(terminal.payment(kCardData, u"1234"), kMessageKeyFailed);
-        EXPECT_EQ(terminal.commun(port()), kMessageKeyFailed);
-    }
-    EXPECT_EQ(terminal.wait(), u"ksnet -902 ended");
-    EXPECT_EQ(terminal.payment(kCardData, u"1234"), kDone);
 }
 
 TEST_F(ComponentTest, CommunTellsWhatItCannotStart) {

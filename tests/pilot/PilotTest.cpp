@@ -191,21 +191,6 @@ TEST_F(PilotTest, KeysPressWhatTheRingStandsOn) {
     }
 }
 
-TEST_F(PilotTest, ClosesEverythingAfterAMissedStep) {
-    TestScreen screen;
-    options.patienceMs = 60;
-    options.shots = folder.filePath(u"shots"_s);
-    EXPECT_FALSE(play(screen,
-                      u"# two dialogs and a message deep\npress 900.7\nshot deep\n\npress 901.6\n"
-                      "press 901.1\npress 901.8"_s));
-    EXPECT_EQ(failure, folder.filePath(u"test.visit"_s) +
-                           u":6: press 901.1\n    901.1 is behind: the message "
-                           "\"저장할까요?\\n정말\" is open"_s);
-    EXPECT_EQ(screen.log, QStringList{u"back"_s});
-    EXPECT_TRUE(QFile::exists(folder.filePath(u"shots/01-deep.png"_s)));
-    EXPECT_TRUE(QFile::exists(folder.filePath(u"shots/02-missed.png"_s)));
-}
-
 TEST_F(PilotTest, MissesWhatIsLeftWhenTheProgramEnds) {
     TestScreen left;
     EXPECT_TRUE(play(left, u"press 900.8"_s)) << failure.toStdString();

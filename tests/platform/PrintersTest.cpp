@@ -11,8 +11,6 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QImage>
-#include <QProcess>
-#include <QStandardPaths>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <csignal>
@@ -165,24 +163,6 @@ TEST_F(Printers, ALineHoldsNoGarbage) {
         EXPECT_GT(inkInColumn.last(), 10);
         EXPECT_TRUE(!text.contains(u' ') || inkInColumn[columns - 2] == 0) << "the blank is blank";
     }
-}
-
-TEST_F(Printers, AnIndependentDecoderReadsAJob) {
-    const QString tests = QStringLiteral(ROVANA_TESTS_DIR);
-    const QString modules = tests + u"/../build/npos/node_modules"_s;
-    if (!QFile::exists(modules + u"/npos"_s) || QStandardPaths::findExecutable(u"node"_s).isEmpty())
-        GTEST_SKIP() << "npos is not installed: npm install --prefix build/npos npos";
-    test::needApplication();
-    QByteArray job = kStart + "\x1D!\x11" + bytesOf(u"명세서\n"_s, true);
-    job += QByteArray("\x1D!\x00", 3) + bytesOf(u"가 ₩1\n"_s, true) + bytesOf(u"똠\n"_s, true);
-    device_.writeFile(u"\\job", job + bytesOf(u"끝\n"_s, true));
-    QProcess decoder;
-    qputenv("NODE_PATH", modules.toUtf8());
-    decoder.start(u"node"_s, {tests + u"/platform/npos/decode.js"_s, file(u"job"_s)});
-    ASSERT_TRUE(decoder.waitForFinished());
-    EXPECT_EQ(decoder.exitCode(), 0) << decoder.readAllStandardError().toStdString();
-    EXPECT_EQ(decoder.readAllStandardOutput().toStdString(),
-              "ESC @\nFS &\nGS !\n명세서\nGS !\n가 ￦1\nGS v0\n끝\n");
 }
 
 TEST_F(Printers, JobsWaitForAPrinterInOrder) {

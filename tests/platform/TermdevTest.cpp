@@ -46,26 +46,6 @@ class Roll : public testing::Test {
     test::TestDevice device_;
 };
 
-TEST_F(Roll, OperationsAreBoundByOrdinal) {
-    EXPECT_TRUE(std::holds_alternative<std::monostate>(operation(3)));
-    const auto plain = [](int ordinal) { return std::get<int (*)()>(operation(ordinal)); };
-    const auto counted = [](int ordinal) { return std::get<int (*)(int)>(operation(ordinal)); };
-    const auto print = std::get<int (*)(const char16_t*)>(operation(11));
-    EXPECT_EQ(print(u"not open yet\n"), 0);
-    plain(1)();
-    plain(26)();
-    counted(10)(4);
-    print(u" 제목\n");
-    counted(10)(0);
-    print(u"글\n");
-    EXPECT_EQ(print(nullptr), 0);
-    counted(16)(2);
-    EXPECT_EQ(test::rollText(), u""_s) << "paper is written when the device closes";
-    EXPECT_EQ(plain(2)(), 1);
-    EXPECT_EQ(test::rollText().toStdString(), "  【제목】\n글\n\n\n");
-    EXPECT_EQ(plain(2)(), 0) << "closed already";
-}
-
 TEST_F(Roll, TextFollowsThePaper) {
     struct Case {
         const char16_t* what;
@@ -93,14 +73,6 @@ TEST_F(Roll, TextFollowsThePaper) {
         EXPECT_EQ(test::rollText().toStdString(), entry.paper.toStdString())
             << QString::fromUtf16(entry.what).toStdString();
     }
-}
-
-TEST_F(Roll, TextNeedsNoFonts) {
-    if (QCoreApplication::instance()) GTEST_SKIP() << "this program has an application with fonts";
-    print({u"글\n"});
-    print({u"다음\n"});
-    EXPECT_EQ(test::rollText(), u"글\n다음\n"_s);
-    EXPECT_TRUE(picture().isNull());
 }
 
 TEST_F(Roll, PictureGoesOnAndKeepsTheEnd) {

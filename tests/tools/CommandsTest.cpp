@@ -44,16 +44,6 @@ TEST_F(CommandsTest, ExitCodesTellUsageFromFailure) {
     EXPECT_TRUE(QDir(folder()).isEmpty()) << "a refused call leaves nothing behind";
 }
 
-TEST_F(CommandsTest, ImportTellsOfLinesThatWereNotTaken) {
-    makeDevice();
-    writeFile(u"My Documents/GARAEMAJIN.RVN"_s, "0012|01|5|\n0012|0'1|5|\n");
-    const Ended ended = run({u"import"_s});
-    EXPECT_EQ(ended.exitCode, admin::kFailure);
-    EXPECT_EQ(narrow(ended.out), "GARAEMAJIN.RVN\t2\t1\t1\tloaded\n");
-    EXPECT_TRUE(ended.err.contains(u"GARAEMAJIN.RVN.rejected"_s)) << narrow(ended.err);
-    EXPECT_EQ(rows(u"SELECT * FROM GARAEMAJIN"_s), QStringList{u"0012|01|5"_s});
-}
-
 TEST_F(CommandsTest, ImportWaitsForWhoeverLoadsOrWrites) {
     makeDevice();
     writeFile(u"My Documents/garaemajin.rvn"_s, "0012|01|5|\n");
