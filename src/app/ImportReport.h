@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QDate>
 #include <QList>
 #include <QString>
 

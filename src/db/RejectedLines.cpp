@@ -1,7 +1,5 @@
 #include "db/RejectedLines.h"
 
-#include <QFile>
-
 #include "platform/Clock.h"
 #include "platform/CodePage.h"
 #include "platform/WholeFile.h"

@@ -1,6 +1,7 @@
 #include "desk/PaperView.h"
 
 #include <QBuffer>
+#include <QImage>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QPainterPath>

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QAbstractScrollArea>
-#include <QImage>
 #include <QList>
 
 #include "platform/termdev/PaperLine.h"

@@ -7,7 +7,6 @@
 #include "books/Deletions.h"
 #include "books/PaymentJournal.h"
 #include "books/Visit.h"
-#include "platform/Won.h"
 #include "totals/DayClose.h"
 #include "totals/Report.h"
 

@@ -1,7 +1,6 @@
 #include "rovana-play/Approval.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QStringList>
 #include <vector>

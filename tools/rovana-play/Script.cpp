@@ -1,6 +1,5 @@
 #include "rovana-play/Script.h"
 
-#include <QFile>
 #include <QHash>
 #include <QStringDecoder>
 #include <algorithm>

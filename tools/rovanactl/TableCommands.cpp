@@ -1,6 +1,3 @@
-#include <QFile>
-#include <QFileInfo>
-#include <QHash>
 #include <QSet>
 #include <algorithm>
 #include <iterator>
