@@ -27,32 +27,6 @@ class DemoTest : public AdminTest {
     }
 };
 
-struct Size {
-    int customers, products, prices;
-};
-
-class DemoSizeTest : public DemoTest, public ::testing::WithParamInterface<Size> {};
-
-TEST_P(DemoSizeTest, EveryInventedLineIsLoadedUnderItsOwnCode) {
-    const Size size = GetParam();
-    admin::demo::Options options{size.customers, size.products, size.prices, 7, kDay};
-    ASSERT_EQ(narrow(admin::demo::findFault(options)), "");
-    makeDemo(options);
-    importAll(admin::demo::invent(options));
-    const auto text = [](int number) { return QString::number(number); };
-    EXPECT_EQ(rows(u"SELECT COUNT(DISTINCT GCODE), MAX(LENGTH(GCODE)), COUNT(DISTINCT GNAME) FROM GARAE"_s),
-              QStringList{text(size.customers) + u"|4|"_s + text(size.customers)});
-    EXPECT_EQ(
-        rows(
-            u"SELECT COUNT(DISTINCT Pcode), MAX(LENGTH(Pcode)), COUNT(DISTINCT Pname || Size) FROM PUMMOK"_s),
-        QStringList{text(size.products) + u"|4|"_s + text(size.products)});
-    EXPECT_EQ(rows(u"SELECT COUNT(DISTINCT gcode || pcode) FROM GARAEDANGA"_s),
-              QStringList{text(size.prices)});
-}
-
-INSTANTIATE_TEST_SUITE_P(Sizes, DemoSizeTest,
-                         ::testing::Values(Size{120, 90, 400}, Size{10, 12, 80}, Size{12'000, 9'500, 3'000}));
-
 TEST_F(DemoTest, OpenOrdersCostWhatTheTerminalWouldAsk) {
     makeDemo();
     admin::demo::Options options;
