@@ -147,6 +147,18 @@ void addUncollected(Report* report, const QList<Visit>& visits) {
     }
 }
 
+/// The approvals that no slip shows, by name: the customer was charged, and no part of the day has the money.
+void addLostApprovals(Report* report, const QList<Visit>& visits) {
+    Section section{books::reasonOf(books::DifferenceKind::ApprovalNotShown).toString(), {}};
+    for (const books::CheckedVisit& checked : books::checkVisits(visits)) {
+        for (const books::VisitDifference& each : checked.differences) {
+            if (each.kind == books::DifferenceKind::ApprovalNotShown)
+                section.rows.append({nameOf(checked.visit), each.amount});
+        }
+    }
+    if (!section.rows.isEmpty()) report->sections.append(section);
+}
+
 /// How many slips were deleted: one that took its followers along counts once.
 std::int64_t countDeletions(const QList<books::Deletion>& deletions) {
     QSet<QString> acts;
@@ -244,6 +256,7 @@ Report dayStrip(QStringView title, const Day& day) {
     if (!day.deletions.isEmpty()) sold.rows.append({u"삭제 전표"_s, count(countDeletions(day.deletions))});
     report.sections << receipts(day.figures, unapprovedCards(day.visits)) << crossFooting(day.visits) << sold;
     addUncollected(&report, day.visits);
+    addLostApprovals(&report, day.visits);
     report.sections << expectedCash(day.figures);
     return report;
 }

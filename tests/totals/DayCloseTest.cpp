@@ -100,5 +100,17 @@ TEST_F(DayClosing, NamesWhatChangedAfterIt) {
     EXPECT_EQ(cell(dayCloseReports(kDay, u"A")->last(), u"삭제 전표"_s), u"판매·회수 1"_s);
 }
 
+TEST_F(DayClosing, NamesAnApprovalThatNoSlipShows) {
+    device.execute(
+        uR"(INSERT INTO PAYJOURNAL (DDate, JunNo, UserID, GCode, GName, Number, State, Charged, BANKTRANNO) VALUES
+            ('2026-11-21', '7001', 'A', '0001', '이상회', '1', 'approved', '400', '9'),
+            ('2026-11-21', '5010', 'A', '0009', '아홉', '2', 'approved', '700', '10'))"_s);
+    ASSERT_TRUE(closeDay(kDay, u"A", Won(1100)));
+    const Report strip = dayCloseReports(kDay, u"A")->first();
+    EXPECT_EQ(cell(strip, u"5010 아홉"_s), u"승인이 전표에 없음 700"_s);
+    EXPECT_EQ(cell(strip, u"7001 이상회"_s), QString());
+    EXPECT_EQ(cell(strip, u"차액"_s), u"대조 0"_s);
+}
+
 }  // namespace
 }  // namespace totals
