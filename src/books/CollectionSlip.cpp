@@ -42,7 +42,9 @@ std::optional<CollectionSlip> slipToSave(const CollectionSlip& entered,
     slip.MSGSENDTIME.clear();
     slip.BANKTRANNO.clear();
     for (const CollectionSlip& row : replaced) {
-        if (row.isSimplePayment()) slip.Gubun = row.Gubun;
+        // One that outlived its sale still has that one's amounts, which the number's next sale replaces.
+        const bool hasOutlivedSale = row.Gubun == kCollectionOfSale && row.GCode == slip.GCode;
+        if (row.isSimplePayment() || hasOutlivedSale) slip.Gubun = row.Gubun;
         if (!row.isApproved()) continue;
         // One row has no room for two approvals.
         if (slip.isApproved()) return std::nullopt;
