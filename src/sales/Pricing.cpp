@@ -6,6 +6,7 @@
 
 #include "db/Query.h"
 #include "db/Statement.h"
+#include "sales/ProductQuery.h"
 
 namespace sales {
 
@@ -14,7 +15,6 @@ using platform::Won;
 namespace {
 
 constexpr db::Statement<u"SELECT * FROM GARAEDANGA WHERE GCODE= '%s' and PCODE = '%s' "> kContract;
-constexpr db::Statement<u"SELECT Pname,JGubun FROM PUMMOK WHERE PCode = '%s' "> kProduct;
 constexpr db::Statement<u"SELECT Majin FROM GARAEMAJIN WHERE GCODE= '%s' AND GUBUN= '%s'  "> kClassMargin;
 constexpr db::Statement<u"SELECT Majin FROM GARAE WHERE GCODE= '%s' "> kCustomerMargin;
 // Under a class margin the VAT of boxes is that of bottles: this system's price list is read so.
@@ -128,9 +128,7 @@ PricedLine priceLine(QStringView gcode, QStringView customerKind, QStringView pc
                  {}}};
     }
 
-    QString productClass;
-    readFirst(connection, kProduct(pcode),
-              [&](db::CVORecordset& row) { productClass = row.GetFieldString(1); });
+    const QString productClass = productName(pcode).value_or(ProductName()).JGubun;
     double margin = 0;
     const auto readMargin = [&](db::CVORecordset& row) { margin = realAt(row, 0); };
     UnitPrices prices;
