@@ -121,6 +121,11 @@ bool hasCardBesideExcess(const SettlementAmounts& amounts) {
     return amounts.card > Won() && amounts.containerRecovery > amounts.total;
 }
 
+bool hasOutdatedCash(const SettlementAmounts& amounts) {
+    return amounts.cash < Won() &&
+           amounts.card + amounts.cash + amounts.unpaid != amounts.total - amounts.containerRecovery;
+}
+
 void settleByCard(SettlementAmounts& amounts) {
     if (!settledByRecovery(amounts)) amounts.card = amounts.total - amounts.containerRecovery;
 }

@@ -202,5 +202,24 @@ TEST(Settlement, KnowsWhatIsLeft) {
     }
 }
 
+TEST(Settlement, HandsOutNoCashForWhatHasChanged) {
+    const struct {
+        const char* what;
+        Split amounts;
+        bool isOutdated;
+    } cases[] = {
+        {"keyed above the total", {12250, 22250, 0, -10000, 0, 10000}, false},
+        {"a return paid out", {-50000, 0, 0, -50000, 0, 0}, false},
+        {"a return whose containers have gone", {-50000, 0, 0, -56000, 0, 0}, true},
+        {"in cash", {50000, 0, 0, 50000, 0, 0}, false},
+        {"cash keyed before, the rest on credit", {50000, 0, 60000, -20000, 10000, 0}, false},
+    };
+    for (const auto& c : cases) {
+        SettlementAmounts amounts = amountsOf(c.amounts);
+        recomputeTotal(amounts);
+        EXPECT_EQ(hasOutdatedCash(amounts), c.isOutdated) << c.what;
+    }
+}
+
 }  // namespace
 }  // namespace collect

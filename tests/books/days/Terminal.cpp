@@ -321,6 +321,7 @@ std::string Terminal::menuTap(const Action& action) {
 void Terminal::openSimple(unsigned pick) {
     menu(6, Screen::Simple);
     amounts_ = {};
+    isTold_ = false;
     customer_ = pick % 3 == 0 ? u"XXXX"_s : kCustomers[pick / 3 % 3];
     number_ = books::nextSimplePaymentNumber(date_);
     tell(event(Event::Kind::Numbered));

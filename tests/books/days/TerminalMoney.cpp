@@ -169,15 +169,17 @@ bool Terminal::isPaymentSettled(unsigned pick) {
 }
 
 bool Terminal::isApprovalPutBack(unsigned pick) {
-    const auto lost = books::approvalWithoutSlip({date_, number_, user_, customer_});
-    if (!lost || isApproved_) return false;
+    const books::SlipIdentity slip{date_, number_, user_, customer_};
+    const bool isSimple = isAt(Screen::Simple);
+    const auto lost = isSimple ? books::deletedSimplePayment(slip) : books::approvalWithoutSlip(slip);
+    if (!lost || (!isSimple && isApproved_)) return false;
     isTold_ = true;
     if (pick % 2 == 0) return false;
     Event back = event(Event::Kind::ApprovalBack);
     back.answers[text(lost->number)] = Event::Answer::Approved;
     back.isRefused = !books::putApprovalBack(lost->number);
     tell(back);
-    if (!back.isRefused) takeApproval(pick);
+    if (!back.isRefused) isSimple ? done() : takeApproval(pick);
     return true;
 }
 
@@ -195,7 +197,8 @@ void Terminal::takeApproval(unsigned pick) {
 bool Terminal::finishEntry(unsigned pick) {
     if (collect::nothingToSettle(amounts_)) return false;
     if (isPaidOnLine() && !books::isChargeOneAmount(amounts_)) return false;
-    if (!isApproved_ && collect::hasCardBesideExcess(amounts_)) return false;
+    if (!isApproved_ && (collect::hasCardBesideExcess(amounts_) || collect::hasOutdatedCash(amounts_)))
+        return false;
     if (!isPaymentSettled(pick)) return false;
     books::CollectionSlip slip;
     slip.DDate = date_;
@@ -396,6 +399,7 @@ bool Terminal::mayDeletePayments(Event* deleted, bool isPaid, unsigned pick) con
 
 std::string Terminal::simpleTap(const Action& action) {
     if (action.tap == Tap::FinishSimple) {
+        if (isApprovalPutBack(action.pick)) return "(put back)";
         charged_ = amounts_;
         openCard();
         return words(shown());
