@@ -121,9 +121,9 @@ bool hasCardBesideExcess(const SettlementAmounts& amounts) {
     return amounts.card > Won() && amounts.containerRecovery > amounts.total;
 }
 
-bool hasOutdatedCash(const SettlementAmounts& amounts) {
-    return amounts.cash < Won() &&
-           amounts.card + amounts.cash + amounts.unpaid != amounts.total - amounts.containerRecovery;
+bool isOutdated(const SettlementAmounts& amounts) {
+    if (amounts.card.isZero() && amounts.cash.isZero()) return false;
+    return amounts.card + amounts.cash + amounts.unpaid != amounts.total - amounts.containerRecovery;
 }
 
 void settleByCard(SettlementAmounts& amounts) {

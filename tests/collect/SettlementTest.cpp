@@ -202,7 +202,7 @@ TEST(Settlement, KnowsWhatIsLeft) {
     }
 }
 
-TEST(Settlement, HandsOutNoCashForWhatHasChanged) {
+TEST(Settlement, IsOutdatedWhenWhatWasPaidIsNotWhatIsDue) {
     const struct {
         const char* what;
         Split amounts;
@@ -212,12 +212,14 @@ TEST(Settlement, HandsOutNoCashForWhatHasChanged) {
         {"a return paid out", {-50000, 0, 0, -50000, 0, 0}, false},
         {"a return whose containers have gone", {-50000, 0, 0, -56000, 0, 0}, true},
         {"in cash", {50000, 0, 0, 50000, 0, 0}, false},
-        {"cash keyed before, the rest on credit", {50000, 0, 60000, -20000, 10000, 0}, false},
+        {"charged too much before", {50000, 0, 60000, -20000, 10000, 0}, false},
+        {"containers below 0 that changed", {0, -28000, 30000, 0, 0, 0}, true},
+        {"on credit", {50000, 0, 0, 0, 40000, 0}, false},
     };
     for (const auto& c : cases) {
         SettlementAmounts amounts = amountsOf(c.amounts);
         recomputeTotal(amounts);
-        EXPECT_EQ(hasOutdatedCash(amounts), c.isOutdated) << c.what;
+        EXPECT_EQ(isOutdated(amounts), c.isOutdated) << c.what;
     }
 }
 

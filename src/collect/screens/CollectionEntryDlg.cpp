@@ -329,7 +329,7 @@ void CCollectionEntryDlg::finish() {
         return;
     }
     if ((isPaidOnLine() && !books::isChargeOneAmount(amounts_)) ||
-        (!isApproved_ && (hasCardBesideExcess(amounts_) || hasOutdatedCash(amounts_)))) {
+        (!isApproved_ && (hasCardBesideExcess(amounts_) || isOutdated(amounts_)))) {
         const bool isCard = books::chargeKind(amounts_) == books::ChargeKind::Card;
         ui::message(u"%1금액이 결제할 금액 ['%2'원]과 다릅니다..! [%1입금]을 다시 누르세요!!"_s.arg(
             isCard ? u"카드"_s : u"현금"_s, groupThousands(books::amountToSettle(amounts_))));

@@ -58,7 +58,7 @@ void Terminal::loadEntry(unsigned pick) {
     tell(event(Event::Kind::OpenCollection));
     if (recovery == amounts_.containerRecovery) recovery.reset();
     const bool isAsked = recovery && !isHandedOver && saved;
-    if (recovery && (!isAsked || pick % 2 == 0)) {
+    if (recovery && (!isAsked || answer(u"용공회수액", pick % 2 == 0))) {
         collect::takeOverRecovery(amounts_, *recovery, mode_ != 1);
         tell(event(Event::Kind::TookWorth));
     } else if (recovery) {
@@ -92,6 +92,7 @@ std::string Terminal::entryTap(const Action& action) {
         holdCard();
     };
     if (isSimple_ && action.tap <= OnCredit) return "(disabled)";
+    if (action.tap <= KeyEarlier) hand_.keyed << QString::number(keyed);
     switch (action.tap) {
         case KeySales:
             key(Event::Kind::KeySales, collect::keySales);
@@ -132,9 +133,10 @@ std::string Terminal::entryTap(const Action& action) {
 }
 
 bool Terminal::forgetCollection(unsigned pick) {
-    const Answer answer = askAboutSlip(pick / 8, user_);
-    if (answer == Answer::Approved) takeApproval(pick);
-    if (answer != Answer::Free || (isApproved_ && pick % 3 == 0)) return false;
+    const Answer asked = askAboutSlip(pick / 8, user_);
+    if (asked == Answer::Approved) takeApproval(pick);
+    if (asked != Answer::Free || (isApproved_ && !answer(u"카드결제된 입금표삭제", pick % 3 != 0)))
+        return false;
     Event forgotten = event(Event::Kind::CollectionForgotten);
     forgotten.hasCardQuestion = isApproved_;
     forgotten.isRefused = isOthers_ || !books::removeCollection(date_, number_, user_);
@@ -165,7 +167,7 @@ bool Terminal::isPaymentSettled(unsigned pick) {
             break;
     }
     // Credit asks nobody for money twice.
-    return amounts_.card.isZero() && amounts_.cash.isZero() && pick % 4 != 0;
+    return amounts_.card.isZero() && amounts_.cash.isZero() && answer(u"카드결제 확인중", pick % 4 != 0);
 }
 
 bool Terminal::isApprovalPutBack(unsigned pick) {
@@ -174,7 +176,7 @@ bool Terminal::isApprovalPutBack(unsigned pick) {
     const auto lost = isSimple ? books::deletedSimplePayment(slip) : books::approvalWithoutSlip(slip);
     if (!lost || (!isSimple && isApproved_)) return false;
     isTold_ = true;
-    if (pick % 2 == 0) return false;
+    if (!answer(u"승인된 결제", pick % 2 != 0)) return false;
     Event back = event(Event::Kind::ApprovalBack);
     back.answers[text(lost->number)] = Event::Answer::Approved;
     back.isRefused = !books::putApprovalBack(lost->number);
@@ -197,7 +199,7 @@ void Terminal::takeApproval(unsigned pick) {
 bool Terminal::finishEntry(unsigned pick) {
     if (collect::nothingToSettle(amounts_)) return false;
     if (isPaidOnLine() && !books::isChargeOneAmount(amounts_)) return false;
-    if (!isApproved_ && (collect::hasCardBesideExcess(amounts_) || collect::hasOutdatedCash(amounts_)))
+    if (!isApproved_ && (collect::hasCardBesideExcess(amounts_) || collect::isOutdated(amounts_)))
         return false;
     if (!isPaymentSettled(pick)) return false;
     books::CollectionSlip slip;
@@ -241,12 +243,12 @@ bool Terminal::isPaymentFree(unsigned pick) {
     const auto inTheWay = [&] { return books::findInTheWay(books::unsettledPayments(), wanted); };
     if (!inTheWay() && books::hasUnsettledPayments()) inquire(pick);
     QString found;
-    const Answer answer = ask(pick / 3, inTheWay, &found);
-    if (answer == Answer::Approved) {
+    const Answer asked = ask(pick / 3, inTheWay, &found);
+    if (asked == Answer::Approved) {
         const auto last = books::lastPayment(date_, number_, user_);
         isPaid_ = last && last->number == found;
     }
-    return answer == Answer::Free;
+    return asked == Answer::Free;
 }
 
 books::JournalPayment Terminal::journalPayment(const QString& number) const {
@@ -271,6 +273,7 @@ books::JournalPayment Terminal::journalPayment(const QString& number) const {
 
 void Terminal::swipe(unsigned pick) {
     if (isPaid_ || !isPaymentFree(pick / 8)) return;
+    hand_.keyed << u"1234"_s;
     if (books::chargeKind(charged_) == books::ChargeKind::Nothing) return;
     const QString number = QStringLiteral("%1").arg(++messages_, 32, 10, QLatin1Char('0'));
     if (!books::notePayment(journalPayment(number))) return;
@@ -278,9 +281,9 @@ void Terminal::swipe(unsigned pick) {
     payment_ = number.toStdString();
     sent.asked = books::amountToCharge(charged_).value();
     sent.isTold = isTold_;
-    // Approved; refused; the request was lost; the answer was lost; no link; killed before or after the host.
-    enum Fate { Approved, AlsoApproved, Refused, LostRequest, LostAnswer, NoLink, KilledBefore, KilledAfter };
+    using enum Fate;
     const auto fate = Fate(pick % 8);
+    hand_.host.push_back(fate);
     if (fate == Approved || fate == AlsoApproved || fate == LostAnswer || fate == KilledAfter) {
         const Host::Decision& decision = host_.decide(payment_, sent.asked, true);
         sent.charged = Charge{payment_, decision.approval, decision.amount, visit()};
@@ -328,8 +331,10 @@ std::string Terminal::cardTap(const Action& action) {
     const std::string said = words(shown()) + " " + std::to_string(action.pick % 8);
     if (action.tap == Tap::Swipe) {
         swipe(action.pick);
-    } else {
+    } else if (action.tap == Tap::FinishCard) {
         finishCard();
+    } else if (!isPaid_ && books::hasUnsettledPayment(date_, number_, user_)) {
+        isPaymentFree(action.pick / 8);
     }
     return said;
 }
@@ -341,7 +346,9 @@ void Terminal::inquire(unsigned pick) {
     asked.isAtMenu = false;
     books::closeStoppedPayments();
     for (const books::JournalPayment& payment : books::unsettledPayments()) {
-        if (pick++ % 3 == 0) break;  // No link any more.
+        const bool isAnswered = pick++ % 3 != 0;
+        hand_.host.push_back(isAnswered ? Fate::Approved : Fate::LostRequest);
+        if (!isAnswered) break;
         const std::string message = payment.number.toStdString();
         const Host::Decision& decision = host_.recall(message);
         books::HostReply reply;
@@ -383,15 +390,15 @@ void Terminal::takeBackUnpaid() {
 
 bool Terminal::mayDelete(unsigned pick) {
     const bool isOpen = books::hasUnsettledPayment(date_, number_, {});
-    const Answer answer = askAboutSlip(pick, {});
+    const Answer asked = askAboutSlip(pick, {});
     if (isOpen) takeBackUnpaid();
-    return answer == Answer::Free;
+    return asked == Answer::Free;
 }
 
 /// Asks the question of a number that carries an approval; true without one.
-bool Terminal::mayDeletePayments(Event* deleted, bool isPaid, unsigned pick) const {
+bool Terminal::mayDeletePayments(Event* deleted, bool isPaid, unsigned pick) {
     deleted->hasCardQuestion = isPaid || !books::approvedUnder(date_, number_).isEmpty();
-    deleted->isCardConfirmed = pick % 2 == 0;
+    deleted->isCardConfirmed = answer(u"카드결제된 입금표삭제", pick % 2 == 0);
     return !deleted->hasCardQuestion || deleted->isCardConfirmed;
 }
 
@@ -405,6 +412,7 @@ std::string Terminal::simpleTap(const Action& action) {
         return words(shown());
     }
     const Won keyed = action.amount % 4 == 3 ? 2000 : 11000 * Won(action.amount % 4);
+    hand_.keyed << QString::number(keyed);
     collect::keySimpleAmount(amounts_, collect::SimpleAmount(action.pick % 5), platform::Won(keyed));
     return std::to_string(keyed);
 }
