@@ -100,7 +100,7 @@ enum class Fate {
 /// What a hand has to do on the real screens for the step just made, and what the host does meanwhile.
 struct Hand {
     int row = 0;                      ///< In the list, from 1; 0 where nothing is chosen.
-    QString code;                     ///< The customer or product.
+    QString code;                     ///< The customer, product or card.
     QStringList keyed;                ///< On the keypad, field by field; empty where none opens.
     std::map<QString, bool> answers;  ///< To the questions with these captions; yes to all others.
     std::vector<Fate> host;           ///< Of each request in their order.

@@ -272,7 +272,9 @@ books::JournalPayment Terminal::journalPayment(const QString& number) const {
 }
 
 void Terminal::swipe(unsigned pick) {
-    if (isPaid_ || !isPaymentFree(pick / 8)) return;
+    if (isPaid_) return;
+    hand_.code = u"good"_s;
+    if (!isPaymentFree(pick / 8)) return;
     hand_.keyed << u"1234"_s;
     if (books::chargeKind(charged_) == books::ChargeKind::Nothing) return;
     const QString number = QStringLiteral("%1").arg(++messages_, 32, 10, QLatin1Char('0'));
