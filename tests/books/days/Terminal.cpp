@@ -84,7 +84,8 @@ const char* name(Tap tap) {
 
 const Host::Decision& Host::decide(const std::string& message, Won amount, bool charges) {
     const auto [at, isNew] = decisions_.try_emplace(message);
-    if (isNew && charges) at->second = {true, amount, std::to_string(700000 + ++approvals_)};
+    if (isNew && charges) at->second = {true, false, amount, std::to_string(700000 + ++approvals_)};
+    if (isNew && !charges) at->second.isRefused = true;
     return at->second;
 }
 

@@ -104,6 +104,7 @@ struct Hand {
     QStringList keyed;                ///< On the keypad, field by field; empty where none opens.
     std::map<QString, bool> answers;  ///< To the questions with these captions; yes to all others.
     std::vector<Fate> host;           ///< Of each request in their order.
+    std::optional<Fate> paid;         ///< Of these, that of a payment.
     std::optional<Goods> order;       ///< The office's.
 };
 
@@ -112,12 +113,13 @@ class Host {
   public:
     struct Decision {
         bool isCharged = false;
+        bool isRefused = false;  ///< Else it has never come.
         Won amount = 0;
         std::string approval;
     };
     const Decision& decide(const std::string& message, Won amount, bool charges);
     /// Decides about a message that never came that it will be refused.
-    const Decision& recall(const std::string& message) { return decide(message, 0, false); }
+    const Decision& recall(const std::string& message) { return decisions_[message]; }
 
   private:
     std::map<std::string, Decision> decisions_;

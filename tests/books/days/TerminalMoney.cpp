@@ -284,13 +284,16 @@ void Terminal::swipe(unsigned pick) {
     sent.asked = books::amountToCharge(charged_).value();
     sent.isTold = isTold_;
     using enum Fate;
-    const auto fate = Fate(pick % 8);
+    // The host takes no amount below 0.
+    const Amounts& told = sent.shown;
+    const bool isTaken = told.supply >= 0 && told.vat >= 0 && told.deposits >= 0 && told.recovery >= 0;
+    auto fate = Fate(pick % 8);
+    if (!isTaken && (fate == Approved || fate == AlsoApproved)) fate = Refused;
     hand_.host.push_back(fate);
-    if (fate == Approved || fate == AlsoApproved || fate == LostAnswer || fate == KilledAfter) {
-        const Host::Decision& decision = host_.decide(payment_, sent.asked, true);
-        sent.charged = Charge{payment_, decision.approval, decision.amount, visit()};
-    } else if (fate == Refused) {
-        host_.decide(payment_, sent.asked, false);
+    hand_.paid = fate;
+    if (fate != LostRequest && fate != NoLink && fate != KilledBefore) {
+        const Host::Decision& decision = host_.decide(payment_, sent.asked, isTaken && fate != Refused);
+        if (decision.isCharged) sent.charged = Charge{payment_, decision.approval, decision.amount, visit()};
     }
     if (fate == Approved || fate == AlsoApproved) {
         isPaid_ = true;
@@ -354,11 +357,13 @@ void Terminal::inquire(unsigned pick) {
         const std::string message = payment.number.toStdString();
         const Host::Decision& decision = host_.recall(message);
         books::HostReply reply;
-        reply.responseCode = decision.isCharged ? u"0000"_s : u"0019"_s;
+        reply.responseCode = decision.isCharged ? u"0000"_s : decision.isRefused ? u"0099"_s : u"0019"_s;
         reply.transactionNumber = QString::fromStdString(decision.approval);
-        const bool isTold = van::judge(payment, reply, payment.number) == van::PaymentVerdict::Approved
-                                ? books::approvePayment(payment.number, reply.transactionNumber).has_value()
-                                : books::settlePayment(payment.number, books::PaymentState::Released);
+        const bool isTold =
+            van::judge(payment, reply, payment.number) == van::PaymentVerdict::Approved
+                ? books::approvePayment(payment.number, reply.transactionNumber).has_value()
+                : books::settlePayment(payment.number, decision.isRefused ? books::PaymentState::Refused
+                                                                          : books::PaymentState::Released);
         if (isTold) {
             asked.answers[message] = decision.isCharged ? Event::Answer::Approved : Event::Answer::NotCharged;
         }
