@@ -314,19 +314,24 @@ class ScreenDays : public testing::Test {
     }
 
     /// The row that the step is about, and its button.
-    QStringList press(Tap tap, int dialog) const {
+    QStringList press(const Action& action, int dialog) const {
         const int row = model_.hand().row;
-        const bool isTwice = tap == Tap::ChangeGoods || tap == Tap::ChangeReturn;
+        const Tap tap = action.tap;
+        // Twice, or once and its button.
+        const bool isOpened =
+            row > 0 && action.pick % 2 == 0 && (tap == Tap::OpenSale || tap == Tap::OpenEmpties);
+        const bool isTwice = isOpened || tap == Tap::ChangeGoods || tap == Tap::ChangeReturn;
         QStringList lines;
         if (row > 0) lines << u"%1 %2.1054 %3"_s.arg(isTwice ? u"row2"_s : u"row"_s).arg(dialog).arg(row);
-        if (const char* const button = kPresses[int(tap)]) lines << QString::fromLatin1(button);
+        if (const char* const button = kPresses[int(tap)]; button != nullptr && !isOpened)
+            lines << QString::fromLatin1(button);
         return lines;
     }
 
     QStringList linesOf(const Action& action, int dialog) const {
         using enum Tap;
         const Hand& hand = model_.hand();
-        QStringList lines = press(action.tap, dialog);
+        QStringList lines = press(action, dialog);
         switch (action.tap) {
             case Simple:
                 if (!customers().contains(hand.code)) return lines << u"press 143.1003"_s;
