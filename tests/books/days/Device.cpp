@@ -161,6 +161,7 @@ Device::Device() {
 
 Device::~Device() {
     thePlan.disarm();
+    thePlan.skipsSync = false;
     sqlite3_close(reader_);
     platform::clock::set({});
 }
