@@ -374,29 +374,4 @@ TEST_F(Screens, SpeakToAReaderAndToTheKeys) {
     }
 }
 
-TEST_F(Screens, ScrollUnderAFingerWithoutChoosing) {
-    device.execute(
-        u"WITH RECURSIVE code(i) AS (SELECT 1100 UNION ALL SELECT i + 1 FROM code WHERE i < 1199)"
-        "INSERT INTO PUMMOK (Pcode, Pname, Gubun, TTT) SELECT i, '소주', '공용', '' FROM code"_s);
-    const auto opened = open({"product search", 139});
-    auto* list = static_cast<ui::ReportList*>(opened->control(1090));
-    list->clearSelection();
-    app::session().action.ProductChosen = 0;
-    QWidget* finger = list->viewport();
-    const QPoint start(60, 150);
-    QTest::mousePress(finger, Qt::LeftButton, {}, start);
-    for (int way = 10; way <= 100; way += 10) QTest::mouseMove(finger, start - QPoint(0, way));
-    EXPECT_EQ(list->verticalScrollBar()->value(), 100);
-    QTest::mouseRelease(finger, Qt::LeftButton, {}, start - QPoint(0, 100));
-    EXPECT_EQ(list->selectedRow(), -1);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return list->verticalScrollBar()->value() > 110; })) << "runs on";
-    // The touch that stops it chooses nothing either; the next one does.
-    QTest::mouseClick(finger, Qt::LeftButton, {}, start);
-    EXPECT_EQ(app::session().action.ProductChosen, 0);
-    QTest::mouseClick(finger, Qt::LeftButton, {}, start);
-    EXPECT_EQ(app::session().action.ProductChosen, 1);
-    EXPECT_EQ(list->selectedRow(), list->rowAt(start.y()));
-    terminal.remove(opened.get());
-}
-
 }  // namespace
