@@ -174,6 +174,8 @@ int runProgram(int argc, char** argv, const std::function<void(ui::Terminal&)>& 
     if (!fitting) setScale(!options.isScaleGiven && settings.scale > 0 ? settings.scale : options.scale);
     const std::unique_ptr<QApplication> application =
         fitting ? makeFitting(*fitting, argc, argv) : std::make_unique<QApplication>(argc, argv);
+    // The caret stands still: blinking, it would wake a handheld twice a second all day.
+    QApplication::setCursorFlashTime(0);
     // Before anything in the folder is touched.
     const platform::TerminalLock lock;
     if (lock.isTaken()) return refuseSecondStart();
