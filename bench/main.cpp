@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "Bench.h"
+#include "ui/FontList.h"
 
 namespace {
 
@@ -68,6 +69,7 @@ bool runAndPrint(const Measurement& measurement) {
 
 int main(int argc, char** argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    ui::useOwnFontList();
     QApplication application(argc, argv);
 
     const std::vector<std::string_view> names(argv + 1, argv + argc);

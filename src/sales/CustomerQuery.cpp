@@ -17,8 +17,8 @@ constexpr db::Statement<
 
 }  // namespace
 
-platform::Rows customers(QStringView seek, QStringView userId, bool ownOnly) {
-    return db::selectRows(ownOnly ? kOwnCustomers(seek, userId) : kAllCustomers(seek), 3);
+platform::RowSource customers(QStringView seek, QStringView userId, bool ownOnly) {
+    return db::selectPieces(ownOnly ? kOwnCustomers(seek, userId) : kAllCustomers(seek), 3);
 }
 
 }  // namespace sales

@@ -16,6 +16,7 @@
 #include "rovana-play/Hand.h"
 #include "rovana-play/Pilot.h"
 #include "rovana-play/Script.h"
+#include "ui/FontList.h"
 #include "ui/Fonts.h"
 #include "ui/Terminal.h"
 
@@ -118,6 +119,7 @@ int main(int argc, char* argv[]) {
     // The scale has to be known before Qt starts.
     if (!call.scale.isEmpty()) qputenv("QT_SCALE_FACTOR", call.scale.toUtf8());
 
+    ui::useOwnFontList();
     QApplication application(argc, argv);
     const pilot::Script script = pilot::readScript(call.script, call.clock);
     for (const QString& error : script.errors) fail(u"%1: %2"_s.arg(script.file, error), kUsageError);

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "platform/Rows.h"
 #include "ui/NarrowScreen.h"
 
 namespace sales {
@@ -21,7 +20,6 @@ class CGaeaeDlg : public ui::NarrowScreen {
     void confirm();
 
     ui::ReportList* list_ = nullptr;
-    platform::Rows customers_;
     /// The key that the list was opened for: confirming clears the session's, also when it is refused.
     QString seek_;
     bool ownOnly_ = true;
