@@ -7,8 +7,10 @@
 
 #include "PrintAmounts.h"
 #include "platform/Clock.h"
+#include "sales/CustomerQuery.h"
 #include "sales/LineAmounts.h"
 #include "sales/SlipStore.h"
+#include "sales/UnvisitedOrders.h"
 #include "sales/WorkingSlip.h"
 #include "support/TestDevice.h"
 
@@ -166,6 +168,41 @@ TEST_F(SlipTest, ListsASlipOfTwoStatesTwice) {
     EXPECT_EQ(list.slips.count(), 3);
     EXPECT_EQ(list.printed, 2);
     EXPECT_EQ(list.unprinted, 1);
+}
+
+TEST_F(SlipTest, TellsHowEachSlipOfTheDayStands) {
+    device.execute(
+        u"INSERT INTO PDAUSER (userID, vatMode) VALUES ('kim', '3');"
+        "INSERT INTO GARAE (GCODE, TEL) VALUES ('0002', '031-1');"
+        "INSERT INTO MTM (DDate, UserID, JunNo, GCode, GName, WorkGubun, DTime, MMoney, YMoney) SELECT "
+        "'2024-05-07', 'kim', * FROM (VALUES ('0002', '0002', '나나', '미발행', '', '10046', '5'), "
+        "('0001', '0001', '가가', '미발행', '', '1000', '0'), ('5001', '1', '', '미발행', '09:00', '1000', "
+        "'0'), "
+        "('5002', '2', '', '결제', '09:00', '1000', '0'), ('5003', '3', '', '미발행', '09:00', '1000', '0'), "
+        "('5003', '3', '', '미발행', '09:00', '1000', '7'), ('5004', '4', '', '발행', '09:00', '0', '0'));"
+        "INSERT INTO MTMOK (DDate, UserID, JunNo, GCode, CardMoney, BANKTRANNO) VALUES "
+        "('2024-05-07', 'kim', '5001', '1', '1', ''), ('2024-05-07', 'kim', '5002', '2', '1', '42'), "
+        "('2024-05-07', 'kim', '5003', '3', '1', ''), ('2024-05-07', 'lee', '5004', '4', '1', '');"
+        "INSERT INTO PAYJOURNAL (Number, State, DDate, UserID, JunNo) VALUES "
+        "('1', 'unknown', '2024-05-07', 'kim', '5003'), ('2', 'unknown', '2024-05-06', 'kim', '5004')"_s);
+    const auto told = [](const SlipList& list) {
+        QStringList slips;
+        for (int row = 0; row < list.slips.count(); ++row)
+            slips << list.slips.at(row, 2) + list.states[row] + platform::formatWon(list.amounts[row]);
+        return slips.join(u' ');
+    };
+    const SlipList list = slipsOfDay(kUser, kToday);
+    EXPECT_EQ(told(list),
+              u"5002결제1100 5003확인중2207 5001카드미승인1100 0002미방문11105 0001미방문1100 5004발행0"_s);
+    const QList<UnvisitedOrder> orders = unvisitedOrders(kUser, kToday);
+    ASSERT_EQ(orders.size(), 2);
+    EXPECT_EQ(orders[0].gName + orders[0].tel, u"나나031-1"_s) << "as the office sent them";
+    EXPECT_EQ(orders[0].amount, Won(11105));
+    EXPECT_EQ(told(unvisitedFirst(list, orders)),
+              u"0002미방문11105 0001미방문1100 5002결제1100 5003확인중2207 5001카드미승인1100 5004발행0"_s);
+    const DaysCustomers today = customersOfDay(kToday);
+    EXPECT_TRUE(today.visited.contains(u"1"_s) && today.visited.contains(u"4"_s));
+    EXPECT_TRUE(!today.visited.contains(u"0002"_s) && today.ordered.contains(u"0002"_s));
 }
 
 TEST_F(SlipTest, DeletesEverythingOfASlip) {
