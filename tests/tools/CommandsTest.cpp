@@ -154,6 +154,7 @@ TEST_F(CommandsTest, TotalsAreTextOrTables) {
         return run(QStringList{u"totals"_s, u"--date"_s, kDay} + options);
     };
     EXPECT_EQ(narrow(totals({u"--report"_s, u"receivables"_s, u"--csv"_s}).out),
+              "\xEF\xBB\xBF"
               "코드,거래처명,채권잔액\n0001,\"가람, 본점\",-500\n0002,나루,700\n");
     const QString own = totals({u"--report"_s, u"receivables"_s, u"--user"_s, u"A"_s}).out;
     EXPECT_TRUE(own.contains(u"영업사원: 사용자\n"_s)) << narrow(own);
