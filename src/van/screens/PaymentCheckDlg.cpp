@@ -143,7 +143,7 @@ void CPaymentCheckDlg::print(print::SlipPapers papers, const books::CollectionSl
         return false;
     };
     if (printCopy(books::Copy::Seller) &&
-        ui::askYesNo(u"구매자용 명세서를 출력할까요?"_s, u"구매자용 명세서출력"_s))
+        ui::askYesNo(u"구매자용 명세서를 출력할까요?"_s, u"구매자용 명세서출력"_s, ui::MessageIcon::Question))
         printCopy(books::Copy::Buyer);
 }
 
