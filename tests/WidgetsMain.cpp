@@ -3,10 +3,12 @@
 #include <QApplication>
 
 #include "ui/Fonts.h"
+#include "ui/KoreanTexts.h"
 
 int main(int argc, char* argv[]) {
     testing::InitGoogleTest(&argc, argv);
     QApplication application(argc, argv);
     ui::prepareFonts();
+    ui::speakKorean();
     return RUN_ALL_TESTS();
 }
