@@ -23,7 +23,9 @@
 #include "platform/termdev/SwipeSocket.h"
 #include "ui/Bitmaps.h"
 #include "ui/Fonts.h"
+#include "ui/KoreanTexts.h"
 #include "ui/Messages.h"
+#include "ui/Sounds.h"
 #include "ui/Terminal.h"
 
 namespace {
@@ -169,6 +171,9 @@ int runProgram(int argc, char** argv, const std::function<void(ui::Terminal&)>& 
     if (lock.isTaken()) return refuseSecondStart();
     openFolder(settings);
     ui::prepareFonts();
+    ui::speakKorean();
+    // Played visits are silent.
+    ui::setSounds(settings.hasSound && QGuiApplication::platformName() != u"offscreen");
     QApplication::setWindowIcon(ui::icon(ui::bitmaps::kApplicationIcon));
 
     // Before the window: a desk in it stands on them to its end.
