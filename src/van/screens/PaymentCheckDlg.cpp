@@ -45,8 +45,7 @@ CPaymentCheckDlg::CPaymentCheckDlg() : Screen(app::dialogs::kPaymentCheck), comp
     });
     connect(&*log_, &ExchangeLog::ended, this, [this] { answered(); });
     // The question changes nothing on the terminal, so it may be left at any time.
-    setCancelButton(
-        addBottomButton(1003, u"닫  기"_s, 3, ui::bitmaps::kCancel, [this] { close(Cancelled); }));
+    addLeaveButton(1003, u"닫  기"_s);
 
     books::closeStoppedPayments();
     waiting_ = books::unsettledPayments();
