@@ -17,11 +17,15 @@
 #include <QTimer>
 
 #include "Screens.h"
+#include "app/ClockCheck.h"
 #include "app/KeypadRequest.h"
 #include "app/Session.h"
+#include "app/UnsavedWork.h"
+#include "books/OpenPayments.h"
 #include "books/TransactionRecord.h"
 #include "platform/adoce/DatabaseFile.h"
 #include "platform/termdev/TermDev.h"
+#include "sales/PriceOrigin.h"
 #include "sales/WorkingSlip.h"
 #include "support/PrintQt.h"
 #include "support/TestDevice.h"
@@ -270,6 +274,53 @@ TEST_F(Screens, HoldTheLongestTexts) {
         const auto opened = open(screen);
         EXPECT_THAT(faults(*opened), testing::IsEmpty());
         terminal.remove(opened.get());
+    }
+}
+
+/// The longest that is said: of a payment in the way, of a price with a margin, of a wrong clock, of a
+/// folder.
+QStringList longestMessages() {
+    books::JournalPayment payment;
+    payment.slip.GName = kLongName.toString();
+    payment.slip.JunNo = u"10000"_s;
+    payment.slip.MSGSENDTIME = u"20261121090500"_s;
+    payment.charged = platform::Won(999999999);
+    const platform::Won most(-999999999);
+    sales::PricedLine price;
+    price.source = sales::PriceSource::CustomerMargin;
+    price.marginPercent = 100;
+    price.amounts = {most, most, most, most};
+    price.prices.boxSupply = price.prices.boxVat = price.prices.bottleSupply = price.prices.bottleVat =
+        9999999.5;
+    books::UnsavedSlip unsaved;
+    unsaved.gName = kLongName.toString();
+    unsaved.userId = u"A"_s;
+    unsaved.date = kDay.toString();
+    return {
+        books::refuseToPay(payment) + u" 지금 끝내려면 [외상처리]를 누르세요."_s,
+        u"이미 승인된 결제가 있습니다..! %1 거래번호 : 000000000000  이 결제를 전표에 되돌릴까요?"_s.arg(
+            books::describePayment(payment)),
+        sales::priceOrigin(price, -999, -999) + u"\n전표의 금액은 수정된 금액입니다."_s,
+        app::clockProblem(u"2026-11-20", QDateTime(QDate(2026, 11, 21), QTime(9, 5)), u"2026-11-22 10:00"),
+        app::newDay(kDay, QDateTime(QDate(2026, 11, 22), QTime(0, 5))),
+        app::describeUnsaved(unsaved, u"B", kDay),
+        u"저장 공간이 가득 차서 저장할 수 없습니다..! 관리자에게 알려 주세요 : /home/salesman-of-the-second-"
+        "branch/.local/share/rovana/second-terminal/My Documents"_s};
+}
+
+TEST_F(Screens, HoldTheLongestMessages) {
+    using ui::MessageBox;
+    for (const QString& text : longestMessages()) {
+        SCOPED_TRACE(text.toStdString());
+        for (const auto& [buttons, caption] :
+             {std::pair{MessageBox::Buttons::Ok, u""_s},
+              {MessageBox::Buttons::OkCancel, u"카드결제된 입금표삭제"_s},
+              {MessageBox::Buttons::YesNoCancel, u"구매자용 명세서출력"_s}}) {
+            MessageBox box(text, caption, buttons, ui::MessageIcon::Question);
+            terminal.show(&box);
+            EXPECT_THAT(faults(box), testing::IsEmpty());
+            terminal.remove(&box);
+        }
     }
 }
 

@@ -59,6 +59,7 @@ TEST_F(ExportTest, WritesTheDayAndItsOrdersComeBackThroughTheImport) {
     const QByteArray csv = readFile(out() + u"/sales.csv"_s);
     EXPECT_EQ(
         csv.left(csv.indexOf('\n')),
+        "\xEF\xBB\xBF"
         "DDate,Gubun,GCode,GName,JunNo,WorkGubun,PCode,PName,JGubun,Box,Bon,MMoney,BMoney,YMoney,GMoney,"
         "UserID,DTime");
     QStringList read;

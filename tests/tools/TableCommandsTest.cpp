@@ -40,6 +40,11 @@ TEST_F(TableCommandsTest, LoadTakesTheWholeFileOrNothing) {
         QString said;
     } cases[] = {
         {u"JGUBUN"_s, "CODE,NAME\n01,소주\n02\n", u"line 3"_s},
+        {u"JGUBUN"_s, "CODE,NAME\n01,\xBC\xD2\n02,\xFF\n", u"line 3: the text is neither"_s},
+        {u"JGUBUN"_s,
+         "\xEF\xBB\xBF"
+         "CODE,NAME\n01,\xBC\xD2\n",
+         u"line 2: the text is not UTF-8"_s},
         {u"JGUBUN"_s, "CODE,NAME\n01,소주\n02,맥'주\n", u"line 3"_s},
         {u"JGUBUN"_s, "CODE,NAME,PRICE\n01,소주,1\n", u"PRICE"_s},
         {u"JGUBUN"_s, "CODE,NAME,code\n01,소주,02\n", u"CODE twice"_s},
@@ -62,8 +67,15 @@ TEST_F(TableCommandsTest, LoadTakesTheWholeFileOrNothing) {
     const QString good =
         writeFile(u"classes.csv"_s, "\xEF\xBB\xBFname, CODE\r\n\"소, 주\",01\r\n맥주,02\r\n");
     EXPECT_EQ(run({u"load"_s, u"jgubun"_s, good}).exitCode, admin::kSuccess);
-    EXPECT_EQ(rows(u"SELECT CODE, NAME FROM JGUBUN ORDER BY CODE"_s),
-              (QStringList{u"01|소, 주"_s, u"02|맥주"_s}));
+    const QStringList loaded{u"01|소, 주"_s, u"02|맥주"_s};
+    EXPECT_EQ(rows(u"SELECT CODE, NAME FROM JGUBUN ORDER BY CODE"_s), loaded);
+    execute(u"DELETE FROM JGUBUN"_s);
+    // As a Korean spreadsheet writes it: code page 949.
+    const QString korean = writeFile(u"korean.csv"_s,
+                                     "name, CODE\r\n\"\xBC\xD2, \xC1\xD6\",01\r\n"
+                                     "\xB8\xC6\xC1\xD6,02\r\n");
+    EXPECT_EQ(run({u"load"_s, u"jgubun"_s, korean}).exitCode, admin::kSuccess);
+    EXPECT_EQ(rows(u"SELECT CODE, NAME FROM JGUBUN ORDER BY CODE"_s), loaded);
 }
 
 TEST_F(TableCommandsTest, UserIsAddedAndChanged) {
