@@ -119,6 +119,9 @@ TEST_F(CheckTest, NamesFaultsOfTheFolder) {
         const Ended again = run({u"check"_s});
         EXPECT_EQ(again.exitCode, isMended ? admin::kSuccess : admin::kFailure) << narrow(wrong);
         EXPECT_FALSE(again.out.contains(u"YTEMP"_s));
+        execute(u"INSERT INTO YTEMP DEFAULT VALUES; INSERT INTO UNSAVED VALUES ('YTEMP', 'A', '1')"_s);
+        EXPECT_TRUE(run({u"check"_s, u"--repair"_s}).out.contains(u"to user A at login"_s));
+        EXPECT_EQ(rows(u"SELECT count(*) FROM YTEMP"_s), QStringList{u"1"_s});
         EXPECT_TRUE(QFile::exists(documents + u"rvnclient.cdb.backup"_s));
     }
 }
