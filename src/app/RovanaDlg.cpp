@@ -301,10 +301,17 @@ void CRovanaDlg::runBehind(int button, const std::function<void()>& action) {
 
 void CRovanaDlg::runMenuAction(int button, int workMode, int dialog) {
     runBehind(button, [=] {
-        resetSession();
-        session().SlipDone = 0;
-        session().WorkMode = workMode;
-        ui::runScreen(dialog);
+        bool isNext = false;
+        do {
+            session().ReturnsToList = false;
+            resetSession();
+            session().action.UnvisitedFirst = isNext;
+            session().SlipDone = 0;
+            session().WorkMode = workMode;
+            ui::runScreen(dialog);
+            isNext = session().ReturnsToList;
+            if (isNext) takeBackUnpaid();
+        } while (isNext);
     });
 }
 

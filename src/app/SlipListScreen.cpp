@@ -10,10 +10,29 @@ namespace app {
 
 using namespace Qt::Literals::StringLiterals;
 
-void SlipListScreen::addSlips(const QRect& area, const QString& name, const QList<ui::ListColumn>& columns) {
+namespace {
+
+/// Below the list: how many slips, and what they come to.
+enum Control { kCount = 1060, kTotal = 1061 };
+constexpr int kTotalHeight = 24;
+
+}  // namespace
+
+QString wonText(platform::Won amount) {
+    return platform::groupDigits(platform::formatWon(amount)) + u'원';
+}
+
+void SlipListScreen::addSlips(const QRect& area, const QString& name, const QList<ui::ListColumn>& columns,
+                              bool isCounted) {
     list_ = addList(
-        1054, area, name, columns, [this](int row) { takeSlip(slips_, row); },
-        [this] { runWork(workDialog_); });
+        1054, area.adjusted(0, 0, 0, -kTotalHeight), name, columns,
+        [this](int row) { takeSlip(slips_.rows, row); }, [this] { runWork(workDialog_); });
+    list_->setDetail([this](const platform::Rows&, int row) { return slips_.details.value(row); });
+    const int top = area.bottom() + 1 - kTotalHeight;
+    if (isCounted) describe(addLabel(kCount, {}, {4, top, 52, kTotalHeight}), u"전표수"_s);
+    const int left = ui::kGridLeft + (isCounted ? 1 : 2) * ui::kGridPitch;
+    describe(addLabel(kTotal, {}, {left, top, 236 - left, kTotalHeight}, ui::FontHeight::Small, ui::kRight),
+             u"오늘"_s);
 }
 
 void SlipListScreen::addButtons(const QString& addCaption, const QString& deleteQuestion,
@@ -32,7 +51,9 @@ void SlipListScreen::addButtons(const QString& addCaption, const QString& delete
 void SlipListScreen::fill() {
     const ui::WaitCursor wait;
     slips_ = loadSlips();
-    list_->setRows(slips_);
+    list_->setRows(slips_.rows);
+    setText(kCount, u"%1건"_s.arg(slips_.rows.count()));
+    setFittedText(kTotal, slips_.total, ui::FontHeight::Small);
 }
 
 void SlipListScreen::runWork(int dialogId) {

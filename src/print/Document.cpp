@@ -53,17 +53,29 @@ void Document::labelAmount(QStringView label, platform::Won amount, QStringView 
 
 void Document::row(std::initializer_list<Cell> cells) {
     QString text;
+    int end = 0;  // Where the column at hand ends.
     for (const Cell& cell : cells) {
-        text += cell.isNumber ? PadLeft(cell.text, cell.width) : PadRight(cell.text, cell.width);
+        const QString own = cell.isNumber ? cell.text : PadRight(cell.text, cell.width);
+        // A name's column that comes out short draws the rest of the line along.
+        end += cell.isNumber ? cell.width : displayWidth(own);
+        const auto padded = [&] { return cell.isNumber ? PadLeft(own, end - displayWidth(text)) : own; };
+        const bool touches = !text.isEmpty() && !text.endsWith(u' ') && !padded().startsWith(u' ');
+        if (touches) text += u' ';
+        if (!text.isEmpty() && displayWidth(text) + displayWidth(padded()) > kColumns) {
+            line(text);
+            text.clear();
+        }
+        text += padded();
     }
     line(text);
 }
 
-void Document::itemName(QStringView name, QStringView size) {
-    const int sizeWidth = displayWidth(size);
-    const bool fits = sizeWidth > 0 && displayWidth(name) + 1 + sizeWidth <= kColumns;
-    QString text = PadRight(name, fits ? kColumns - sizeWidth : kColumns);
-    line(fits ? text.append(size) : text);
+void Document::itemName(QStringView name, QStringView size, QStringView unitPrice) {
+    const QString both = QString(size % u' ' % unitPrice).trimmed();
+    const int width = displayWidth(both);
+    const bool fits = width > 0 && displayWidth(name) + 1 + width <= kColumns;
+    line(fits ? PadRight(name, kColumns - width) + both : PadRight(name, kColumns));
+    if (!fits && width > 0) line(PadLeft(both, kColumns));
 }
 
 void Document::signature(QStringView label) {

@@ -49,7 +49,7 @@ SlipPapers::SlipPapers(QStringView date, QStringView junNo, QStringView userId)
     : date_(date.toString()), junNo_(junNo.toString()), userId_(userId.toString()) {
     for (const Paper paper : books::kPapers) {
         for (const Copy copy : kCopies) {
-            if (isReprint(paper, copy, date, junNo, userId)) reprints_.insert({paper, copy});
+            if (print::isReprint(paper, copy, date, junNo, userId)) reprints_.insert({paper, copy});
         }
     }
 }
@@ -74,8 +74,25 @@ QList<Paper> SlipPapers::print(std::span<const Paper> papers, Copy copy, const P
     // Noted first: a paper that left the printer unnoted would be given out a second time without its mark.
     note(printed, copy);
     printDocuments(documents, progress);
-    for (const Paper paper : printed) reprints_.insert({paper, copy});
+    for (const Paper paper : printed) {
+        reprints_.insert({paper, copy});
+        printed_.insert({paper, copy});
+    }
     return printed;
+}
+
+int SlipPapers::printVisit(bool isAgain, const Progress& progress) {
+    const bool isSale = slipPaper(Paper::Invoice, date_, junNo_, userId_, Copy::Seller, false).has_value();
+    const Paper papers[] = {isSale ? Paper::Invoice : Paper::CollectionSlip, Paper::ContainerReceipt};
+    int count = 0;
+    for (const Copy copy : kCopies) {
+        QList<Paper> due;
+        for (const Paper paper : papers) {
+            if (isAgain || !printed_.contains({paper, copy})) due << paper;
+        }
+        count += int(print(due, copy, progress).size());
+    }
+    return count;
 }
 
 void SlipPapers::note(std::span<const Paper> papers, Copy copy) const {

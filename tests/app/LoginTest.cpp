@@ -88,31 +88,6 @@ TEST(LoginWait, GrowsToTenSecondsAndOutlivesTheProgram) {
     EXPECT_EQ(app::enterLoginTry(), 1s);
 }
 
-TEST(Settings, OfALongFileTheLastPieceCounts) {
-    struct SettingsCase {
-        QByteArray content;
-        QString user;
-    };
-    const SettingsCase cases[] = {
-        {"B1234567890", u"B"_s},
-        {"\r\nC\r\n", u"C"_s},
-        {QByteArray(32, 'A') + "D", u"D"_s},
-        {QByteArray(64, 'A'), u"A"_s},
-        {QByteArray(32, 'A') + "\r\n", u""_s},
-    };
-    for (const SettingsCase& c : cases) {
-        test::TestDevice device;
-        device.writeFile(platform::device::kSettingsFile, c.content);
-        EXPECT_EQ(app::defaultUserId(), c.user) << c.content.constData();
-    }
-    // A missing file is made, empty.
-    test::TestDevice device;
-    const QString file = platform::device::path(platform::device::kSettingsFile);
-    QFile::remove(file);
-    EXPECT_EQ(app::defaultUserId(), QString());
-    EXPECT_TRUE(QFile::exists(file));
-}
-
 TEST(SimplePayment, IsNumberedFrom7001WithinTheDay) {
     struct NumberCase {
         QString highest;

@@ -100,25 +100,5 @@ TEST_F(TableCommandsTest, UserIsAddedAndChanged) {
     EXPECT_EQ(rows(select), QStringList{u"E|97|홍길동|3|Z||Y|||"_s});
 }
 
-TEST_F(TableCommandsTest, UserRefusesWhatHasNoMeaning) {
-    makeDevice();
-    const QStringList before = rows(u"SELECT * FROM PDAUSER"_s);
-    const QStringList faulty[] = {
-        {u"--vat-mode"_s, u"4"_s},   {u"--vat-mode"_s, u"12"_s}, {u"--vat-mode"_s, u""_s},
-        {u"--follow-on"_s, u"x"_s},  {u"--search"_s, u""_s},     {u"--container"_s, u" "_s},
-        {u"--name"_s, u"O'Brien"_s}, {u"--password"_s, u""_s},   {u"--password"_s, u"12a4"_s}};
-    for (const QStringList& options : faulty) {
-        const Ended ended = run(QStringList{u"user"_s, u"A"_s} + options);
-        EXPECT_EQ(ended.exitCode, admin::kUsageError) << narrow(options.join(u' '));
-        EXPECT_FALSE(ended.err.contains(u"12a4"_s)) << "a password is never shown";
-    }
-    for (const QString& id : {u"x'y"_s, u"a"_s, u"AB"_s, u"가"_s, u"7"_s, u""_s}) {
-        EXPECT_EQ(run({u"user"_s, id, u"--name"_s, u"n"_s, u"--password"_s, u"1"_s}).exitCode,
-                  admin::kUsageError)
-            << narrow(id);
-    }
-    EXPECT_EQ(rows(u"SELECT * FROM PDAUSER"_s), before);
-}
-
 }  // namespace
 }  // namespace test
