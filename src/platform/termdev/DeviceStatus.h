@@ -5,7 +5,7 @@
 
 namespace platform::termdev {
 
-/// How a device is, for whoever shows it beside the terminal's screens, which never learn of it.
+/// How a device is. The printing menu tells of its jobs; no other screen learns of it.
 struct DeviceStatus {
     enum class State {
         Ready,    ///< Nothing waits.
