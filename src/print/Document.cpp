@@ -43,8 +43,13 @@ void Document::labelText(QStringView label, QStringView text) {
 }
 
 void Document::labelFigure(QStringView label, QStringView figure, QStringView unit) {
-    const int width = kColumns - displayWidth(label) - displayWidth(unit);
-    line(QString(label % PadLeft(figure, width) % unit));
+    const QString whole = figure % unit;
+    int left = displayWidth(label);
+    if (left > 0 && left + 1 + displayWidth(whole) > kColumns) {
+        line(label);
+        left = 0;
+    }
+    line((left > 0 ? label.toString() : QString()) + PadLeft(whole, kColumns - left));
 }
 
 void Document::labelAmount(QStringView label, platform::Won amount, QStringView unit) {

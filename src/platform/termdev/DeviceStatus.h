@@ -5,7 +5,7 @@
 
 namespace platform::termdev {
 
-/// How a device is. The printing menu tells of its jobs; no other screen learns of it.
+/// How a device is. The screens that print at the end of a visit tell of its jobs.
 struct DeviceStatus {
     enum class State {
         Ready,    ///< Nothing waits.

@@ -76,11 +76,16 @@ void CSlipPrintDlg::addPaperButtons() {
 bool CSlipPrintDlg::mayPrint(std::span<const Paper> papers, books::Copy copy) const {
     const bool isAgain =
         std::ranges::any_of(papers, [&](Paper paper) { return papers_.isReprint(paper, copy); });
-    return !isAgain || waitingJobs() == 0 ||
+    return !isAgain || isSecondCopyMeant();
+}
+
+bool CSlipPrintDlg::isSecondCopyMeant() {
+    return waitingJobs() == 0 ||
            ui::askYesNo(u"출력 대기중인 전표가 있습니다..! 한 장 더 출력할까요?"_s, u"다시 출력"_s);
 }
 
 void CSlipPrintDlg::printVisit() {
+    if (papers_.isVisitReprint() && !isSecondCopyMeant()) return;
     int count = 0;
     {
         const ui::WaitCursor wait;
