@@ -4,7 +4,6 @@
 
 #include <QFile>
 #include <QStringConverter>
-#include <algorithm>
 #include <array>
 
 #include "db/MasterLoads.h"
@@ -67,17 +66,11 @@ std::optional<QString> decodeLine(QByteArrayView line) {
     return text;
 }
 
-/// As many as LineReader gives. It takes strides of a whole buffer: lines that end within one fit it.
 int countLines(QByteArrayView content) {
-    qsizetype lines = 0;
-    while (!content.isEmpty()) {
-        const QByteArrayView buffer = content.first(std::min(content.size(), kLongestLineBytes));
-        const qsizetype lastEnd = buffer.lastIndexOf('\n');
-        const QByteArrayView whole = lastEnd < 0 ? buffer : buffer.first(lastEnd + 1);
-        lines += lastEnd < 0 ? 1 : std::count(whole.begin(), whole.end(), '\n');
-        content = content.sliced(whole.size());
-    }
-    return int(lines);
+    LineReader reader(content);
+    int lines = 0;
+    for (; !reader.atEnd(); ++lines) reader.next();
+    return lines;
 }
 
 /// The fields of a line as UTF-8. They last until the next line.
@@ -167,7 +160,10 @@ class Load {
             platform::trace(u"import: %1 is loaded but cannot be deleted for good"_s.arg(waiting_.path()));
             return false;
         }
-        execute(kDeleteLedger(identity_.handheldPath));
+        // An entry that is back after a loss of power names a file that is gone: nothing waits for the disk.
+        Transaction transaction(Survives::ProcessEnd);
+        transaction.run(kDeleteLedger(identity_.handheldPath));
+        transaction.commit();
         return true;
     }
 
