@@ -3,6 +3,7 @@
 #include <sodium.h>
 
 #include <QFile>
+#include <QHash>
 #include <QStringConverter>
 #include <array>
 
@@ -258,11 +259,23 @@ QString rejectedPath(const ImportFile& file, ImportSource source) {
 }
 
 std::optional<int> countImportLines(const ImportFile& file, ImportSource source) {
+    // The dialog counts them when it opens, and again before it loads.
+    struct Counted {
+        struct stat status;
+        int lines;
+    };
+    static QHash<QString, Counted> counted;
     const QString path = platform::device::path(importPath(file, source));
+    struct stat status = {};
+    if (!WaitingFile::isAt(path) || ::stat(QFile::encodeName(path).constData(), &status) != 0)
+        return std::nullopt;
+    const auto known = counted.constFind(path);
+    if (known != counted.constEnd() && WaitingFile::isUnchanged(known->status, status)) return known->lines;
     QFile waiting(path);
-    if (!WaitingFile::isAt(path) || !waiting.open(QIODevice::ReadOnly)) return std::nullopt;
+    if (!waiting.open(QIODevice::ReadOnly)) return std::nullopt;
     const QByteArray content = waiting.readAll();
-    return waiting.error() == QFileDevice::NoError ? std::optional(countLines(content)) : std::nullopt;
+    if (waiting.error() != QFileDevice::NoError) return std::nullopt;
+    return counted.insert(path, {status, countLines(content)})->lines;
 }
 
 std::optional<Shrinkage> findShrinkage(const ImportFile& file, ImportSource source) {
