@@ -25,14 +25,14 @@ double millisecondsOf(const std::function<void()>& work);
 // One function for each measurement, in a file of its own. They throw std::runtime_error, which says why,
 // when a side cannot run or gives a wrong result.
 Result measureImport();
-/// A file of prices that is the same as last time against loading it.
+/// A file of prices that is the same as last time against the least that it takes to know that.
 Result measureImportAgain();
 Result measurePrice();
 Result measureStartup();
 Result measureMemory();
 Result measureList();
 Result measureSlip();
-/// How often a slip of ten lines waits for the disk, against once.
+/// How often the change of a visit that waits most for the disk does, against once.
 Result measureSyncs();
 /// The bytes that such a slip writes, against its rows alone in one transaction.
 Result measureBytes();
