@@ -35,6 +35,8 @@ using Clock = std::chrono::steady_clock;
 constexpr double kFrameMs = 16;
 constexpr int kFewSlips = 1'000;
 constexpr int kPlays = 9;
+/// Between two touches; the first one's work is done by then.
+constexpr int kPaceMs = 20;
 
 /// By the step's place in the script: its line and the milliseconds that it took in each play.
 struct Tap {
@@ -55,9 +57,8 @@ class Watch : public QObject {
   public:
     explicit Watch(pilot::Pilot& player) {
         connect(&player, &pilot::Pilot::begun, this, [this](const pilot::Step& step) { begin(step); });
-        auto* loop = QAbstractEventDispatcher::instance();
-        connect(loop, &QAbstractEventDispatcher::aboutToBlock, this, [this] { rest(); });
-        connect(loop, &QAbstractEventDispatcher::awake, this, [this] { work(); });
+        connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
+                [this] { rest(); });
         qApp->installEventFilter(this);
     }
 
@@ -66,7 +67,9 @@ class Watch : public QObject {
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
-        if (event->type() == QEvent::Timer && qobject_cast<ui::ReportList*>(watched) != nullptr) rest();
+        const bool isReadingOn =
+            event->type() == QEvent::Timer && qobject_cast<ui::ReportList*>(watched) != nullptr;
+        isReadingOn ? rest() : work();
         return false;
     }
 
@@ -94,8 +97,8 @@ class Watch : public QObject {
     }
     void end() {
         if (!isOpen_) return;
+        rest();
         isOpen_ = false;
-        since_.reset();
         Tap& tap = taps_[step_];
         tap.what = what_;
         tap.times.push_back(spent_);
@@ -123,12 +126,14 @@ class Player {
         pilot::Script script =
             pilot::parseScript(u"clock 2026-11-21 09:05\nlogin A 1111\n"_s + commonestVisit());
         if (!script.errors.isEmpty()) throw std::runtime_error(script.errors.join(u'\n').toStdString());
-        pilot::Pilot player(script, {});
+        pilot::Options options;
+        options.paceMs = kPaceMs;
+        pilot::Pilot player(script, options);
         Watch watch(player);
         QTimer::singleShot(0, &watch, [&] {
             player.start();
             app::CRovanaApp().run();
-            QCoreApplication::quit();
+            QCoreApplication::exit();
         });
         QApplication::exec();
         if (!player.finish()) throw std::runtime_error(player.failure().toStdString());

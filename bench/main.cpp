@@ -61,11 +61,7 @@ bool runAndPrint(const Measurement& measurement) {
 int main(int argc, char** argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     ui::useOwnFontList();
-    // Qt's own event loop says when it is about to rest only where it does; that of glib says so at every
-    // turn.
-    qputenv("QT_NO_GLIB", "1");
     QApplication application(argc, argv);
-    qunsetenv("QT_NO_GLIB");
 
     const std::vector<std::string_view> names(argv + 1, argv + argc);
     for (const std::string_view name : names) {
