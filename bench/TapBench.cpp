@@ -121,7 +121,6 @@ class Player {
     }
 
     void play() {
-        platform::adoce::DatabaseFile::forgetAll();
         platform::device::setFolder(device());
         pilot::Script script =
             pilot::parseScript(u"clock 2026-11-21 09:05\nlogin A 1111\n"_s + commonestVisit());
