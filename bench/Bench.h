@@ -25,7 +25,7 @@ double millisecondsOf(const std::function<void()>& work);
 // One function for each measurement, in a file of its own. They throw std::runtime_error, which says why,
 // when a side cannot run or gives a wrong result.
 Result measureImport();
-/// A file of prices that is the same as last time against loading it.
+/// A file of prices that is the same as last time against the least that it takes to know that.
 Result measureImportAgain();
 Result measurePrice();
 /// The terminal's start with --fullscreen against that of a bare dialog that fills the display.
@@ -43,8 +43,10 @@ Result measureTapGrowth();
 Result measureWakeups();
 Result measureDeskWakeups();
 Result measureSlip();
-/// How often a slip of ten lines waits for the disk, against once.
+/// How often the change of a visit that waits most for the disk does, against once.
 Result measureSyncs();
+/// The bytes that such a slip writes, against its rows alone in one transaction.
+Result measureBytes();
 Result measureReport();
 /// One approved payment of the terminal's component, seal to parsed reply, against the same bytes over a bare
 /// socket and the bare cipher calls.

@@ -97,6 +97,7 @@ constexpr std::array kIndexes{
     Index{u"PUMMOK_PCODE", u"PUMMOK", u"Pcode"},
     Index{u"PUMMOK_SEEK", u"PUMMOK", u"seek, Pname"},
     Index{u"PUMMOK_CLASS", u"PUMMOK", u"JGubun, Pcode"},
+    Index{u"PUMMOK_TTT", u"PUMMOK", u"TTT"},
     Index{u"GARAEDANGA_KEY", u"GARAEDANGA", u"gcode, pcode"},
     Index{u"GARAEMAJIN_KEY", u"GARAEMAJIN", u"GCode, Gubun"},
     Index{u"MTM_SLIP", u"MTM", u"DDate, JunNo, UserID"},
@@ -117,6 +118,7 @@ constexpr std::array kIndexes{
     Index{u"PAYJOURNAL_STATE", u"PAYJOURNAL", u"State"},
     Index{u"PAYJOURNAL_SLIP", u"PAYJOURNAL", u"DDate, JunNo, UserID"},
     Index{u"PAYJOURNAL_TRANSACTION", u"PAYJOURNAL", u"BANKTRANNO"},
+    Index{u"PAYJOURNAL_SENT", u"PAYJOURNAL", u"MSGSENDTIME"},
     Index{u"DELETED_DAY", u"DELETED", u"DDate"},
 };
 

@@ -120,8 +120,12 @@ QList<ProductClass> productClasses() {
     return classes;
 }
 
+db::Sql productNameSearch(QStringView pcode) {
+    return kName(pcode);
+}
+
 std::optional<ProductName> productName(QStringView pcode) {
-    const auto row = db::firstRow(kName(pcode));
+    const auto row = db::firstRow(productNameSearch(pcode));
     if (!row) return std::nullopt;
     return ProductName{row->at(0), row->at(1)};
 }

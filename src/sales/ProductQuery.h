@@ -40,6 +40,8 @@ struct ProductName {
     QString JGubun;
 };
 std::optional<ProductName> productName(QStringView pcode);
+/// The look-up of productName(): name and class.
+db::Sql productNameSearch(QStringView pcode);
 
 bool productExists(QStringView pcode);
 

@@ -191,9 +191,8 @@ void checkValues(const SystemStatement& statement, std::span<const QString> valu
 QList<QByteArray> runText(const QString& text) {
     return Database::instance().watch([&](db::Transaction& transaction) {
         adoce::Recordset recordset;
-        if (adoce::failed(recordset.Open(text,
-                                         QVariant::fromValue(transaction.connection().m_pConnection.get()),
-                                         db::kForwardOnly, db::kReadOnly, adoce::kUnknownCommandType))) {
+        if (adoce::failed(recordset.Open(text, transaction.connection().m_pConnection.get(), db::kForwardOnly,
+                                         db::kReadOnly, adoce::kUnknownCommandType))) {
             return;
         }
         for (int row = 0; row < 10 && !recordset.EndOfRows(); ++row, recordset.MoveNext()) {
