@@ -165,6 +165,7 @@ TEST(Settlement, AmountsOfTheSaleFollowEachOther) {
     EXPECT_EQ(split(amounts), (Split{10500, 500, 10000, 0, 0, 0})) << "what the excess booked is gone";
 }
 
+<<<<<<< HEAD
 TEST(Settlement, KnowsWhatIsLeft) {
     SettlementAmounts amounts = amountsOf({50000, 8000, 20000, 10000, 12000, 3000});
     recomputeTotal(amounts);
@@ -223,5 +224,7 @@ TEST(Settlement, IsOutdatedWhenWhatWasPaidIsNotWhatIsDue) {
     }
 }
 
+=======
+>>>>>>> origin/main
 }  // namespace
 }  // namespace collect

@@ -87,6 +87,7 @@ TEST(ContainerSlip, IsSavedWhole) {
     EXPECT_EQ(device.rows(saved), QList<QStringList>{others});
 }
 
+<<<<<<< HEAD
 TEST(ContainerSlip, TakesItsCreditAlong) {
     // Sales, card, cash and earlier receivable paid of a collection with a recovery of 8000; the receivable
     // after it, from 0, then cash, earlier receivable and unpaid where the collection stays.
@@ -164,4 +165,6 @@ TEST(ContainerSlip, ItsCollectionFollowsItsWorth) {
     }
 }
 
+=======
+>>>>>>> origin/main
 }  // namespace

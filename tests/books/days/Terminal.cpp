@@ -148,6 +148,7 @@ void Terminal::menu(int mode, Screen screen) {
     number_.clear();
     state_.clear();
     handedOver_.reset();
+    kept_.reset();
     isRecoveryMoved_ = false;
     crateDeposit_ = {};
     device_.execute("DELETE FROM TEMP; DELETE FROM YTEMP");
@@ -238,7 +239,10 @@ std::string Terminal::backTap() {
         backFromCard();
         return {};
     }
-    if (isAt(Screen::Entry)) takeBackUnpaid();
+    if (isAt(Screen::Entry)) {
+        keepSettlement();
+        takeBackUnpaid();
+    }
     back();
     return {};
 }
