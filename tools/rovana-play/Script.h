@@ -24,6 +24,7 @@ enum class Command {
     DragRow,
     Answer,
     Key,
+    DoubleKey,
     ExpectMessage,
     ExpectCaption,
     ExpectScreen,
