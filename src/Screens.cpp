@@ -20,6 +20,7 @@
 #include "sales/screens/GaeaeDlg.h"
 #include "sales/screens/GaraeSeek.h"
 #include "sales/screens/MtmDlg.h"
+#include "sales/screens/PastOrdersDlg.h"
 #include "sales/screens/PummokCheck.h"
 #include "sales/screens/PummokSeekBoard.h"
 #include "totals/screens/ReportDlg.h"
@@ -68,6 +69,7 @@ constexpr Entry kScreens[] = {
     {dialogs::kReport, make<totals::CReportDlg>},
     {dialogs::kPaymentCheck, make<van::CPaymentCheckDlg>},
     {dialogs::kVisitCheck, make<totals::CVisitCheckDlg>},
+    {dialogs::kPastOrders, make<sales::CPastOrdersDlg>},
 };
 
 }  // namespace

@@ -366,6 +366,11 @@ Attempt Pilot::attempt(const Step& step) {
             return pressKey(step);
         case Command::Tear:
             return ready([this] { tear(); });
+        case Command::Count:
+            return ready([this, name = textOf(step)] {
+                counted_ = name;
+                touchesBefore_ = touches();
+            });
         case Command::Host:
             return {{}, [this, options = textOf(step)] {
                         return cardHost_.start(QProcess::splitCommand(options));
@@ -415,6 +420,8 @@ Attempt Pilot::expect(const Step& step) {
             return compareRoll(step);
         case Command::ExpectPrinted:
             return expectPrinted(step);
+        case Command::ExpectTouches:
+            return expectTouches(step);
         default:
             return {};
     }
@@ -441,6 +448,12 @@ Attempt Pilot::compareRoll(const Step& step) {
     if (approved.isNull())
         return waitFor(u"%1 is not there; ROVANA_APPROVE=1 writes it. Printed:\n%2"_s.arg(file, printed));
     return waitFor(u"the paper differs (- approved, + printed):\n"_s + lineDiff(approved, printed));
+}
+
+Attempt Pilot::expectTouches(const Step& step) {
+    const int found = touches() - touchesBefore_;
+    if (found != step.numbers[0]) return waitFor(u"found %1 touches"_s.arg(found));
+    return ready([this, found] { Q_EMIT counted(counted_, found); });
 }
 
 Attempt Pilot::expectPrinted(const Step& step) {

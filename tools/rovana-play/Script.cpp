@@ -78,6 +78,8 @@ const QList<Syntax>& syntaxes() {
         {u"expect sql", Command::ExpectSql, {Word, Text}, u"\"SELECT ...\" TEXT"},
         {u"expect roll", Command::ExpectRoll, {Text}, u"FILE"},
         {u"expect printed", Command::ExpectPrinted, {Number, Text}, u"N LINE"},
+        {u"expect touches", Command::ExpectTouches, {Number}, u"N"},
+        {u"count", Command::Count, {Name}, u"NAME"},
         {u"tear", Command::Tear, {}, u""},
         {u"host", Command::Host, {Text}, u"\"OPTIONS\""},
         {u"swipe", Command::Swipe, {Word}, u"CARD [KEYS ...]"},

@@ -39,6 +39,8 @@ enum class Command {
     ExpectSql,
     ExpectRoll,
     ExpectPrinted,
+    ExpectTouches,
+    Count,
     Tear,
     Host,
     Swipe,
