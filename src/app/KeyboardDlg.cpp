@@ -94,11 +94,9 @@ void CKeyboardDlg::addTopic() {
     const auto line = [&](int id, int number) {
         return addLabel(id, {}, {4, 1 + number * kTopicLine, 232, kTopicLine});
     };
-    if (fieldsInUse() == kFields) {
-        fitText(line(kWhom, 0), topic.whom + (topic.what.isEmpty() ? u""_s : u"  "_s + topic.what),
-                ui::FontHeight::Small);
-        return;
-    }
+    // Beside three fields there is room for one line.
+    if (fieldsInUse() == kFields)
+        return fitText(line(kWhom, 0), topic.what.isEmpty() ? topic.whom : topic.what, ui::FontHeight::Small);
     fitText(line(kWhom, 0), topic.whom, ui::FontHeight::Small);
     fitText(line(kWhat, 1), topic.what, ui::FontHeight::Small);
     setTextColour(line(kNote, 2), QColor(0x1c, 0x5b, 0xa8));
@@ -111,17 +109,18 @@ void CKeyboardDlg::addFields() {
     for (int i = 0; i < kFields; ++i) {
         const FieldRow& row = kRows[i];
         const int top = places.firstRow + i * places.pitch;
-        // A field that the mode leaves out makes way for what the keypad tells.
-        const bool isThere = i < fieldsInUse() || keypadRequest().Topic.isEmpty();
-        const QString& present = keypad_.present(i + 1);
+        const bool isInUse = i < fieldsInUse();
+        const QString present = isInUse ? keypad_.present(i + 1) : QString();
         const int left = present.isEmpty() ? 70 : 112;
-        const QRect area = isThere ? QRect(left, top, 184 - left, 32) : QRect(left, top, 0, 0);
-        addLabel(row.caption, captions[i], isThere ? QRect(4, top, 64, 32) : QRect(4, top, 0, 0));
-        auto* display = place(row.display, new ui::PressableText(this), area);
+        QLabel* caption = addLabel(row.caption, captions[i], {4, top, 64, 32});
+        auto* display = place(row.display, new ui::PressableText(this), {left, top, 184 - left, 32});
+        // An empty field that the mode leaves out makes way for what the keypad tells.
+        caption->setVisible(isInUse || keypadRequest().Topic.isEmpty());
+        display->setVisible(isInUse || keypadRequest().Topic.isEmpty());
         display->setAlignment(ui::kRight);
         display->setTextFormat(Qt::PlainText);
-        connect(display, &ui::PressableText::pressed, this, [this, i] {
-            if (i < fieldsInUse()) activate(i + 1);
+        connect(display, &ui::PressableText::pressed, this, [this, i, isInUse] {
+            if (isInUse) activate(i + 1);
         });
         // What may be a password is not read out.
         keypadRequest().KeypadMode == kTextField ? display->setAccessibleName(captions[i])

@@ -7,7 +7,8 @@
 
 #include "db/Statement.h"
 
-/// The five text files in which the office sends master data and open orders.
+/// The text files in which the office sends master data and open orders: five, and one that it may send
+/// besides.
 namespace db {
 
 /// Where a waiting file lies: "Y" in \My Documents\, "Z" only on the storage card, "N" nowhere.
@@ -23,6 +24,7 @@ struct ImportFile {
     Sql (*deleteAll)();    ///< Empties the table; null for MTM, which keeps its rows and gains the file's.
     bool isOnlyOffices;    ///< Nothing but this file changes the table.
     Sql (*insert)(std::span<const QStringView> fields);  ///< As many as the member of that name says.
+    bool isOptional = false;  ///< An office need not send it, and an older terminal has no table for it.
 };
 
 /// The files in the order in which they are counted and loaded.

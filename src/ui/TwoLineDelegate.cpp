@@ -11,10 +11,11 @@ namespace ui {
 namespace {
 
 constexpr int kCellMargin = 3;
-constexpr int kLowerHeight = 13;
+constexpr int kLowerHeight = 12;
 constexpr int kLowerType = 11;
 constexpr int kSmallestType = 8;
 constexpr int kSmallestOneLineType = 10;
+constexpr int kLargestWrappedType = 12;
 constexpr QColor kLowerColour(0x4a, 0x5a, 0x6a);
 constexpr QColor kMarkColour(0xc0, 0x32, 0x2d);
 
@@ -28,13 +29,23 @@ QFont fitted(const QString& text, QFont font, int pixels, int smallest, int widt
     return font;
 }
 
+/// The text on lines of that width. A name may break after any of its syllables.
+QStringList wrapped(const QString& text, const QFontMetrics& metrics, int width) {
+    QStringList lines{QString()};
+    for (const QChar character : text) {
+        if (metrics.horizontalAdvance(lines.last() + character) > width) lines.append(QString());
+        if (character != u' ' || !lines.last().isEmpty()) lines.last() += character;
+    }
+    return lines;
+}
+
 }  // namespace
 
-/// How a cell's own text is set.
+/// How a cell's own text is set: on lines as high as the type itself.
 struct TwoLineDelegate::Type {
     QFont font;
+    QStringList lines;
     QSize size;
-    int flags = 0;
 };
 
 TwoLineDelegate::TwoLineDelegate(ReportList* list, int rowHeight, Below below)
@@ -53,15 +64,20 @@ int TwoLineDelegate::textWidth(const QModelIndex& index) const {
     return list_.columnWidth(index.column()) - 2 * kCellMargin - 1;
 }
 
-TwoLineDelegate::Type TwoLineDelegate::upperType(const QString& text, QFont font,
-                                                 const QModelIndex& index) const {
+TwoLineDelegate::Type TwoLineDelegate::upperType(const QString& text, QFont font, const QModelIndex& index,
+                                                 bool isAlone) const {
+    const int height = rowHeight_ - 1 - (isAlone ? 0 : kLowerHeight);
     const int width = textWidth(index);
     font = fitted(text, font, font.pixelSize(), kSmallestOneLineType, width);
-    QSize size(QFontMetrics(font).horizontalAdvance(text), QFontMetrics(font).height());
-    if (size.width() <= width) return {font, size, 0};
-    font.setPixelSize(kSmallestType);
-    const int flags = Qt::TextWrapAnywhere;
-    return {font, QFontMetrics(font).boundingRect(QRect(0, 0, width, 0), flags, text).size(), flags};
+    const QSize size(QFontMetrics(font).horizontalAdvance(text), QFontMetrics(font).height());
+    if (size.width() <= width) return {font, {text}, size};
+    QStringList lines;
+    for (int pixels = kLargestWrappedType; pixels >= kSmallestType; --pixels) {
+        font.setPixelSize(pixels);
+        lines = wrapped(text, QFontMetrics(font), width);
+        if (lines.size() * pixels <= height) break;
+    }
+    return {font, lines, {width, int(lines.size()) * font.pixelSize()}};
 }
 
 void TwoLineDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
@@ -82,18 +98,24 @@ void TwoLineDelegate::paint(QPainter* painter, const QStyleOptionViewItem& optio
                           lower.text);
         area.setBottom(place.top() - 1);
     }
-    const Type type = upperType(cell.text, cell.font, index);
+    const Type type = upperType(cell.text, cell.font, index, lower.text.isEmpty());
     painter->setFont(type.font);
     painter->setPen(isChosen ? QColor(Qt::white) : QColor(Qt::black));
-    painter->drawText(area,
-                      int(cell.displayAlignment & Qt::AlignHorizontal_Mask) | Qt::AlignVCenter | type.flags,
-                      cell.text);
+    const int pitch = area.height() / int(type.lines.size());
+    const int height = std::min(pitch, type.size.height());
+    const int top = area.top() + (area.height() - height * int(type.lines.size())) / 2;
+    for (int i = 0; i < type.lines.size(); ++i) {
+        painter->drawText(
+            QRect(area.left(), top + i * height, area.width(), height),
+            int(cell.displayAlignment & Qt::AlignHorizontal_Mask) | Qt::AlignVCenter | Qt::TextDontClip,
+            type.lines[i]);
+    }
     painter->restore();
 }
 
 QSize TwoLineDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const {
-    QSize size = upperType(index.data().toString(), option.font, index).size;
     const Line lower = below(index);
+    QSize size = upperType(index.data().toString(), option.font, index, lower.text.isEmpty()).size;
     if (!lower.text.isEmpty()) {
         const QFont font = fitted(lower.text, option.font, kLowerType, kSmallestType, textWidth(index));
         size.setWidth(std::max(size.width(), QFontMetrics(font).horizontalAdvance(lower.text)));

@@ -34,7 +34,7 @@ class TwoLineDelegate : public QStyledItemDelegate {
     struct Type;
     Line below(const QModelIndex& index) const;
     int textWidth(const QModelIndex& index) const;
-    Type upperType(const QString& text, QFont font, const QModelIndex& index) const;
+    Type upperType(const QString& text, QFont font, const QModelIndex& index, bool isAlone) const;
 
     ReportList& list_;
     int rowHeight_;

@@ -133,8 +133,9 @@ Attempt drag(const Found& list, QPoint from, int row) {
 Attempt chooseRow(const Step& step) {
     const Found found = reachControl(step.at);
     if (!found.control) return waitFor(found.problem);
-    const FoundRow row = findRow(found.control, step.numbers[0], textOf(step));
+    FoundRow row = findRow(found.control, step.numbers[0], textOf(step));
     if (!row.problem.isEmpty()) return waitFor(row.problem);
+    if (step.command == Command::Cell) row.cell = row.cell.siblingAtColumn(step.numbers[1] - 1);
     if (auto* combo = qobject_cast<QComboBox*>(found.control.data()))
         return ready([combo = QPointer(combo), entry = row.cell] { chooseEntry(*combo, entry); });
     const QPoint place = placeOf(row);
@@ -358,6 +359,7 @@ Attempt Pilot::attempt(const Step& step) {
             return type(step);
         case Command::Row:
         case Command::DoubleRow:
+        case Command::Cell:
         case Command::DragRow:
             return chooseRow(step);
         case Command::Answer:

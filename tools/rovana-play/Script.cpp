@@ -56,6 +56,7 @@ const QList<Syntax>& syntaxes() {
         {u"keys", Command::KeypadKey, {KeypadKeys}, u"DIGITS|00|-|next|again|erase|ok|cancel ..."},
         {u"row", Command::Row, {Address, Row}, u"D.C N|=TEXT"},
         {u"row2", Command::DoubleRow, {Address, Row}, u"D.C N|=TEXT"},
+        {u"cell", Command::Cell, {Address, Position, Position}, u"D.C ROW COLUMN"},
         {u"drag", Command::DragRow, {Address, Position, Position}, u"D.C N N"},
         {u"answer", Command::Answer, {Reply}, u"ok|cancel|yes|no [TEXT]"},
         {u"key", Command::Key, {Keys}, u"NAME ..."},

@@ -21,6 +21,7 @@ enum class Command {
     KeypadNext,
     Row,
     DoubleRow,
+    Cell,
     DragRow,
     Answer,
     Key,

@@ -18,7 +18,9 @@
 #include "sales/ProductQuery.h"
 #include "sales/SlipStore.h"
 #include "sales/screens/HandOver.h"
+#include "sales/screens/PastOrderChoice.h"
 #include "sales/screens/QuantityStepper.h"
+#include "sales/screens/SlipAmounts.h"
 #include "ui/AmountTable.h"
 #include "ui/Messages.h"
 #include "ui/ReportList.h"
@@ -33,25 +35,10 @@ using platform::parseInteger;
 using platform::parseWon;
 using platform::Won;
 
-/// One of the slip's amounts: the selected line's value and the slip's sum, and for an amount that can be
-/// keyed its button and how.
-struct SlipAmount {
-    QStringView caption;
-    int top;
-    int lineValue;
-    int slipSum;
-    Won (*of)(const LineAmounts&);
-    int button = 0;
-    QStringView title{};                               ///< The keypad's.
-    LineAmounts (*apply)(LineAmounts, Won) = nullptr;  ///< What the line becomes.
-    QStringView emptyMessage{};                        ///< The refusal on a slip without lines.
-};
-
 namespace {
 
 constexpr int kCustomerName = 1059;
 constexpr int kReceivable = 1088;
-
 // Our own controls.
 constexpr int kCount = 1311;
 constexpr int kPastOrder = 1312;
@@ -59,38 +46,16 @@ constexpr int kSearchOn = 1313;
 constexpr int kLess = 1314;
 constexpr int kMore = 1315;
 
-constexpr int kRowHeight = 30;
+constexpr int kRowHeight = 29;
 constexpr int kTitleHeight = 18;
 constexpr int kNameColumn = 1;
 constexpr int kBoxColumn = 2;
-
-/// The names that a message has room for.
-QString listed(const QStringList& names) {
-    constexpr qsizetype kMost = 3;
-    const QString shown = names.mid(0, kMost).join(u", "_s);
-    return names.size() > kMost ? shown + u" 외 %1"_s.arg(names.size() - kMost) : shown;
-}
 
 Quantities quantitiesOf(const LineKey& key) {
     return {parseInteger(key.Box), parseInteger(key.Bon)};
 }
 
 constexpr QStringView kUnknownProduct = u"입력하신 상품코드는 존재하지 않습니다..!";
-constexpr QStringView kNoGoods = u"품목이 없으면 공급가액을 수정할수 없습니다..";
-constexpr QStringView kNoGoodsToSum = u"품목이 없으면 합계금액을 수정할수 없습니다..";
-constexpr SlipAmount kAmounts[] = {
-    {u"공급가", 162, 1082, 1077, [](const LineAmounts& a) { return a.supply; }, 1076, u"공급가", withSupply,
-     kNoGoods},
-    // The VAT's refusal speaks of the supply amount.
-    {u"부가세", 186, 1083, 1078, [](const LineAmounts& a) { return a.vat; }, 1090, u"부가세", withVat,
-     kNoGoods},
-    {u"용  기", 210, 1084, 1079, [](const LineAmounts& a) { return a.crateDeposit; }},
-    {u"공  병", 224, 1085, 1080, [](const LineAmounts& a) { return a.bottleDeposit; }},
-    {u"소계", 238, 1086, 1081, [](const LineAmounts& a) { return a.subtotal(); }, 1075, u"상품소계",
-     withSubtotal, kNoGoodsToSum},
-    {u"합계", 262, 1089, 1087, [](const LineAmounts& a) { return a.total(); }, 1074, u"상품합계", withTotal,
-     kNoGoodsToSum},
-};
 
 }  // namespace
 
@@ -120,8 +85,8 @@ void CMtmDlg::addLines() {
         if (column != kNameColumn) return line;
         const LineKey key = keyAt(rows, row);
         const LineDetail detail = details_.value({key.PCode, key.Box, key.Bon});
-        line.text = detail.Size + (detail.Size.isEmpty() ? u""_s : u"  "_s) +
-                    platform::groupThousands(detail.total) + u"원"_s;
+        line.text =
+            (detail.isFree ? u"※ "_s : detail.Size + u' ') + platform::groupThousands(detail.total) + u"원"_s;
         line.isMarked = detail.isFree;
         return line;
     });
@@ -146,7 +111,7 @@ void CMtmDlg::addAmountRows() {
                                              }}}};
     addAmountTitles(table, 147, 15);
     savedMark_ = addLabel(0, {}, {2, 147, 45, 15}, ui::FontHeight::Small, Qt::AlignCenter);
-    for (const SlipAmount& amount : kAmounts) {
+    for (const SlipAmount& amount : slipAmounts()) {
         const bool isKeyed = amount.apply != nullptr;
         addAmountRow(table, {.caption = amount.caption.toString(),
                              .top = amount.top,
@@ -156,7 +121,7 @@ void CMtmDlg::addAmountRows() {
                              .height = isKeyed ? 0 : 14,
                              .name = amount.caption.toString().remove(u' ')});
         // All of a column tell the same, so Tab stops at one.
-        if (&amount != std::begin(kAmounts)) {
+        if (&amount != slipAmounts().data()) {
             control(amount.lineValue)->setFocusPolicy(Qt::NoFocus);
             control(amount.slipSum)->setFocusPolicy(Qt::NoFocus);
         }
@@ -167,7 +132,7 @@ void CMtmDlg::addButtons() {
     constexpr int kTop = 147;
     constexpr int kPitch = 35;
     const auto place = [](int number) { return QPoint(182, kTop + number * kPitch); };
-    addButton(kPastOrder, u"지난주문"_s, place(0), ui::bitmaps::kAdd, [this] { takePastOrder(); });
+    addButton(kPastOrder, u"지난주문"_s, place(0), ui::bitmaps::kAdd, [this] { addPastOrder(); });
     addButton(kSearchOn, u"이어찾기"_s, place(1), ui::bitmaps::kSearch, [this] {
         addFromSearch(true);
     })->setEnabled(false);
@@ -176,7 +141,7 @@ void CMtmDlg::addButtons() {
     ui::BitmapButton* save =
         addButton(1137, u"주문서 저장"_s, place(3), ui::bitmaps::kAdd, [this] { this->save(); });
     QFont twoLines = ui::font(ui::FontHeight::Small);
-    twoLines.setPixelSize(twoLines.pixelSize() - 2);
+    twoLines.setPixelSize(twoLines.pixelSize() - 1);
     byCode->setFont(twoLines);
     save->setFont(twoLines);
     addBottomButton(1002, u"삭  제"_s, 1, ui::bitmaps::kDelete, [this] { deleteSelected(); });
@@ -252,7 +217,7 @@ int CMtmDlg::rowOf(const LineKey& key) const {
 
 void CMtmDlg::showAmounts() {
     const SlipSums sums = slipSums(sums_, app::session().UserField3);
-    for (const SlipAmount& amount : kAmounts) {
+    for (const SlipAmount& amount : slipAmounts()) {
         setAmount(amount.lineValue, amount.of(selectedAmounts_));
         setAmount(amount.slipSum, amount.of(sums));
     }
@@ -293,15 +258,6 @@ void CMtmDlg::addByCode() {
     addProduct(pcode);
 }
 
-void CMtmDlg::addScanned(const QString& barcode) {
-    const QString pcode = productOfBarcode(barcode);
-    if (pcode.isEmpty()) {
-        ui::message(u"등록되지 않은 바코드입니다..! [%1]"_s.arg(barcode));
-        return;
-    }
-    addProduct(pcode);
-}
-
 void CMtmDlg::keyPressEvent(QKeyEvent* event) {
     const QString text = event->text();
     if (text.size() == 1 && text[0] >= u'0' && text[0] <= u'9') {
@@ -310,7 +266,9 @@ void CMtmDlg::keyPressEvent(QKeyEvent* event) {
     }
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
         const QString barcode = scanned_.take(sinceOpened_.elapsed());
-        if (!barcode.isEmpty()) return addScanned(barcode);
+        const QString pcode = barcode.isEmpty() ? QString() : productOfBarcode(barcode);
+        if (!pcode.isEmpty()) return addProduct(pcode);
+        if (!barcode.isEmpty()) return ui::message(u"등록되지 않은 바코드입니다..! [%1]"_s.arg(barcode));
     }
     Screen::keyPressEvent(event);
 }
@@ -342,35 +300,15 @@ void CMtmDlg::addProduct(const QString& pcode) {
     showAmounts();
 }
 
-void CMtmDlg::takePastOrder() {
-    const QList<PastSlip>& slips = question_.history().slips();
-    if (slips.isEmpty()) {
-        ui::message(u"지난 주문이 없습니다..!"_s);
-        return;
-    }
-    int which = 0;
-    if (!lines_.isEmpty()) {
-        if (ui::runScreen(app::dialogs::kPastOrders) != Accepted) return;
-        which = app::session().action.PastOrder;
-        if (which < 0 || which >= slips.size()) return;
-        const bool isLost = !isPastOrder_ || hasChangedSince_;
-        if (isLost && !ui::confirm(u"주문서의 품목을 모두 지난 주문으로 바꿀까요?"_s, u"지난주문"_s)) return;
-    }
-    const auto taken = takeOver(head(), slips[which]);
-    if (!taken) {
-        ui::message(u"지난 주문을 가져오지 못했습니다..!"_s);
-        return;
-    }
-    if (taken->lines > 0) {
-        deselect();
-        markUnsaved();
-        isPastOrder_ = true;
-        hasChangedSince_ = false;
-        showLines();
-        showAmounts();
-    }
-    if (!taken->leftOut.isEmpty())
-        ui::message(u"지금 팔지 않는 상품은 뺐습니다..! [%1]"_s.arg(listed(taken->leftOut)));
+void CMtmDlg::addPastOrder() {
+    const bool isLost = !isPastOrder_ || hasChangedSince_;
+    if (!takePastOrder(question_.history(), head(), !lines_.isEmpty(), isLost)) return;
+    deselect();
+    markUnsaved();
+    isPastOrder_ = true;
+    hasChangedSince_ = false;
+    showLines();
+    showAmounts();
 }
 
 bool CMtmDlg::isChosenTwice() {

@@ -42,10 +42,9 @@ class CMtmDlg : public ui::Screen {
     /// A resumed search goes on where it was left with a product.
     void addFromSearch(bool isResumed);
     void addByCode();
-    void addScanned(const QString& barcode);
     void addProduct(const QString& pcode);
     /// Fills an empty slip with the customer's last one; on any other one of the last five is chosen first.
-    void takePastOrder();
+    void addPastOrder();
     SlipHead head() const;
     void selectLine(int row);
     void changeQuantities();

@@ -12,8 +12,27 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 
 constexpr int kList = 1054;
-constexpr int kProductsColumn = 2;
-constexpr int kRowHeight = 40;
+constexpr int kRowHeight = 36;
+
+QString productsOf(const PastSlip& slip) {
+    const QString first = slip.products.first().PName;
+    return slip.products.size() > 1 ? u"%1 외 %2"_s.arg(first).arg(slip.products.size() - 1) : first;
+}
+
+QString weekday(const PastSlip& slip) {
+    constexpr QStringView kDays = u"월화수목금토일";
+    const int day = QDate::fromString(slip.DDate, Qt::ISODate).dayOfWeek();
+    return day > 0 ? u"%1요일"_s.arg(kDays[day - 1]) : QString();
+}
+
+QString amountOf(const PastSlip& slip) {
+    Quantities all;
+    for (const Purchase& purchase : slip.products) {
+        all.boxes += purchase.quantities.boxes;
+        all.bottles += purchase.quantities.bottles;
+    }
+    return quantityText(all);
+}
 
 }  // namespace
 
@@ -26,21 +45,16 @@ CPastOrdersDlg::CPastOrdersDlg() : Screen(app::dialogs::kPastOrders) {
     fitText(addLabel(1059, {}, {4, 34, 232, 22}), session.action.GName, ui::FontHeight::Medium);
     ui::ReportList* list = addList(
         kList, {0, 58, 240, 224}, u"지난 주문"_s,
-        {{u"날짜"_s, 76}, {u"합계"_s, 74, ui::kRight}, {u"품목"_s, 84, ui::kRight}},
-        [this](int row) { chosen_ = row; }, [this] { confirm(); });
+        {{u"날짜"_s, 70}, {u"합계"_s, 78, ui::kRight}, {u"품목"_s, 86}}, [this](int row) { chosen_ = row; },
+        [this] { confirm(); });
     platform::Rows rows{.columns = 3, .cells = {}};
-    for (const PastSlip& slip : history_.slips().mid(0, PurchaseHistory::kOffered)) {
-        rows.cells << slip.DDate << platform::groupThousands(slip.total)
-                   << u"%1품목"_s.arg(slip.products.size());
-    }
+    for (const PastSlip& slip : history_.slips().mid(0, PurchaseHistory::kOffered))
+        rows.cells << slip.DDate << platform::groupThousands(slip.total) << productsOf(slip);
     new ui::TwoLineDelegate(list, kRowHeight, [this](const platform::Rows&, int row, int column) {
-        const QList<Purchase>& products = history_.slips()[row].products;
-        ui::TwoLineDelegate::Line line;
-        if (column < products.size()) {
-            line.text = products[column].PName + u' ' + shortQuantityText(products[column].quantities);
-            if (column == kProductsColumn && products.size() > kProductsColumn + 1) line.text += u" …"_s;
-        }
-        return line;
+        const PastSlip& slip = history_.slips()[row];
+        return ui::TwoLineDelegate::Line{column == 0   ? weekday(slip)
+                                         : column == 1 ? amountOf(slip)
+                                                       : QString()};
     });
     list->setRows(rows);
     addLeaveButton(1003, u"취  소"_s);

@@ -11,7 +11,7 @@ namespace {
 
 /// The column before the numbers, at whose end the buttons lie.
 constexpr int kNameColumn = 1;
-constexpr int kGap = 2;
+constexpr int kGap = 8;
 
 }  // namespace
 
@@ -23,6 +23,7 @@ QuantityStepper::QuantityStepper(ui::ReportList* list, ui::BitmapButton* less, u
     QPalette colours = frame_->palette();
     colours.setColor(QPalette::WindowText, QColor(0xf5, 0x9e, 0x0b));
     frame_->setPalette(colours);
+    frame_->setForegroundRole(QPalette::WindowText);
     for (ui::BitmapButton* button : {less, more}) {
         button->setRepeated(true);
         button->setFont(ui::font(ui::FontHeight::Title));
@@ -40,7 +41,7 @@ void QuantityStepper::showAt(int row, int column) {
     const QPoint origin = list_.viewport()->mapTo(list_.parentWidget(), QPoint(0, 0));
     const QRect name = list_.visualRect(number.siblingAtColumn(kNameColumn)).translated(origin);
     const int top = name.center().y() - more_.height() / 2;
-    more_.move(name.right() - kGap - more_.width(), top);
+    more_.move(name.right() + 1 - more_.width(), top);
     less_.move(more_.x() - kGap - less_.width(), top);
     frame_->setGeometry(list_.visualRect(number));
     column_ = column;
