@@ -132,14 +132,14 @@ void CMtmDlg::addButtons() {
     constexpr int kTop = 147;
     constexpr int kPitch = 35;
     const auto place = [](int number) { return QPoint(182, kTop + number * kPitch); };
+    ui::BitmapButton* save =
+        addButton(1137, u"주문서 저장"_s, place(3), ui::bitmaps::kAdd, [this] { this->save(); });
+    ui::BitmapButton* byCode =
+        addButton(1010, u"상품코드검색"_s, place(2), ui::bitmaps::kSearch, [this] { addByCode(); });
     addButton(kPastOrder, u"지난주문"_s, place(0), ui::bitmaps::kAdd, [this] { addPastOrder(); });
     addButton(kSearchOn, u"이어찾기"_s, place(1), ui::bitmaps::kSearch, [this] {
         addFromSearch(true);
     })->setEnabled(false);
-    ui::BitmapButton* byCode =
-        addButton(1010, u"상품코드검색"_s, place(2), ui::bitmaps::kSearch, [this] { addByCode(); });
-    ui::BitmapButton* save =
-        addButton(1137, u"주문서 저장"_s, place(3), ui::bitmaps::kAdd, [this] { this->save(); });
     QFont twoLines = ui::font(ui::FontHeight::Small);
     twoLines.setPixelSize(twoLines.pixelSize() - 1);
     byCode->setFont(twoLines);
