@@ -32,6 +32,7 @@ constexpr std::array kMeasurements{
     Measurement{"report", 1.5, bench::measureReport},
     Measurement{"exchange", 3.0, bench::measureExchange},
     Measurement{"payments", 1.05, bench::measurePayments},
+    Measurement{"taps", 1.0, bench::measureTaps},
     Measurement{"soak", 1.05, bench::measureSoak},
 };
 
