@@ -34,6 +34,8 @@ Result measureList();
 Result measureSlip();
 /// How often a slip of ten lines waits for the disk, against once.
 Result measureSyncs();
+/// The bytes that such a slip writes, against its rows alone in one transaction.
+Result measureBytes();
 Result measureReport();
 /// One approved payment of the terminal's component, seal to parsed reply, against the same bytes over a bare
 /// socket and the bare cipher calls.

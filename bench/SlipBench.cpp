@@ -8,6 +8,7 @@
 
 #include "Bench.h"
 #include "Folder.h"
+#include "Work.h"
 #include "books/Customer.h"
 #include "books/SlipNumbers.h"
 #include "platform/Sqlite.h"
@@ -22,7 +23,7 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int kRuns = 15;
+constexpr int kRuns = 5;
 constexpr int kFewSlips = 100;
 constexpr int kManySlips = 100'000;
 constexpr int kSlipsOfTheDay = 40;
@@ -111,12 +112,12 @@ QString writeSlip() {
     return junNo;
 }
 
-double timeSlip(const Folder& folder) {
+Work workOfSlip(const Folder& folder) {
     folder.use();
     QString junNo;
-    const double time = millisecondsOf([&] { junNo = writeSlip(); });
+    const Work work = workOf([&] { junNo = writeSlip(); });
     check(sales::deleteSlip(kDay, junNo, true, kSalesman), "the slip was not deleted");
-    return time;
+    return work;
 }
 
 }  // namespace
@@ -129,8 +130,8 @@ Result measureSlip() {
         platform::SqliteFile file(folder->databaseFile(), platform::SqliteFile::Mode::Existing);
         fill(file, slips);
     }
-    return compare(
-        kRuns, "ms", [&] { return timeSlip(many); }, [&] { return timeSlip(few); });
+    return compareWork(
+        kRuns, [&] { return workOfSlip(many); }, [&] { return workOfSlip(few); });
 }
 
 }  // namespace bench

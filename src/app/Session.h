@@ -4,6 +4,7 @@
 #include <QStringList>
 #include <optional>
 
+#include "books/TransactionRecord.h"
 #include "platform/SecureBytes.h"
 #include "platform/Won.h"
 
@@ -66,6 +67,12 @@ struct ActionValues {
     /// container screens, used up by the collection entry.
     std::optional<platform::Won> ContainerRecovery;
     bool IsRecoveryMoved = false;  ///< The saved collection has taken it over already.
+
+    /// What was keyed on the collection entry that was left with 이전; written and read by it (450).
+    std::optional<books::KeptSettlement> KeptSettlement;
+
+    /// The slip's screen goes on with the working slip as it stands; written at login, used up by the screen.
+    bool IsResumed = false;
 };
 
 /// The record that all screens share.

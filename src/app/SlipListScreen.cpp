@@ -3,7 +3,6 @@
 #include "app/Dialogs.h"
 #include "app/PaymentQuestion.h"
 #include "app/Session.h"
-#include "ui/Messages.h"
 #include "ui/Terminal.h"
 #include "ui/WaitCursor.h"
 
@@ -37,10 +36,10 @@ void SlipListScreen::addSlips(const QRect& area, const QString& name, const QLis
 }
 
 void SlipListScreen::addButtons(const QString& addCaption, const QString& deleteQuestion,
-                                const QString& deleteCaption) {
+                                const QString& deleteCaption, ui::MessageIcon icon) {
     addLeaveButton(1003, u"취  소"_s);
     addBottomButton(1001, u"삭  제"_s, 1, ui::bitmaps::kDelete,
-                    [=, this] { deleteChosen(deleteQuestion, deleteCaption); });
+                    [=, this] { deleteChosen(deleteQuestion, deleteCaption, icon); });
     addBottomButton(1002, addCaption, 2, ui::bitmaps::kAdd, [this] { runWork(dialogs::kConsonantBoard); });
     addMainButton(1000, u"확  인"_s, [this] {
         if (isSlipChosen()) openSlip();
@@ -72,9 +71,9 @@ bool SlipListScreen::isSlipChosen() {
     return false;
 }
 
-void SlipListScreen::deleteChosen(const QString& question, const QString& caption) {
+void SlipListScreen::deleteChosen(const QString& question, const QString& caption, ui::MessageIcon icon) {
     // The question comes first, also when nothing is chosen.
-    if (!ui::confirm(question, caption)) return;
+    if (!ui::confirm(question, caption, icon)) return;
     if (session().action.JunNo.isEmpty()) {
         ui::message(u"삭제할 전표를 선택하세요!"_s);
         return;

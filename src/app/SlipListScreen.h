@@ -4,6 +4,7 @@
 
 #include "platform/Rows.h"
 #include "platform/Won.h"
+#include "ui/Messages.h"
 #include "ui/ReportList.h"
 #include "ui/Screen.h"
 
@@ -32,7 +33,8 @@ class SlipListScreen : public ui::Screen {
     void addSlips(const QRect& area, const QString& name, const QList<ui::ListColumn>& columns,
                   bool isCounted = true);
     /// The row of buttons, and the list filled for the first time.
-    void addButtons(const QString& addCaption, const QString& deleteQuestion, const QString& deleteCaption);
+    void addButtons(const QString& addCaption, const QString& deleteQuestion, const QString& deleteCaption,
+                    ui::MessageIcon icon = ui::MessageIcon::None);
 
     /// Opens a screen of the work; the list goes when that finished the visit, else it is filled anew.
     void runWork(int dialogId);
@@ -49,7 +51,7 @@ class SlipListScreen : public ui::Screen {
 
   private:
     void fill();
-    void deleteChosen(const QString& question, const QString& caption);
+    void deleteChosen(const QString& question, const QString& caption, ui::MessageIcon icon);
 
     int workDialog_;
     ui::ReportList* list_ = nullptr;

@@ -6,6 +6,7 @@
 #include "books/Deletions.h"
 #include "books/PrintLog.h"
 #include "books/ReusedNumber.h"
+#include "books/UnsavedSlip.h"
 #include "db/Query.h"
 #include "db/Statement.h"
 #include "db/Transaction.h"
@@ -64,6 +65,7 @@ SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo
         return SaveOutcome::Failed;
     }
     const auto isMoved = lines.isEmpty() ? false : change.moveCollections(transaction);
+    books::noteSaved(transaction, books::Working::Containers);
     if (!isMoved || !transaction.commit()) return SaveOutcome::Failed;
     if (isCollectionMoved) *isCollectionMoved = *isMoved;
     return lines.isEmpty() ? SaveOutcome::Empty : SaveOutcome::Saved;

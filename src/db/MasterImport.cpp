@@ -3,6 +3,8 @@
 #include <sodium.h>
 
 #include <QFile>
+#include <QStringConverter>
+#include <algorithm>
 #include <array>
 
 #include "db/MasterLoads.h"
@@ -65,12 +67,51 @@ std::optional<QString> decodeLine(QByteArrayView line) {
     return text;
 }
 
+/// As many as LineReader gives. It takes strides of a whole buffer: lines that end within one fit it.
 int countLines(QByteArrayView content) {
-    LineReader reader(content);
-    int lines = 0;
-    for (; !reader.atEnd(); ++lines) reader.next();
-    return lines;
+    qsizetype lines = 0;
+    while (!content.isEmpty()) {
+        const QByteArrayView buffer = content.first(std::min(content.size(), kLongestLineBytes));
+        const qsizetype lastEnd = buffer.lastIndexOf('\n');
+        const QByteArrayView whole = lastEnd < 0 ? buffer : buffer.first(lastEnd + 1);
+        lines += lastEnd < 0 ? 1 : std::count(whole.begin(), whole.end(), '\n');
+        content = content.sliced(whole.size());
+    }
+    return int(lines);
 }
+
+/// The fields of a line as UTF-8. They last until the next line.
+class LineFields {
+  public:
+    explicit LineFields(const ImportFile& file) : file_(file) {}
+
+    /// Null for a line that is not code page 949.
+    const std::vector<QByteArrayView>* cut(QByteArrayView line) {
+        // Price files are ASCII, whose bytes are UTF-8 already.
+        if (QtPrivate::isAscii(QLatin1StringView(line)) && !line.contains('\0')) {
+            cutImportLine(file_, line, &fields_);
+            return &fields_;
+        }
+        const std::optional<QString> text = decodeLine(line);
+        if (!text) return nullptr;
+        cutImportLine(file_, *text, &texts_);
+        fields_.clear();
+        char* end = utf8_.data();
+        for (const QStringView field : texts_) {
+            char* const begin = end;
+            end = encoder_.appendToBuffer(begin, field);
+            fields_.emplace_back(begin, end);
+        }
+        return &fields_;
+    }
+
+  private:
+    const ImportFile& file_;
+    std::vector<QStringView> texts_;
+    std::vector<QByteArrayView> fields_;
+    QStringEncoder encoder_{QStringEncoder::Utf8, QStringEncoder::Flag::Stateless};
+    std::array<char, 3 * kLongestLineBytes> utf8_;  ///< A byte gives at most one unit, and that three bytes.
+};
 
 /// What tells this very file from another of the same name.
 struct FileIdentity {
@@ -184,20 +225,17 @@ ImportResult::Outcome Load::run(const std::function<void(int, int)>& progress) {
 /// Runs the INSERT of every line on the transaction's connection.
 void Load::insertLines(Transaction& transaction, const std::function<void(int, int)>& progress) {
     LineReader reader(waiting_.content());
-    std::vector<QStringView> fields;
+    LineFields fields(file_);
+    RowInsert insert(transaction, file_.insert());
     for (int number = 1; !reader.atEnd() && transaction.isAlive(); ++number) {
         const QByteArrayView line = withoutLineEnd(reader.next());
-        const std::optional<QString> text = decodeLine(line);
-        if (!text) {
+        const std::vector<QByteArrayView>* const row = fields.cut(line);
+        if (row == nullptr) {
             rejected_.add(number, RejectedLine::Reason::NotCodePage949, line);
+        } else if (insert.run(*row)) {
+            ++result_.loaded;
         } else {
-            cutImportLine(file_, *text, &fields);
-            CVORecordset insert(transaction.connection());
-            if (insert.Open(file_.insert(fields), kForwardOnly, kReadOnly)) {
-                ++result_.loaded;
-            } else {
-                rejected_.add(number, RejectedLine::Reason::NotAccepted, line);
-            }
+            rejected_.add(number, RejectedLine::Reason::NotAccepted, line);
         }
         if (progress) progress(number, result_.lines);
     }

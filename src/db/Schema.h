@@ -11,7 +11,7 @@ namespace db::schema {
 
 /// What a database of this build has as its `user_version`; it grows with every change of the tables. A
 /// database from before the number was kept has 0.
-inline constexpr int kVersion = 2;
+inline constexpr int kVersion = 3;
 
 struct Table {
     QStringView name;

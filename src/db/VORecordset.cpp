@@ -36,9 +36,8 @@ bool CVORecordset::Open(const Sql& sql, int cursorType, int lockType) {
     }
     if (m_bOpen) m_pRecordset->Close();
     if (sql.isWellFormed()) {
-        const adoce::HResult result =
-            m_pRecordset->Open(QVariant(sql.text()), QVariant::fromValue(m_pConnection->m_pConnection.get()),
-                               cursorType, lockType, adoce::kUnknownCommandType);
+        const adoce::HResult result = m_pRecordset->Open(sql.text(), m_pConnection->m_pConnection.get(),
+                                                         cursorType, lockType, adoce::kUnknownCommandType);
         m_bOpen = !adoce::failed(result);
     } else {
         m_pRecordset->Close();
@@ -99,7 +98,7 @@ adoce::Field* CVORecordset::GetField(int index) {
         platform::trace(u"CVORecordset::GetField() RecordSet COM Object not initialized\n");
         return nullptr;
     }
-    if (m_pFields == nullptr || adoce::failed(m_pFields->Item(QVariant(index), &m_pField))) return nullptr;
+    m_pField = m_pFields == nullptr ? nullptr : m_pFields->at(index);
     return m_pField;
 }
 
@@ -124,10 +123,12 @@ QVariant& CVORecordset::GetFieldValue(QVariant& value, int index) {
 }
 
 QString CVORecordset::GetFieldString(int index) {
-    QVariant value;
-    GetFieldValue(value, index);
-    if (value.typeId() != QMetaType::QString) adoce::changeTypeToText(&value);
-    return value.toString();
+    const adoce::Field* field = GetField(index);
+    if (field == nullptr) {
+        platform::trace(u"CVORecordset::GetFieldValue() Invalid Field Index\n");
+        return u"0"_s;
+    }
+    return field->Text();
 }
 
 }  // namespace db

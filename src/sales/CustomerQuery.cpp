@@ -28,8 +28,8 @@ QSet<QString> codes(const db::Sql& select) {
 
 }  // namespace
 
-platform::Rows customers(QStringView seek, QStringView userId, bool ownOnly) {
-    return db::selectRows(ownOnly ? kOwnCustomers(seek, userId) : kAllCustomers(seek), 3);
+platform::RowSource customers(QStringView seek, QStringView userId, bool ownOnly) {
+    return db::selectPieces(ownOnly ? kOwnCustomers(seek, userId) : kAllCustomers(seek), 3);
 }
 
 DaysCustomers customersOfDay(QStringView workDate) {

@@ -10,7 +10,7 @@ namespace sales {
 
 /// The customers whose key is `seek` (one jamo, or "00"), names descending, in three columns: code, name,
 /// last trade date. `ownOnly` keeps to those of salesman `userId`.
-platform::Rows customers(QStringView seek, QStringView userId, bool ownOnly);
+platform::RowSource customers(QStringView seek, QStringView userId, bool ownOnly);
 
 /// What stands in the terminal for customers on a day, whoever wrote it.
 struct DaysCustomers {

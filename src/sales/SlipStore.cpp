@@ -11,6 +11,7 @@
 #include "books/ReusedNumber.h"
 #include "books/SaleAmounts.h"
 #include "books/UndeliveredOrders.h"
+#include "books/UnsavedSlip.h"
 #include "db/Query.h"
 #include "db/Statement.h"
 #include "db/Transaction.h"
@@ -104,6 +105,7 @@ SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo
         return SaveOutcome::Failed;
     }
     const auto difference = change.moveCollections(transaction);
+    books::noteSaved(transaction, books::Working::Sale);
     if (!difference || !transaction.commit()) return SaveOutcome::Failed;
     if (moved) *moved = *difference;
     return lines.isEmpty() ? SaveOutcome::Empty : SaveOutcome::Saved;

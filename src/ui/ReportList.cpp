@@ -18,6 +18,8 @@ constexpr int kHeaderHeight = 24;
 constexpr int kDetailHeight = 15;
 constexpr QColor kDetailColour(0x4a, 0x5a, 0x6a);
 constexpr int kScrollBarWidth = 6;
+/// The reading of a long list lets a touch wait no longer than this.
+constexpr int kReadingMs = 4;
 constexpr QColor kSelection(0x1f, 0x6f, 0xb2);
 constexpr QColor kScrollMark(0x8f, 0xa3, 0xb5);
 constexpr QColor kGrid(0xd5, 0xdc, 0xe4);
@@ -168,6 +170,13 @@ void RowsModel::setRows(platform::Rows rows) {
     endResetModel();
 }
 
+void RowsModel::growTo(platform::Rows rows) {
+    if (rows.count() == rows_.count()) return;
+    beginInsertRows({}, rows_.count(), rows.count() - 1);
+    rows_ = std::move(rows);
+    endInsertRows();
+}
+
 void RowsModel::setDetail(std::function<RowDetail(const platform::Rows& rows, int row)> detail) {
     beginResetModel();
     detail_ = std::move(detail);
@@ -256,11 +265,40 @@ void ReportList::setColumns(std::span<const ListColumn> columns) {
 }
 
 void ReportList::setRows(platform::Rows rows) {
-    all_ = std::move(rows);
+    readRows(platform::wholeRows(std::move(rows)));
+}
+
+void ReportList::readRows(platform::RowSource source) {
+    all_ = {};
+    more_ = std::move(source);
+    readPieces(filter_ ? QDeadlineTimer(QDeadlineTimer::Forever) : QDeadlineTimer(0));
     showRows();
+    more_ ? idle_.start(0, this) : idle_.stop();
+}
+
+void ReportList::readPieces(QDeadlineTimer until) {
+    while (more_) {
+        if (!more_(&all_)) more_ = nullptr;
+        if (until.hasExpired()) return;
+    }
+}
+
+void ReportList::readOn(QDeadlineTimer until) {
+    if (!more_) return;
+    readPieces(until);
+    if (more_) return;
+    idle_.stop();
+    // All at once: the list is laid out and painted anew each time that it grows.
+    model_->growTo(all_);
+}
+
+void ReportList::timerEvent(QTimerEvent* event) {
+    if (event->timerId() != idle_.timerId()) return QTableView::timerEvent(event);
+    readOn(QDeadlineTimer(kReadingMs));
 }
 
 void ReportList::narrow(Filter filter) {
+    readToEnd();
     filter_ = std::move(filter);
     showRows();
     Q_EMIT narrowed();
@@ -333,6 +371,7 @@ int ReportList::selectedRow() const {
 }
 
 void ReportList::showChosen(int row) {
+    readToEnd();
     const int place = filter_ ? int(shown_.indexOf(row)) : row;
     selectRow(place);
     scrollTo(model_->index(place, 0));
@@ -369,6 +408,7 @@ void ReportList::keyPressEvent(QKeyEvent* event) {
         filter_ ? Q_EMIT typed(text) : event->ignore();
         return;
     }
+    readToEnd();
     const int before = currentIndex().row();
     QTableView::keyPressEvent(event);
     if (currentIndex().isValid() && currentIndex().row() != before)

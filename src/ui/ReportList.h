@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QAbstractTableModel>
+#include <QBasicTimer>
+#include <QDeadlineTimer>
 #include <QString>
 #include <QTableView>
 #include <functional>
@@ -26,6 +28,8 @@ class RowsModel : public QAbstractTableModel {
     void setTitles(const QStringList& titles);
     void setAlignments(const QList<Qt::Alignment>& alignments) { alignments_ = alignments; }
     void setRows(platform::Rows rows);
+    /// The same rows and more behind them.
+    void growTo(platform::Rows rows);
     const platform::Rows& rows() const { return rows_; }
     void setDetail(std::function<RowDetail(const platform::Rows& rows, int row)> detail);
     /// Empty texts without one.
@@ -61,6 +65,11 @@ class ReportList : public QTableView {
     void setColumns(std::span<const ListColumn> columns);
     /// Replaces all rows and takes the selection away. A narrowed list stays so.
     void setRows(platform::Rows rows);
+    /// The same with the rows of the source, of which the first are there at once; the others are read while
+    /// nothing else is to do, and before the list is narrowed or goes to its end.
+    void readRows(platform::RowSource source);
+    /// The rows that were set or have been read so far.
+    const platform::Rows& rows() const { return all_; }
     /// Says whether a row of the rows that were set is shown.
     using Filter = std::function<bool(const platform::Rows& rows, int row)>;
     /// Shows only the rows that go through `filter`, and takes the selection away. Rows are counted as they
@@ -98,11 +107,15 @@ class ReportList : public QTableView {
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
+    void timerEvent(QTimerEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
 
   private:
     void showRows();
+    void readPieces(QDeadlineTimer until);
+    void readOn(QDeadlineTimer until);
+    void readToEnd() { readOn(QDeadlineTimer(QDeadlineTimer::Forever)); }
     void paintDetail(QPainter& painter, int place) const;
     QRect detailArea(int place) const;
     void choose(int row, bool isByKey);
@@ -113,6 +126,8 @@ class ReportList : public QTableView {
 
     RowsModel* model_;
     platform::Rows all_;
+    platform::RowSource more_;  ///< What has not been read yet.
+    QBasicTimer idle_;
     Filter filter_;
     QList<int> shown_;  ///< The rows that go through the filter.
 };

@@ -160,63 +160,6 @@ TEST_F(SlipTest, LeavesAnotherCustomersLinesUnderItsNumberAlone) {
     EXPECT_FALSE(isTaken(u"lee"));
 }
 
-TEST_F(SlipTest, MovesItsCollectionByTheDifference) {
-    const struct {
-        const char* what;
-        std::int64_t supply;  ///< Of the sale that is saved in place of 1000; 0 empties it.
-        /// The collection before: sales, deposits, cash, card, earlier, unpaid, recovery.
-        QString before;
-        std::int64_t moved;
-        QString after;       ///< The same and `Gubun`; empty when the collection has gone.
-        QString receivable;  ///< From 500.
-    } cases[] = {
-        {"dearer, on credit", 3000, u"1100,23,0,0,0,1123,0"_s, 2200, u"3300,23,0,0,0,3323,0,매출"_s,
-         u"2700"_s},
-        {"cheaper, paid in cash", 500, u"1100,23,1123,0,0,0,0"_s, -550, u"550,23,1123,0,0,-550,0,매출"_s,
-         u"-50"_s},
-        {"keyed sales amounts stay apart", 3000, u"1000,23,0,1023,7,0,0"_s, 2200,
-         u"3200,23,0,1023,7,2200,0,매출"_s, u"2700"_s},
-        {"emptied, on credit", 0, u"1100,23,0,0,0,1123,0"_s, -1123, {}, u"-623"_s},
-        {"emptied, paid by card", 0, u"1100,23,0,1123,0,0,0"_s, -1123, u"0,0,0,1123,0,-1123,0,입금"_s,
-         u"-623"_s},
-        {"emptied, containers are left", 0, u"1100,23,0,0,0,1023,100"_s, -1123, u"0,0,0,0,0,-100,100,입금"_s,
-         u"-623"_s},
-        {"above the recovery, keyed", 3000, u"1100,23,-100,0,100,0,1223"_s, 2200,
-         u"3300,23,0,0,0,2100,1223,매출"_s, u"2700"_s},
-        {"above the recovery, by button", 3000, u"1100,23,0,0,100,0,1223"_s, 2200,
-         u"3300,23,0,0,0,2100,1223,매출"_s, u"2700"_s},
-        {"further below it, keyed", 500, u"1100,23,-100,0,100,0,1223"_s, -550,
-         u"550,23,-650,0,650,0,1223,매출"_s, u"-50"_s},
-        {"further below it, by button", 500, u"1100,23,0,0,100,0,1223"_s, -550,
-         u"550,23,0,0,650,0,1223,매출"_s, u"-50"_s},
-        {"as it was", 1000, u"1100,23,0,0,0,1123,0"_s, 0, u"1100,23,0,0,0,1123,0,매출"_s, u"500"_s},
-    };
-    const QString columns = u"MMoney,YGMoney,WonMoney,CardMoney,MisuInMoney,UnderMoney,YDMoney"_s;
-    for (const auto& c : cases) {
-        device.execute(u"DELETE FROM MTM; DELETE FROM MTMOK; DELETE FROM TEMP; DELETE FROM GARAE"_s);
-        device.insert(u"GARAE", {{u"GCODE", u"0001"}, {u"CJMONEY", u"500"}});
-        insertLine(line(u"0001"_s, u"1"_s, u"0"_s, won(1000, 100, 20, 3)));
-        ASSERT_EQ(saveSlip(kUser, kToday, kNumber), SaveOutcome::Saved);
-        device.execute(
-            u"INSERT INTO MTMOK (DDate,JunNo,UserID,GCode,Gubun,InMoney,%1) SELECT '%2','5001','kim',"
-            "'0001','매출',column3+column4,* FROM (VALUES (%3))"_s.arg(columns, kToday, c.before));
-        device.execute(u"DELETE FROM TEMP"_s);
-        if (c.supply != 0) insertLine(line(u"0001"_s, u"1"_s, u"0"_s, won(c.supply, c.supply / 10, 20, 3)));
-        Won moved(-1);
-        device.execute(
-            u"CREATE TRIGGER broken BEFORE UPDATE ON GARAE BEGIN SELECT RAISE(ABORT, 'no'); END"_s);
-        EXPECT_EQ(saveSlip(kUser, kToday, kNumber) == SaveOutcome::Failed, c.moved != 0) << c.what;
-        device.execute(u"DROP TRIGGER broken"_s);
-        EXPECT_NE(saveSlip(kUser, kToday, kNumber, &moved), SaveOutcome::Failed) << c.what;
-        EXPECT_EQ(moved, Won(c.moved)) << c.what;
-        QString row = device.rows(u"SELECT %1,Gubun FROM MTMOK"_s.arg(columns)).value(0).join(u',');
-        EXPECT_EQ(row, c.after) << c.what;
-        EXPECT_EQ(device.value(u"SELECT CJMONEY FROM GARAE"_s), c.receivable) << c.what;
-        EXPECT_EQ(device.value(u"SELECT sum(InMoney <> WonMoney + CardMoney) FROM MTMOK"_s),
-                  row.isEmpty() ? QString() : u"0"_s);
-    }
-}
-
 TEST_F(SlipTest, ListsASlipOfTwoStatesTwice) {
     saved(kUser, u"5001", u"0001", u"발행");
     saved(kUser, u"5001", u"0002", u"미발행");

@@ -17,11 +17,15 @@
 #include <QTimer>
 
 #include "Screens.h"
+#include "app/ClockCheck.h"
 #include "app/KeypadRequest.h"
 #include "app/Session.h"
+#include "app/UnsavedWork.h"
+#include "books/OpenPayments.h"
 #include "books/TransactionRecord.h"
 #include "platform/adoce/DatabaseFile.h"
 #include "platform/termdev/TermDev.h"
+#include "sales/PriceOrigin.h"
 #include "sales/WorkingSlip.h"
 #include "support/PrintQt.h"
 #include "support/TestDevice.h"
@@ -274,6 +278,53 @@ TEST_F(Screens, HoldTheLongestTexts) {
     }
 }
 
+/// The longest that is said: of a payment in the way, of a price with a margin, of a wrong clock, of a
+/// folder.
+QStringList longestMessages() {
+    books::JournalPayment payment;
+    payment.slip.GName = kLongName.toString();
+    payment.slip.JunNo = u"10000"_s;
+    payment.slip.MSGSENDTIME = u"20261121090500"_s;
+    payment.charged = platform::Won(999999999);
+    const platform::Won most(-999999999);
+    sales::PricedLine price;
+    price.source = sales::PriceSource::CustomerMargin;
+    price.marginPercent = 100;
+    price.amounts = {most, most, most, most};
+    price.prices.boxSupply = price.prices.boxVat = price.prices.bottleSupply = price.prices.bottleVat =
+        9999999.5;
+    books::UnsavedSlip unsaved;
+    unsaved.gName = kLongName.toString();
+    unsaved.userId = u"A"_s;
+    unsaved.date = kDay.toString();
+    return {
+        books::refuseToPay(payment) + u" 지금 끝내려면 [외상처리]를 누르세요."_s,
+        u"이미 승인된 결제가 있습니다..! %1 거래번호 : 000000000000  이 결제를 전표에 되돌릴까요?"_s.arg(
+            books::describePayment(payment)),
+        sales::priceOrigin(price, -999, -999) + u"\n전표의 금액은 수정된 금액입니다."_s,
+        app::clockProblem(u"2026-11-20", QDateTime(QDate(2026, 11, 21), QTime(9, 5)), u"2026-11-22 10:00"),
+        app::newDay(kDay, QDateTime(QDate(2026, 11, 22), QTime(0, 5))),
+        app::describeUnsaved(unsaved, u"B", kDay),
+        u"저장 공간이 가득 차서 저장할 수 없습니다..! 관리자에게 알려 주세요 : /home/salesman-of-the-second-"
+        "branch/.local/share/rovana/second-terminal/My Documents"_s};
+}
+
+TEST_F(Screens, HoldTheLongestMessages) {
+    using ui::MessageBox;
+    for (const QString& text : longestMessages()) {
+        SCOPED_TRACE(text.toStdString());
+        for (const auto& [buttons, caption] :
+             {std::pair{MessageBox::Buttons::Ok, u""_s},
+              {MessageBox::Buttons::OkCancel, u"카드결제된 입금표삭제"_s},
+              {MessageBox::Buttons::YesNoCancel, u"구매자용 명세서출력"_s}}) {
+            MessageBox box(text, caption, buttons, ui::MessageIcon::Question);
+            terminal.show(&box);
+            EXPECT_THAT(faults(box), testing::IsEmpty());
+            terminal.remove(&box);
+        }
+    }
+}
+
 TEST_F(Screens, HoldTheLongestTextsInReports) {
     int reports = 0;
     QObject::connect(&terminal, &ui::Terminal::topChanged, &terminal, [&](ui::Screen* front) {
@@ -446,59 +497,6 @@ TEST_F(Screens, SpeakToAReaderAndToTheKeys) {
         }
         terminal.remove(opened.get());
     }
-}
-
-TEST_F(Screens, AskForTheSecondLinesOfPaintedRowsAlone) {
-    ui::ReportList list(&terminal);
-    list.resize(240, 200);
-    list.setColumns(QList<ui::ListColumn>{{u"코드"_s, 50}, {u"이름"_s, 250}});
-    QSet<int> asked;
-    list.setDetail([&](const platform::Rows&, int row) {
-        asked << row;
-        return ui::RowDetail{u"왼쪽"_s, u"오른쪽"_s};
-    });
-    platform::Rows rows;
-    rows.columns = 2;
-    rows.cells.fill(u"0"_s, 100000);
-    list.setRows(rows);
-    const QImage start = list.grab().toImage();
-    EXPECT_GE(asked.size(), 4);
-    EXPECT_LE(asked.size(), 6);
-    list.verticalScrollBar()->setValue(list.verticalScrollBar()->maximum());
-    asked.clear();
-    list.grab();
-    EXPECT_TRUE(asked.contains(49999));
-    EXPECT_LE(asked.size(), 6);
-    // The columns move under a finger, the second lines do not.
-    list.verticalScrollBar()->setValue(0);
-    list.horizontalScrollBar()->setValue(40);
-    const QRect second(list.viewport()->mapTo(&list, QPoint(0, 25)), QSize(230, 12));
-    EXPECT_EQ(list.grab().toImage().copy(second), start.copy(second));
-}
-
-TEST_F(Screens, ScrollUnderAFingerWithoutChoosing) {
-    device.execute(
-        u"WITH RECURSIVE code(i) AS (SELECT 1100 UNION ALL SELECT i + 1 FROM code WHERE i < 1199)"
-        "INSERT INTO PUMMOK (Pcode, Pname, Gubun, TTT) SELECT i, '소주', '공용', '' FROM code"_s);
-    const auto opened = open({"product search", 139});
-    auto* list = static_cast<ui::ReportList*>(opened->control(1090));
-    list->clearSelection();
-    app::session().action.ProductChosen = 0;
-    QWidget* finger = list->viewport();
-    const QPoint start(60, 150);
-    QTest::mousePress(finger, Qt::LeftButton, {}, start);
-    for (int way = 10; way <= 100; way += 10) QTest::mouseMove(finger, start - QPoint(0, way));
-    EXPECT_EQ(list->verticalScrollBar()->value(), 100);
-    QTest::mouseRelease(finger, Qt::LeftButton, {}, start - QPoint(0, 100));
-    EXPECT_EQ(list->selectedRow(), -1);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return list->verticalScrollBar()->value() > 110; })) << "runs on";
-    // The touch that stops it chooses nothing either; the next one does.
-    QTest::mouseClick(finger, Qt::LeftButton, {}, start);
-    EXPECT_EQ(app::session().action.ProductChosen, 0);
-    QTest::mouseClick(finger, Qt::LeftButton, {}, start);
-    EXPECT_EQ(app::session().action.ProductChosen, 1);
-    EXPECT_EQ(list->selectedRow(), list->rowAt(start.y()));
-    terminal.remove(opened.get());
 }
 
 }  // namespace

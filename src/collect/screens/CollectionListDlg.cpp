@@ -28,7 +28,7 @@ CCollectionListDlg::CCollectionListDlg()
     // The third column carries the customer code under this title.
     addSlips({0, 34, 240, 248}, u"입금전표 목록"_s,
              {{u"번호"_s, 50}, {u"거래처명"_s, 180}, {u"결제금액"_s, 50}});
-    addButtons(u"추  가"_s, u"입금전표내역을 삭제할까요?"_s, u"입금전표삭제"_s);
+    addButtons(u"추  가"_s, u"입금전표내역을 삭제할까요?"_s, u"입금전표삭제"_s, ui::MessageIcon::Information);
 }
 
 app::ListedSlips CCollectionListDlg::loadSlips() {

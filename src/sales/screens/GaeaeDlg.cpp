@@ -84,14 +84,13 @@ CGaeaeDlg::CGaeaeDlg() : NarrowScreen(app::dialogs::kCustomerList), seek_(app::s
 void CGaeaeDlg::fill() {
     const ui::WaitCursor wait;
     today_ = customersOfDay(app::session().WorkDate);
-    customers_ = customers(seek_, app::session().UserID, ownOnly_);
-    list_->setRows(customers_);
+    list_->readRows(customers(seek_, app::session().UserID, ownOnly_));
 }
 
 void CGaeaeDlg::choose(int row) {
     app::ActionValues& action = app::session().action;
-    action.GCode = customers_.at(row, 0);
-    action.GName = customers_.at(row, 1);
+    action.GCode = list_->rows().at(row, 0);
+    action.GName = list_->rows().at(row, 1);
     isChosenHere_ = true;
     showName();
     const auto customer = books::listedCustomer(action.GCode);

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "platform/Rows.h"
 #include "sales/CustomerQuery.h"
 #include "ui/NarrowScreen.h"
 
@@ -23,7 +22,6 @@ class CGaeaeDlg : public ui::NarrowScreen {
     void confirm();
 
     ui::ReportList* list_ = nullptr;
-    platform::Rows customers_;
     DaysCustomers today_;
     /// The key that the list was opened for: confirming clears the session's, also when it is refused.
     QString seek_;

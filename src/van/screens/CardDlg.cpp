@@ -20,6 +20,7 @@
 #include "print/Printer.h"
 #include "ui/Messages.h"
 #include "ui/ReportList.h"
+#include "ui/Sounds.h"
 #include "ui/Terminal.h"
 #include "ui/WaitCursor.h"
 #include "van/CardReaderPort.h"
@@ -139,6 +140,7 @@ void CCardDlg::cardSwiped() {
     ReaderTrack(2, &record.track2);
     ReaderTrack(3, &record.track3);
     log_->set(u"주류CARD를 읽었습니다.!"_s);
+    ui::play(ui::Sound::Swipe);
     // A second card while the keypad is open replaces the first, and what was keyed is not its password.
     if (isBusyWithCard_) {
         if (app::keypadRequest().StartAnew) app::keypadRequest().StartAnew();
@@ -278,6 +280,7 @@ void CCardDlg::settleUnapproved() {
 void CCardDlg::exchangeEnded() {
     books::TransactionRecord& record = books::transactionRecord();
     const bool isGood = record.reply.responseCode == kApproved;
+    ui::play(isGood ? ui::Sound::Approved : ui::Sound::Refused);
     switch (record.requestType) {
         case books::RequestType::Payment:
             if (isGood) {
