@@ -42,7 +42,7 @@ Result measureReport();
 Result measureExchange();
 /// What a short soak holds at most, in per cent of what it holds after 500 visits, and how fast it was.
 Result measureSoak();
-/// Resident memory after 1,000 payments against that after 100.
+/// Memory in use after 1,000 payments against that after 100.
 Result measurePayments();
 
 }  // namespace bench
