@@ -54,9 +54,10 @@ bool runAndPrint(const Measurement& measurement) {
     try {
         const bench::Result result = measurement.run();
         const double ratio = result.ours / result.peer;
-        std::printf("bench %.*s ours=%.2f%s peer=%.2f%s ratio=%.3g goal=%.3g%s; peer: %.*s\n", nameLength,
+        std::printf("bench %.*s ours=%.2f%s peer=%.2f%s ratio=%.3g goal=%.3g%s%s%.*s\n", nameLength,
                     measurement.name.data(), result.ours, result.unit, result.peer, result.unit, ratio,
-                    measurement.goal, result.note.c_str(), int(measurement.peer.size()),
+                    measurement.goal, result.note.c_str(),
+                    measurement.peer.empty() ? "" : "; peer: ", int(measurement.peer.size()),
                     measurement.peer.data());
         std::fflush(stdout);
         return ratio <= measurement.goal;
