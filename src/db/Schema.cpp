@@ -63,6 +63,8 @@ constexpr Columns<29> kPayJournal{
 
 constexpr Columns<9> kDeleted{u"DDate", u"Document", u"JunNo",     u"UserID",   u"GCode",
                               u"GName", u"Total",    u"DeletedBy", u"DeletedAt"};
+// Whose slip a working table holds, and whether it has changes that are not saved.
+constexpr Columns<3> kUnsaved{u"Slip", u"UserID", u"Changed"};
 
 // The working tables hold one slip while it is edited: MTM's first 15 and YTM's first 13 columns.
 constexpr std::array kTables{
@@ -88,6 +90,7 @@ constexpr std::array kTables{
     Table{u"PAYJOURNAL", kPayJournal, false},
     Table{u"DELETED", kDeleted, false},
     Table{u"CONTAINERCARRY", kContainerCarry, false},
+    Table{u"UNSAVED", kUnsaved, false},
 };
 
 constexpr std::array kIndexes{

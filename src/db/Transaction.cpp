@@ -7,6 +7,7 @@
 namespace db {
 
 Transaction::Transaction(Survives survives) {
+    finishReading();
     openDatabase(connection_);
     isOpen_ = connection_.m_pConnection &&
               !platform::adoce::failed(connection_.m_pConnection->BeginTrans(survives));

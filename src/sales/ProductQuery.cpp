@@ -103,8 +103,8 @@ db::Sql productSearch(QStringView seek, QStringView classCode, QStringView custo
                : kAnyBySeekAndClass(seek, classCode, kWithdrawn);
 }
 
-platform::Rows products(QStringView seek, QStringView classCode, QStringView customerKind) {
-    return db::selectRows(productSearch(seek, classCode, customerKind), kColumns);
+platform::RowSource products(QStringView seek, QStringView classCode, QStringView customerKind) {
+    return db::selectPieces(productSearch(seek, classCode, customerKind), kColumns);
 }
 
 platform::Rows frequentProducts(QStringView customerKind) {

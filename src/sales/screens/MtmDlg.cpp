@@ -2,10 +2,12 @@
 
 #include <QLabel>
 #include <QTimer>
+#include <utility>
 
 #include "app/Dialogs.h"
 #include "app/KeypadRequest.h"
 #include "app/Session.h"
+#include "app/UnsavedWork.h"
 #include "books/Customer.h"
 #include "books/Receivable.h"
 #include "platform/Clock.h"
@@ -119,7 +121,9 @@ void CMtmDlg::addButtons() {
     addBottomButton(1002, u"삭  제"_s, 1, ui::bitmaps::kDelete, [this] { deleteSelected(); });
     addBottomButton(1000, u"등  록"_s, 2, ui::bitmaps::kAdd, [this] { addFromSearch(); });
     addMainButton(1003, u"완  료"_s, [this] { finish(); });
-    addLeaveButton(1001, u"취 소"_s);
+    addLeaveButton(1001, u"취 소"_s, [this] {
+        if (app::mayLeave(books::Working::Sale)) close(Cancelled);
+    });
 }
 
 bool CMtmDlg::isNumberTaken() const {
@@ -138,7 +142,10 @@ void CMtmDlg::openSlip() {
         });
         return;
     }
-    const auto opened = sales::openSlip(session.UserID, session.WorkDate, session.action.JunNo);
+    hasUnsavedLines_ = std::exchange(session.action.IsResumed, false);
+    const auto opened = hasUnsavedLines_
+                            ? resumeSlip()
+                            : sales::openSlip(session.UserID, session.WorkDate, session.action.JunNo);
     if (!opened) {
         QTimer::singleShot(0, this, [this] {
             ui::message(u"주문서를 열지 못했습니다..!"_s);

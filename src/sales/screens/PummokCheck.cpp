@@ -26,8 +26,10 @@ CPummokCheck::CPummokCheck()
     addButton(1004, u"검  색"_s, {182, 2}, ui::bitmaps::kSearch, [this] { search(); });
 
     ui::ReportList* list = addProducts({0, 68, 240, 214}, u"상품 목록"_s, 150);
-    addButtons(u"체  크"_s, ui::bitmaps::kAdd,
-               [this] { listProducts([] { return frequentProducts(app::session().action.CustomerKind); }); });
+    addButtons(u"체  크"_s, ui::bitmaps::kAdd, [this] {
+        listProducts(
+            [] { return platform::wholeRows(frequentProducts(app::session().action.CustomerKind)); });
+    });
     addNarrowing(list, 37, platform::hangul::matches);
     search();
     list->setFocus();
