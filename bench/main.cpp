@@ -48,7 +48,7 @@ constexpr std::array kMeasurements{
                 "the same slip among 1,000 saved ones instead of 100,000: a year must not show"},
     Measurement{"syncs", 4.0, bench::measureSyncs,
                 "one wait for the disk: what was saved must outlast a loss of power"},
-    Measurement{"bytes", 3.5, bench::measureBytes,
+    Measurement{"bytes", 4.0, bench::measureBytes,
                 "the ten rows in one transaction of bare SQLite: what has to reach the flash"},
     Measurement{"report", 1.02, bench::measureReport,
                 "the same reports among 1,000 rows a table instead of 100,000: a year must not show"},
