@@ -55,7 +55,7 @@ Result measureExchange();
 Result measureSoak();
 /// Touches of a usual order against the most that it may take.
 Result measureTaps();
-/// Resident memory after 1,000 payments against that after 100.
+/// Memory in use after 1,000 payments against that after 100.
 Result measurePayments();
 
 }  // namespace bench

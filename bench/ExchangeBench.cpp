@@ -1,3 +1,4 @@
+#include <malloc.h>
 #include <netinet/in.h>
 #include <sodium.h>
 #include <sys/socket.h>
@@ -5,7 +6,6 @@
 
 #include <QDir>
 #include <QEventLoop>
-#include <QFile>
 #include <QTemporaryDir>
 #include <array>
 #include <atomic>
@@ -285,12 +285,10 @@ double processorMicroseconds() {
     return double(time.tv_sec) * 1e6 + double(time.tv_nsec) / 1e3;
 }
 
-/// Resident memory of this process, in KiB.
-double residentKiB() {
-    QFile status(u"/proc/self/statm"_s);
-    if (!status.open(QIODevice::ReadOnly)) throw std::runtime_error("no /proc/self/statm");
-    const double pages = status.readAll().split(' ').value(1).toDouble();
-    return pages * double(::sysconf(_SC_PAGESIZE)) / 1024;
+/// Memory that this process has in use, in KiB. What is resident would also hold what others have let go.
+double usedKiB() {
+    const struct mallinfo2 heap = ::mallinfo2();
+    return double(heap.uordblks + heap.hblkhd) / 1024;
 }
 
 }  // namespace
@@ -320,7 +318,7 @@ Result measurePayments() {
     int paid = 0;
     const auto payUpTo = [&](int count) {
         for (; paid < count; ++paid) terminal.pay();
-        return residentKiB();
+        return usedKiB();
     };
     const double after = payUpTo(kFirstPayments);
     return {.ours = payUpTo(kAllPayments), .peer = after, .unit = "KiB"};

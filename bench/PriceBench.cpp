@@ -21,8 +21,8 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 using sales::PriceSource;
 
-constexpr int kRuns = 9;
-constexpr int kPricesOfASource = 10000;
+constexpr int kRuns = 45;
+constexpr int kPricesOfASource = 1000;
 constexpr int kCustomersOfASource = 100;
 constexpr int kProducts = 400;
 constexpr double kMicrosecondsPerMillisecond = 1000;

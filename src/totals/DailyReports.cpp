@@ -69,21 +69,27 @@ Won won(db::CVORecordset& row, int column) {
 
 const Column kCode{.title = u"코드"_s};
 
+constexpr bool kNewLine = true;
+
+/// Counts with their sum; `startsLine` puts them into a new line of the paper.
+Column counts(const QString& title, int pixels, int paper, bool startsLine = false) {
+    return {title, Kind::Count, pixels, paper, startsLine, true};
+}
+
+/// Amounts with their sum.
+Column amounts(const QString& title, int paper, bool startsLine = false) {
+    return {title, Kind::Amount, 72, paper, startsLine, true};
+}
+
 std::optional<Report> sales(QStringView date, QStringView user) {
     Report report = reportHead(u"상품별 매출집계", date, user);
-    report.columns = {
-        kCode,
-        {.title = u"상품명"_s, .pixels = 98, .paper = 20},
-        {.title = u"상자"_s, .kind = Kind::Count, .pixels = 36, .paper = 6, .isSummed = true},
-        {.title = u"본"_s, .kind = Kind::Count, .pixels = 32, .paper = 6, .isSummed = true},
-        {.title = u"공급가"_s,
-         .kind = Kind::Amount,
-         .pixels = 72,
-         .paper = 12,
-         .startsLine = true,
-         .isSummed = true},
-        {.title = u"부가세"_s, .kind = Kind::Amount, .pixels = 72, .paper = 10, .isSummed = true},
-        {.title = u"보증금"_s, .kind = Kind::Amount, .pixels = 72, .paper = 10, .isSummed = true}};
+    report.columns = {kCode,
+                      {.title = u"상품명"_s, .pixels = 98, .paper = 20},
+                      counts(u"상자"_s, 36, 6),
+                      counts(u"본"_s, 32, 6),
+                      amounts(u"공급가"_s, 12, kNewLine),
+                      amounts(u"부가세"_s, 10),
+                      amounts(u"보증금"_s, 10)};
     const auto orders = books::UndeliveredOrders::ofDay(date, user);
     if (!orders) return std::nullopt;
     RowsByCode rows;
@@ -106,24 +112,13 @@ std::optional<Report> sales(QStringView date, QStringView user) {
 
 std::optional<Report> containers(QStringView date, QStringView user) {
     Report report = reportHead(u"용공 회수집계", date, user);
-    report.columns = {
-        kCode,
-        {.title = u"상품명"_s, .pixels = 86, .paper = 32},
-        {.title = u"공상자"_s,
-         .kind = Kind::Count,
-         .pixels = 46,
-         .paper = 10,
-         .startsLine = true,
-         .isSummed = true},
-        {.title = u"입상자"_s, .kind = Kind::Count, .pixels = 46, .paper = 11, .isSummed = true},
-        {.title = u"공병"_s, .kind = Kind::Count, .pixels = 46, .paper = 11, .isSummed = true},
-        {.title = u"회수금액"_s,
-         .kind = Kind::Amount,
-         .pixels = 72,
-         .paper = 16,
-         .startsLine = true,
-         .isSummed = true},
-        {.title = u"수수료"_s, .kind = Kind::Amount, .pixels = 72, .paper = 16, .isSummed = true}};
+    report.columns = {kCode,
+                      {.title = u"상품명"_s, .pixels = 86, .paper = 32},
+                      counts(u"공상자"_s, 46, 10, kNewLine),
+                      counts(u"입상자"_s, 46, 11),
+                      counts(u"공병"_s, 46, 11),
+                      amounts(u"회수금액"_s, 16, kNewLine),
+                      amounts(u"수수료"_s, 16)};
     RowsByCode rows;
     const int count = db::forEachRow(kContainers(date, user, user), [&](db::CVORecordset& row) {
         rows.add(
@@ -185,24 +180,13 @@ std::optional<Report> cards(QStringView date, QStringView user) {
 
 std::optional<Report> collections(QStringView date, QStringView user) {
     Report report = reportHead(u"거래처별 수금", date, user);
-    report.columns = {
-        kCode,
-        {.title = u"거래처명"_s, .pixels = 80, .paper = 20},
-        {.title = u"현금"_s, .kind = Kind::Amount, .pixels = 72, .paper = 12, .isSummed = true},
-        {.title = u"카드"_s,
-         .kind = Kind::Amount,
-         .pixels = 72,
-         .paper = 16,
-         .startsLine = true,
-         .isSummed = true},
-        {.title = u"전미수"_s, .kind = Kind::Amount, .pixels = 72, .paper = 16, .isSummed = true},
-        {.title = u"용공회수"_s,
-         .kind = Kind::Amount,
-         .pixels = 72,
-         .paper = 16,
-         .startsLine = true,
-         .isSummed = true},
-        {.title = u"미결제"_s, .kind = Kind::Amount, .pixels = 72, .paper = 16, .isSummed = true}};
+    report.columns = {kCode,
+                      {.title = u"거래처명"_s, .pixels = 80, .paper = 20},
+                      amounts(u"현금"_s, 12),
+                      amounts(u"카드"_s, 16, kNewLine),
+                      amounts(u"전미수"_s, 16),
+                      amounts(u"용공회수"_s, 16, kNewLine),
+                      amounts(u"미결제"_s, 16)};
     RowsByCode rows;
     const int count = db::forEachRow(kCollections(date, user, user), [&](db::CVORecordset& row) {
         rows.add(row.GetFieldString(0), row.GetFieldString(1),
