@@ -249,7 +249,7 @@ void CMtmDlg::addFromSearch(bool isResumed) {
 }
 
 void CMtmDlg::addByCode() {
-    if (!app::askText(u"상품코드"_s)) return;
+    if (!app::askText(u"상품코드"_s, app::session().action.GName)) return;
     const QString pcode = app::keypadRequest().KeypadValue1;
     if (!productExists(pcode)) {
         ui::message(kUnknownProduct.toString());
