@@ -1,9 +1,11 @@
-// One price of a slip line beside the bare look-ups that it needs: bound statements on one SQLite handle,
-// prepared once. Every price source weighs the same.
+// One price of a slip line beside what it needs in bare SQLite: its look-ups as bound statements, prepared
+// once, and its sums. Every price source weighs the same.
 
 #include <sqlite3.h>
 
 #include <array>
+#include <charconv>
+#include <cmath>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -24,6 +26,14 @@ constexpr int kPricesOfASource = 10000;
 constexpr int kCustomersOfASource = 100;
 constexpr int kProducts = 400;
 constexpr double kMicrosecondsPerMillisecond = 1000;
+constexpr int kBoxes = 3;
+constexpr int kBottles = 5;
+
+/// What a price comes to: its source and, as one figure, its amounts.
+struct Priced {
+    PriceSource source;
+    long long sum;
+};
 
 constexpr std::array kSources{PriceSource::Contract, PriceSource::ClassMargin, PriceSource::CustomerMargin,
                               PriceSource::Tier};
@@ -94,13 +104,20 @@ class LookUp {
         return found;
     }
     const std::string& column(std::size_t index) const { return columns_[index]; }
+    /// The column's number; 0 without one.
+    template <typename Number>
+    Number number(std::size_t index) const {
+        Number number = 0;
+        std::from_chars(columns_[index].data(), columns_[index].data() + columns_[index].size(), number);
+        return number;
+    }
 
   private:
     sqlite3_stmt* statement_ = nullptr;
     std::vector<std::string> columns_;
 };
 
-/// The look-ups of a price, in the order in which the sources are tried.
+/// The look-ups of a price, in the order in which the sources are tried, and its amounts.
 class LookUps {
   public:
     explicit LookUps(sqlite3* handle)
@@ -115,39 +132,57 @@ class LookUps {
                       "SELECT ABoxMMoney, BBoxMMoney, ABonMMoney, BBonMMoney, ABoxBMoney, BBoxBMoney, "
                       "ABonBMoney, BBonBMoney, YGMoney1, YGMoney2, GBonMoney2 FROM PUMMOK WHERE PCODE = ?") {}
 
-    /// The source that applies; the texts of its prices have been read.
-    PriceSource find(const std::string& gcode, const std::string& pcode) {
-        if (contract_.find({&gcode, &pcode})) return PriceSource::Contract;
+    Priced price(const std::string& gcode, const std::string& pcode) {
+        if (contract_.find({&gcode, &pcode})) {
+            const auto won = [&](std::size_t column) { return contract_.number<long long>(column); };
+            return {PriceSource::Contract,
+                    kBoxes * (won(3) + won(4) + won(7) + won(8)) + kBottles * (won(5) + won(6) + won(9))};
+        }
         product_.find({&pcode});
         if (classMargin_.find({&gcode, &product_.column(1)})) {
             costPrices_.find({&pcode});
-            return PriceSource::ClassMargin;
+            // The VAT of boxes is that of bottles.
+            return {PriceSource::ClassMargin,
+                    amounts(costPrices_, {0, 1, 3, 3}, 4, classMargin_.number<double>(0))};
         }
         customerMargin_.find({&gcode});
-        if (!customerMargin_.column(0).empty()) {
+        const double margin = customerMargin_.number<double>(0);
+        if (margin != 0) {
             costPrices_.find({&pcode});
-            return PriceSource::CustomerMargin;
+            return {PriceSource::CustomerMargin, amounts(costPrices_, {0, 1, 2, 3}, 4, margin)};
         }
         tierPrices_.find({&pcode});
-        return PriceSource::Tier;
+        return {PriceSource::Tier, amounts(tierPrices_, {1, 3, 5, 7}, 8, 0)};
     }
 
   private:
+    /// Supply and VAT of boxes and bottles, each rounded up, and the deposits.
+    static long long amounts(const LookUp& row, const std::array<std::size_t, 4>& prices,
+                             std::size_t deposits, double margin) {
+        long long sum = 0;
+        for (std::size_t i = 0; i < prices.size(); ++i) {
+            const auto price = row.number<double>(prices[i]);
+            sum += (long long)std::ceil((i % 2 == 0 ? kBoxes : kBottles) * (price + price * margin * 0.01));
+        }
+        const auto won = [&](std::size_t column) { return row.number<long long>(deposits + column); };
+        return sum + kBoxes * (won(0) + won(1)) + kBottles * won(2);
+    }
+
     LookUp contract_, product_, classMargin_, customerMargin_, costPrices_, tierPrices_;
 };
 
-/// Microseconds of one call of `price`, which gives the source of a customer's and a product's price, as the
-/// mean over the sources.
+/// Microseconds of one call of `price`, which prices a product for a customer, as the mean over the sources.
+/// Adds the amounts of all to `sum`.
 template <typename Text, typename Price>
 double microsecondsOfAPrice(const std::vector<Text>& customers, const std::vector<Text>& products,
-                            Price&& price) {
+                            Price&& price, long long* sum) {
     const double time = millisecondsOf([&] {
         for (std::size_t i = 0; i < kSources.size() * kPricesOfASource; ++i) {
             const std::size_t source = i / kPricesOfASource;
             const Text& customer = customers[source * kCustomersOfASource + i % kCustomersOfASource];
-            if (price(customer, products[i * 7 % kProducts]) != kSources[source]) {
-                throw std::runtime_error("a price has the wrong source");
-            }
+            const Priced priced = price(customer, products[i * 7 % kProducts]);
+            if (priced.source != kSources[source]) throw std::runtime_error("a price has the wrong source");
+            *sum += priced.sum;
         }
     });
     return time * kMicrosecondsPerMillisecond / double(kSources.size() * kPricesOfASource);
@@ -175,20 +210,27 @@ Result measurePrice() {
     const std::vector<QString> qtCustomers = toQt(customers);
     const std::vector<QString> qtProducts = toQt(products);
 
-    return compare(
+    long long sums[2] = {};
+    const Result result = compare(
         kRuns, "us",
         [&] {
-            return microsecondsOfAPrice(qtCustomers, qtProducts,
-                                        [](const QString& gcode, const QString& pcode) {
-                                            return sales::priceLine(gcode, u"", pcode, 3, 5).source;
-                                        });
+            const auto price = [](const QString& gcode, const QString& pcode) {
+                const sales::PricedLine line = sales::priceLine(gcode, u"", pcode, kBoxes, kBottles);
+                const sales::LineAmounts& amounts = line.amounts;
+                return Priced{
+                    line.source,
+                    (amounts.supply + amounts.vat + amounts.crateDeposit + amounts.bottleDeposit).value()};
+            };
+            return microsecondsOfAPrice(qtCustomers, qtProducts, price, &sums[0]);
         },
         [&] {
-            return microsecondsOfAPrice(customers, products,
-                                        [&](const std::string& gcode, const std::string& pcode) {
-                                            return lookUps.find(gcode, pcode);
-                                        });
+            const auto price = [&](const std::string& gcode, const std::string& pcode) {
+                return lookUps.price(gcode, pcode);
+            };
+            return microsecondsOfAPrice(customers, products, price, &sums[1]);
         });
+    if (sums[0] != sums[1]) throw std::runtime_error("the two sides come to different amounts");
+    return result;
 }
 
 }  // namespace bench

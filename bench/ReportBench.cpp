@@ -5,6 +5,7 @@
 
 #include "Bench.h"
 #include "Folder.h"
+#include "Work.h"
 #include "platform/Sqlite.h"
 #include "totals/DailyReports.h"
 
@@ -13,7 +14,7 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int kRuns = 15;
+constexpr int kRuns = 5;
 constexpr int kFewRows = 1'000;
 constexpr int kManyRows = 100'000;
 constexpr int kRowsOfTheDay = 200;
@@ -45,16 +46,16 @@ void fill(const QString& file, int rows) {
         .run(QString::asprintf(kFill, rows, kRowsOfTheDay, kRowsOfTheDay).toUtf8());
 }
 
-double timeReports(const Folder& folder) {
+Work makeReports(const Folder& folder) {
     folder.use();
     QList<std::optional<totals::Report>> reports;
-    const double time = millisecondsOf([&] {
+    const Work work = workOf([&] {
         for (const totals::DailyReport& daily : totals::dailyReports()) reports << daily.make(kDay, u"A");
     });
     for (const std::optional<totals::Report>& report : reports) {
         if (!report || report->isEmpty()) throw std::runtime_error("a report is empty");
     }
-    return time;
+    return work;
 }
 
 }  // namespace
@@ -64,8 +65,8 @@ Result measureReport() {
     fill(many.databaseFile(), kManyRows);
     const Folder few;
     fill(few.databaseFile(), kFewRows);
-    return compare(
-        kRuns, "ms", [&] { return timeReports(many); }, [&] { return timeReports(few); });
+    return compareWork(
+        kRuns, [&] { return makeReports(many); }, [&] { return makeReports(few); });
 }
 
 }  // namespace bench

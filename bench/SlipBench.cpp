@@ -1,4 +1,4 @@
-// The way of one sales slip through the stores, among 100,000 saved slips of a year beside among 100: its
+// The way of one sales slip through the stores, among 100,000 saved slips of a year beside among 1,000: its
 // number, opening it, ten priced lines, saving, reopening and the list of the day. Both devices hold the same
 // customers and products, and the salesman has saved as many slips on the day.
 
@@ -8,6 +8,7 @@
 
 #include "Bench.h"
 #include "Folder.h"
+#include "Work.h"
 #include "books/Customer.h"
 #include "books/SlipNumbers.h"
 #include "platform/Sqlite.h"
@@ -22,8 +23,8 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int kRuns = 15;
-constexpr int kFewSlips = 100;
+constexpr int kRuns = 5;
+constexpr int kFewSlips = 1'000;
 constexpr int kManySlips = 100'000;
 constexpr int kSlipsOfTheDay = 40;
 constexpr int kDaysOfTheYear = 300;  ///< Days on which slips are written.
@@ -111,12 +112,12 @@ QString writeSlip() {
     return junNo;
 }
 
-double timeSlip(const Folder& folder) {
+Work workOfSlip(const Folder& folder) {
     folder.use();
     QString junNo;
-    const double time = millisecondsOf([&] { junNo = writeSlip(); });
+    const Work work = workOf([&] { junNo = writeSlip(); });
     check(sales::deleteSlip(kDay, junNo, true, kSalesman), "the slip was not deleted");
-    return time;
+    return work;
 }
 
 }  // namespace
@@ -129,8 +130,8 @@ Result measureSlip() {
         platform::SqliteFile file(folder->databaseFile(), platform::SqliteFile::Mode::Existing);
         fill(file, slips);
     }
-    return compare(
-        kRuns, "ms", [&] { return timeSlip(many); }, [&] { return timeSlip(few); });
+    return compareWork(
+        kRuns, [&] { return workOfSlip(many); }, [&] { return workOfSlip(few); });
 }
 
 }  // namespace bench

@@ -3,13 +3,14 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QPalette>
-#include <QScreen>
 #include <QTimer>
 #include <QVBoxLayout>
 #include <QWidget>
 #include <algorithm>
-#include <cmath>
 #include <cstdio>
+#include <memory>
+#include <optional>
+#include <vector>
 
 #include "Screens.h"
 #include "app/RovanaApp.h"
@@ -22,8 +23,12 @@
 #include "platform/termdev/Devices.h"
 #include "platform/termdev/SwipeSocket.h"
 #include "ui/Bitmaps.h"
+#include "ui/DisplayScale.h"
+#include "ui/FontList.h"
 #include "ui/Fonts.h"
+#include "ui/KoreanTexts.h"
 #include "ui/Messages.h"
+#include "ui/Sounds.h"
 #include "ui/Terminal.h"
 
 namespace {
@@ -77,29 +82,34 @@ Options readOptions(int argc, char** argv) {
     return options;
 }
 
-/// The largest scale at which so many pixels fit the display, at least 1. A scale is fixed before the
-/// application object is made, so a passing one looks at the display first.
-qreal scaleToFit(int argc, char** argv, QSize pixels) {
-    const QGuiApplication passing(argc, argv);
-    const QSize display = QGuiApplication::primaryScreen()->size();
-    return std::max(
-        1.0, std::min(display.width() / qreal(pixels.width()), display.height() / qreal(pixels.height())));
+/// The scale that fits the display, where that is what is wanted: neither the option nor the settings tell
+/// one.
+std::optional<ui::DisplayScale> fittingScale(const Options& options, const platform::Settings& settings) {
+    if (options.isScaleGiven || settings.scale > 0) return std::nullopt;
+    if (options.isFullScreen) return ui::DisplayScale(ui::kScreenSize);
+    if (options.isDesk) return ui::DisplayScale(desk::kDeskSize + kAroundWindow, options.scale);
+    return std::nullopt;
 }
 
-/// Sets the scale: the option's, else that of the settings, else what fits the display.
-void chooseScale(Options& options, const platform::Settings& settings, int argc, char** argv) {
-    if (!options.isScaleGiven && settings.scale > 0) {
-        options.scale = settings.scale;
-        options.isScaleGiven = true;
+void setScale(double scale) {
+    qputenv("QT_SCALE_FACTOR", QByteArray::number(scale));
+}
+
+/// The application object at the scale that fits the display.
+std::unique_ptr<QApplication> makeFitting(ui::DisplayScale& scale, int& argc, char** argv) {
+    const std::vector<char*> words(argv, argv + argc);
+    if (scale.isKnown()) {
+        setScale(scale.value());
+        auto application = std::make_unique<QApplication>(argc, argv);
+        if (scale.fits()) return application;
     }
-    if (options.isFullScreen && !options.isScaleGiven) {
-        options.scale = scaleToFit(argc, argv, ui::kScreenSize);
-    } else if (options.isDesk && !options.isScaleGiven) {
-        const qreal fitting = scaleToFit(argc, argv, desk::kDeskSize + kAroundWindow);
-        // Quarters keep the letters even.
-        options.scale = std::min(options.scale, std::floor(fitting * 4) / 4);
-    }
-    qputenv("QT_SCALE_FACTOR", QByteArray::number(options.scale));
+    argc = int(words.size());
+    std::ranges::copy(words, argv);
+    scale.measure(argc, argv);
+    setScale(scale.value());
+    auto application = std::make_unique<QApplication>(argc, argv);
+    scale.fits();
+    return application;
 }
 
 /// Says that the device folder has its terminal already, which shows its window meanwhile.
@@ -158,17 +168,25 @@ ui::Terminal* fillWindow(QWidget& window, const Options& options, const platform
 int runProgram(int argc, char** argv, const std::function<void(ui::Terminal&)>& terminalMade) {
     QCoreApplication::setApplicationName(u"rovana"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(ROVANA_VERSION));
-    Options options = readOptions(argc, argv);
+    const Options options = readOptions(argc, argv);
     platform::device::setFolder(platform::device::choose(options.device));
     const platform::Settings settings = platform::readSettings();
-    chooseScale(options, settings, argc, argv);
-
-    const QApplication application(argc, argv);
+    ui::useOwnFontList();
+    std::optional<ui::DisplayScale> fitting = fittingScale(options, settings);
+    if (!fitting) setScale(!options.isScaleGiven && settings.scale > 0 ? settings.scale : options.scale);
+    const std::unique_ptr<QApplication> application =
+        fitting ? makeFitting(*fitting, argc, argv) : std::make_unique<QApplication>(argc, argv);
+    // The caret stands still: blinking, it would wake a handheld twice a second all day.
+    QApplication::setCursorFlashTime(0);
     // Before anything in the folder is touched.
     const platform::TerminalLock lock;
     if (lock.isTaken()) return refuseSecondStart();
     openFolder(settings);
+    if (fitting) fitting->keep();
     ui::prepareFonts();
+    ui::speakKorean();
+    // Played visits are silent.
+    ui::setSounds(settings.hasSound && QGuiApplication::platformName() != u"offscreen");
     QApplication::setWindowIcon(ui::icon(ui::bitmaps::kApplicationIcon));
 
     // Before the window: a desk in it stands on them to its end.

@@ -31,6 +31,7 @@
 #include "rovana-play/Pilot.h"
 #include "rovanactl/DeviceFolder.h"
 #include "totals/DailyReports.h"
+#include "ui/FontList.h"
 #include "ui/Fonts.h"
 #include "ui/Terminal.h"
 
@@ -161,6 +162,7 @@ int main(int argc, char* argv[]) {
     qtHookData[kRemoveObject] = quintptr(+[](QObject*) { --objects; });
     platform::keepToOwner();
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    ui::useOwnFontList();
     const QApplication application(argc, argv);
     const int days = (argc > 1 ? QApplication::arguments()[1].toInt() : kVisits) / soak::kVisitsADay;
     if (days * soak::kVisitsADay <= kWarmVisits) return fail(u"VISITS is a number of hundreds above 5"_s);

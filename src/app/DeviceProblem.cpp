@@ -20,7 +20,7 @@ constexpr int kNeededPieces = 16;
 using Piece = std::array<char, 4096>;
 
 /// 0 when the folder takes a file of that size, else the reason as errno tells it.
-int tryToWrite(const QString& folder) {
+int tryToWrite(const QString& folder, Sure sure) {
     QByteArray name = QFile::encodeName(folder) + "/.room-XXXXXX";
     const int file = ::mkstemp(name.data());
     if (file < 0) return errno;
@@ -31,20 +31,20 @@ int tryToWrite(const QString& folder) {
         const ssize_t written = ::write(file, piece.data(), piece.size());
         if (written != ssize_t(piece.size())) reason = written < 0 ? errno : ENOSPC;
     }
-    if (reason == 0 && ::fsync(file) != 0) reason = errno;
+    if (reason == 0 && sure == Sure::Disk && ::fsync(file) != 0) reason = errno;
     ::close(file);
     return reason;
 }
 
 }  // namespace
 
-QString deviceProblem() {
+QString deviceProblem(Sure sure) {
     const QString documents = QFileInfo(platform::device::path(platform::device::kDocumentsFolder)).path();
     for (const QString& folder : {platform::device::folder(), documents}) {
         if (!QFileInfo(folder).isDir())
             return u"자료 폴더가 없습니다..! 관리자에게 알려 주세요 : %1"_s.arg(folder);
     }
-    switch (tryToWrite(documents)) {
+    switch (tryToWrite(documents, sure)) {
         case 0:
             return {};
         case ENOSPC:

@@ -27,11 +27,10 @@ void ProductSearchScreen::addButtons(const QString& listCaption, ui::ButtonBitma
     addMainButton(1000, u"확  인"_s, [this] { confirm(); });
 }
 
-void ProductSearchScreen::listProducts(const std::function<platform::Rows()>& load) {
+void ProductSearchScreen::listProducts(const std::function<platform::RowSource()>& load) {
     const ui::WaitCursor wait;
     forgetChoice();
-    products_ = load();
-    list_->setRows(products_);
+    list_->readRows(load());
 }
 
 void ProductSearchScreen::forgetChoice() {
@@ -40,7 +39,7 @@ void ProductSearchScreen::forgetChoice() {
 }
 
 void ProductSearchScreen::choose(int row) {
-    session().action.*values_.product = products_.at(row, 0);
+    session().action.*values_.product = list_->rows().at(row, 0);
     session().action.*values_.isChosen = 1;
 }
 

@@ -25,7 +25,7 @@ class ProductSearchScreen : public ui::NarrowScreen {
     /// The row of buttons, with one that lists other products.
     void addButtons(const QString& listCaption, ui::ButtonBitmaps bitmaps, std::function<void()> list);
     /// Lists what `load` gives, in addProducts' columns, without a choice.
-    void listProducts(const std::function<platform::Rows()>& load);
+    void listProducts(const std::function<platform::RowSource()>& load);
     void forgetChoice();
 
     /// The screen is about to be left with that product.
@@ -37,7 +37,6 @@ class ProductSearchScreen : public ui::NarrowScreen {
 
     Values values_;
     ui::ReportList* list_ = nullptr;
-    platform::Rows products_;
 };
 
 }  // namespace app

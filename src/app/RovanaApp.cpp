@@ -29,7 +29,8 @@ int CRovanaApp::run() {
         ui::message(u"Windows CE sockets initialization failed."_s);
         return 1;
     }
-    if (const QString noFolder = deviceProblem(); !noFolder.isEmpty()) {
+    // The login looks again and waits for the disk: here its waiting would be most of the start.
+    if (const QString noFolder = deviceProblem(Sure::AtOnce); !noFolder.isEmpty()) {
         platform::trace(noFolder);
         ui::message(noFolder);
     }

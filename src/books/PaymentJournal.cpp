@@ -30,9 +30,9 @@ constexpr db::Statement<
     u"SELECT * FROM PAYJOURNAL WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND State <> 'prepared' "
     u"ORDER BY rowid DESC">
     kOfSlip;
-// An empty date leaves the condition on it out.
+constexpr db::Statement<u"SELECT * FROM PAYJOURNAL WHERE State <> 'prepared' ORDER BY rowid"> kAll;
 constexpr db::Statement<
-    u"SELECT * FROM PAYJOURNAL WHERE ('%s' = '' OR DDate = '%s') AND State <> 'prepared' ORDER BY rowid">
+    u"SELECT * FROM PAYJOURNAL WHERE DDate = '%s' AND State <> 'prepared' ORDER BY rowid">
     kOfDay;
 constexpr db::Statement<u"SELECT * FROM PAYJOURNAL WHERE State = 'prepared' ORDER BY rowid"> kPrepared;
 // An empty user leaves the condition on him out.
@@ -273,7 +273,7 @@ std::optional<JournalPayment> findPayment(QStringView number) {
 }
 
 std::optional<QList<JournalPayment>> journalPayments(QStringView date) {
-    return payments(kOfDay(date, date));
+    return payments(date.isEmpty() ? kAll() : kOfDay(date));
 }
 
 bool isLastPayment(const JournalPayment& payment, QStringView transactionNumber) {

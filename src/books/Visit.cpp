@@ -42,11 +42,13 @@ constexpr db::Statement<
     u"SELECT GCODE, CJMONEY FROM GARAE WHERE GCODE IN (SELECT GCode FROM MTM WHERE DDate = '%s' UNION "
     u"SELECT GCode FROM YTM WHERE DDate = '%s' UNION SELECT GCode FROM MTMOK WHERE DDate = '%s')">
     kBalances;
+// The dates stand within: outside of them each table would be read whole.
 constexpr db::Statement<
-    u"SELECT DISTINCT DDate FROM (SELECT DDate, UserID FROM MTM UNION SELECT DDate, UserID FROM YTM UNION "
-    u"SELECT DDate, UserID FROM MTMOK) AS DAYS WHERE ('%s' = '' OR UserID = '%s') AND DDate >= '%s' "
-    u"AND DDate < '%s' AND NOT EXISTS (SELECT 1 FROM DAYCLOSE WHERE DAYCLOSE.DDate = DAYS.DDate "
-    u"AND DAYCLOSE.UserID = DAYS.UserID) ORDER BY DDate">
+    u"SELECT DISTINCT DDate FROM (SELECT DDate, UserID FROM MTM WHERE DDate >= '%s' AND DDate < '%s' UNION "
+    u"SELECT DDate, UserID FROM YTM WHERE DDate >= '%s' AND DDate < '%s' UNION "
+    u"SELECT DDate, UserID FROM MTMOK WHERE DDate >= '%s' AND DDate < '%s') AS DAYS "
+    u"WHERE ('%s' = '' OR UserID = '%s') AND NOT EXISTS (SELECT 1 FROM DAYCLOSE "
+    u"WHERE DAYCLOSE.DDate = DAYS.DDate AND DAYCLOSE.UserID = DAYS.UserID) ORDER BY DDate">
     kUnclosedDays;
 
 constexpr QStringView kDate = u"yyyy-MM-dd";
@@ -232,7 +234,7 @@ std::optional<QList<Visit>> visitsOfNumber(QStringView date, QStringView junNo, 
 QStringList unclosedDays(QStringView userId, QStringView date) {
     const QString first = QDate::fromString(date.toString(), kDate).addDays(-kDaysBack).toString(kDate);
     QStringList days;
-    db::forEachRow(kUnclosedDays(userId, userId, first, date),
+    db::forEachRow(kUnclosedDays(first, date, first, date, first, date, userId, userId),
                    [&](db::CVORecordset& row) { days << row.GetFieldString(0); });
     return days;
 }

@@ -29,9 +29,9 @@ constexpr std::int64_t kMostBottles = 1'000'000;
 
 }  // namespace
 
-platform::Rows containerProducts(QStringView seek) {
-    return db::selectRows(seek.isEmpty() ? kAll(kMarks[0], kMarks[1]) : kBySeek(seek, kMarks[0], kMarks[1]),
-                          4);
+platform::RowSource containerProducts(QStringView seek) {
+    return db::selectPieces(seek.isEmpty() ? kAll(kMarks[0], kMarks[1]) : kBySeek(seek, kMarks[0], kMarks[1]),
+                            4);
 }
 
 bool productExists(QStringView pCode) {

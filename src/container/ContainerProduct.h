@@ -11,7 +11,7 @@ namespace container {
 
 /// The products that are taken back as containers, names descending, in four columns: code, name, size, use.
 /// `seek` is the consonant of the name, or "00"; empty lists all.
-platform::Rows containerProducts(QStringView seek);
+platform::RowSource containerProducts(QStringView seek);
 
 bool productExists(QStringView pCode);
 

@@ -49,13 +49,6 @@ constexpr Statement<
 constexpr Statement<u"INSERT INTO GARAEMAJIN (GCode,Gubun,Majin) VALUES ('%s','%s','%s')"> kInsertClassMargin;
 constexpr Statement<u"INSERT INTO BARCODE (PCode,Barcode) VALUES ('%s','%s')"> kInsertBarcode;
 
-template <const auto& Insert>
-Sql insertFields(std::span<const QStringView> fields) {
-    std::array<QStringView, std::remove_cvref_t<decltype(Insert)>::kValues> values;
-    std::copy(fields.begin(), fields.end(), values.begin());
-    return Insert(values);
-}
-
 /// A statement without values.
 template <const auto& Plain>
 Sql plain() {
@@ -66,8 +59,9 @@ template <const auto& Insert>
 constexpr ImportFile describe(QStringView fileName, int firstFieldLength, int restLength, Sql (*countRows)(),
                               Sql (*deleteAll)(), bool isOnlyOffices, bool isOptional = false) {
     constexpr int kFields = std::remove_cvref_t<decltype(Insert)>::kValues;
-    return {fileName,  firstFieldLength, restLength,           kFields,   countRows,
-            deleteAll, isOnlyOffices,    insertFields<Insert>, isOptional};
+    return {fileName,  firstFieldLength, restLength,    kFields,
+            countRows, deleteAll,        isOnlyOffices, std::remove_cvref_t<decltype(Insert)>::textForBinding,
+            isOptional};
 }
 
 // A payment moves the customers' receivables, so GARAE is not the office's alone.
@@ -82,6 +76,22 @@ constexpr std::array kFiles{
     describe<kInsertBarcode>(u"BARCODE.RVN", 4, 200, plain<kCountBarcodes>, plain<kDeleteBarcodes>, true,
                              true),
 };
+
+template <typename View, typename Unit>
+void cut(const ImportFile& file, View line, Unit separator, std::vector<View>* fields) {
+    // Never null, which would be no text.
+    fields->assign(std::size_t(file.fields), line.first(0));
+    const qsizetype first = std::min<qsizetype>(line.size(), file.firstFieldLength);
+    fields->front() = line.first(first);
+    View rest = line.sliced(std::min(line.size(), first + 1));
+    rest = rest.first(std::min<qsizetype>(rest.size(), file.restLength));
+    for (auto field = fields->begin() + 1; field != fields->end(); ++field) {
+        const auto end = std::find(rest.begin(), rest.end(), separator);
+        if (end == rest.end()) break;
+        *field = rest.first(end - rest.begin());
+        rest = rest.sliced(field->size() + 1);
+    }
+}
 
 }  // namespace
 
@@ -114,15 +124,11 @@ bool isImportWaiting() {
 }
 
 void cutImportLine(const ImportFile& file, QStringView line, std::vector<QStringView>* fields) {
-    fields->assign(std::size_t(file.fields), {});
-    fields->front() = line.left(file.firstFieldLength);
-    QStringView rest = line.mid(file.firstFieldLength + 1, file.restLength);
-    for (auto field = fields->begin() + 1; field != fields->end(); ++field) {
-        const auto end = std::find(rest.begin(), rest.end(), u'|');
-        if (end == rest.end()) break;
-        *field = QStringView(rest.begin(), end);
-        rest = QStringView(end + 1, rest.end());
-    }
+    cut(file, line, QChar(u'|'), fields);
+}
+
+void cutImportLine(const ImportFile& file, QByteArrayView line, std::vector<QByteArrayView>* fields) {
+    cut(file, line, '|', fields);
 }
 
 }  // namespace db

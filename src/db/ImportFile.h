@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QByteArray>
+#include <QByteArrayView>
 #include <QString>
 #include <QStringView>
 #include <span>
@@ -16,14 +18,14 @@ enum class ImportSource { None, Documents, StorageCard };
 
 /// One kind of import file: its name, its table and how its lines are cut.
 struct ImportFile {
-    QStringView fileName;  ///< For example "MTM.RVN".
-    int firstFieldLength;  ///< Characters of the fixed-width first field.
-    int restLength;        ///< Characters of a line that count after the first field and its separator.
-    int fields;            ///< Columns that a line fills.
-    Sql (*countRows)();    ///< Selects the number of its table's rows.
-    Sql (*deleteAll)();    ///< Empties the table; null for MTM, which keeps its rows and gains the file's.
-    bool isOnlyOffices;    ///< Nothing but this file changes the table.
-    Sql (*insert)(std::span<const QStringView> fields);  ///< As many as the member of that name says.
+    QStringView fileName;     ///< For example "MTM.RVN".
+    int firstFieldLength;     ///< Characters of the fixed-width first field.
+    int restLength;           ///< Characters of a line that count after the first field and its separator.
+    int fields;               ///< Columns that a line fills.
+    Sql (*countRows)();       ///< Selects the number of its table's rows.
+    Sql (*deleteAll)();       ///< Empties the table; null for MTM, which keeps its rows and gains the file's.
+    bool isOnlyOffices;       ///< Nothing but this file changes the table.
+    QByteArray (*insert)();   ///< The INSERT of a line's row, with a "?" for each field.
     bool isOptional = false;  ///< An office need not send it, and an older terminal has no table for it.
 };
 
@@ -42,5 +44,7 @@ bool isImportWaiting();
 /// Cuts one line, without its line end, into the file's fields, untrimmed; they are pieces of `line`. Text
 /// beyond the length that counts is lost, and a field whose "|" is missing is empty, as are all after it.
 void cutImportLine(const ImportFile& file, QStringView line, std::vector<QStringView>* fields);
+/// The same for a line of ASCII characters only.
+void cutImportLine(const ImportFile& file, QByteArrayView line, std::vector<QByteArrayView>* fields);
 
 }  // namespace db

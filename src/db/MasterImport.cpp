@@ -3,6 +3,8 @@
 #include <sodium.h>
 
 #include <QFile>
+#include <QHash>
+#include <QStringConverter>
 #include <array>
 
 #include "db/MasterLoads.h"
@@ -72,6 +74,39 @@ int countLines(QByteArrayView content) {
     return lines;
 }
 
+/// The fields of a line as UTF-8. They last until the next line.
+class LineFields {
+  public:
+    explicit LineFields(const ImportFile& file) : file_(file) {}
+
+    /// Null for a line that is not code page 949.
+    const std::vector<QByteArrayView>* cut(QByteArrayView line) {
+        // Price files are ASCII, whose bytes are UTF-8 already.
+        if (QtPrivate::isAscii(QLatin1StringView(line)) && !line.contains('\0')) {
+            cutImportLine(file_, line, &fields_);
+            return &fields_;
+        }
+        const std::optional<QString> text = decodeLine(line);
+        if (!text) return nullptr;
+        cutImportLine(file_, *text, &texts_);
+        fields_.clear();
+        char* end = utf8_.data();
+        for (const QStringView field : texts_) {
+            char* const begin = end;
+            end = encoder_.appendToBuffer(begin, field);
+            fields_.emplace_back(begin, end);
+        }
+        return &fields_;
+    }
+
+  private:
+    const ImportFile& file_;
+    std::vector<QStringView> texts_;
+    std::vector<QByteArrayView> fields_;
+    QStringEncoder encoder_{QStringEncoder::Utf8, QStringEncoder::Flag::Stateless};
+    std::array<char, 3 * kLongestLineBytes> utf8_;  ///< A byte gives at most one unit, and that three bytes.
+};
+
 /// What tells this very file from another of the same name.
 struct FileIdentity {
     QString handheldPath;  ///< How the ledger names it: the device folder may move.
@@ -126,7 +161,10 @@ class Load {
             platform::trace(u"import: %1 is loaded but cannot be deleted for good"_s.arg(waiting_.path()));
             return false;
         }
-        execute(kDeleteLedger(identity_.handheldPath));
+        // An entry that is back after a loss of power names a file that is gone: nothing waits for the disk.
+        Transaction transaction(Survives::ProcessEnd);
+        transaction.run(kDeleteLedger(identity_.handheldPath));
+        transaction.commit();
         return true;
     }
 
@@ -185,20 +223,17 @@ ImportResult::Outcome Load::run(const std::function<void(int, int)>& progress) {
 /// Runs the INSERT of every line on the transaction's connection.
 void Load::insertLines(Transaction& transaction, const std::function<void(int, int)>& progress) {
     LineReader reader(waiting_.content());
-    std::vector<QStringView> fields;
+    LineFields fields(file_);
+    RowInsert insert(transaction, file_.insert());
     for (int number = 1; !reader.atEnd() && transaction.isAlive(); ++number) {
         const QByteArrayView line = withoutLineEnd(reader.next());
-        const std::optional<QString> text = decodeLine(line);
-        if (!text) {
+        const std::vector<QByteArrayView>* const row = fields.cut(line);
+        if (row == nullptr) {
             rejected_.add(number, RejectedLine::Reason::NotCodePage949, line);
+        } else if (insert.run(*row)) {
+            ++result_.loaded;
         } else {
-            cutImportLine(file_, *text, &fields);
-            CVORecordset insert(transaction.connection());
-            if (insert.Open(file_.insert(fields), kForwardOnly, kReadOnly)) {
-                ++result_.loaded;
-            } else {
-                rejected_.add(number, RejectedLine::Reason::NotAccepted, line);
-            }
+            rejected_.add(number, RejectedLine::Reason::NotAccepted, line);
         }
         if (progress) progress(number, result_.lines);
     }
@@ -225,11 +260,23 @@ QString rejectedPath(const ImportFile& file, ImportSource source) {
 }
 
 std::optional<int> countImportLines(const ImportFile& file, ImportSource source) {
+    // The dialog counts them when it opens, and again before it loads.
+    struct Counted {
+        struct stat status;
+        int lines;
+    };
+    static QHash<QString, Counted> counted;
     const QString path = platform::device::path(importPath(file, source));
+    struct stat status = {};
+    if (!WaitingFile::isAt(path) || ::stat(QFile::encodeName(path).constData(), &status) != 0)
+        return std::nullopt;
+    const auto known = counted.constFind(path);
+    if (known != counted.constEnd() && WaitingFile::isUnchanged(known->status, status)) return known->lines;
     QFile waiting(path);
-    if (!WaitingFile::isAt(path) || !waiting.open(QIODevice::ReadOnly)) return std::nullopt;
+    if (!waiting.open(QIODevice::ReadOnly)) return std::nullopt;
     const QByteArray content = waiting.readAll();
-    return waiting.error() == QFileDevice::NoError ? std::optional(countLines(content)) : std::nullopt;
+    if (waiting.error() != QFileDevice::NoError) return std::nullopt;
+    return counted.insert(path, {status, countLines(content)})->lines;
 }
 
 std::optional<Shrinkage> findShrinkage(const ImportFile& file, ImportSource source) {

@@ -1,6 +1,64 @@
 #include "db/Query.h"
 
+#include <QSet>
+
 namespace db {
+namespace {
+
+/// More than a screen shows.
+constexpr int kPiece = 64;
+
+/// A SELECT under way.
+class Reader {
+  public:
+    Reader(const Sql& select, int columns) : recordset_(connection_), columns_(columns) {
+        openDatabase(connection_);
+        recordset_.Open(select, kKeyset, kReadOnly);
+        underWay().insert(this);
+    }
+    ~Reader() { underWay().remove(this); }
+    Reader(const Reader&) = delete;
+    Reader& operator=(const Reader&) = delete;
+
+    static QSet<Reader*>& underWay() {
+        static QSet<Reader*> readers;
+        return readers;
+    }
+
+    bool read(platform::Rows* rows) {
+        if (ahead_.columns == 0) return readOn(rows, kPiece);
+        // What a change has had read.
+        rows->columns = columns_;
+        rows->cells += ahead_.cells;
+        rows->isComplete = ahead_.isComplete;
+        return false;
+    }
+
+    void readAhead() {
+        if (ahead_.columns != 0) return;
+        while (readOn(&ahead_, kPiece)) {
+        }
+        recordset_.Close();
+    }
+
+  private:
+    bool readOn(platform::Rows* rows, int count) {
+        rows->columns = columns_;
+        // Without a component EOF is false, so the result's own state is asked as well.
+        for (; count > 0 && recordset_.m_bOpen && !recordset_.EOF(); --count, recordset_.MoveNext()) {
+            for (int i = 0; i < columns_; ++i) rows->cells.append(recordset_.GetFieldString(i));
+        }
+        rows->isComplete = !recordset_.IsBroken();
+        return recordset_.m_bOpen && !recordset_.EOF();
+    }
+
+    CVOConnection connection_;
+    CVORecordset recordset_;
+    int columns_;
+    platform::Rows ahead_;
+};
+
+}  // namespace
 
 std::optional<QStringList> firstRow(const Sql& select) {
     CVOConnection connection;
@@ -21,6 +79,7 @@ bool hasRow(const Sql& select) {
 }
 
 bool execute(const Sql& statement) {
+    finishReading();
     CVOConnection connection;
     openDatabase(connection);
     CVORecordset recordset(connection);
@@ -34,6 +93,16 @@ platform::Rows selectRows(const Sql& select, int columns) {
     });
     rows.isComplete = count >= 0;
     return rows;
+}
+
+platform::RowSource selectPieces(const Sql& select, int columns) {
+    return [reader = std::make_shared<Reader>(select, columns)](platform::Rows* rows) {
+        return reader->read(rows);
+    };
+}
+
+void finishReading() {
+    for (Reader* reader : std::as_const(Reader::underWay())) reader->readAhead();
 }
 
 }  // namespace db

@@ -38,6 +38,13 @@ std::optional<QStringList> firstRow(const Sql& select);
 /// statement failed.
 platform::Rows selectRows(const Sql& select, int columns);
 
+/// The same rows a piece at a time, so that a long list shows its first ones before the last are read. What
+/// is left when something here is about to change the database is read before: no change meets a reading.
+platform::RowSource selectPieces(const Sql& select, int columns);
+
+/// Reads what selectPieces has left.
+void finishReading();
+
 /// True when the SELECT has a row.
 bool hasRow(const Sql& select);
 

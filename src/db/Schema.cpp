@@ -63,6 +63,8 @@ constexpr Columns<29> kPayJournal{
 
 constexpr Columns<9> kDeleted{u"DDate", u"Document", u"JunNo",     u"UserID",   u"GCode",
                               u"GName", u"Total",    u"DeletedBy", u"DeletedAt"};
+// Whose slip a working table holds, and whether it has changes that are not saved.
+constexpr Columns<3> kUnsaved{u"Slip", u"UserID", u"Changed"};
 
 // The codes that a reader reads off the products; the office sends them or not.
 constexpr Columns<2> kBarcode{u"PCode", u"Barcode"};
@@ -91,6 +93,7 @@ constexpr std::array kTables{
     Table{u"PAYJOURNAL", kPayJournal, false},
     Table{u"DELETED", kDeleted, false},
     Table{u"CONTAINERCARRY", kContainerCarry, false},
+    Table{u"UNSAVED", kUnsaved, false},
     Table{u"BARCODE", kBarcode, false},
 };
 
@@ -101,6 +104,7 @@ constexpr std::array kIndexes{
     Index{u"PUMMOK_PCODE", u"PUMMOK", u"Pcode"},
     Index{u"PUMMOK_SEEK", u"PUMMOK", u"seek, Pname"},
     Index{u"PUMMOK_CLASS", u"PUMMOK", u"JGubun, Pcode"},
+    Index{u"PUMMOK_TTT", u"PUMMOK", u"TTT"},
     Index{u"GARAEDANGA_KEY", u"GARAEDANGA", u"gcode, pcode"},
     Index{u"GARAEMAJIN_KEY", u"GARAEMAJIN", u"GCode, Gubun"},
     Index{u"MTM_SLIP", u"MTM", u"DDate, JunNo, UserID"},
@@ -121,6 +125,7 @@ constexpr std::array kIndexes{
     Index{u"PAYJOURNAL_STATE", u"PAYJOURNAL", u"State"},
     Index{u"PAYJOURNAL_SLIP", u"PAYJOURNAL", u"DDate, JunNo, UserID"},
     Index{u"PAYJOURNAL_TRANSACTION", u"PAYJOURNAL", u"BANKTRANNO"},
+    Index{u"PAYJOURNAL_SENT", u"PAYJOURNAL", u"MSGSENDTIME"},
     Index{u"DELETED_DAY", u"DELETED", u"DDate"},
     Index{u"BARCODE_BARCODE", u"BARCODE", u"Barcode"},
 };

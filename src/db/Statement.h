@@ -79,7 +79,7 @@ class Statement {
     }();
     static_assert(kEveryValueIsQuoted, "every %s of a statement stands in single quotes");
 
-    /// Where the values go in the format; found once, because loading a file builds a text for every line.
+    /// Where the values go in the format; found once, because every use builds a text.
     static constexpr std::array<qsizetype, kValues> kPlaces = [] {
         std::array<qsizetype, kValues> places{};
         std::size_t found = 0;
@@ -90,6 +90,11 @@ class Statement {
     }();
 
     static QStringView format() { return Format.view(); }
+
+    /// The text with a "?" for each value, as SQLite prepares it.
+    static QByteArray textForBinding() {
+        return Format.view().toString().replace(QStringLiteral("'%s'"), QStringLiteral("?")).toUtf8();
+    }
 
     template <std::convertible_to<QStringView>... Values>
     requires(sizeof...(Values) == kValues) Sql operator()(const Values&... values) const {

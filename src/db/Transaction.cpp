@@ -1,10 +1,13 @@
 #include "db/Transaction.h"
 
+#include <algorithm>
+
 #include "db/Query.h"
 
 namespace db {
 
 Transaction::Transaction(Survives survives) {
+    finishReading();
     openDatabase(connection_);
     isOpen_ = connection_.m_pConnection &&
               !platform::adoce::failed(connection_.m_pConnection->BeginTrans(survives));
@@ -29,6 +32,25 @@ bool Transaction::commit() {
     if (!isOpen_ || platform::adoce::failed(connection_.m_pConnection->CommitTrans())) return false;
     isOpen_ = false;
     return true;
+}
+
+RowInsert::RowInsert(Transaction& transaction, const QByteArray& statement)
+    : command_(*transaction.connection().m_pConnection, statement) {}
+
+bool RowInsert::run(std::span<const QByteArrayView> values) {
+    const bool hasQuote =
+        std::ranges::any_of(values, [](QByteArrayView value) { return value.contains('\''); });
+    return !hasQuote && !platform::adoce::failed(command_.Execute(values));
+}
+
+ReadScope::ReadScope() {
+    openDatabase(connection_);
+    isOpen_ =
+        connection_.m_pConnection && !platform::adoce::failed(connection_.m_pConnection->BeginReading());
+}
+
+ReadScope::~ReadScope() {
+    if (isOpen_) connection_.m_pConnection->EndReading();
 }
 
 bool changeWorkingTable(const Sql& statement) {

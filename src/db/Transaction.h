@@ -1,5 +1,8 @@
 #pragma once
 
+#include <QByteArrayView>
+#include <span>
+
 #include "db/VOConnection.h"
 #include "platform/adoce/Survives.h"
 
@@ -33,6 +36,39 @@ class Transaction {
   private:
     CVOConnection connection_;
     bool isOpen_ = false;
+};
+
+/// An INSERT of a transaction that is run for many rows: its values are bound instead of going through a
+/// text.
+class RowInsert {
+  public:
+    /// `statement` is one's textForBinding(). The transaction must outlast it.
+    RowInsert(Transaction& transaction, const QByteArray& statement);
+
+    /// Adds a row with these values, UTF-8 and never null. False when it was not added: as in any statement,
+    /// a value with a single quote makes it fail.
+    bool run(std::span<const QByteArrayView> values);
+
+  private:
+    platform::adoce::Command command_;
+};
+
+/// Lets the look-ups between its creation and its end see the database as it is at the first of them, and
+/// spares each asking for the file's lock. A change of the database ends it. Inside a transaction, or another
+/// scope, it does nothing.
+class ReadScope {
+  public:
+    ReadScope();
+    ~ReadScope();
+    ReadScope(const ReadScope&) = delete;
+    ReadScope& operator=(const ReadScope&) = delete;
+
+    /// A connection for the look-ups; those on any other connection take part as well.
+    CVOConnection& connection() { return connection_; }
+
+  private:
+    CVOConnection connection_;
+    bool isOpen_;
 };
 
 /// Runs one statement that changes a working table. These hold the slip that is being edited and are emptied

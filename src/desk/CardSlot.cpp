@@ -23,6 +23,7 @@ Groove::Groove(QWidget* parent) : QWidget(parent) {
 }
 
 void Groove::setReading(bool isReading) {
+    if (isReading == isReading_ && !accessibleName().isEmpty()) return;
     isReading_ = isReading;
     setAccessibleName(isReading ? u"카드를 긁으세요 Swipe a card"_s
                                 : u"카드 화면에서 긁습니다 Opens with the card screen"_s);

@@ -1,5 +1,6 @@
 #include "desk/Desk.h"
 
+#include <QAbstractEventDispatcher>
 #include <QFileDialog>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -30,7 +31,8 @@ using namespace std::chrono_literals;
 
 constexpr int kGap = 10;
 constexpr int kTextPixels = 11;
-constexpr auto kRefreshTime = 200ms;
+/// What another program or thread has changed shows after this.
+constexpr auto kRefreshTime = 1s;
 
 /// The body of the device around its screen.
 class Frame : public QWidget {
@@ -99,6 +101,9 @@ Desk::Desk(ui::Terminal* terminal, const platform::Settings& settings, QWidget* 
     auto* refreshing = new QTimer(this);
     connect(refreshing, &QTimer::timeout, this, &Desk::refresh);
     refreshing->start(kRefreshTime);
+    // What this one has done shows when it is about to rest.
+    connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
+            &Desk::refresh);
 }
 
 QWidget* Desk::makePaperSide(bool isRoll) {
@@ -139,6 +144,8 @@ void Desk::askWhereToSave(const QString& ending) {
     auto* dialog = new QFileDialog(this, u"용지 저장 Save the paper"_s, folder, u"*."_s + ending);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
+    // The dates of a detailed list would be in the language of the machine.
+    dialog->setViewMode(QFileDialog::List);
     dialog->setDefaultSuffix(ending);
     dialog->selectFile(name);
     connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& path) {

@@ -2,6 +2,7 @@
 
 #include <QList>
 #include <QString>
+#include <functional>
 
 namespace platform {
 
@@ -33,5 +34,24 @@ struct Rows {
         return -1;
     }
 };
+
+/// Rows that are read a piece at a time: each call appends the next ones. False when it gave the last.
+using RowSource = std::function<bool(Rows*)>;
+
+/// A source of rows that are there already.
+inline RowSource wholeRows(Rows rows) {
+    return [rows = std::move(rows)](Rows* result) {
+        *result = rows;
+        return false;
+    };
+}
+
+/// All rows that the source has left.
+inline Rows readAll(const RowSource& source) {
+    Rows rows;
+    while (source(&rows)) {
+    }
+    return rows;
+}
 
 }  // namespace platform

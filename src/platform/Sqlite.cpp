@@ -139,7 +139,9 @@ SqliteFile::SqliteFile(const QString& path, Mode mode) {
 }
 
 SqliteFile::~SqliteFile() {
-    if (last_) sqlite3_finalize(last_->handle);
+    for (const auto& each : recent_) {
+        if (each) sqlite3_finalize(each->handle);
+    }
     for (const Prepared* each : std::as_const(idle_)) {
         sqlite3_finalize(each->handle);
         delete each;
@@ -168,7 +170,10 @@ sqlite3_stmt* SqliteFile::prepare(const QByteArray& text, const char** tail) {
 }
 
 SqliteStatement SqliteFile::statement(const QByteArray& text) {
-    if (last_ && last_->key == text) return {this, std::move(last_)};
+    for (auto& each : recent_) {
+        // Mostly it is the very text that was kept, whose characters need no comparing.
+        if (each && (each->key.isSharedWith(text) || each->key == text)) return {this, std::move(each)};
+    }
     if (std::unique_ptr<Prepared> idle{idle_.take(text)}) return {this, std::move(idle)};
     const char* tail = nullptr;
     SqliteStatement made(this, std::make_unique<Prepared>(QByteArray(), prepare(text, &tail)));
@@ -179,8 +184,13 @@ SqliteStatement SqliteFile::statement(const QByteArray& text) {
 }
 
 void SqliteFile::keep(std::unique_ptr<Prepared> statement) {
-    statement.swap(last_);
-    if (!statement) return;
+    const auto free = std::ranges::find_if(recent_, std::logical_not());
+    if (free != recent_.end()) {
+        *free = std::move(statement);
+        return;
+    }
+    statement.swap(recent_[oldest_]);
+    oldest_ = (oldest_ + 1) % recent_.size();
     if (idle_.size() < kMostIdle) {
         const QByteArray& key = statement->key;
         idle_.insert(key, statement.release());

@@ -6,6 +6,7 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
+#include <array>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -170,8 +171,10 @@ class SqliteFile {
     sqlite3* handle_ = nullptr;
     bool isOpen_ = false;
     QMultiHash<QByteArray, Prepared*> idle_;
-    // The statement given back last stands in front of the others: a file is loaded with one over and over.
-    std::unique_ptr<Prepared> last_;
+    // Those given back last stand in front of the others: a price is looked up with the same few over and
+    // over.
+    std::array<std::unique_ptr<Prepared>, 8> recent_;
+    std::size_t oldest_ = 0;  ///< Which of them goes next when there is no room.
 };
 
 /// Everything or nothing: what is not committed is undone. Throws SqliteError.

@@ -1,11 +1,13 @@
 #include "sales/Pricing.h"
 
+#include <QVarLengthArray>
 #include <charconv>
 #include <cmath>
 #include <optional>
 
 #include "db/Query.h"
 #include "db/Statement.h"
+#include "db/Transaction.h"
 #include "sales/ProductQuery.h"
 
 namespace sales {
@@ -33,8 +35,7 @@ constexpr db::Statement<
 
 constexpr QStringView kTierAKind = u"일반";
 
-/// Calls `readRow` on the SELECT's first row; false when there is none. Every look-up of a price shares one
-/// connection, which makes the difference between four look-ups and one noticeable in a long slip.
+/// Calls `readRow` on the SELECT's first row; false when there is none.
 template <typename ReadRow>
 bool readFirst(db::CVOConnection& connection, const db::Sql& select, ReadRow&& readRow) {
     db::CVORecordset recordset(connection);
@@ -54,9 +55,11 @@ Deposits depositsAt(db::CVORecordset& recordset, int firstColumn) {
 
 /// The number at the start of the column's text, a fraction included; 0 for a text without one.
 double realAt(db::CVORecordset& recordset, int column) {
-    const QByteArray text = recordset.GetFieldString(column).trimmed().toLatin1();
+    const QString text = recordset.GetFieldString(column);
+    QVarLengthArray<char, 32> digits;
+    for (const QChar each : QStringView(text).trimmed()) digits.append(each.toLatin1());
     double number = 0;
-    std::from_chars(text.begin(), text.end(), number);
+    std::from_chars(digits.begin(), digits.end(), number);
     return std::isfinite(number) ? number : 0;
 }
 
@@ -110,8 +113,9 @@ LineAmounts tierAmounts(const UnitPrices& prices, std::int64_t boxes, std::int64
 
 PricedLine priceLine(QStringView gcode, QStringView customerKind, QStringView pcode, std::int64_t boxes,
                      std::int64_t bottles) {
-    db::CVOConnection connection;
-    db::openDatabase(connection);
+    // One state of the tables for the whole price, also while the office's files are loaded.
+    db::ReadScope scope;
+    db::CVOConnection& connection = scope.connection();
 
     ContractPrices contract;
     if (readFirst(connection, kContract(gcode, pcode), [&](db::CVORecordset& row) {
@@ -128,7 +132,9 @@ PricedLine priceLine(QStringView gcode, QStringView customerKind, QStringView pc
                  {}}};
     }
 
-    const QString productClass = productName(pcode).value_or(ProductName()).JGubun;
+    QString productClass;
+    readFirst(connection, productNameSearch(pcode),
+              [&](db::CVORecordset& row) { productClass = row.GetFieldString(1); });
     double margin = 0;
     const auto readMargin = [&](db::CVORecordset& row) { margin = realAt(row, 0); };
     UnitPrices prices;

@@ -107,8 +107,8 @@ db::Sql productSearch(QStringView seek, QStringView classCode, QStringView custo
                : kAnyBySeekAndClass(seek, classCode, kWithdrawn);
 }
 
-platform::Rows products(QStringView seek, QStringView classCode, QStringView customerKind) {
-    return db::selectRows(productSearch(seek, classCode, customerKind), kColumns);
+platform::RowSource products(QStringView seek, QStringView classCode, QStringView customerKind) {
+    return db::selectPieces(productSearch(seek, classCode, customerKind), kColumns);
 }
 
 platform::Rows frequentProducts(QStringView customerKind) {
@@ -124,8 +124,12 @@ QList<ProductClass> productClasses() {
     return classes;
 }
 
+db::Sql productNameSearch(QStringView pcode) {
+    return kName(pcode);
+}
+
 std::optional<ProductName> productName(QStringView pcode) {
-    const auto row = db::firstRow(kName(pcode));
+    const auto row = db::firstRow(productNameSearch(pcode));
     if (!row) return std::nullopt;
     return ProductName{row->at(0), row->at(1)};
 }

@@ -21,7 +21,7 @@ std::optional<QStringView> excludedUse(QStringView customerKind);
 db::Sql productSearch(QStringView seek, QStringView classCode, QStringView customerKind);
 
 /// Runs productSearch.
-platform::Rows products(QStringView seek, QStringView classCode, QStringView customerKind);
+platform::RowSource products(QStringView seek, QStringView classCode, QStringView customerKind);
 
 /// The frequently sold products in the same four columns, most used first. Withdrawn ones stay in.
 platform::Rows frequentProducts(QStringView customerKind);
@@ -41,6 +41,8 @@ struct ProductName {
     QString JGubun;
 };
 std::optional<ProductName> productName(QStringView pcode);
+/// The look-up of productName(): name and class.
+db::Sql productNameSearch(QStringView pcode);
 
 bool productExists(QStringView pcode);
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "books/UnsavedSlip.h"
 #include "db/Records.h"
 
 namespace sales {
@@ -52,13 +53,16 @@ bool replaceLine(const LineKey& key, Change&& change) {
     for (std::size_t i = 0; i < kSlipLineColumns.size(); ++i)
         line.*kSlipLineColumns[i] = row->at(qsizetype(i));
     change(&line);
-    return transaction.run(kDelete(key.PCode, key.Box, key.Bon)) && transaction.run(insertOf(line)) &&
-           transaction.commit();
+    if (!transaction.run(kDelete(key.PCode, key.Box, key.Bon)) || !transaction.run(insertOf(line)))
+        return false;
+    books::noteChanged(transaction, books::Working::Sale);
+    return transaction.commit();
 }
 
 }  // namespace
 
 bool reloadSlip(QStringView userId, QStringView workDate, QStringView junNo) {
+    books::noteOpened(books::Working::Sale, userId);
     return db::refill(kEmpty(), kSaved(userId, workDate, junNo), kInsert, kSlipLineColumns);
 }
 
@@ -72,6 +76,14 @@ std::optional<OpenedSlip> openSlip(QStringView userId, QStringView workDate, QSt
         const auto won = [&](int column) { return platform::parseWon(row.GetFieldString(column)); };
         slip.sums += {won(5), won(6), won(7), won(8)};
     });
+    return slip;
+}
+
+OpenedSlip resumeSlip() {
+    OpenedSlip slip;
+    if (const auto line = db::firstRow(kAnyLine())) slip.GCode = line->value(2);
+    slip.lines = workingLines();
+    slip.sums = workingSums();
     return slip;
 }
 
@@ -120,7 +132,7 @@ int linesOf(const LineKey& key) {
 }
 
 bool insertLine(const SlipLine& line) {
-    return db::changeWorkingTable(insertOf(line));
+    return books::changeWorkingSlip(books::Working::Sale, insertOf(line));
 }
 
 bool replaceLines(const QList<SlipLine>& lines, QStringList* refused) {
@@ -134,6 +146,7 @@ bool replaceLines(const QList<SlipLine>& lines, QStringList* refused) {
             return false;
         }
     }
+    books::noteChanged(transaction, books::Working::Sale);
     return transaction.commit();
 }
 
@@ -154,7 +167,7 @@ bool replaceAmounts(const LineKey& key, const LineAmounts& amounts) {
 }
 
 void deleteLine(const LineKey& key) {
-    db::changeWorkingTable(kDelete(key.PCode, key.Box, key.Bon));
+    books::changeWorkingSlip(books::Working::Sale, kDelete(key.PCode, key.Box, key.Bon));
 }
 
 }  // namespace sales

@@ -27,6 +27,9 @@ bool reloadSlip(QStringView userId, QStringView workDate, QStringView junNo);
 /// reloadSlip, and the saved lines and sums to show; nothing when the working slip could not be made.
 std::optional<OpenedSlip> openSlip(QStringView userId, QStringView workDate, QStringView junNo);
 
+/// The working slip as it stands, to show it again without opening what is saved.
+OpenedSlip resumeSlip();
+
 /// The lines by product code descending, in four columns: code, name, boxes, bottles.
 platform::Rows workingLines();
 

@@ -5,6 +5,7 @@
 #include <QPainter>
 #include <QScrollBar>
 #include <QStyledItemDelegate>
+#include <algorithm>
 
 #include "ui/FlickScroll.h"
 #include "ui/Fonts.h"
@@ -14,7 +15,11 @@ namespace {
 
 constexpr int kRowHeight = 24;
 constexpr int kHeaderHeight = 24;
+constexpr int kDetailHeight = 15;
+constexpr QColor kDetailColour(0x4a, 0x5a, 0x6a);
 constexpr int kScrollBarWidth = 6;
+/// The reading of a long list lets a touch wait no longer than this.
+constexpr int kReadingMs = 4;
 constexpr QColor kSelection(0x1f, 0x6f, 0xb2);
 constexpr QColor kScrollMark(0x8f, 0xa3, 0xb5);
 constexpr QColor kGrid(0xd5, 0xdc, 0xe4);
@@ -85,6 +90,19 @@ CellType typeFor(const QString& text, QFont font, int width) {
     return {font, size, true, lines};
 }
 
+/// The type in which both ends of a second line fit beside each other.
+CellType typeFor(const RowDetail& detail, QFont font, int width) {
+    constexpr int kGap = 6;
+    const bool isAlone = detail.left.isEmpty() || detail.right.isEmpty();
+    for (int pixels = font.pixelSize() - 1;; --pixels) {
+        font.setPixelSize(pixels);
+        const QFontMetrics metrics(font);
+        const int taken = metrics.horizontalAdvance(detail.left) + metrics.horizontalAdvance(detail.right) +
+                          (isAlone ? 0 : kGap);
+        if (taken <= width || pixels <= kSmallestType) return {font, {taken, metrics.height()}, false, {}};
+    }
+}
+
 /// Sets a text that is too long for its column smaller, and last on two lines: nothing is cut off. Paints no
 /// frame around the cell that the keys stand on: a row is chosen as a whole or not at all.
 class RowDelegate : public QStyledItemDelegate {
@@ -94,6 +112,14 @@ class RowDelegate : public QStyledItemDelegate {
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
         const CellType type = typeFor(displayText(index.data(), {}), option.font, textWidth(index));
         return type.size + QSize(2 * kCellMargin + 1, 0);
+    }
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override {
+        // What is below belongs to the row's second line.
+        QStyleOptionViewItem cell = option;
+        cell.rect.setHeight(std::min(cell.rect.height(), kRowHeight - 1));
+        QStyledItemDelegate::paint(painter, cell, index);
     }
 
   protected:
@@ -144,6 +170,19 @@ void RowsModel::setRows(platform::Rows rows) {
     endResetModel();
 }
 
+void RowsModel::growTo(platform::Rows rows) {
+    if (rows.count() == rows_.count()) return;
+    beginInsertRows({}, rows_.count(), rows.count() - 1);
+    rows_ = std::move(rows);
+    endInsertRows();
+}
+
+void RowsModel::setDetail(std::function<RowDetail(const platform::Rows& rows, int row)> detail) {
+    beginResetModel();
+    detail_ = std::move(detail);
+    endResetModel();
+}
+
 int RowsModel::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : int(rows_.count());
 }
@@ -156,6 +195,10 @@ QVariant RowsModel::data(const QModelIndex& index, int role) const {
     if (role == Qt::DisplayRole) return rows_.at(index.row(), index.column());
     if (role == Qt::AccessibleTextRole)
         return QString(titles_.value(index.column()) + u' ' + rows_.at(index.row(), index.column()));
+    if (role == Qt::AccessibleDescriptionRole && hasDetail()) {
+        const RowDetail said = detail(index.row());
+        return QString(said.left + u' ' + said.right).simplified();
+    }
     if (role == Qt::TextAlignmentRole && index.column() < alignments_.size()) {
         return int(alignments_[index.column()]);
     }
@@ -222,14 +265,89 @@ void ReportList::setColumns(std::span<const ListColumn> columns) {
 }
 
 void ReportList::setRows(platform::Rows rows) {
-    all_ = std::move(rows);
+    readRows(platform::wholeRows(std::move(rows)));
+}
+
+void ReportList::readRows(platform::RowSource source) {
+    all_ = {};
+    more_ = std::move(source);
+    readPieces(filter_ ? QDeadlineTimer(QDeadlineTimer::Forever) : QDeadlineTimer(0));
     showRows();
+    more_ ? idle_.start(0, this) : idle_.stop();
+}
+
+void ReportList::readPieces(QDeadlineTimer until) {
+    while (more_) {
+        if (!more_(&all_)) more_ = nullptr;
+        if (until.hasExpired()) return;
+    }
+}
+
+void ReportList::readOn(QDeadlineTimer until) {
+    if (!more_) return;
+    readPieces(until);
+    if (more_) return;
+    idle_.stop();
+    // All at once: the list is laid out and painted anew each time that it grows.
+    model_->growTo(all_);
+}
+
+void ReportList::timerEvent(QTimerEvent* event) {
+    if (event->timerId() != idle_.timerId()) return QTableView::timerEvent(event);
+    readOn(QDeadlineTimer(kReadingMs));
 }
 
 void ReportList::narrow(Filter filter) {
+    readToEnd();
     filter_ = std::move(filter);
     showRows();
     Q_EMIT narrowed();
+}
+
+void ReportList::setDetail(Detail detail) {
+    const int height = kRowHeight + (detail ? kDetailHeight : 0);
+    model_->setDetail(std::move(detail));
+    verticalHeader()->setDefaultSectionSize(height);
+}
+
+QRect ReportList::detailArea(int place) const {
+    const int top = rowViewportPosition(place) + kRowHeight - 1;
+    return {0, top, std::min(viewport()->width(), horizontalHeader()->length()), kDetailHeight};
+}
+
+QSize ReportList::detailSize(int place) const {
+    if (!model_->hasDetail()) return {};
+    const int width = detailArea(place).width() - 2 * kCellMargin;
+    return typeFor(model_->detail(place), font(), width).size + QSize(2 * kCellMargin, 0);
+}
+
+void ReportList::paintEvent(QPaintEvent* event) {
+    QTableView::paintEvent(event);
+    if (!model_->hasDetail()) return;
+    QPainter painter(viewport());
+    const int first = rowAt(event->rect().top());
+    if (first < 0) return;
+    for (int place = first; place < rowCount() && rowViewportPosition(place) <= event->rect().bottom();
+         ++place)
+        paintDetail(painter, place);
+}
+
+void ReportList::paintDetail(QPainter& painter, int place) const {
+    const QRect area = detailArea(place);
+    const bool isChosen = selectionModel()->isRowSelected(place);
+    painter.fillRect(area, isChosen ? kSelection : QColor(Qt::white));
+    const RowDetail detail = model_->detail(place);
+    const QRect text = area.adjusted(kCellMargin, 0, -kCellMargin, 0);
+    painter.setFont(typeFor(detail, font(), text.width()).font);
+    painter.setPen(isChosen ? QColor(Qt::white) : kDetailColour);
+    painter.drawText(text, Qt::AlignLeft | Qt::AlignVCenter, detail.left);
+    painter.drawText(text, Qt::AlignRight | Qt::AlignVCenter, detail.right);
+}
+
+void ReportList::scrollContentsBy(int dx, int dy) {
+    QTableView::scrollContentsBy(dx, dy);
+    // The second lines stay where they are when the columns move.
+    if (dx != 0 && model_->hasDetail()) viewport()->update();
 }
 
 void ReportList::showRows() {
@@ -253,6 +371,7 @@ int ReportList::selectedRow() const {
 }
 
 void ReportList::showChosen(int row) {
+    readToEnd();
     const int place = filter_ ? int(shown_.indexOf(row)) : row;
     selectRow(place);
     scrollTo(model_->index(place, 0));
@@ -290,6 +409,7 @@ void ReportList::keyPressEvent(QKeyEvent* event) {
         filter_ ? Q_EMIT typed(text) : event->ignore();
         return;
     }
+    readToEnd();
     const int before = currentIndex().row();
     QTableView::keyPressEvent(event);
     if (currentIndex().isValid() && currentIndex().row() != before)

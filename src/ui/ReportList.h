@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QAbstractTableModel>
+#include <QBasicTimer>
+#include <QDeadlineTimer>
 #include <QString>
 #include <QTableView>
 #include <functional>
@@ -9,6 +11,12 @@
 #include "platform/Rows.h"
 
 namespace ui {
+
+/// What a row says below its cells, at its left and at its right edge.
+struct RowDetail {
+    QString left;
+    QString right;
+};
 
 /// The rows of a list, shown without being copied.
 class RowsModel : public QAbstractTableModel {
@@ -20,7 +28,13 @@ class RowsModel : public QAbstractTableModel {
     void setTitles(const QStringList& titles);
     void setAlignments(const QList<Qt::Alignment>& alignments) { alignments_ = alignments; }
     void setRows(platform::Rows rows);
+    /// The same rows and more behind them.
+    void growTo(platform::Rows rows);
     const platform::Rows& rows() const { return rows_; }
+    void setDetail(std::function<RowDetail(const platform::Rows& rows, int row)> detail);
+    /// Empty texts without one.
+    RowDetail detail(int row) const { return detail_ ? detail_(rows_, row) : RowDetail(); }
+    bool hasDetail() const { return bool(detail_); }
 
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
@@ -31,6 +45,7 @@ class RowsModel : public QAbstractTableModel {
     QStringList titles_;
     QList<Qt::Alignment> alignments_;
     platform::Rows rows_;
+    std::function<RowDetail(const platform::Rows& rows, int row)> detail_;
 };
 
 /// One column of a list.
@@ -50,12 +65,27 @@ class ReportList : public QTableView {
     void setColumns(std::span<const ListColumn> columns);
     /// Replaces all rows and takes the selection away. A narrowed list stays so.
     void setRows(platform::Rows rows);
+    /// The same with the rows of the source, of which the first are there at once; the others are read while
+    /// nothing else is to do, and before the list is narrowed or goes to its end.
+    void readRows(platform::RowSource source);
+    /// Reads what the source has left.
+    void readToEnd() { readOn(QDeadlineTimer(QDeadlineTimer::Forever)); }
+    /// The rows that were set or have been read so far.
+    const platform::Rows& rows() const { return all_; }
     /// Says whether a row of the rows that were set is shown.
     using Filter = std::function<bool(const platform::Rows& rows, int row)>;
     /// Shows only the rows that go through `filter`, and takes the selection away. Rows are counted as they
     /// were set all the same. From then on a text that is keyed on the list is told by typed().
     void narrow(Filter filter);
     void clear() { setRows({}); }
+
+    /// Says the second line of a row among `rows`.
+    using Detail = std::function<RowDetail(const platform::Rows& rows, int row)>;
+    /// Gives every row a second line over the width of the list, wherever its columns are scrolled to.
+    /// `detail` is asked for the rows that are painted, no others.
+    void setDetail(Detail detail);
+    /// What the second line in that place of the list takes, in pixels; empty without one.
+    QSize detailSize(int place) const;
 
     int rowCount() const { return model_->rowCount(); }
     /// The row chosen last; -1 when there is none.
@@ -81,9 +111,16 @@ class ReportList : public QTableView {
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
+    void timerEvent(QTimerEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void scrollContentsBy(int dx, int dy) override;
 
   private:
     void showRows();
+    void readPieces(QDeadlineTimer until);
+    void readOn(QDeadlineTimer until);
+    void paintDetail(QPainter& painter, int place) const;
+    QRect detailArea(int place) const;
     void choose(int row, bool isByKey);
     void tap(QPoint place, bool isAgain);
 
@@ -92,6 +129,8 @@ class ReportList : public QTableView {
 
     RowsModel* model_;
     platform::Rows all_;
+    platform::RowSource more_;  ///< What has not been read yet.
+    QBasicTimer idle_;
     Filter filter_;
     QList<int> shown_;  ///< The rows that go through the filter.
 };

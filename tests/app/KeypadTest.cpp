@@ -86,26 +86,4 @@ TEST(Keypad, KeepsThePresentNumberOfAFieldThatStaysEmpty) {
     EXPECT_EQ(asked.KeypadResult, 1);
 }
 
-TEST(Keypad, SelectorsChooseTheActiveField) {
-    struct SelectorCase {
-        bool secondWasClicked;
-        bool secondChecked;
-        bool thirdChecked;
-        int active;
-    };
-    const SelectorCase cases[] = {
-        {true, true, false, 2},  {true, true, true, 2},  {true, false, true, 3},  {true, false, false, 1},
-        {false, true, false, 2}, {false, true, true, 3}, {false, false, true, 3}, {false, false, false, 1},
-    };
-    for (const SelectorCase& c : cases) {
-        Keypad keypad(request(app::kThreeNumbers));
-        c.secondWasClicked ? keypad.secondClicked(c.secondChecked, c.thirdChecked)
-                           : keypad.thirdClicked(c.secondChecked, c.thirdChecked);
-        EXPECT_EQ(keypad.activeField(), c.active);
-        keypad.append(u"00"_s);
-        keypad.append(u"8"_s);
-        EXPECT_EQ(keypad.display(c.active), u"8"_s);
-    }
-}
-
 }  // namespace

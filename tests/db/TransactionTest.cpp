@@ -82,5 +82,42 @@ TEST_F(TransactionTest, ALostOneKeepsNothing) {
     EXPECT_EQ(slips(), u"0"_s);
 }
 
+TEST_F(TransactionTest, AScopeOfReadingSeesOneState) {
+    {
+        const ReadScope scope;
+        EXPECT_FALSE(hasRow(kSelect(u"1")));
+        device.insert(u"MTMOK", {{u"JunNo", u"1"}});
+        EXPECT_FALSE(hasRow(kSelect(u"1"))) << "what another program wrote in between";
+        {
+            const ReadScope inner;
+            EXPECT_FALSE(hasRow(kSelect(u"1")));
+        }
+        EXPECT_FALSE(hasRow(kSelect(u"1"))) << "the inner one ends nothing";
+    }
+    EXPECT_TRUE(hasRow(kSelect(u"1")));
+}
+
+// A change must neither wait for the scope's end nor be taken for a part of it.
+TEST_F(TransactionTest, AChangeEndsAScopeOfReading) {
+    {
+        const ReadScope scope;
+        EXPECT_FALSE(hasRow(kSelect(u"1")));
+        device.insert(u"MTMOK", {{u"JunNo", u"1"}});
+        EXPECT_TRUE(execute(kInsert(u"2", u"")));
+        EXPECT_EQ(slips(), u"1,2"_s);
+        EXPECT_TRUE(hasRow(kSelect(u"1")));
+        Transaction transaction;
+        EXPECT_TRUE(transaction.run(kInsert(u"3", u"")));
+        {
+            const ReadScope within;
+            EXPECT_TRUE(hasRow(kSelect(u"3")));
+        }
+        EXPECT_TRUE(transaction.isAlive());
+        EXPECT_EQ(slips(), u"1,2"_s);
+        EXPECT_TRUE(transaction.commit());
+    }
+    EXPECT_EQ(slips(), u"1,2,3"_s);
+}
+
 }  // namespace
 }  // namespace db

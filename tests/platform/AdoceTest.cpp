@@ -24,7 +24,7 @@ class AdoceTest : public testing::Test {
     }
 
     HResult open(Recordset& recordset, const QString& sql) {
-        return recordset.Open(sql, QVariant::fromValue(&connection), 1, 1, kUnknownCommandType);
+        return recordset.Open(sql, &connection, 1, 1, kUnknownCommandType);
     }
 
     HResult run(const QString& sql) {
@@ -78,6 +78,22 @@ TEST_F(AdoceTest, SpeaksTheDialectOfTheHandheld) {
         const QString sql = QString::fromUtf16(c.sql);
         EXPECT_EQ(!failed(run(sql)), c.runs) << sql.toStdString();
         EXPECT_EQ(column(u"SELECT PCode FROM TEMP ORDER BY PCode"_s), c.left) << sql.toStdString();
+    }
+}
+
+// A statement is known again by its text, whatever came in between and whatever its values were.
+TEST_F(AdoceTest, ManyStatementsTakeTurns) {
+    for (int round = 0; round < 3; ++round) {
+        for (int columns = 0; columns < 12; ++columns) {
+            const QString key = u"%1-%2"_s.arg(round).arg(columns);
+            const QString name = columns % 2 == 0 ? u"진로"_s : u"cass"_s;
+            const QString more = u" AND 'x' = 'x'"_s.repeated(columns);
+            EXPECT_EQ(
+                run(u"INSERT INTO TEMP (PCode,PName) SELECT '%1','%2' WHERE 1 = 1"_s.arg(key, name) + more),
+                kOk);
+            EXPECT_EQ(column(u"SELECT PName FROM TEMP WHERE PCode = '%1'"_s.arg(key) + more),
+                      QStringList(name));
+        }
     }
 }
 

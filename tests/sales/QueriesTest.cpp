@@ -2,6 +2,7 @@
 
 #include <QStringList>
 
+#include "db/Query.h"
 #include "sales/CustomerQuery.h"
 #include "sales/ProductQuery.h"
 #include "support/TestDevice.h"
@@ -36,7 +37,7 @@ TEST(Customers, AreListedByKeyAndSalesman) {
         {u"ㅎ", u"kim", false, u""},         {u"", u"kim", false, u""},
     };
     for (const auto& c : kCases) {
-        EXPECT_EQ(codes(customers(c.seek, c.user, c.ownOnly)), c.wanted.toString());
+        EXPECT_EQ(codes(platform::readAll(customers(c.seek, c.user, c.ownOnly))), c.wanted.toString());
     }
 }
 
@@ -63,10 +64,32 @@ TEST(Products, AreFoundByKeyClassAndKindOfCustomer) {
         {u"", u"", u"유흥", u"0005 0003 0002"},
     };
     for (const auto& c : kCases) {
-        EXPECT_EQ(codes(products(c.seek, c.productClass, c.kind)), c.wanted.toString())
+        EXPECT_EQ(codes(platform::readAll(products(c.seek, c.productClass, c.kind))), c.wanted.toString())
             << c.seek.toUtf8().constData() << c.productClass.toUtf8().constData()
             << c.kind.toUtf8().constData();
     }
+}
+
+TEST(Products, AreReadInPiecesAsTheyStoodBeforeAChange) {
+    test::TestDevice device;
+    device.execute(
+        u"WITH RECURSIVE N(n) AS (SELECT 1 UNION ALL SELECT n + 1 FROM N WHERE n < 500) "
+        u"INSERT INTO PUMMOK (Pcode) SELECT n FROM N"_s);
+    for (const bool isChanged : {false, true}) {
+        const platform::RowSource source = products(u"", u"", u"공용");
+        platform::Rows rows;
+        EXPECT_TRUE(source(&rows));
+        EXPECT_LT(rows.count(), 500);
+        // Twice: the second change finds nothing left to read.
+        for (int change = 0; isChanged && change < 2; ++change)
+            EXPECT_TRUE(db::execute(db::Statement<u"DELETE PUMMOK">()()));
+        while (source(&rows)) {
+        }
+        EXPECT_EQ(rows.count(), 500);
+        EXPECT_TRUE(rows.isComplete);
+    }
+    device.execute(u"DROP TABLE PUMMOK"_s);
+    EXPECT_FALSE(platform::readAll(products(u"", u"", u"공용")).isComplete);
 }
 
 TEST(Products, StandMostUsedFirst) {

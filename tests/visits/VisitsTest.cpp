@@ -134,7 +134,7 @@ TEST_P(Visit, Plays) {
         ASSERT_EQ(prepare(device, ownRows), "");
     }
     openToOthers(device);
-    QStringList call{GetParam(), u"--device"_s, device};
+    QStringList call{GetParam(), u"--device"_s, device, u"--clock"_s, kDay.toString() + u" 09:05"_s};
     // Rows that are there before the visit itself loads the master data.
     const QString earlierRows = visit.path() + u'/' + visit.completeBaseName() + u".before.sql"_s;
     if (QFileInfo::exists(earlierRows)) call << u"--rows"_s << earlierRows;

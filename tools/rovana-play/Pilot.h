@@ -55,6 +55,8 @@ class Pilot : public QObject {
     void counted(const QString& name, int touches);
     /// A step was missed; sent before the dialogs are closed.
     void missed(const QString& failure);
+    /// A step is about to be done, or to be seen as it was expected.
+    void begun(const pilot::Step& step);
 
   private:
     void poll();

@@ -18,6 +18,7 @@
 #include "rovana-play/Hand.h"
 #include "rovana-play/Pilot.h"
 #include "rovana-play/Script.h"
+#include "ui/FontList.h"
 #include "ui/Fonts.h"
 #include "ui/Terminal.h"
 
@@ -38,6 +39,7 @@ struct Call {
     QString device;
     QString rows;   ///< A file of SQL statements; empty for none.
     QString scale;  ///< Empty for Qt's own.
+    QString clock;  ///< When the script begins that does not say so; empty for the system's clock.
     bool isOnDesk = false;
     bool isByPointer = false;
     bool tellsTouches = false;
@@ -59,8 +61,10 @@ std::optional<int> readCall(int argc, char** argv, Call* call) {
     const QCommandLineOption onDesk(u"desk"_s, u"Shows the terminal on its desk, as rovana --desk does."_s);
     const QCommandLineOption byPointer(
         u"xdotool"_s, u"Moves the display's own pointer and strikes its keys, on X11 by xdotool."_s);
+    const QCommandLineOption clock(u"clock"_s, u"When a script that does not say so itself begins."_s,
+                                   u"YYYY-MM-DD HH:MM"_s);
     const QCommandLineOption touches(u"touches"_s, u"Tells how many touches each counted visit took."_s);
-    parser.addOptions({device, shots, scale, pace, onDesk, byPointer, touches, rows});
+    parser.addOptions({device, shots, scale, pace, onDesk, byPointer, clock, touches, rows});
 
     QStringList arguments;
     for (int i = 0; i < argc; ++i) arguments << QString::fromLocal8Bit(argv[i]);
@@ -83,6 +87,7 @@ std::optional<int> readCall(int argc, char** argv, Call* call) {
     call->isByPointer = parser.isSet(byPointer);
     call->tellsTouches = parser.isSet(touches);
     call->options.shots = parser.value(shots);
+    call->clock = parser.value(clock);
     call->options.paceMs = parser.value(pace).toInt();
     call->options.approve = qEnvironmentVariableIntValue("ROVANA_APPROVE") == 1;
     return std::nullopt;
@@ -138,8 +143,9 @@ int main(int argc, char* argv[]) {
     // The scale has to be known before Qt starts.
     if (!call.scale.isEmpty()) qputenv("QT_SCALE_FACTOR", call.scale.toUtf8());
 
+    ui::useOwnFontList();
     QApplication application(argc, argv);
-    const pilot::Script script = pilot::readScript(call.script);
+    const pilot::Script script = pilot::readScript(call.script, call.clock);
     for (const QString& error : script.errors) fail(u"%1: %2"_s.arg(script.file, error), kUsageError);
     if (!script.errors.isEmpty()) return kUsageError;
 

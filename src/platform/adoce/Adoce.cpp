@@ -45,11 +45,6 @@ std::unique_ptr<Recordset> createRecordset(ClassId classId, int context, HResult
     return create<Recordset>(classId == ClassId::Recordset, context, result);
 }
 
-HResult changeTypeToText(QVariant* value) {
-    *value = value->toString();
-    return kOk;
-}
-
 HResult Connection::Open(const QString& connectionString, const QString&, const QString&, int) {
     constexpr QStringView kDataSource = u"Data Source = ";
     file_.reset();
@@ -80,6 +75,14 @@ HResult Connection::RollbackTrans() {
     return kOk;
 }
 
+HResult Connection::BeginReading() {
+    return file_ && file_->beginReading() ? kOk : kFail;
+}
+
+void Connection::EndReading() {
+    if (file_) file_->endReading();
+}
+
 bool Connection::IsUsable() const {
     return file_ && file_->isUsable();
 }
@@ -95,6 +98,10 @@ HResult Field::Value(QVariant* value) const {
     return kOk;
 }
 
+QString Field::Text() const {
+    return recordset_->hasRow_ ? recordset_->statement_.text(index_) : QString();
+}
+
 int Fields::Count() const {
     const SqliteStatement& statement = field_.recordset_->statement_;
     return statement.isEmpty() ? 0 : statement.columns();
@@ -102,31 +109,35 @@ int Fields::Count() const {
 
 HResult Fields::Item(const QVariant& index, Field** field) {
     bool isNumber = false;
-    field_.index_ = index.toInt(&isNumber);
-    *field = nullptr;
-    if (!isNumber || field_.index_ < 0 || field_.index_ >= Count()) return kFail;
-    *field = &field_;
-    return kOk;
+    const int number = index.toInt(&isNumber);
+    *field = isNumber ? at(number) : nullptr;
+    return *field == nullptr ? kFail : kOk;
 }
 
-HResult Recordset::Open(const QVariant& source, const QVariant& activeConnection, int, int, int) {
-    Close();
-    auto* connection = activeConnection.value<Connection*>();
-    if (connection == nullptr) connection = active_;
-    isBroken_ = true;
-    if (connection == nullptr || !connection->file() || source.typeId() != QMetaType::QString) return kFail;
+Field* Fields::at(int index) {
+    if (index < 0 || index >= Count()) return nullptr;
+    field_.index_ = index;
+    return &field_;
+}
 
-    thread_local ParsedStatement parsed;
-    // Values may be passwords: none stays behind in the memory that the next statement uses.
-    const auto wipe = qScopeGuard([] { sodium_memzero(parsed.values.data(), size_t(parsed.values.size())); });
-    const bool isWellFormed = parseStatement(*static_cast<const QString*>(source.constData()), &parsed);
-    if (!isWellFormed) {
+HResult Recordset::Open(const QString& source, Connection* activeConnection, int, int, int) {
+    Close();
+    const Connection* const connection = activeConnection == nullptr ? active_ : activeConnection;
+    isBroken_ = true;
+    if (connection == nullptr || !connection->file()) return kFail;
+
+    thread_local StatementParser parser;
+    ParsedStatement* const parsed = parser.parse(source);
+    if (parsed == nullptr) {
         // A broken text may show a piece of a value where its structure should be.
         traceFailure(u"a quote stands in a value"_s, "(text not shown)");
         return kFail;
     }
+    // Values may be passwords: none stays behind in the memory that the next statement uses.
+    const auto wipe =
+        qScopeGuard([parsed] { sodium_memzero(parsed->values.data(), size_t(parsed->values.size())); });
     file_ = connection->file();
-    if (!prepare(parsed)) return kFail;
+    if (!prepare(*parsed)) return kFail;
     const HResult result = step();
     if (failed(result)) {
         Close();
@@ -166,6 +177,27 @@ bool Recordset::prepare(const ParsedStatement& parsed) {
         traceFailure(QString::fromUtf8(error.what()), parsed.text);
         Close();
         return false;
+    }
+}
+
+HResult Command::Execute(std::span<const QByteArrayView> values) {
+    const auto& file = connection_.file();
+    if (!file || !file->isUsable()) {
+        traceFailure(u"the transaction is lost"_s, text_);
+        return kFail;
+    }
+    try {
+        if (statement_.isEmpty()) statement_ = file->statement(text_);
+        if (!file->readyToChange()) return kFail;
+        for (const QByteArrayView value : values) statement_.bindBorrowed(value);
+        statement_.step();
+        statement_.rewind();
+        return kOk;
+    } catch (const SqliteError& error) {
+        file->noteFailure(error);
+        traceFailure(QString::fromUtf8(error.what()), text_);
+        statement_ = {};
+        return kFail;
     }
 }
 

@@ -4,6 +4,7 @@
 #include <QVariant>
 #include <cstdint>
 #include <memory>
+#include <span>
 
 #include "platform/SecureBytes.h"
 #include "platform/Sqlite.h"
@@ -49,6 +50,11 @@ class Connection {
     HResult BeginTrans(Survives survives = Survives::PowerLoss);
     HResult CommitTrans();
     HResult RollbackTrans();
+    /// Lets the SELECTs up to EndReading() read the database as it is at the first of them. kFail, and
+    /// nothing has changed, when a transaction or such reading is under way already.
+    HResult BeginReading();
+    /// Nothing when a change has ended the reading.
+    void EndReading();
     /// False without a file, and when the database gave up the transaction that began here.
     bool IsUsable() const;
 
@@ -67,6 +73,8 @@ class Field {
     QString Name() const;
     /// The value as text; an invalid variant for NULL or without a current row.
     HResult Value(QVariant* value) const;
+    /// The same as a text; "" for NULL or without a current row.
+    QString Text() const;
 
   private:
     friend class Fields;
@@ -80,6 +88,8 @@ class Fields {
     int Count() const;
     /// The field with the index that the variant holds; kFail when there is none.
     HResult Item(const QVariant& index, Field** field);
+    /// The same; null when there is none.
+    Field* at(int index);
 
   private:
     friend class Recordset;
@@ -97,9 +107,9 @@ class Recordset {
 
     void putActiveConnection(Connection* connection) { active_ = connection; }
 
-    /// Runs the statement `source` (a QString) on `activeConnection` (a Connection*, else the active one) and
-    /// stands on the first row. Fails, traced with the statement but none of its values, when SQLite does.
-    HResult Open(const QVariant& source, const QVariant& activeConnection, int cursorType, int lockType,
+    /// Runs the statement `source` on `activeConnection`, without one on the active one, and stands on the
+    /// first row. Fails, traced with the statement but none of its values, when SQLite does.
+    HResult Open(const QString& source, Connection* activeConnection, int cursorType, int lockType,
                  int options);
     HResult Close();
     bool BOF() const { return rowNumber_ < 0; }
@@ -128,13 +138,24 @@ class Recordset {
     Fields fields_;
 };
 
+/// One statement that is run many times, each time with other values.
+class Command {
+  public:
+    /// `text` has a "?" for each value. The connection must outlast the command.
+    Command(const Connection& connection, QByteArray text)
+        : connection_(connection), text_(std::move(text)) {}
+
+    /// Runs it with these values, UTF-8 and never null. Fails, traced with none of them, when SQLite does.
+    HResult Execute(std::span<const QByteArrayView> values);
+
+  private:
+    const Connection& connection_;
+    QByteArray text_;
+    SqliteStatement statement_;
+};
+
 /// New components; null, with `result` telling why, when creation fails.
 std::unique_ptr<Connection> createConnection(ClassId classId, int context, HResult* result);
 std::unique_ptr<Recordset> createRecordset(ClassId classId, int context, HResult* result);
 
-/// Converts a value to text in place: an invalid variant becomes the empty text.
-HResult changeTypeToText(QVariant* value);
-
 }  // namespace platform::adoce
-
-Q_DECLARE_METATYPE(platform::adoce::Connection*)

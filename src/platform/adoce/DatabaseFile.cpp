@@ -20,6 +20,7 @@ struct FileIdentity {
 };
 
 struct SharedFile {
+    QByteArray name;  ///< Its path for the system.
     FileIdentity identity;
     std::shared_ptr<DatabaseFile> file;
 };
@@ -34,6 +35,7 @@ QByteArray toSqlite(const QByteArray& text) {
     constexpr QByteArrayView kDelete = "DELETE";
     constexpr QByteArrayView kFrom = "FROM ";
     const QByteArrayView trimmed = QByteArrayView(text).trimmed();
+    if (trimmed.isEmpty() || (trimmed.front() != 'D' && trimmed.front() != 'd')) return text;
     if (trimmed.first(std::min(kDelete.size(), trimmed.size())).compare(kDelete, Qt::CaseInsensitive) != 0)
         return text;
     const QByteArrayView rest = trimmed.sliced(kDelete.size()).trimmed();
@@ -44,15 +46,17 @@ QByteArray toSqlite(const QByteArray& text) {
 }  // namespace
 
 std::shared_ptr<DatabaseFile> DatabaseFile::shared(const QString& path, QString* error) {
+    const auto known = sharedFiles().constFind(path);
+    const bool isKnown = known != sharedFiles().constEnd();
+    const QByteArray name = isKnown ? known->name : QFile::encodeName(path);
     struct stat status = {};
-    if (::stat(QFile::encodeName(path).constData(), &status) != 0) {
+    if (::stat(name.constData(), &status) != 0) {
         sharedFiles().remove(path);
         *error = u"%1 is missing"_s.arg(path);
         return nullptr;
     }
     const FileIdentity identity{status.st_dev, status.st_ino};
-    const auto known = sharedFiles().constFind(path);
-    if (known != sharedFiles().constEnd() && known->identity == identity) return known->file;
+    if (isKnown && known->identity == identity) return known->file;
 
     std::shared_ptr<DatabaseFile> file(new DatabaseFile(path));
     SqliteFile& sqlite = file->sqlite_;
@@ -60,7 +64,7 @@ std::shared_ptr<DatabaseFile> DatabaseFile::shared(const QString& path, QString*
         *error = u"%1: %2"_s.arg(path, sqlite.errorText());
         return nullptr;
     }
-    sharedFiles().insert(path, {identity, file});
+    sharedFiles().insert(path, {name, identity, file});
     return file;
 }
 
@@ -76,6 +80,7 @@ SqliteStatement DatabaseFile::statement(const QByteArray& text) try {
 }
 
 bool DatabaseFile::begin(Survives survives) {
+    endReading();
     if (inTransaction_ || !prepareFor(survives) || !run(u"BEGIN IMMEDIATE"_s)) return false;
     inTransaction_ = true;
     return true;
@@ -94,6 +99,18 @@ void DatabaseFile::rollback() {
     isLost_ = false;
 }
 
+bool DatabaseFile::beginReading() {
+    if (inTransaction_ || isReading_) return false;
+    isReading_ = runKept(&beginReading_, "BEGIN");
+    return isReading_;
+}
+
+void DatabaseFile::endReading() {
+    if (!isReading_) return;
+    isReading_ = false;
+    if (sqlite_.isInTransaction()) runKept(&endReading_, "COMMIT");
+}
+
 void DatabaseFile::noteFailure(const SqliteError& failure) {
     // A text that SQLite does not accept, a table that is missing: the statement is skipped, as everywhere.
     if (inTransaction_ && !failure.isOfTheStatement()) isLost_ = true;
@@ -107,6 +124,16 @@ bool DatabaseFile::prepareFor(Survives survives) {
     if (!run(waits ? u"PRAGMA synchronous=FULL"_s : u"PRAGMA synchronous=NORMAL"_s)) return false;
     survives_ = survives;
     return true;
+}
+
+bool DatabaseFile::runKept(SqliteStatement* kept, const char* text) try {
+    if (kept->isEmpty()) *kept = sqlite_.statement(text);
+    kept->rewind();
+    kept->step();
+    return true;
+} catch (const SqliteError& error) {
+    trace(u"database: %1: %2"_s.arg(QLatin1StringView(text), QString::fromUtf8(error.what())));
+    return false;
 }
 
 bool DatabaseFile::run(const QString& statement) {

@@ -36,7 +36,10 @@ class DatabaseFile {
     bool isUsable() const { return !inTransaction_ || (!isLost_ && sqlite_.isInTransaction()); }
 
     /// Makes a statement outside a transaction wait for the disk. False when that cannot be: it must not run.
-    bool readyToChange() { return inTransaction_ || prepareFor(Survives::PowerLoss); }
+    bool readyToChange() {
+        endReading();
+        return inTransaction_ || prepareFor(Survives::PowerLoss);
+    }
 
     /// Takes note that a statement failed.
     void noteFailure(const SqliteError& failure);
@@ -45,17 +48,28 @@ class DatabaseFile {
     bool commit();
     void rollback();
 
+    /// A read transaction, which a change ends: false, and nothing begins, while a transaction of either kind
+    /// is open.
+    bool beginReading();
+    /// Nothing without one.
+    void endReading();
+
     SqliteFile& sqlite() { return sqlite_; }
 
   private:
     explicit DatabaseFile(const QString& path) : sqlite_(path, SqliteFile::Mode::Existing) {}
 
     bool run(const QString& statement);
+    /// The same for one that is run often, prepared at its first run.
+    bool runKept(SqliteStatement* kept, const char* text);
     /// What the next change survives; SQLite takes that only between two transactions.
     bool prepareFor(Survives survives);
 
     SqliteFile sqlite_;
+    SqliteStatement beginReading_;
+    SqliteStatement endReading_;
     bool inTransaction_ = false;
+    bool isReading_ = false;
     bool isLost_ = false;
     Survives survives_ = Survives::PowerLoss;
 };

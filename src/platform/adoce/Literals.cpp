@@ -1,53 +1,60 @@
 #include "platform/adoce/Literals.h"
 
 #include <QStringConverter>
+#include <QVarLengthArray>
+#include <algorithm>
 #include <cstring>
 
 namespace platform::adoce {
 namespace {
 
-void appendUtf8(QByteArray* target, QStringView text) {
+/// The quoted values of a text, as they stand in it.
+using Values = QVarLengthArray<QStringView, 32>;
+
+/// Writes the text to where `end` points, where 3 bytes must be free for each of its units; its end then.
+char* writeUtf8(char* end, QStringView text) {
+    // Codes and figures, which most values are.
+    const auto* at = text.begin();
+    for (; at != text.end() && at->unicode() < 0x80; ++at) *end++ = char(at->unicode());
+    if (at == text.end()) return end;
     // Stateless: half a character at the end of a value would be kept back, and lost, instead of replaced.
     QStringEncoder encoder(QStringEncoder::Utf8, QStringEncoder::Flag::Stateless);
+    return encoder.appendToBuffer(end, QStringView(at, text.end()));
+}
+
+void appendUtf8(QByteArray* target, QStringView text) {
     const qsizetype before = target->size();
-    target->resize(before + encoder.requiredSpace(text.size()));
-    const char* end = encoder.appendToBuffer(target->data() + before, text);
+    target->resize(before + 3 * text.size());
+    const char* const end = writeUtf8(target->data() + before, text);
     target->truncate(end - target->constData());
 }
 
-/// Reads the values of a text whose pieces are those that `parsed` holds and whose values are all ASCII;
-/// false for another text. The lines of a file that is loaded pass here, and nearly all hold codes and
-/// figures only.
-bool readKnown(QStringView sql, ParsedStatement* parsed) {
-    if (parsed->pieceEnds.empty()) return false;
-    parsed->ends.clear();
-    parsed->values.resize(sql.size());
-    char* const values = parsed->values.data();
-    char* value = values;
-    const QChar* at = sql.begin();
-    const QChar* piece = parsed->pieces.cbegin();
-    while (true) {
-        const qsizetype end = parsed->pieceEnds[parsed->ends.size()];
-        const qsizetype length = end - (piece - parsed->pieces.cbegin());
-        if (sql.end() - at < length || std::memcmp(at, piece, size_t(length) * sizeof(QChar)) != 0)
-            return false;
-        at += length;
-        piece += length;
-        if (end == parsed->pieces.size()) break;
-        while (at != sql.end() && at->unicode() < 0x80 && *at != u'\'') *value++ = char((at++)->unicode());
-        if (at == sql.end() || *at != u'\'') return false;
-        parsed->ends.push_back(int(value - values));
-    }
-    parsed->values.truncate(value - values);
-    return at == sql.end();
+bool startsWith(QStringView text, QStringView piece) {
+    return text.size() >= piece.size() &&
+           std::memcmp(text.utf16(), piece.utf16(), size_t(piece.size()) * sizeof(QChar)) == 0;
 }
 
-bool readNew(QStringView sql, ParsedStatement* parsed) {
+/// Finds the values of a text whose pieces are those that `parsed` holds; false for another text.
+bool findInKnown(QStringView sql, const ParsedStatement& parsed, Values* values) {
+    qsizetype begin = 0;
+    for (const qsizetype end : parsed.pieceEnds) {
+        const QStringView piece = QStringView(parsed.pieces).sliced(begin, end - begin);
+        if (!startsWith(sql, piece)) return false;
+        sql = sql.sliced(piece.size());
+        if (end == parsed.pieces.size()) return sql.isEmpty();
+        const qsizetype close = sql.indexOf(u'\'');
+        if (close < 0) return false;
+        values->append(sql.first(close));
+        sql = sql.sliced(close);
+        begin = end;
+    }
+    return false;
+}
+
+bool findInNew(QStringView sql, ParsedStatement* parsed, Values* values) {
     parsed->text.resize(0);
-    // Room for all of them at once: growing would leave copies of what may be a password.
-    parsed->values.resize(0);
-    parsed->values.reserve(3 * sql.size());
-    parsed->ends.clear();
+    parsed->pieces.resize(0);
+    parsed->pieceEnds.clear();
     qsizetype at = 0;
     while (true) {
         const qsizetype open = sql.indexOf(u'\'', at);
@@ -60,23 +67,56 @@ bool readNew(QStringView sql, ParsedStatement* parsed) {
         if (open < 0) return true;
         const qsizetype close = sql.indexOf(u'\'', open + 1);
         if (close < 0) return false;
-        appendUtf8(&parsed->values, sql.sliced(open + 1, close - open - 1));
-        parsed->ends.push_back(int(parsed->values.size()));
+        values->append(sql.sliced(open + 1, close - open - 1));
         parsed->text.append('?');
         at = close + 1;
         if (at < sql.size() && sql[at] == u'\'') return false;
     }
 }
 
+void take(const Values& values, ParsedStatement* parsed) {
+    qsizetype room = 0;
+    for (const QStringView value : values) room += 3 * value.size();
+    // Room for all of them at once: growing would leave copies of what may be a password.
+    parsed->values.resize(0);
+    parsed->values.resize(room);
+    parsed->ends.clear();
+    char* const begin = parsed->values.data();
+    char* end = begin;
+    for (const QStringView value : values) {
+        end = writeUtf8(end, value);
+        parsed->ends.push_back(int(end - begin));
+    }
+    parsed->values.truncate(end - begin);
+}
+
 }  // namespace
 
 bool parseStatement(QStringView sql, ParsedStatement* parsed) {
-    if (readKnown(sql, parsed)) return true;
-    parsed->pieces.resize(0);
-    parsed->pieceEnds.clear();
-    if (readNew(sql, parsed)) return true;
-    parsed->pieceEnds.clear();
-    return false;
+    Values values;
+    if (!findInKnown(sql, *parsed, &values)) {
+        values.clear();
+        if (!findInNew(sql, parsed, &values)) {
+            parsed->pieceEnds.clear();
+            return false;
+        }
+    }
+    take(values, parsed);
+    return true;
+}
+
+ParsedStatement* StatementParser::parse(QStringView sql) {
+    for (std::size_t i = 1; i <= remembered_.size(); ++i) {
+        const std::size_t at = (last_ + i) % remembered_.size();
+        Values values;
+        if (!findInKnown(sql, remembered_[at], &values)) continue;
+        take(values, &remembered_[at]);
+        last_ = at;
+        return &remembered_[at];
+    }
+    last_ = oldest_;
+    oldest_ = (oldest_ + 1) % remembered_.size();
+    return parseStatement(sql, &remembered_[last_]) ? &remembered_[last_] : nullptr;
 }
 
 }  // namespace platform::adoce

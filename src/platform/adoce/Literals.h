@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QString>
 #include <QStringView>
+#include <array>
 #include <vector>
 
 namespace platform::adoce {
@@ -22,5 +23,18 @@ struct ParsedStatement {
 /// Takes `sql` apart into `parsed`, reusing what it holds. False when a quote is left open or two quoted
 /// values stand side by side: the provider knows no escaped quotes, so such a text is broken.
 bool parseStatement(QStringView sql, ParsedStatement* parsed);
+
+/// Takes statements apart and remembers the last few: a price looks in four tables, over and over.
+class StatementParser {
+  public:
+    /// What parseStatement() gives, until the next call; null for a broken text. What it returned last time
+    /// must be wiped by then.
+    ParsedStatement* parse(QStringView sql);
+
+  private:
+    std::array<ParsedStatement, 8> remembered_;
+    std::size_t last_ = 0;    ///< Where the last one was; the next is looked for behind it first.
+    std::size_t oldest_ = 0;  ///< Where the next new one goes.
+};
 
 }  // namespace platform::adoce

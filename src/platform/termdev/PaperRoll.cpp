@@ -56,10 +56,10 @@ void keepEnd(QList<PaperLine>* lines) {
     lines->remove(0, first);
 }
 
-bool writePicture(const QList<PaperLine>& lines) {
+bool writePicture(const QList<PaperLine>& lines, const QString& file) {
     int height = 0;
     for (const PaperLine& line : lines) height += line.dots();
-    const QImage before = height < kRollDots ? QImage(pictureFile()) : QImage();
+    const QImage before = height < kRollDots ? QImage(file) : QImage();
     const int start = before.width() == kPaperDots ? before.height() : 0;
     height += start;
 
@@ -76,7 +76,7 @@ bool writePicture(const QList<PaperLine>& lines) {
     if (height > kRollDots) strip = strip.copy(0, height - kRollDots, kPaperDots, kRollDots);
 
     QBuffer picture;
-    return strip.save(&picture, "PNG", kQuickCompression) && writeWholeFile(pictureFile(), picture.data());
+    return strip.save(&picture, "PNG", kQuickCompression) && writeWholeFile(file, picture.data());
 }
 
 /// Opens the file for reading; its number in the file system, 0 when it is not there.
@@ -104,13 +104,16 @@ PaperRoll::PaperRoll(qint64 limitBytes) : limit_(limitBytes) {
     drawing_.setInterval(kDrawingMs);
     QObject::connect(&drawing_, &QTimer::timeout, &drawing_, [this] { draw(); });
     if (hasFonts()) {
-        QObject::connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, &drawing_,
-                         [this] { draw(); });
+        QObject::connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, &drawing_, [this] {
+            draw();
+            awaitPicture();
+        });
     }
 }
 
 PaperRoll::~PaperRoll() {
     draw();
+    awaitPicture();
 }
 
 bool PaperRoll::putOut(const QList<PaperLine>& lines) {
@@ -127,7 +130,12 @@ bool PaperRoll::putOut(const QList<PaperLine>& lines) {
 
 void PaperRoll::draw() {
     if (undrawn_.isEmpty() || !hasFonts()) return;
-    if (!writePicture(std::exchange(undrawn_, {}))) trace(u"the paper roll's picture could not be written");
+    awaitPicture();
+    picture_ = std::async(std::launch::async, writePicture, std::exchange(undrawn_, {}), pictureFile());
+}
+
+void PaperRoll::awaitPicture() {
+    if (picture_.valid() && !picture_.get()) trace(u"the paper roll's picture could not be written");
 }
 
 QByteArray RollReader::read(qint64 most) {

@@ -4,6 +4,7 @@
 #include <QList>
 #include <QString>
 #include <QTimer>
+#include <future>
 #include <limits>
 
 #include "platform/termdev/LinePrinter.h"
@@ -14,8 +15,8 @@ inline constexpr qint64 kRollBytes = 1024 * 1024;
 inline constexpr int kRollDots = 8000;  ///< roll.png keeps this much of the paper's end, about 1 m.
 
 /// The printer of a machine without one: the paper goes on in two files of the device folder. roll.txt is
-/// written when the device closes, roll.png a few seconds later, for nobody waits for a picture. That needs a
-/// QGuiApplication; without one there is only the text.
+/// written when the device closes, roll.png a few seconds later and by a thread of its own, for nobody waits
+/// for a picture. That needs a QGuiApplication; without one there is only the text.
 class PaperRoll : public LinePrinter {
   public:
     /// roll.txt is kept under `limitBytes`: a full one becomes roll.txt.1, replacing the one before.
@@ -27,10 +28,12 @@ class PaperRoll : public LinePrinter {
 
   private:
     void draw();
+    void awaitPicture();
 
     qint64 limit_;
     QList<PaperLine> undrawn_;
     QTimer drawing_;
+    std::future<bool> picture_;  ///< The one that is being drawn.
 };
 
 /// Reads on in the paper's text as it is printed, also where roll.txt turns over.

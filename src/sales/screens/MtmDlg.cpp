@@ -4,10 +4,12 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QTimer>
+#include <utility>
 
 #include "app/Dialogs.h"
 #include "app/KeypadRequest.h"
 #include "app/Session.h"
+#include "app/UnsavedWork.h"
 #include "books/Customer.h"
 #include "books/Receivable.h"
 #include "platform/Clock.h"
@@ -147,7 +149,9 @@ void CMtmDlg::addButtons() {
     addBottomButton(1002, u"삭  제"_s, 1, ui::bitmaps::kDelete, [this] { deleteSelected(); });
     addBottomButton(1000, u"등  록"_s, 2, ui::bitmaps::kAdd, [this] { addFromSearch(false); });
     addMainButton(1003, u"완  료"_s, [this] { finish(); });
-    addLeaveButton(1001, u"취 소"_s);
+    addLeaveButton(1001, u"취 소"_s, [this] {
+        if (app::mayLeave(books::Working::Sale)) close(Cancelled);
+    });
     ui::BitmapButton* less = addButton(kLess, u"−"_s, {}, ui::bitmaps::kSmallConsonant, [this] { step(-1); });
     ui::BitmapButton* more = addButton(kMore, u"+"_s, {}, ui::bitmaps::kSmallConsonant, [this] { step(1); });
     stepper_ = new QuantityStepper(list_, less, more);
@@ -169,7 +173,10 @@ void CMtmDlg::openSlip() {
         });
         return;
     }
-    const auto opened = sales::openSlip(session.UserID, session.WorkDate, session.action.JunNo);
+    hasUnsavedLines_ = std::exchange(session.action.IsResumed, false);
+    const auto opened = hasUnsavedLines_
+                            ? resumeSlip()
+                            : sales::openSlip(session.UserID, session.WorkDate, session.action.JunNo);
     if (!opened) {
         QTimer::singleShot(0, this, [this] {
             ui::message(u"주문서를 열지 못했습니다..!"_s);
@@ -194,16 +201,14 @@ void CMtmDlg::setLines(platform::Rows lines) {
     details_ = workingDetails();
     stepper_->hide();
     list_->setRows(lines_);
-    Quantities all;
+    Won boxes;
+    Won bottles;
     for (int row = 0; row < lines_.count(); ++row) {
-        const Quantities line = quantitiesOf(keyAt(lines_, row));
-        all = {all.boxes + line.boxes, all.bottles + line.bottles};
+        boxes += parseWon(lines_.at(row, kBoxColumn));
+        bottles += parseWon(lines_.at(row, kBoxColumn + 1));
     }
-    setFittedText(kCount,
-                  lines_.isEmpty()
-                      ? QString()
-                      : u"%1품목 %2상자 %3본"_s.arg(lines_.count()).arg(all.boxes).arg(all.bottles),
-                  ui::FontHeight::Small);
+    const QString count = u"%1품목 %2상자 %3본"_s.arg(lines_.count()).arg(boxes.value()).arg(bottles.value());
+    setFittedText(kCount, lines_.isEmpty() ? QString() : count, ui::FontHeight::Small);
 }
 
 void CMtmDlg::showLines() {

@@ -89,10 +89,10 @@ void CPummokCheck::show(List list) {
     listProducts([this, list] { return load(list); });
 }
 
-platform::Rows CPummokCheck::load(List list) const {
+platform::RowSource CPummokCheck::load(List list) const {
     const app::ActionValues& action = app::session().action;
-    if (list == kFrequent) return frequentProducts(action.CustomerKind);
-    if (list == kRegular) return regularProducts();
+    if (list == kFrequent) return platform::wholeRows(frequentProducts(action.CustomerKind));
+    if (list == kRegular) return platform::wholeRows(regularProducts());
     return products(action.SeekValue, classCodes_.value(class_->currentIndex()), action.CustomerKind);
 }
 
@@ -112,7 +112,10 @@ void CPummokCheck::resume() {
     show(List(place.list));
     static_cast<QLineEdit*>(control(ui::kNarrowLine))->setText(place.typed);
     // A list that is not shown yet has nothing to scroll.
-    QTimer::singleShot(0, list_, [this, place] { list_->verticalScrollBar()->setValue(place.scrolled); });
+    QTimer::singleShot(0, list_, [this, place] {
+        if (place.scrolled > 0) list_->readToEnd();
+        list_->verticalScrollBar()->setValue(place.scrolled);
+    });
 }
 
 ui::TwoLineDelegate::Line CPummokCheck::below(const platform::Rows& rows, int row, int column) {

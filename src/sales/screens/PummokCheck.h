@@ -29,7 +29,7 @@ class CPummokCheck : public app::ProductSearchScreen {
 
     void addClasses();
     void show(List list);
-    platform::Rows load(List list) const;
+    platform::RowSource load(List list) const;
     /// What the customer buys, most recent first.
     platform::Rows regularProducts() const;
     /// Goes on where the search was left with a product.

@@ -45,8 +45,7 @@ CPaymentCheckDlg::CPaymentCheckDlg() : Screen(app::dialogs::kPaymentCheck), comp
     });
     connect(&*log_, &ExchangeLog::ended, this, [this] { answered(); });
     // The question changes nothing on the terminal, so it may be left at any time.
-    setCancelButton(
-        addBottomButton(1003, u"닫  기"_s, 3, ui::bitmaps::kCancel, [this] { close(Cancelled); }));
+    addLeaveButton(1003, u"닫  기"_s);
 
     books::closeStoppedPayments();
     waiting_ = books::unsettledPayments();
@@ -143,7 +142,7 @@ void CPaymentCheckDlg::print(print::SlipPapers papers, const books::CollectionSl
         return false;
     };
     if (printCopy(books::Copy::Seller) &&
-        ui::askYesNo(u"구매자용 명세서를 출력할까요?"_s, u"구매자용 명세서출력"_s))
+        ui::askYesNo(u"구매자용 명세서를 출력할까요?"_s, u"구매자용 명세서출력"_s, ui::MessageIcon::Question))
         printCopy(books::Copy::Buyer);
 }
 

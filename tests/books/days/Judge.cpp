@@ -79,7 +79,14 @@ void Judge::screen(const Page& before, const Event& event) {
         case KeptRecovery:
             hasKeyedRecovery_ = true;
             break;
+        case GoneOn:
+            goneOn(event);
+            break;
         case OpenCollection:
+            hadKeyedSales_ = hasKeyedSales_;
+            hadKeyedRecovery_ = hasKeyedRecovery_;
+            hadTakenWorth_ = hasTakenWorth_;
+            before_ = left_;
             hasKeyedSales_ = hasKeyedRecovery_ = hasTakenWorth_ = false;
             opened(before, event);
             break;
@@ -93,6 +100,7 @@ void Judge::screen(const Page& before, const Event& event) {
         default:
             break;
     }
+    if (event.mode != 6) left_ = event.shown;
 }
 
 void Judge::settling(const Event& event) {
@@ -109,6 +117,19 @@ void Judge::settling(const Event& event) {
           : hadExcess ? Rule::Excess
                       : Rule::Settle,
           "must show: " + words(want) + "; shows: " + words(event.shown));
+}
+
+// A collection that was left and opens again.
+void Judge::goneOn(const Event& event) {
+    hasKeyedSales_ = event.isSame && hadKeyedSales_;
+    hasKeyedRecovery_ = hadKeyedRecovery_;
+    hasTakenWorth_ = hadTakenWorth_;
+    const Amounts& shown = event.shown;
+    // A sale that has changed is settled in the same way; what does not depend on it stays.
+    const bool isKept = event.isSame ? shown == before_
+                                     : shown.recovery == before_.recovery &&
+                                           shown.earlier == before_.earlier && shown.other == before_.other;
+    if (!isKept) found(Rule::Kept, "left with: " + words(before_) + "; shows: " + words(shown));
 }
 
 // A collection whose sales amounts were keyed opens with them.

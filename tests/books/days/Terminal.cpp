@@ -175,6 +175,7 @@ void Terminal::menu(int mode, Screen screen) {
     number_.clear();
     state_.clear();
     handedOver_.reset();
+    kept_.reset();
     isRecoveryMoved_ = false;
     crateDeposit_ = {};
     sqlite3_exec(reader_, "DELETE FROM TEMP; DELETE FROM YTEMP", nullptr, nullptr, nullptr);
@@ -275,7 +276,10 @@ std::string Terminal::backTap() {
         backFromCard();
         return {};
     }
-    if (isAt(Screen::Entry)) takeBackUnpaid();
+    if (isAt(Screen::Entry)) {
+        keepSettlement();
+        takeBackUnpaid();
+    }
     back();
     return {};
 }

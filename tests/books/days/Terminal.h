@@ -12,6 +12,7 @@
 #include "books/CollectionSlip.h"
 #include "books/PaymentJournal.h"
 #include "books/TransactionRecord.h"
+#include "collect/CollectionEntry.h"
 #include "platform/Rows.h"
 #include "sales/SlipLine.h"
 #include "support/FaultyStorage.h"
@@ -156,6 +157,8 @@ class Terminal {
     void finishEmpties();
     void openEntry(unsigned pick);
     void loadEntry(unsigned pick);
+    void goOnWithKept(const collect::OpenedEntry& entry);
+    void keepSettlement();
     void holdCard();
     bool finishEntry(unsigned pick);
     bool forgetCollection(unsigned pick);
@@ -205,6 +208,10 @@ class Terminal {
     bool isRecoveryMoved_ = false, hasUnsavedLines_ = false;
     books::SettlementAmounts amounts_;
     std::optional<platform::Won> approvedCard_;
+    /// What the entry was opened with, what was kept of the one before, and the containers that are in it.
+    books::KeptSettlement opened_;
+    std::optional<books::KeptSettlement> kept_;
+    std::optional<platform::Won> keptRecovery_;
     bool isOthers_ = false, isApproved_ = false, isSimple_ = false, isTold_ = false;
     books::SettlementAmounts charged_;  ///< The record of the card dialog.
     std::string payment_;

@@ -6,7 +6,6 @@
 #include "books/Charge.h"
 #include "books/ContainerBalance.h"
 #include "books/OpenPayments.h"
-#include "collect/CollectionEntry.h"
 #include "collect/Settlement.h"
 #include "collect/SimplePayment.h"
 #include "platform/Clock.h"
@@ -56,7 +55,11 @@ void Terminal::loadEntry(unsigned pick) {
     if (!isHandedOver && !isSimple_) recovery = books::savedRecovery(date_, number_, user_, customer_);
     if (isMoved && !amounts_.total.isZero()) collect::keyRecovery(amounts_, amounts_.containerRecovery);
     tell(event(Event::Kind::OpenCollection));
-    if (recovery == amounts_.containerRecovery) recovery.reset();
+    opened_ = {{date_, number_, user_, customer_}, entry.amounts, {}, std::nullopt};
+    goOnWithKept(entry);
+    opened_.recovery = recovery;
+    if (recovery == amounts_.containerRecovery || (isHandedOver && recovery == keptRecovery_))
+        recovery.reset();
     const bool isAsked = recovery && !isHandedOver && saved;
     if (recovery && (!isAsked || pick % 2 == 0)) {
         collect::takeOverRecovery(amounts_, *recovery, mode_ != 1);
@@ -65,6 +68,26 @@ void Terminal::loadEntry(unsigned pick) {
         tell(event(Event::Kind::KeptRecovery));
     }
     holdCard();
+}
+
+/// What the dialog shows of the settlement that was left before.
+void Terminal::goOnWithKept(const collect::OpenedEntry& entry) {
+    const auto before = std::exchange(kept_, std::nullopt);
+    keptRecovery_.reset();
+    if (!before || isApproved_ || isSimple_) return;
+    const auto goneOn = collect::goOn(*before, opened_.slip, entry);
+    if (!goneOn) return;
+    amounts_ = *goneOn;
+    keptRecovery_ = before->recovery;
+    Event shownAgain = event(Event::Kind::GoneOn);
+    shownAgain.isSame = before->opened == entry.amounts;
+    tell(shownAgain);
+}
+
+void Terminal::keepSettlement() {
+    if (isApproved_ || isSimple_) return;
+    opened_.keyed = amounts_;
+    kept_ = opened_;
 }
 
 void Terminal::holdCard() {
@@ -197,6 +220,7 @@ bool Terminal::finishEntry(unsigned pick) {
     if (isPaidOnLine() && !books::isChargeOneAmount(amounts_)) return false;
     if (!isApproved_ && collect::hasCardBesideExcess(amounts_)) return false;
     if (!isPaymentSettled(pick)) return false;
+    keepSettlement();
     books::CollectionSlip slip;
     slip.DDate = date_;
     slip.GCode = slip.GName = customer_;

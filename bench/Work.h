@@ -1,0 +1,39 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+
+#include "Bench.h"
+
+namespace bench {
+
+/// Counts the instructions of the thread that makes it, and of all threads that this one begins later,
+/// outside of the kernel. Unlike time they are the same whatever else the machine does.
+class InstructionCounter {
+  public:
+    InstructionCounter();
+    ~InstructionCounter();
+    InstructionCounter(const InstructionCounter&) = delete;
+    InstructionCounter& operator=(const InstructionCounter&) = delete;
+
+    /// So far; nothing where the kernel or the processor does not count them.
+    std::optional<double> count() const;
+
+  private:
+    int descriptor_;
+};
+
+/// What one side has done.
+struct Work {
+    double steps = 0;                    ///< Of SQLite's machine, in the terminal's statements.
+    std::optional<double> instructions;  ///< Of this thread.
+};
+
+/// What `work` does with the database of the process's device folder, whose statements must have run before.
+Work workOf(const std::function<void()>& work);
+
+/// Runs both sides in turn as compare() does. In thousands of instructions, where these are not counted in
+/// steps; the note tells the steps.
+Result compareWork(int runs, const std::function<Work()>& ours, const std::function<Work()>& peer);
+
+}  // namespace bench
