@@ -38,10 +38,11 @@ KeypadRequest& keypadRequest() {
     return request;
 }
 
-bool askText(const QString& label) {
+bool askText(const QString& label, const QString& whom) {
     KeypadRequest request;
     request.KeypadLabel1 = label;
     request.KeypadMode = kTextField;
+    request.Topic.whom = whom;
     return run(request);
 }
 
@@ -66,13 +67,15 @@ bool askTwoNumbers(const QString& label1, const QString& label2, const KeypadTop
     return isConfirmed(request);
 }
 
-bool askThreeNumbers(const std::array<QString, 3>& labels, const std::array<QString, 3>& present) {
+bool askThreeNumbers(const std::array<QString, 3>& labels, const std::array<QString, 3>& present,
+                     const QString& what) {
     KeypadRequest request;
     request.KeypadLabel1 = labels[0];
     request.KeypadLabel2 = request.KeypadCheck2 = labels[1];
     request.KeypadLabel3 = request.KeypadCheck3 = labels[2];
     request.KeypadMode = kThreeNumbers;
     request.Topic.present = present;
+    request.Topic.what = what;
     return isConfirmed(request);
 }
 

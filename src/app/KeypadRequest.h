@@ -48,7 +48,7 @@ KeypadRequest& keypadRequest();
 
 /// Opens the keypad on one field and returns true when it was left with "확  인" and an entry, which is then
 /// in KeypadValue1.
-bool askText(const QString& label);
+bool askText(const QString& label, const QString& whom = {});
 bool askNumber(const QString& label, const QString& start = {}, const QString& what = {});
 
 /// Opens the keypad on one amount and returns it in won, 0 for an empty entry; nothing when it was left with
@@ -61,6 +61,7 @@ bool askTwoNumbers(const QString& label1, const QString& label2, const KeypadTop
 
 /// The same on three numbers in one run; the entries are in KeypadValue1 to KeypadValue3. `present` are the
 /// numbers that are asked again.
-bool askThreeNumbers(const std::array<QString, 3>& labels, const std::array<QString, 3>& present = {});
+bool askThreeNumbers(const std::array<QString, 3>& labels, const std::array<QString, 3>& present = {},
+                     const QString& what = {});
 
 }  // namespace app

@@ -47,6 +47,10 @@ std::int64_t inBottles(const Quantities& quantities, std::int64_t bottlesPerBox)
     return saturated(quantities.boxes, std::max<std::int64_t>(bottlesPerBox, 1), quantities.bottles);
 }
 
+Quantities operator+(const Quantities& a, const Quantities& b) {
+    return {saturated(1, a.boxes, b.boxes), saturated(1, a.bottles, b.bottles)};
+}
+
 QString quantityText(const Quantities& quantities) {
     QStringList parts;
     if (quantities.boxes != 0) parts << u"%1상자"_s.arg(quantities.boxes);
@@ -76,8 +80,7 @@ void PurchaseHistory::add(const Line& line) {
         slip->products.append({line.texts[3], line.texts[4], bought});
         return;
     }
-    same->quantities.boxes = saturated(1, same->quantities.boxes, bought.boxes);
-    same->quantities.bottles = saturated(1, same->quantities.bottles, bought.bottles);
+    same->quantities = same->quantities + bought;
 }
 
 PurchaseHistory PurchaseHistory::of(QStringView gCode, QStringView day, QStringView junNo,

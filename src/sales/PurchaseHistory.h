@@ -19,6 +19,9 @@ struct Quantities {
     friend bool operator==(const Quantities&, const Quantities&) = default;
 };
 
+/// Both together; a sum stays within 64 bits.
+Quantities operator+(const Quantities& a, const Quantities& b);
+
 /// As "3상자 12본"; a part that is 0 is left out, unless both are.
 QString quantityText(const Quantities& quantities);
 /// The same shorter: "3/12".

@@ -68,6 +68,8 @@ class ReportList : public QTableView {
     /// The same with the rows of the source, of which the first are there at once; the others are read while
     /// nothing else is to do, and before the list is narrowed or goes to its end.
     void readRows(platform::RowSource source);
+    /// Reads what the source has left.
+    void readToEnd() { readOn(QDeadlineTimer(QDeadlineTimer::Forever)); }
     /// The rows that were set or have been read so far.
     const platform::Rows& rows() const { return all_; }
     /// Says whether a row of the rows that were set is shown.
@@ -117,7 +119,6 @@ class ReportList : public QTableView {
     void showRows();
     void readPieces(QDeadlineTimer until);
     void readOn(QDeadlineTimer until);
-    void readToEnd() { readOn(QDeadlineTimer(QDeadlineTimer::Forever)); }
     void paintDetail(QPainter& painter, int place) const;
     QRect detailArea(int place) const;
     void choose(int row, bool isByKey);

@@ -285,6 +285,7 @@ QStringList faults(const ui::Screen& screen) {
 }
 
 TEST_F(Screens, HoldTheLongestTexts) {
+    device.writeFile(u"\\My Documents\\BARCODE.RVN", "1001|8801234567890|\n");
     for (const Case& screen : kCases) {
         SCOPED_TRACE(screen.name);
         const auto opened = open(screen);

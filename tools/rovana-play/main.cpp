@@ -11,8 +11,10 @@
 #include "desk/Desk.h"
 #include "platform/Device.h"
 #include "platform/OwnerOnly.h"
+#include "platform/Sqlite.h"
 #include "platform/TerminalLock.h"
 #include "platform/Trace.h"
+#include "platform/WholeFile.h"
 #include "rovana-play/Hand.h"
 #include "rovana-play/Pilot.h"
 #include "rovana-play/Script.h"
@@ -35,6 +37,7 @@ int fail(const QString& error, int exitCode) {
 struct Call {
     QString script;
     QString device;
+    QString rows;   ///< A file of SQL statements; empty for none.
     QString scale;  ///< Empty for Qt's own.
     QString clock;  ///< When the script begins that does not say so; empty for the system's clock.
     bool isOnDesk = false;
@@ -52,6 +55,8 @@ std::optional<int> readCall(int argc, char** argv, Call* call) {
     const QCommandLineOption device(u"device"_s, u"The device folder."_s, u"DIR"_s);
     const QCommandLineOption shots(u"shots"_s, u"Folder for the screenshots; none without it."_s, u"DIR"_s);
     const QCommandLineOption scale(u"scale"_s, u"Size of the terminal; 2 with --shots, else 1."_s, u"N"_s);
+    const QCommandLineOption rows(u"rows"_s, u"Runs these statements on the database before the play."_s,
+                                  u"FILE.sql"_s);
     const QCommandLineOption pace(u"pace"_s, u"Pause before every step, to watch it."_s, u"MS"_s, u"0"_s);
     const QCommandLineOption onDesk(u"desk"_s, u"Shows the terminal on its desk, as rovana --desk does."_s);
     const QCommandLineOption byPointer(
@@ -59,7 +64,7 @@ std::optional<int> readCall(int argc, char** argv, Call* call) {
     const QCommandLineOption clock(u"clock"_s, u"When a script that does not say so itself begins."_s,
                                    u"YYYY-MM-DD HH:MM"_s);
     const QCommandLineOption touches(u"touches"_s, u"Tells how many touches each counted visit took."_s);
-    parser.addOptions({device, shots, scale, pace, onDesk, byPointer, clock, touches});
+    parser.addOptions({device, shots, scale, pace, onDesk, byPointer, clock, touches, rows});
 
     QStringList arguments;
     for (int i = 0; i < argc; ++i) arguments << QString::fromLocal8Bit(argv[i]);
@@ -73,6 +78,7 @@ std::optional<int> readCall(int argc, char** argv, Call* call) {
         return fail(u"one script is wanted, see --help"_s, kUsageError);
     call->script = parser.positionalArguments().constFirst();
     call->device = parser.value(device);
+    call->rows = parser.value(rows);
     call->scale = parser.isSet(scale) ? parser.value(scale) : parser.isSet(shots) ? u"2"_s : QString();
     bool isSize = true;
     if (!call->scale.isEmpty() && (call->scale.toDouble(&isSize) <= 0 || !isSize))
@@ -85,6 +91,16 @@ std::optional<int> readCall(int argc, char** argv, Call* call) {
     call->options.paceMs = parser.value(pace).toInt();
     call->options.approve = qEnvironmentVariableIntValue("ROVANA_APPROVE") == 1;
     return std::nullopt;
+}
+
+/// Runs the statements of that file on the device's database; returns what went wrong, else an empty text.
+QString addRows(const QString& file) {
+    QString error;
+    const auto statements = platform::readWholeFile(file, &error);
+    if (!statements) return error;
+    platform::SqliteFile database(platform::device::path(platform::device::kDatabaseFile),
+                                  platform::SqliteFile::Mode::Existing);
+    return database.execute(QString::fromUtf8(*statements)) ? QString() : database.errorText();
 }
 
 /// The window of the terminal: itself, or its desk.
@@ -142,6 +158,10 @@ int main(int argc, char* argv[]) {
         platform::TerminalLock::callHolder();
         return fail(u"a terminal is open on %1 already; close it first"_s.arg(platform::device::folder()),
                     kUsageError);
+    }
+    if (!call.rows.isEmpty()) {
+        if (const QString error = addRows(call.rows); !error.isEmpty())
+            return fail(u"%1: %2"_s.arg(call.rows, error), kUsageError);
     }
     platform::openLog();
     platform::tightenFiles(platform::device::folder());

@@ -83,7 +83,7 @@ void CContainerDepositDlg::takeBack() {
         ui::message(u"용공 품목이 아니면 회수할수 없습니다..!"_s);
         return;
     }
-    const auto counts = askCounts(line.returned ? line.returned->counts() : ContainerCounts{});
+    const auto counts = askCounts(line.PCode, line.returned ? line.returned->counts() : ContainerCounts{});
     if (!counts) return;
     if (line.returned) {
         // Keyed down to nothing, the line goes.

@@ -54,13 +54,14 @@ void ContainerEntry::showCustomer() {
     setAmount(kReceivable, customer.receivable());
 }
 
-std::optional<ContainerCounts> ContainerEntry::askCounts(const ContainerCounts& start) {
+std::optional<ContainerCounts> ContainerEntry::askCounts(const QString& pCode, const ContainerCounts& start) {
     std::array<QString, 3> starts;
     if (!start.isZero()) {
         starts = {QString::number(start.bottles), QString::number(start.emptyCrates),
                   QString::number(start.filledCrates)};
     }
-    if (!app::askThreeNumbers({u"공  병"_s, u"공상자"_s, u"입상자"_s}, starts)) return std::nullopt;
+    const QString product = containerProduct(pCode).value_or(ContainerProduct{}).pname;
+    if (!app::askThreeNumbers({u"공  병"_s, u"공상자"_s, u"입상자"_s}, starts, product)) return std::nullopt;
     const app::KeypadRequest& keyed = app::keypadRequest();
     const ContainerCounts counts{.bottles = platform::parseInteger(keyed.KeypadValue1),
                                  .emptyCrates = platform::parseInteger(keyed.KeypadValue2),

@@ -15,9 +15,9 @@ class ContainerEntry : public ui::Screen {
   protected:
     explicit ContainerEntry(int dialogId);
 
-    /// Asks the three counts; an empty entry is 0. Nothing when the keypad was left with "취  소", or with a
-    /// count below 0, which is told.
-    std::optional<ContainerCounts> askCounts(const ContainerCounts& start);
+    /// Asks the three counts of the product; an empty entry leaves the count as it is. Nothing when the
+    /// keypad was left with "취  소", or with a count below 0, which is told.
+    std::optional<ContainerCounts> askCounts(const QString& pCode, const ContainerCounts& start);
 
     /// Prices a line of the product and adds it to the working slip. False when the database did not take
     /// it.

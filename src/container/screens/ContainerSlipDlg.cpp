@@ -160,7 +160,7 @@ void CContainerSlipDlg::addProduct(const QString& pCode) {
         ui::message(u"상품이 이미 등록되어있습니다..!"_s);
         return;
     }
-    const auto counts = askCounts({});
+    const auto counts = askCounts(pCode, {});
     if (!counts) return;
     if (counts->isZero()) {
         ui::message(u"회수수량이 없으면 등록되지 않습니다..!"_s);
@@ -171,7 +171,7 @@ void CContainerSlipDlg::addProduct(const QString& pCode) {
 }
 
 void CContainerSlipDlg::changeCounts() {
-    const auto counts = askCounts(selected_->counts());
+    const auto counts = askCounts(selected_->PCode, selected_->counts());
     if (!counts) return;
     if (counts->isZero()) {
         ui::message(u"회수수량이 없으면 등록되지 않습니다..!"_s);

@@ -201,16 +201,14 @@ void CMtmDlg::setLines(platform::Rows lines) {
     details_ = workingDetails();
     stepper_->hide();
     list_->setRows(lines_);
-    Quantities all;
+    Won boxes;
+    Won bottles;
     for (int row = 0; row < lines_.count(); ++row) {
-        const Quantities line = quantitiesOf(keyAt(lines_, row));
-        all = {all.boxes + line.boxes, all.bottles + line.bottles};
+        boxes += parseWon(lines_.at(row, kBoxColumn));
+        bottles += parseWon(lines_.at(row, kBoxColumn + 1));
     }
-    setFittedText(kCount,
-                  lines_.isEmpty()
-                      ? QString()
-                      : u"%1품목 %2상자 %3본"_s.arg(lines_.count()).arg(all.boxes).arg(all.bottles),
-                  ui::FontHeight::Small);
+    const QString count = u"%1품목 %2상자 %3본"_s.arg(lines_.count()).arg(boxes.value()).arg(bottles.value());
+    setFittedText(kCount, lines_.isEmpty() ? QString() : count, ui::FontHeight::Small);
 }
 
 void CMtmDlg::showLines() {
@@ -256,7 +254,7 @@ void CMtmDlg::addFromSearch(bool isResumed) {
 }
 
 void CMtmDlg::addByCode() {
-    if (!app::askText(u"상품코드"_s)) return;
+    if (!app::askText(u"상품코드"_s, app::session().action.GName)) return;
     const QString pcode = app::keypadRequest().KeypadValue1;
     if (!productExists(pcode)) {
         ui::message(kUnknownProduct.toString());

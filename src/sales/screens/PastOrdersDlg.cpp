@@ -27,10 +27,7 @@ QString weekday(const PastSlip& slip) {
 
 QString amountOf(const PastSlip& slip) {
     Quantities all;
-    for (const Purchase& purchase : slip.products) {
-        all.boxes += purchase.quantities.boxes;
-        all.bottles += purchase.quantities.bottles;
-    }
+    for (const Purchase& purchase : slip.products) all = all + purchase.quantities;
     return quantityText(all);
 }
 

@@ -112,7 +112,10 @@ void CPummokCheck::resume() {
     show(List(place.list));
     static_cast<QLineEdit*>(control(ui::kNarrowLine))->setText(place.typed);
     // A list that is not shown yet has nothing to scroll.
-    QTimer::singleShot(0, list_, [this, place] { list_->verticalScrollBar()->setValue(place.scrolled); });
+    QTimer::singleShot(0, list_, [this, place] {
+        if (place.scrolled > 0) list_->readToEnd();
+        list_->verticalScrollBar()->setValue(place.scrolled);
+    });
 }
 
 ui::TwoLineDelegate::Line CPummokCheck::below(const platform::Rows& rows, int row, int column) {
