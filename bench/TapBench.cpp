@@ -70,9 +70,11 @@ class Watch : public QObject {
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
-        const bool isReadingOn =
-            event->type() == QEvent::Timer && qobject_cast<ui::ReportList*>(watched) != nullptr;
-        isReadingOn ? rest() : work();
+        // The rows of a list that are still read, or are freed: what is done while nothing else is to do.
+        const bool isIdle =
+            event->type() == QEvent::Timer &&
+            (qobject_cast<ui::ReportList*>(watched) != nullptr || watched->objectName() == u"discarded");
+        isIdle ? rest() : work();
         return false;
     }
 
