@@ -5,9 +5,7 @@
 #include <QCoreApplication>
 #include <QEvent>
 #include <QTableView>
-#include <functional>
 #include <memory>
-#include <optional>
 #include <vector>
 
 #include "Bench.h"
@@ -94,18 +92,9 @@ Result measureList() {
     app::session().action.SeekValue = kConsonant.toString();
     registerScreens();
 
-    const InstructionCounter counter;
-    const auto both = [&](double* instructions, const std::function<void()>& work) {
-        const std::optional<double> before = counter.count();
-        const double time = millisecondsOf(work);
-        if (before) *instructions += *counter.count() - *before;
-        return time;
-    };
-    double oursCounted = 0;
-    double peerCounted = 0;
     const auto ours = [&] {
         std::unique_ptr<ui::Screen> screen;
-        const double time = both(&oursCounted, [&] {
+        const double time = millisecondsOf([&] {
             screen = ui::makeScreen(app::dialogs::kCustomerList);
             const PaintWatch watch(screen->findChild<ui::ReportList*>());
             terminal.show(screen.get());
@@ -118,7 +107,7 @@ Result measureList() {
     const auto peer = [&] {
         std::unique_ptr<MinimalModel> model;
         std::unique_ptr<QTableView> view;
-        const double time = both(&peerCounted, [&] {
+        const double time = millisecondsOf([&] {
             model = std::make_unique<MinimalModel>(
                 file.handle(),
                 "SELECT GCode, GName, EndDate FROM GARAE WHERE Seek = ? AND userID = ? ORDER BY GName DESC",
@@ -132,11 +121,7 @@ Result measureList() {
         });
         return time;
     };
-    Result result = compare(kRuns, "ms", ours, peer);
-    if (peerCounted > 0) {
-        result.note =
-            QString::asprintf(" (%.2f of its instructions)", oursCounted / peerCounted).toStdString();
-    }
+    const Result result = compareCounted(kRuns, "ms", ours, peer);
     app::session() = {};
     return result;
 }
