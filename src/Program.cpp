@@ -26,7 +26,9 @@
 #include "ui/DisplayScale.h"
 #include "ui/FontList.h"
 #include "ui/Fonts.h"
+#include "ui/KoreanTexts.h"
 #include "ui/Messages.h"
+#include "ui/Sounds.h"
 #include "ui/Terminal.h"
 
 namespace {
@@ -182,6 +184,9 @@ int runProgram(int argc, char** argv, const std::function<void(ui::Terminal&)>& 
     openFolder(settings);
     if (fitting) fitting->keep();
     ui::prepareFonts();
+    ui::speakKorean();
+    // Played visits are silent.
+    ui::setSounds(settings.hasSound && QGuiApplication::platformName() != u"offscreen");
     QApplication::setWindowIcon(ui::icon(ui::bitmaps::kApplicationIcon));
 
     // Before the window: a desk in it stands on them to its end.

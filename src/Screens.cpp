@@ -20,8 +20,10 @@
 #include "sales/screens/GaeaeDlg.h"
 #include "sales/screens/GaraeSeek.h"
 #include "sales/screens/MtmDlg.h"
+#include "sales/screens/PastOrdersDlg.h"
 #include "sales/screens/PummokCheck.h"
 #include "sales/screens/PummokSeekBoard.h"
+#include "sales/screens/UnvisitedDlg.h"
 #include "totals/screens/ReportDlg.h"
 #include "totals/screens/TotalsDlg.h"
 #include "totals/screens/VisitCheckDlg.h"
@@ -68,6 +70,8 @@ constexpr Entry kScreens[] = {
     {dialogs::kReport, make<totals::CReportDlg>},
     {dialogs::kPaymentCheck, make<van::CPaymentCheckDlg>},
     {dialogs::kVisitCheck, make<totals::CVisitCheckDlg>},
+    {dialogs::kUnvisited, make<sales::CUnvisitedDlg>},
+    {dialogs::kPastOrders, make<sales::CPastOrdersDlg>},
 };
 
 }  // namespace

@@ -4,11 +4,13 @@
 
 #include "ui/FontList.h"
 #include "ui/Fonts.h"
+#include "ui/KoreanTexts.h"
 
 int main(int argc, char* argv[]) {
     testing::InitGoogleTest(&argc, argv);
     ui::useOwnFontList();
     QApplication application(argc, argv);
     ui::prepareFonts();
+    ui::speakKorean();
     return RUN_ALL_TESTS();
 }

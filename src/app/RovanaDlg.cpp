@@ -8,7 +8,9 @@
 #include <QLineEdit>
 #include <QTimer>
 #include <functional>
+#include <utility>
 
+#include "app/ClockCheck.h"
 #include "app/DeviceProblem.h"
 #include "app/Dialogs.h"
 #include "app/ImportReport.h"
@@ -17,6 +19,7 @@
 #include "app/LoginWait.h"
 #include "app/PaymentQuestion.h"
 #include "app/Session.h"
+#include "app/UnsavedWork.h"
 #include "books/PaymentJournal.h"
 #include "books/SlipNumbers.h"
 #include "books/VisitChecks.h"
@@ -25,6 +28,7 @@
 #include "platform/Clock.h"
 #include "platform/Trace.h"
 #include "platform/Wipe.h"
+#include "ui/Calendar.h"
 #include "ui/Messages.h"
 #include "ui/Terminal.h"
 #include "ui/WaitCursor.h"
@@ -65,7 +69,7 @@ void CRovanaDlg::addLoginControls() {
 
     date_ = place(1004, new QDateEdit(this), field(0, 120));
     date_->setDisplayFormat(u"yyyy-MM-dd"_s);
-    date_->setCalendarPopup(true);
+    ui::addCalendar(date_);
 
     userId_ = addCombo(1005, field(1, 62));
     userId_->setEditable(true);
@@ -73,6 +77,7 @@ void CRovanaDlg::addLoginControls() {
     userId_->setCompleter(nullptr);
     for (char16_t letter = u'A'; letter <= u'Z'; ++letter) userId_->addItem(QString(QChar(letter)));
     userId_->installEventFilter(this);
+    userId_->lineEdit()->installEventFilter(this);
     connect(userId_, &QComboBox::activated, this, [this] { showUserName(); });
 
     password_ = place(1006, new QLineEdit(this), field(2, 100));
@@ -143,6 +148,10 @@ void CRovanaDlg::addMenuControls() {
 
 bool CRovanaDlg::eventFilter(QObject* watched, QEvent* event) {
     if (watched == userId_ && event->type() == QEvent::FocusOut) showUserName();
+    // A letter that is typed takes the place of the one that stands there.
+    const QEvent::Type entering = watched == userId_ ? QEvent::FocusIn : QEvent::MouseButtonRelease;
+    if (event->type() == entering && (watched == userId_ || watched == userId_->lineEdit()))
+        QTimer::singleShot(0, userId_->lineEdit(), &QLineEdit::selectAll);
     return Screen::eventFilter(watched, event);
 }
 
@@ -209,6 +218,7 @@ void CRovanaDlg::answerLogin() {
     platform::wipe(&shown);
     showMenu();
     if (!problem.isEmpty()) ui::message(problem);
+    tellClock();
     {
         const ui::WaitCursor wait;
         session().ImportPending = db::isImportWaiting() ? u"Y"_s : u"N"_s;
@@ -221,7 +231,21 @@ void CRovanaDlg::answerLogin() {
     if (books::hasUnsettledPayments()) ui::runScreen(dialogs::kPaymentCheck);
     // Where the terminal ended on the card screen.
     takeBackUnpaid();
+    // Before the first press in the menu empties the working slips.
+    offerUnsaved();
     checkEarlierDays();
+}
+
+void CRovanaDlg::tellClock() {
+    const QDateTime now = platform::clock::now();
+    loginDay_ = now.date();
+    const QString problem = clockProblem(session().WorkDate, now, newestSlip());
+    if (!problem.isEmpty()) ui::message(problem);
+}
+
+void CRovanaDlg::tellNewDay() {
+    const QDateTime now = platform::clock::now();
+    if (std::exchange(loginDay_, now.date()) != now.date()) ui::message(newDay(session().WorkDate, now));
 }
 
 void CRovanaDlg::checkEarlierDays() {
@@ -272,14 +296,22 @@ void CRovanaDlg::runBehind(int button, const std::function<void()>& action) {
     showOldData();
     control(button)->setFocus();
     repaint();
+    tellNewDay();
 }
 
 void CRovanaDlg::runMenuAction(int button, int workMode, int dialog) {
     runBehind(button, [=] {
-        resetSession();
-        session().SlipDone = 0;
-        session().WorkMode = workMode;
-        ui::runScreen(dialog);
+        bool isNext = false;
+        do {
+            session().ReturnsToList = false;
+            resetSession();
+            session().action.UnvisitedFirst = isNext;
+            session().SlipDone = 0;
+            session().WorkMode = workMode;
+            ui::runScreen(dialog);
+            isNext = session().ReturnsToList;
+            if (isNext) takeBackUnpaid();
+        } while (isNext);
     });
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDate>
 #include <QList>
 #include <functional>
 
@@ -28,6 +29,10 @@ class CRovanaDlg : public ui::Screen {
     void answerLogin();
     /// Shows the visits of earlier days without a close that do not agree.
     void checkEarlierDays();
+    /// Tells what may be wrong with the clock or the work date.
+    void tellClock();
+    /// Tells once that the day has changed while the terminal was at work.
+    void tellNewDay();
     void setWaiting(bool isWaiting);
     void enterPassword();
     void showMenu();
@@ -41,6 +46,7 @@ class CRovanaDlg : public ui::Screen {
     QComboBox* userId_ = nullptr;
     QLineEdit* password_ = nullptr;
     QDateEdit* date_ = nullptr;
+    QDate loginDay_;          ///< By the clock; a later one once that was told.
     bool isWaiting_ = false;  ///< For the answer to a login.
     QList<QWidget*> loginControls_;
     QList<QWidget*> menuControls_;

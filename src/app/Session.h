@@ -4,6 +4,7 @@
 #include <QStringList>
 #include <optional>
 
+#include "books/TransactionRecord.h"
 #include "platform/SecureBytes.h"
 #include "platform/Won.h"
 
@@ -37,6 +38,20 @@ struct ActionValues {
     QString JGubun;         ///< Its liquor class.
     int ProductChosen = 0;  ///< 1 when the product search was left with a product; read by board and slip.
 
+    /// Where the product search was left with a product; written by it (139), and read by it when the sales
+    /// slip asks it to go on there.
+    struct SearchPlace {
+        bool isKept = false;
+        int list = 0;   ///< Which of its lists.
+        int entry = 0;  ///< Of the classes.
+        QString seek;
+        QString typed;
+        int scrolled = 0;  ///< Pixels.
+    };
+    SearchPlace Search;
+    bool ResumesSearch = false;  ///< From the sales slip to the search.
+    int PastOrder = -1;          ///< The slip chosen in list 465, counted from the newest.
+
     QString SelectedContainerGName;  ///< Customer name of the container slip chosen in list 391.
     QString SelectedContainerPCode;  ///< Product chosen in search 397; read by the container slip.
     QString ContainerSearchKey;      ///< Consonant of that search; empty lists all.
@@ -57,6 +72,8 @@ struct ActionValues {
     platform::Won CheckoutTotal;
     platform::Won CheckoutReceivable;  ///< The customer's balance before this visit.
 
+    bool UnvisitedFirst = false;  ///< List 132 has the orders to be delivered on top; from the main dialog.
+
     /// The days whose visits dialog 460 is to check, "yyyy-MM-dd". Written by who opens it.
     QStringList CheckedDays;
 
@@ -64,6 +81,12 @@ struct ActionValues {
     /// container screens, used up by the collection entry.
     std::optional<platform::Won> ContainerRecovery;
     bool IsRecoveryMoved = false;  ///< The saved collection has taken it over already.
+
+    /// What was keyed on the collection entry that was left with 이전; written and read by it (450).
+    std::optional<books::KeptSettlement> KeptSettlement;
+
+    /// The slip's screen goes on with the working slip as it stands; written at login, used up by the screen.
+    bool IsResumed = false;
 };
 
 /// The record that all screens share.
@@ -98,6 +121,10 @@ struct SessionValues {
     QString ImportPending;  ///< "Y" when an import file waits, else "N".
     int WorkMode = 0;       ///< Written by the main dialog as an action starts.
     int SlipDone = 0;       ///< 1 once the visit is finished: every screen on the way back closes.
+
+    /// The finished visit goes on to the list that it came from; from 142 and 449, used up by the main
+    /// dialog.
+    bool ReturnsToList = false;
 
     ActionValues action;
 };

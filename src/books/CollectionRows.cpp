@@ -142,14 +142,6 @@ platform::Rows collectionsOfDay(QStringView userId, QStringView date) {
     return db::selectRows(kOfDay(userId, date), 3);
 }
 
-QStringList numbersWithoutApproval(QStringView userId, QStringView date) {
-    QStringList numbers;
-    for (const CollectionSlip& slip : slipsOfDay(date, userId).value_or(QList<CollectionSlip>())) {
-        if (slip.CardMoney > Won() && !slip.isApproved() && !slip.isSimplePayment()) numbers << slip.JunNo;
-    }
-    return numbers;
-}
-
 std::optional<QList<CollectionSlip>> slipsOfDay(QStringView date, QStringView userId) {
     return allRows(kAllOfDay(date, userId, userId));
 }

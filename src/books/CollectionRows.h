@@ -127,9 +127,6 @@ std::optional<CollectionSlip> findByTransactionNumber(QStringView transactionNum
 /// The user's slips of the day, highest number first: slip number, customer name, customer code.
 platform::Rows collectionsOfDay(QStringView userId, QStringView date);
 
-/// The numbers of those with a card amount of a visit that no host has approved.
-QStringList numbersWithoutApproval(QStringView userId, QStringView date);
-
 /// All slips of the day by number, of one user or, with an empty id, of everybody; nothing when they could
 /// not be read to the end.
 std::optional<QList<CollectionSlip>> slipsOfDay(QStringView date, QStringView userId);

@@ -20,6 +20,9 @@ constexpr db::Statement<
     u"SELECT JunNo FROM PRINTLOG WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND Document = '%s'">
     kSelectOwn;
 constexpr db::Statement<
+    u"SELECT JunNo FROM PRINTLOG WHERE DDate = '%s' AND UserID = '%s' AND Document = '%s'">
+    kSelectDay;
+constexpr db::Statement<
     u"DELETE PRINTLOG WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND Document = '%s'">
     kDeleteOwn;
 constexpr db::Statement<
@@ -51,6 +54,13 @@ QStringView copyName(Copy copy) {
 
 bool isPrintNoted(Paper paper, Copy copy, QStringView date, QStringView junNo, QStringView userId) {
     return db::hasRow(kSelectCopy(date, junNo, userId, paperName(paper), copyName(copy)));
+}
+
+QSet<QString> printedNumbers(Paper paper, QStringView date, QStringView userId) {
+    QSet<QString> numbers;
+    db::forEachRow(kSelectDay(date, userId, paperName(paper)),
+                   [&](db::CVORecordset& row) { numbers << row.GetFieldString(0); });
+    return numbers;
 }
 
 void notePrint(db::Transaction& transaction, Paper paper, Copy copy, QStringView date, QStringView junNo,

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QSet>
+#include <QString>
 #include <QStringView>
 
 #include "db/Transaction.h"
@@ -29,6 +31,9 @@ QStringView copyName(Copy copy);
 
 /// True when that copy of the paper has been printed.
 bool isPrintNoted(Paper paper, Copy copy, QStringView date, QStringView junNo, QStringView userId);
+
+/// The numbers of the user's slips of the day of which a copy of the paper has been printed.
+QSet<QString> printedNumbers(Paper paper, QStringView date, QStringView userId);
 
 /// Notes a print with the time of the clock, as part of `transaction`.
 void notePrint(db::Transaction& transaction, Paper paper, Copy copy, QStringView date, QStringView junNo,

@@ -12,7 +12,23 @@ constexpr db::Statement<
     u"SELECT MMoney, BMoney, YMoney, GMoney FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' "
     u"AND GCode = '%s'">
     kLines;
+constexpr db::Statement<
+    u"SELECT MMoney, BMoney, YMoney, GMoney, JunNo FROM MTM WHERE UserID = '%s' AND DDate = '%s'">
+    kLinesOfDay;
 constexpr db::Statement<u"SELECT vatMode FROM PDAUSER WHERE userID = '%s'"> kVatMode;
+
+void addLine(SaleAmounts& sale, db::CVORecordset& line) {
+    const auto won = [&](int column) { return platform::parseWon(line.GetFieldString(column)); };
+    sale.supply += won(0);
+    sale.vat += won(1);
+    sale.crateDeposit += won(2);
+    sale.bottleDeposit += won(3);
+}
+
+QString vatMode(QStringView userId) {
+    const auto user = db::firstRow(kVatMode(userId));
+    return user ? user->first() : QString();
+}
 
 }  // namespace
 
@@ -24,17 +40,20 @@ SaleAmounts operator-(const SaleAmounts& after, const SaleAmounts& before) {
 std::optional<SaleAmounts> savedSale(QStringView date, QStringView junNo, QStringView userId,
                                      QStringView gCode) {
     SaleAmounts sale;
-    const int lines = db::forEachRow(kLines(date, junNo, userId, gCode), [&](db::CVORecordset& row) {
-        const auto won = [&](int column) { return platform::parseWon(row.GetFieldString(column)); };
-        sale.supply += won(0);
-        sale.vat += won(1);
-        sale.crateDeposit += won(2);
-        sale.bottleDeposit += won(3);
-    });
+    const int lines = db::forEachRow(kLines(date, junNo, userId, gCode),
+                                     [&](db::CVORecordset& row) { addLine(sale, row); });
     if (lines <= 0) return std::nullopt;
-    const auto user = db::firstRow(kVatMode(userId));
-    sale.vat = payableTotal(sale.supply, sale.vat, user ? user->first() : QString()) - sale.supply;
+    sale.vat = payableVat(sale.supply, sale.vat, vatMode(userId));
     return sale;
+}
+
+QHash<QString, SaleAmounts> salesOfDay(QStringView date, QStringView userId) {
+    QHash<QString, SaleAmounts> sales;
+    db::forEachRow(kLinesOfDay(userId, date),
+                   [&](db::CVORecordset& row) { addLine(sales[row.GetFieldString(4)], row); });
+    const QString mode = vatMode(userId);
+    for (SaleAmounts& sale : sales) sale.vat = payableVat(sale.supply, sale.vat, mode);
+    return sales;
 }
 
 }  // namespace books

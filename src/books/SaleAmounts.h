@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QHash>
+#include <QString>
 #include <QStringView>
 #include <optional>
 
@@ -26,5 +28,8 @@ struct SaleAmounts {
 /// without one.
 std::optional<SaleAmounts> savedSale(QStringView date, QStringView junNo, QStringView userId,
                                      QStringView gCode);
+
+/// What each slip of the user's day comes to, by number, rounded in the same way.
+QHash<QString, SaleAmounts> salesOfDay(QStringView date, QStringView userId);
 
 }  // namespace books

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <optional>
 
 #include "books/Customer.h"
 #include "platform/SecureBytes.h"
@@ -25,6 +26,8 @@ struct SettlementAmounts {
     platform::Won unpaid;             ///< 미결제액.
     platform::Won earlierReceivable;  ///< 전미수입금: paid against older debt.
     platform::Won previousReceivable;
+
+    friend bool operator==(const SettlementAmounts&, const SettlementAmounts&) = default;
 };
 
 /// The fields of the host's last reply, as texts.
@@ -48,6 +51,17 @@ struct SlipIdentity {
     QString junNo;
     QString userId;
     QString gCode;
+
+    friend bool operator==(const SlipIdentity&, const SlipIdentity&) = default;
+};
+
+/// A settlement that was left before it was saved for good: what its screen opened with, and what was keyed.
+struct KeptSettlement {
+    SlipIdentity slip;
+    SettlementAmounts opened;
+    SettlementAmounts keyed;
+    /// What the container slip was worth as the screen opened; nothing without one.
+    std::optional<platform::Won> recovery;
 };
 
 /// The record of one exchange with the card host. Where no reader is named the value is kept for the record.

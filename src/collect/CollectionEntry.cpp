@@ -29,4 +29,27 @@ OpenedEntry openEntry(const books::SlipIdentity& slip) {
     return entry;
 }
 
+std::optional<books::SettlementAmounts> goOn(const books::KeptSettlement& kept,
+                                             const books::SlipIdentity& slip, const OpenedEntry& entry) {
+    if (kept.slip != slip) return std::nullopt;
+    if (kept.opened == entry.amounts) return kept.keyed;
+    const books::SettlementAmounts& keyed = kept.keyed;
+    books::SettlementAmounts amounts = entry.amounts;
+    if (entry.saved || keyed.containerRecovery > keyed.total || keyed.containerRecovery > amounts.total)
+        return std::nullopt;
+    amounts.nonLiquor = keyed.nonLiquor;
+    amounts.containerRecovery = keyed.containerRecovery;
+    amounts.earlierReceivable = keyed.earlierReceivable;
+    // A recovery as large as the total settles the visit, and the receivable paid with it.
+    if (amounts.containerRecovery == amounts.total) return amounts;
+    if (!keyed.card.isZero()) {
+        settleByCard(amounts);
+    } else if (!keyed.cash.isZero()) {
+        settleInCash(amounts);
+    } else if (!keyed.unpaid.isZero()) {
+        settleOnCredit(amounts);
+    }
+    return amounts;
+}
+
 }  // namespace collect

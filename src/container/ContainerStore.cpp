@@ -6,6 +6,7 @@
 #include "books/Deletions.h"
 #include "books/PrintLog.h"
 #include "books/ReusedNumber.h"
+#include "books/UnsavedSlip.h"
 #include "db/Query.h"
 #include "db/Statement.h"
 #include "db/Transaction.h"
@@ -26,6 +27,8 @@ constexpr db::Statement<
 constexpr db::Statement<
     u"SELECT JunNo, GName, GCode FROM YTM WHERE USERID= '%s' and DDate = '%s' ORDER BY JunNo DESC ">
     kSlips;
+constexpr db::Statement<u"SELECT JunNo, YMONEY, GMONEY FROM YTM WHERE UserID = '%s' AND DDate = '%s'">
+    kWorths;
 constexpr db::Statement<u"DELETE YTM WHERE JunNo= '%s' AND DDate = '%s' "> kDeleteAll;
 
 constexpr int kWorkingColumns = 13;
@@ -62,6 +65,7 @@ SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo
         return SaveOutcome::Failed;
     }
     const auto isMoved = lines.isEmpty() ? false : change.moveCollections(transaction);
+    books::noteSaved(transaction, books::Working::Containers);
     if (!isMoved || !transaction.commit()) return SaveOutcome::Failed;
     if (isCollectionMoved) *isCollectionMoved = *isMoved;
     return lines.isEmpty() ? SaveOutcome::Empty : SaveOutcome::Saved;
@@ -78,6 +82,15 @@ platform::Rows slipsOfDay(QStringView userId, QStringView workDate) {
         slips.cells << junNo << row.GetFieldString(1) << row.GetFieldString(2);
     });
     return slips;
+}
+
+QHash<QString, platform::Won> worthsOfDay(QStringView userId, QStringView workDate) {
+    QHash<QString, platform::Won> worths;
+    db::forEachRow(kWorths(userId, workDate), [&](db::CVORecordset& row) {
+        worths[row.GetFieldString(0)] +=
+            platform::parseWon(row.GetFieldString(1)) + platform::parseWon(row.GetFieldString(2));
+    });
+    return worths;
 }
 
 std::optional<platform::Won> deleteSlip(QStringView workDate, QStringView junNo, QStringView deletedBy) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QString>
 #include <QStringView>
 #include <optional>
@@ -27,6 +28,9 @@ SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo
 /// The user's slips of the day, highest number first, one row for each: slip number, customer name, customer
 /// code.
 platform::Rows slipsOfDay(QStringView userId, QStringView workDate);
+
+/// What each of them is worth by its deposits, in won, by number.
+QHash<QString, platform::Won> worthsOfDay(QStringView userId, QStringView workDate);
 
 /// Deletes the container slip of that number and date, whoever wrote it, notes that `deletedBy` did, and
 /// takes back what its collections have for it: that sum in won. Nothing, traced, when the database did not

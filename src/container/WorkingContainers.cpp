@@ -1,5 +1,6 @@
 #include "container/WorkingContainers.h"
 
+#include "books/UnsavedSlip.h"
 #include "db/Records.h"
 
 namespace container {
@@ -56,13 +57,18 @@ bool replaceLine(const ContainerKey& key, Change&& change) {
     line.Bon = key.Bon;
     change(&line, &*amounts);
     line.setAmounts(*amounts);
-    return transaction.run(kDelete(key.PCode, key.FBox, key.NBox, key.Bon)) &&
-           transaction.run(insertOf(line)) && transaction.commit();
+    if (!transaction.run(kDelete(key.PCode, key.FBox, key.NBox, key.Bon)) ||
+        !transaction.run(insertOf(line))) {
+        return false;
+    }
+    books::noteChanged(transaction, books::Working::Containers);
+    return transaction.commit();
 }
 
 }  // namespace
 
 bool reloadSlip(QStringView userId, QStringView workDate, QStringView junNo) {
+    books::noteOpened(books::Working::Containers, userId);
     return db::refill(kEmpty(), kSaved(userId, workDate, junNo), kInsert, kContainerLineColumns);
 }
 
@@ -115,7 +121,7 @@ std::optional<ContainerAmounts> lineAmounts(const ContainerKey& key) {
 }
 
 bool insertLine(const ContainerLine& line) {
-    return db::changeWorkingTable(insertOf(line));
+    return books::changeWorkingSlip(books::Working::Containers, insertOf(line));
 }
 
 bool replaceCounts(const ContainerKey& key, const ContainerCounts& counts, const ContainerAmounts& amounts) {
@@ -131,7 +137,7 @@ bool replaceAmount(const ContainerKey& key, Won ContainerAmounts::*amount, Won k
 }
 
 void deleteLine(const ContainerKey& key) {
-    db::changeWorkingTable(kDelete(key.PCode, key.FBox, key.NBox, key.Bon));
+    books::changeWorkingSlip(books::Working::Containers, kDelete(key.PCode, key.FBox, key.NBox, key.Bon));
 }
 
 }  // namespace container

@@ -144,6 +144,8 @@ void Desk::askWhereToSave(const QString& ending) {
     auto* dialog = new QFileDialog(this, u"용지 저장 Save the paper"_s, folder, u"*."_s + ending);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
+    // The dates of a detailed list would be in the language of the machine.
+    dialog->setViewMode(QFileDialog::List);
     dialog->setDefaultSuffix(ending);
     dialog->selectFile(name);
     connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& path) {

@@ -23,9 +23,10 @@ DeskPrinter::DeskPrinter(qint64 rollBytes, int retry) : roll_(rollBytes) {
     printWaiting();
 }
 
-void DeskPrinter::setFault(const QString& fault) {
+void DeskPrinter::setFault(const QString& fault, DeviceStatus::Cause cause) {
     if (fault == fault_) return;
     fault_ = fault;
+    cause_ = cause;
     if (!fault.isEmpty()) {
         platform::trace(u"printer: %1; %2 jobs are kept"_s.arg(fault).arg(spool_.count()));
         return;
@@ -37,7 +38,10 @@ void DeskPrinter::setFault(const QString& fault) {
 DeviceStatus DeskPrinter::status() const {
     using State = DeviceStatus::State;
     const int waiting = spool_.count();
-    return {!fault_.isEmpty() ? State::Fault : waiting > 0 ? State::Waiting : State::Ready, waiting, fault_};
+    return {!fault_.isEmpty() ? State::Fault
+            : waiting > 0     ? State::Waiting
+                              : State::Ready,
+            waiting, fault_, cause_};
 }
 
 bool DeskPrinter::putOut(const QList<PaperLine>& lines) {

@@ -18,8 +18,9 @@ class DeskPrinter : public platform::termdev::LinePrinter {
     /// `rollBytes` is where roll.txt turns over, `retry` the milliseconds until kept jobs are tried again.
     explicit DeskPrinter(qint64 rollBytes, int retry = 10000);
 
-    /// What is wrong with the printer, for the log; an empty text lets it work.
-    void setFault(const QString& fault);
+    /// What is wrong with the printer, for the log and by its kind; an empty text lets it work.
+    void setFault(const QString& fault, platform::termdev::DeviceStatus::Cause cause =
+                                            platform::termdev::DeviceStatus::Cause::None);
 
     platform::termdev::DeviceStatus status() const override;
 
@@ -35,6 +36,7 @@ class DeskPrinter : public platform::termdev::LinePrinter {
     /// Apart from a real printer's jobs, which are its bytes and not text.
     platform::termdev::PrintSpool spool_{u"desk-spool"};
     QString fault_;
+    platform::termdev::DeviceStatus::Cause cause_ = platform::termdev::DeviceStatus::Cause::None;
     QTimer retry_;
 };
 

@@ -138,9 +138,13 @@ StatusStrip::~StatusStrip() {
 }
 
 void StatusStrip::setPrinterFault() {
-    deskPrinter_->setFault(printerGone_->isChecked() ? u"it is switched off"_s
-                           : noPaper_->isChecked()   ? u"it is out of paper"_s
-                                                     : QString());
+    if (printerGone_->isChecked()) {
+        deskPrinter_->setFault(u"it is switched off"_s, DeviceStatus::Cause::Away);
+    } else if (noPaper_->isChecked()) {
+        deskPrinter_->setFault(u"it is out of paper"_s, DeviceStatus::Cause::NoPaper);
+    } else {
+        deskPrinter_->setFault({});
+    }
     refresh();
 }
 

@@ -220,6 +220,7 @@ Settings readSettings() {
         settings.scale = scale;
         return true;
     });
+    values.choose(u"sound/on"_s, {{u"yes", true}, {u"no", false}}, &settings.hasSound);
     values.number(u"log/kilobytes"_s, 16, 1024 * 1024, &settings.logKilobytes);
     values.number(u"roll/kilobytes"_s, 16, 1024 * 1024, &settings.rollKilobytes);
     values.complainOfTheRest();

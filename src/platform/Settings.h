@@ -45,6 +45,7 @@ struct Settings {
     PrinterSettings printer;
     ReaderSettings reader;
     double scale = 0;  ///< Of the screen; 0 when not named.
+    bool hasSound = true;
     int logKilobytes = 1024;
     int rollKilobytes = 1024;
     QStringList complaints;  ///< What was ignored and why, a line each, ready for the log.

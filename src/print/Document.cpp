@@ -43,8 +43,13 @@ void Document::labelText(QStringView label, QStringView text) {
 }
 
 void Document::labelFigure(QStringView label, QStringView figure, QStringView unit) {
-    const int width = kColumns - displayWidth(label) - displayWidth(unit);
-    line(QString(label % PadLeft(figure, width) % unit));
+    const QString whole = figure % unit;
+    int left = displayWidth(label);
+    if (left > 0 && left + 1 + displayWidth(whole) > kColumns) {
+        line(label);
+        left = 0;
+    }
+    line((left > 0 ? label.toString() : QString()) + PadLeft(whole, kColumns - left));
 }
 
 void Document::labelAmount(QStringView label, platform::Won amount, QStringView unit) {
@@ -53,17 +58,35 @@ void Document::labelAmount(QStringView label, platform::Won amount, QStringView 
 
 void Document::row(std::initializer_list<Cell> cells) {
     QString text;
+    int end = 0;  // Where the column at hand ends.
     for (const Cell& cell : cells) {
-        text += cell.isNumber ? PadLeft(cell.text, cell.width) : PadRight(cell.text, cell.width);
+        const QString own = cell.isNumber ? cell.text : PadRight(cell.text, cell.width);
+        // A name's column that comes out short draws the rest of the line along.
+        end += cell.isNumber ? cell.width : displayWidth(own);
+        const auto padded = [&] { return cell.isNumber ? PadLeft(own, end - displayWidth(text)) : own; };
+        const bool touches = !text.isEmpty() && !text.endsWith(u' ') && !padded().startsWith(u' ');
+        if (touches) text += u' ';
+        if (!text.isEmpty() && displayWidth(text) + displayWidth(padded()) > kColumns) {
+            line(text);
+            text.clear();
+        }
+        text += padded();
     }
     line(text);
 }
 
-void Document::itemName(QStringView name, QStringView size) {
-    const int sizeWidth = displayWidth(size);
-    const bool fits = sizeWidth > 0 && displayWidth(name) + 1 + sizeWidth <= kColumns;
-    QString text = PadRight(name, fits ? kColumns - sizeWidth : kColumns);
-    line(fits ? text.append(size) : text);
+void Document::itemName(QStringView name, QStringView size, QStringView unitPrice) {
+    const auto beside = [&](QStringView text) {
+        const int width = displayWidth(text);
+        const bool fits = width == 0 || displayWidth(name) + 1 + width <= kColumns;
+        if (fits) line(width == 0 ? PadRight(name, kColumns) : PadRight(name, kColumns - width) % text);
+        return fits;
+    };
+    const QString both = QString(size % u' ' % unitPrice).trimmed();
+    if (beside(both)) return;
+    const bool isSizeBeside = !unitPrice.isEmpty() && !size.isEmpty() && beside(size);
+    if (!isSizeBeside) line(PadRight(name, kColumns));
+    line(PadLeft(isSizeBeside ? unitPrice : both, kColumns));
 }
 
 void Document::signature(QStringView label) {

@@ -50,14 +50,17 @@ class Document {
     /// The label in ten columns, a blank, and the text wrapped in the 21 columns beside it. Nothing for an
     /// empty text.
     void labelText(QStringView label, QStringView text);
-    /// The label on the left, the figure against the right edge with its unit behind it; never cut.
+    /// The label on the left, the figure against the right edge with its unit behind it; below the label
+    /// where the two would touch, never cut.
     void labelFigure(QStringView label, QStringView figure, QStringView unit);
     /// The label on the left, the amount against the right edge with its unit behind it.
     void labelAmount(QStringView label, platform::Won amount, QStringView unit = u"원");
-    /// The cells side by side.
+    /// The cells side by side. A blank keeps one that fills its column apart from the one before it, at the
+    /// cost of the blanks that follow; what the paper's width does not take goes on in a line of its own.
     void row(std::initializer_list<Cell> cells);
-    /// A product: its name over the whole width, and its size at the right edge where the two fit.
-    void itemName(QStringView name, QStringView size);
+    /// A product: its name over the whole width, and at the right edge its size and what one costs; below
+    /// the name where they do not fit beside it.
+    void itemName(QStringView name, QStringView size, QStringView unitPrice = {});
     /// The place to sign: "라벨:                    (인)" between blank lines.
     void signature(QStringView label);
 

@@ -1,9 +1,30 @@
 #include "print/PrintJob.h"
 
+#include "platform/termdev/TermDev.h"
 #include "print/Printer.h"
 
 namespace print {
 namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using Cause = platform::termdev::DeviceStatus::Cause;
+
+/// What the user is to see to, behind the number of jobs.
+QString causeText(Cause cause) {
+    switch (cause) {
+        case Cause::NoPaper:
+            return u": 용지 없음"_s;
+        case Cause::TakesNothing:
+            return u": 용지·덮개·전원 확인"_s;
+        case Cause::Away:
+            return u": 프린터 연결 안됨"_s;
+        case Cause::NoRoom:
+            return u": 저장공간 확인"_s;
+        case Cause::None:
+            break;
+    }
+    return {};
+}
 
 constexpr int kNormalSize = 0;
 constexpr int kTitleSize = 4;
@@ -31,6 +52,16 @@ void PrintJob::line(QStringView line) {
 
 void PrintJob::feed() {
     PrinterFeed(2);
+}
+
+int waitingJobs() {
+    return platform::termdev::printerStatus().waitingJobs;
+}
+
+QString waitingText() {
+    const platform::termdev::DeviceStatus status = platform::termdev::printerStatus();
+    if (status.waitingJobs == 0) return {};
+    return u"출력 대기 %1건"_s.arg(status.waitingJobs) + causeText(status.cause);
 }
 
 void printDocuments(std::span<const Document> documents, const Progress& progress) {

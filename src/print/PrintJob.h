@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QString>
 #include <QStringView>
 #include <functional>
 #include <span>
@@ -23,6 +24,12 @@ class PrintJob {
     /// Feeds two lines, the end of a document.
     void feed();
 };
+
+/// How many jobs have not come out of the printer yet.
+int waitingJobs();
+
+/// "출력 대기 3건: 용지 없음" while jobs wait for the printer, the reason where it is known; else empty.
+QString waitingText();
 
 /// Hears of every line that has gone to the printer.
 using Progress = std::function<void()>;

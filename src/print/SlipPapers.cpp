@@ -1,5 +1,7 @@
 #include "print/SlipPapers.h"
 
+#include <algorithm>
+
 #include "db/Query.h"
 #include "db/Transaction.h"
 #include "print/CollectionReceipt.h"
@@ -49,7 +51,7 @@ SlipPapers::SlipPapers(QStringView date, QStringView junNo, QStringView userId)
     : date_(date.toString()), junNo_(junNo.toString()), userId_(userId.toString()) {
     for (const Paper paper : books::kPapers) {
         for (const Copy copy : kCopies) {
-            if (isReprint(paper, copy, date, junNo, userId)) reprints_.insert({paper, copy});
+            if (print::isReprint(paper, copy, date, junNo, userId)) reprints_.insert({paper, copy});
         }
     }
 }
@@ -74,8 +76,30 @@ QList<Paper> SlipPapers::print(std::span<const Paper> papers, Copy copy, const P
     // Noted first: a paper that left the printer unnoted would be given out a second time without its mark.
     note(printed, copy);
     printDocuments(documents, progress);
-    for (const Paper paper : printed) reprints_.insert({paper, copy});
+    for (const Paper paper : printed) {
+        reprints_.insert({paper, copy});
+        printed_.insert({paper, copy});
+    }
     return printed;
+}
+
+int SlipPapers::printVisit(bool isAgain, const Progress& progress) {
+    const bool isSale = slipPaper(Paper::Invoice, date_, junNo_, userId_, Copy::Seller, false).has_value();
+    const Paper papers[] = {isSale ? Paper::Invoice : Paper::CollectionSlip, Paper::ContainerReceipt};
+    int count = 0;
+    for (const Copy copy : kCopies) {
+        QList<Paper> due;
+        for (const Paper paper : papers) {
+            if (isAgain || isDue(paper, copy)) due << paper;
+        }
+        count += int(print(due, copy, progress).size());
+    }
+    return count;
+}
+
+bool SlipPapers::isVisitReprint() const {
+    return std::ranges::any_of(reprints_,
+                               [this](const PaperCopy& each) { return isDue(each.first, each.second); });
 }
 
 void SlipPapers::note(std::span<const Paper> papers, Copy copy) const {

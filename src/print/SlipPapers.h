@@ -34,6 +34,16 @@ class SlipPapers {
     /// Every paper is a reprint from here on.
     void markAllReprints();
 
+    /// True when that copy would be a reprint now.
+    bool isReprint(books::Paper paper, books::Copy copy) const { return reprints_.contains({paper, copy}); }
+
+    /// Prints what a visit leaves behind, both copies of each: the invoice, or without a sale the collection
+    /// slip, and the container receipt. What this object has printed already is left out, unless `isAgain`.
+    /// Returns how many papers came out.
+    int printVisit(bool isAgain, const Progress& progress = {});
+    /// True when printVisit would repeat what was printed before this object came into being.
+    bool isVisitReprint() const;
+
     /// Prints one copy of those papers that the slip has rows for, as one job, and notes it before they
     /// leave the printer: an invoice makes a "미발행" slip "발행", any other state stays. Returns what was
     /// printed; without any the printer is not opened.
@@ -43,12 +53,14 @@ class SlipPapers {
   private:
     using PaperCopy = std::pair<books::Paper, books::Copy>;
 
+    bool isDue(books::Paper paper, books::Copy copy) const { return !printed_.contains({paper, copy}); }
     void note(std::span<const books::Paper> papers, books::Copy copy) const;
 
     QString date_;
     QString junNo_;
     QString userId_;
     std::set<PaperCopy> reprints_;
+    std::set<PaperCopy> printed_;  ///< Those of this object.
 };
 
 }  // namespace print

@@ -1,14 +1,17 @@
 #include "sales/SlipStore.h"
 
-#include <algorithm>
 #include <array>
 
 #include "books/CollectionMoves.h"
 #include "books/CollectionSlip.h"
+#include "books/DaySlips.h"
 #include "books/Deletions.h"
 #include "books/PaymentJournal.h"
 #include "books/PrintLog.h"
 #include "books/ReusedNumber.h"
+#include "books/SaleAmounts.h"
+#include "books/UndeliveredOrders.h"
+#include "books/UnsavedSlip.h"
 #include "db/Query.h"
 #include "db/Statement.h"
 #include "db/Transaction.h"
@@ -102,20 +105,19 @@ SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo
         return SaveOutcome::Failed;
     }
     const auto difference = change.moveCollections(transaction);
+    books::noteSaved(transaction, books::Working::Sale);
     if (!difference || !transaction.commit()) return SaveOutcome::Failed;
     if (moved) *moved = *difference;
     return lines.isEmpty() ? SaveOutcome::Empty : SaveOutcome::Saved;
 }
 
 SlipList slipsOfDay(QStringView userId, QStringView workDate) {
-    SlipList list{.slips = {.columns = 3, .cells = {}}, .printed = 0, .unprinted = 0};
+    SlipList list;
+    list.slips.columns = 3;
     QString previous;
-    const QList<books::JournalPayment> open = books::unsettledPayments();
-    const auto isAsked = [&](const QString& junNo) {
-        return std::ranges::any_of(open, [&](const books::JournalPayment& each) {
-            return each.slip.DDate == workDate && each.slip.JunNo == junNo && each.slip.UserID == userId;
-        });
-    };
+    const books::DaySlips day(workDate, userId);
+    const auto orders = books::UndeliveredOrders::ofDay(workDate, userId);
+    const QHash<QString, books::SaleAmounts> sales = books::salesOfDay(workDate, userId);
     db::forEachRow(kSlips(userId, workDate), [&](db::CVORecordset& row) {
         const QString junNo = row.GetFieldString(2);
         // One slip's lines stand together in this order; a slip with two print states is listed twice.
@@ -123,8 +125,14 @@ SlipList slipsOfDay(QStringView userId, QStringView workDate) {
         previous = junNo;
         const QString state = row.GetFieldString(0);
         ++(state == kUnprinted ? list.unprinted : list.printed);
-        list.slips.cells << (isAsked(junNo) ? books::kBeingAsked.toString() : state) << row.GetFieldString(1)
-                         << junNo;
+        const QString payment = day.paymentState(junNo);
+        list.slips.cells << (day.isPaymentOpen(junNo) ? books::kBeingAsked.toString() : state)
+                         << row.GetFieldString(1) << junNo;
+        list.amounts << sales.value(junNo).total();
+        list.states << (orders && orders->contains(workDate.toString(), junNo, userId.toString())
+                            ? kUnvisited.toString()
+                        : payment.isEmpty() || payment == kPaid ? state
+                                                                : payment);
     });
     return list;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QList>
+#include <QStringList>
 #include <QStringView>
 
 #include "platform/Rows.h"
@@ -30,9 +32,15 @@ SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo
 struct SlipList {
     platform::Rows slips;  ///< One row for each slip, in three columns: print state, or that its payment is
                            ///< open, customer name, slip number.
+    QList<platform::Won>
+        amounts;         ///< What each slip comes to, in won; rounded as the salesman's VAT mode says.
+    QStringList states;  ///< How each slip stands, in a word.
     int printed = 0;
     int unprinted = 0;
 };
+
+/// The state of an order of the office that nobody has delivered yet.
+inline constexpr QStringView kUnvisited = u"미방문";
 
 SlipList slipsOfDay(QStringView userId, QStringView workDate);
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "books/UnsavedSlip.h"
 #include "db/Records.h"
 
 namespace sales {
@@ -32,6 +33,10 @@ constexpr db::Statement<u"SELECT * FROM TEMP WHERE PCode= '%s' and Box = '%s' an
 constexpr db::Statement<u"DELETE TEMP WHERE PCode= '%s' and Box = '%s' and Bon = '%s'"> kDelete;
 
 constexpr db::Statement<u"SELECT MMoney,BMoney,YMoney,GMoney FROM TEMP"> kWorkingAmounts;
+constexpr db::Statement<
+    u"SELECT MMoney, BMoney, YMoney, GMoney, PCode, Box, Bon, PName, "
+    u"(SELECT Size FROM PUMMOK WHERE PUMMOK.PCode = TEMP.PCode) FROM TEMP">
+    kDetails;
 
 db::Sql insertOf(const SlipLine& line) {
     return db::withColumns(kInsert, kSlipLineColumns, line);
@@ -48,13 +53,16 @@ bool replaceLine(const LineKey& key, Change&& change) {
     for (std::size_t i = 0; i < kSlipLineColumns.size(); ++i)
         line.*kSlipLineColumns[i] = row->at(qsizetype(i));
     change(&line);
-    return transaction.run(kDelete(key.PCode, key.Box, key.Bon)) && transaction.run(insertOf(line)) &&
-           transaction.commit();
+    if (!transaction.run(kDelete(key.PCode, key.Box, key.Bon)) || !transaction.run(insertOf(line)))
+        return false;
+    books::noteChanged(transaction, books::Working::Sale);
+    return transaction.commit();
 }
 
 }  // namespace
 
 bool reloadSlip(QStringView userId, QStringView workDate, QStringView junNo) {
+    books::noteOpened(books::Working::Sale, userId);
     return db::refill(kEmpty(), kSaved(userId, workDate, junNo), kInsert, kSlipLineColumns);
 }
 
@@ -71,6 +79,14 @@ std::optional<OpenedSlip> openSlip(QStringView userId, QStringView workDate, QSt
     return slip;
 }
 
+OpenedSlip resumeSlip() {
+    OpenedSlip slip;
+    if (const auto line = db::firstRow(kAnyLine())) slip.GCode = line->value(2);
+    slip.lines = workingLines();
+    slip.sums = workingSums();
+    return slip;
+}
+
 SlipSums workingSums() {
     SlipSums sums;
     db::forEachRow(kWorkingAmounts(), [&](db::CVORecordset& row) {
@@ -82,6 +98,18 @@ SlipSums workingSums() {
 
 platform::Rows workingLines() {
     return db::selectRows(kLines(), 4);
+}
+
+QHash<QStringList, LineDetail> workingDetails() {
+    QHash<QStringList, LineDetail> details;
+    db::forEachRow(kDetails(), [&](db::CVORecordset& row) {
+        const auto text = [&](int column) { return row.GetFieldString(column); };
+        const auto won = [&](int column) { return platform::parseWon(text(column)); };
+        const LineAmounts amounts{won(0), won(1), won(2), won(3)};
+        details.insert({text(4), text(5), text(6)},
+                       {text(7), amounts.total(), amounts.subtotal().isZero(), text(8)});
+    });
+    return details;
 }
 
 LineKey keyAt(const platform::Rows& lines, int row) {
@@ -104,7 +132,21 @@ int linesOf(const LineKey& key) {
 }
 
 bool insertLine(const SlipLine& line) {
-    return db::changeWorkingTable(insertOf(line));
+    return books::changeWorkingSlip(books::Working::Sale, insertOf(line));
+}
+
+bool replaceLines(const QList<SlipLine>& lines, QStringList* refused) {
+    db::Transaction transaction(db::Survives::ProcessEnd);
+    if (!transaction.run(kEmpty())) return false;
+    for (const SlipLine& line : lines) {
+        const db::Sql insert = insertOf(line);
+        if (!insert.isWellFormed()) {
+            refused->append(line.PName);
+        } else if (!transaction.run(insert)) {
+            return false;
+        }
+    }
+    return transaction.commit();
 }
 
 bool replaceQuantities(const LineKey& key, std::int64_t boxes, std::int64_t bottles,
@@ -124,7 +166,7 @@ bool replaceAmounts(const LineKey& key, const LineAmounts& amounts) {
 }
 
 void deleteLine(const LineKey& key) {
-    db::changeWorkingTable(kDelete(key.PCode, key.Box, key.Bon));
+    books::changeWorkingSlip(books::Working::Sale, kDelete(key.PCode, key.Box, key.Bon));
 }
 
 }  // namespace sales

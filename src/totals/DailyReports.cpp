@@ -73,7 +73,7 @@ std::optional<Report> sales(QStringView date, QStringView user) {
     Report report = reportHead(u"상품별 매출집계", date, user);
     report.columns = {
         kCode,
-        {.title = u"상품명"_s, .pixels = 84, .paper = 20},
+        {.title = u"상품명"_s, .pixels = 98, .paper = 20},
         {.title = u"상자"_s, .kind = Kind::Count, .pixels = 36, .paper = 6, .isSummed = true},
         {.title = u"본"_s, .kind = Kind::Count, .pixels = 32, .paper = 6, .isSummed = true},
         {.title = u"공급가"_s,

@@ -17,6 +17,9 @@ constexpr int kButtonRow = 48;
 constexpr int kTallestText = 200;
 constexpr QColor kShade(0x14, 0x20, 0x2b, 110);
 constexpr QColor kBorder(0x33, 0x4e, 0x68);
+constexpr QColor kIcon(0x1c, 0x5b, 0xa8);
+constexpr int kIconSize = 24;
+constexpr int kIconGap = 8;
 
 /// A message that lists amounts joins them with "&" to one word, wider than the panel, and a folder's name
 /// may be as wide: a line may end after the one, and before a "/".
@@ -27,29 +30,32 @@ QString breakable(const QString& text) {
 
 }  // namespace
 
-MessageBox::MessageBox(const QString& text, const QString& caption, Buttons buttons)
-    : Screen(kMessageBoxId), text_(text), caption_(caption) {
+MessageBox::MessageBox(const QString& text, const QString& caption, Buttons buttons, MessageIcon icon)
+    : Screen(kMessageBoxId), text_(text), caption_(caption), icon_(icon) {
     // The dialog below shows through the shade.
     setAttribute(Qt::WA_OpaquePaintEvent, false);
     const QFontMetrics metrics(ui::font(FontHeight::Medium));
-    const int textWidth = kPanelWidth - 2 * kMargin;
+    const int iconWidth = icon == MessageIcon::None ? 0 : kIconSize + kIconGap;
+    const int textWidth = kPanelWidth - 2 * kMargin - iconWidth;
     const QString shown = breakable(text);
-    const int textHeight = std::min(
-        metrics.boundingRect(0, 0, textWidth, kTallestText, Qt::TextWordWrap, shown).height(), kTallestText);
+    const int textHeight =
+        std::clamp(metrics.boundingRect(0, 0, textWidth, kTallestText, Qt::TextWordWrap, shown).height(),
+                   iconWidth == 0 ? 0 : kIconSize, kTallestText);
     const int captionHeight = caption.isEmpty() ? 0 : kCaptionHeight;
     panel_ = QRect(0, 0, kPanelWidth, captionHeight + textHeight + 2 * kMargin + kButtonRow);
     panel_.moveCenter(rect().center());
 
     if (!caption.isEmpty()) {
         QLabel* heading =
-            addLabel(0, caption, QRect(panel_.left() + kMargin, panel_.top(), textWidth, kCaptionHeight),
+            addLabel(0, caption,
+                     QRect(panel_.left() + kMargin, panel_.top(), kPanelWidth - 2 * kMargin, kCaptionHeight),
                      FontHeight::Medium);
         setTextColour(heading, Qt::white);
     }
-    QLabel* body = addLabel(
-        0, shown,
-        QRect(panel_.left() + kMargin, panel_.top() + captionHeight + kMargin, textWidth, textHeight),
-        FontHeight::Medium, Qt::AlignLeft | Qt::AlignTop);
+    const QPoint inside(panel_.left() + kMargin, panel_.top() + captionHeight + kMargin);
+    iconArea_ = QRect(inside, QSize(kIconSize, kIconSize));
+    QLabel* body = addLabel(0, shown, QRect(inside + QPoint(iconWidth, 0), QSize(textWidth, textHeight)),
+                            FontHeight::Medium, Qt::AlignLeft | Qt::AlignTop);
     body->setWordWrap(true);
 
     setAccessibleName(text);
@@ -91,18 +97,29 @@ void MessageBox::paintEvent(QPaintEvent*) {
     painter.drawRect(panel_.adjusted(0, 0, -1, -1));
     if (!caption_.isEmpty())
         painter.fillRect(QRect(panel_.topLeft(), QSize(kPanelWidth, kCaptionHeight)), kBorder);
+    if (icon_ != MessageIcon::None) paintIcon(&painter);
+}
+
+void MessageBox::paintIcon(QPainter* painter) const {
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->setPen(Qt::NoPen);
+    painter->setBrush(kIcon);
+    painter->drawEllipse(iconArea_);
+    painter->setPen(Qt::white);
+    painter->setFont(ui::font(FontHeight::Title));
+    painter->drawText(iconArea_, Qt::AlignCenter, icon_ == MessageIcon::Question ? u"?"_s : u"i"_s);
 }
 
 void message(const QString& text) {
     MessageBox(text, {}, MessageBox::Buttons::Ok).run();
 }
 
-bool confirm(const QString& text, const QString& caption) {
-    return MessageBox(text, caption, MessageBox::Buttons::OkCancel).run() == Screen::Accepted;
+bool confirm(const QString& text, const QString& caption, MessageIcon icon) {
+    return MessageBox(text, caption, MessageBox::Buttons::OkCancel, icon).run() == Screen::Accepted;
 }
 
-bool askYesNo(const QString& text, const QString& caption) {
-    return MessageBox(text, caption, MessageBox::Buttons::YesNoCancel).run() == Screen::Accepted;
+bool askYesNo(const QString& text, const QString& caption, MessageIcon icon) {
+    return MessageBox(text, caption, MessageBox::Buttons::YesNoCancel, icon).run() == Screen::Accepted;
 }
 
 }  // namespace ui

@@ -15,11 +15,14 @@ inline constexpr int kMessageNo = 3;
 /// Shows a message without caption, with an OK button, and returns when it is answered.
 void message(const QString& text);
 
+/// The sign beside the text of a message box.
+enum class MessageIcon { None, Information, Question };
+
 /// Asks with OK and Cancel under a short caption. True on OK only.
-bool confirm(const QString& text, const QString& caption);
+bool confirm(const QString& text, const QString& caption, MessageIcon icon = MessageIcon::None);
 
 /// Asks with Yes, No and Cancel under a short caption. True on Yes only.
-bool askYesNo(const QString& text, const QString& caption);
+bool askYesNo(const QString& text, const QString& caption, MessageIcon icon = MessageIcon::None);
 
 /// A message box in front of the screens.
 class MessageBox : public Screen {
@@ -28,7 +31,8 @@ class MessageBox : public Screen {
   public:
     enum class Buttons { Ok, OkCancel, YesNoCancel };
 
-    MessageBox(const QString& text, const QString& caption, Buttons buttons);
+    MessageBox(const QString& text, const QString& caption, Buttons buttons,
+               MessageIcon icon = MessageIcon::None);
 
     const QString& text() const { return text_; }
     const QString& caption() const { return caption_; }
@@ -38,10 +42,13 @@ class MessageBox : public Screen {
 
   private:
     void addButtons(Buttons buttons);
+    void paintIcon(QPainter* painter) const;
 
     QString text_;
     QString caption_;
+    MessageIcon icon_;
     QRect panel_;
+    QRect iconArea_;
 };
 
 }  // namespace ui

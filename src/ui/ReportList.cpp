@@ -5,6 +5,7 @@
 #include <QPainter>
 #include <QScrollBar>
 #include <QStyledItemDelegate>
+#include <algorithm>
 #include <utility>
 
 #include "ui/Discard.h"
@@ -16,6 +17,8 @@ namespace {
 
 constexpr int kRowHeight = 24;
 constexpr int kHeaderHeight = 24;
+constexpr int kDetailHeight = 15;
+constexpr QColor kDetailColour(0x4a, 0x5a, 0x6a);
 constexpr int kScrollBarWidth = 6;
 /// The reading of a long list lets a touch wait no longer than this.
 constexpr int kReadingMs = 4;
@@ -89,6 +92,19 @@ CellType typeFor(const QString& text, QFont font, int width) {
     return {font, size, true, lines};
 }
 
+/// The type in which both ends of a second line fit beside each other.
+CellType typeFor(const RowDetail& detail, QFont font, int width) {
+    constexpr int kGap = 6;
+    const bool isAlone = detail.left.isEmpty() || detail.right.isEmpty();
+    for (int pixels = font.pixelSize() - 1;; --pixels) {
+        font.setPixelSize(pixels);
+        const QFontMetrics metrics(font);
+        const int taken = metrics.horizontalAdvance(detail.left) + metrics.horizontalAdvance(detail.right) +
+                          (isAlone ? 0 : kGap);
+        if (taken <= width || pixels <= kSmallestType) return {font, {taken, metrics.height()}, false, {}};
+    }
+}
+
 /// Sets a text that is too long for its column smaller, and last on two lines: nothing is cut off. Paints no
 /// frame around the cell that the keys stand on: a row is chosen as a whole or not at all.
 class RowDelegate : public QStyledItemDelegate {
@@ -98,6 +114,14 @@ class RowDelegate : public QStyledItemDelegate {
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
         const CellType type = typeFor(displayText(index.data(), {}), option.font, textWidth(index));
         return type.size + QSize(2 * kCellMargin + 1, 0);
+    }
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override {
+        // What is below belongs to the row's second line.
+        QStyleOptionViewItem cell = option;
+        cell.rect.setHeight(std::min(cell.rect.height(), kRowHeight - 1));
+        QStyledItemDelegate::paint(painter, cell, index);
     }
 
   protected:
@@ -155,6 +179,12 @@ void RowsModel::growTo(platform::Rows rows) {
     endInsertRows();
 }
 
+void RowsModel::setDetail(std::function<RowDetail(const platform::Rows& rows, int row)> detail) {
+    beginResetModel();
+    detail_ = std::move(detail);
+    endResetModel();
+}
+
 int RowsModel::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : int(rows_.count());
 }
@@ -167,6 +197,10 @@ QVariant RowsModel::data(const QModelIndex& index, int role) const {
     if (role == Qt::DisplayRole) return rows_.at(index.row(), index.column());
     if (role == Qt::AccessibleTextRole)
         return QString(titles_.value(index.column()) + u' ' + rows_.at(index.row(), index.column()));
+    if (role == Qt::AccessibleDescriptionRole && hasDetail()) {
+        const RowDetail said = detail(index.row());
+        return QString(said.left + u' ' + said.right).simplified();
+    }
     if (role == Qt::TextAlignmentRole && index.column() < alignments_.size()) {
         return int(alignments_[index.column()]);
     }
@@ -278,6 +312,52 @@ void ReportList::narrow(Filter filter) {
     Q_EMIT narrowed();
 }
 
+void ReportList::setDetail(Detail detail) {
+    const int height = kRowHeight + (detail ? kDetailHeight : 0);
+    model_->setDetail(std::move(detail));
+    verticalHeader()->setDefaultSectionSize(height);
+}
+
+QRect ReportList::detailArea(int place) const {
+    const int top = rowViewportPosition(place) + kRowHeight - 1;
+    return {0, top, std::min(viewport()->width(), horizontalHeader()->length()), kDetailHeight};
+}
+
+QSize ReportList::detailSize(int place) const {
+    if (!model_->hasDetail()) return {};
+    const int width = detailArea(place).width() - 2 * kCellMargin;
+    return typeFor(model_->detail(place), font(), width).size + QSize(2 * kCellMargin, 0);
+}
+
+void ReportList::paintEvent(QPaintEvent* event) {
+    QTableView::paintEvent(event);
+    if (!model_->hasDetail()) return;
+    QPainter painter(viewport());
+    const int first = rowAt(event->rect().top());
+    if (first < 0) return;
+    for (int place = first; place < rowCount() && rowViewportPosition(place) <= event->rect().bottom();
+         ++place)
+        paintDetail(painter, place);
+}
+
+void ReportList::paintDetail(QPainter& painter, int place) const {
+    const QRect area = detailArea(place);
+    const bool isChosen = selectionModel()->isRowSelected(place);
+    painter.fillRect(area, isChosen ? kSelection : QColor(Qt::white));
+    const RowDetail detail = model_->detail(place);
+    const QRect text = area.adjusted(kCellMargin, 0, -kCellMargin, 0);
+    painter.setFont(typeFor(detail, font(), text.width()).font);
+    painter.setPen(isChosen ? QColor(Qt::white) : kDetailColour);
+    painter.drawText(text, Qt::AlignLeft | Qt::AlignVCenter, detail.left);
+    painter.drawText(text, Qt::AlignRight | Qt::AlignVCenter, detail.right);
+}
+
+void ReportList::scrollContentsBy(int dx, int dy) {
+    QTableView::scrollContentsBy(dx, dy);
+    // The second lines stay where they are when the columns move.
+    if (dx != 0 && model_->hasDetail()) viewport()->update();
+}
+
 void ReportList::showRows() {
     platform::Rows shown = all_;
     shown_.clear();
@@ -312,6 +392,7 @@ void ReportList::tap(QPoint place, bool isAgain) {
     if (isAgain && selectionModel()->isRowSelected(row)) return Q_EMIT rowDoubleClicked(rowAtPlace(row));
     choose(row, false);
     Q_EMIT rowTapped(row);
+    Q_EMIT cellTapped(rowAtPlace(row), columnAt(place.x()));
 }
 
 void ReportList::choose(int row, bool isByKey) {

@@ -12,6 +12,12 @@
 
 namespace ui {
 
+/// What a row says below its cells, at its left and at its right edge.
+struct RowDetail {
+    QString left;
+    QString right;
+};
+
 /// The rows of a list, shown without being copied.
 class RowsModel : public QAbstractTableModel {
     Q_OBJECT
@@ -27,6 +33,10 @@ class RowsModel : public QAbstractTableModel {
     /// The same rows and more behind them.
     void growTo(platform::Rows rows);
     const platform::Rows& rows() const { return rows_; }
+    void setDetail(std::function<RowDetail(const platform::Rows& rows, int row)> detail);
+    /// Empty texts without one.
+    RowDetail detail(int row) const { return detail_ ? detail_(rows_, row) : RowDetail(); }
+    bool hasDetail() const { return bool(detail_); }
 
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
@@ -37,6 +47,7 @@ class RowsModel : public QAbstractTableModel {
     QStringList titles_;
     QList<Qt::Alignment> alignments_;
     platform::Rows rows_;
+    std::function<RowDetail(const platform::Rows& rows, int row)> detail_;
 };
 
 /// One column of a list.
@@ -69,6 +80,14 @@ class ReportList : public QTableView {
     void narrow(Filter filter);
     void clear() { setRows({}); }
 
+    /// Says the second line of a row among `rows`.
+    using Detail = std::function<RowDetail(const platform::Rows& rows, int row)>;
+    /// Gives every row a second line over the width of the list, wherever its columns are scrolled to.
+    /// `detail` is asked for the rows that are painted, no others.
+    void setDetail(Detail detail);
+    /// What the second line in that place of the list takes, in pixels; empty without one.
+    QSize detailSize(int place) const;
+
     int rowCount() const { return model_->rowCount(); }
     /// The row chosen last; -1 when there is none.
     int selectedRow() const;
@@ -80,6 +99,8 @@ class ReportList : public QTableView {
     void rowClicked(int row);
     /// The same, by a tap alone.
     void rowTapped(int row);
+    /// The same, with the column that was tapped.
+    void cellTapped(int row, int column);
     /// The chosen row was tapped once more, quickly.
     void rowDoubleClicked(int row);
     /// The list was tapped where no row is.
@@ -92,12 +113,16 @@ class ReportList : public QTableView {
   protected:
     void keyPressEvent(QKeyEvent* event) override;
     void timerEvent(QTimerEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void scrollContentsBy(int dx, int dy) override;
 
   private:
     void showRows();
     void readPieces(QDeadlineTimer until);
     void readOn(QDeadlineTimer until);
     void readToEnd() { readOn(QDeadlineTimer(QDeadlineTimer::Forever)); }
+    void paintDetail(QPainter& painter, int place) const;
+    QRect detailArea(int place) const;
     void choose(int row, bool isByKey);
     void tap(QPoint place, bool isAgain);
 

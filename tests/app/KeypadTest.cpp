@@ -69,26 +69,21 @@ TEST(Keypad, ShowsAndReturnsWhatIsKeyed) {
     }
 }
 
-TEST(Keypad, SelectorsChooseTheActiveField) {
-    struct SelectorCase {
-        bool secondWasClicked;
-        bool secondChecked;
-        bool thirdChecked;
-        int active;
-    };
-    const SelectorCase cases[] = {
-        {true, true, false, 2},  {true, true, true, 2},  {true, false, true, 3},  {true, false, false, 1},
-        {false, true, false, 2}, {false, true, true, 3}, {false, false, true, 3}, {false, false, false, 1},
-    };
-    for (const SelectorCase& c : cases) {
-        Keypad keypad(request(app::kThreeNumbers));
-        c.secondWasClicked ? keypad.secondClicked(c.secondChecked, c.thirdChecked)
-                           : keypad.thirdClicked(c.secondChecked, c.thirdChecked);
-        EXPECT_EQ(keypad.activeField(), c.active);
-        keypad.append(u"00"_s);
-        keypad.append(u"8"_s);
-        EXPECT_EQ(keypad.display(c.active), u"8"_s);
-    }
+TEST(Keypad, KeepsThePresentNumberOfAFieldThatStaysEmpty) {
+    KeypadRequest asked = request(app::kThreeNumbers);
+    asked.Topic.present = {u"2"_s, u"7"_s, u"9"_s};
+    Keypad keypad(asked);
+    EXPECT_EQ(keypad.display(1), u""_s);
+    press(&keypad, u"5");
+    keypad.activate(3);
+    press(&keypad, u"8");
+    keypad.erase(3);
+    EXPECT_EQ(keypad.entries(), (std::array{u"5"_s, u"7"_s, u""_s}))
+        << "what was erased is 0, not what it was";
+    keypad.clear();
+    keypad.accept(&asked);
+    EXPECT_EQ(asked.KeypadValue1 + asked.KeypadValue2 + asked.KeypadValue3, u"579"_s);
+    EXPECT_EQ(asked.KeypadResult, 1);
 }
 
 }  // namespace

@@ -8,9 +8,11 @@
 #include <QDir>
 #include <QFile>
 
+#include "app/ClockCheck.h"
 #include "app/DeviceProblem.h"
 #include "app/LoginWait.h"
 #include "app/Session.h"
+#include "app/UnsavedWork.h"
 #include "platform/Device.h"
 #include "platform/Wipe.h"
 #include "support/FullDisk.h"
@@ -86,31 +88,6 @@ TEST(LoginWait, GrowsToTenSecondsAndOutlivesTheProgram) {
     EXPECT_EQ(app::enterLoginTry(), 1s);
 }
 
-TEST(Settings, OfALongFileTheLastPieceCounts) {
-    struct SettingsCase {
-        QByteArray content;
-        QString user;
-    };
-    const SettingsCase cases[] = {
-        {"B1234567890", u"B"_s},
-        {"\r\nC\r\n", u"C"_s},
-        {QByteArray(32, 'A') + "D", u"D"_s},
-        {QByteArray(64, 'A'), u"A"_s},
-        {QByteArray(32, 'A') + "\r\n", u""_s},
-    };
-    for (const SettingsCase& c : cases) {
-        test::TestDevice device;
-        device.writeFile(platform::device::kSettingsFile, c.content);
-        EXPECT_EQ(app::defaultUserId(), c.user) << c.content.constData();
-    }
-    // A missing file is made, empty.
-    test::TestDevice device;
-    const QString file = platform::device::path(platform::device::kSettingsFile);
-    QFile::remove(file);
-    EXPECT_EQ(app::defaultUserId(), QString());
-    EXPECT_TRUE(QFile::exists(file));
-}
-
 TEST(SimplePayment, IsNumberedFrom7001WithinTheDay) {
     struct NumberCase {
         QString highest;
@@ -140,6 +117,50 @@ TEST(Session, ResetEmptiesTheActionAndBothWorkingTables) {
     EXPECT_TRUE(app::session().action.SupplySum.isZero());
     EXPECT_EQ(app::session().UserID, u"A"_s);
     EXPECT_EQ(device.value(u"SELECT (SELECT COUNT(*) FROM TEMP) + (SELECT COUNT(*) FROM YTEMP)"_s), u"0"_s);
+}
+
+TEST(ClockCheck, TellsAnEarlierClockAndAnotherWorkDate) {
+    test::TestDevice device;
+    // An order of the office for tomorrow has no time of saving.
+    device.insert(u"MTM", {{u"DDate", u"2026-11-23"}});
+    EXPECT_EQ(app::newestSlip(), QString());
+    device.insert(u"MTM", {{u"DDate", u"2026-11-21"}, {u"DTime", u"09:30"}});
+    device.insert(u"MTM", {{u"DDate", u"2026-11-20"}, {u"DTime", u"18:00"}});
+    EXPECT_EQ(app::newestSlip(), u"2026-11-21 09:30"_s);
+    device.insert(u"MTMOK", {{u"DDate", u"2026-11-21"}, {u"DTime", u"10:00"}});
+    EXPECT_EQ(app::newestSlip(), u"2026-11-21 10:00"_s);
+    const struct {
+        const char* now;
+        const char* workDate;
+        bool isEarlier;
+        bool isOtherDay;
+    } cases[] = {{"2026-11-21T10:00", "2026-11-21", false, false},
+                 {"2026-11-21T09:59", "2026-11-21", true, false},
+                 {"2026-11-22T08:00", "2026-11-21", false, true},
+                 {"2026-10-21T12:00", "2026-11-21", true, true}};
+    for (const auto& c : cases) {
+        const QString said = app::clockProblem(QString::fromLatin1(c.workDate),
+                                               QDateTime::fromString(QLatin1StringView(c.now), Qt::ISODate),
+                                               app::newestSlip());
+        EXPECT_EQ(said.contains(u"마지막 전표(2026-11-21 10:00)보다 이릅니다"_s), c.isEarlier) << c.now;
+        EXPECT_EQ(said.contains(u"작업일자(2026-11-21)가 오늘("_s), c.isOtherDay) << c.now;
+    }
+}
+
+TEST(UnsavedWork, IsOfferedToItsUserOnItsDay) {
+    books::UnsavedSlip slip;
+    slip.userId = u"A"_s;
+    slip.date = u"2026-11-21"_s;
+    slip.gName = u"까치가든"_s;
+    slip.lines = 4;
+    EXPECT_EQ(app::describeUnsaved(slip, u"A", u"2026-11-21"),
+              u"저장안된 주문서: 까치가든 4품목, 계속할까요?"_s);
+    slip.table = books::Working::Containers;
+    for (const auto& [user, date] : {std::pair{u"B", u"2026-11-21"}, {u"A", u"2026-11-22"}}) {
+        const QString said = app::describeUnsaved(slip, user, date);
+        EXPECT_TRUE(said.startsWith(u"저장안된 용공회수전표: 까치가든 4품목..!"_s)) << said.toStdString();
+        EXPECT_TRUE(said.contains(u"사번 A, 작업일자 2026-11-21로"_s)) << said.toStdString();
+    }
 }
 
 TEST(Company, TheLastRowWins) {

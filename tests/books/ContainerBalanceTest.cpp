@@ -76,48 +76,4 @@ TEST(ContainerBalance, IsWhatWentOutLessWhatCameBack) {
     }
 }
 
-TEST(ContainerBalance, LeavesOutWhatTheOfficeOrderedAndNobodyDelivered) {
-    // What becomes of the office's order of 3 crates and 2 bottles: delivered/ordered.
-    const struct {
-        const char* what;
-        const char16_t* change;
-        QString expected;
-    } cases[] = {
-        {"as the office sent it", u"", u"0/0 3/62"_s},
-        {"of yesterday", u"UPDATE MTM SET DDate = '2026-11-20'", u"0/0 3/62"_s},
-        {"saved on the terminal", u"UPDATE MTM SET DTime = '09:05'", u"3/62 0/0"_s},
-        {"printed", u"UPDATE MTM SET WorkGubun = '발행'", u"3/62 0/0"_s},
-        {"settled", u"INSERT INTO MTMOK (DDate,JunNo,UserID,GCode) VALUES ('2026-11-21','0001','A','0001')",
-         u"3/62 0/0"_s},
-        {"something was taken back for it",
-         u"INSERT INTO YTM (DDate,JunNo,UserID,GCode,PCode) VALUES ('2026-11-21','0001','A','0001','1001')",
-         u"3/62 0/0"_s},
-        {"a colleague's of that number is settled",
-         u"INSERT INTO MTMOK (DDate,JunNo,UserID,GCode) VALUES ('2026-11-21','0001','B','0001')",
-         u"0/0 3/62"_s},
-        {"the visit's own", u"UPDATE MTM SET JunNo = '6001'", u"3/62 0/0"_s},
-        {"sent again after it was saved",
-         u"INSERT INTO MTM (DDate,GCode,JunNo,UserID,PCode,WorkGubun,Box,Bon,DTime) VALUES "
-         "('2026-11-21','0001','0001','A','1001','미발행','1','0','09:05')",
-         u"4/82 0/0"_s},
-    };
-    for (const auto& test : cases) {
-        test::TestDevice device;
-        device.execute(u"INSERT INTO PUMMOK (Pcode, BoxBonEa, TTT) VALUES ('1001','20','Z')"_s);
-        device.execute(
-            u"INSERT INTO MTM (DDate,GCode,JunNo,UserID,PCode,WorkGubun,Box,Bon) VALUES "
-            "('2026-11-21','0001','0001','A','1001','미발행','3','2')"_s);
-        if (*test.change) device.execute(QString::fromUtf16(test.change));
-        const auto balances = books::containerBalances(u"0001", u"2026-11-21", u"6001", u"A", {});
-        ASSERT_EQ(balances.size(), 1) << test.what;
-        const auto text = [](books::Containers held) {
-            return u"%1/%2"_s.arg(held.crates).arg(held.bottles);
-        };
-        books::Containers out = balances.first().before;
-        out += balances.first().delivered;
-        EXPECT_EQ(text(out) + u' ' + text(balances.first().ordered), test.expected) << test.what;
-        EXPECT_EQ(balances.first().after(), out) << test.what;
-    }
-}
-
 }  // namespace

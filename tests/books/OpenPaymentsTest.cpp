@@ -57,86 +57,6 @@ TEST(OpenPayments, HoldBackTheirCustomerAlone) {
     }
 }
 
-TEST(OpenPayments, PayTheCreditThatTheyEndedIn) {
-    test::TestDevice device;
-    device.insert(u"GARAE", {{u"GCODE", u"1"}, {u"CJMONEY", u"500"}});
-    device.insert(u"MTM", {{u"DDate", u"2024-05-10"},
-                           {u"GCode", u"1"},
-                           {u"JunNo", u"5001"},
-                           {u"WorkGubun", u"발행"},
-                           {u"UserID", u"A"}});
-    const struct {
-        const char* what;
-        std::int64_t total;
-        QString row, receivable, state;
-        bool isSaleGone = false;
-    } cases[] = {
-        {"the same total", 1000, u"5001매출 1000/0/7"_s, u"493"_s, u"결제"_s},
-        {"grown since", 1300, u"5001매출 1000/300/7"_s, u"793"_s, u"발행"_s},
-        {"shrunk since", 900, u"5001매출 1000/-100/7"_s, u"393"_s, u"발행"_s},
-        {"the sale is gone", 0, u"5001입금 1000/0/0"_s, u"-500"_s, u""_s, true},
-    };
-    for (const auto& c : cases) {
-        device.execute(
-            u"DELETE FROM PAYJOURNAL; DELETE FROM MTMOK; UPDATE GARAE SET CJMONEY = '500'; "
-            "UPDATE MTM SET WorkGubun = '발행'"_s);
-        JournalPayment payment = paymentOf(u"1", kCollectionOfSale, u"5001", 1000);
-        payment.slip.MMoney = Won(1000);
-        ASSERT_TRUE(notePayment(payment));
-        CollectionSlip credit = payment.slip;
-        credit.setAmounts({}, {});
-        credit.MMoney = credit.UnderMoney = Won(c.total);
-        credit.MisuInMoney = Won(7);
-        if (c.isSaleGone) {
-            device.execute(u"DELETE FROM MTM"_s);
-        } else {
-            ASSERT_TRUE(saveCollection(credit));
-        }
-        ASSERT_TRUE(approvePayment(payment.number, u"T1")) << c.what;
-        EXPECT_EQ(device.value(u"SELECT JunNo || Gubun || ' ' || CardMoney || '/' || UnderMoney || '/' || "
-                               "MisuInMoney FROM MTMOK WHERE BANKTRANNO = 'T1'"_s),
-                  c.row)
-            << c.what;
-        EXPECT_EQ(device.value(u"SELECT CJMONEY FROM GARAE"_s), c.receivable) << c.what;
-        EXPECT_EQ(device.value(u"SELECT WorkGubun FROM MTM"_s), c.state) << c.what;
-    }
-}
-
-TEST(OpenPayments, PayTheirSaleAsItIsByThen) {
-    const struct {
-        const char* what;
-        std::int64_t charged, saleNow;  ///< The sale came to 1000 when it was charged.
-        QString row, state;
-    } cases[] = {
-        {"as it was", 1000, 1000, u"1000/1000/0"_s, u"결제"_s},
-        {"grown since", 1000, 1300, u"1300/1000/300"_s, u"미발행"_s},
-        {"shrunk since", 1000, 900, u"900/1000/-100"_s, u"미발행"_s},
-        {"keyed, as it was", 900, 1000, u"900/900/0"_s, u"결제"_s},
-        {"keyed, grown since", 900, 1300, u"1200/900/300"_s, u"미발행"_s},
-    };
-    for (const auto& c : cases) {
-        test::TestDevice device;
-        device.insert(u"GARAE", {{u"GCODE", u"1"}, {u"CJMONEY", u"500"}});
-        device.insert(u"MTM", {{u"DDate", u"2024-05-10"},
-                               {u"GCode", u"1"},
-                               {u"JunNo", u"5001"},
-                               {u"WorkGubun", u"미발행"},
-                               {u"MMoney", u"1000"},
-                               {u"UserID", u"A"}});
-        JournalPayment payment = paymentOf(u"1", kCollectionOfSale, u"5001", c.charged);
-        payment.slip.MMoney = payment.slip.PMoney = Won(c.charged);
-        ASSERT_TRUE(notePayment(payment));
-        device.execute(u"UPDATE MTM SET MMoney = '%1'"_s.arg(c.saleNow));
-        const auto slip = approvePayment(payment.number, u"T1");
-        ASSERT_TRUE(slip) << c.what;
-        EXPECT_EQ(device.value(u"SELECT MMoney || '/' || CardMoney || '/' || UnderMoney FROM MTMOK"_s), c.row)
-            << c.what;
-        EXPECT_EQ(device.value(u"SELECT WorkGubun FROM MTM"_s), c.state) << c.what;
-        EXPECT_EQ(device.value(u"SELECT CJMONEY - MMoney + CardMoney FROM GARAE, MTMOK"_s), u"500"_s)
-            << c.what;
-    }
-}
-
 TEST(OpenPayments, AreNotedInAnOlderTerminalsJournal) {
     test::TestDevice device;
     device.insert(u"MTM",
@@ -194,6 +114,26 @@ TEST(OpenPayments, AreKnownAfterTheirSlipHasGone) {
     ASSERT_TRUE(putApprovalBack(payment.number));
     EXPECT_FALSE(lost(u"1"_s));
     EXPECT_EQ(loadCollection(slip.DDate, slip.JunNo, slip.UserID)->BANKTRANNO, u"T1"_s);
+}
+
+TEST(OpenPayments, AreKnownOfADeletedSimplePaymentUnderAnyNumberOfTheCustomer) {
+    for (const QStringView code : {QStringView(u"1"), kUnregisteredCustomer}) {
+        test::TestDevice device;
+        const JournalPayment payment = paymentOf(code, kSimplePaymentSlip, u"7001", 1000);
+        const auto isKnown = [&](const QString& junNo, QStringView user = u"A") {
+            const auto found =
+                deletedSimplePayment({payment.slip.DDate, junNo, user.toString(), code.toString()});
+            return found && found->number == payment.number;
+        };
+        ASSERT_TRUE(notePayment(payment) && approvePayment(payment.number, u"T1"));
+        EXPECT_FALSE(isKnown(u"7001"_s)) << "it is on its slip";
+        ASSERT_TRUE(removeCollections(payment.slip.DDate, u"7001", u"A"));
+        EXPECT_TRUE(isKnown(u"7001"_s) && !isKnown(u"7001"_s, u"B"));
+        EXPECT_EQ(isKnown(u"7002"_s), code != kUnregisteredCustomer)
+            << "who is not registered may be anybody";
+        ASSERT_TRUE(putApprovalBack(payment.number));
+        EXPECT_FALSE(isKnown(u"7001"_s));
+    }
 }
 
 }  // namespace

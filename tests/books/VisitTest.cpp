@@ -176,37 +176,6 @@ TEST(VisitChecks, NameWhatShowsBesideOthersOnly) {
     EXPECT_EQ(checkVisits({emptied}).size(), 1);
 }
 
-TEST(VisitChecks, CrossFootOfADay) {
-    Visit uncollected = agreeing();
-    uncollected.collections.clear();
-    Visit keyed = agreeing();
-    keyed.goods.clear();
-    keyed.collections[0].Gubun = kCollectionAlone.toString();
-    Visit received = paid();
-    received.goods.clear();
-    received.collections[0].MMoney = received.collections[0].YGMoney = Won();
-    Visit excess = agreeing();
-    excess.collections[0].UnderMoney = Won();
-    excess.collections[0].YDMoney = Won(140500);
-    excess.collections[0].MisuInMoney = Won(10000);
-    // A simple payment takes its recovery off twice.
-    Visit simple = agreeing();
-    simple.goods.clear();
-    simple.collections[0].Gubun = kSimplePaymentSlip.toString();
-    simple.collections[0].YGMoney = simple.collections[0].UnderMoney = Won();
-    simple.collections[0].YDMoney = Won(1000);
-    simple.collections[0].CardMoney = Won(108000);
-    QList<Visit> day{agreeing(), paid(), uncollected, keyed, received, excess, simple};
-    CrossFoot foot = crossFoot(day);
-    EXPECT_EQ(foot.sales, Won(4 * 130500));
-    EXPECT_EQ(foot.uncollected, Won(130500));
-    EXPECT_EQ(foot.receivedWithoutSale, Won(130500));
-    EXPECT_EQ(foot.creditedExcess, Won(10000));
-    EXPECT_EQ(foot.difference(), Won());
-    day[0].goods[0].supply += Won(500);
-    EXPECT_EQ(crossFoot(day).difference(), Won(500));
-}
-
 class Visits : public ::testing::Test {
   protected:
     Visits() {

@@ -4,11 +4,8 @@
 #include <QFile>
 #include <QProcess>
 #include <QTcpSocket>
-#include <memory>
-#include <vector>
 
 #include "desk/demo/DemoCards.h"
-#include "platform/Sqlite.h"
 #include "platform/message/Component.h"
 #include "platform/message/SavedValues.h"
 #include "support/Exchange.h"
@@ -136,19 +133,6 @@ TEST_F(HostTest, TheSummaryIsTheLedgersForTerminalAndDay) {
     ASSERT_EQ(terminal.previous(), kDone);
     terminal.run(host.port());
     EXPECT_EQ(terminal.field(1102), u"0016") << "another terminal has paid nothing";
-
-    // More payments than an answer has room for: it comes, and tells how many there are.
-    platform::SqliteFile ledger(host.folder() + u"/ledger.db"_s, platform::SqliteFile::Mode::Existing);
-    ledger.run(
-        "WITH RECURSIVE n(i) AS (SELECT 100 UNION ALL SELECT i + 1 FROM n WHERE i < 3099) "
-        "INSERT INTO payment SELECT i, 1, card, '4713', day, kind, 1, 1, 1, 1, 50000, 1, 1, 1 "
-        "FROM payment, n WHERE payment.id = 1");
-    ASSERT_TRUE(writeSavedValues({{u"101"_s, u"4713"_s}}));
-    ASSERT_TRUE(summary(u"20261121").startsWith(u"0000 3000 3000 "));
-    EXPECT_EQ(terminal.field(1123), u"3000");
-    const QString list = terminal.field(1124);
-    EXPECT_TRUE(list.startsWith(u"000000000100 183000 50000\n"));
-    EXPECT_TRUE(list.endsWith(u"000000002406 183000 50000\n")) << list.last(60).toStdString();
 }
 
 // What the terminal reports, whether an answer counts, and whether the host has charged.
@@ -195,42 +179,6 @@ TEST_F(HostTest, ALateAnswerDoesNotReachTheNextExchange) {
     EXPECT_EQ(pay(u"good", u"1000", 1), QString::fromLatin1(kBroken));
     EXPECT_EQ(pay(u"second", u"2000", 20), QString::fromLatin1(kGood)) << "sent before the first answer came";
     EXPECT_EQ(terminal.field(1104), u"2000");
-}
-
-TEST_F(HostTest, APaymentWithoutAnAnswerIsAskedForByItsNumber) {
-    host.start({u"--fault"_s, u"approve-then-close@1"_s, u"--fault"_s, u"close@2"_s});
-    const auto payUnanswered = [&] {
-        EXPECT_EQ(terminal.payment(cardData(u"good"), password(u"good"), u"1000"), kDone);
-        const auto number = terminal.component.paymentNumber();
-        EXPECT_EQ(terminal.run(host.port()), QString::fromLatin1(kBroken));
-        EXPECT_TRUE(number && terminal.component.hasSent());
-        return number.value_or(MessageNumber());
-    };
-    const MessageNumber charged = payUnanswered();
-    const MessageNumber lost = payUnanswered();
-    EXPECT_NE(charged, lost) << "no payment repeats another's number";
-
-    // Another dialog asks.
-    Exchange next;
-    const auto ask = [&](const MessageNumber& number) {
-        next.component.askAbout(number);
-        EXPECT_EQ(next.previous(), kDone);
-        EXPECT_FALSE(next.component.paymentNumber());
-        EXPECT_EQ(next.run(host.port()), QString::fromLatin1(kGood));
-        return QStringList{next.field(1102), next.field(1008), next.field(1131)}.join(u' ');
-    };
-    EXPECT_EQ(ask(charged), u"0000 000000000001 "_s + toText(charged));
-    EXPECT_EQ(ask(lost), u"0019  "_s + toText(lost));
-    ASSERT_EQ(next.previous(), kDone);
-    next.run(host.port());
-    EXPECT_EQ(next.field(1131), u"") << "the question was for one request";
-    EXPECT_EQ(balance(u"good"), u"99999000");
-
-    const quint16 port = host.port();
-    host.stop();
-    ASSERT_EQ(terminal.payment(cardData(u"good"), password(u"good"), u"1000"), kDone);
-    terminal.run(port);
-    EXPECT_FALSE(terminal.component.hasSent()) << "nobody was there";
 }
 
 struct Ended {
@@ -461,20 +409,6 @@ TEST_F(HostTest, OnlyAnEnrolledTerminalGetsAnAnswer) {
     EXPECT_EQ(balance(u"good"), u"99999000") << "none of the others was charged";
 }
 
-TEST_F(HostTest, OneConnectionTooManyIsClosed) {
-    host.start();
-    std::vector<std::unique_ptr<Wire>> wires;
-    for (int i = 0; i < 64; ++i) wires.push_back(std::make_unique<Wire>(host.port()));
-    const Request request(u"0");
-    wires.back()->send(request.frame());
-    EXPECT_EQ(request.open(wires.back()->receive()).text(1102), u"0015");
-    EXPECT_TRUE(Wire(host.port()).isClosed());
-    wires.front()->socket.disconnectFromHost();
-    wires.back()->send(request.frame());
-    EXPECT_TRUE(wires.back()->receive()) << "those that were there are served";
-    EXPECT_EQ(pay(u"good"), QString::fromLatin1(kGood)) << "and there is room again";
-}
-
 TEST_F(HostTest, CardsAreEnteredFromStandardInput) {
     const QStringList folder{u"--dir"_s, host.folder()};
     const QStringList amounts{u"--balance"_s, u"50000"_s, u"--limit"_s, u"60000"_s};
@@ -494,42 +428,6 @@ TEST_F(HostTest, CardsAreEnteredFromStandardInput) {
     terminal.run(host.port());
     EXPECT_EQ(terminal.field(1102), u"0000");
     EXPECT_EQ(terminal.field(1107), u"0");
-    // While the host runs, and in place of what it knew.
-    EXPECT_EQ(runHost(QStringList{u"card"_s} + folder + amounts, track + "\n8765\n").exitCode, 0);
-    ASSERT_EQ(terminal.payment(data, u"8765", u"50000"), kDone);
-    terminal.run(host.port());
-    EXPECT_EQ(terminal.field(1102), u"0000");
-}
-
-TEST_F(HostTest, WrongCallsAreRefused) {
-    const QString folder = host.folder();
-    const struct {
-        QStringList arguments;
-        int exitCode;
-    } cases[] = {
-        {{u"--dir"_s, folder, u"--port"_s, u"70000"_s}, 2},
-        {{u"--dir"_s, folder, u"--fault"_s, u"nothing"_s}, 2},
-        {{u"--dir"_s, folder, u"--fault"_s, u"close@0"_s}, 2},
-        {{u"--dir"_s, folder, u"serve"_s}, 2},
-        {{u"card"_s, u"--dir"_s, folder, u"--balance"_s, u"1"_s, u"--limit"_s, u"x"_s}, 2},
-        {{u"--help"_s}, 0},
-    };
-    for (const auto& [arguments, exitCode] : cases) {
-        const Ended ended = runHost(arguments);
-        EXPECT_EQ(ended.exitCode, exitCode) << arguments.join(u' ').toStdString() << ended.err.constData();
-        EXPECT_EQ(ended.err.isEmpty(), exitCode == 0) << arguments.join(u' ').toStdString();
-    }
-
-    host.start();
-    const Ended second = runHost({u"--dir"_s, folder, u"--port"_s, QString::number(host.port())});
-    EXPECT_EQ(second.exitCode, 1) << "the port is taken";
-    host.stop();
-    QFile key(folder + u"/host.key"_s);
-    ASSERT_TRUE(key.open(QIODevice::WriteOnly) && key.write("broken\n") == 7);
-    key.close();
-    const Ended broken = runHost({u"--dir"_s, folder});
-    EXPECT_EQ(broken.exitCode, 1) << "keys that terminals hold are never replaced";
-    EXPECT_TRUE(broken.err.contains("host.key")) << broken.err.constData();
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "collect/Settlement.h"
 #include "support/TestDevice.h"
 
 namespace collect {
@@ -65,6 +66,28 @@ TEST_F(CollectionEntryTest, OpensWhatIsSavedAsItIs) {
     }
     const OpenedEntry others = open(u"0002"_s);
     EXPECT_TRUE(others.isOthers && !others.saved);
+}
+
+TEST_F(CollectionEntryTest, GoesOnWithWhatWasKeyed) {
+    const books::SlipIdentity slip{u"2024-05-10"_s, u"5001"_s, u"A"_s, u"0001"_s};
+    books::KeptSettlement kept{slip, open().amounts, open().amounts, std::nullopt};
+    keySales(kept.keyed, Won(20000));
+    settleInCash(kept.keyed);
+    keyEarlierReceivable(kept.keyed, Won(700));
+    EXPECT_EQ(goOn(kept, slip, open()), kept.keyed);
+    EXPECT_FALSE(goOn(kept, {slip.date, slip.junNo, slip.userId, u"0002"_s}, open(u"0002"_s)));
+
+    // A line less: what was keyed of the sale goes with it, and cash pays what there is now.
+    device_.execute(u"DELETE FROM MTM WHERE PCode = '1002'"_s);
+    const OpenedEntry changed = open();
+    const auto amounts = goOn(kept, slip, changed);
+    ASSERT_TRUE(amounts);
+    EXPECT_EQ(amounts->total, changed.amounts.total);
+    EXPECT_EQ(amounts->cash, changed.amounts.total);
+    EXPECT_EQ(amounts->earlierReceivable, Won(700));
+    // What exceeds the total was worked out from the old one.
+    keyRecovery(kept.keyed, kept.keyed.total + Won(1));
+    EXPECT_FALSE(goOn(kept, slip, changed));
 }
 
 }  // namespace

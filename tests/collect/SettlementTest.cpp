@@ -165,6 +165,7 @@ TEST(Settlement, AmountsOfTheSaleFollowEachOther) {
     EXPECT_EQ(split(amounts), (Split{10500, 500, 10000, 0, 0, 0})) << "what the excess booked is gone";
 }
 
+<<<<<<< HEAD
 TEST(Settlement, KnowsWhatIsLeft) {
     SettlementAmounts amounts = amountsOf({50000, 8000, 20000, 10000, 12000, 3000});
     recomputeTotal(amounts);
@@ -202,5 +203,28 @@ TEST(Settlement, KnowsWhatIsLeft) {
     }
 }
 
+TEST(Settlement, IsOutdatedWhenWhatWasPaidIsNotWhatIsDue) {
+    const struct {
+        const char* what;
+        Split amounts;
+        bool isOutdated;
+    } cases[] = {
+        {"keyed above the total", {12250, 22250, 0, -10000, 0, 10000}, false},
+        {"a return paid out", {-50000, 0, 0, -50000, 0, 0}, false},
+        {"a return whose containers have gone", {-50000, 0, 0, -56000, 0, 0}, true},
+        {"in cash", {50000, 0, 0, 50000, 0, 0}, false},
+        {"charged too much before", {50000, 0, 60000, -20000, 10000, 0}, false},
+        {"containers below 0 that changed", {0, -28000, 30000, 0, 0, 0}, true},
+        {"on credit", {50000, 0, 0, 0, 40000, 0}, false},
+    };
+    for (const auto& c : cases) {
+        SettlementAmounts amounts = amountsOf(c.amounts);
+        recomputeTotal(amounts);
+        EXPECT_EQ(isOutdated(amounts), c.isOutdated) << c.what;
+    }
+}
+
+=======
+>>>>>>> origin/main
 }  // namespace
 }  // namespace collect

@@ -58,22 +58,6 @@ TEST_F(RecordsetTest, WalksForwardsAndBackToTheFirst) {
     EXPECT_FALSE(recordset.MoveFirst() || recordset.MoveNext());
 }
 
-TEST_F(RecordsetTest, OpensAgainAndAgain) {
-    openDatabase(connection);
-    CVORecordset recordset(connection);
-    ASSERT_TRUE(recordset.Open(kCustomers(u""), kKeyset, kReadOnly));
-    ASSERT_TRUE(recordset.Open(kOrders(), kKeyset, kReadOnly));
-    EXPECT_EQ(recordset.m_nFieldCount, 2);
-    EXPECT_FALSE(recordset.Open(kBadSelect(), kKeyset, kReadOnly));
-    EXPECT_TRUE(recordset.EOF());
-    EXPECT_EQ(recordset.m_nFieldCount, 0);
-    ASSERT_TRUE(recordset.Open(kCustomers(u"0002"), kKeyset, kReadOnly));
-    EXPECT_EQ(recordset.GetFieldString(0), u"0002"_s);
-    EXPECT_FALSE(recordset.Open(kCustomers(u"'"), kKeyset, kReadOnly));
-    EXPECT_TRUE(recordset.EOF());
-    EXPECT_EQ(recordset.GetFieldString(0), u"0"_s);
-}
-
 TEST_F(RecordsetTest, FieldsByPlace) {
     device.execute(u"INSERT INTO MTM (PCode) VALUES ('0001')"_s);
     openDatabase(connection);

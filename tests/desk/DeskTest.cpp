@@ -28,34 +28,12 @@ using namespace platform::termdev;
 
 constexpr int kMargin = 40;  // dots of blank paper around a saved picture
 
-/// Leftmost, rightmost dot with ink between two rows of dots of the paper.
-std::pair<int, int> inked(const QImage& image, int top, int bottom) {
-    std::pair<int, int> span(image.width(), -1);
-    for (int y = top + kMargin; y < bottom + kMargin; ++y) {
-        for (int x = 0; x < image.width(); ++x) {
-            if (qGray(image.pixel(x, y)) >= 128) continue;
-            span = {std::min(span.first, x - kMargin), std::max(span.second, x - kMargin)};
-        }
-    }
-    return span;
-}
-
 /// A job on the printer in use, as the screens print.
 void printByOrdinal(const char16_t* line) {
     std::get<int (*)()>(operation(1))();
     std::get<int (*)(int)>(operation(10))(4);
     std::get<int (*)(const char16_t*)>(operation(11))(line);
     std::get<int (*)()>(operation(2))();
-}
-
-void print(int titleSize, const QString& title, const QString& body) {
-    PaperRoll roll;
-    roll.open();
-    roll.setSize(titleSize);
-    roll.print(title);
-    roll.setSize(0);
-    roll.print(body);
-    roll.close();
 }
 
 class DeskTest : public testing::Test {
@@ -74,46 +52,6 @@ class DeskTest : public testing::Test {
     ui::Terminal* terminal_ = nullptr;
     std::unique_ptr<desk::Desk> desk_;
 };
-
-TEST_F(DeskTest, ShowsThePaperAsItIsPrinted) {
-    const QString bar = u"가나다라마바사아자차카타파하거|\n"_s;  // 31 columns
-    print(4, u" 명세서\n"_s, bar);
-    auto* paper = open().findChild<desk::PaperView*>();
-    const QString saved = device_.folder() + u"/saved.png"_s;
-    ASSERT_TRUE(paper->save(saved));
-    QImage picture(saved);
-    ASSERT_EQ(picture.size(), QSize(kPaperDots + 2 * kMargin, 3 * kLineDots + 2 * kMargin));
-    const auto title = inked(picture, 0, 2 * kLineDots);
-    EXPECT_GE(title.first, 2 * kColumnDots) << "the title's blank is enlarged too";
-    EXPECT_GT(title.second, 11 * kColumnDots);
-    EXPECT_LT(title.second, 14 * kColumnDots);
-    const auto line = inked(picture, 2 * kLineDots, 3 * kLineDots);
-    EXPECT_GE(line.second, 30 * kColumnDots);
-    EXPECT_LT(line.second, 31 * kColumnDots);
-
-    // What is printed later comes out below, also when the roll has started a new file, and is brought into
-    // view.
-    print(0, u"둘째\n"_s, bar.repeated(40));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return paper->accessibleDescription().startsWith(u"둘째"); }));
-    const QScrollBar* scroll = paper->verticalScrollBar();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return scroll->value() > 0 && scroll->value() == scroll->maximum(); }));
-    ASSERT_TRUE(QFile::rename(device_.folder() + u"/roll.txt"_s, device_.folder() + u"/roll.txt.1"_s));
-    print(0, u"셋째\n"_s, bar);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return paper->accessibleDescription().startsWith(u"셋째"); }));
-    ASSERT_TRUE(paper->save(saved));
-    EXPECT_EQ(QImage(saved).height(), (3 + 41 + 2) * kLineDots + 2 * kMargin);
-
-    // A day's paper is more than a picture can hold: the oldest goes.
-    paper->append(QList<PaperLine>(3000, readPaperText(u"x")));
-    ASSERT_TRUE(paper->save(saved));
-    EXPECT_EQ(QImage(saved).height(), 30000 + 2 * kMargin);
-    const QString document = device_.folder() + u"/saved.pdf"_s;
-    ASSERT_TRUE(paper->save(document));
-    QFile file(document);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file.read(5), "%PDF-");
-    EXPECT_FALSE(paper->save(device_.folder() + u"/none/saved.png"_s));
-}
 
 TEST_F(DeskTest, KeepsSlipsWhileThePrinterIsOutOfOrder) {
     desk::Desk* at = &open();

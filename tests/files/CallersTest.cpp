@@ -163,28 +163,6 @@ TEST_F(CallersTest, AFullDiskLeavesTheFileOfBeforeAndIsTold) {
     }
 }
 
-TEST_F(CallersTest, EachFileIsOnTheDiskBeforeItsNameAndItsFolderAfter) {
-    put(u"key"_s, QByteArray(64, 'a'));
-    for (const Caller& caller : callers()) {
-        ASSERT_EQ(caller.save(u"40001"_s), u"") << caller.file.toStdString();
-        if (caller.isMade) QFile::remove(path(caller.file));
-        SystemCalls calls(device.folder());
-        ASSERT_EQ(caller.save(u"40002"_s), u"") << caller.file.toStdString();
-        QStringList order;
-        const QString folder = QFileInfo(caller.file).path();
-        for (const QString& call : calls.take()) {
-            const bool isFolder =
-                call == u"sync "_s + folder && !order.isEmpty() && order.last().startsWith(u"rename");
-            if ((isFolder || call.endsWith(caller.file) || call.contains(caller.file + u".unfinished"_s)) &&
-                (order.isEmpty() || order.last() != call))
-                order << call;
-        }
-        const QString unfinished = caller.file + u".unfinished"_s;
-        EXPECT_EQ(order, QStringList({u"write "_s + unfinished, u"sync "_s + unfinished,
-                                      u"rename "_s + caller.file, u"sync "_s + folder}));
-    }
-}
-
 // An address without its host's key would be of no use.
 TEST_F(CallersTest, AddressAndKeyOfTheCardHostAreReplacedTogether) {
     put(u"key"_s, QByteArray(64, 'a'));

@@ -1,6 +1,5 @@
 #include <QStringList>
 
-#include "fuzz/Statements.h"
 #include "fuzz/Target.h"
 #include "platform/adoce/Literals.h"
 
@@ -63,7 +62,4 @@ FUZZ_TARGET(StatementText, input) {
         require(adoce::parseStatement(otherText, &parsed), "other values parse as well");
         compare(parsed, other);
     }
-
-    const QList<QByteArray> ran = fuzz::runText(text);
-    require(ran.isEmpty() || (parts && ran.size() == 1), "a text is one statement or none");
 }

@@ -1,8 +1,7 @@
 #include "fuzz/Target.h"
 
+#include <QByteArray>
 #include <stdexcept>
-
-#include "platform/adoce/DatabaseFile.h"
 
 namespace fuzz {
 namespace {
@@ -26,13 +25,6 @@ int choose(QByteArrayView* input, int choices) {
     const int choice = uchar(input->front()) % choices;
     *input = input->sliced(1);
     return choice;
-}
-
-test::TestDevice& device() {
-    // Called before, so that what the device lets go of at the process's end is still there then.
-    [[maybe_unused]] static const bool isReady = (platform::adoce::DatabaseFile::forgetAll(), true);
-    static test::TestDevice device;
-    return device;
 }
 
 }  // namespace fuzz

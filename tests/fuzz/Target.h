@@ -3,8 +3,6 @@
 #include <QByteArrayView>
 #include <vector>
 
-#include "support/TestDevice.h"
-
 /// Targets of the fuzzer. Each is a file of one function that takes any bytes and throws when the code under
 /// it does not keep its word. Under libFuzzer it is a program of its own; in an ordinary build all of them
 /// are run on the corpus by one test.
@@ -27,9 +25,6 @@ void require(bool isKept, const char* promise);
 
 /// Takes a number from 0 to `choices` - 1 off the input's front; 0 when the input is empty.
 int choose(QByteArrayView* input, int choices);
-
-/// The one device of all targets of a process.
-test::TestDevice& device();
 
 }  // namespace fuzz
 

@@ -200,30 +200,6 @@ TEST_F(PilotTest, MissesWhatIsLeftWhenTheProgramEnds) {
         << failure.toStdString();
 }
 
-TEST_F(PilotTest, ReadsTheDatabaseWithoutWriting) {
-    test::TestDevice device;
-    device.insert(u"PDAUSER", {{u"userID", u"A"}, {u"userNAME", u"김 \"영업\""}});
-    TestScreen screen;
-    EXPECT_TRUE(play(screen,
-                     uR"(
-expect sql "SELECT userNAME FROM PDAUSER WHERE userID = 'A'" "김 \"영업\""
-expect sql "SELECT userNAME FROM PDAUSER WHERE userID = 'B'" ""
-expect sql "SELECT COUNT(*) FROM PDAUSER" 1
-)"_s)) << failure.toStdString();
-    const struct {
-        QString script;
-        QString found;
-    } cases[] = {
-        {u"expect sql \"SELECT userID FROM PDAUSER\" B"_s, u"found \"A\""_s},
-        {u"expect sql \"SELECT x FROM PDAUSER\" B"_s, u"no such column: x"_s},
-        {u"expect sql \"DELETE FROM PDAUSER\" 1"_s, u"not a SELECT"_s},
-        {u"expect sql \"DELETE FROM PDAUSER RETURNING userID\" A"_s,
-         u"attempt to write a readonly database"_s},
-    };
-    for (const auto& c : cases) EXPECT_EQ(missedBy(c.script), c.found);
-    EXPECT_EQ(device.value(u"SELECT COUNT(*) FROM PDAUSER"_s), u"1");
-}
-
 TEST_F(PilotTest, ComparesThePaper) {
     test::TestDevice device;
     const auto write = [](const QString& name, const QByteArray& content) {

@@ -184,30 +184,6 @@ TEST_F(Readers, ASerialReaderLeavesNothingInMemory) {
     ::close(master);
 }
 
-TEST_F(Readers, OneThatIsAwayIsLookedForLessAndLessOftenAndAtOnceForTheUser) {
-    CardReader::instance().enable(false);
-    ReaderSettings settings;
-    settings.kind = ReaderSettings::Kind::Serial;
-    settings.device = device_.folder() + u"/reader"_s;
-    device_.writeFile(u"\\reader", {});  // Which is no serial line.
-    {
-        test::Openings tries(settings.device);
-        QElapsedTimer waited;
-        waited.start();
-        const CardReaderLine line(settings, 20, 80);
-        EXPECT_TRUE(test::pump([&] { return tries.count() >= 5; }));
-        EXPECT_GE(waited.elapsed(), (20 + 40 + 80 + 80) * 9 / 10);
-    }
-    settings.kind = ReaderSettings::Kind::Evdev;
-    settings.device += u"-absent"_s;
-    const CardReaderLine line(settings, 3'600'000);
-    EXPECT_EQ(line.status().state, DeviceStatus::State::Fault);
-    device_.writeFile(u"\\reader-absent", {});
-    test::RecordedTraces traces;
-    CardReader::instance().enable(true);
-    EXPECT_TRUE(test::pump([&] { return traces.take().contains(u"card reader: it works again"_s); }));
-}
-
 /// The events of keys that type the text, a millisecond apart from `moment` on.
 QByteArray typed(const QByteArray& text, qint64 moment) {
     const QByteArray plain = "1234567890\r=;";
@@ -255,24 +231,6 @@ TEST_F(Readers, AKeyboardReader) {
     send(typed(kTrack2, 2'000'000) + typed(kTrack3 + '\r', 2'000'300));
     expectDrop(&traces);
     ::close(keys);
-}
-
-TEST(Keystrokes, ReportsOfAKeyboard) {
-    Keystrokes keystrokes;
-    std::string text;
-    const auto report = [&](std::initializer_list<int> bytes) {
-        QByteArray whole;
-        for (const int byte : bytes) whole.append(char(byte));
-        keystrokes.report(whole, [&](char character) { text += character; });
-    };
-    report({0, 0, 0x33, 0, 0, 0, 0, 0});     // ;
-    report({0, 0, 0x33, 0x1E, 0, 0, 0, 0});  // ; still down, and 1
-    report({0, 0, 0, 0, 0, 0, 0, 0});        // all up
-    report({0x20, 0, 0x38, 0, 0, 0, 0, 0});  // shift and /
-    report({0, 0, 1, 1, 1, 1, 1, 1});        // too many keys at once
-    report({0, 0, 0x28, 0x04, 0, 0, 0, 0});  // Enter, and a key of no card
-    report({0, 0, 0});                       // cut short
-    EXPECT_EQ(text, ";1?\r\xFF");
 }
 
 }  // namespace

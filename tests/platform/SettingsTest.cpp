@@ -16,7 +16,7 @@ TEST(Settings, GoodValuesAreTakenAndBadOnesTold) {
     device.writeFile(u"\\rovana.conf",
                      "# the van\n[printer]\ntype = serial\ndevice = /dev/ttyS7\nspeed=19200\ncut = Partial\n"
                      "ksx1001 = yes\n[Reader]\ntype = evdev\ndevice = \"/dev/input/by-id/a b\"\ntrack2 = ;\n"
-                     "track3 = ;+\ntracks = 3\n[screen]\nscale = 1.5\n[log]\nkilobytes = 64\n");
+                     "track3 = ;+\ntracks = 3\n[screen]\nscale = 1.5\n[sound]\non = no\n[log]\nkilobytes = 64\n");
     Settings settings = readSettings();
     EXPECT_EQ(settings.complaints.join(u'\n').toStdString(), "");
     EXPECT_EQ(settings.printer.kind, PrinterSettings::Kind::Serial);
@@ -31,6 +31,7 @@ TEST(Settings, GoodValuesAreTakenAndBadOnesTold) {
     EXPECT_EQ(settings.reader.tracks, ReaderSettings::Tracks::Only3);
     EXPECT_EQ(settings.scale, 1.5);
     EXPECT_EQ(settings.logKilobytes, 64);
+    EXPECT_FALSE(settings.hasSound);
 
     device.writeFile(u"\\rovana.conf", "[printer]\ntype = tcp\naddress = [fd00::2]:9101\n");
     settings = readSettings();

@@ -123,6 +123,54 @@ TEST_F(SlipPapers, AreReprintsUntilTheirSlipChanges) {
     EXPECT_TRUE(test::rollText().isEmpty());
 }
 
+TEST_F(SlipPapers, OfAVisitComeOutOnceInBothCopies) {
+    addSlip(u"A"_s, 1, u"1"_s, u"1000"_s);
+    print::SlipPapers papers(kDate, u"5001", u"A");
+    const Paper invoice = Paper::Invoice;
+    papers.print({&invoice, 1}, Copy::Seller);
+    EXPECT_EQ(papers.printVisit(false), 3);
+    EXPECT_EQ(reprints(),
+              u"거래명세서공급자용 거래명세서공급받는자용 용공인수증공급자용 용공인수증공급받는자용"_s);
+    EXPECT_EQ(papers.printVisit(false), 0);
+    EXPECT_FALSE(test::rollText().contains(u"재발행"_s));
+    EXPECT_EQ(papers.printVisit(true), 4);
+    EXPECT_EQ(test::rollText().count(u"재발행"_s), 4);
+
+    device_.execute(u"DELETE FROM MTM"_s);
+    EXPECT_EQ(print::SlipPapers(kDate, u"5001", u"A").printVisit(false), 4);
+    EXPECT_TRUE(reprints().endsWith(u"입금표공급자용 입금표공급받는자용"_s)) << "money without a sale";
+}
+
+TEST_F(SlipPapers, SayWhatOneCosts) {
+    const auto price = [&](const QString& box, const QString& bottles, const QString& supply) {
+        device_.execute(u"DELETE FROM MTM"_s);
+        device_.insert(u"MTM", {{u"DDate", kDate},
+                                {u"JunNo", u"5001"},
+                                {u"UserID", u"A"},
+                                {u"GCode", u"0001"},
+                                {u"PCode", u"1"},
+                                {u"PName", u"소주"},
+                                {u"Box", box},
+                                {u"Bon", bottles},
+                                {u"MMoney", supply}});
+        const auto invoice = print::slipPaper(Paper::Invoice, kDate, u"5001", u"A", Copy::Seller, false);
+        const QString line = invoice->lines().filter(u"소주"_s).value(0).trimmed();
+        return line.mid(line.lastIndexOf(u"  "_s)).trimmed();
+    };
+    device_.insert(u"PUMMOK",
+                   {{u"Pcode", u"1"}, {u"Size", u"1L"}, {u"BBoxMMoney", u"20000"}, {u"BBonMMoney", u"1100"}});
+    EXPECT_EQ(price(u"3"_s, u"0"_s, u"60000"_s), u"1L 20000/상자"_s);
+    EXPECT_EQ(price(u"-2"_s, u"0"_s, u"-50000"_s), u"1L 25000/상자"_s) << "as it was keyed";
+    EXPECT_EQ(price(u"0"_s, u"4"_s, u"4400"_s), u"1L 1100/본"_s);
+    EXPECT_EQ(price(u"2"_s, u"3"_s, u"43300"_s), u"1L 20000/상자 1100/본"_s);
+    for (const auto& [box, supply] : {std::pair(u"3"_s, u"10000"_s), {u"0"_s, u"0"_s}})
+        EXPECT_EQ(price(box, u"0"_s, supply), u"1L"_s);
+    EXPECT_EQ(price(u"2"_s, u"3"_s, u"43301"_s), u"1L"_s) << "no price comes to it";
+    device_.insert(u"GARAEDANGA",
+                   {{u"gcode", u"0001"}, {u"pcode", u"1"}, {u"boxmoney", u"20002"}, {u"bonmoney", u"1099"}});
+    EXPECT_EQ(price(u"2"_s, u"3"_s, u"43301"_s), u"1L 20002/상자 1099/본"_s);
+}
+
 TEST_F(SlipPapers, PrintWithoutTheTableOfAnOlderTerminal) {
     addSlip(u"A"_s, 1, u"1"_s, u"1000"_s);
     device_.execute(u"DROP TABLE PRINTLOG"_s);

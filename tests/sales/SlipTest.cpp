@@ -7,8 +7,10 @@
 
 #include "PrintAmounts.h"
 #include "platform/Clock.h"
+#include "sales/CustomerQuery.h"
 #include "sales/LineAmounts.h"
 #include "sales/SlipStore.h"
+#include "sales/UnvisitedOrders.h"
 #include "sales/WorkingSlip.h"
 #include "support/TestDevice.h"
 
@@ -158,63 +160,6 @@ TEST_F(SlipTest, LeavesAnotherCustomersLinesUnderItsNumberAlone) {
     EXPECT_FALSE(isTaken(u"lee"));
 }
 
-TEST_F(SlipTest, MovesItsCollectionByTheDifference) {
-    const struct {
-        const char* what;
-        std::int64_t supply;  ///< Of the sale that is saved in place of 1000; 0 empties it.
-        /// The collection before: sales, deposits, cash, card, earlier, unpaid, recovery.
-        QString before;
-        std::int64_t moved;
-        QString after;       ///< The same and `Gubun`; empty when the collection has gone.
-        QString receivable;  ///< From 500.
-    } cases[] = {
-        {"dearer, on credit", 3000, u"1100,23,0,0,0,1123,0"_s, 2200, u"3300,23,0,0,0,3323,0,매출"_s,
-         u"2700"_s},
-        {"cheaper, paid in cash", 500, u"1100,23,1123,0,0,0,0"_s, -550, u"550,23,1123,0,0,-550,0,매출"_s,
-         u"-50"_s},
-        {"keyed sales amounts stay apart", 3000, u"1000,23,0,1023,7,0,0"_s, 2200,
-         u"3200,23,0,1023,7,2200,0,매출"_s, u"2700"_s},
-        {"emptied, on credit", 0, u"1100,23,0,0,0,1123,0"_s, -1123, {}, u"-623"_s},
-        {"emptied, paid by card", 0, u"1100,23,0,1123,0,0,0"_s, -1123, u"0,0,0,1123,0,-1123,0,입금"_s,
-         u"-623"_s},
-        {"emptied, containers are left", 0, u"1100,23,0,0,0,1023,100"_s, -1123, u"0,0,0,0,0,-100,100,입금"_s,
-         u"-623"_s},
-        {"above the recovery, keyed", 3000, u"1100,23,-100,0,100,0,1223"_s, 2200,
-         u"3300,23,0,0,0,2100,1223,매출"_s, u"2700"_s},
-        {"above the recovery, by button", 3000, u"1100,23,0,0,100,0,1223"_s, 2200,
-         u"3300,23,0,0,0,2100,1223,매출"_s, u"2700"_s},
-        {"further below it, keyed", 500, u"1100,23,-100,0,100,0,1223"_s, -550,
-         u"550,23,-650,0,650,0,1223,매출"_s, u"-50"_s},
-        {"further below it, by button", 500, u"1100,23,0,0,100,0,1223"_s, -550,
-         u"550,23,0,0,650,0,1223,매출"_s, u"-50"_s},
-        {"as it was", 1000, u"1100,23,0,0,0,1123,0"_s, 0, u"1100,23,0,0,0,1123,0,매출"_s, u"500"_s},
-    };
-    const QString columns = u"MMoney,YGMoney,WonMoney,CardMoney,MisuInMoney,UnderMoney,YDMoney"_s;
-    for (const auto& c : cases) {
-        device.execute(u"DELETE FROM MTM; DELETE FROM MTMOK; DELETE FROM TEMP; DELETE FROM GARAE"_s);
-        device.insert(u"GARAE", {{u"GCODE", u"0001"}, {u"CJMONEY", u"500"}});
-        insertLine(line(u"0001"_s, u"1"_s, u"0"_s, won(1000, 100, 20, 3)));
-        ASSERT_EQ(saveSlip(kUser, kToday, kNumber), SaveOutcome::Saved);
-        device.execute(
-            u"INSERT INTO MTMOK (DDate,JunNo,UserID,GCode,Gubun,InMoney,%1) SELECT '%2','5001','kim',"
-            "'0001','매출',column3+column4,* FROM (VALUES (%3))"_s.arg(columns, kToday, c.before));
-        device.execute(u"DELETE FROM TEMP"_s);
-        if (c.supply != 0) insertLine(line(u"0001"_s, u"1"_s, u"0"_s, won(c.supply, c.supply / 10, 20, 3)));
-        Won moved(-1);
-        device.execute(
-            u"CREATE TRIGGER broken BEFORE UPDATE ON GARAE BEGIN SELECT RAISE(ABORT, 'no'); END"_s);
-        EXPECT_EQ(saveSlip(kUser, kToday, kNumber) == SaveOutcome::Failed, c.moved != 0) << c.what;
-        device.execute(u"DROP TRIGGER broken"_s);
-        EXPECT_NE(saveSlip(kUser, kToday, kNumber, &moved), SaveOutcome::Failed) << c.what;
-        EXPECT_EQ(moved, Won(c.moved)) << c.what;
-        QString row = device.rows(u"SELECT %1,Gubun FROM MTMOK"_s.arg(columns)).value(0).join(u',');
-        EXPECT_EQ(row, c.after) << c.what;
-        EXPECT_EQ(device.value(u"SELECT CJMONEY FROM GARAE"_s), c.receivable) << c.what;
-        EXPECT_EQ(device.value(u"SELECT sum(InMoney <> WonMoney + CardMoney) FROM MTMOK"_s),
-                  row.isEmpty() ? QString() : u"0"_s);
-    }
-}
-
 TEST_F(SlipTest, ListsASlipOfTwoStatesTwice) {
     saved(kUser, u"5001", u"0001", u"발행");
     saved(kUser, u"5001", u"0002", u"미발행");
@@ -223,6 +168,41 @@ TEST_F(SlipTest, ListsASlipOfTwoStatesTwice) {
     EXPECT_EQ(list.slips.count(), 3);
     EXPECT_EQ(list.printed, 2);
     EXPECT_EQ(list.unprinted, 1);
+}
+
+TEST_F(SlipTest, TellsHowEachSlipOfTheDayStands) {
+    device.execute(
+        u"INSERT INTO PDAUSER (userID, vatMode) VALUES ('kim', '3');"
+        "INSERT INTO GARAE (GCODE, TEL) VALUES ('0002', '031-1');"
+        "INSERT INTO MTM (DDate, UserID, JunNo, GCode, GName, WorkGubun, DTime, MMoney, YMoney) SELECT "
+        "'2024-05-07', 'kim', * FROM (VALUES ('0002', '0002', '나나', '미발행', '', '10046', '5'), "
+        "('0001', '0001', '가가', '미발행', '', '1000', '0'), ('5001', '1', '', '미발행', '09:00', '1000', "
+        "'0'), "
+        "('5002', '2', '', '결제', '09:00', '1000', '0'), ('5003', '3', '', '미발행', '09:00', '1000', '0'), "
+        "('5003', '3', '', '미발행', '09:00', '1000', '7'), ('5004', '4', '', '발행', '09:00', '0', '0'));"
+        "INSERT INTO MTMOK (DDate, UserID, JunNo, GCode, CardMoney, BANKTRANNO) VALUES "
+        "('2024-05-07', 'kim', '5001', '1', '1', ''), ('2024-05-07', 'kim', '5002', '2', '1', '42'), "
+        "('2024-05-07', 'kim', '5003', '3', '1', ''), ('2024-05-07', 'lee', '5004', '4', '1', '');"
+        "INSERT INTO PAYJOURNAL (Number, State, DDate, UserID, JunNo) VALUES "
+        "('1', 'unknown', '2024-05-07', 'kim', '5003'), ('2', 'unknown', '2024-05-06', 'kim', '5004')"_s);
+    const auto told = [](const SlipList& list) {
+        QStringList slips;
+        for (int row = 0; row < list.slips.count(); ++row)
+            slips << list.slips.at(row, 2) + list.states[row] + platform::formatWon(list.amounts[row]);
+        return slips.join(u' ');
+    };
+    const SlipList list = slipsOfDay(kUser, kToday);
+    EXPECT_EQ(told(list),
+              u"5002결제1100 5003확인중2207 5001카드미승인1100 0002미방문11105 0001미방문1100 5004발행0"_s);
+    const QList<UnvisitedOrder> orders = unvisitedOrders(kUser, kToday);
+    ASSERT_EQ(orders.size(), 2);
+    EXPECT_EQ(orders[0].gName + orders[0].tel, u"나나031-1"_s) << "as the office sent them";
+    EXPECT_EQ(orders[0].amount, Won(11105));
+    EXPECT_EQ(told(unvisitedFirst(list, orders)),
+              u"0002미방문11105 0001미방문1100 5002결제1100 5003확인중2207 5001카드미승인1100 5004발행0"_s);
+    const DaysCustomers today = customersOfDay(kToday);
+    EXPECT_TRUE(today.visited.contains(u"1"_s) && today.visited.contains(u"4"_s));
+    EXPECT_TRUE(!today.visited.contains(u"0002"_s) && today.ordered.contains(u"0002"_s));
 }
 
 TEST_F(SlipTest, DeletesEverythingOfASlip) {

@@ -12,15 +12,19 @@
 #include <QPlainTextEdit>
 #include <QRadioButton>
 #include <QScrollBar>
-#include <QSet>
 #include <QTest>
 #include <QTimer>
 
 #include "Screens.h"
+#include "app/ClockCheck.h"
 #include "app/KeypadRequest.h"
 #include "app/Session.h"
+#include "app/UnsavedWork.h"
+#include "books/OpenPayments.h"
 #include "books/TransactionRecord.h"
 #include "platform/adoce/DatabaseFile.h"
+#include "platform/termdev/TermDev.h"
+#include "sales/PriceOrigin.h"
 #include "sales/WorkingSlip.h"
 #include "support/PrintQt.h"
 #include "support/TestDevice.h"
@@ -42,8 +46,11 @@ constexpr QStringView kLargest = u"999999999";
 constexpr QStringView kDebt = u"-999999999";
 constexpr QStringView kDay = u"2026-11-21";
 constexpr int kFingerHeight = 24;
+constexpr int kRowHeight = 24;  ///< Of a list, without its second line.
 /// In place of a keypad's mode: the consonants that narrow the list are open.
 constexpr int kKeysOpen = 9;
+/// The same: the payment has been approved.
+constexpr int kApproved = 8;
 
 /// A screen as it is at its fullest: what it is opened with, and the row that is chosen in its list.
 struct Case {
@@ -57,7 +64,9 @@ constexpr Case kCases[] = {
     {"password", 130, 0, app::kTextField},
     {"one number", 130},
     {"two numbers", 130, 0, app::kTwoNumbers},
+    {"two numbers again", 130, app::kSalesWork, app::kTwoNumbers},
     {"three numbers", 130, 0, app::kThreeNumbers},
+    {"three numbers again", 130, app::kSalesWork, app::kThreeNumbers},
     {"slips", 132},
     {"sales slip", 134},
     {"product board", 138},
@@ -76,11 +85,14 @@ constexpr Case kCases[] = {
     {"import", 435},
     {"import results", 437},
     {"card payment", 449},
+    {"approved payment", 449, app::kSalesWork, kApproved},
     {"balance inquiry", 449, app::kBalanceInquiry},
     {"collection", 450},
     {"totals", 457},
     {"open payment", 459},
     {"check of the visits", 460},
+    {"unvisited orders", 461},
+    {"past orders", 465},
 };
 
 class Screens : public testing::Test {
@@ -103,6 +115,10 @@ class Screens : public testing::Test {
                 '1,000ml', '10', 'A', 'ㄲ' FROM (VALUES ('1001'), ('1002'));
             INSERT INTO MTM VALUES ('$day', '', '0001', '$shop', '5001', '미발행', '1001', '$goods', '10', '999',
                 '-999', '$most', '$debt', '$most', '$most', 'A', '');
+            INSERT INTO MTM VALUES ('$day', '', '0001', '$shop', '0009', '미발행', '1001', '$goods', '10', '999',
+                '-999', '$most', '$debt', '$most', '$most', 'A', '');
+            INSERT INTO MTM SELECT '2026-10-01', '', '0001', '$shop', '5001', '', '1001', '$goods', '10', '999', '999',
+                '$most', '$most', '$most', '$debt', 'A', '' FROM (VALUES (1), (2));
             INSERT INTO MTMOK VALUES ('$day', '', '0001', '$shop', '5001', '', 'A', '$most', '$most', '$most', '', '',
                 '', '$most', '$debt', '$most', '$debt', '$debt', '', '', '', '1');
             INSERT INTO PAYJOURNAL (Number, State, Charged, DDate, GName, JunNo)
@@ -137,10 +153,28 @@ class Screens : public testing::Test {
         const QString number = kDebt.toString();
         app::keypadRequest() = {number,      number,      number,      u"패스워드"_s,    u"공상자"_s,
                                 u"입상자"_s, u"공상자"_s, u"입상자"_s, screen.keypadMode};
+        if (screen.workMode != 0 && screen.keypadMode > app::kOneNumber) {
+            const QString asked = u"-999"_s;
+            app::keypadRequest().KeypadValue1 = app::keypadRequest().KeypadValue2 =
+                app::keypadRequest().KeypadValue3 = asked;
+            app::keypadRequest().Topic = {kLongName.toString(),
+                                          kLongProduct.toString() + u" 1,000ml"_s,
+                                          {asked, asked, asked},
+                                          [](const std::array<QString, 3>&) {
+                                              return u"상자 99,999,999 본 9,999,999 = 99,999,999,999원"_s;
+                                          }};
+        }
         std::unique_ptr<ui::Screen> made = ui::makeScreen(screen.dialog);
         terminal.show(made.get());
         if (screen.keypadMode == kKeysOpen)
             static_cast<QAbstractButton*>(made->control(ui::kNarrowButton))->click();
+        if (screen.keypadMode == kApproved) {
+            made->control(1143)->hide();
+            for (int id = 1150; id <= 1154; ++id) made->control(id)->show();
+            static_cast<QLabel*>(made->control(1150))->setText(u"승인"_s);
+            static_cast<QLabel*>(made->control(1151))->setText(u"-999,999,999원"_s);
+            static_cast<QLabel*>(made->control(1154))->setText(u"출력 대기 12건: 용지·덮개·전원 확인"_s);
+        }
         for (auto* list : made->findChildren<ui::ReportList*>()) {
             if (list->rowCount() == 0) continue;
             list->selectRow(0);
@@ -180,6 +214,11 @@ QStringList cutTexts(const ui::ReportList& list) {
             if (needed.width() > list.columnWidth(column) || needed.height() > list.rowHeight(row))
                 cut << model.index(row, column).data().toString();
         }
+    }
+    for (int row = 0; row < model.rowCount(); ++row) {
+        const QSize needed = list.detailSize(row);
+        if (needed.width() > list.viewport()->width() || needed.height() > list.rowHeight(row) - kRowHeight)
+            cut << model.index(row, 0).data(Qt::AccessibleDescriptionRole).toString();
     }
     return cut;
 }
@@ -254,6 +293,53 @@ TEST_F(Screens, HoldTheLongestTexts) {
     }
 }
 
+/// The longest that is said: of a payment in the way, of a price with a margin, of a wrong clock, of a
+/// folder.
+QStringList longestMessages() {
+    books::JournalPayment payment;
+    payment.slip.GName = kLongName.toString();
+    payment.slip.JunNo = u"10000"_s;
+    payment.slip.MSGSENDTIME = u"20261121090500"_s;
+    payment.charged = platform::Won(999999999);
+    const platform::Won most(-999999999);
+    sales::PricedLine price;
+    price.source = sales::PriceSource::CustomerMargin;
+    price.marginPercent = 100;
+    price.amounts = {most, most, most, most};
+    price.prices.boxSupply = price.prices.boxVat = price.prices.bottleSupply = price.prices.bottleVat =
+        9999999.5;
+    books::UnsavedSlip unsaved;
+    unsaved.gName = kLongName.toString();
+    unsaved.userId = u"A"_s;
+    unsaved.date = kDay.toString();
+    return {
+        books::refuseToPay(payment) + u" 지금 끝내려면 [외상처리]를 누르세요."_s,
+        u"이미 승인된 결제가 있습니다..! %1 거래번호 : 000000000000  이 결제를 전표에 되돌릴까요?"_s.arg(
+            books::describePayment(payment)),
+        sales::priceOrigin(price, -999, -999) + u"\n전표의 금액은 수정된 금액입니다."_s,
+        app::clockProblem(u"2026-11-20", QDateTime(QDate(2026, 11, 21), QTime(9, 5)), u"2026-11-22 10:00"),
+        app::newDay(kDay, QDateTime(QDate(2026, 11, 22), QTime(0, 5))),
+        app::describeUnsaved(unsaved, u"B", kDay),
+        u"저장 공간이 가득 차서 저장할 수 없습니다..! 관리자에게 알려 주세요 : /home/salesman-of-the-second-"
+        "branch/.local/share/rovana/second-terminal/My Documents"_s};
+}
+
+TEST_F(Screens, HoldTheLongestMessages) {
+    using ui::MessageBox;
+    for (const QString& text : longestMessages()) {
+        SCOPED_TRACE(text.toStdString());
+        for (const auto& [buttons, caption] :
+             {std::pair{MessageBox::Buttons::Ok, u""_s},
+              {MessageBox::Buttons::OkCancel, u"카드결제된 입금표삭제"_s},
+              {MessageBox::Buttons::YesNoCancel, u"구매자용 명세서출력"_s}}) {
+            MessageBox box(text, caption, buttons, ui::MessageIcon::Question);
+            terminal.show(&box);
+            EXPECT_THAT(faults(box), testing::IsEmpty());
+            terminal.remove(&box);
+        }
+    }
+}
+
 TEST_F(Screens, HoldTheLongestTextsInReports) {
     int reports = 0;
     QObject::connect(&terminal, &ui::Terminal::topChanged, &terminal, [&](ui::Screen* front) {
@@ -311,6 +397,60 @@ TEST_F(Screens, ImportAsksBeforeATableIsLostAndTellsWhatBecameOfEachFile) {
         EXPECT_EQ(device.value(u"SELECT count(*) FROM PUMMOK"_s), QLatin1StringView(c.rows));
         EXPECT_EQ(QFile::exists(device.folder() + u"/My Documents/PUMMOK.RVN"_s), c.isLeft);
     }
+}
+
+/// Keeps every job, as one without paper does.
+class EmptyPrinter : public platform::termdev::Printer {
+  public:
+    explicit EmptyPrinter(int* jobs) : jobs_(*jobs) {}
+    int open() override { return 1; }
+    int close() override { return ++jobs_; }
+    int initialise() override { return 1; }
+    int setSize(int) override { return 1; }
+    int print(QStringView) override { return 1; }
+    int feed(int) override { return 1; }
+    platform::termdev::DeviceStatus status() const override {
+        using Status = platform::termdev::DeviceStatus;
+        return {Status::State::Fault, jobs_, u"out of paper"_s, Status::Cause::NoPaper};
+    }
+
+  private:
+    int& jobs_;
+};
+
+TEST_F(Screens, PrintingTellsOfWaitingJobsAndAsksBeforeASecondCopy) {
+    int jobs = 0;
+    platform::termdev::setPrinter(std::make_unique<EmptyPrinter>(&jobs));
+    const auto opened = open({"printing", 142});
+    const auto text = [&](int id) { return static_cast<QLabel*>(opened->control(id))->text(); };
+    QStringList asked;
+    int answer = ui::kMessageNo;
+    QObject::connect(&terminal, &ui::Terminal::topChanged, opened.get(), [&](ui::Screen* front) {
+        auto* message = qobject_cast<ui::MessageBox*>(front);
+        if (message == nullptr) return;
+        asked << message->text();
+        QTimer::singleShot(
+            0, message, [&, message] { static_cast<QAbstractButton*>(message->control(answer))->click(); });
+    });
+    const auto press = [&](int id) { static_cast<QAbstractButton*>(opened->control(id))->click(); };
+    press(1004);
+    EXPECT_EQ(text(1057), u"출력 대기 1건: 용지 없음"_s);
+    EXPECT_EQ(text(1056), u"거래명세서 공급자용 출력 대기"_s);
+    EXPECT_THAT(asked, testing::IsEmpty());
+    EXPECT_THAT(faults(*opened), testing::IsEmpty());
+    press(1004);
+    EXPECT_EQ(jobs, 1);
+    EXPECT_EQ(asked.size(), 1);
+    answer = ui::kMessageOk;
+    press(1004);
+    EXPECT_EQ(jobs, 2);
+    press(1005);
+    EXPECT_EQ(asked.size(), 2) << "the first print of another paper is no second copy";
+    jobs = 0;
+    EXPECT_TRUE(QTest::qWaitFor([&] { return text(1057).isEmpty(); }));
+    EXPECT_EQ(text(1056), u"용공인수증 공급자용 출력"_s);
+    terminal.remove(opened.get());
+    platform::termdev::setPrinter(nullptr);
 }
 
 TEST_F(Screens, LoginTellsAMissingFolderFromAWrongPassword) {
@@ -372,31 +512,6 @@ TEST_F(Screens, SpeakToAReaderAndToTheKeys) {
         }
         terminal.remove(opened.get());
     }
-}
-
-TEST_F(Screens, ScrollUnderAFingerWithoutChoosing) {
-    device.execute(
-        u"WITH RECURSIVE code(i) AS (SELECT 1100 UNION ALL SELECT i + 1 FROM code WHERE i < 1199)"
-        "INSERT INTO PUMMOK (Pcode, Pname, Gubun, TTT) SELECT i, '소주', '공용', '' FROM code"_s);
-    const auto opened = open({"product search", 139});
-    auto* list = static_cast<ui::ReportList*>(opened->control(1090));
-    list->clearSelection();
-    app::session().action.ProductChosen = 0;
-    QWidget* finger = list->viewport();
-    const QPoint start(60, 150);
-    QTest::mousePress(finger, Qt::LeftButton, {}, start);
-    for (int way = 10; way <= 100; way += 10) QTest::mouseMove(finger, start - QPoint(0, way));
-    EXPECT_EQ(list->verticalScrollBar()->value(), 100);
-    QTest::mouseRelease(finger, Qt::LeftButton, {}, start - QPoint(0, 100));
-    EXPECT_EQ(list->selectedRow(), -1);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return list->verticalScrollBar()->value() > 110; })) << "runs on";
-    // The touch that stops it chooses nothing either; the next one does.
-    QTest::mouseClick(finger, Qt::LeftButton, {}, start);
-    EXPECT_EQ(app::session().action.ProductChosen, 0);
-    QTest::mouseClick(finger, Qt::LeftButton, {}, start);
-    EXPECT_EQ(app::session().action.ProductChosen, 1);
-    EXPECT_EQ(list->selectedRow(), list->rowAt(start.y()));
-    terminal.remove(opened.get());
 }
 
 }  // namespace

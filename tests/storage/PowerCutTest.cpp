@@ -224,36 +224,6 @@ TEST_F(PowerCutTest, ABackupIsTheOldOneOrTheNewOne) {
         });
 }
 
-TEST_F(PowerCutTest, AnExportIsTheOldOneOrTheNewOne) {
-    const auto filesIn = [](const QString& folder) {
-        QByteArrayList files;
-        for (const QFileInfo& file : QDir(folder).entryInfoList(QDir::Files, QDir::Name))
-            files << file.fileName().toUtf8() + '\n' + contentOf(file.filePath());
-        return files;
-    };
-    const auto exportTo = [](const QString& folder) {
-        return command({u"export"_s, u"--date"_s, u"2024-03-29"_s, u"--out"_s, folder});
-    };
-    ASSERT_TRUE(exportTo(device_.folder() + u"/out"_s));
-    const QByteArrayList before = filesIn(device_.folder() + u"/out"_s);
-    ASSERT_TRUE(storedChanges().front().make());
-    ASSERT_TRUE(exportTo(device_.folder() + u"/other"_s));
-    const QByteArrayList after = filesIn(device_.folder() + u"/other"_s);
-    ASSERT_TRUE(before.size() == 6 && after.size() == 6 && before != after);
-    cutEverywhere(
-        "export",
-        [&](const auto& mark) {
-            EXPECT_TRUE(exportTo(device_.folder() + u"/out"_s));
-            mark();
-        },
-        [&](int done) {
-            const QString out = cut_.path() + u"/out"_s;
-            const QByteArrayList found = filesIn(QDir(out).exists() ? out : out + u".export-old"_s);
-            const bool isWhole = found == after || (done == 0 && found == before);
-            return isWhole && exportTo(out) && filesIn(out) == after;
-        });
-}
-
 TEST_F(PowerCutTest, AnArchiveTakesEverySlipOrNone) {
     const QString name = u"/old.cdb"_s;
     const auto archive = [&](const QString& folder) {

@@ -82,22 +82,6 @@ TEST_F(BackupTest, CopiesWhatIsSavedWhileATerminalIsInTheMiddleOfAChange) {
     EXPECT_TRUE(readFile(kept).contains("after"));
 }
 
-TEST_F(BackupTest, DeletesWhatAKilledRunLeftAndNothingElse) {
-    const QStringList others{u"safe.cdb.unfinished-toolong"_s,     u"other.cdb.unfinished-a7Xk2Q"_s,
-                             u"other.cdb.unfinished-a7Xk2Q-wal"_s, u"safe.cdb.unfinished-living-wal"_s,
-                             u"safe.cdb.unfinished-toolong-wal"_s, u"safe.cdb.unfinished-living"_s};
-    for (const QString& name : others) writeFile(name, "x");
-    QFile living(folder() + u'/' + others.last());
-    ASSERT_TRUE(living.open(QIODevice::ReadOnly));
-    ASSERT_EQ(::flock(living.handle(), LOCK_EX), 0);
-    const QStringList left{u"safe.cdb.unfinished-a7Xk2Q"_s, u"safe.cdb.unfinished-a7Xk2Q-journal"_s,
-                           u"safe.cdb.unfinished-a7Xk2Q-wal"_s, u"safe.cdb.unfinished-b7Xk2Q-shm"_s};
-    for (const QString& name : left) writeFile(name, "x");
-    backUp();
-    for (const QString& name : others) EXPECT_TRUE(QFile::exists(folder() + u'/' + name)) << narrow(name);
-    for (const QString& name : left) EXPECT_FALSE(QFile::exists(folder() + u'/' + name)) << narrow(name);
-}
-
 TEST_F(BackupTest, RefusesAndLeavesEverythingAsItWas) {
     backUp();
     name(QString(20000, u'x'));

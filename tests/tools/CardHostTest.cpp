@@ -71,49 +71,5 @@ TEST_F(CardHostTest, WritesWhatTheTerminalReads) {
     EXPECT_EQ(set(u"127.0.0.1"_s, u"2"_s, key, {u"--terminal"_s, u"4711"_s}).exitCode, admin::kSuccess);
 }
 
-TEST_F(CardHostTest, WrongValuesChangeNothing) {
-    makeDevice();
-    const QString key = writeFile(u"host.pub"_s, QByteArray(64, 'a'));
-    const QString noKey = writeFile(u"no.pub"_s, QByteArray(63, 'a'));
-    const struct {
-        QString host, port, key;
-        QStringList more;
-        int exitCode;
-    } cases[] = {
-        {u"0.0.0.0"_s, u"1"_s, key, {}, admin::kUsageError},
-        {u"127.0.0.1"_s, u"65536"_s, key, {}, admin::kUsageError},
-        {u"127.0.0.1:1"_s, u"2"_s, key, {}, admin::kUsageError},
-        {u"127.0.0.1"_s, u"1"_s, key, {u"--terminal"_s, u"x"_s}, admin::kUsageError},
-        {u"127.0.0.1"_s, u"1"_s, noKey, {}, admin::kFailure},
-    };
-    for (const auto& [host, port, keyFile, more, exitCode] : cases) {
-        const Ended ended = set(host, port, keyFile, more);
-        EXPECT_EQ(ended.exitCode, exitCode) << narrow(ended.err);
-        EXPECT_FALSE(ended.err.isEmpty());
-    }
-    EXPECT_EQ(run({u"card-host"_s, u"--host"_s, u"127.0.0.1"_s}).exitCode, admin::kUsageError);
-    EXPECT_FALSE(QFileInfo::exists(platform::device::path(kSavedValuesFile)));
-    EXPECT_FALSE(QFileInfo::exists(platform::device::path(kHostKeyFile)));
-    // A key that hosts may know is not replaced, whatever is left of it.
-    writeFile(u"Flash Disk/KSNETMSG.key"_s, "half a key");
-    EXPECT_TRUE(set(u"127.0.0.1"_s, u"1"_s, key).err.contains(u"KSNETMSG.key holds no key"_s));
-    EXPECT_EQ(readFile(platform::device::path(kSigningKeyFile)), "half a key");
-}
-
-TEST_F(CardHostTest, ATerminalWithoutANumberGetsOneOfItsOwn) {
-    makeDevice();
-    const QString key = writeFile(u"host.pub"_s, QByteArray(64, 'a'));
-    QStringList numbers;
-    for (int i = 0; i < 2; ++i) {
-        ASSERT_TRUE(writeSavedValues({}));
-        ASSERT_EQ(set(u"127.0.0.1"_s, u"1"_s, key).exitCode, admin::kSuccess);
-        QString number;
-        ASSERT_EQ(readSavedValue(kTerminalKey, &number), kDone);
-        EXPECT_EQ(number.size(), 10);
-        numbers << number;
-    }
-    EXPECT_NE(numbers[0], numbers[1]);
-}
-
 }  // namespace
 }  // namespace test

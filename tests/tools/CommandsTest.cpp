@@ -4,7 +4,6 @@
 
 #include "AdminTest.h"
 #include "db/MasterImport.h"
-#include "totals/DayClose.h"
 
 namespace test {
 namespace {
@@ -89,33 +88,6 @@ TEST_F(CommandsTest, PriceAnswersOneQuestionOrMany) {
     EXPECT_EQ(narrow(lines[5]), "tier\t30\t2\t0\t6");
 }
 
-TEST_F(CommandsTest, SlipsAreSummedByNumberAndUser) {
-    makeDevice();
-    execute(
-        u"INSERT INTO MTM (DDate, GName, JunNo, UserID, WorkGubun, MMoney, BMoney, YMoney, GMoney) VALUES"
-        "('2024-03-29', '가람', '5001', 'A', '발행', '1040', '100', '10', '1'),"
-        "('2024-03-29', '가람', '5001', 'A', '발행', '2000', '200', '', 'x'),"
-        "('2024-03-29', '나루', '5001', 'B', '미발행', '-5', '0', '0', '0'),"
-        "('2024-03-28', '어제', '5001', 'A', '발행', '1', '1', '1', '1')"_s);
-    // A's totals round to a hundred won.
-    execute(u"DELETE FROM PDAUSER; INSERT INTO PDAUSER (userID, vatMode) VALUES ('A', '3')"_s);
-    const QString heading = u"state\tcustomer\tnumber\tuser\tlines\ttotal\n"_s;
-    const QString first = u"발행\t가람\t5001\tA\t2\t3311\n"_s;
-    const QString second = u"미발행\t나루\t5001\tB\t1\t-5\n"_s;
-    EXPECT_EQ(narrow(run({u"slips"_s, u"--date"_s, kDay}).out), narrow(heading + first + second));
-    EXPECT_EQ(narrow(run({u"slips"_s, u"--date"_s, kDay, u"--user"_s, u"B"_s}).out),
-              narrow(heading + second));
-
-    const QStringList print{u"print"_s, u"sale"_s, u"5001"_s, u"--date"_s};
-    EXPECT_EQ(run(print + QStringList{kDay}).exitCode, admin::kUsageError) << "two users have that number";
-    EXPECT_EQ(run(print + QStringList{u"2024-03-27"_s}).exitCode, admin::kFailure);
-    EXPECT_EQ(run(print + QStringList{kDay, u"--user"_s, u"C"_s}).exitCode, admin::kFailure);
-    const Ended paper = run(print + QStringList{kDay, u"--user"_s, u"A"_s, u"--copy"_s, u"buyer"_s});
-    EXPECT_EQ(paper.exitCode, admin::kSuccess);
-    EXPECT_TRUE(paper.out.contains(u"가람"_s) && paper.out.contains(u"공급받는자 보관용"_s))
-        << narrow(paper.out);
-}
-
 TEST_F(CommandsTest, PrintsWhatWasPaid) {
     makeDevice();
     execute(
@@ -142,34 +114,6 @@ TEST_F(CommandsTest, PrintsWhatWasPaid) {
         EXPECT_EQ(ended.exitCode, c.exitCode) << narrow(c.document + c.number);
         EXPECT_TRUE(ended.out.contains(c.printed)) << narrow(ended.out);
         EXPECT_EQ(ended.err.isEmpty(), c.exitCode == admin::kSuccess) << narrow(ended.err);
-    }
-}
-
-TEST_F(CommandsTest, TotalsAreTextOrTables) {
-    makeDevice();
-    execute(
-        u"INSERT INTO GARAE (GCODE, GNAME, CJMONEY, USERID) VALUES ('0001', '가람, 본점', '-500', 'A'), "
-        "('0002', '나루', '700', 'B')"_s);
-    const auto totals = [&](const QStringList& options) {
-        return run(QStringList{u"totals"_s, u"--date"_s, kDay} + options);
-    };
-    EXPECT_EQ(narrow(totals({u"--report"_s, u"receivables"_s, u"--csv"_s}).out),
-              "코드,거래처명,채권잔액\n0001,\"가람, 본점\",-500\n0002,나루,700\n");
-    const QString own = totals({u"--report"_s, u"receivables"_s, u"--user"_s, u"A"_s}).out;
-    EXPECT_TRUE(own.contains(u"영업사원: 사용자\n"_s)) << narrow(own);
-    EXPECT_TRUE(own.contains(u"합계                        -500\n"_s)) << narrow(own);
-    EXPECT_EQ(totals({}).out.count(u"작업일자: "_s + kDay), 5);
-    // Two closes of one user; of a day without any, what there is to close.
-    const auto close = [&] { return totals({u"--report"_s, u"close"_s}).out; };
-    EXPECT_TRUE(close().contains(u"마감전 집계"_s) && !close().contains(u"현금시재"_s)) << narrow(close());
-    EXPECT_TRUE(totals::closeDay(kDay, u"A", platform::Won(700)));
-    EXPECT_TRUE(totals::closeDay(kDay, u"A", platform::Won(0)));
-    execute(u"CREATE TRIGGER full BEFORE INSERT ON DAYCLOSE BEGIN SELECT RAISE(ABORT, 'no'); END"_s);
-    EXPECT_FALSE(totals::closeDay(kDay, u"A", platform::Won(5)));
-    EXPECT_EQ(close().count(u"과입"_s), 1) << narrow(close());
-    EXPECT_EQ(close().count(u"1차 현금시재"_s), 1) << narrow(close());
-    for (const QString& user : {u"Z"_s, u""_s}) {
-        EXPECT_EQ(totals({u"--user"_s, user}).exitCode, admin::kUsageError) << narrow(user);
     }
 }
 

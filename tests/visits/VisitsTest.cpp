@@ -134,7 +134,8 @@ TEST_P(Visit, Plays) {
         ASSERT_EQ(prepare(device, ownRows), "");
     }
     openToOthers(device);
-    const Outcome played = run(u"rovana-play"_s, {GetParam(), u"--device"_s, device});
+    const Outcome played = run(
+        u"rovana-play"_s, {GetParam(), u"--device"_s, device, u"--clock"_s, kDay.toString() + u" 09:05"_s});
     EXPECT_TRUE(played.isDone) << played.output;
     if (visit.completeBaseName() == u"day") {
         for (const QStringList& keep :

@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <iterator>
 #include <optional>
-#include <utility>
 
 #include "platform/WholeFile.h"
+#include "rovana-play/LineReader.h"
 
 namespace pilot {
 namespace {
@@ -32,6 +32,8 @@ enum class Operand {
     Texts,      ///< A dialog and "CONTROL=TEXT" for each of its controls, a step for each.
     Login,      ///< A user's id and password.
     Import,     ///< Nothing: loads the waiting files and answers what is said after it.
+    Sale,       ///< A customer and any number of lines, each of a code, boxes and bottles.
+    Settling,   ///< How an entered sale is settled.
     Moment,     ///< "2026-11-21 09:05", seconds if wanted.
 };
 
@@ -49,6 +51,8 @@ const QList<Syntax>& syntaxes() {
         {u"patience", Command::Patience, {Number}, u"SECONDS"},
         {u"login", Command::Type, {Login}, u"ID PASSWORD"},
         {u"import", Command::Answer, {Import}, u""},
+        {u"sale", Command::Press, {Sale}, u"CUSTOMER [CODE BOXES BOTTLES ...]"},
+        {u"settle", Command::Press, {Settling}, u"cash|card|credit"},
         {u"press", Command::Press, {Addresses}, u"D.C ... [keys KEY ...]"},
         {u"press2", Command::DoublePress, {Addresses}, u"D.C ..."},
         {u"slide", Command::Slide, {Address, Goal}, u"D.C D.C"},
@@ -56,6 +60,7 @@ const QList<Syntax>& syntaxes() {
         {u"keys", Command::KeypadKey, {KeypadKeys}, u"DIGITS|00|-|next|again|erase|ok|cancel ..."},
         {u"row", Command::Row, {Address, Row}, u"D.C N|=TEXT"},
         {u"row2", Command::DoubleRow, {Address, Row}, u"D.C N|=TEXT"},
+        {u"cell", Command::Cell, {Address, Position, Position}, u"D.C ROW COLUMN"},
         {u"drag", Command::DragRow, {Address, Position, Position}, u"D.C N N"},
         {u"answer", Command::Answer, {Reply}, u"ok|cancel|yes|no [TEXT]"},
         {u"key", Command::Key, {Keys}, u"NAME ..."},
@@ -78,6 +83,8 @@ const QList<Syntax>& syntaxes() {
         {u"expect sql", Command::ExpectSql, {Word, Text}, u"\"SELECT ...\" TEXT"},
         {u"expect roll", Command::ExpectRoll, {Text}, u"FILE"},
         {u"expect printed", Command::ExpectPrinted, {Number, Text}, u"N LINE"},
+        {u"expect touches", Command::ExpectTouches, {Number}, u"N"},
+        {u"count", Command::Count, {Name}, u"NAME"},
         {u"tear", Command::Tear, {}, u""},
         {u"host", Command::Host, {Text}, u"\"OPTIONS\""},
         {u"swipe", Command::Swipe, {Word}, u"CARD [KEYS ...]"},
@@ -150,72 +157,6 @@ std::optional<Address> address(QStringView word) {
     const std::optional<int> control = wholeNumber(word.sliced(point + 1), 1);
     return dialog && control ? std::optional(Address{*dialog, *control}) : std::nullopt;
 }
-
-/// Takes a line apart from the left. The first error stays.
-class LineReader {
-  public:
-    explicit LineReader(QStringView line) : rest_(line.trimmed()) {}
-
-    const QString& error() const { return error_; }
-    bool atEnd() const { return rest_.isEmpty(); }
-    QStringView rest() const { return rest_; }
-    QStringView nextWord() const { return rest_.first(blankFrom(0)); }
-
-    QString word() {
-        if (rest_.startsWith(u'"')) return quotedText();
-        const QString result = nextWord().toString();
-        skip(result.size());
-        return result;
-    }
-
-    QString text() {
-        if (rest_.isEmpty()) return missing(u"a text is missing; \"\" is the empty one"_s);
-        if (!rest_.startsWith(u'"')) return std::exchange(rest_, {}).toString();
-        const QString result = quotedText();
-        if (!atEnd()) fail(u"something follows the quoted text"_s);
-        return result;
-    }
-
-    void skip(qsizetype characters) { rest_ = rest_.sliced(characters).trimmed(); }
-    void fail(const QString& error) {
-        if (error_.isEmpty()) error_ = error;
-    }
-
-  private:
-    qsizetype blankFrom(qsizetype start) const {
-        qsizetype at = start;
-        while (at < rest_.size() && !rest_[at].isSpace()) ++at;
-        return at;
-    }
-
-    QString missing(const QString& error) {
-        fail(error);
-        return {};
-    }
-
-    QString quotedText() {
-        QString result;
-        for (qsizetype at = 1; at < rest_.size(); ++at) {
-            if (rest_[at] == u'"') {
-                if (blankFrom(at) != at + 1) return missing(u"something follows the quoted text"_s);
-                skip(at + 1);
-                return result;
-            }
-            if (rest_[at] != u'\\') {
-                result += rest_[at];
-                continue;
-            }
-            const QChar escaped = ++at < rest_.size() ? rest_[at] : QChar();
-            if (escaped != u'n' && escaped != u'"' && escaped != u'\\')
-                return missing(uR"(a backslash in quotes stands before n, " or \ only)"_s);
-            result += escaped == u'n' ? u'\n' : escaped;
-        }
-        return missing(u"the quoted text has no end"_s);
-    }
-
-    QStringView rest_;
-    QString error_;
-};
 
 void readAddress(LineReader& line, Address* at) {
     const QString word = line.word();
@@ -302,6 +243,8 @@ void readOperand(Operand operand, LineReader& line, Step* step) {
         case Operand::Texts:
         case Operand::Login:
         case Operand::Import:
+        case Operand::Sale:
+        case Operand::Settling:
             return;
     }
 }
@@ -335,6 +278,34 @@ QList<Step> readKeypadKeys(LineReader& line, const Step& base) {
     return steps;
 }
 
+QList<Step> parseLine(QStringView text, int number, QString* error);
+
+/// The steps of "sale": from the menu to a slip of that customer with its lines.
+QList<Step> readSale(LineReader& line, int number) {
+    QString ignored;
+    const auto say = [&](const QString& text) { return parseLine(text, number, &ignored); };
+    QList<Step> steps = say(u"press 102.1044 132.1002 143.1035"_s);
+    steps += say(u"row2 144.1054 ="_s + quoted(line.word()));
+    while (!line.atEnd() && line.error().isEmpty()) {
+        QStringList counts;
+        for (int i = 0; i < 3; ++i) {
+            if (!wholeNumber(line.nextWord(), 0)) line.fail(u"no CODE BOXES BOTTLES: %1"_s.arg(line.rest()));
+            counts << line.word();
+        }
+        steps += say(u"press 134.1010 keys %1 ok %2 next %3 ok"_s.arg(counts[0], counts[1], counts[2]));
+    }
+    return steps;
+}
+
+/// The steps of "settle": from a slip with lines to what follows its saved collection.
+QList<Step> readSettling(LineReader& line, int number) {
+    const QString way = line.word();
+    const int button = way == u"cash" ? 1098 : way == u"card" ? 1097 : way == u"credit" ? 1083 : 0;
+    if (button == 0) line.fail(u"no way to settle: %1"_s.arg(way));
+    QString ignored;
+    return parseLine(u"press 134.1003 450.%1 450.1003"_s.arg(button), number, &ignored);
+}
+
 /// The steps of a line of any number of them, `base` for each.
 QList<Step> readSeveral(Operand operand, LineReader& line, const Step& base) {
     QList<Step> steps;
@@ -345,6 +316,11 @@ QList<Step> readSeveral(Operand operand, LineReader& line, const Step& base) {
         steps.last().texts = texts;
     };
     if (operand == Operand::KeypadKeys) return readKeypadKeys(line, base);
+    if (operand == Operand::Sale || operand == Operand::Settling) {
+        steps = operand == Operand::Sale ? readSale(line, base.line) : readSettling(line, base.line);
+        for (Step& step : steps) step.source = base.source;
+        return steps;
+    }
     if (operand == Operand::Login) {
         const QString id = line.word();
         add(Command::Type, kLoginId, {id});
@@ -410,7 +386,7 @@ QList<Step> parseLine(QStringView text, int number, QString* error) {
         step.command = syntax->command;
         using enum Operand;
         const Operand first = syntax->operands.value(0, Text);
-        if (first >= KeypadKeys && first <= Import) {
+        if (first >= KeypadKeys && first <= Settling) {
             steps = readSeveral(first, line, step);
             if (line.error().isEmpty() && !line.atEnd()) line.fail(u"too much: %1"_s.arg(line.rest()));
         } else {
@@ -472,7 +448,7 @@ Script parseScript(const QString& text) {
     return script;
 }
 
-Script readScript(const QString& file) {
+Script readScript(const QString& file, const QString& clock) {
     Script script;
     QString error;
     if (const auto content = platform::readWholeFile(file, &error); !content) {
@@ -484,6 +460,11 @@ Script readScript(const QString& file) {
             script.errors << u"is not in UTF-8"_s;
         } else {
             script = parseScript(text);
+            const bool hasClock = !script.steps.isEmpty() && script.steps.first().command == Command::Clock;
+            if (!clock.isEmpty() && !hasClock) {
+                script.steps = parseLine(u"clock "_s + clock, 0, &error) + script.steps;
+                if (!error.isEmpty()) script.errors << error;
+            }
         }
     }
     script.file = file;

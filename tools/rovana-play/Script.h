@@ -21,6 +21,7 @@ enum class Command {
     KeypadNext,
     Row,
     DoubleRow,
+    Cell,
     DragRow,
     Answer,
     Key,
@@ -39,6 +40,8 @@ enum class Command {
     ExpectSql,
     ExpectRoll,
     ExpectPrinted,
+    ExpectTouches,
+    Count,
     Tear,
     Host,
     Swipe,
@@ -85,7 +88,8 @@ struct Script {
 /// Reads a script. Lines in error are told in `errors`, the others are read all the same.
 Script parseScript(const QString& text);
 
-/// Reads a script file in UTF-8. A file that cannot be read makes a script with one error.
-Script readScript(const QString& file);
+/// Reads a script file in UTF-8. A file that cannot be read makes a script with one error. One that sets no
+/// clock before its first step begins at `clock`, "YYYY-MM-DD HH:MM", if that is given.
+Script readScript(const QString& file, const QString& clock = {});
 
 }  // namespace pilot

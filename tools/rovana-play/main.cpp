@@ -36,8 +36,10 @@ struct Call {
     QString script;
     QString device;
     QString scale;  ///< Empty for Qt's own.
+    QString clock;  ///< When the script begins that does not say so; empty for the system's clock.
     bool isOnDesk = false;
     bool isByPointer = false;
+    bool tellsTouches = false;
     pilot::Options options;
 };
 
@@ -54,7 +56,10 @@ std::optional<int> readCall(int argc, char** argv, Call* call) {
     const QCommandLineOption onDesk(u"desk"_s, u"Shows the terminal on its desk, as rovana --desk does."_s);
     const QCommandLineOption byPointer(
         u"xdotool"_s, u"Moves the display's own pointer and strikes its keys, on X11 by xdotool."_s);
-    parser.addOptions({device, shots, scale, pace, onDesk, byPointer});
+    const QCommandLineOption clock(u"clock"_s, u"When a script that does not say so itself begins."_s,
+                                   u"YYYY-MM-DD HH:MM"_s);
+    const QCommandLineOption touches(u"touches"_s, u"Tells how many touches each counted visit took."_s);
+    parser.addOptions({device, shots, scale, pace, onDesk, byPointer, clock, touches});
 
     QStringList arguments;
     for (int i = 0; i < argc; ++i) arguments << QString::fromLocal8Bit(argv[i]);
@@ -74,7 +79,9 @@ std::optional<int> readCall(int argc, char** argv, Call* call) {
         return fail(u"no scale: %1"_s.arg(call->scale), kUsageError);
     call->isOnDesk = parser.isSet(onDesk);
     call->isByPointer = parser.isSet(byPointer);
+    call->tellsTouches = parser.isSet(touches);
     call->options.shots = parser.value(shots);
+    call->clock = parser.value(clock);
     call->options.paceMs = parser.value(pace).toInt();
     call->options.approve = qEnvironmentVariableIntValue("ROVANA_APPROVE") == 1;
     return std::nullopt;
@@ -96,6 +103,11 @@ int play(const pilot::Script& script, const Call& call, QWidget& window) {
     // At once: a program that hangs while it closes shall still have told why.
     QObject::connect(&player, &pilot::Pilot::missed, &player,
                      [](const QString& failure) { fail(failure, 1); });
+    if (call.tellsTouches) {
+        QObject::connect(&player, &pilot::Pilot::counted, &player, [](const QString& name, int touches) {
+            std::printf("%s=%d\n", qUtf8Printable(name), touches);
+        });
+    }
     int exitCode = 0;
     QTimer::singleShot(0, &window, [&] {
         player.start();
@@ -117,7 +129,7 @@ int main(int argc, char* argv[]) {
 
     ui::useOwnFontList();
     QApplication application(argc, argv);
-    const pilot::Script script = pilot::readScript(call.script);
+    const pilot::Script script = pilot::readScript(call.script, call.clock);
     for (const QString& error : script.errors) fail(u"%1: %2"_s.arg(script.file, error), kUsageError);
     if (!script.errors.isEmpty()) return kUsageError;
 

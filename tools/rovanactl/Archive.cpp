@@ -19,7 +19,7 @@ using namespace Qt::Literals::StringLiterals;
 constexpr QStringView kTables[] = {u"MTM", u"MTMOK", u"YTM", u"PAYJOURNAL", u"PRINTLOG"};
 /// What nobody reads in an archive.
 constexpr QStringView kLeftOut[] = {u"TEMP",       u"YTEMP",        u"GARAEDANGA", u"GARAEMAJIN",
-                                    u"MASTERLOAD", u"IMPORTREJECT", u"IMPORTLOG"};
+                                    u"MASTERLOAD", u"IMPORTREJECT", u"IMPORTLOG",  u"UNSAVED"};
 
 /// The condition for a row of the table to leave.
 QString leaves(QStringView table) {

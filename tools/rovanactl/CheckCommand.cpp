@@ -172,13 +172,20 @@ void checkTables(SqliteFile& database, Findings& findings) {
 }
 
 /// A slip being written stands in the working tables. Without a terminal that writes one, its rows are what a
-/// terminal left that died; the next work in the menu would drop them.
+/// terminal left that died: one that was not saved is offered at login, the next work in the menu drops them.
 void checkWorkingRows(SqliteFile& database, Findings& findings) {
     for (const QString& table : {u"TEMP"_s, u"YTEMP"_s}) {
         const auto rows = database.rows(u"SELECT COUNT(*) FROM "_s + table);
         if (!rows || rows->first().first() == u"0") continue;
         const QString what =
             u"%1 holds %2 rows of a slip that is not saved"_s.arg(table, rows->first().first());
+        const auto writer =
+            database.rows(u"SELECT UserID FROM UNSAVED WHERE Slip = ? AND Changed = '1'"_s, {table});
+        if (writer && !writer->isEmpty()) {
+            findings.note(what %
+                          u"; the terminal offers them to user %1 at login"_s.arg(writer->first().first()));
+            continue;
+        }
         if (!findings.repairs()) {
             findings.note(what % u"; the terminal drops them when it starts the next one"_s);
             continue;

@@ -2,20 +2,27 @@
 
 #include <QStringDecoder>
 #include <algorithm>
+#include <optional>
+
+#include "platform/CodePage.h"
 
 namespace admin {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-/// The line that holds the first bytes that are no UTF-8; 0 when there are none.
-int firstBrokenLine(QByteArrayView content) {
+/// The text of UTF-8; nothing when it is none.
+std::optional<QString> decodeUtf8(QByteArrayView bytes) {
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    const QString text = decoder(bytes);
+    return decoder.hasError() ? std::nullopt : std::optional(text);
+}
+
+/// The line that holds the first bytes that `decode` does not take; 0 when there are none.
+int firstBrokenLine(QByteArrayView content, std::optional<QString> (*decode)(QByteArrayView)) {
     for (int line = 1; !content.isEmpty(); ++line) {
         const qsizetype end = content.indexOf('\n');
-        const QByteArrayView bytes = end < 0 ? content : content.first(end);
-        QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-        const QString text = decoder(bytes);
-        if (decoder.hasError()) return line;
+        if (!decode(end < 0 ? content : content.first(end))) return line;
         content = end < 0 ? QByteArrayView() : content.sliced(end + 1);
     }
     return 0;
@@ -89,12 +96,18 @@ class Reader {
 }  // namespace
 
 CsvFile parseCsv(QByteArrayView content) {
-    if (const int line = firstBrokenLine(content); line != 0) {
-        return {{}, u"line %1: the text is not UTF-8"_s.arg(line)};
+    if (content.startsWith(kCsvMark)) {
+        content = content.sliced(kCsvMark.size());
+        if (const int line = firstBrokenLine(content, decodeUtf8); line != 0)
+            return {{}, u"line %1: the text is not UTF-8"_s.arg(line)};
     }
-    if (content.startsWith("\xEF\xBB\xBF")) content = content.sliced(3);
-    const QString text = QString::fromUtf8(content);
-    return Reader(text).read();
+    // Korean spreadsheets write code page 949 unless they are told otherwise.
+    std::optional<QString> text = decodeUtf8(content);
+    if (!text) text = platform::codepage::decode(content);
+    if (text) return Reader(*text).read();
+    const int line =
+        std::max(firstBrokenLine(content, decodeUtf8), firstBrokenLine(content, platform::codepage::decode));
+    return {{}, u"line %1: the text is neither UTF-8 nor code page 949"_s.arg(line)};
 }
 
 QByteArray csvLine(const QStringList& fields) {

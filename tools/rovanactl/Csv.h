@@ -18,8 +18,11 @@ struct CsvFile {
     QString error;             ///< What is wrong and on which line; empty when the whole file was read.
 };
 
-/// Reads comma-separated values as RFC 4180 writes them, in UTF-8, with or without a byte order mark. A field
-/// in double quotes may hold commas, line ends and doubled quotes. Empty lines are skipped.
+/// The mark by which a spreadsheet knows UTF-8 and so opens a table as Hangul.
+inline constexpr QByteArrayView kCsvMark("\xEF\xBB\xBF", 3);
+
+/// Reads comma-separated values as RFC 4180 writes them, in UTF-8 with or without its mark, or in code page
+/// 949. A field in double quotes may hold commas, line ends and doubled quotes. Empty lines are skipped.
 CsvFile parseCsv(QByteArrayView content);
 
 /// One record as parseCsv() reads it back, in UTF-8 with its line end; only fields that need quotes have

@@ -89,6 +89,7 @@ Written writeSlips(const SlipKind& kind, const QString& date, SqliteFile& databa
     const QStringList columns = columnsOf(kind);
     const qsizetype number = columns.indexOf(u"JunNo");
     const qsizetype user = columns.indexOf(u"UserID");
+    folder.write(csv, kCsvMark);
     folder.write(csv, csvLine(columns));
     Written written;
     QStringList slip;
@@ -162,7 +163,8 @@ constinit const Command kExportCommand{
     u"export",
     u"",
     u"writes a day's slips for the office",
-    u"Sales, container and collection slips as *.csv (UTF-8, with a heading) and as *.RVN (code page 949).\n"
+    u"Sales, container and collection slips as *.csv (UTF-8 with its mark, and a heading) and as *.RVN (code "
+    u"page 949).\n"
     u"All six files or none; the same slips give the same bytes. MTM.RVN is what the import reads.",
     0,
     0,

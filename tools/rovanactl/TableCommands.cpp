@@ -220,8 +220,8 @@ constinit const Command kLoadCommand{
     u"load",
     u"TABLE FILE.csv",
     u"replaces PDAUSER, config, JGUBUN, MPUMMOK or BankMoney",
-    u"FILE.csv is UTF-8; its first line names the table's columns, in any order and case. When anything\n"
-    u"in it is wrong the table stays as it was.",
+    u"FILE.csv is UTF-8 or code page 949; its first line names the table's columns, in any order and case.\n"
+    u"When anything in it is wrong the table stays as it was.",
     2,
     2,
     nullptr,

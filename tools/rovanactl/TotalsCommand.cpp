@@ -40,6 +40,7 @@ void writeCsv(QTextStream& out, const totals::Report& report) {
 /// Writes them with an empty line between two.
 void writeReports(const Invocation& call, const QList<totals::Report>& reports) {
     bool isFirst = true;
+    if (call.options.isSet(u"csv"_s)) call.out << QChar(QChar::ByteOrderMark);
     for (const totals::Report& report : reports) {
         if (!std::exchange(isFirst, false)) call.out << u'\n';
         if (call.options.isSet(u"csv"_s)) {

@@ -128,7 +128,7 @@ void CCollectionEntryDlg::addPaymentRows() {
 void CCollectionEntryDlg::load() {
     app::SessionValues& session = app::session();
     app::ActionValues& action = session.action;
-    const OpenedEntry entry = openEntry({session.WorkDate, action.JunNo, session.UserID, action.GCode});
+    const OpenedEntry entry = openEntry(identity());
     amounts_ = entry.amounts;
     action.GCode = entry.gCode;
     action.CrateDepositSum = entry.crateDeposit;
@@ -136,7 +136,31 @@ void CCollectionEntryDlg::load() {
     isApproved_ = entry.saved && entry.saved->isApproved();
     if (isApproved_) approvedCard_ = amounts_.card;
     setSimplePayment(entry.saved && entry.saved->isSimplePayment());
+    goOnWithKept(entry);
     takeOverContainers(entry.saved);
+}
+
+books::SlipIdentity CCollectionEntryDlg::identity() {
+    const app::SessionValues& session = app::session();
+    return {session.WorkDate, session.action.JunNo, session.UserID, session.action.GCode};
+}
+
+void CCollectionEntryDlg::goOnWithKept(const OpenedEntry& entry) {
+    kept_ = {identity(), entry.amounts, {}, std::nullopt};
+    app::ActionValues& action = app::session().action;
+    const auto before = std::exchange(action.KeptSettlement, std::nullopt);
+    if (!before || isApproved_ || isSimplePayment_) return;
+    const auto goneOn = goOn(*before, identity(), entry);
+    if (!goneOn) return;
+    amounts_ = *goneOn;
+    // The containers are in it already, or another amount was keyed for them.
+    if (action.ContainerRecovery == before->recovery) keptRecovery_ = before->recovery;
+}
+
+void CCollectionEntryDlg::keep() {
+    if (isApproved_ || isSimplePayment_) return;
+    kept_.keyed = amounts_;
+    app::session().action.KeptSettlement = kept_;
 }
 
 void CCollectionEntryDlg::takeOverContainers(const std::optional<books::CollectionSlip>& saved) {
@@ -146,6 +170,7 @@ void CCollectionEntryDlg::takeOverContainers(const std::optional<books::Collecti
     // slip says what it is worth.
     auto recovery = std::exchange(session.action.ContainerRecovery, std::nullopt);
     const bool isHandedOver = recovery.has_value();
+    kept_.recovery = recovery;
     const bool isMoved = std::exchange(session.action.IsRecoveryMoved, false);
     if (!isHandedOver && !(saved && saved->isSimplePayment())) {
         recovery = books::savedRecovery(session.WorkDate, session.action.JunNo, session.UserID,
@@ -153,7 +178,8 @@ void CCollectionEntryDlg::takeOverContainers(const std::optional<books::Collecti
     }
     // What the saving of the containers has left unpaid is settled as if the recovery had been keyed.
     if (isMoved && !amounts_.total.isZero()) excess = keyRecovery(amounts_, amounts_.containerRecovery);
-    if (recovery == amounts_.containerRecovery) recovery.reset();
+    if (recovery == amounts_.containerRecovery || (isHandedOver && recovery == keptRecovery_))
+        recovery.reset();
     // Another amount on the saved collection may have been keyed.
     const bool isAsked = recovery && !isHandedOver && saved;
     if (recovery && !isAsked) excess = takeOver(*recovery);
@@ -250,7 +276,8 @@ void CCollectionEntryDlg::deletePrevious() {
     }
     if (question.answer == app::PaymentAnswer::Approved) return takeApproval();
     if (isApproved_ ? !ui::confirm(u"카드결제된 입금표를 삭제할까요?"_s, u"카드결제된 입금표삭제"_s)
-                    : !ui::confirm(u"입금전표내역을 삭제할까요?"_s, u"입금전표삭제"_s)) {
+                    : !ui::confirm(u"입금전표내역을 삭제할까요?"_s, u"입금전표삭제"_s,
+                                   ui::MessageIcon::Information)) {
         return;
     }
     // Another customer's collection is not this one's to delete.
@@ -297,10 +324,7 @@ bool CCollectionEntryDlg::isApprovalPutBack() {
     const auto lost = books::approvalWithoutSlip(
         {session.WorkDate, session.action.JunNo, session.UserID, session.action.GCode});
     if (!lost || isApproved_) return false;
-    const QString question =
-        u"이미 승인된 결제가 있습니다..! %1 거래번호 : %2  이 결제를 전표에 되돌릴까요?"_s.arg(
-            books::describePayment(*lost), lost->slip.BANKTRANNO);
-    if (!ui::askYesNo(question, u"승인된 결제"_s)) return false;
+    if (!ui::askYesNo(books::askToPutBack(*lost), u"승인된 결제"_s)) return false;
     if (books::putApprovalBack(lost->number)) {
         takeApproval();
     } else {
@@ -332,13 +356,15 @@ void CCollectionEntryDlg::finish() {
         return;
     }
     if ((isPaidOnLine() && !books::isChargeOneAmount(amounts_)) ||
-        (!isApproved_ && hasCardBesideExcess(amounts_))) {
+        (!isApproved_ && (hasCardBesideExcess(amounts_) || isOutdated(amounts_)))) {
         const bool isCard = books::chargeKind(amounts_) == books::ChargeKind::Card;
         ui::message(u"%1금액이 결제할 금액 ['%2'원]과 다릅니다..! [%1입금]을 다시 누르세요!!"_s.arg(
             isCard ? u"카드"_s : u"현금"_s, groupThousands(books::amountToSettle(amounts_))));
         return;
     }
     if (!isPaymentSettled()) return;
+    // The card screen may come back without a payment.
+    keep();
     // Without its row an approval would have no place, so the way to the card ends here.
     if (!save()) {
         ui::message(u"입금전표를 저장하지 못했습니다..!"_s);
@@ -363,6 +389,7 @@ bool CCollectionEntryDlg::save() const {
 }
 
 void CCollectionEntryDlg::goBack() {
+    keep();
     // A card payment that was not made, and that the host was asked about here.
     app::takeBackUnpaid();
     close(Cancelled);

@@ -6,6 +6,7 @@
 #include "app/PaymentQuestion.h"
 #include "books/CollectionSlip.h"
 #include "books/TransactionRecord.h"
+#include "collect/CollectionEntry.h"
 #include "ui/Screen.h"
 
 namespace collect {
@@ -23,6 +24,12 @@ class CCollectionEntryDlg : public ui::Screen {
     void addSaleRows();
     void addPaymentRows();
     void load();
+    /// The slip that is settled.
+    static books::SlipIdentity identity();
+    /// Shows what was keyed when the entry was left before.
+    void goOnWithKept(const OpenedEntry& entry);
+    /// Keeps what is keyed for when the entry opens again.
+    void keep();
     void keyAmount(const QString& title, Key key);
     void settle(void (*rule)(books::SettlementAmounts&));
     void keyEarlierReceivable();
@@ -66,6 +73,10 @@ class CCollectionEntryDlg : public ui::Screen {
     bool isOthers_ = false;
     /// What the card was charged, when this customer's collection is approved.
     std::optional<platform::Won> approvedCard_;
+    /// What is kept of this entry, but for the amounts keyed.
+    books::KeptSettlement kept_;
+    /// The worth of the containers that the amounts gone on with have in them, or were keyed against.
+    std::optional<platform::Won> keptRecovery_;
 };
 
 }  // namespace collect

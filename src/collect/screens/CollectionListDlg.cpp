@@ -4,11 +4,23 @@
 #include "app/Dialogs.h"
 #include "app/Session.h"
 #include "books/CollectionSlip.h"
+#include "books/DaySlips.h"
 #include "books/PaymentJournal.h"
 
 namespace collect {
 
 using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+/// What came in, and what is owed where any is.
+QString moneyText(platform::Won received, platform::Won unpaid) {
+    if (unpaid.isZero()) return app::wonText(received);
+    const QString owed = u"외상 "_s + app::wonText(unpaid);
+    return received.isZero() ? owed : app::wonText(received) + u' ' + owed;
+}
+
+}  // namespace
 
 CCollectionListDlg::CCollectionListDlg()
     : SlipListScreen(app::dialogs::kCollectionList, app::dialogs::kCollectionEntry) {
@@ -16,26 +28,36 @@ CCollectionListDlg::CCollectionListDlg()
     // The third column carries the customer code under this title.
     addSlips({0, 34, 240, 248}, u"입금전표 목록"_s,
              {{u"번호"_s, 50}, {u"거래처명"_s, 180}, {u"결제금액"_s, 50}});
-    addButtons(u"추  가"_s, u"입금전표내역을 삭제할까요?"_s, u"입금전표삭제"_s);
+    addButtons(u"추  가"_s, u"입금전표내역을 삭제할까요?"_s, u"입금전표삭제"_s, ui::MessageIcon::Information);
 }
 
-platform::Rows CCollectionListDlg::loadSlips() {
+app::ListedSlips CCollectionListDlg::loadSlips() {
     const app::SessionValues& session = app::session();
     app::ActionValues& action = app::session().action;
     action.JunNo.clear();
     action.GName.clear();
     action.GCode.clear();
-    platform::Rows slips = books::collectionsOfDay(session.UserID, session.WorkDate);
-    const QStringList unapproved = books::numbersWithoutApproval(session.UserID, session.WorkDate);
+    app::ListedSlips slips{.rows = books::collectionsOfDay(session.UserID, session.WorkDate)};
+    const books::DaySlips day(session.WorkDate, session.UserID);
+    platform::Won takenIn, unpaid;
     names_.clear();
-    for (int row = 0; row < slips.count(); ++row) {
-        QString& name = slips.cells[row * slips.columns + 1];
-        const QString junNo = slips.cell(row, 0);
+    for (int row = 0; row < slips.rows.count(); ++row) {
+        const QString junNo = slips.rows.at(row, 0);
+        QString& name = slips.rows.cells[row * slips.rows.columns + 1];
         names_ << name;
-        if (!unapproved.contains(junNo)) continue;
-        const bool isOpen = books::hasUnsettledPayment(session.WorkDate, junNo, session.UserID);
-        name += u" (%1)"_s.arg(isOpen ? books::kBeingAsked : books::kNotApproved);
+        if (day.isCardUnapproved(junNo)) {
+            name += u" (%1)"_s.arg(day.isPaymentOpen(junNo) ? books::kBeingAsked : books::kNotApproved);
+        }
+        const QString payment = day.paymentState(junNo);
+        const QString state =
+            payment.isEmpty() ? day.printState(books::Paper::CollectionSlip, junNo) : payment;
+        const books::CollectionSlip* slip = day.collection(junNo, slips.rows.at(row, 2));
+        const books::CollectionSlip shown = slip ? *slip : books::CollectionSlip();
+        takenIn += books::received(shown);
+        unpaid += shown.UnderMoney;
+        slips.details << ui::RowDetail{state, moneyText(books::received(shown), shown.UnderMoney)};
     }
+    if (!slips.rows.isEmpty()) slips.total = u"합계 "_s + moneyText(takenIn, unpaid);
     return slips;
 }
 

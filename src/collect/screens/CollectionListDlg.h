@@ -14,7 +14,7 @@ class CCollectionListDlg : public app::SlipListScreen {
     CCollectionListDlg();
 
   protected:
-    platform::Rows loadSlips() override;
+    app::ListedSlips loadSlips() override;
     void takeSlip(const platform::Rows& slips, int row) override;
     void openSlip() override;
     void deleteSlip() override;

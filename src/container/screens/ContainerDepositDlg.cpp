@@ -52,7 +52,7 @@ CContainerDepositDlg::CContainerDepositDlg() : ContainerEntry(app::dialogs::kCon
     addAmountRows();
     addBottomButton(1091, u"용공잔액"_s, 1, ui::bitmaps::kSearch,
                     [] { ui::runScreen(app::dialogs::kContainerBalance); });
-    addLeaveButton(1001, u"취  소"_s);
+    addLeaveButton(1001, u"취  소"_s, [this] { leave(); });
     addBottomButton(1000, u"회  수"_s, 2, ui::bitmaps::kAdd, [this] { takeBack(); });
     addMainButton(1003, u"완  료"_s, [this] { finish(); });
     showLines(-1);

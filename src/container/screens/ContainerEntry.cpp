@@ -2,10 +2,12 @@
 
 #include <QLabel>
 #include <QTimer>
+#include <utility>
 
 #include "app/Dialogs.h"
 #include "app/KeypadRequest.h"
 #include "app/Session.h"
+#include "app/UnsavedWork.h"
 #include "books/Customer.h"
 #include "container/ContainerProduct.h"
 #include "container/ContainerStore.h"
@@ -28,7 +30,8 @@ ContainerEntry::ContainerEntry(int dialogId) : Screen(dialogId) {
     addLabel(0, u"채권잔액"_s, {4, 22, 60, 18});
     addAmount(kReceivable, u"채권잔액"_s, {66, 22, 170, 18});
     showCustomer();
-    const app::SessionValues& session = app::session();
+    app::SessionValues& session = app::session();
+    if (std::exchange(session.action.IsResumed, false)) return;
     if (!reloadSlip(session.UserID, session.WorkDate, session.action.JunNo)) {
         QTimer::singleShot(0, this, [this] {
             ui::message(u"용공회수 전표를 열지 못했습니다..!"_s);
@@ -37,6 +40,10 @@ ContainerEntry::ContainerEntry(int dialogId) : Screen(dialogId) {
     }
     // A number is given again once its sale is deleted, but the containers may have stayed.
     if (isOtherCustomers(session.action.GCode)) emptySlip();
+}
+
+void ContainerEntry::leave() {
+    if (app::mayLeave(books::Working::Containers)) close(Cancelled);
 }
 
 void ContainerEntry::showCustomer() {

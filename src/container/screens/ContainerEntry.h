@@ -28,6 +28,8 @@ class ContainerEntry : public ui::Screen {
     /// Saves the working slip and goes on to the collection of money with what it is worth. The screen
     /// closes when the visit is finished there.
     void finish();
+    /// Closes the screen, unless changes that are not saved are to be kept.
+    void leave();
 
   private:
     void showCustomer();

@@ -2,6 +2,7 @@
 
 #include "app/Dialogs.h"
 #include "app/Session.h"
+#include "books/DaySlips.h"
 #include "container/ContainerStore.h"
 #include "ui/Messages.h"
 
@@ -17,13 +18,26 @@ CContainerListDlg::CContainerListDlg()
     addButtons(u"추 가"_s, u"용공회수내역을 삭제할까요?"_s, u"용공회수내역 삭제"_s);
 }
 
-platform::Rows CContainerListDlg::loadSlips() {
+app::ListedSlips CContainerListDlg::loadSlips() {
     app::ActionValues& action = app::session().action;
     action.JunNo.clear();
     action.GCode.clear();
     action.GName.clear();
     action.SelectedContainerGName.clear();
-    return slipsOfDay(app::session().UserID, app::session().WorkDate);
+    const app::SessionValues& session = app::session();
+    app::ListedSlips slips{.rows = slipsOfDay(session.UserID, session.WorkDate)};
+    const books::DaySlips day(session.WorkDate, session.UserID);
+    const auto worths = worthsOfDay(session.UserID, session.WorkDate);
+    platform::Won total;
+    for (int row = 0; row < slips.rows.count(); ++row) {
+        const QString junNo = slips.rows.at(row, 0);
+        const platform::Won worth = worths.value(junNo);
+        total += worth;
+        slips.details << ui::RowDetail{day.printState(books::Paper::ContainerReceipt, junNo),
+                                       app::wonText(worth)};
+    }
+    if (!slips.rows.isEmpty()) slips.total = u"합계 "_s + app::wonText(total);
+    return slips;
 }
 
 void CContainerListDlg::takeSlip(const platform::Rows& slips, int row) {

@@ -12,7 +12,7 @@ class CContainerListDlg : public app::SlipListScreen {
     CContainerListDlg();
 
   protected:
-    platform::Rows loadSlips() override;
+    app::ListedSlips loadSlips() override;
     void takeSlip(const platform::Rows& slips, int row) override;
     void deleteSlip() override;
 };

@@ -94,7 +94,7 @@ void CContainerSlipDlg::addButtons() {
               [this] { addFromSearch(false); });
     addButton(1091, u"용공잔액"_s, {182, 213}, ui::bitmaps::kSearch,
               [] { ui::runScreen(app::dialogs::kContainerBalance); });
-    addLeaveButton(1001, u"취 소"_s);
+    addLeaveButton(1001, u"취 소"_s, [this] { leave(); });
     addBottomButton(1002, u"삭  제"_s, 1, ui::bitmaps::kDelete, [this] { deleteSelected(); });
     addBottomButton(1000, u"등  록"_s, 2, ui::bitmaps::kAdd,
                     [this] { addFromSearch(app::session().UserField6 == u"Y"); });

@@ -5,7 +5,7 @@
 
 namespace platform::termdev {
 
-/// How a device is, for whoever shows it beside the terminal's screens, which never learn of it.
+/// How a device is. The screens that print at the end of a visit tell of its jobs.
 struct DeviceStatus {
     enum class State {
         Ready,    ///< Nothing waits.
@@ -13,9 +13,19 @@ struct DeviceStatus {
         Fault,    ///< `fault` says what is wrong; waiting jobs are kept.
     };
 
+    /// What kind of fault it is, for words of the user's own.
+    enum class Cause {
+        None,
+        NoPaper,
+        TakesNothing,  ///< Out of paper, open or switched off: the line does not tell which.
+        Away,          ///< It does not answer, or its line broke.
+        NoRoom,        ///< The jobs' folder cannot be used.
+    };
+
     State state = State::Ready;
     int waitingJobs = 0;
     QString fault;  ///< English, for the log and an administrator; empty without a fault.
+    Cause cause = Cause::None;
 };
 
 /// Tells `observer` each time that a device's status may have changed; an empty function ends that.

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <utility>
 
+#include "platform/SystemReason.h"
 #include "platform/Trace.h"
 
 namespace platform::termdev {
@@ -14,10 +14,6 @@ using namespace Qt::Literals::StringLiterals;
 
 constexpr int kLongestPoll = 250;
 constexpr int kShortestPoll = 5;
-QString errorText(int code) {
-    return QString::fromLocal8Bit(std::strerror(code));
-}
-
 }  // namespace
 
 PrintQueue::PrintQueue(const PrinterSettings& settings, Times times) : settings_(settings), times_(times) {
@@ -58,14 +54,15 @@ DeviceStatus PrintQueue::status() const {
     const int waiting = spool_.count();
     using State = DeviceStatus::State;
     const State state = !fault_.isEmpty() ? State::Fault : waiting > 0 ? State::Waiting : State::Ready;
-    return {state, waiting, fault_};
+    return {state, waiting, fault_, cause_};
 }
 
 void PrintQueue::proceed() {
     timer_.stop();
     if (out_) {
         // Sent again it must not be, so nothing is until the folder can be written.
-        if (!spool_.remove(*out_)) return fail(u"a printed job cannot be removed from the spool"_s);
+        if (!spool_.remove(*out_))
+            return fail(u"a printed job cannot be removed from the spool"_s, Cause::NoRoom);
         out_.reset();
     }
     if (spool_.count() == 0) {
@@ -76,7 +73,8 @@ void PrintQueue::proceed() {
         return;
     }
     if (!spool_.lock()) {
-        if (errno != EWOULDBLOCK) return fail(u"the spool cannot be locked: "_s + errorText(errno));
+        if (errno != EWOULDBLOCK)
+            return fail(u"the spool cannot be locked: "_s + systemReason(), Cause::NoRoom);
         // Another program on this device folder sends; it takes this job with its own.
         timer_.start(times_.retry);
         statusChanged();
@@ -85,7 +83,7 @@ void PrintQueue::proceed() {
     job_ = spool_.oldest();
     if (!job_) return proceed();
     const std::optional<QByteArray> bytes = spool_.read(*job_);
-    if (!bytes) return fail(u"a waiting job cannot be read"_s);
+    if (!bytes) return fail(u"a waiting job cannot be read"_s, Cause::NoRoom);
     sent_ = 0;
     untransmitted_ = 0;
     phase_ = Phase::Sending;
@@ -150,7 +148,7 @@ bool PrintQueue::isGone() {
         fail(u"no answer from "_s + settings_.address);
         return true;
     }
-    setFault(u"it takes no data (out of paper, open, or switched off)"_s);
+    setFault(u"it takes no data (out of paper, open, or switched off)"_s, Cause::TakesNothing);
     return false;
 }
 
@@ -164,9 +162,9 @@ void PrintQueue::jobIsOut() {
     statusChanged();
 }
 
-void PrintQueue::fail(const QString& reason) {
+void PrintQueue::fail(const QString& reason, Cause cause) {
     hangUp();
-    setFault(reason);
+    setFault(reason, cause);
     // One that breaks off puts the job's start on paper with each try, so its pause starts anew with the next
     // job alone; that of one that is away does with every try the user makes.
     int& tries = sent_ > 0 ? breaks_ : absences_;
@@ -176,9 +174,10 @@ void PrintQueue::fail(const QString& reason) {
     timer_.start(std::min(pause, times_.longest));
 }
 
-void PrintQueue::setFault(const QString& fault) {
+void PrintQueue::setFault(const QString& fault, Cause cause) {
     if (fault == fault_) return;
     fault_ = fault;
+    cause_ = cause;
     if (fault.isEmpty()) {
         trace(u"printer: it works again");
     } else {

@@ -53,14 +53,16 @@ class PrintQueue : public QObject {
     void drain();
     bool isGone();
     void jobIsOut();
-    void fail(const QString& reason);
-    void setFault(const QString& fault);
+    using Cause = DeviceStatus::Cause;
+    void fail(const QString& reason, Cause cause = Cause::Away);
+    void setFault(const QString& fault, Cause cause = Cause::None);
     void hangUp();
 
     const PrinterSettings settings_;
     const Times times_;
     PrintSpool spool_;
     QString fault_;
+    Cause cause_ = Cause::None;
     QTimer timer_;
 
     std::unique_ptr<PrinterLine> line_;  ///< Null while there is no job under way.

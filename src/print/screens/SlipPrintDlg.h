@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QString>
+#include <QTimer>
 #include <span>
 
 #include "print/SlipPapers.h"
@@ -17,11 +19,23 @@ class CSlipPrintDlg : public ui::Screen {
     CSlipPrintDlg();
 
   private:
+    void addPaperButtons();
+    /// False when a copy of one of the papers has gone to the printer, jobs wait there, and no second one is
+    /// meant.
+    bool mayPrint(std::span<const books::Paper> papers, books::Copy copy) const;
+    /// Asks, while jobs wait.
+    static bool isSecondCopyMeant();
+    /// Both copies of what the visit leaves behind.
+    void printVisit();
+    /// Says what went to the printer and, as long as jobs wait there, that they do.
+    void showPrinter();
     /// Prints the chosen copy and says under the buttons what was printed, or in a message that there is
     /// nothing.
     void print(std::span<const books::Paper> papers);
 
     QRadioButton* buyer_ = nullptr;
+    QString sent_;  ///< What went to the printer last, in words.
+    QTimer look_;
     SlipPapers papers_;
 };
 

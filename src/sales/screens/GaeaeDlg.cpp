@@ -18,7 +18,7 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-enum Control { kTel = 1108, kMargin = 1109, kReceivable = 1110 };
+enum Control { kName = 1107, kTel = 1108, kMargin = 1109, kReceivable = 1110 };
 
 /// The screen that a work mode goes on to; 0 for a mode that opens nothing.
 int workScreen(int workMode) {
@@ -40,7 +40,7 @@ int workScreen(int workMode) {
 
 CGaeaeDlg::CGaeaeDlg() : NarrowScreen(app::dialogs::kCustomerList), seek_(app::session().action.SeekValue) {
     list_ = addList(
-        1054, {0, 32, 240, 208}, u"거래처 목록"_s,
+        1054, {0, 32, 240, 188}, u"거래처 목록"_s,
         {{u"코드"_s, 50}, {u"거래처명"_s, 180}, {u"거래일자"_s, 70}}, [this](int row) { choose(row); },
         [this] {
             app::session().action.JunNo.clear();
@@ -48,6 +48,18 @@ CGaeaeDlg::CGaeaeDlg() : NarrowScreen(app::dialogs::kCustomerList), seek_(app::s
             confirm();
         });
 
+    list_->setDetail([this](const platform::Rows& rows, int row) {
+        const QString& code = rows.at(row, 0);
+        const QString& last = rows.at(row, 2);
+        return ui::RowDetail{last.isEmpty() ? QString() : u"최근거래 "_s + last,
+                             today_.visited.contains(code)   ? u"오늘 방문"_s
+                             : today_.ordered.contains(code) ? u"오늘 주문"_s
+                                                             : QString()};
+    });
+
+    describe(addLabel(kName, {}, {4, 221, 232, 20}, ui::FontHeight::Medium), u"선택한 거래처"_s);
+    // Who was chosen before is taken where none is chosen here.
+    if (!app::session().action.GCode.isEmpty()) showName();
     addLabel(0, u"전화"_s, {4, 242, 100, 16});
     addLabel(0, u"마진"_s, {108, 242, 40, 16}, ui::FontHeight::Small, Qt::AlignCenter);
     addLabel(0, u"채권잔액"_s, {150, 242, 86, 16}, ui::FontHeight::Small, ui::kRight);
@@ -71,6 +83,7 @@ CGaeaeDlg::CGaeaeDlg() : NarrowScreen(app::dialogs::kCustomerList), seek_(app::s
 
 void CGaeaeDlg::fill() {
     const ui::WaitCursor wait;
+    today_ = customersOfDay(app::session().WorkDate);
     list_->readRows(customers(seek_, app::session().UserID, ownOnly_));
 }
 
@@ -79,6 +92,7 @@ void CGaeaeDlg::choose(int row) {
     action.GCode = list_->rows().at(row, 0);
     action.GName = list_->rows().at(row, 1);
     isChosenHere_ = true;
+    showName();
     const auto customer = books::listedCustomer(action.GCode);
     if (!customer) return;
     setFittedText(kTel, customer->Tel, ui::FontHeight::Small);
@@ -86,12 +100,16 @@ void CGaeaeDlg::choose(int row) {
     setAmount(kReceivable, customer->receivable());
 }
 
+void CGaeaeDlg::showName() {
+    setFittedText(kName, app::session().action.GName, ui::FontHeight::Medium);
+}
+
 void CGaeaeDlg::forgetChoice() {
     // A customer of earlier work stays chosen: no row of this list stood for it.
     if (!std::exchange(isChosenHere_, false)) return;
     app::session().action.GCode.clear();
     app::session().action.GName.clear();
-    for (const int id : {kTel, kMargin, kReceivable}) setText(id, {});
+    for (const int id : {kName, kTel, kMargin, kReceivable}) setText(id, {});
 }
 
 void CGaeaeDlg::confirm() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "sales/CustomerQuery.h"
 #include "ui/NarrowScreen.h"
 
 namespace sales {
@@ -15,11 +16,13 @@ class CGaeaeDlg : public ui::NarrowScreen {
   private:
     void fill();
     void choose(int row);
+    void showName();
     /// Of a customer whose row may not be shown any more.
     void forgetChoice();
     void confirm();
 
     ui::ReportList* list_ = nullptr;
+    DaysCustomers today_;
     /// The key that the list was opened for: confirming clears the session's, also when it is refused.
     QString seek_;
     bool ownOnly_ = true;

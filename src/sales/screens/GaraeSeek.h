@@ -12,12 +12,16 @@ class CGaraeSeek : public app::SlipListScreen {
     CGaraeSeek();
 
   protected:
-    platform::Rows loadSlips() override;
+    app::ListedSlips loadSlips() override;
     void takeSlip(const platform::Rows& slips, int row) override;
     void deleteSlip() override;
 
   private:
     void pay();
+    /// Opens the order that is chosen among those still to be delivered.
+    void openUnvisited();
+
+    ui::BitmapButton* unvisited_ = nullptr;
 };
 
 }  // namespace sales

@@ -70,8 +70,7 @@ CTotalsDlg::CTotalsDlg() : Screen(app::dialogs::kTotals) {
     });
     exchange_.emplace(this, place(1146, new QPlainTextEdit(this), {2, 202, 236, 78}));
     connect(&*exchange_, &SummaryExchange::ended, this, [this] { exchangeEnded(); });
-    buttons_ << addBottomButton(1003, u"닫  기"_s, 3, ui::bitmaps::kCancel, [this] { close(Cancelled); });
-    setCancelButton(buttons_.last());
+    buttons_ << addLeaveButton(1003, u"닫  기"_s);
 }
 
 void CTotalsDlg::addWork(int controlId, const QString& caption, std::function<void()> work) {

@@ -80,6 +80,7 @@ void CVisitCheckDlg::openVisit(const books::Visit& visit) {
     session.WorkDate = workDate;
     session.WorkMode = workMode;
     session.SlipDone = 0;
+    session.ReturnsToList = false;
 }
 
 }  // namespace totals

@@ -20,6 +20,7 @@
 #include "print/Printer.h"
 #include "ui/Messages.h"
 #include "ui/ReportList.h"
+#include "ui/Sounds.h"
 #include "ui/Terminal.h"
 #include "ui/WaitCursor.h"
 #include "van/CardReaderPort.h"
@@ -38,12 +39,6 @@ constexpr QStringView kApproved = u"0000";
 constexpr QStringView kHostDisturbed = u"0098";
 constexpr qsizetype kPasswordLength = 4;
 constexpr int kAskAgain = 1018;
-
-bool isVisit() {
-    const int mode = app::session().WorkMode;
-    return mode != app::kSimplePayment && mode != app::kBalanceInquiry && mode != app::kPreviousTransaction;
-}
-
 }  // namespace
 
 CCardDlg::CCardDlg() : Screen(app::dialogs::kCard), component_(this) {
@@ -107,6 +102,7 @@ void CCardDlg::addControls() {
                                       {1017, u"직전거래"_s}}) {
         addButton(id, caption, {2, 84}, ui::bitmaps::kPassword, {})->hide();
     }
+    addApprovalControls();
     addLeaveButton(1000, u"이전"_s, [this] { goBack(); });
     askAgain_ = addBottomButton(kAskAgain, u"결과확인"_s, 1, ui::bitmaps::kPay, [this] { askAgain(); });
     askAgain_->hide();
@@ -144,6 +140,7 @@ void CCardDlg::cardSwiped() {
     ReaderTrack(2, &record.track2);
     ReaderTrack(3, &record.track3);
     log_->set(u"주류CARD를 읽었습니다.!"_s);
+    ui::play(ui::Sound::Swipe);
     // A second card while the keypad is open replaces the first, and what was keyed is not its password.
     if (isBusyWithCard_) {
         if (app::keypadRequest().StartAnew) app::keypadRequest().StartAnew();
@@ -172,7 +169,7 @@ bool CCardDlg::isPaymentFree() {
         isApproved_ = last && last->number == question.inTheWay->number;
     }
     if (isApproved_) {
-        picture_->hide();
+        showApproval(question.inTheWay->charged);
         ReaderEnable(false);
     }
     // After an approval that nobody expected the salesman decides anew, with another swipe.
@@ -283,6 +280,7 @@ void CCardDlg::settleUnapproved() {
 void CCardDlg::exchangeEnded() {
     books::TransactionRecord& record = books::transactionRecord();
     const bool isGood = record.reply.responseCode == kApproved;
+    ui::play(isGood ? ui::Sound::Approved : ui::Sound::Refused);
     switch (record.requestType) {
         case books::RequestType::Payment:
             if (isGood) {
@@ -333,19 +331,23 @@ void CCardDlg::paymentApproved() {
     ReaderEnable(false);
     wipeCard();
     // Looked up before the approval makes the slip "결제", which would pass for printed.
-    const books::SlipIdentity& slip = books::transactionRecord().slip;
-    const print::SlipPapers papers(slip.date, slip.junNo, slip.userId);
+    const books::TransactionRecord& record = books::transactionRecord();
+    const books::SlipIdentity& slip = record.slip;
+    if (isVisit()) papers_.emplace(slip.date, slip.junNo, slip.userId);
     // The approval is on disk before the slip prints.
     if (!recordApproval()) {
-        const QString number = books::transactionRecord().reply.transactionNumber;
+        const QString& number = record.reply.transactionNumber;
         platform::trace(u"the approval %1 could not be saved"_s.arg(number));
         ui::message(u"승인되었으나 전표에 저장하지 못했습니다..! 거래번호 : %1"_s.arg(number));
         // The next question about the payment puts it on its slip and offers the print.
-        if (isVisit()) return;
+        papers_.reset();
     }
+    const Won told = parseWon(record.reply.transactionAmount);
+    showApproval(told.isZero() ? books::amountToCharge(record.amounts, record.cardPaymentFlag) : told);
+    if (isVisit() && !papers_) return;
     tellOtherAmount();
-    if (isVisit()) {
-        printCopies(papers);
+    if (papers_) {
+        printCopies(*papers_);
     } else {
         // The card was charged: who pays has a receipt also where the payment could not be saved.
         const auto saved = cardReceipt();
@@ -361,30 +363,6 @@ void CCardDlg::tellOtherAmount() const {
     if (differing.isEmpty()) return;
     platform::trace(differing);
     ui::message(differing);
-}
-
-void CCardDlg::printCopies(print::SlipPapers papers) {
-    if (!printSlip(papers, 1, books::Copy::Seller)) return;
-    if (ui::askYesNo(u"구매자용 명세서를 출력할까요?"_s, u"구매자용 명세서출력"_s)) {
-        printSlip(papers, 2, books::Copy::Buyer);
-    }
-}
-
-bool CCardDlg::printSlip(print::SlipPapers& papers, int selector, books::Copy copy) {
-    const ui::WaitCursor wait;
-    books::transactionRecord().printSelector = selector;
-    const auto print = [&](books::Paper paper) {
-        return !papers.print({&paper, 1}, copy, ui::WaitCursor::alive).isEmpty();
-    };
-    if (print(books::Paper::Invoice)) return true;
-    // Money that was taken without a sale has the collection slip for its paper.
-    if (app::session().WorkMode != app::kPreviousTransaction) return print(books::Paper::CollectionSlip);
-    const auto receipt = cardReceipt();
-    // The terminal may have lost the slip; the paper then has what the host knows.
-    print::printDocument(
-        receipt ? *receipt : print::hostReceipt(app::session().WorkDate, app::session().UserID, exchange()),
-        ui::WaitCursor::alive);
-    return true;
 }
 
 print::CardExchange CCardDlg::exchange() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QTimer>
 #include <optional>
 
 #include "books/CollectionSlip.h"
@@ -28,7 +29,10 @@ class CCardDlg : public ui::Screen {
     ~CCardDlg() override;
 
   private:
+    /// True but for a simple payment, the balance inquiry and the previous transaction.
+    static bool isVisit();
     void addControls();
+    void addApprovalControls();
     void preparePayment();
     void loadCustomer();
     void cardSwiped();
@@ -42,8 +46,12 @@ class CCardDlg : public ui::Screen {
     static void wipeCard();
     void showBalance();
     void reprintPrevious();
+    /// A large 승인 with the amount, and what to do next.
+    void showApproval(platform::Won amount);
+    /// Both copies of what the visit leaves behind, without what has been printed here.
+    void printVisit();
     /// The seller's copy, then the question for the buyer's, unless there is nothing to print.
-    void printCopies(print::SlipPapers papers);
+    void printCopies(print::SlipPapers& papers);
     bool printSlip(print::SlipPapers& papers, int selector, books::Copy copy);
     print::CardExchange exchange() const;
     std::optional<print::Document> cardReceipt() const;
@@ -74,7 +82,9 @@ class CCardDlg : public ui::Screen {
     QWidget* picture_ = nullptr;
     QWidget* askAgain_ = nullptr;
     std::optional<ExchangeLog> log_;
-    QString sentTime_;       ///< When the request at hand left, "yyyyMMddHHmmss".
+    QTimer look_;
+    std::optional<print::SlipPapers> papers_;  ///< Of the visit, once its payment is approved.
+    QString sentTime_;                         ///< When the request at hand left, "yyyyMMddHHmmss".
     QString maskedCard_;     ///< The number of the card of the request at hand, as the receipt shows it.
     QString paymentNumber_;  ///< Message number of the payment at hand.
     bool isBusyWithCard_ = false;

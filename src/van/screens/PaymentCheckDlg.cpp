@@ -45,8 +45,7 @@ CPaymentCheckDlg::CPaymentCheckDlg() : Screen(app::dialogs::kPaymentCheck), comp
     });
     connect(&*log_, &ExchangeLog::ended, this, [this] { answered(); });
     // The question changes nothing on the terminal, so it may be left at any time.
-    setCancelButton(
-        addBottomButton(1003, u"닫  기"_s, 3, ui::bitmaps::kCancel, [this] { close(Cancelled); }));
+    addLeaveButton(1003, u"닫  기"_s);
 
     books::closeStoppedPayments();
     waiting_ = books::unsettledPayments();
@@ -112,7 +111,8 @@ void CPaymentCheckDlg::approved() {
         return;
     }
     const bool isMoved = slip->JunNo != asked_.slip.JunNo;
-    const bool isWithoutSale = slip->Gubun != asked_.slip.Gubun;
+    const bool isWithoutSale = slip->Gubun != asked_.slip.Gubun ||
+                               (slip->amounts().total.isZero() && !asked_.slip.amounts().total.isZero());
     asked_.slip = *slip;
     ui::message(u"승인된 결제입니다..! %1 거래번호 : %2"_s.arg(named(asked_), slip->BANKTRANNO));
     if (isWithoutSale) {
@@ -143,7 +143,7 @@ void CPaymentCheckDlg::print(print::SlipPapers papers, const books::CollectionSl
         return false;
     };
     if (printCopy(books::Copy::Seller) &&
-        ui::askYesNo(u"구매자용 명세서를 출력할까요?"_s, u"구매자용 명세서출력"_s))
+        ui::askYesNo(u"구매자용 명세서를 출력할까요?"_s, u"구매자용 명세서출력"_s, ui::MessageIcon::Question))
         printCopy(books::Copy::Buyer);
 }
 

@@ -79,7 +79,14 @@ void Judge::screen(const Page& before, const Event& event) {
         case KeptRecovery:
             hasKeyedRecovery_ = true;
             break;
+        case GoneOn:
+            goneOn(event);
+            break;
         case OpenCollection:
+            hadKeyedSales_ = hasKeyedSales_;
+            hadKeyedRecovery_ = hasKeyedRecovery_;
+            hadTakenWorth_ = hasTakenWorth_;
+            before_ = left_;
             hasKeyedSales_ = hasKeyedRecovery_ = hasTakenWorth_ = false;
             opened(before, event);
             break;
@@ -93,6 +100,7 @@ void Judge::screen(const Page& before, const Event& event) {
         default:
             break;
     }
+    if (event.mode != 6) left_ = event.shown;
 }
 
 void Judge::settling(const Event& event) {
@@ -109,6 +117,19 @@ void Judge::settling(const Event& event) {
           : hadExcess ? Rule::Excess
                       : Rule::Settle,
           "must show: " + words(want) + "; shows: " + words(event.shown));
+}
+
+// A collection that was left and opens again.
+void Judge::goneOn(const Event& event) {
+    hasKeyedSales_ = event.isSame && hadKeyedSales_;
+    hasKeyedRecovery_ = hadKeyedRecovery_;
+    hasTakenWorth_ = hadTakenWorth_;
+    const Amounts& shown = event.shown;
+    // A sale that has changed is settled in the same way; what does not depend on it stays.
+    const bool isKept = event.isSame ? shown == before_
+                                     : shown.recovery == before_.recovery &&
+                                           shown.earlier == before_.earlier && shown.other == before_.other;
+    if (!isKept) found(Rule::Kept, "left with: " + words(before_) + "; shows: " + words(shown));
 }
 
 // A collection whose sales amounts were keyed opens with them.
@@ -275,8 +296,10 @@ void Judge::moveCollection(Page& want, const Event& event, const Page& after, Wo
         row->amounts.effect() - before.effect() == sales + deposits) {
         is = row->amounts;
     }
-    if (row == nullptr && is.total() == 0 && is.unpaid == 0 && is.recovery == 0 && is.earlier == 0 &&
-        is.card == 0 && is.cash == 0) {
+    // Nothing is left of it, nor of what was booked as excess.
+    const bool isBooked = withoutExcess(before) != before && -before.effect() == sales + deposits;
+    if (row == nullptr && is.total() == 0 && is.recovery == 0 && is.card == 0 &&
+        (isBooked || (is.unpaid == 0 && is.earlier == 0 && is.cash == 0))) {
         want.collections.erase(at);
     }
 }
@@ -339,6 +362,12 @@ void Judge::putBack(Page& want, const Visit& visit) {
     const auto at = replacing_.find(visit);
     if (at == replacing_.end() || !at->second.collection) return;
     want.collections.push_back(*at->second.collection);
+    knowAgain(visit);
+}
+
+// What was known of the collection that is back.
+void Judge::knowAgain(const Visit& visit) {
+    const auto at = replacing_.find(visit);
     note(&byCollectionWork_, visit, at->second.isByCollectionWork);
     note(&keyedSales_, visit, at->second.hasKeyedSales);
     note(&keyedRecovery_, visit, at->second.hasKeyedRecovery);
@@ -353,6 +382,10 @@ void Judge::collectionBack(Page& want, const Event& event, const Page& after) {
     if (isOpen && find(after.collections, event.visit) != nullptr) {
         // A stuck visit may stay, on credit.
         want.collections = after.collections;
+        const auto replaced = replacing_.find(event.visit);
+        const bool isBack = replaced != replacing_.end() && replaced->second.collection &&
+                            std::ranges::count(after.collections, *replaced->second.collection) > 0;
+        if (isBack) knowAgain(event.visit);
         return;
     }
     erase(want.collections, event.visit.key);

@@ -31,6 +31,7 @@ enum class Rule {
     TakenNumber,       // 9
     Vat,               // 10
     Settle,            ///< amounts of the settling buttons
+    Kept,
     NothingToSettle,
     Foots,
     Lost,
@@ -53,6 +54,7 @@ struct Event {
     enum class Kind {
         Screen,  ///< only a screen changed
         OpenCollection,
+        GoneOn,        ///< it shows what was keyed when it was left
         TookWorth,     ///< the recovery is what the container slip is worth
         KeptRecovery,  ///< the question for the containers' worth was answered with no
         KeySales,
@@ -92,6 +94,7 @@ struct Event {
     bool isTold = false;      ///< that the journal knows an approval for it
     bool isApproved = false;  ///< the collection on the screen has an approval
     bool isAtMenu = false;    ///< no screen is open any more
+    bool isSame = false;      ///< the sale is as it was when the collection was left
     /// An exchange.
     Won asked = 0;
     std::optional<Charge> charged;  ///< what the host did
@@ -131,6 +134,7 @@ class Judge {
     void screen(const Page& before, const Event& event);
     void settling(const Event& event);
     void opened(const Page& before, const Event& event);
+    void goneOn(const Event& event);
     void closed(const Event& event, const Page& after);
     void number(const Page& before, const Event& event);
     void tables(Page before, const Event& event, const Page& after);
@@ -140,6 +144,7 @@ class Judge {
     void saleDeleted(Page& want, const Event& event);
     void collectionSaved(Page& want, const Event& event);
     void putBack(Page& want, const Visit& visit);
+    void knowAgain(const Visit& visit);
     void collectionBack(Page& want, const Event& event, const Page& after);
     void unpaidBack(Page& want, const Event& event);
     void emptiesChanged(Page& want, const Event& event, const Page& after);
@@ -160,6 +165,9 @@ class Judge {
     std::vector<Charge> charges_;
     std::set<Visit> keyedSales_, keyedRecovery_, byCollectionWork_;
     bool hasKeyedSales_ = false, hasKeyedRecovery_ = false, hasTakenWorth_ = false;  ///< on the screen
+    bool hadKeyedSales_ = false, hadKeyedRecovery_ = false, hadTakenWorth_ = false;  ///< the time before
+    Amounts left_;  ///< What the collection screen showed last.
+    Amounts before_;
     std::map<Visit, Replaced> replacing_;
     std::map<std::string, Won> totals_;                     ///< of the sale, when its payment was sent
     std::map<std::string, Won> settledTotals_;              ///< of the collection then

@@ -28,6 +28,7 @@ const RuleWords kRuleWords[] = {
     {Rule::TakenNumber, "9: a number that holds another customer's lines is refused"},
     {Rule::Vat, "10: VAT is the payable total less the supply"},
     {Rule::Settle, "the settling buttons and keyed amounts divide the total by their rules"},
+    {Rule::Kept, "a settlement that was left shows what was keyed when it opens again"},
     {Rule::NothingToSettle, "where nothing is to be settled the buttons leave a keyed payment alone"},
     {Rule::Foots, "a settlement foots: total = card, cash, unpaid and recovery"},
     {Rule::Lost, "what the host charged, the journal has as approved or asks about"},

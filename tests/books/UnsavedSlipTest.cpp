@@ -1,0 +1,85 @@
+#include "books/UnsavedSlip.h"
+
+#include <gtest/gtest.h>
+
+#include "container/ContainerStore.h"
+#include "container/WorkingContainers.h"
+#include "sales/SlipStore.h"
+#include "sales/WorkingSlip.h"
+#include "support/TestDevice.h"
+
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+const QString kDay = u"2026-11-21"_s;
+
+sales::SlipLine saleLine(const QString& product) {
+    sales::SlipLine line;
+    line.DDate = kDay;
+    line.GCode = u"0001"_s;
+    line.GName = u"가람"_s;
+    line.JunNo = u"5001"_s;
+    line.PCode = product;
+    line.Box = u"1"_s;
+    line.Bon = u"0"_s;
+    return line;
+}
+
+// A terminal may end after each of these steps: what it finds then is what the last one left.
+TEST(UnsavedSlip, LastsFromTheFirstChangeToTheSave) {
+    test::TestDevice device;
+    const auto lines = [] { return books::findUnsaved().value_or(books::UnsavedSlip{}).lines; };
+    ASSERT_TRUE(sales::reloadSlip(u"A", kDay, u"5001"));
+    EXPECT_EQ(lines(), 0);
+    ASSERT_TRUE(sales::insertLine(saleLine(u"1001"_s)) && sales::insertLine(saleLine(u"1002"_s)));
+    EXPECT_EQ(lines(), 2);
+    const auto found = books::findUnsaved();
+    EXPECT_EQ(found->userId + found->date + found->gCode + found->gName + found->junNo,
+              u"A2026-11-210001가람5001"_s);
+    ASSERT_EQ(sales::saveSlip(u"A", kDay, u"5001"), sales::SaveOutcome::Saved);
+    EXPECT_EQ(lines(), 0);
+    const sales::LineKey key{u"1001"_s, u"1"_s, u"0"_s};
+    ASSERT_TRUE(sales::replaceQuantities(key, 7, 0, {}));
+    EXPECT_EQ(lines(), 2);
+    books::noteGivenUp(books::Working::Sale);
+    EXPECT_EQ(lines(), 0);
+    sales::deleteLine({u"1001"_s, u"7"_s, u"0"_s});
+    EXPECT_EQ(lines(), 1);
+    // Opened again it is as it was saved; with nothing left on it there is nothing to go on with.
+    ASSERT_TRUE(sales::reloadSlip(u"A", kDay, u"5001"));
+    EXPECT_EQ(lines(), 0);
+    sales::deleteLine(key);
+    sales::deleteLine({u"1002"_s, u"1"_s, u"0"_s});
+    EXPECT_EQ(lines(), 0);
+}
+
+TEST(UnsavedSlip, KnowsTheContainersOfAVisit) {
+    test::TestDevice device;
+    container::ContainerLine line;
+    line.DDate = kDay;
+    line.GCode = u"0001"_s;
+    line.JunNo = u"5001"_s;
+    line.PCode = u"1001"_s;
+    line.FBox = u"1"_s;
+    ASSERT_TRUE(container::reloadSlip(u"A", kDay, u"5001") && container::insertLine(line));
+    EXPECT_FALSE(books::findUnsaved()->belongsToSale);
+    ASSERT_TRUE(sales::reloadSlip(u"A", kDay, u"5001") && sales::insertLine(saleLine(u"1001"_s)));
+    EXPECT_EQ(books::findUnsaved()->table, books::Working::Sale) << "its sale comes first";
+    ASSERT_EQ(sales::saveSlip(u"A", kDay, u"5001"), sales::SaveOutcome::Saved);
+    EXPECT_TRUE(books::findUnsaved()->belongsToSale);
+    ASSERT_EQ(container::saveSlip(u"A", kDay, u"5001", u"0001"), container::SaveOutcome::Saved);
+    EXPECT_FALSE(books::findUnsaved());
+}
+
+// A database of an older terminal: the slip is written as ever.
+TEST(UnsavedSlip, IsNotNotedWithoutItsTable) {
+    test::TestDevice device;
+    device.execute(u"DROP TABLE UNSAVED"_s);
+    ASSERT_TRUE(sales::reloadSlip(u"A", kDay, u"5001") && sales::insertLine(saleLine(u"1001"_s)));
+    EXPECT_FALSE(books::findUnsaved() || books::isUnsaved(books::Working::Sale));
+    EXPECT_EQ(sales::saveSlip(u"A", kDay, u"5001"), sales::SaveOutcome::Saved);
+    EXPECT_EQ(device.value(u"SELECT count(*) FROM MTM"_s), u"1"_s);
+}
+
+}  // namespace
