@@ -13,6 +13,7 @@
 #include "Bench.h"
 #include "DemoDevice.h"
 #include "Folder.h"
+#include "Work.h"
 
 namespace bench {
 namespace {
@@ -97,7 +98,7 @@ Result measureStartup() {
     const QTemporaryDir folder;
     const QString device = folder.filePath(u"device"_s);
     makeDemonstration(device);
-    return compare(
+    return compareCounted(
         kRuns, "ms",
         [&] {
             const QStringList arguments{u"--fullscreen"_s, u"--device"_s, device};

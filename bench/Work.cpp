@@ -89,4 +89,23 @@ Result compareWork(int runs, const std::function<Work()>& ours, const std::funct
     return result;
 }
 
+Result compareCounted(int runs, const char* unit, const std::function<double()>& ours,
+                      const std::function<double()>& peer) {
+    const InstructionCounter counter;
+    const auto counted = [&](double* instructions, const std::function<double()>& side) {
+        const double before = counter.count().value_or(0);
+        const double figure = side();
+        *instructions += counter.count().value_or(0) - before;
+        return figure;
+    };
+    double oursCounted = 0;
+    double peerCounted = 0;
+    Result result = compare(
+        runs, unit, [&] { return counted(&oursCounted, ours); }, [&] { return counted(&peerCounted, peer); });
+    if (peerCounted > 0)
+        result.note =
+            QString::asprintf(" (%.2f of its instructions)", oursCounted / peerCounted).toStdString();
+    return result;
+}
+
 }  // namespace bench

@@ -36,4 +36,9 @@ Work workOf(const std::function<void()>& work);
 /// steps; the note tells the steps.
 Result compareWork(int runs, const std::function<Work()>& ours, const std::function<Work()>& peer);
 
+/// Compares what the sides return as compare() does; the note tells how many of the peer's instructions ours
+/// take, those of programs included that a side runs to their end.
+Result compareCounted(int runs, const char* unit, const std::function<double()>& ours,
+                      const std::function<double()>& peer);
+
 }  // namespace bench

@@ -6,7 +6,9 @@
 #include <QScrollBar>
 #include <QStyledItemDelegate>
 #include <algorithm>
+#include <utility>
 
+#include "ui/Discard.h"
 #include "ui/FlickScroll.h"
 #include "ui/Fonts.h"
 
@@ -256,6 +258,11 @@ ReportList::ReportList(QWidget* parent) : QTableView(parent), model_(new RowsMod
     connect(finger, &FlickScroll::tappedAgain, this, [this](QPoint place) { tap(place, true); });
 }
 
+ReportList::~ReportList() {
+    model_->forgetRows();
+    discard(std::move(all_));
+}
+
 void ReportList::setColumns(std::span<const ListColumn> columns) {
     QStringList titles;
     QList<Qt::Alignment> alignments;
@@ -273,10 +280,11 @@ void ReportList::setRows(platform::Rows rows) {
 }
 
 void ReportList::readRows(platform::RowSource source) {
-    all_ = {};
+    platform::Rows before = std::exchange(all_, {});
     more_ = std::move(source);
     readPieces(filter_ ? QDeadlineTimer(QDeadlineTimer::Forever) : QDeadlineTimer(0));
     showRows();
+    discard(std::move(before));
     more_ ? idle_.start(0, this) : idle_.stop();
 }
 

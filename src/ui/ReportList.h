@@ -28,6 +28,8 @@ class RowsModel : public QAbstractTableModel {
     void setTitles(const QStringList& titles);
     void setAlignments(const QList<Qt::Alignment>& alignments) { alignments_ = alignments; }
     void setRows(platform::Rows rows);
+    /// Empties it without a word to the view.
+    void forgetRows() { rows_ = {}; }
     /// The same rows and more behind them.
     void growTo(platform::Rows rows);
     const platform::Rows& rows() const { return rows_; }
@@ -61,6 +63,7 @@ class ReportList : public QTableView {
 
   public:
     explicit ReportList(QWidget* parent);
+    ~ReportList() override;
 
     void setColumns(std::span<const ListColumn> columns);
     /// Replaces all rows and takes the selection away. A narrowed list stays so.
