@@ -31,8 +31,7 @@ constexpr db::Statement<
     u"ORDER BY rowid DESC">
     kOfSlip;
 constexpr db::Statement<u"SELECT * FROM PAYJOURNAL WHERE State <> 'prepared' ORDER BY rowid"> kAll;
-constexpr db::Statement<
-    u"SELECT * FROM PAYJOURNAL WHERE DDate = '%s' AND State <> 'prepared' ORDER BY rowid">
+constexpr db::Statement<u"SELECT * FROM PAYJOURNAL WHERE DDate = '%s' AND State <> 'prepared' ORDER BY rowid">
     kOfDay;
 constexpr db::Statement<u"SELECT * FROM PAYJOURNAL WHERE State = 'prepared' ORDER BY rowid"> kPrepared;
 // An empty user leaves the condition on him out.
