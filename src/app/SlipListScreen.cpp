@@ -78,7 +78,11 @@ void SlipListScreen::deleteChosen(const QString& question, const QString& captio
         ui::message(u"삭제할 전표를 선택하세요!"_s);
         return;
     }
-    if (mayDelete(session().WorkDate, session().action.JunNo, {})) deleteSlip();
+    if (mayDelete(session().WorkDate, session().action.JunNo, {})) {
+        deleteSlip();
+        // The number is given again, and what was keyed belongs to what is gone.
+        session().action.KeptSettlement.reset();
+    }
     fill();
 }
 

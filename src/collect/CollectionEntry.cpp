@@ -46,7 +46,7 @@ std::optional<books::SettlementAmounts> goOn(const books::KeptSettlement& kept,
         settleByCard(amounts);
     } else if (!keyed.cash.isZero()) {
         settleInCash(amounts);
-    } else if (!keyed.unpaid.isZero()) {
+    } else if (!keyed.unpaid.isZero() || !keyed.containerRecovery.isZero()) {
         settleOnCredit(amounts);
     }
     return amounts;

@@ -25,7 +25,6 @@ enum class Command {
     DragRow,
     Answer,
     Key,
-    DoubleKey,
     ExpectMessage,
     ExpectCaption,
     ExpectScreen,

@@ -367,6 +367,7 @@ std::string Terminal::listTap(const Action& action) {
             break;
         case DeleteCollection: {
             if (!mayDelete(action.pick / 8)) break;
+            kept_.reset();
             Event deleted = event(Event::Kind::CollectionDeleted);
             if (!mayDeletePayments(&deleted, false, action.amount)) break;
             deleted.isRefused = !books::removeCollections(date_, number_, user_);
@@ -375,6 +376,7 @@ std::string Terminal::listTap(const Action& action) {
         }
         default: {
             if (!mayDelete(action.pick / 8)) break;
+            kept_.reset();
             Event deleted = event(Event::Kind::EmptiesDeleted);
             deleted.isRefused = !container::deleteSlip(date_, number_, user_);
             tell(deleted);
@@ -392,6 +394,7 @@ void Terminal::paySale(unsigned pick) {
 
 void Terminal::deleteSale(unsigned pick) {
     if (!mayDelete(pick / 8)) return;
+    kept_.reset();
     Event deleted = event(Event::Kind::SaleDeleted);
     const bool alsoFollowers = mayDeletePayments(&deleted, state_ == sales::kPaid, pick);
     deleted.isRefused = !sales::deleteSlip(date_, number_, alsoFollowers, user_);
