@@ -82,10 +82,11 @@ TEST_P(Window, IsWorked) {
     environment.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
     terminal.setProcessEnvironment(environment);
     terminal.setProcessChannelMode(QProcess::MergedChannels);
+    // Larger than the display, which it is shrunk to: else the pointer would miss half of it.
     terminal.start(tool + u"/test_x11"_s,
                    {QString::fromLatin1(kPlay.data()),
                     QStringLiteral(ROVANA_TESTS_DIR "/x11/") + QString::fromLatin1(GetParam()) + u".visit"_s,
-                    u"--device"_s, device, u"--scale"_s, u"1"_s});
+                    u"--device"_s, device, u"--scale"_s, u"3"_s});
     EXPECT_TRUE(terminal.waitForFinished(kPatienceMs));
     EXPECT_EQ(terminal.exitCode(), 0) << terminal.readAll().toStdString();
 }
