@@ -1,5 +1,5 @@
 // One price of a slip line beside what it needs in bare SQLite: its look-ups as bound statements, prepared
-// once, in one read transaction, and its sums. Every price source weighs the same.
+// once, and its sums. Every price source weighs the same.
 
 #include <sqlite3.h>
 
@@ -121,9 +121,7 @@ class LookUp {
 class LookUps {
   public:
     explicit LookUps(sqlite3* handle)
-        : begin_(handle, "BEGIN"),
-          end_(handle, "COMMIT"),
-          contract_(handle, "SELECT * FROM GARAEDANGA WHERE GCODE = ? AND PCODE = ?"),
+        : contract_(handle, "SELECT * FROM GARAEDANGA WHERE GCODE = ? AND PCODE = ?"),
           product_(handle, "SELECT Pname, JGubun FROM PUMMOK WHERE PCode = ?"),
           classMargin_(handle, "SELECT Majin FROM GARAEMAJIN WHERE GCODE = ? AND GUBUN = ?"),
           customerMargin_(handle, "SELECT Majin FROM GARAE WHERE GCODE = ?"),
@@ -135,14 +133,6 @@ class LookUps {
                       "ABonBMoney, BBonBMoney, YGMoney1, YGMoney2, GBonMoney2 FROM PUMMOK WHERE PCODE = ?") {}
 
     Priced price(const std::string& gcode, const std::string& pcode) {
-        begin_.find({});
-        const Priced priced = find(gcode, pcode);
-        end_.find({});
-        return priced;
-    }
-
-  private:
-    Priced find(const std::string& gcode, const std::string& pcode) {
         if (contract_.find({&gcode, &pcode})) {
             const auto won = [&](std::size_t column) { return contract_.number<long long>(column); };
             return {PriceSource::Contract,
@@ -165,6 +155,7 @@ class LookUps {
         return {PriceSource::Tier, amounts(tierPrices_, {1, 3, 5, 7}, 8, 0)};
     }
 
+  private:
     /// Supply and VAT of boxes and bottles, each rounded up, and the deposits.
     static long long amounts(const LookUp& row, const std::array<std::size_t, 4>& prices,
                              std::size_t deposits, double margin) {
@@ -177,7 +168,7 @@ class LookUps {
         return sum + kBoxes * (won(0) + won(1)) + kBottles * won(2);
     }
 
-    LookUp begin_, end_, contract_, product_, classMargin_, customerMargin_, costPrices_, tierPrices_;
+    LookUp contract_, product_, classMargin_, customerMargin_, costPrices_, tierPrices_;
 };
 
 /// Microseconds of one call of `price`, which prices a product for a customer, as the mean over the sources.

@@ -1,14 +1,18 @@
-// The start of the terminal's program, up to the painted login screen of a demonstration device, beside a
-// dialog of twelve buttons that is made of Qt alone: the time from outside and the most memory held.
+// Programs as they run by themselves: the terminal's start, up to the painted login screen, its memory after
+// a visit, and how often it wakes while nobody touches it.
 
 #include <QCoreApplication>
+#include <QDir>
+#include <QFile>
 #include <QProcess>
 #include <QProcessEnvironment>
+#include <QTemporaryDir>
+#include <QThread>
 #include <stdexcept>
 
 #include "Bench.h"
+#include "DemoDevice.h"
 #include "Folder.h"
-#include "platform/adoce/DatabaseFile.h"
 
 namespace bench {
 namespace {
@@ -16,22 +20,27 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 
 constexpr int kRuns = 15;
+constexpr int kMemoryRuns = 3;
 constexpr double kKibibytesPerMebibyte = 1024;
+/// The display of Qt's offscreen platform has 800 by 800 pixels: 240 by 320 fill it at this scale.
+constexpr QStringView kFullScale = u"2.5";
+constexpr unsigned long kSettleSeconds = 2;
+constexpr unsigned long kIdleSeconds = 5;
 
 QString program(const QString& name) {
     return QCoreApplication::applicationDirPath() + u'/' + name;
 }
 
-struct FirstPaint {
-    double milliseconds;  ///< From before the process is started.
-    double mebibytes;     ///< The most that was resident.
+struct Said {
+    double milliseconds;  ///< From before the process is started to its line.
+    double figure;        ///< Behind the line's word.
 };
 
-FirstPaint runToFirstPaint(const QString& name, const QStringList& arguments) {
+/// Runs a program that says `word` and a figure.
+Said run(const QString& name, const QStringList& arguments, const QByteArray& word, QStringView scale) {
     QProcess process;
-    // Both draw as many pixels for each of theirs: the terminal's program enlarges its screen by itself.
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(u"QT_SCALE_FACTOR"_s, u"2"_s);
+    environment.insert(u"QT_SCALE_FACTOR"_s, scale.toString());
     process.setProcessEnvironment(environment);
     process.setProcessChannelMode(QProcess::SeparateChannels);
     QByteArray line;
@@ -44,45 +53,84 @@ FirstPaint runToFirstPaint(const QString& name, const QStringList& arguments) {
     process.waitForFinished();
     const QList<QByteArray> words = line.trimmed().split(' ');
     if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0 || words.size() != 2 ||
-        words[0] != "painted" || words[1].toDouble() <= 0) {
+        words[0] != word || words[1].toDouble() <= 0) {
         throw std::runtime_error(
-            (name + u" did not paint: "_s + QString::fromLocal8Bit(process.readAllStandardError()))
-                .toStdString());
+            (name + u" failed: "_s + QString::fromLocal8Bit(process.readAllStandardError())).toStdString());
     }
-    return {time, words[1].toDouble() / kKibibytesPerMebibyte};
+    return {time, words[1].toDouble()};
 }
 
-void makeDemonstration(const QString& device) {
-    for (const QStringList& arguments :
-         {QStringList{u"init"_s, device, u"--demo"_s}, QStringList{u"import"_s, u"--device"_s, device}}) {
-        QProcess process;
-        process.start(program(u"rovanactl"_s), arguments);
-        if (!process.waitForFinished() || process.exitCode() != 0) {
-            throw std::runtime_error("no demonstration device");
+/// How often the threads of a process have gone to sleep so far.
+qint64 sleepsOf(qint64 process) {
+    constexpr QByteArrayView kCount = "voluntary_ctxt_switches:";
+    qint64 sleeps = 0;
+    const QDir tasks(u"/proc/%1/task"_s.arg(process));
+    for (const QString& task : tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        QFile status(tasks.filePath(task + u"/status"_s));
+        if (!status.open(QIODevice::ReadOnly)) throw std::runtime_error("the terminal has ended");
+        for (const QByteArray& line : status.readAll().split('\n')) {
+            if (line.startsWith(kCount)) sleeps += line.mid(kCount.size()).trimmed().toLongLong();
         }
     }
+    return sleeps;
 }
 
-Result compareFirstPaints(const char* unit, double FirstPaint::*figure) {
+/// Wake-ups in a second of a terminal that shows its login screen.
+double idleWakeups(const QString& view) {
     const QTemporaryDir folder;
     const QString device = folder.filePath(u"device"_s);
     makeDemonstration(device);
-    return compare(
-        kRuns, unit,
-        [&] {
-            return runToFirstPaint(u"login-screen"_s, {u"--device"_s, device}).*figure;
-        },
-        [&] { return runToFirstPaint(u"minimal-dialog"_s, {}).*figure; });
+    QProcess terminal;
+    terminal.start(program(u"rovana"_s), {view, u"--device"_s, device});
+    QThread::sleep(kSettleSeconds);
+    const qint64 before = sleepsOf(terminal.processId());
+    QThread::sleep(kIdleSeconds);
+    const qint64 after = sleepsOf(terminal.processId());
+    terminal.terminate();
+    terminal.waitForFinished();
+    return double(after - before) / kIdleSeconds;
 }
 
 }  // namespace
 
 Result measureStartup() {
-    return compareFirstPaints("ms", &FirstPaint::milliseconds);
+    const QTemporaryDir folder;
+    const QString device = folder.filePath(u"device"_s);
+    makeDemonstration(device);
+    return compare(
+        kRuns, "ms",
+        [&] {
+            const QStringList arguments{u"--fullscreen"_s, u"--device"_s, device};
+            return run(u"login-screen"_s, arguments, "painted", kFullScale).milliseconds;
+        },
+        [] { return run(u"minimal-dialog"_s, {}, "painted", kFullScale).milliseconds; });
 }
 
 Result measureMemory() {
-    return compareFirstPaints("MiB", &FirstPaint::mebibytes);
+    const QTemporaryDir folder;
+    const QString device = folder.filePath(u"device"_s);
+    makeDemonstration(device);
+    enlarge(device, kManySlips);
+    const QString script = folder.filePath(u"common.visit"_s);
+    writeFile(script, (u"clock 2026-11-21 09:05\nlogin A 1111\n"_s + commonestVisit()).toUtf8());
+    return compare(
+        kMemoryRuns, "MiB",
+        [&] {
+            const QStringList arguments{script, u"--scale"_s, u"2"_s, u"--device"_s, device};
+            return run(u"common-visit"_s, arguments, "private", u"2").figure / kKibibytesPerMebibyte;
+        },
+        [&] {
+            const QString database = device + u"/My Documents/rvnclient.cdb"_s;
+            return run(u"minimal-list"_s, {database}, "private", u"2").figure / kKibibytesPerMebibyte;
+        });
+}
+
+Result measureWakeups() {
+    return {.ours = idleWakeups(u"--fullscreen"_s), .peer = 1, .unit = "/s"};
+}
+
+Result measureDeskWakeups() {
+    return {.ours = idleWakeups(u"--desk"_s), .peer = 1, .unit = "/s"};
 }
 
 }  // namespace bench

@@ -1,4 +1,4 @@
-// The way of one sales slip through the stores, among 100,000 saved slips of a year beside among 100: its
+// The way of one sales slip through the stores, among 100,000 saved slips of a year beside among 1,000: its
 // number, opening it, ten priced lines, saving, reopening and the list of the day. Both devices hold the same
 // customers and products, and the salesman has saved as many slips on the day.
 
@@ -24,7 +24,7 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 
 constexpr int kRuns = 5;
-constexpr int kFewSlips = 100;
+constexpr int kFewSlips = 1'000;
 constexpr int kManySlips = 100'000;
 constexpr int kSlipsOfTheDay = 40;
 constexpr int kDaysOfTheYear = 300;  ///< Days on which slips are written.

@@ -3,8 +3,8 @@
 #include <sodium.h>
 
 #include <QFile>
+#include <QHash>
 #include <QStringConverter>
-#include <algorithm>
 #include <array>
 
 #include "db/MasterLoads.h"
@@ -67,17 +67,11 @@ std::optional<QString> decodeLine(QByteArrayView line) {
     return text;
 }
 
-/// As many as LineReader gives. It takes strides of a whole buffer: lines that end within one fit it.
 int countLines(QByteArrayView content) {
-    qsizetype lines = 0;
-    while (!content.isEmpty()) {
-        const QByteArrayView buffer = content.first(std::min(content.size(), kLongestLineBytes));
-        const qsizetype lastEnd = buffer.lastIndexOf('\n');
-        const QByteArrayView whole = lastEnd < 0 ? buffer : buffer.first(lastEnd + 1);
-        lines += lastEnd < 0 ? 1 : std::count(whole.begin(), whole.end(), '\n');
-        content = content.sliced(whole.size());
-    }
-    return int(lines);
+    LineReader reader(content);
+    int lines = 0;
+    for (; !reader.atEnd(); ++lines) reader.next();
+    return lines;
 }
 
 /// The fields of a line as UTF-8. They last until the next line.
@@ -167,7 +161,10 @@ class Load {
             platform::trace(u"import: %1 is loaded but cannot be deleted for good"_s.arg(waiting_.path()));
             return false;
         }
-        execute(kDeleteLedger(identity_.handheldPath));
+        // An entry that is back after a loss of power names a file that is gone: nothing waits for the disk.
+        Transaction transaction(Survives::ProcessEnd);
+        transaction.run(kDeleteLedger(identity_.handheldPath));
+        transaction.commit();
         return true;
     }
 
@@ -262,11 +259,23 @@ QString rejectedPath(const ImportFile& file, ImportSource source) {
 }
 
 std::optional<int> countImportLines(const ImportFile& file, ImportSource source) {
+    // The dialog counts them when it opens, and again before it loads.
+    struct Counted {
+        struct stat status;
+        int lines;
+    };
+    static QHash<QString, Counted> counted;
     const QString path = platform::device::path(importPath(file, source));
+    struct stat status = {};
+    if (!WaitingFile::isAt(path) || ::stat(QFile::encodeName(path).constData(), &status) != 0)
+        return std::nullopt;
+    const auto known = counted.constFind(path);
+    if (known != counted.constEnd() && WaitingFile::isUnchanged(known->status, status)) return known->lines;
     QFile waiting(path);
-    if (!WaitingFile::isAt(path) || !waiting.open(QIODevice::ReadOnly)) return std::nullopt;
+    if (!waiting.open(QIODevice::ReadOnly)) return std::nullopt;
     const QByteArray content = waiting.readAll();
-    return waiting.error() == QFileDevice::NoError ? std::optional(countLines(content)) : std::nullopt;
+    if (waiting.error() != QFileDevice::NoError) return std::nullopt;
+    return counted.insert(path, {status, countLines(content)})->lines;
 }
 
 std::optional<Shrinkage> findShrinkage(const ImportFile& file, ImportSource source) {

@@ -15,6 +15,14 @@ adoce::ClassId connectionClass = adoce::ClassId::None;
 // Nothing sets the flag, so the class is resolved at every construction.
 const bool connectionClassResolved = false;
 
+/// Where the last database was found: every statement opens one, and nearly always the same.
+struct Opened {
+    QString folder;
+    QString database;
+    QString source;
+};
+Opened lastOpened;
+
 }  // namespace
 
 CVOConnection::CVOConnection(int) {
@@ -31,10 +39,17 @@ CVOConnection::~CVOConnection() {
 int CVOConnection::Open(QStringView, QStringView database) {
     adoce::HResult result = adoce::kOk;
     m_pConnection = adoce::createConnection(connectionClass, adoce::kInProcessServer, &result);
-    if (m_pConnection) {
-        m_pConnection->putProvider(u"cedb"_s);
-        m_pConnection->Open(u"Data Source = "_s + platform::device::path(database), {}, {}, -1);
+    if (!m_pConnection) return 1;
+    m_pConnection->putProvider(u"cedb"_s);
+    const auto open = [this](const QString& source) {
+        return !adoce::failed(m_pConnection->Open(source, {}, {}, -1));
+    };
+    if (lastOpened.folder == platform::device::folder() && lastOpened.database == database &&
+        open(lastOpened.source)) {
+        return 1;
     }
+    const QString source = u"Data Source = "_s + platform::device::path(database);
+    lastOpened = open(source) ? Opened{platform::device::folder(), database.toString(), source} : Opened();
     return 1;
 }
 

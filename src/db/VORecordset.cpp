@@ -14,6 +14,19 @@ adoce::ClassId recordsetClass = adoce::ClassId::None;
 // Nothing sets the flag, so the class is resolved at every construction.
 const bool recordsetClassResolved = false;
 
+/// Whether there is a component; traced with the operation when there is none.
+bool isMade(const std::unique_ptr<adoce::Recordset>& component, QStringView operation) {
+    if (!component)
+        platform::trace(u"CVORecordset::%1() RecordSet COM Object not initialized\n"_s.arg(operation));
+    return component != nullptr;
+}
+
+/// The same for a field.
+bool isField(const adoce::Field* field, QStringView operation) {
+    if (field == nullptr) platform::trace(u"CVORecordset::%1() Invalid Field Index\n"_s.arg(operation));
+    return field != nullptr;
+}
+
 }  // namespace
 
 CVORecordset::CVORecordset(CVOConnection& connection) : m_pConnection(&connection) {
@@ -30,10 +43,7 @@ CVORecordset::~CVORecordset() {
 }
 
 bool CVORecordset::Open(const Sql& sql, int cursorType, int lockType) {
-    if (!m_pRecordset) {
-        platform::trace(u"CVORecordset::Open() RecordSet COM Object not initialized\n");
-        return false;
-    }
+    if (!isMade(m_pRecordset, u"Open")) return false;
     if (m_bOpen) m_pRecordset->Close();
     if (sql.isWellFormed()) {
         const adoce::HResult result = m_pRecordset->Open(sql.text(), m_pConnection->m_pConnection.get(),
@@ -50,10 +60,7 @@ bool CVORecordset::Open(const Sql& sql, int cursorType, int lockType) {
 }
 
 bool CVORecordset::Close() {
-    if (!m_pRecordset) {
-        platform::trace(u"CVORecordset::Close() RecordSet COM Object not initialized\n");
-        return false;
-    }
+    if (!isMade(m_pRecordset, u"Close")) return false;
     if (m_bOpen) {
         m_pRecordset->Close();
         m_bOpen = false;
@@ -62,58 +69,34 @@ bool CVORecordset::Close() {
 }
 
 bool CVORecordset::BOF() {
-    if (!m_pRecordset) {
-        platform::trace(u"CVORecordset::BOF() RecordSet COM Object not initialized\n");
-        return false;
-    }
-    return m_pRecordset->BOF();
+    return isMade(m_pRecordset, u"BOF") && m_pRecordset->BOF();
 }
 
 bool CVORecordset::EOF() {
-    if (!m_pRecordset) {
-        platform::trace(u"CVORecordset::EOF() RecordSet COM Object not initialized\n");
-        return false;
-    }
-    return m_pRecordset->EndOfRows();
+    return isMade(m_pRecordset, u"EOF") && m_pRecordset->EndOfRows();
 }
 
 bool CVORecordset::MoveFirst() {
-    if (!m_pRecordset) {
-        platform::trace(u"CVORecordset::MoveFirst() RecordSet COM Object not initialized\n");
-        return false;
-    }
-    return !adoce::failed(m_pRecordset->MoveFirst());
+    return isMade(m_pRecordset, u"MoveFirst") && !adoce::failed(m_pRecordset->MoveFirst());
 }
 
 bool CVORecordset::MoveNext() {
-    if (!m_pRecordset) {
-        platform::trace(u"CVORecordset::MoveNext() RecordSet COM Object not initialized\n");
-        return false;
-    }
-    return !adoce::failed(m_pRecordset->MoveNext());
+    return isMade(m_pRecordset, u"MoveNext") && !adoce::failed(m_pRecordset->MoveNext());
 }
 
 adoce::Field* CVORecordset::GetField(int index) {
-    if (!m_pRecordset) {
-        platform::trace(u"CVORecordset::GetField() RecordSet COM Object not initialized\n");
-        return nullptr;
-    }
+    if (!isMade(m_pRecordset, u"GetField")) return nullptr;
     m_pField = m_pFields == nullptr ? nullptr : m_pFields->at(index);
     return m_pField;
 }
 
 std::optional<QString> CVORecordset::GetFieldName(int index) {
     const adoce::Field* field = GetField(index);
-    if (field == nullptr) {
-        platform::trace(u"CVORecordset::GetFieldName() Invalid Field Index\n");
-        return std::nullopt;
-    }
-    return field->Name();
+    return isField(field, u"GetFieldName") ? std::optional(field->Name()) : std::nullopt;
 }
 
 QVariant& CVORecordset::GetFieldValue(QVariant& value, int index) {
-    if (GetField(index) == nullptr) {
-        platform::trace(u"CVORecordset::GetFieldValue() Invalid Field Index\n");
+    if (!isField(GetField(index), u"GetFieldValue")) {
         value = 0;
         return value;
     }
@@ -124,11 +107,8 @@ QVariant& CVORecordset::GetFieldValue(QVariant& value, int index) {
 
 QString CVORecordset::GetFieldString(int index) {
     const adoce::Field* field = GetField(index);
-    if (field == nullptr) {
-        platform::trace(u"CVORecordset::GetFieldValue() Invalid Field Index\n");
-        return u"0"_s;
-    }
-    return field->Text();
+    // It is read as GetFieldValue() reads it.
+    return isField(field, u"GetFieldValue") ? field->Text() : u"0"_s;
 }
 
 }  // namespace db

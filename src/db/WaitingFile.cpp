@@ -20,12 +20,6 @@ bool isSameFile(const struct stat& one, const struct stat& other) {
     return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
 }
 
-/// Also the time of change, which no program can set.
-bool isUnchanged(const struct stat& one, const struct stat& other) {
-    return isSameFile(one, other) && one.st_size == other.st_size &&
-           one.st_ctim.tv_sec == other.st_ctim.tv_sec && one.st_ctim.tv_nsec == other.st_ctim.tv_nsec;
-}
-
 /// Whether the open file `descriptor` of a process was opened for writing.
 bool isOpenForWriting(const QString& process, const QString& descriptor) {
     QFile particulars(process + u"/fdinfo/"_s + descriptor);
@@ -84,6 +78,11 @@ bool WaitingFile::isAt(const QString& path) {
     struct stat status = {};
     return ::stat(name.constData(), &status) == 0 && S_ISREG(status.st_mode) &&
            ::faccessat(AT_FDCWD, name.constData(), R_OK | W_OK, AT_EACCESS) == 0;
+}
+
+bool WaitingFile::isUnchanged(const struct stat& one, const struct stat& other) {
+    return isSameFile(one, other) && one.st_size == other.st_size &&
+           one.st_ctim.tv_sec == other.st_ctim.tv_sec && one.st_ctim.tv_nsec == other.st_ctim.tv_nsec;
 }
 
 qint64 WaitingFile::modified() const {

@@ -29,6 +29,10 @@ class WaitingFile {
     /// who loads or writes it.
     static bool isAt(const QString& path);
 
+    /// Whether it is the same file with the same content; also by the time of change, which no program can
+    /// set.
+    static bool isUnchanged(const struct stat& one, const struct stat& other);
+
     State state() const { return state_; }
     const QString& path() const { return path_; }
     const QByteArray& content() const { return content_; }

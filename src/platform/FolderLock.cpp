@@ -6,8 +6,8 @@
 
 #include <QFile>
 #include <cerrno>
-#include <cstring>
 
+#include "platform/SystemReason.h"
 #include "platform/Trace.h"
 
 namespace platform {
@@ -20,7 +20,7 @@ FolderLock::FolderLock(const QString& folder)
     } else if (folder_ >= 0 && errno == EWOULDBLOCK) {
         state_ = State::Taken;
     } else {
-        trace(u"%1 is not locked: %2"_s.arg(folder, QString::fromLocal8Bit(std::strerror(errno))));
+        trace(u"%1 is not locked: %2"_s.arg(folder, systemReason()));
     }
 }
 

@@ -6,9 +6,8 @@
 
 #include <QDirIterator>
 #include <QFile>
-#include <cerrno>
-#include <cstring>
 
+#include "platform/SystemReason.h"
 #include "platform/Trace.h"
 
 namespace platform {
@@ -37,7 +36,7 @@ int tightenFiles(const QString& folder) {
         if ((status.st_mode & 077) == 0) continue;
         if (::chmod(name.constData(), status.st_mode & 0700) == 0) continue;
         ++failures;
-        trace(u"%1 stays open to others: %2"_s.arg(path, QString::fromLocal8Bit(std::strerror(errno))));
+        trace(u"%1 stays open to others: %2"_s.arg(path, systemReason()));
     }
     return failures;
 }

@@ -171,7 +171,8 @@ sqlite3_stmt* SqliteFile::prepare(const QByteArray& text, const char** tail) {
 
 SqliteStatement SqliteFile::statement(const QByteArray& text) {
     for (auto& each : recent_) {
-        if (each && each->key == text) return {this, std::move(each)};
+        // Mostly it is the very text that was kept, whose characters need no comparing.
+        if (each && (each->key.isSharedWith(text) || each->key == text)) return {this, std::move(each)};
     }
     if (std::unique_ptr<Prepared> idle{idle_.take(text)}) return {this, std::move(idle)};
     const char* tail = nullptr;

@@ -9,9 +9,9 @@
 #include <QFileInfo>
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 
 #include "platform/Sync.h"
+#include "platform/SystemReason.h"
 
 namespace platform {
 namespace {
@@ -99,7 +99,7 @@ bool WholeFile::open() {
 }
 
 bool WholeFile::fail() {
-    error_ = QString::fromLocal8Bit(std::strerror(errno));
+    error_ = systemReason();
     close();
     return false;
 }

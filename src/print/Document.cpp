@@ -43,8 +43,13 @@ void Document::labelText(QStringView label, QStringView text) {
 }
 
 void Document::labelFigure(QStringView label, QStringView figure, QStringView unit) {
-    const int width = kColumns - displayWidth(label) - displayWidth(unit);
-    line(QString(label % PadLeft(figure, width) % unit));
+    const QString whole = figure % unit;
+    int left = displayWidth(label);
+    if (left > 0 && left + 1 + displayWidth(whole) > kColumns) {
+        line(label);
+        left = 0;
+    }
+    line((left > 0 ? label.toString() : QString()) + PadLeft(whole, kColumns - left));
 }
 
 void Document::labelAmount(QStringView label, platform::Won amount, QStringView unit) {
@@ -71,11 +76,17 @@ void Document::row(std::initializer_list<Cell> cells) {
 }
 
 void Document::itemName(QStringView name, QStringView size, QStringView unitPrice) {
+    const auto beside = [&](QStringView text) {
+        const int width = displayWidth(text);
+        const bool fits = width == 0 || displayWidth(name) + 1 + width <= kColumns;
+        if (fits) line(width == 0 ? PadRight(name, kColumns) : PadRight(name, kColumns - width) % text);
+        return fits;
+    };
     const QString both = QString(size % u' ' % unitPrice).trimmed();
-    const int width = displayWidth(both);
-    const bool fits = width > 0 && displayWidth(name) + 1 + width <= kColumns;
-    line(fits ? PadRight(name, kColumns - width) + both : PadRight(name, kColumns));
-    if (!fits && width > 0) line(PadLeft(both, kColumns));
+    if (beside(both)) return;
+    const bool isSizeBeside = !unitPrice.isEmpty() && !size.isEmpty() && beside(size);
+    if (!isSizeBeside) line(PadRight(name, kColumns));
+    line(PadLeft(isSizeBeside ? unitPrice : both, kColumns));
 }
 
 void Document::signature(QStringView label) {

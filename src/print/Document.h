@@ -50,7 +50,8 @@ class Document {
     /// The label in ten columns, a blank, and the text wrapped in the 21 columns beside it. Nothing for an
     /// empty text.
     void labelText(QStringView label, QStringView text);
-    /// The label on the left, the figure against the right edge with its unit behind it; never cut.
+    /// The label on the left, the figure against the right edge with its unit behind it; below the label
+    /// where the two would touch, never cut.
     void labelFigure(QStringView label, QStringView figure, QStringView unit);
     /// The label on the left, the amount against the right edge with its unit behind it.
     void labelAmount(QStringView label, platform::Won amount, QStringView unit = u"원");

@@ -1,5 +1,7 @@
 #include "print/SlipPapers.h"
 
+#include <algorithm>
+
 #include "db/Query.h"
 #include "db/Transaction.h"
 #include "print/CollectionReceipt.h"
@@ -88,11 +90,16 @@ int SlipPapers::printVisit(bool isAgain, const Progress& progress) {
     for (const Copy copy : kCopies) {
         QList<Paper> due;
         for (const Paper paper : papers) {
-            if (isAgain || !printed_.contains({paper, copy})) due << paper;
+            if (isAgain || isDue(paper, copy)) due << paper;
         }
         count += int(print(due, copy, progress).size());
     }
     return count;
+}
+
+bool SlipPapers::isVisitReprint() const {
+    return std::ranges::any_of(reprints_,
+                               [this](const PaperCopy& each) { return isDue(each.first, each.second); });
 }
 
 void SlipPapers::note(std::span<const Paper> papers, Copy copy) const {

@@ -41,6 +41,8 @@ class SlipPapers {
     /// slip, and the container receipt. What this object has printed already is left out, unless `isAgain`.
     /// Returns how many papers came out.
     int printVisit(bool isAgain, const Progress& progress = {});
+    /// True when printVisit would repeat what was printed before this object came into being.
+    bool isVisitReprint() const;
 
     /// Prints one copy of those papers that the slip has rows for, as one job, and notes it before they
     /// leave the printer: an invoice makes a "미발행" slip "발행", any other state stays. Returns what was
@@ -51,6 +53,7 @@ class SlipPapers {
   private:
     using PaperCopy = std::pair<books::Paper, books::Copy>;
 
+    bool isDue(books::Paper paper, books::Copy copy) const { return !printed_.contains({paper, copy}); }
     void note(std::span<const books::Paper> papers, books::Copy copy) const;
 
     QString date_;

@@ -86,8 +86,8 @@ TEST(Layout, BlocksFillThePaper) {
     const Case cases[] = {
         {added([&] { document.labelAmount(u"합계", platform::Won(-1200)); }), 32,
          u"합계                     -1200원\n"_s},
-        {added([&] { document.labelAmount(u"열두글자나되는긴라벨임다", wide); }), 46,
-         u"열두글자나되는긴라벨임다-9223372036854775808원\n"_s},
+        {added([&] { document.labelAmount(u"열두글자나되는긴라벨임다", wide); }), 0,
+         u"열두글자나되는긴라벨임다\n          -9223372036854775808원\n"_s},
         {added([&] { document.labelText(u"주소", u" 서울시 중구 을지로 12길 34 "); }), 0,
          u"주소       서울시 중구 을지로\n           12길 34\n"_s},
         {added([&] { document.labelText(u"주소", u" "); }), 0, u""_s},

@@ -12,7 +12,6 @@
 #include <QPlainTextEdit>
 #include <QRadioButton>
 #include <QScrollBar>
-#include <QSet>
 #include <QTest>
 #include <QTimer>
 
@@ -154,9 +153,10 @@ class Screens : public testing::Test {
             static_cast<QAbstractButton*>(made->control(ui::kNarrowButton))->click();
         if (screen.keypadMode == kApproved) {
             made->control(1143)->hide();
-            for (int id = 1150; id <= 1153; ++id) made->control(id)->show();
+            for (int id = 1150; id <= 1154; ++id) made->control(id)->show();
             static_cast<QLabel*>(made->control(1150))->setText(u"승인"_s);
             static_cast<QLabel*>(made->control(1151))->setText(u"-999,999,999원"_s);
+            static_cast<QLabel*>(made->control(1154))->setText(u"출력 대기 12건: 용지·덮개·전원 확인"_s);
         }
         for (auto* list : made->findChildren<ui::ReportList*>()) {
             if (list->rowCount() == 0) continue;

@@ -4,7 +4,6 @@
 
 #include "AdminTest.h"
 #include "db/MasterImport.h"
-#include "totals/DayClose.h"
 
 namespace test {
 namespace {

@@ -295,6 +295,7 @@ void Pilot::poll() {
     }
     // Before the step, because it may open a dialog and come back only when that is closed.
     advance();
+    Q_EMIT begun(step);
     if (!tried.act) return;
     const QString problem = tried.act();
     if (!problem.isEmpty()) miss(step, problem);

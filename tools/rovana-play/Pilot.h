@@ -53,6 +53,8 @@ class Pilot : public QObject {
   Q_SIGNALS:
     /// A step was missed; sent before the dialogs are closed.
     void missed(const QString& failure);
+    /// A step is about to be done, or to be seen as it was expected.
+    void begun(const pilot::Step& step);
 
   private:
     void poll();

@@ -12,12 +12,12 @@
 #include <QStringBuilder>
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <optional>
 #include <utility>
 
 #include "platform/Clock.h"
 #include "platform/Sync.h"
+#include "platform/SystemReason.h"
 #include "rovanactl/DatabaseCheck.h"
 #include "rovanactl/JournalCarry.h"
 
@@ -27,10 +27,6 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 
 constexpr QStringView kBeingRestored = u".restored";
-
-QString systemReason() {
-    return QString::fromLocal8Bit(std::strerror(errno));
-}
 
 QString folderOf(const QString& path) {
     return QFileInfo(path).absolutePath();
@@ -122,14 +118,14 @@ class Unfinished {
         } while (held_.descriptor() >= 0 && !held_.isAt(name));
         const int descriptor = held_.descriptor();
         if (descriptor < 0) {
-            error_ = u"no file can be made in %1: %2"_s.arg(folderOf(place), systemReason());
+            error_ = u"no file can be made in %1: %2"_s.arg(folderOf(place), platform::systemReason());
             return;
         }
         // Made by root in a user's folder, it shall be that user's all the same.
         struct stat folder = {};
         if (::geteuid() == 0 && ::stat(QFile::encodeName(folderOf(place)).constData(), &folder) == 0 &&
             ::fchown(descriptor, folder.st_uid, folder.st_gid) != 0) {
-            error_ = u"%1 cannot be given to its owner: %2"_s.arg(place, systemReason());
+            error_ = u"%1 cannot be given to its owner: %2"_s.arg(place, platform::systemReason());
         }
         path_ = QFile::decodeName(name);
     }
@@ -147,16 +143,17 @@ class Unfinished {
     /// Puts the file under its name and both on the disk; what is wrong, or nothing.
     QString takeName(bool mayReplace) {
         if (!platform::syncToDisk(path_))
-            return u"%1 cannot be put on the disk: %2"_s.arg(place_, systemReason());
+            return u"%1 cannot be put on the disk: %2"_s.arg(place_, platform::systemReason());
         const QByteArray from = QFile::encodeName(path_);
         const QByteArray to = QFile::encodeName(place_);
         int result = ::renameat2(AT_FDCWD, from, AT_FDCWD, to, mayReplace ? 0 : RENAME_NOREPLACE);
         // Not every file system knows how to refuse.
         if (result != 0 && errno == EINVAL && !QFileInfo::exists(place_)) result = ::rename(from, to);
-        if (result != 0) return u"%1 cannot take its name: %2"_s.arg(place_, systemReason());
+        if (result != 0) return u"%1 cannot take its name: %2"_s.arg(place_, platform::systemReason());
         path_.clear();
         if (!platform::syncToDisk(folderOf(place_)))
-            return u"%1 is there, but its folder cannot be put on the disk: %2"_s.arg(place_, systemReason());
+            return u"%1 is there, but its folder cannot be put on the disk: %2"_s.arg(
+                place_, platform::systemReason());
         return {};
     }
 

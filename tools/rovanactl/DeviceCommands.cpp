@@ -7,7 +7,6 @@
 #include <QTcpSocket>
 #include <QTimer>
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
 #include <memory>
 #include <optional>
@@ -16,6 +15,7 @@
 #include "platform/CardNumber.h"
 #include "platform/Device.h"
 #include "platform/Settings.h"
+#include "platform/SystemReason.h"
 #include "platform/termdev/CardReader.h"
 #include "platform/termdev/DeviceLine.h"
 #include "platform/termdev/Devices.h"
@@ -43,7 +43,7 @@ void tellComplaints(const platform::Settings& settings, QTextStream& err) {
 /// Why the file cannot be opened; empty when it can. How its line is set stays as it is.
 QString faultOfFile(const QString& path, int flags) {
     const int line = openDevice(path, flags);
-    if (line < 0) return QString::fromLocal8Bit(std::strerror(errno));
+    if (line < 0) return platform::systemReason();
     ::close(line);
     return {};
 }

@@ -35,6 +35,7 @@ QByteArray toSqlite(const QByteArray& text) {
     constexpr QByteArrayView kDelete = "DELETE";
     constexpr QByteArrayView kFrom = "FROM ";
     const QByteArrayView trimmed = QByteArrayView(text).trimmed();
+    if (trimmed.isEmpty() || (trimmed.front() != 'D' && trimmed.front() != 'd')) return text;
     if (trimmed.first(std::min(kDelete.size(), trimmed.size())).compare(kDelete, Qt::CaseInsensitive) != 0)
         return text;
     const QByteArrayView rest = trimmed.sliced(kDelete.size()).trimmed();

@@ -3,6 +3,8 @@
 #include <QtEndian>
 #include <algorithm>
 
+#include "platform/Digits.h"
+
 namespace platform::message {
 namespace {
 
@@ -19,14 +21,10 @@ QString toText(const MessageNumber& number) {
 }
 
 std::optional<MessageNumber> parseMessageNumber(QStringView digits) {
-    const auto isDigit = [](QChar c) {
-        return (c >= u'0' && c <= u'9') || (c >= u'a' && c <= u'f') || (c >= u'A' && c <= u'F');
-    };
     MessageNumber number;
-    if (digits.size() != qsizetype(2 * number.size()) || !std::ranges::all_of(digits, isDigit))
-        return std::nullopt;
-    const QByteArray bytes = QByteArray::fromHex(digits.toLatin1());
-    std::copy(bytes.begin(), bytes.end(), number.begin());
+    const auto bytes = fromHexDigits(digits.toLatin1(), qsizetype(number.size()));
+    if (!bytes) return std::nullopt;
+    std::ranges::copy(*bytes, number.begin());
     return number;
 }
 

@@ -84,15 +84,10 @@ bool writeSavedValues(const SavedValues& values) {
 }
 
 std::optional<PublicKey> parsePublicKey(QByteArrayView text) {
-    const QByteArrayView digits = text.trimmed();
-    const auto isDigit = [](char c) {
-        return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
-    };
     PublicKey key;
-    if (digits.size() != qsizetype(2 * key.size()) || !std::ranges::all_of(digits, isDigit))
-        return std::nullopt;
-    const QByteArray bytes = QByteArray::fromHex(digits.toByteArray());
-    std::copy(bytes.begin(), bytes.end(), key.begin());
+    const auto bytes = fromHexDigits(text.trimmed(), qsizetype(key.size()));
+    if (!bytes) return std::nullopt;
+    std::ranges::copy(*bytes, key.begin());
     return key;
 }
 

@@ -15,6 +15,7 @@
 #include <cstring>
 #include <utility>
 
+#include "platform/SystemReason.h"
 #include "platform/Trace.h"
 #include "platform/termdev/CardReader.h"
 #include "platform/termdev/DeviceLine.h"
@@ -26,10 +27,6 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 
 constexpr int kLongestGap = 250;
-
-QString errorText(int code) {
-    return QString::fromLocal8Bit(std::strerror(code));
-}
 
 /// Takes an input device for this program alone, so that its keys reach no screen. What is no device types
 /// nothing anyway.
@@ -89,7 +86,7 @@ DeviceStatus CardReaderLine::status() const {
 QString CardReaderLine::openAndTake() {
     if (settings_.kind == Kind::Serial) return openSerialLine();
     line_ = openDevice(settings_.device, O_RDONLY);
-    if (line_ < 0) return errorText(errno);
+    if (line_ < 0) return systemReason();
     bool isTaken = true;
     if (settings_.kind == Kind::Evdev) {
         isTaken = grab(line_);
@@ -98,7 +95,7 @@ QString CardReaderLine::openAndTake() {
         isTaken = sibling_ >= 0 && grab(sibling_);
     }
     // Better no reader than one that types card tracks into the screens.
-    if (!isTaken) return errorText(errno);
+    if (!isTaken) return systemReason();
     keystrokes_.reset();
     readable_ = std::make_unique<QSocketNotifier>(line_, QSocketNotifier::Read);
     connect(readable_.get(), &QSocketNotifier::activated, this, &CardReaderLine::read);
@@ -179,7 +176,7 @@ void CardReaderLine::read() {
     sodium_memzero(buffer.data(), buffer.size());
     const bool isWaiting = count < 0 && (reason == EAGAIN || reason == EINTR);
     if (count > 0 || isWaiting || line_ < 0) return;
-    lose(count == 0 ? u"it was taken away"_s : errorText(reason));
+    lose(count == 0 ? u"it was taken away"_s : systemReason(reason));
 }
 
 void CardReaderLine::takeEvent(const input_event& event) {

@@ -9,7 +9,8 @@
 #include <QFileInfo>
 #include <QSerialPort>
 #include <cerrno>
-#include <cstring>
+
+#include "platform/SystemReason.h"
 
 namespace platform::termdev {
 namespace {
@@ -47,7 +48,7 @@ QString openSerial(QSerialPort* port, const QString& path, const SerialMode& mod
         const QFileInfo file(path);
         const bool isLocked =
             port->error() == QSerialPort::PermissionError && file.isReadable() && file.isWritable();
-        return isLocked ? QString::fromLocal8Bit(std::strerror(EBUSY)) : port->errorString();
+        return isLocked ? systemReason(EBUSY) : port->errorString();
     }
     termios settings{};
     ::tcgetattr(port->handle(), &settings);

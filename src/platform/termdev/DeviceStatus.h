@@ -5,7 +5,7 @@
 
 namespace platform::termdev {
 
-/// How a device is, for whoever shows it beside the terminal's screens, which never learn of it.
+/// How a device is. The screens that print at the end of a visit tell of its jobs.
 struct DeviceStatus {
     enum class State {
         Ready,    ///< Nothing waits.

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <utility>
 
+#include "platform/SystemReason.h"
 #include "platform/Trace.h"
 
 namespace platform::termdev {
@@ -14,10 +14,6 @@ using namespace Qt::Literals::StringLiterals;
 
 constexpr int kLongestPoll = 250;
 constexpr int kShortestPoll = 5;
-QString errorText(int code) {
-    return QString::fromLocal8Bit(std::strerror(code));
-}
-
 }  // namespace
 
 PrintQueue::PrintQueue(const PrinterSettings& settings, Times times) : settings_(settings), times_(times) {
@@ -78,7 +74,7 @@ void PrintQueue::proceed() {
     }
     if (!spool_.lock()) {
         if (errno != EWOULDBLOCK)
-            return fail(u"the spool cannot be locked: "_s + errorText(errno), Cause::NoRoom);
+            return fail(u"the spool cannot be locked: "_s + systemReason(), Cause::NoRoom);
         // Another program on this device folder sends; it takes this job with its own.
         timer_.start(times_.retry);
         statusChanged();

@@ -13,10 +13,10 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 
 #include "platform/Device.h"
 #include "platform/Sync.h"
+#include "platform/SystemReason.h"
 #include "platform/Trace.h"
 #include "platform/WholeFile.h"
 
@@ -85,8 +85,7 @@ bool PrintSpool::add(QByteArrayView job) {
     // Another program may take a number at the same moment.
     while (!writeNew(folder_ % u'/' % nameOf(number, kUnfinished), job)) {
         if (errno != EEXIST) {
-            trace(u"printer: a job could not be kept and is lost: %1"_s.arg(
-                QString::fromLocal8Bit(std::strerror(errno))));
+            trace(u"printer: a job could not be kept and is lost: %1"_s.arg(systemReason()));
             return false;
         }
         ++number;

@@ -18,9 +18,9 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <cstring>
 
 #include "platform/Address.h"
+#include "platform/SystemReason.h"
 #include "platform/termdev/DeviceLine.h"
 
 namespace platform::termdev {
@@ -33,10 +33,6 @@ using namespace Qt::Literals::StringLiterals;
 constexpr int kLostRepetitions = 6;
 /// Bytes of a printer's answers that are held before they are dropped.
 constexpr qint64 kMostAnswers = 4096;
-
-QString errorText(int code) {
-    return QString::fromLocal8Bit(std::strerror(code));
-}
 
 /// Bytes that wait below the descriptor, as `question` asks for them; -1 when the device is gone.
 qsizetype bytesBelow(int line, unsigned long question) {
@@ -71,7 +67,7 @@ class FileLine : public PrinterLine {
     void send(const QByteArray& job) override {
         job_ = job;
         line_ = openDevice(path_, O_WRONLY | O_APPEND);
-        if (line_ < 0) return fail(errorText(errno));
+        if (line_ < 0) return fail(systemReason());
         writable_ = std::make_unique<QSocketNotifier>(line_, QSocketNotifier::Write);
         connect(writable_.get(), &QSocketNotifier::activated, this, &FileLine::write);
         write();
@@ -95,7 +91,7 @@ class FileLine : public PrinterLine {
     void write() {
         while (sent_ < job_.size()) {
             const ssize_t count = ::write(line_, job_.constData() + sent_, size_t(job_.size() - sent_));
-            if (count < 0 && errno != EAGAIN && errno != EINTR) fail(errorText(errno));
+            if (count < 0 && errno != EAGAIN && errno != EINTR) fail(systemReason());
             if (count <= 0) break;
             sent_ += count;
         }
@@ -173,7 +169,7 @@ class NetworkLine : public PrinterLine {
         job_ = job;
         unsent_ = job.size();
         const std::optional<QHostAddress> address = parseAddress(settings_.address);
-        if (!address) return fail(errorText(EINVAL));
+        if (!address) return fail(systemReason(EINVAL));
         socket_.setProxy(QNetworkProxy::NoProxy);
         socket_.setReadBufferSize(kMostAnswers);
         connect(&socket_, &QTcpSocket::connected, this, [this] { socket_.write(job_); });
@@ -213,7 +209,7 @@ class NetworkLine : public PrinterLine {
         unsent_ -= bytes;
         if (unsent_ == 0) {
             line_ = ::fcntl(int(socket_.socketDescriptor()), F_DUPFD_CLOEXEC, 0);
-            if (line_ < 0) return fail(errorText(errno));
+            if (line_ < 0) return fail(systemReason());
             socket_.disconnect(this);
             socket_.abort();
             readable_ = std::make_unique<QSocketNotifier>(line_, QSocketNotifier::Read);
@@ -228,7 +224,7 @@ class NetworkLine : public PrinterLine {
         while ((received = ::recv(line_, buffer.data(), buffer.size(), 0)) > 0) {
         }
         hasEnded_ = received == 0;
-        if (received < 0 && errno != EAGAIN && errno != EINTR) fail(errorText(errno));
+        if (received < 0 && errno != EAGAIN && errno != EINTR) fail(systemReason());
         // The notifier would tell of an end for ever.
         readable_->setEnabled(!hasEnded_ && failure().isEmpty());
         Q_EMIT changed();

@@ -8,11 +8,11 @@
 #include <QFile>
 #include <array>
 #include <cerrno>
-#include <cstring>
 #include <utility>
 
 #include "platform/Device.h"
 #include "platform/SocketAddress.h"
+#include "platform/SystemReason.h"
 #include "platform/Trace.h"
 #include "platform/termdev/CardReader.h"
 
@@ -69,7 +69,7 @@ SwipeSocket::SwipeSocket(QObject* parent) : QObject(parent) {
     if (listener_ < 0) {
         trace(u"card reader: no swipe socket: %1"_s.arg(
             reason == EADDRINUSE ? u"another terminal on this device folder has it"_s
-                                 : QString::fromLocal8Bit(std::strerror(reason))));
+                                 : systemReason(reason)));
         return;
     }
     path_ = device::folder() + u'/' + QLatin1StringView(kSocketName);

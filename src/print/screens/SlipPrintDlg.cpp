@@ -64,23 +64,28 @@ void CSlipPrintDlg::addPaperButtons() {
     };
     const std::span papers(books::kPapers);
     const auto place = [](int index) { return QPoint(2 + index % 2 * 120, 138 + index / 2 * 40); };
-    add(1008, u"두 부 모두 출력"_s, {12, 98}, ui::bitmaps::kDocument, [this] { printVisit(); });
     for (int i = 0; i < int(papers.size()); ++i) {
         add(1004 + i, books::paperName(papers[i]).toString(), place(i), ui::bitmaps::kHalfDocument,
             [this, paper = papers.subspan(i, 1)] { print(paper); });
     }
     add(1007, u"전체출력"_s, place(int(papers.size())), ui::bitmaps::kHalfDocument,
         [this, papers] { print(papers); });
+    add(1008, u"두 부 모두 출력"_s, {12, 98}, ui::bitmaps::kDocument, [this] { printVisit(); });
 }
 
 bool CSlipPrintDlg::mayPrint(std::span<const Paper> papers, books::Copy copy) const {
     const bool isAgain =
         std::ranges::any_of(papers, [&](Paper paper) { return papers_.isReprint(paper, copy); });
-    return !isAgain || waitingJobs() == 0 ||
+    return !isAgain || isSecondCopyMeant();
+}
+
+bool CSlipPrintDlg::isSecondCopyMeant() {
+    return waitingJobs() == 0 ||
            ui::askYesNo(u"출력 대기중인 전표가 있습니다..! 한 장 더 출력할까요?"_s, u"다시 출력"_s);
 }
 
 void CSlipPrintDlg::printVisit() {
+    if (papers_.isVisitReprint() && !isSecondCopyMeant()) return;
     int count = 0;
     {
         const ui::WaitCursor wait;

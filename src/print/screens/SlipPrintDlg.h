@@ -23,6 +23,8 @@ class CSlipPrintDlg : public ui::Screen {
     /// False when a copy of one of the papers has gone to the printer, jobs wait there, and no second one is
     /// meant.
     bool mayPrint(std::span<const books::Paper> papers, books::Copy copy) const;
+    /// Asks, while jobs wait.
+    static bool isSecondCopyMeant();
     /// Both copies of what the visit leaves behind.
     void printVisit();
     /// Says what went to the printer and, as long as jobs wait there, that they do.

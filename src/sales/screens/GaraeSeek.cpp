@@ -58,6 +58,7 @@ CGaraeSeek::CGaraeSeek() : SlipListScreen(app::dialogs::kSlipList, app::dialogs:
     }
     addButton(1004, u"결  제"_s, {182, 246}, ui::bitmaps::kPay, [this] { pay(); });
     addButtons(u"추 가"_s, u"주문전표내역을 삭제할까요?"_s, u"주문전표삭제"_s);
+    setTabOrder(control(1000), unvisited_);
 }
 
 app::ListedSlips CGaraeSeek::loadSlips() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QTimer>
 #include <optional>
 
 #include "books/CollectionSlip.h"
@@ -81,6 +82,7 @@ class CCardDlg : public ui::Screen {
     QWidget* picture_ = nullptr;
     QWidget* askAgain_ = nullptr;
     std::optional<ExchangeLog> log_;
+    QTimer look_;
     std::optional<print::SlipPapers> papers_;  ///< Of the visit, once its payment is approved.
     QString sentTime_;                         ///< When the request at hand left, "yyyyMMddHHmmss".
     QString maskedCard_;     ///< The number of the card of the request at hand, as the receipt shows it.

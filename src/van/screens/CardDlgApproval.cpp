@@ -15,10 +15,12 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 
 /// What an approval shows.
-enum Control { kApprovedMark = 1150, kApprovedAmount, kPrintVisit, kToList };
+enum Control { kApprovedMark = 1150, kApprovedAmount, kPrintVisit, kToList, kWaitingMark };
 constexpr QColor kApprovedColour(0x1c, 0x7a, 0x3c);
 constexpr int kMarkType = 36;
 constexpr int kAmountType = 28;
+/// How often the printer is looked at from then on.
+constexpr int kLookMs = 500;
 
 QFont largeFont(int pixels) {
     QFont font = ui::font(ui::FontHeight::Title);
@@ -35,19 +37,25 @@ bool CCardDlg::isVisit() {
 
 void CCardDlg::addApprovalControls() {
     for (const auto& [id, top, type] :
-         {std::tuple{kApprovedMark, 76, kMarkType}, {kApprovedAmount, 118, kAmountType}}) {
-        QLabel* shown = addLabel(id, {}, {4, top, 232, 42}, ui::FontHeight::Title, Qt::AlignCenter);
+         {std::tuple{kApprovedMark, 70, kMarkType}, {kApprovedAmount, 106, kAmountType}}) {
+        QLabel* shown = addLabel(id, {}, {4, top, 232, 36}, ui::FontHeight::Title, Qt::AlignCenter);
         shown->setFont(largeFont(type));
         setTextColour(shown, kApprovedColour);
     }
-    addButton(kPrintVisit, u"두 부 모두 출력"_s, {2, 166}, ui::bitmaps::kHalfDocument,
+    addButton(kPrintVisit, u"두 부 모두 출력"_s, {2, 144}, ui::bitmaps::kHalfDocument,
               [this] { printVisit(); });
-    addButton(kToList, u"전표목록"_s, {122, 166}, ui::bitmaps::kHalfDocument, [this] {
+    addButton(kToList, u"전표목록"_s, {122, 144}, ui::bitmaps::kHalfDocument, [this] {
         app::session().ReturnsToList = true;
         finish();
     });
-    for (const int id : {int(kApprovedMark), int(kApprovedAmount), int(kPrintVisit), int(kToList)})
+    setTextColour(addLabel(kWaitingMark, {}, {4, 181, 232, 24}, ui::FontHeight::Medium, Qt::AlignCenter),
+                  Qt::red);
+    for (const int id :
+         {int(kApprovedMark), int(kApprovedAmount), int(kPrintVisit), int(kToList), int(kWaitingMark)})
         control(id)->hide();
+    look_.setInterval(kLookMs);
+    connect(&look_, &QTimer::timeout, this,
+            [this] { setFittedText(kWaitingMark, print::waitingText(), ui::FontHeight::Medium); });
 }
 
 void CCardDlg::showApproval(platform::Won amount) {
@@ -58,6 +66,8 @@ void CCardDlg::showApproval(platform::Won amount) {
     control(kApprovedAmount)->show();
     control(kPrintVisit)->setVisible(papers_.has_value());
     control(kToList)->setVisible(isVisit());
+    control(kWaitingMark)->show();
+    look_.start();
 }
 
 void CCardDlg::printVisit() {
