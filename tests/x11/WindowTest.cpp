@@ -41,7 +41,7 @@ class Display {
   public:
     Display() {
         server_.start(u"Xvfb"_s, {u"-displayfd"_s, u"1"_s, u"-screen"_s, u"0"_s, u"400x400x24"_s,
-                                  u"-nolisten"_s, u"tcp"_s});
+                                  u"-nolisten"_s, u"tcp"_s, u"-noreset"_s});
         while (server_.state() != QProcess::NotRunning && !server_.canReadLine() &&
                server_.waitForReadyRead(kPatienceMs)) {
         }
