@@ -53,6 +53,8 @@ Result measureReport();
 Result measureExchange();
 /// What a short soak holds at most, in per cent of what it holds after 500 visits, and how fast it was.
 Result measureSoak();
+/// Touches of a usual order against the most that it may take.
+Result measureTaps();
 /// Resident memory after 1,000 payments against that after 100.
 Result measurePayments();
 

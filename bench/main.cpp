@@ -58,6 +58,8 @@ constexpr std::array kMeasurements{
                 "memory after 100 payments: the 900 that follow must leave nothing"},
     Measurement{"soak", 1.05, bench::measureSoak,
                 "what it held after 500 visits: 1,000 more must leave nothing"},
+    Measurement{"taps", 1.0, bench::measureTaps,
+                "16 touches: a customer's five usual products paid by card, written with one touch"},
 };
 
 bool runAndPrint(const Measurement& measurement) {

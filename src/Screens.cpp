@@ -20,6 +20,7 @@
 #include "sales/screens/GaeaeDlg.h"
 #include "sales/screens/GaraeSeek.h"
 #include "sales/screens/MtmDlg.h"
+#include "sales/screens/PastOrdersDlg.h"
 #include "sales/screens/PummokCheck.h"
 #include "sales/screens/PummokSeekBoard.h"
 #include "sales/screens/UnvisitedDlg.h"
@@ -70,6 +71,7 @@ constexpr Entry kScreens[] = {
     {dialogs::kPaymentCheck, make<van::CPaymentCheckDlg>},
     {dialogs::kVisitCheck, make<totals::CVisitCheckDlg>},
     {dialogs::kUnvisited, make<sales::CUnvisitedDlg>},
+    {dialogs::kPastOrders, make<sales::CPastOrdersDlg>},
 };
 
 }  // namespace

@@ -112,6 +112,7 @@ admin::demo::Data deliver(int number, QString* problem) {
     std::erase_if(data.orders,
                   [&](const auto& order) { return data.customers[order.customer].user == u"A"; });
     for (const db::ImportFile& each : db::importFiles()) {
+        if (each.isOptional) continue;
         QFile file(platform::device::path(db::importPath(each, db::ImportSource::Documents)));
         const auto content = admin::demo::importFileContent(data, each);
         if (!content || !file.open(QIODevice::WriteOnly) || file.write(*content) != content->size())

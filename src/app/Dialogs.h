@@ -28,5 +28,6 @@ inline constexpr int kReport = 458;
 inline constexpr int kPaymentCheck = 459;
 inline constexpr int kVisitCheck = 460;
 inline constexpr int kUnvisited = 461;
+inline constexpr int kPastOrders = 465;
 
 }  // namespace app::dialogs

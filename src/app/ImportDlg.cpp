@@ -29,16 +29,18 @@ constexpr FileRow kRows[] = {{1136, 1135, u"주문서"},
                              {1139, 1140, u"상  품"},
                              {1141, 1142, u"거래처별 계약단가"},
                              // The drawn caption and the counted one differ by a syllable.
-                             {1143, 1144, u"주류구분별마진"}};
+                             {1143, 1144, u"주류구분별마진"},
+                             // Our own, for a file that an office need not send.
+                             {1321, 1322, u"바코드"}};
 
 }  // namespace
 
 CImportDlg::CImportDlg() : Screen(dialogs::kImport) {
     addHeading(0, ui::bitmaps::kImportHeading, u"영업자료 수신"_s);
     for (int i = 0; i < kFiles; ++i) {
-        const int top = 42 + i * 47;
+        const int top = 38 + i * 41;
         addLabel(kRows[i].label, kRows[i].caption.toString(), {8, top, 224, 22}, ui::FontHeight::Medium);
-        bars_[size_t(i)] = place(kRows[i].bar, new QProgressBar(this), {8, top + 22, 224, 18});
+        bars_[size_t(i)] = place(kRows[i].bar, new QProgressBar(this), {8, top + 22, 224, 16});
         describe(bars_[size_t(i)], kRows[i].caption.toString());
         bars_[size_t(i)]->setTextVisible(false);
         bars_[size_t(i)]->setValue(0);
@@ -54,6 +56,10 @@ void CImportDlg::countFiles() {
         const QString name = dataName(file);
         setText(kRows[i].label, name + u" : 0건"_s);
         sources_[size_t(i)] = db::findImportFile(file);
+        if (file.isOptional && sources_[size_t(i)] == db::ImportSource::None) {
+            control(kRows[i].label)->hide();
+            bars_[size_t(i)]->hide();
+        }
         const std::optional<int> lines = db::countImportLines(file, sources_[size_t(i)]);
         if (!lines) continue;
         setText(kRows[i].label, u"%1 : %2건"_s.arg(name).arg(*lines));

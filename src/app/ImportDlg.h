@@ -18,7 +18,7 @@ class CImportDlg : public ui::Screen {
     CImportDlg();
 
   private:
-    static constexpr int kFiles = 5;
+    static constexpr int kFiles = 6;
 
     void countFiles();
     void importAll();

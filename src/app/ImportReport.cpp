@@ -11,8 +11,8 @@ using namespace Qt::Literals::StringLiterals;
 using Outcome = db::ImportResult::Outcome;
 
 /// In the order of the files.
-constexpr QStringView kNames[] = {u"주문서", u"거래처_채권", u"상  품", u"거래처별 계약단가",
-                                  u"주류구분마진"};
+constexpr QStringView kNames[] = {u"주문서",       u"거래처_채권", u"상  품", u"거래처별 계약단가",
+                                  u"주류구분마진", u"바코드"};
 
 /// Lines of names that the menu has room for.
 constexpr qsizetype kMenuLines = 2;

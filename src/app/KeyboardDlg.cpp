@@ -5,22 +5,52 @@
 #include <QLabel>
 
 #include "app/Dialogs.h"
+#include "ui/PressableText.h"
 
 namespace app {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
+constexpr int kFields = Keypad::kFields;
+
 struct FieldRow {
     int caption;
     int display;
     int erase;
-    int top;
+    int present;  ///< Our own: the number that stays where nothing is keyed.
 };
-constexpr FieldRow kRows[] = {{1118, 1114, 1011, 4}, {1119, 1116, 1012, 40}, {1120, 1115, 1039, 76}};
+constexpr FieldRow kRows[] = {{1118, 1114, 1011, 1301}, {1119, 1116, 1012, 1302}, {1120, 1115, 1039, 1303}};
 
 constexpr int kSecondSelector = 1089;
 constexpr int kThirdSelector = 1090;
+
+/// Our own: whom and what the keypad asks for, and what follows from it.
+constexpr int kWhom = 1304;
+constexpr int kWhat = 1305;
+constexpr int kNote = 1306;
+constexpr QColor kGrey(0x6b, 0x77, 0x85);
+
+/// Where the rows of fields and the selectors stand.
+struct FieldPlaces {
+    int firstRow = 4;
+    int pitch = 36;
+    int selectors = 112;
+    int selectorHeight = 28;
+};
+/// Below the topic's lines: three beside two fields, one beside three.
+constexpr FieldPlaces kBelowThreeLines{.firstRow = 50, .pitch = 34, .selectors = 118, .selectorHeight = 27};
+constexpr FieldPlaces kBelowOneLine{.firstRow = 18, .pitch = 33, .selectors = 118, .selectorHeight = 27};
+constexpr int kTopicLine = 16;
+
+int fieldsInUse() {
+    return std::max(1, keypadRequest().KeypadMode);
+}
+
+FieldPlaces fieldPlaces() {
+    if (keypadRequest().Topic.isEmpty()) return {};
+    return fieldsInUse() == kFields ? kBelowOneLine : kBelowThreeLines;
+}
 
 struct Key {
     int control;
@@ -40,6 +70,7 @@ QPoint keyAt(int column, int row) {
 }  // namespace
 
 CKeyboardDlg::CKeyboardDlg() : Screen(dialogs::kKeypad), keypad_(keypadRequest()) {
+    addTopic();
     addFields();
     addSelectors();
     addKeys();
@@ -57,29 +88,64 @@ CKeyboardDlg::~CKeyboardDlg() {
     for (const FieldRow& row : kRows) setText(row.display, {});
 }
 
+void CKeyboardDlg::addTopic() {
+    const KeypadTopic& topic = keypadRequest().Topic;
+    if (topic.isEmpty()) return;
+    const auto line = [&](int id, int number) {
+        return addLabel(id, {}, {4, 1 + number * kTopicLine, 232, kTopicLine});
+    };
+    // Beside three fields there is room for one line.
+    if (fieldsInUse() == kFields)
+        return fitText(line(kWhom, 0), topic.what.isEmpty() ? topic.whom : topic.what, ui::FontHeight::Small);
+    fitText(line(kWhom, 0), topic.whom, ui::FontHeight::Small);
+    fitText(line(kWhat, 1), topic.what, ui::FontHeight::Small);
+    setTextColour(line(kNote, 2), QColor(0x1c, 0x5b, 0xa8));
+}
+
 void CKeyboardDlg::addFields() {
     const QString captions[] = {keypadRequest().KeypadLabel1, keypadRequest().KeypadLabel2,
                                 keypadRequest().KeypadLabel3};
-    for (int i = 0; i < Keypad::kFields; ++i) {
+    const FieldPlaces places = fieldPlaces();
+    for (int i = 0; i < kFields; ++i) {
         const FieldRow& row = kRows[i];
-        addLabel(row.caption, captions[i], {4, row.top, 64, 32});
-        QLabel* display = addAmount(row.display, {}, {70, row.top, 114, 32}, ui::FontHeight::Medium);
+        const int top = places.firstRow + i * places.pitch;
+        const bool isInUse = i < fieldsInUse();
+        const QString present = isInUse ? keypad_.present(i + 1) : QString();
+        const int left = present.isEmpty() ? 70 : 112;
+        QLabel* caption = addLabel(row.caption, captions[i], {4, top, 64, 32});
+        auto* display = place(row.display, new ui::PressableText(this), {left, top, 184 - left, 32});
+        // An empty field that the mode leaves out makes way for what the keypad tells.
+        caption->setVisible(isInUse || keypadRequest().Topic.isEmpty());
+        display->setVisible(isInUse || keypadRequest().Topic.isEmpty());
+        display->setAlignment(ui::kRight);
+        display->setTextFormat(Qt::PlainText);
+        connect(display, &ui::PressableText::pressed, this, [this, i, isInUse] {
+            if (isInUse) activate(i + 1);
+        });
         // What may be a password is not read out.
         keypadRequest().KeypadMode == kTextField ? display->setAccessibleName(captions[i])
                                                  : describe(display, captions[i]);
-        ui::BitmapButton* erase =
-            addButton(row.erase, u"지움"_s, {190, row.top}, ui::bitmaps::kErase, [=, this] {
-                keypad_.erase(i + 1);
-                refresh();
-            });
+        if (!present.isEmpty()) {
+            QLabel* stays = addAmount(row.present, u"지금 "_s + captions[i], {70, top, 40, 32});
+            setTextColour(stays, kGrey);
+            setFittedText(row.present, present + u" →"_s, ui::FontHeight::Small);
+        }
+        ui::BitmapButton* erase = addButton(row.erase, u"지움"_s, {190, top}, ui::bitmaps::kErase, [=, this] {
+            keypad_.erase(i + 1);
+            refresh();
+        });
         describe(erase, captions[i] + u" 지움"_s);
         erase->setRepeated(true);
     }
 }
 
 void CKeyboardDlg::addSelectors() {
-    second_ = place(kSecondSelector, new QCheckBox(keypadRequest().KeypadCheck2, this), {4, 112, 114, 28});
-    third_ = place(kThirdSelector, new QCheckBox(keypadRequest().KeypadCheck3, this), {122, 112, 114, 28});
+    const FieldPlaces places = fieldPlaces();
+    const auto add = [&](int id, const QString& caption, int left) {
+        return place(id, new QCheckBox(caption, this), {left, places.selectors, 114, places.selectorHeight});
+    };
+    second_ = add(kSecondSelector, keypadRequest().KeypadCheck2, 4);
+    third_ = add(kThirdSelector, keypadRequest().KeypadCheck3, 122);
     for (QCheckBox* selector : {second_, third_}) selector->setFont(ui::font(ui::FontHeight::Small));
     connect(second_, &QCheckBox::clicked, this, [this] {
         keypad_.secondClicked(second_->isChecked(), third_->isChecked());
@@ -113,6 +179,8 @@ void CKeyboardDlg::addKeys() {
     addMainButton(1000, u"확  인"_s, [this] { leave(Accepted); });
     // Keys of a keyboard always go to the active field, wherever a finger was last.
     for (QAbstractButton* button : findChildren<QAbstractButton*>()) button->setFocusPolicy(Qt::NoFocus);
+    for (ui::PressableText* display : findChildren<ui::PressableText*>())
+        display->setFocusPolicy(Qt::NoFocus);
 }
 
 void CKeyboardDlg::hideByMode() {
@@ -132,10 +200,11 @@ void CKeyboardDlg::hideByMode() {
 }
 
 void CKeyboardDlg::refresh() {
-    const int fieldsInUse = std::max(1, keypadRequest().KeypadMode);
-    for (int field = 1; field <= Keypad::kFields; ++field) {
+    const auto& note = keypadRequest().Topic.note;
+    if (note && label(kNote)) setFittedText(kNote, note(keypad_.entries()), ui::FontHeight::Small);
+    for (int field = 1; field <= kFields; ++field) {
         QLabel* display = label(kRows[field - 1].display);
-        display->setFrameShape(field > fieldsInUse ? QFrame::NoFrame : QFrame::Box);
+        display->setFrameShape(field > fieldsInUse() ? QFrame::NoFrame : QFrame::Box);
         fitText(display, keypad_.display(field), ui::FontHeight::Medium);
         QPalette colours = palette();
         const bool isActive = field == keypad_.activeField();
@@ -153,11 +222,13 @@ void CKeyboardDlg::append(const QString& digits) {
 }
 
 void CKeyboardDlg::chooseNextField() {
-    const int fields = std::max(1, keypadRequest().KeypadMode);
-    const int next = keypad_.activeField() % fields + 1;
-    second_->setChecked(next == 2);
-    third_->setChecked(next == 3);
-    keypad_.secondClicked(second_->isChecked(), third_->isChecked());
+    activate(keypad_.activeField() % fieldsInUse() + 1);
+}
+
+void CKeyboardDlg::activate(int field) {
+    second_->setChecked(field == 2);
+    third_->setChecked(field == 3);
+    keypad_.activate(field);
     refresh();
 }
 

@@ -21,6 +21,8 @@ class CKeyboardDlg : public ui::Screen {
     bool focusNextPrevChild(bool next) override;
 
   private:
+    /// Whom and what is asked for, where the request says so.
+    void addTopic();
     void addFields();
     void addSelectors();
     void addKeys();
@@ -28,6 +30,7 @@ class CKeyboardDlg : public ui::Screen {
     void refresh();
     void append(const QString& digits);
     void chooseNextField();
+    void activate(int field);
     void leave(Result result);
 
     Keypad keypad_;

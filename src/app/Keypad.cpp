@@ -1,6 +1,7 @@
 #include "app/Keypad.h"
 
 #include <algorithm>
+#include <tuple>
 #include <utility>
 
 #include "platform/Wipe.h"
@@ -21,7 +22,7 @@ QString ownCopy(const QString& text) {
 
 }  // namespace
 
-Keypad::Keypad(const KeypadRequest& request) : mode_(request.KeypadMode) {
+Keypad::Keypad(const KeypadRequest& request) : mode_(request.KeypadMode), present_(request.Topic.present) {
     const std::array values{&request.KeypadValue1, &request.KeypadValue2, &request.KeypadValue3};
     for (size_t i = 0; i < fields_.size(); ++i) {
         fields_[i].text = fields_[i].saved = *values[i];
@@ -83,10 +84,18 @@ void Keypad::thirdClicked(bool secondChecked, bool thirdChecked) {
     active_ = secondChecked && !thirdChecked ? 2 : thirdChecked ? 3 : 1;
 }
 
+std::array<QString, Keypad::kFields> Keypad::entries() const {
+    std::array<QString, kFields> entries;
+    for (size_t i = 0; i < fields_.size(); ++i) {
+        // An entry that was erased shows "0" and is one.
+        const bool isKeyed = !fields_[i].display.isEmpty();
+        entries[i] = isKeyed ? ownCopy(fields_[i].text) : present_[i];
+    }
+    return entries;
+}
+
 void Keypad::accept(KeypadRequest* request) const {
-    request->KeypadValue1 = ownCopy(fields_[0].text);
-    request->KeypadValue2 = ownCopy(fields_[1].text);
-    request->KeypadValue3 = ownCopy(fields_[2].text);
+    std::tie(request->KeypadValue1, request->KeypadValue2, request->KeypadValue3) = std::tuple_cat(entries());
     const bool isEmpty =
         std::ranges::all_of(fields_, [](const Field& field) { return field.display.isEmpty(); });
     request->KeypadResult = isEmpty ? 0 : 1;

@@ -32,12 +32,19 @@ class Keypad {
     /// Empties the active field.
     void clear();
 
+    /// Makes that field the active one.
+    void activate(int field) { active_ = field; }
+
     /// Chooses the active field after a click on the second or the third field's selector.
     void secondClicked(bool secondChecked, bool thirdChecked);
     void thirdClicked(bool secondChecked, bool thirdChecked);
 
     int activeField() const { return active_; }
     const QString& display(int field) const { return fields_[size_t(field - 1)].display; }
+
+    /// What accept() would return now: what is keyed, or the present number of a field without an entry.
+    std::array<QString, kFields> entries() const;
+    const QString& present(int field) const { return present_[size_t(field - 1)]; }
 
     /// Writes the result and the values into the record.
     void accept(KeypadRequest* request) const;
@@ -58,6 +65,7 @@ class Keypad {
     int mode_;
     int active_ = 1;
     std::array<Field, kFields> fields_;
+    std::array<QString, kFields> present_;
 };
 
 }  // namespace app

@@ -1,6 +1,7 @@
 #include "app/KeypadRequest.h"
 
 #include "app/Dialogs.h"
+#include "app/Session.h"
 #include "ui/Terminal.h"
 
 namespace app {
@@ -9,7 +10,12 @@ namespace {
 /// True when the keypad was left with "확  인", also without an entry.
 bool isConfirmed(const KeypadRequest& request) {
     keypadRequest() = request;
-    return ui::runScreen(dialogs::kKeypad) == ui::Screen::Accepted;
+    KeypadTopic& topic = keypadRequest().Topic;
+    // A password is the customer's or the salesman's own affair.
+    if (request.KeypadMode != kTextField && topic.whom.isEmpty()) topic.whom = session().action.GName;
+    const bool isConfirmed = ui::runScreen(dialogs::kKeypad) == ui::Screen::Accepted;
+    topic = {};
+    return isConfirmed;
 }
 
 bool run(const KeypadRequest& request) {
@@ -39,8 +45,10 @@ bool askText(const QString& label) {
     return run(request);
 }
 
-bool askNumber(const QString& label, const QString& start) {
-    return run(numberRequest(label, start));
+bool askNumber(const QString& label, const QString& start, const QString& what) {
+    KeypadRequest request = numberRequest(label, start);
+    request.Topic.what = what;
+    return run(request);
 }
 
 std::optional<platform::Won> askAmount(const QString& label, const QString& start) {
@@ -48,27 +56,23 @@ std::optional<platform::Won> askAmount(const QString& label, const QString& star
     return platform::parseWon(keypadRequest().KeypadValue1);
 }
 
-bool askTwoNumbers(const QString& label1, const QString& label2, const QString& start1,
-                   const QString& start2) {
+bool askTwoNumbers(const QString& label1, const QString& label2, const KeypadTopic& topic) {
     KeypadRequest request;
     request.KeypadLabel1 = label1;
     request.KeypadLabel2 = label2;
     request.KeypadCheck2 = label2;
-    request.KeypadValue1 = start1;
-    request.KeypadValue2 = start2;
     request.KeypadMode = kTwoNumbers;
+    request.Topic = topic;
     return isConfirmed(request);
 }
 
-bool askThreeNumbers(const std::array<QString, 3>& labels, const std::array<QString, 3>& starts) {
+bool askThreeNumbers(const std::array<QString, 3>& labels, const std::array<QString, 3>& present) {
     KeypadRequest request;
     request.KeypadLabel1 = labels[0];
     request.KeypadLabel2 = request.KeypadCheck2 = labels[1];
     request.KeypadLabel3 = request.KeypadCheck3 = labels[2];
-    request.KeypadValue1 = starts[0];
-    request.KeypadValue2 = starts[1];
-    request.KeypadValue3 = starts[2];
     request.KeypadMode = kThreeNumbers;
+    request.Topic.present = present;
     return isConfirmed(request);
 }
 

@@ -12,6 +12,18 @@ namespace app {
 /// How the keypad is laid out and what it enters.
 enum KeypadMode { kTextField = 0, kOneNumber = 1, kTwoNumbers = 2, kThreeNumbers = 3 };
 
+/// What the keypad shows beside its captions; each of it may be missing.
+struct KeypadTopic {
+    QString whom{};  ///< The customer; where a screen names none, the one that the session is at.
+    QString what{};  ///< A product and its size.
+    /// The numbers that are asked again: the fields start empty, and one that stays so stays at its number.
+    std::array<QString, 3> present{};
+    /// A line that follows what is keyed, of the entries as they would be returned now.
+    std::function<QString(const std::array<QString, 3>& entries)> note{};
+
+    bool isEmpty() const { return whom.isEmpty() && what.isEmpty() && !note; }
+};
+
 /// What a screen asks of the keypad, written by the ask functions below and read by the keypad (130), and its
 /// answer, read by the screen that asked. Texts are the raw digits, without separators.
 struct KeypadRequest {
@@ -28,6 +40,7 @@ struct KeypadRequest {
     /// open.
     std::function<void()> StartAnew{};
     int KeypadResult = 0;  ///< 1 after "확  인" with at least one field filled, else 0.
+    KeypadTopic Topic{};
 };
 
 /// The one request record of the process. It keeps its values after the keypad closes.
@@ -36,7 +49,7 @@ KeypadRequest& keypadRequest();
 /// Opens the keypad on one field and returns true when it was left with "확  인" and an entry, which is then
 /// in KeypadValue1.
 bool askText(const QString& label);
-bool askNumber(const QString& label, const QString& start = {});
+bool askNumber(const QString& label, const QString& start = {}, const QString& what = {});
 
 /// Opens the keypad on one amount and returns it in won, 0 for an empty entry; nothing when it was left with
 /// "취  소".
@@ -44,10 +57,10 @@ std::optional<platform::Won> askAmount(const QString& label, const QString& star
 
 /// Opens the keypad on two numbers in one run and returns true when it was left with "확  인", whatever was
 /// entered; the entries are in KeypadValue1 and KeypadValue2, an empty one counts as 0.
-bool askTwoNumbers(const QString& label1, const QString& label2, const QString& start1 = {},
-                   const QString& start2 = {});
+bool askTwoNumbers(const QString& label1, const QString& label2, const KeypadTopic& topic = {});
 
-/// The same on three numbers in one run; the entries are in KeypadValue1 to KeypadValue3.
-bool askThreeNumbers(const std::array<QString, 3>& labels, const std::array<QString, 3>& starts = {});
+/// The same on three numbers in one run; the entries are in KeypadValue1 to KeypadValue3. `present` are the
+/// numbers that are asked again.
+bool askThreeNumbers(const std::array<QString, 3>& labels, const std::array<QString, 3>& present = {});
 
 }  // namespace app

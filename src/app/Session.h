@@ -38,6 +38,20 @@ struct ActionValues {
     QString JGubun;         ///< Its liquor class.
     int ProductChosen = 0;  ///< 1 when the product search was left with a product; read by board and slip.
 
+    /// Where the product search was left with a product; written by it (139), and read by it when the sales
+    /// slip asks it to go on there.
+    struct SearchPlace {
+        bool isKept = false;
+        int list = 0;   ///< Which of its lists.
+        int entry = 0;  ///< Of the classes.
+        QString seek;
+        QString typed;
+        int scrolled = 0;  ///< Pixels.
+    };
+    SearchPlace Search;
+    bool ResumesSearch = false;  ///< From the sales slip to the search.
+    int PastOrder = -1;          ///< The slip chosen in list 465, counted from the newest.
+
     QString SelectedContainerGName;  ///< Customer name of the container slip chosen in list 391.
     QString SelectedContainerPCode;  ///< Product chosen in search 397; read by the container slip.
     QString ContainerSearchKey;      ///< Consonant of that search; empty lists all.

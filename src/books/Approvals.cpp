@@ -79,13 +79,14 @@ Won changeOfContainers(const CollectionSlip& charged, std::optional<Won> worth) 
 CollectionSlip slipUnder(const QList<CollectionSlip>& before, const CollectionSlip& approved,
                          const ChargedFor& chargedFor) {
     if (approved.isSimplePayment()) return approved;
-    if (approved.Gubun == kCollectionOfSale &&
-        !db::hasRow(kOwnSalesSlip(approved.DDate, approved.JunNo, approved.UserID, approved.GCode))) {
-        return receivedWithoutSale(approved);
-    }
+    const bool hasSale =
+        db::hasRow(kOwnSalesSlip(approved.DDate, approved.JunNo, approved.UserID, approved.GCode));
+    if (approved.Gubun == kCollectionOfSale && !hasSale) return receivedWithoutSale(approved);
     if (before.size() == 1) {
         if (const auto paid = payCredit(before.first(), approved)) return *paid;
     }
+    // Of a sale that went before its number was given again, and this one's payment another.
+    if (chargedFor.sale && !hasSale) return receivedWithoutSale(approved);
     CollectionSlip slip = approved;
     if (const SaleAmounts change = changeOfSale(approved, chargedFor.sale); change.total() != Won())
         slip.moveSale(change);

@@ -70,17 +70,22 @@ std::optional<Won> SaleChange::moveCollections(db::Transaction& transaction) con
 
 ContainerChange::ContainerChange(QStringView date, QStringView junNo, QStringView userId) {
     for (const CollectionSlip& slip : collectionRows(date, junNo, userId)) {
-        if (!slip.isSimplePayment() && slip.YDMoney == worth(slip)) followers_ << slip;
+        if (!slip.isSimplePayment()) settled_ << Settled{slip, worth(slip)};
     }
 }
 
 std::optional<bool> ContainerChange::moveCollections(db::Transaction& transaction) const {
     bool isMoved = false;
-    for (const CollectionSlip& before : followers_) {
-        const Won difference = worth(before) - before.YDMoney;
+    for (const auto& [before, worthBefore] : settled_) {
+        const Won difference = worth(before) - worthBefore;
         if (difference.isZero()) continue;
+        const auto change = [&](CollectionSlip& slip) {
+            if (slip.YDMoney == worthBefore) slip.moveRecovery(difference);
+        };
+        if (!changeReplaced(transaction, before, change)) return std::nullopt;
+        if (before.YDMoney != worthBefore) continue;
         CollectionSlip slip = before;
-        slip.moveRecovery(difference);
+        change(slip);
         if (!keepWhatIsLeft(transaction, before, slip)) return std::nullopt;
         isMoved = true;
     }

@@ -32,19 +32,24 @@ class SaleChange {
     QList<Settled> settled_;
 };
 
-/// The collections of a date, number and user that have for their container slip what it is worth before a
-/// change. Another amount was keyed, and stays.
+/// The collections of a date, number and user, each with what its customer's container slip is worth before a
+/// change. One that has another amount for it was keyed, and keeps it.
 class ContainerChange {
   public:
     ContainerChange(QStringView date, QStringView junNo, QStringView userId);
 
-    /// Gives each the new worth of its container slip as part of `transaction`, and moves the customer's
-    /// receivable with it (CollectionSlip::moveRecovery). Returns whether one was moved; after nothing, when
-    /// the database did not take it, the transaction must not be committed.
+    /// Gives the others, and those that come back when a card payment is given up, the new worth of their
+    /// container slip as part of `transaction`, and moves the customer's receivable with it
+    /// (CollectionSlip::moveRecovery). Returns whether one was moved; after nothing, when the database did
+    /// not take it, the transaction must not be committed.
     [[nodiscard]] std::optional<bool> moveCollections(db::Transaction& transaction) const;
 
   private:
-    QList<CollectionSlip> followers_;
+    struct Settled {
+        CollectionSlip slip;
+        platform::Won before;
+    };
+    QList<Settled> settled_;
 };
 
 /// Takes back as part of `transaction` what the collections of that date, number and user, or with an empty

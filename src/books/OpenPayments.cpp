@@ -48,6 +48,11 @@ QString refuseToDelete(const JournalPayment& open) {
         describePayment(open));
 }
 
+QString askToPutBack(const JournalPayment& approved) {
+    return u"이미 승인된 결제가 있습니다..! %1 거래번호 : %2  이 결제를 전표에 되돌릴까요?"_s.arg(
+        describePayment(approved), approved.slip.BANKTRANNO);
+}
+
 std::optional<CollectionSlip> payCredit(const CollectionSlip& row, const CollectionSlip& charged) {
     if (row.GCode != charged.GCode || row.isApproved() || row.isSimplePayment() || charged.isSimplePayment())
         return std::nullopt;

@@ -24,6 +24,9 @@ QString describePayment(const JournalPayment& payment);
 QString refuseToPay(const JournalPayment& open);
 QString refuseToDelete(const JournalPayment& open);
 
+/// The question before a slip is paid whose payment is approved already, though its collection was deleted.
+QString askToPutBack(const JournalPayment& approved);
+
 /// What the collection `row` of an open payment is once that is approved: what stands there on credit becomes
 /// what was charged, below 0 where that was more; what it has as charged already only gets the approval.
 /// Nothing when the row has no place for it: it is another customer's, has an approval, or is paid in another

@@ -97,6 +97,12 @@ std::optional<JournalPayment> payment(const db::Sql& select) {
     return found.isEmpty() ? std::nullopt : std::optional(found.first());
 }
 
+/// True for an approval that stands on no slip.
+bool hasLostSlip(const JournalPayment& payment) {
+    return payment.state == PaymentState::Approved && payment.slip.isApproved() &&
+           !findByTransactionNumber(payment.slip.BANKTRANNO);
+}
+
 QString now() {
     return platform::clock::now().toString(u"yyyy-MM-dd HH:mm:ss"_s);
 }
@@ -221,12 +227,21 @@ std::optional<CollectionSlip> approvePayment(QStringView number, QStringView tra
 
 std::optional<JournalPayment> approvalWithoutSlip(const SlipIdentity& slip) {
     const auto sent = payments(kOfSlip(slip.date, slip.junNo, slip.userId)).value_or(QList<JournalPayment>());
-    const auto isLost = [&](const JournalPayment& each) {
-        return each.state == PaymentState::Approved && each.slip.GCode == slip.gCode &&
-               each.slip.isApproved() && !findByTransactionNumber(each.slip.BANKTRANNO);
-    };
-    const auto found = std::ranges::find_if(sent, isLost);
+    const auto found = std::ranges::find_if(
+        sent, [&](const JournalPayment& each) { return each.slip.GCode == slip.gCode && hasLostSlip(each); });
     return found == sent.end() ? std::nullopt : std::optional(*found);
+}
+
+std::optional<JournalPayment> deletedSimplePayment(const SlipIdentity& slip) {
+    const auto sent = journalPayments(slip.date).value_or(QList<JournalPayment>());
+    const auto isHis = [&](const JournalPayment& each) {
+        // One who is not registered may be anybody, but for the number that is given to him again.
+        return each.slip.isSimplePayment() && each.slip.UserID == slip.userId &&
+               each.slip.GCode == slip.gCode &&
+               (slip.gCode != kUnregisteredCustomer || each.slip.JunNo == slip.junNo) && hasLostSlip(each);
+    };
+    const auto found = std::find_if(sent.rbegin(), sent.rend(), isHis);
+    return found == sent.rend() ? std::nullopt : std::optional(*found);
 }
 
 std::optional<CollectionSlip> putApprovalBack(QStringView number) {

@@ -91,6 +91,9 @@ std::optional<CollectionSlip> approvePayment(QStringView number, QStringView tra
 /// slip any more: the collection was deleted, or the database is an older copy.
 std::optional<JournalPayment> approvalWithoutSlip(const SlipIdentity& slip);
 
+/// The same of a simple payment: of the registered customer under any number of that date and user.
+std::optional<JournalPayment> deletedSimplePayment(const SlipIdentity& slip);
+
 /// Puts the approval of such a payment back on its slip, as when it is approved. Result as for
 /// approvePayment.
 std::optional<CollectionSlip> putApprovalBack(QStringView number);

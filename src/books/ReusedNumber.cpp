@@ -12,27 +12,28 @@ using namespace Qt::Literals::StringLiterals;
 
 constexpr db::Statement<
     u"SELECT GCode FROM MTMOK WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode <> '%s' "
-    u"AND Gubun <> '단순결제' UNION "
+    u"UNION "
     u"SELECT GCode FROM YTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode <> '%s'">
     kOthersOfSlips;
 // Apart from those, because a database of an older terminal has no journal.
 constexpr db::Statement<
     u"SELECT DISTINCT GCode FROM PAYJOURNAL WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' "
-    u"AND GCode <> '%s' AND Gubun <> '단순결제' AND (State = 'sent' OR State = 'unknown')">
+    u"AND GCode <> '%s' AND (State = 'sent' OR State = 'unknown')">
     kOthersOfPayments;
 constexpr db::Statement<
     u"SELECT Number FROM PAYJOURNAL WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode = '%s'">
     kPayments;
 constexpr db::Statement<
-    u"UPDATE MTMOK SET JunNo = '%s', Gubun = '입금' WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' "
-    u"AND GCode = '%s' AND Gubun <> '단순결제'">
+    u"UPDATE MTMOK SET JunNo = '%s', Gubun = CASE Gubun WHEN '단순결제' THEN Gubun ELSE '입금' END "
+    u"WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode = '%s'">
     kMoveCollection;
 constexpr db::Statement<
     u"UPDATE YTM SET JunNo = '%s' WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode = '%s'">
     kMoveContainers;
 constexpr db::Statement<
-    u"UPDATE PAYJOURNAL SET JunNo = '%s', Gubun = CASE Gubun WHEN '' THEN '' ELSE '입금' END "
-    u"WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode = '%s' AND Gubun <> '단순결제'">
+    u"UPDATE PAYJOURNAL SET JunNo = '%s', Gubun = CASE WHEN Gubun IN ('', '단순결제') THEN Gubun ELSE '입금' "
+    u"END "
+    u"WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode = '%s'">
     kMovePayments;
 
 }  // namespace

@@ -121,6 +121,11 @@ bool hasCardBesideExcess(const SettlementAmounts& amounts) {
     return amounts.card > Won() && amounts.containerRecovery > amounts.total;
 }
 
+bool isOutdated(const SettlementAmounts& amounts) {
+    if (amounts.card.isZero() && amounts.cash.isZero()) return false;
+    return amounts.card + amounts.cash + amounts.unpaid != amounts.total - amounts.containerRecovery;
+}
+
 void settleByCard(SettlementAmounts& amounts) {
     if (!settledByRecovery(amounts)) amounts.card = amounts.total - amounts.containerRecovery;
 }

@@ -38,6 +38,10 @@ void holdCard(books::SettlementAmounts& amounts, platform::Won charged);
 /// True when there is a card amount though the recovery leaves nothing of the total to pay.
 bool hasCardBesideExcess(const books::SettlementAmounts& amounts);
 
+/// True when card or cash stand for a total or a recovery that has changed since: with the unpaid amount they
+/// are not what the recovery leaves of the total.
+bool isOutdated(const books::SettlementAmounts& amounts);
+
 /// Settles what the recovery leaves of the total by card, in cash or on credit, and nothing of it otherwise.
 /// Where it leaves nothing, all three are 0 and the excess is paid against the earlier receivable.
 void settleByCard(books::SettlementAmounts& amounts);

@@ -14,11 +14,13 @@ constexpr Statement<u"SELECT COUNT(*) FROM GARAE"> kCountCustomers;
 constexpr Statement<u"SELECT COUNT(*) FROM PUMMOK"> kCountProducts;
 constexpr Statement<u"SELECT COUNT(*) FROM GARAEDANGA"> kCountContractPrices;
 constexpr Statement<u"SELECT COUNT(*) FROM GARAEMAJIN"> kCountClassMargins;
+constexpr Statement<u"SELECT COUNT(*) FROM BARCODE"> kCountBarcodes;
 
 constexpr Statement<u"DELETE GARAE"> kDeleteCustomers;
 constexpr Statement<u"DELETE PUMMOK"> kDeleteProducts;
 constexpr Statement<u"DELETE GARAEDANGA"> kDeleteContractPrices;
 constexpr Statement<u"DELETE GARAEMAJIN"> kDeleteClassMargins;
+constexpr Statement<u"DELETE BARCODE"> kDeleteBarcodes;
 
 constexpr Statement<
     u"INSERT INTO MTM "
@@ -45,6 +47,7 @@ constexpr Statement<
     u"ysbonmoney) VALUES ('%s','%s','%s','%s','%s','%s','%s','%s','%s','%s')">
     kInsertContractPrice;
 constexpr Statement<u"INSERT INTO GARAEMAJIN (GCode,Gubun,Majin) VALUES ('%s','%s','%s')"> kInsertClassMargin;
+constexpr Statement<u"INSERT INTO BARCODE (PCode,Barcode) VALUES ('%s','%s')"> kInsertBarcode;
 
 /// A statement without values.
 template <const auto& Plain>
@@ -54,11 +57,11 @@ Sql plain() {
 
 template <const auto& Insert>
 constexpr ImportFile describe(QStringView fileName, int firstFieldLength, int restLength, Sql (*countRows)(),
-                              Sql (*deleteAll)(), bool isOnlyOffices) {
+                              Sql (*deleteAll)(), bool isOnlyOffices, bool isOptional = false) {
     constexpr int kFields = std::remove_cvref_t<decltype(Insert)>::kValues;
-    return {
-        fileName,  firstFieldLength, restLength,    kFields,
-        countRows, deleteAll,        isOnlyOffices, std::remove_cvref_t<decltype(Insert)>::textForBinding};
+    return {fileName,  firstFieldLength, restLength,    kFields,
+            countRows, deleteAll,        isOnlyOffices, std::remove_cvref_t<decltype(Insert)>::textForBinding,
+            isOptional};
 }
 
 // A payment moves the customers' receivables, so GARAE is not the office's alone.
@@ -70,6 +73,8 @@ constexpr std::array kFiles{
                                    plain<kDeleteContractPrices>, true),
     describe<kInsertClassMargin>(u"GARAEMAJIN.RVN", 4, 200, plain<kCountClassMargins>,
                                  plain<kDeleteClassMargins>, true),
+    describe<kInsertBarcode>(u"BARCODE.RVN", 4, 200, plain<kCountBarcodes>, plain<kDeleteBarcodes>, true,
+                             true),
 };
 
 template <typename View, typename Unit>

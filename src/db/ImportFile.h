@@ -9,7 +9,8 @@
 
 #include "db/Statement.h"
 
-/// The five text files in which the office sends master data and open orders.
+/// The text files in which the office sends master data and open orders: five, and one that it may send
+/// besides.
 namespace db {
 
 /// Where a waiting file lies: "Y" in \My Documents\, "Z" only on the storage card, "N" nowhere.
@@ -17,14 +18,15 @@ enum class ImportSource { None, Documents, StorageCard };
 
 /// One kind of import file: its name, its table and how its lines are cut.
 struct ImportFile {
-    QStringView fileName;    ///< For example "MTM.RVN".
-    int firstFieldLength;    ///< Characters of the fixed-width first field.
-    int restLength;          ///< Characters of a line that count after the first field and its separator.
-    int fields;              ///< Columns that a line fills.
-    Sql (*countRows)();      ///< Selects the number of its table's rows.
-    Sql (*deleteAll)();      ///< Empties the table; null for MTM, which keeps its rows and gains the file's.
-    bool isOnlyOffices;      ///< Nothing but this file changes the table.
-    QByteArray (*insert)();  ///< The INSERT of a line's row, with a "?" for each field.
+    QStringView fileName;     ///< For example "MTM.RVN".
+    int firstFieldLength;     ///< Characters of the fixed-width first field.
+    int restLength;           ///< Characters of a line that count after the first field and its separator.
+    int fields;               ///< Columns that a line fills.
+    Sql (*countRows)();       ///< Selects the number of its table's rows.
+    Sql (*deleteAll)();       ///< Empties the table; null for MTM, which keeps its rows and gains the file's.
+    bool isOnlyOffices;       ///< Nothing but this file changes the table.
+    QByteArray (*insert)();   ///< The INSERT of a line's row, with a "?" for each field.
+    bool isOptional = false;  ///< An office need not send it, and an older terminal has no table for it.
 };
 
 /// The files in the order in which they are counted and loaded.

@@ -196,7 +196,8 @@ ImportResult::Outcome Load::look() {
 ImportResult::Outcome Load::run(const std::function<void(int, int)>& progress) {
     using enum ImportResult::Outcome;
     Transaction transaction;
-    if (!transaction.isAlive()) return NotSaved;
+    // A terminal that was not upgraded has no table for what came later: the file stays until it has.
+    if (!transaction.isAlive() || !countRows(file_)) return NotSaved;
     const ImportResult::Outcome before = look();
     if (before != NotSaved && before != Unchanged) return before;
     if (before == Unchanged) {

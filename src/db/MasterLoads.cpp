@@ -57,7 +57,7 @@ QList<OldData> oldMasterData(QDate today) {
         const qint64 days = loadedAt.date().daysTo(today);
         if (dayOf(row.GetFieldString(1)) < dayOf(row.GetFieldString(2))) {
             old.append({file->fileName});
-        } else if (file->isOnlyOffices && days > kLongestDays) {
+        } else if (file->isOnlyOffices && !file->isOptional && days > kLongestDays) {
             old.append({file->fileName, int(days)});
         }
     });

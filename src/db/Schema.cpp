@@ -66,6 +66,9 @@ constexpr Columns<9> kDeleted{u"DDate", u"Document", u"JunNo",     u"UserID",   
 // Whose slip a working table holds, and whether it has changes that are not saved.
 constexpr Columns<3> kUnsaved{u"Slip", u"UserID", u"Changed"};
 
+// The codes that a reader reads off the products; the office sends them or not.
+constexpr Columns<2> kBarcode{u"PCode", u"Barcode"};
+
 // The working tables hold one slip while it is edited: MTM's first 15 and YTM's first 13 columns.
 constexpr std::array kTables{
     Table{u"GARAE", kGarae},
@@ -91,6 +94,7 @@ constexpr std::array kTables{
     Table{u"DELETED", kDeleted, false},
     Table{u"CONTAINERCARRY", kContainerCarry, false},
     Table{u"UNSAVED", kUnsaved, false},
+    Table{u"BARCODE", kBarcode, false},
 };
 
 constexpr std::array kIndexes{
@@ -123,6 +127,7 @@ constexpr std::array kIndexes{
     Index{u"PAYJOURNAL_TRANSACTION", u"PAYJOURNAL", u"BANKTRANNO"},
     Index{u"PAYJOURNAL_SENT", u"PAYJOURNAL", u"MSGSENDTIME"},
     Index{u"DELETED_DAY", u"DELETED", u"DDate"},
+    Index{u"BARCODE_BARCODE", u"BARCODE", u"Barcode"},
 };
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include <QStringList>
 
+#include "sales/Checkout.h"
+
 namespace sales {
 namespace {
 
@@ -48,6 +50,20 @@ QString priceOrigin(const PricedLine& line, std::int64_t boxes, std::int64_t bot
           << u"용기 %1, 공병 %2"_s.arg(platform::groupThousands(line.amounts.crateDeposit),
                                        platform::groupThousands(line.amounts.bottleDeposit));
     return lines.join(u'\n');
+}
+
+QString totalOrigin(const SlipSums& lines, QStringView vatMode) {
+    using platform::groupThousands;
+    const SlipSums paid = slipSums(lines, vatMode);
+    QStringList text{u"공급가 "_s + groupThousands(paid.supply), u"부가세 "_s + groupThousands(lines.vat)};
+    const platform::Won rounding = paid.vat - lines.vat;
+    if (!rounding.isZero()) {
+        text << u"%1원 단위 맞춤 %2"_s.arg(vatMode == u"3" ? u"100"_s : u"10"_s, groupThousands(rounding));
+    }
+    text << u"용기 보증금 "_s + groupThousands(paid.crateDeposit)
+         << u"공병 보증금 "_s + groupThousands(paid.bottleDeposit)
+         << u"합계 "_s + groupThousands(paid.total());
+    return text.join(u'\n');
 }
 
 }  // namespace sales

@@ -13,4 +13,8 @@ QString sourceName(PriceSource source);
 /// box and of a bottle with their VAT and what a margin adds, and the amounts that follow.
 QString priceOrigin(const PricedLine& line, std::int64_t boxes, std::int64_t bottles);
 
+/// How the payable total comes about, in lines: goods, the VAT of the lines, what rounding by the salesman's
+/// VAT mode adds, the deposits, and the total.
+QString totalOrigin(const SlipSums& lines, QStringView vatMode);
+
 }  // namespace sales

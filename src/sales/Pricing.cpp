@@ -159,4 +159,12 @@ PricedLine priceLine(QStringView gcode, QStringView customerKind, QStringView pc
     return {PriceSource::Tier, tierAmounts(prices, boxes, bottles), prices, 0, isTierA};
 }
 
+UnitCost unitCost(QStringView gcode, QStringView customerKind, QStringView pcode) {
+    const PricedLine line = priceLine(gcode, customerKind, pcode, 0, 0);
+    const auto cost = [&](int boxes, int bottles) {
+        return marginAmounts(line.prices, line.marginPercent, boxes, bottles).subtotal();
+    };
+    return {cost(1, 0), cost(0, 1)};
+}
+
 }  // namespace sales

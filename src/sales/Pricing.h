@@ -42,6 +42,13 @@ struct PricedLine {
 PricedLine priceLine(QStringView gcode, QStringView customerKind, QStringView pcode, std::int64_t boxes,
                      std::int64_t bottles);
 
+/// What one box and one bottle cost the customer today, VAT included, deposits not.
+struct UnitCost {
+    platform::Won box;
+    platform::Won bottle;
+};
+UnitCost unitCost(QStringView gcode, QStringView customerKind, QStringView pcode);
+
 /// Contract price times quantity, in whole won.
 LineAmounts contractAmounts(const ContractPrices& prices, std::int64_t boxes, std::int64_t bottles);
 

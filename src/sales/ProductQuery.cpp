@@ -65,6 +65,10 @@ constexpr db::Statement<u"SELECT Pname,JGubun FROM PUMMOK WHERE PCode = '%s' "> 
 constexpr db::Statement<u"SELECT PCode FROM Pummok WHERE PCODE = '%s' "> kExists;
 constexpr db::Statement<u"SELECT JGubun FROM Pummok WHERE PCODE = '%s'  ORDER BY PCODE"> kClassOf;
 
+constexpr db::Statement<u"SELECT Pname, JGubun, Size, Gubun, BoxBonEa, TTT FROM PUMMOK WHERE PCode = '%s'">
+    kListed;
+constexpr db::Statement<u"SELECT PCode FROM BARCODE WHERE Barcode = '%s' ORDER BY PCode"> kOfBarcode;
+
 constexpr QStringView kWithdrawn = u"Y";
 constexpr int kColumns = 4;
 
@@ -132,6 +136,32 @@ std::optional<ProductName> productName(QStringView pcode) {
 
 bool productExists(QStringView pcode) {
     return db::hasRow(kExists(pcode));
+}
+
+bool ListedProduct::isOfferedTo(QStringView customerKind) const {
+    return !isWithdrawn && excludedUse(customerKind) != Gubun;
+}
+
+std::optional<ListedProduct> listedProduct(QStringView pcode) {
+    const auto row = db::firstRow(kListed(pcode));
+    if (!row) return std::nullopt;
+    return ListedProduct{row->at(0),
+                         row->at(1),
+                         row->at(2),
+                         row->at(3),
+                         platform::parseInteger(row->at(4)),
+                         row->at(5) == kWithdrawn};
+}
+
+QString productOfBarcode(QStringView barcode) {
+    // A reader may give the twelve digits of the American code with the zero that makes it thirteen, or
+    // without.
+    QStringList forms{barcode.toString(), u'0' + barcode.toString()};
+    if (barcode.startsWith(u'0')) forms << barcode.sliced(1).toString();
+    for (const QString& form : forms) {
+        if (const auto row = db::firstRow(kOfBarcode(form))) return row->first();
+    }
+    return productExists(barcode) ? barcode.toString() : QString();
 }
 
 QString productClass(QStringView pcode) {

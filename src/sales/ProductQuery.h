@@ -3,6 +3,7 @@
 #include <QList>
 #include <QString>
 #include <QStringView>
+#include <cstdint>
 #include <optional>
 
 #include "db/Statement.h"
@@ -44,6 +45,27 @@ std::optional<ProductName> productName(QStringView pcode);
 db::Sql productNameSearch(QStringView pcode);
 
 bool productExists(QStringView pcode);
+
+/// A product as the price list has it today.
+struct ListedProduct {
+    QString Pname;
+    QString JGubun;
+    QString Size;
+    QString Gubun;  ///< The use it is meant for.
+    std::int64_t BoxBonEa = 0;
+    bool isWithdrawn = false;
+
+    /// Name and size.
+    QString title() const { return Size.isEmpty() ? Pname : QString(Pname + u' ' + Size); }
+    /// Whether the searches offer it to a customer of that kind.
+    bool isOfferedTo(QStringView customerKind) const;
+};
+/// Nothing when there is no such product.
+std::optional<ListedProduct> listedProduct(QStringView pcode);
+
+/// The code of the product that a bar code stands for, by the office's list of them, or that is such a code
+/// itself; empty for none.
+QString productOfBarcode(QStringView barcode);
 
 /// The class (`JGubun`) of the chosen product; empty when there is no such product.
 QString productClass(QStringView pcode);

@@ -33,6 +33,10 @@ constexpr db::Statement<u"SELECT * FROM TEMP WHERE PCode= '%s' and Box = '%s' an
 constexpr db::Statement<u"DELETE TEMP WHERE PCode= '%s' and Box = '%s' and Bon = '%s'"> kDelete;
 
 constexpr db::Statement<u"SELECT MMoney,BMoney,YMoney,GMoney FROM TEMP"> kWorkingAmounts;
+constexpr db::Statement<
+    u"SELECT MMoney, BMoney, YMoney, GMoney, PCode, Box, Bon, PName, "
+    u"(SELECT Size FROM PUMMOK WHERE PUMMOK.PCode = TEMP.PCode) FROM TEMP">
+    kDetails;
 
 db::Sql insertOf(const SlipLine& line) {
     return db::withColumns(kInsert, kSlipLineColumns, line);
@@ -96,6 +100,18 @@ platform::Rows workingLines() {
     return db::selectRows(kLines(), 4);
 }
 
+QHash<QStringList, LineDetail> workingDetails() {
+    QHash<QStringList, LineDetail> details;
+    db::forEachRow(kDetails(), [&](db::CVORecordset& row) {
+        const auto text = [&](int column) { return row.GetFieldString(column); };
+        const auto won = [&](int column) { return platform::parseWon(text(column)); };
+        const LineAmounts amounts{won(0), won(1), won(2), won(3)};
+        details.insert({text(4), text(5), text(6)},
+                       {text(7), amounts.total(), amounts.subtotal().isZero(), text(8)});
+    });
+    return details;
+}
+
 LineKey keyAt(const platform::Rows& lines, int row) {
     return {lines.at(row, 0), lines.at(row, 2), lines.at(row, 3)};
 }
@@ -117,6 +133,20 @@ int linesOf(const LineKey& key) {
 
 bool insertLine(const SlipLine& line) {
     return books::changeWorkingSlip(books::Working::Sale, insertOf(line));
+}
+
+bool replaceLines(const QList<SlipLine>& lines, QStringList* refused) {
+    db::Transaction transaction(db::Survives::ProcessEnd);
+    if (!transaction.run(kEmpty())) return false;
+    for (const SlipLine& line : lines) {
+        const db::Sql insert = insertOf(line);
+        if (!insert.isWellFormed()) {
+            refused->append(line.PName);
+        } else if (!transaction.run(insert)) {
+            return false;
+        }
+    }
+    return transaction.commit();
 }
 
 bool replaceQuantities(const LineKey& key, std::int64_t boxes, std::int64_t bottles,

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QHash>
+#include <QStringList>
 #include <QStringView>
 #include <cstdint>
 #include <optional>
@@ -34,6 +36,16 @@ platform::Rows workingLines();
 /// The key of the line in that row of workingLines.
 LineKey keyAt(const platform::Rows& lines, int row);
 
+/// What the list shows of a line below its name.
+struct LineDetail {
+    QString PName;
+    platform::Won total;  ///< Goods and deposits.
+    bool isFree = false;  ///< The goods cost nothing.
+    QString Size;         ///< Of the product; empty for one that is not listed any more.
+};
+/// The lines by code, boxes and bottles.
+QHash<QStringList, LineDetail> workingDetails();
+
 /// The sums of the lines, in won.
 SlipSums workingSums();
 
@@ -47,6 +59,10 @@ int linesOf(const LineKey& key);
 
 /// Adds a line. False when the database did not take it, as with a single quote in one of its texts.
 bool insertLine(const SlipLine& line);
+
+/// Replaces all lines by these; the names of those with a quote in a text, which cannot be lines, go to
+/// `refused`. False, and the working slip stays as it was, when the database does not take the change.
+bool replaceLines(const QList<SlipLine>& lines, QStringList* refused);
 
 /// Changes the line's quantities and with them its amounts. False, and the line stays as it was, when there
 /// is no such line or more than one, or when the database does not take the change.

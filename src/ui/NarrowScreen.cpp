@@ -20,10 +20,10 @@ constexpr QStringView kErase = u"←";
 
 }  // namespace
 
-void NarrowScreen::addNarrowing(ReportList* list, int top, Match match) {
+void NarrowScreen::addNarrowing(ReportList* list, int top, Match match, int lineWidth) {
     list_ = list;
     wholeList_ = list->geometry();
-    line_ = place(kNarrowLine, new QLineEdit(this), {kGridLeft, top, 176, kLineHeight});
+    line_ = place(kNarrowLine, new QLineEdit(this), {kGridLeft, top, lineWidth, kLineHeight});
     line_->setFont(ui::font(FontHeight::Small));
     line_->setPlaceholderText(u"이름·초성"_s);
     line_->setClearButtonEnabled(true);

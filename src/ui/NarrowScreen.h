@@ -26,7 +26,7 @@ class NarrowScreen : public Screen {
     /// A line at `top`, 28 pixels high. What is typed into it, or on the list, leaves the rows of `list`
     /// whose column 1 goes with it, or whose column 0 begins with it. A button beside it opens consonants to
     /// touch.
-    void addNarrowing(ReportList* list, int top, Match match);
+    void addNarrowing(ReportList* list, int top, Match match, int lineWidth = 176);
 
     void keyPressEvent(QKeyEvent* event) override;
 

@@ -384,6 +384,7 @@ void ReportList::tap(QPoint place, bool isAgain) {
     if (isAgain && selectionModel()->isRowSelected(row)) return Q_EMIT rowDoubleClicked(rowAtPlace(row));
     choose(row, false);
     Q_EMIT rowTapped(row);
+    Q_EMIT cellTapped(rowAtPlace(row), columnAt(place.x()));
 }
 
 void ReportList::choose(int row, bool isByKey) {

@@ -96,6 +96,8 @@ class ReportList : public QTableView {
     void rowClicked(int row);
     /// The same, by a tap alone.
     void rowTapped(int row);
+    /// The same, with the column that was tapped.
+    void cellTapped(int row, int column);
     /// The chosen row was tapped once more, quickly.
     void rowDoubleClicked(int row);
     /// The list was tapped where no row is.

@@ -116,5 +116,25 @@ TEST(OpenPayments, AreKnownAfterTheirSlipHasGone) {
     EXPECT_EQ(loadCollection(slip.DDate, slip.JunNo, slip.UserID)->BANKTRANNO, u"T1"_s);
 }
 
+TEST(OpenPayments, AreKnownOfADeletedSimplePaymentUnderAnyNumberOfTheCustomer) {
+    for (const QStringView code : {QStringView(u"1"), kUnregisteredCustomer}) {
+        test::TestDevice device;
+        const JournalPayment payment = paymentOf(code, kSimplePaymentSlip, u"7001", 1000);
+        const auto isKnown = [&](const QString& junNo, QStringView user = u"A") {
+            const auto found =
+                deletedSimplePayment({payment.slip.DDate, junNo, user.toString(), code.toString()});
+            return found && found->number == payment.number;
+        };
+        ASSERT_TRUE(notePayment(payment) && approvePayment(payment.number, u"T1"));
+        EXPECT_FALSE(isKnown(u"7001"_s)) << "it is on its slip";
+        ASSERT_TRUE(removeCollections(payment.slip.DDate, u"7001", u"A"));
+        EXPECT_TRUE(isKnown(u"7001"_s) && !isKnown(u"7001"_s, u"B"));
+        EXPECT_EQ(isKnown(u"7002"_s), code != kUnregisteredCustomer)
+            << "who is not registered may be anybody";
+        ASSERT_TRUE(putApprovalBack(payment.number));
+        EXPECT_FALSE(isKnown(u"7001"_s));
+    }
+}
+
 }  // namespace
 }  // namespace books

@@ -123,6 +123,7 @@ TEST_F(MasterImportTest, FillsEveryColumnOfEveryTable) {
         {u"PUMMOK.RVN", u"0012"_s, u"SELECT * FROM PUMMOK"_s},
         {u"GARAEDANGA.RVN", u"0012"_s, u"SELECT * FROM GARAEDANGA"_s},
         {u"GARAEMAJIN.RVN", u"0012"_s, u"SELECT * FROM GARAEMAJIN"_s},
+        {u"BARCODE.RVN", u"0012"_s, u"SELECT * FROM BARCODE"_s},
     };
     for (const Case& c : cases) {
         QStringList fields{c.first};
@@ -132,6 +133,15 @@ TEST_F(MasterImportTest, FillsEveryColumnOfEveryTable) {
         EXPECT_EQ(device.rows(c.select), QList<QStringList>{fields}) << c.file.toUtf8().constData();
     }
     EXPECT_EQ(device.value(u"SELECT count(*) FROM MTM WHERE DTime IS NULL"_s), u"1"_s);
+}
+
+TEST_F(MasterImportTest, AFileThatTheDatabaseHasNoTableForWaitsUntilItHas) {
+    device.execute(u"ALTER TABLE BARCODE RENAME TO LATER"_s);
+    write(u"BARCODE.RVN", "0012|8801234567890|\r\n");
+    EXPECT_EQ(load(u"BARCODE.RVN").outcome, NotSaved);
+    device.execute(u"ALTER TABLE LATER RENAME TO BARCODE"_s);
+    EXPECT_EQ(load(u"BARCODE.RVN").outcome, Loaded);
+    EXPECT_EQ(device.value(u"SELECT Barcode FROM BARCODE"_s), u"8801234567890"_s);
 }
 
 TEST_F(MasterImportTest, OrdersAreAddedAndMasterDataReplaced) {

@@ -4,7 +4,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <csignal>
@@ -38,14 +37,14 @@ TEST(TerminalLock, IsOneTerminalsUntilItsProcessIsGone) {
     killAHolder();
     ASSERT_TRUE(QFile::exists(socket)) << "what a killed terminal leaves";
     EXPECT_FALSE(TerminalLock::callHolder());
-    int argc = 0;
-    const QCoreApplication application(argc, nullptr);
+    // A second application object would leave the process without one when it goes.
+    test::needApplication();
     {
         const TerminalLock first;
         EXPECT_FALSE(first.isTaken());
         EXPECT_FALSE(QFile::permissions(socket) & QFile::Permissions(0x0077));
         int calls = 0;
-        QObject::connect(&first, &TerminalLock::startedAgain, &application, [&] { ++calls; });
+        QObject::connect(&first, &TerminalLock::startedAgain, [&] { ++calls; });
         const TerminalLock second;
         EXPECT_TRUE(second.isTaken());
         EXPECT_TRUE(TerminalLock::callHolder());

@@ -2,6 +2,8 @@
 
 #include <QGuiApplication>
 #include <QScreen>
+#include <QScrollBar>
+#include <QSet>
 #include <QTest>
 #include <array>
 
@@ -50,6 +52,34 @@ TEST(ReportList, ReadsOnWhileIdleAndBeforeItIsNarrowed) {
     QTest::qWait(0);
     EXPECT_EQ(list.rowCount(), 0);
     EXPECT_TRUE(list.rows().isEmpty());
+}
+
+TEST(ReportList, AsksForTheSecondLinesOfPaintedRowsAlone) {
+    ui::ReportList list(nullptr);
+    list.resize(240, 200);
+    list.setColumns(QList<ui::ListColumn>{{u"코드"_s, 50}, {u"이름"_s, 250}});
+    QSet<int> asked;
+    list.setDetail([&](const platform::Rows&, int row) {
+        asked << row;
+        return ui::RowDetail{u"왼쪽"_s, u"오른쪽"_s};
+    });
+    platform::Rows rows;
+    rows.columns = 2;
+    rows.cells.fill(u"0"_s, 100000);
+    list.setRows(rows);
+    const QImage start = list.grab().toImage();
+    EXPECT_GE(asked.size(), 4);
+    EXPECT_LE(asked.size(), 6);
+    list.verticalScrollBar()->setValue(list.verticalScrollBar()->maximum());
+    asked.clear();
+    list.grab();
+    EXPECT_TRUE(asked.contains(49999));
+    EXPECT_LE(asked.size(), 6);
+    // The columns move under a finger, the second lines do not.
+    list.verticalScrollBar()->setValue(0);
+    list.horizontalScrollBar()->setValue(40);
+    const QRect second(list.viewport()->mapTo(&list, QPoint(0, 25)), QSize(230, 12));
+    EXPECT_EQ(list.grab().toImage().copy(second), start.copy(second));
 }
 
 TEST(DisplayScale, IsTakenFromTheLastStartOnTheSameDisplayOnly) {

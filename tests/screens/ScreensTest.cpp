@@ -63,7 +63,9 @@ constexpr Case kCases[] = {
     {"password", 130, 0, app::kTextField},
     {"one number", 130},
     {"two numbers", 130, 0, app::kTwoNumbers},
+    {"two numbers again", 130, app::kSalesWork, app::kTwoNumbers},
     {"three numbers", 130, 0, app::kThreeNumbers},
+    {"three numbers again", 130, app::kSalesWork, app::kThreeNumbers},
     {"slips", 132},
     {"sales slip", 134},
     {"product board", 138},
@@ -89,6 +91,7 @@ constexpr Case kCases[] = {
     {"open payment", 459},
     {"check of the visits", 460},
     {"unvisited orders", 461},
+    {"past orders", 465},
 };
 
 class Screens : public testing::Test {
@@ -113,6 +116,8 @@ class Screens : public testing::Test {
                 '-999', '$most', '$debt', '$most', '$most', 'A', '');
             INSERT INTO MTM VALUES ('$day', '', '0001', '$shop', '0009', '미발행', '1001', '$goods', '10', '999',
                 '-999', '$most', '$debt', '$most', '$most', 'A', '');
+            INSERT INTO MTM SELECT '2026-10-01', '', '0001', '$shop', '5001', '', '1001', '$goods', '10', '999', '999',
+                '$most', '$most', '$most', '$debt', 'A', '' FROM (VALUES (1), (2));
             INSERT INTO MTMOK VALUES ('$day', '', '0001', '$shop', '5001', '', 'A', '$most', '$most', '$most', '', '',
                 '', '$most', '$debt', '$most', '$debt', '$debt', '', '', '', '1');
             INSERT INTO PAYJOURNAL (Number, State, Charged, DDate, GName, JunNo)
@@ -147,6 +152,17 @@ class Screens : public testing::Test {
         const QString number = kDebt.toString();
         app::keypadRequest() = {number,      number,      number,      u"패스워드"_s,    u"공상자"_s,
                                 u"입상자"_s, u"공상자"_s, u"입상자"_s, screen.keypadMode};
+        if (screen.workMode != 0 && screen.keypadMode > app::kOneNumber) {
+            const QString asked = u"-999"_s;
+            app::keypadRequest().KeypadValue1 = app::keypadRequest().KeypadValue2 =
+                app::keypadRequest().KeypadValue3 = asked;
+            app::keypadRequest().Topic = {kLongName.toString(),
+                                          kLongProduct.toString() + u" 1,000ml"_s,
+                                          {asked, asked, asked},
+                                          [](const std::array<QString, 3>&) {
+                                              return u"상자 99,999,999 본 9,999,999 = 99,999,999,999원"_s;
+                                          }};
+        }
         std::unique_ptr<ui::Screen> made = ui::makeScreen(screen.dialog);
         terminal.show(made.get());
         if (screen.keypadMode == kKeysOpen)

@@ -27,7 +27,8 @@ std::unique_ptr<DisplayHand>& onDisplay() {
     return hand;
 }
 
-int now = 0;  ///< The display's clock, in milliseconds.
+int now = 0;      ///< The display's clock, in milliseconds.
+int touched = 0;  ///< How often a finger came down.
 
 QQueue<std::function<void(QWindow*)>>& waiting() {
     static QQueue<std::function<void(QWindow*)>> events;
@@ -55,6 +56,7 @@ void later(std::function<void(QWindow*)> event) {
 }
 
 void pointer(QEvent::Type type, QPoint place) {
+    if (type == QEvent::MouseButtonPress) ++touched;
     if (onDisplay()) return onDisplay()->point(type, place, now);
     const auto held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
     const auto cause = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
@@ -74,6 +76,10 @@ void tap(QPoint place) {
 
 void useDisplay() {
     onDisplay() = std::make_unique<DisplayHand>();
+}
+
+int touches() {
+    return touched;
 }
 
 bool isHandBusy() {

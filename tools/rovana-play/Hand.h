@@ -11,6 +11,9 @@ namespace pilot {
 /// X11.
 void useDisplay();
 
+/// How often a finger came down since the program began.
+int touches();
+
 /// True until the last event of what was asked for has been handed over.
 bool isHandBusy();
 

@@ -133,8 +133,9 @@ Attempt drag(const Found& list, QPoint from, int row) {
 Attempt chooseRow(const Step& step) {
     const Found found = reachControl(step.at);
     if (!found.control) return waitFor(found.problem);
-    const FoundRow row = findRow(found.control, step.numbers[0], textOf(step));
+    FoundRow row = findRow(found.control, step.numbers[0], textOf(step));
     if (!row.problem.isEmpty()) return waitFor(row.problem);
+    if (step.command == Command::Cell) row.cell = row.cell.siblingAtColumn(step.numbers[1] - 1);
     if (auto* combo = qobject_cast<QComboBox*>(found.control.data()))
         return ready([combo = QPointer(combo), entry = row.cell] { chooseEntry(*combo, entry); });
     const QPoint place = placeOf(row);
@@ -359,6 +360,7 @@ Attempt Pilot::attempt(const Step& step) {
             return type(step);
         case Command::Row:
         case Command::DoubleRow:
+        case Command::Cell:
         case Command::DragRow:
             return chooseRow(step);
         case Command::Answer:
@@ -367,6 +369,11 @@ Attempt Pilot::attempt(const Step& step) {
             return pressKey(step);
         case Command::Tear:
             return ready([this] { tear(); });
+        case Command::Count:
+            return ready([this, name = textOf(step)] {
+                counted_ = name;
+                touchesBefore_ = touches();
+            });
         case Command::Host:
             return {{}, [this, options = textOf(step)] {
                         return cardHost_.start(QProcess::splitCommand(options));
@@ -416,6 +423,8 @@ Attempt Pilot::expect(const Step& step) {
             return compareRoll(step);
         case Command::ExpectPrinted:
             return expectPrinted(step);
+        case Command::ExpectTouches:
+            return expectTouches(step);
         default:
             return {};
     }
@@ -442,6 +451,12 @@ Attempt Pilot::compareRoll(const Step& step) {
     if (approved.isNull())
         return waitFor(u"%1 is not there; ROVANA_APPROVE=1 writes it. Printed:\n%2"_s.arg(file, printed));
     return waitFor(u"the paper differs (- approved, + printed):\n"_s + lineDiff(approved, printed));
+}
+
+Attempt Pilot::expectTouches(const Step& step) {
+    const int found = touches() - touchesBefore_;
+    if (found != step.numbers[0]) return waitFor(u"found %1 touches"_s.arg(found));
+    return ready([this, found] { Q_EMIT counted(counted_, found); });
 }
 
 Attempt Pilot::expectPrinted(const Step& step) {

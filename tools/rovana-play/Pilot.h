@@ -51,6 +51,8 @@ class Pilot : public QObject {
     struct Attempt;
 
   Q_SIGNALS:
+    /// The touches of what the script counts under that name were as many as it expects.
+    void counted(const QString& name, int touches);
     /// A step was missed; sent before the dialogs are closed.
     void missed(const QString& failure);
     /// A step is about to be done, or to be seen as it was expected.
@@ -67,6 +69,7 @@ class Pilot : public QObject {
     Attempt expect(const Step& step);
     Attempt compareRoll(const Step& step);
     Attempt expectPrinted(const Step& step);
+    Attempt expectTouches(const Step& step);
     void saveShot(const QString& name);
     Attempt savePaper(const QString& name);
     QString nextPicture(const QString& name);
@@ -81,7 +84,9 @@ class Pilot : public QObject {
     QElapsedTimer waiting_;  ///< Since the first look at the step at hand; invalid before.
     qsizetype current_ = 0;
     platform::termdev::RollReader roll_;
-    QString paper_;  ///< What this play printed and has not torn off.
+    QString paper_;          ///< What this play printed and has not torn off.
+    QString counted_;        ///< What touches are counted for,
+    int touchesBefore_ = 0;  ///< and how many there had been before it.
     int shots_ = 0;
     bool isClosing_ = false;
     QString failure_;

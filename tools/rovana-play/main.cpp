@@ -39,6 +39,7 @@ struct Call {
     QString clock;  ///< When the script begins that does not say so; empty for the system's clock.
     bool isOnDesk = false;
     bool isByPointer = false;
+    bool tellsTouches = false;
     pilot::Options options;
 };
 
@@ -57,7 +58,8 @@ std::optional<int> readCall(int argc, char** argv, Call* call) {
         u"xdotool"_s, u"Moves the display's own pointer and strikes its keys, on X11 by xdotool."_s);
     const QCommandLineOption clock(u"clock"_s, u"When a script that does not say so itself begins."_s,
                                    u"YYYY-MM-DD HH:MM"_s);
-    parser.addOptions({device, shots, scale, pace, onDesk, byPointer, clock});
+    const QCommandLineOption touches(u"touches"_s, u"Tells how many touches each counted visit took."_s);
+    parser.addOptions({device, shots, scale, pace, onDesk, byPointer, clock, touches});
 
     QStringList arguments;
     for (int i = 0; i < argc; ++i) arguments << QString::fromLocal8Bit(argv[i]);
@@ -77,6 +79,7 @@ std::optional<int> readCall(int argc, char** argv, Call* call) {
         return fail(u"no scale: %1"_s.arg(call->scale), kUsageError);
     call->isOnDesk = parser.isSet(onDesk);
     call->isByPointer = parser.isSet(byPointer);
+    call->tellsTouches = parser.isSet(touches);
     call->options.shots = parser.value(shots);
     call->clock = parser.value(clock);
     call->options.paceMs = parser.value(pace).toInt();
@@ -100,6 +103,11 @@ int play(const pilot::Script& script, const Call& call, QWidget& window) {
     // At once: a program that hangs while it closes shall still have told why.
     QObject::connect(&player, &pilot::Pilot::missed, &player,
                      [](const QString& failure) { fail(failure, 1); });
+    if (call.tellsTouches) {
+        QObject::connect(&player, &pilot::Pilot::counted, &player, [](const QString& name, int touches) {
+            std::printf("%s=%d\n", qUtf8Printable(name), touches);
+        });
+    }
     int exitCode = 0;
     QTimer::singleShot(0, &window, [&] {
         player.start();

@@ -83,6 +83,7 @@ QString writeFile(const QString& path, const QByteArray& content) {
 
 QString writeImportFiles(const demo::Data& data) {
     for (const db::ImportFile& file : db::importFiles()) {
+        if (file.isOptional) continue;
         const std::optional<QByteArray> content = demo::importFileContent(data, file);
         if (!content) return u"the invented rows of %1 do not fit its lines"_s.arg(file.fileName);
         const QString path = platform::device::path(db::importPath(file, db::ImportSource::Documents));

@@ -324,10 +324,7 @@ bool CCollectionEntryDlg::isApprovalPutBack() {
     const auto lost = books::approvalWithoutSlip(
         {session.WorkDate, session.action.JunNo, session.UserID, session.action.GCode});
     if (!lost || isApproved_) return false;
-    const QString question =
-        u"이미 승인된 결제가 있습니다..! %1 거래번호 : %2  이 결제를 전표에 되돌릴까요?"_s.arg(
-            books::describePayment(*lost), lost->slip.BANKTRANNO);
-    if (!ui::askYesNo(question, u"승인된 결제"_s)) return false;
+    if (!ui::askYesNo(books::askToPutBack(*lost), u"승인된 결제"_s)) return false;
     if (books::putApprovalBack(lost->number)) {
         takeApproval();
     } else {
@@ -359,7 +356,7 @@ void CCollectionEntryDlg::finish() {
         return;
     }
     if ((isPaidOnLine() && !books::isChargeOneAmount(amounts_)) ||
-        (!isApproved_ && hasCardBesideExcess(amounts_))) {
+        (!isApproved_ && (hasCardBesideExcess(amounts_) || isOutdated(amounts_)))) {
         const bool isCard = books::chargeKind(amounts_) == books::ChargeKind::Card;
         ui::message(u"%1금액이 결제할 금액 ['%2'원]과 다릅니다..! [%1입금]을 다시 누르세요!!"_s.arg(
             isCard ? u"카드"_s : u"현금"_s, groupThousands(books::amountToSettle(amounts_))));

@@ -5,6 +5,7 @@
 #include "app/Dialogs.h"
 #include "app/KeypadRequest.h"
 #include "app/Session.h"
+#include "books/OpenPayments.h"
 #include "books/SlipNumbers.h"
 #include "ui/AmountTable.h"
 #include "ui/Messages.h"
@@ -86,7 +87,22 @@ void CSimplePaymentDlg::keyAmount(SimpleAmount which, const QString& title) {
     showAmounts();
 }
 
+bool CSimplePaymentDlg::isApprovalPutBack() {
+    app::SessionValues& session = app::session();
+    const auto deleted = books::deletedSimplePayment(
+        {session.WorkDate, session.action.JunNo, session.UserID, session.action.GCode});
+    if (!deleted || !ui::askYesNo(books::askToPutBack(*deleted), u"승인된 결제"_s)) return false;
+    if (books::putApprovalBack(deleted->number)) {
+        session.SlipDone = 1;
+        close(Accepted);
+    } else {
+        ui::message(u"결제를 되돌리지 못했습니다..!"_s);
+    }
+    return true;
+}
+
 void CSimplePaymentDlg::finish() {
+    if (isApprovalPutBack()) return;
     books::resetTransactionRecord();
     books::transactionRecord().amounts = amounts_;
     ui::runScreen(app::dialogs::kCard);

@@ -15,6 +15,9 @@ class CSimplePaymentDlg : public ui::Screen {
 
   private:
     void keyAmount(SimpleAmount which, const QString& title);
+    /// True when a simple payment of the customer was deleted though its payment stands, and the salesman has
+    /// it put back rather than pays again.
+    bool isApprovalPutBack();
     void finish();
     void showAmounts();
 

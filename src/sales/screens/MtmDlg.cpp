@@ -1,5 +1,7 @@
 #include "sales/screens/MtmDlg.h"
 
+#include <QHeaderView>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QTimer>
 #include <utility>
@@ -12,16 +14,20 @@
 #include "books/Receivable.h"
 #include "platform/Clock.h"
 #include "sales/Checkout.h"
+#include "sales/PastOrder.h"
 #include "sales/PriceOrigin.h"
 #include "sales/Pricing.h"
 #include "sales/ProductQuery.h"
 #include "sales/SlipStore.h"
-#include "sales/WorkingSlip.h"
 #include "sales/screens/HandOver.h"
+#include "sales/screens/PastOrderChoice.h"
+#include "sales/screens/QuantityStepper.h"
+#include "sales/screens/SlipAmounts.h"
 #include "ui/AmountTable.h"
 #include "ui/Messages.h"
 #include "ui/ReportList.h"
 #include "ui/Terminal.h"
+#include "ui/TwoLineDelegate.h"
 
 namespace sales {
 
@@ -31,77 +37,83 @@ using platform::parseInteger;
 using platform::parseWon;
 using platform::Won;
 
-/// One of the slip's amounts: the selected line's value and the slip's sum, and for an amount that can be
-/// keyed its button and how.
-struct SlipAmount {
-    QStringView caption;
-    int top;
-    int lineValue;
-    int slipSum;
-    Won (*of)(const LineAmounts&);
-    int button = 0;
-    QStringView title{};                               ///< The keypad's.
-    LineAmounts (*apply)(LineAmounts, Won) = nullptr;  ///< What the line becomes.
-    QStringView emptyMessage{};                        ///< The refusal on a slip without lines.
-};
-
 namespace {
 
 constexpr int kCustomerName = 1059;
 constexpr int kReceivable = 1088;
+// Our own controls.
+constexpr int kCount = 1311;
+constexpr int kPastOrder = 1312;
+constexpr int kSearchOn = 1313;
+constexpr int kLess = 1314;
+constexpr int kMore = 1315;
 
-constexpr std::int64_t kHighestQuantity = 999;
+constexpr int kRowHeight = 29;
+constexpr int kTitleHeight = 18;
+constexpr int kNameColumn = 1;
+constexpr int kBoxColumn = 2;
+
+Quantities quantitiesOf(const LineKey& key) {
+    return {parseInteger(key.Box), parseInteger(key.Bon)};
+}
 
 constexpr QStringView kUnknownProduct = u"입력하신 상품코드는 존재하지 않습니다..!";
-constexpr QStringView kNoGoods = u"품목이 없으면 공급가액을 수정할수 없습니다..";
-constexpr QStringView kNoGoodsToSum = u"품목이 없으면 합계금액을 수정할수 없습니다..";
-constexpr SlipAmount kAmounts[] = {
-    {u"공급가", 160, 1082, 1077, [](const LineAmounts& a) { return a.supply; }, 1076, u"공급가", withSupply,
-     kNoGoods},
-    // The VAT's refusal speaks of the supply amount.
-    {u"부가세", 184, 1083, 1078, [](const LineAmounts& a) { return a.vat; }, 1090, u"부가세", withVat,
-     kNoGoods},
-    {u"용  기", 208, 1084, 1079, [](const LineAmounts& a) { return a.crateDeposit; }},
-    {u"공  병", 222, 1085, 1080, [](const LineAmounts& a) { return a.bottleDeposit; }},
-    {u"소계", 236, 1086, 1081, [](const LineAmounts& a) { return a.subtotal(); }, 1075, u"상품소계",
-     withSubtotal, kNoGoodsToSum},
-    {u"합계", 260, 1089, 1087, [](const LineAmounts& a) { return a.total(); }, 1074, u"상품합계", withTotal,
-     kNoGoodsToSum},
-};
 
 }  // namespace
 
 CMtmDlg::CMtmDlg() : Screen(app::dialogs::kSalesSlip) {
     addLabel(kCustomerName, {}, {4, 0, 232, 22});
-    addLabel(0, u"채권잔액"_s, {4, 22, 60, 18});
-    addAmount(kReceivable, u"채권잔액"_s, {66, 22, 170, 18});
+    addLabel(kCount, {}, {4, 22, 116, 18});
+    addLabel(0, u"채권잔액"_s, {122, 22, 54, 18});
+    addAmount(kReceivable, u"채권잔액"_s, {178, 22, 60, 18});
+    addLines();
+    addAmountRows();
+    addButtons();
+    app::session().action.Search = {};
+    openSlip();
+    list_->setFocus();
+    sinceOpened_.start();
+}
 
+void CMtmDlg::addLines() {
     list_ = addList(
-        1054, {0, 41, 240, 103}, u"주문서 상품"_s,
+        1054, {0, 40, 240, 107}, u"주문서 상품"_s,
         {{u"코드"_s, 40}, {u"상품명"_s, 110}, {u"상자"_s, 34, ui::kRight}, {u"본"_s, 34, ui::kRight}},
         [this](int row) { selectLine(row); }, [this] { changeQuantities(); });
+    // More of the lines shows below lower titles.
+    list_->horizontalHeader()->setFixedHeight(kTitleHeight);
+    new ui::TwoLineDelegate(list_, kRowHeight, [this](const platform::Rows& rows, int row, int column) {
+        ui::TwoLineDelegate::Line line;
+        if (column != kNameColumn) return line;
+        const LineKey key = keyAt(rows, row);
+        const LineDetail detail = details_.value({key.PCode, key.Box, key.Bon});
+        line.text =
+            (detail.isFree ? u"※ "_s : detail.Size + u' ') + platform::groupThousands(detail.total) + u"원"_s;
+        line.isMarked = detail.isFree;
+        return line;
+    });
     connect(list_, &ui::ReportList::emptyPartClicked, this, [this] {
         list_->clearSelection();
         deselect();
         showAmounts();
         ui::message(u"매출상품이 선택되지 않았습니다..!"_s);
     });
-
-    addAmountRows();
-    addButtons();
-    openSlip();
-    list_->setFocus();
+    connect(list_, &ui::ReportList::cellTapped, this, [this](int row, int column) {
+        if (column >= kBoxColumn) stepper_->showAt(row, column);
+    });
 }
 
 void CMtmDlg::addAmountRows() {
-    const ui::AmountTable table{
-        .left = ui::kGridLeft,
-        .captionWidth = 43,
-        .rowHeight = 24,
-        .columns = {{47, 63, u"선택상품"_s, true, [this] { explainPrice(); }}, {114, 66, u"전표합계"_s}}};
-    addAmountTitles(table, 144, 15);
-    savedMark_ = addLabel(0, {}, {182, 144, 56, 15}, ui::FontHeight::Small, Qt::AlignCenter);
-    for (const SlipAmount& amount : kAmounts) {
+    const ui::AmountTable table{.left = ui::kGridLeft,
+                                .captionWidth = 43,
+                                .rowHeight = 24,
+                                .columns = {{47, 63, u"선택상품"_s, true, [this] { explainPrice(); }},
+                                            {114, 66, u"전표합계"_s, false, [this] {
+                                                 ui::message(totalOrigin(sums_, app::session().UserField3));
+                                             }}}};
+    addAmountTitles(table, 147, 15);
+    savedMark_ = addLabel(0, {}, {2, 147, 45, 15}, ui::FontHeight::Small, Qt::AlignCenter);
+    for (const SlipAmount& amount : slipAmounts()) {
         const bool isKeyed = amount.apply != nullptr;
         addAmountRow(table, {.caption = amount.caption.toString(),
                              .top = amount.top,
@@ -110,20 +122,39 @@ void CMtmDlg::addAmountRows() {
                              .pressed = [this, &amount] { editAmount(amount); },
                              .height = isKeyed ? 0 : 14,
                              .name = amount.caption.toString().remove(u' ')});
-        // All of them tell the same, so Tab stops at one.
-        if (&amount != std::begin(kAmounts)) control(amount.lineValue)->setFocusPolicy(Qt::NoFocus);
+        // All of a column tell the same, so Tab stops at one.
+        if (&amount != slipAmounts().data()) {
+            control(amount.lineValue)->setFocusPolicy(Qt::NoFocus);
+            control(amount.slipSum)->setFocusPolicy(Qt::NoFocus);
+        }
     }
 }
 
 void CMtmDlg::addButtons() {
-    addButton(1137, u"주문서 저장"_s, {182, 162}, ui::bitmaps::kSaveSlip, [this] { save(); });
-    addButton(1010, u"상품코드검색"_s, {182, 222}, ui::bitmaps::kSearchCode, [this] { addByCode(); });
+    constexpr int kTop = 147;
+    constexpr int kPitch = 35;
+    const auto place = [](int number) { return QPoint(182, kTop + number * kPitch); };
+    ui::BitmapButton* save =
+        addButton(1137, u"주문서 저장"_s, place(3), ui::bitmaps::kAdd, [this] { this->save(); });
+    ui::BitmapButton* byCode =
+        addButton(1010, u"상품코드검색"_s, place(2), ui::bitmaps::kSearch, [this] { addByCode(); });
+    addButton(kPastOrder, u"지난주문"_s, place(0), ui::bitmaps::kAdd, [this] { addPastOrder(); });
+    addButton(kSearchOn, u"이어찾기"_s, place(1), ui::bitmaps::kSearch, [this] {
+        addFromSearch(true);
+    })->setEnabled(false);
+    QFont twoLines = ui::font(ui::FontHeight::Small);
+    twoLines.setPixelSize(twoLines.pixelSize() - 1);
+    byCode->setFont(twoLines);
+    save->setFont(twoLines);
     addBottomButton(1002, u"삭  제"_s, 1, ui::bitmaps::kDelete, [this] { deleteSelected(); });
-    addBottomButton(1000, u"등  록"_s, 2, ui::bitmaps::kAdd, [this] { addFromSearch(); });
+    addBottomButton(1000, u"등  록"_s, 2, ui::bitmaps::kAdd, [this] { addFromSearch(false); });
     addMainButton(1003, u"완  료"_s, [this] { finish(); });
     addLeaveButton(1001, u"취 소"_s, [this] {
         if (app::mayLeave(books::Working::Sale)) close(Cancelled);
     });
+    ui::BitmapButton* less = addButton(kLess, u"−"_s, {}, ui::bitmaps::kSmallConsonant, [this] { step(-1); });
+    ui::BitmapButton* more = addButton(kMore, u"+"_s, {}, ui::bitmaps::kSmallConsonant, [this] { step(1); });
+    stepper_ = new QuantityStepper(list_, less, more);
 }
 
 bool CMtmDlg::isNumberTaken() const {
@@ -161,14 +192,29 @@ void CMtmDlg::openSlip() {
     sums_ = slip.sums;
     setFittedText(kCustomerName, session.action.GName, ui::FontHeight::Medium);
     setAmount(kReceivable, receivable_);
-    lines_ = slip.lines;
-    list_->setRows(lines_);
+    setLines(slip.lines);
     showAmounts();
 }
 
-void CMtmDlg::showLines() {
-    lines_ = workingLines();
+void CMtmDlg::setLines(platform::Rows lines) {
+    lines_ = std::move(lines);
+    details_ = workingDetails();
+    stepper_->hide();
     list_->setRows(lines_);
+    Quantities all;
+    for (int row = 0; row < lines_.count(); ++row) {
+        const Quantities line = quantitiesOf(keyAt(lines_, row));
+        all = {all.boxes + line.boxes, all.bottles + line.bottles};
+    }
+    setFittedText(kCount,
+                  lines_.isEmpty()
+                      ? QString()
+                      : u"%1품목 %2상자 %3본"_s.arg(lines_.count()).arg(all.boxes).arg(all.bottles),
+                  ui::FontHeight::Small);
+}
+
+void CMtmDlg::showLines() {
+    setLines(workingLines());
     if (selected_) list_->selectRow(rowOf(*selected_));
 }
 
@@ -178,7 +224,7 @@ int CMtmDlg::rowOf(const LineKey& key) const {
 
 void CMtmDlg::showAmounts() {
     const SlipSums sums = slipSums(sums_, app::session().UserField3);
-    for (const SlipAmount& amount : kAmounts) {
+    for (const SlipAmount& amount : slipAmounts()) {
         setAmount(amount.lineValue, amount.of(selectedAmounts_));
         setAmount(amount.slipSum, amount.of(sums));
     }
@@ -187,6 +233,7 @@ void CMtmDlg::showAmounts() {
 
 void CMtmDlg::markUnsaved() {
     hasUnsavedLines_ = true;
+    hasChangedSince_ = true;
     savedMark_->clear();
     sums_ = workingSums();
 }
@@ -196,14 +243,16 @@ void CMtmDlg::deselect() {
     selectedAmounts_ = {};
 }
 
-void CMtmDlg::addFromSearch() {
+void CMtmDlg::addFromSearch(bool isResumed) {
     app::ActionValues& action = app::session().action;
     action.PCode.clear();
     action.SeekValue.clear();
     action.ProductChosen = 0;
-    const bool byConsonant = app::session().UserField6 == u"Y";
+    action.ResumesSearch = isResumed;
+    const bool byConsonant = app::session().UserField6 == u"Y" && !isResumed;
     ui::runScreen(byConsonant ? app::dialogs::kProductBoard : app::dialogs::kProductSearch);
     if (action.ProductChosen == 1) addProduct(action.PCode);
+    control(kSearchOn)->setEnabled(action.Search.isKept);
 }
 
 void CMtmDlg::addByCode() {
@@ -214,6 +263,27 @@ void CMtmDlg::addByCode() {
         return;
     }
     addProduct(pcode);
+}
+
+void CMtmDlg::keyPressEvent(QKeyEvent* event) {
+    const QString text = event->text();
+    if (text.size() == 1 && text[0] >= u'0' && text[0] <= u'9') {
+        scanned_.add(text[0], sinceOpened_.elapsed());
+        return;
+    }
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        const QString barcode = scanned_.take(sinceOpened_.elapsed());
+        const QString pcode = barcode.isEmpty() ? QString() : productOfBarcode(barcode);
+        if (!pcode.isEmpty()) return addProduct(pcode);
+        if (!barcode.isEmpty()) return ui::message(u"등록되지 않은 바코드입니다..! [%1]"_s.arg(barcode));
+    }
+    Screen::keyPressEvent(event);
+}
+
+SlipHead CMtmDlg::head() const {
+    const app::SessionValues& session = app::session();
+    return {session.WorkDate, session.action.JunNo, session.action.GCode, session.action.GName,
+            session.action.CustomerKind};
 }
 
 void CMtmDlg::addProduct(const QString& pcode) {
@@ -227,24 +297,9 @@ void CMtmDlg::addProduct(const QString& pcode) {
         ui::message(kUnknownProduct.toString());
         return;
     }
-    std::int64_t boxes = 0;
-    std::int64_t bottles = 0;
-    if (!askQuantities(&boxes, &bottles, {})) return;
-
-    app::SessionValues& session = app::session();
-    const LineAmounts amounts =
-        priceLine(session.action.GCode, session.action.CustomerKind, pcode, boxes, bottles).amounts;
-    SlipLine line;
-    line.DDate = session.WorkDate;
-    line.GCode = session.action.GCode;
-    line.GName = session.action.GName;
-    line.JunNo = session.action.JunNo;
-    line.PCode = pcode;
-    line.PName = product->Pname;
-    line.JGubun = product->JGubun;
-    line.Box = QString::number(boxes);
-    line.Bon = QString::number(bottles);
-    line.setAmounts(amounts);
+    const auto quantities = question_.ask(pcode, std::nullopt);
+    if (!quantities) return;
+    const SlipLine line = newLine(head(), pcode, *product, *quantities);
     if (insertLine(line)) markUnsaved();
     showLines();
     // The list is short: the new line may stand below what it shows.
@@ -252,19 +307,15 @@ void CMtmDlg::addProduct(const QString& pcode) {
     showAmounts();
 }
 
-bool CMtmDlg::askQuantities(std::int64_t* boxes, std::int64_t* bottles, const LineKey& start) {
-    if (!app::askTwoNumbers(u"박스수량"_s, u"본  수량"_s, start.Box, start.Bon)) return false;
-    *boxes = parseInteger(app::keypadRequest().KeypadValue1);
-    *bottles = parseInteger(app::keypadRequest().KeypadValue2);
-    const auto isTooLong = [](std::int64_t n) { return n > kHighestQuantity || n < -kHighestQuantity; };
-    // A line of nothing is no line.
-    if (*boxes == 0 && *bottles == 0) {
-        ui::message(u"박스, 본 수량이 없으면 등록되지 않습니다..!"_s);
-        return false;
-    }
-    if (!isTooLong(*boxes) && !isTooLong(*bottles)) return true;
-    ui::message(u"박스, 본 수량을 3자리까지만 지원합니다.. ^^!"_s);
-    return false;
+void CMtmDlg::addPastOrder() {
+    const bool isLost = !isPastOrder_ || hasChangedSince_;
+    if (!takePastOrder(question_.history(), head(), !lines_.isEmpty(), isLost)) return;
+    deselect();
+    markUnsaved();
+    isPastOrder_ = true;
+    hasChangedSince_ = false;
+    showLines();
+    showAmounts();
 }
 
 bool CMtmDlg::isChosenTwice() {
@@ -276,6 +327,7 @@ bool CMtmDlg::isChosenTwice() {
 }
 
 void CMtmDlg::selectLine(int row) {
+    stepper_->hide();
     selected_ = keyAt(lines_, row);
     selectedAmounts_ = lineAmounts(*selected_).value_or(LineAmounts{});
     showAmounts();
@@ -287,29 +339,43 @@ void CMtmDlg::changeQuantities() {
         return;
     }
     if (isChosenTwice()) return;
-    std::int64_t boxes = 0;
-    std::int64_t bottles = 0;
-    if (!askQuantities(&boxes, &bottles, *selected_)) return;
+    const auto quantities = question_.ask(selected_->PCode, quantitiesOf(*selected_));
+    if (quantities) changeTo(*quantities);
+}
+
+void CMtmDlg::step(int by) {
+    if (!selected_ || isChosenTwice()) return;
+    const int column = stepper_->column();
+    Quantities quantities = quantitiesOf(*selected_);
+    (column == kBoxColumn ? quantities.boxes : quantities.bottles) += by;
+    if (!question_.isTaken(selected_->PCode, quantities) || !changeTo(quantities)) return;
+    stepper_->showAt(rowOf(*selected_), column);
+}
+
+bool CMtmDlg::changeTo(const Quantities& quantities) {
+    const auto [boxes, bottles] = quantities;
     const LineKey changed{selected_->PCode, QString::number(boxes), QString::number(bottles)};
     // Two lines of the same product and quantities could not be told apart any more.
     if (changed != *selected_ && rowOf(changed) >= 0) {
         ui::message(u"상품이 이미 등록되어있습니다..!"_s);
-        return;
+        return false;
     }
     const app::ActionValues& action = app::session().action;
     const PricedLine priced = priceLine(action.GCode, action.CustomerKind, selected_->PCode, boxes, bottles);
     // Without a contract a product that has left the price list would become one for nothing.
     if (priced.source != PriceSource::Contract && !productExists(selected_->PCode)) {
         ui::message(kUnknownProduct.toString());
-        return;
+        return false;
     }
-    if (replaceQuantities(*selected_, boxes, bottles, priced.amounts)) {
+    const bool isChanged = replaceQuantities(*selected_, boxes, bottles, priced.amounts);
+    if (isChanged) {
         selected_ = changed;
         selectedAmounts_ = priced.amounts;
         markUnsaved();
     }
     showLines();
     showAmounts();
+    return isChanged;
 }
 
 void CMtmDlg::editAmount(const SlipAmount& amount) {
@@ -322,11 +388,14 @@ void CMtmDlg::editAmount(const SlipAmount& amount) {
         return;
     }
     if (isChosenTwice()) return;
-    if (!app::askNumber(amount.title.toString(), formatWon(amount.of(selectedAmounts_)))) return;
+    const QString product = details_.value({selected_->PCode, selected_->Box, selected_->Bon}).PName + u' ' +
+                            quantityText(quantitiesOf(*selected_));
+    if (!app::askNumber(amount.title.toString(), formatWon(amount.of(selectedAmounts_)), product)) return;
     const LineAmounts changed = amount.apply(selectedAmounts_, parseWon(app::keypadRequest().KeypadValue1));
     if (!replaceAmounts(*selected_, changed)) return;
     selectedAmounts_ = changed;
     markUnsaved();
+    showLines();
     showAmounts();
 }
 
@@ -391,12 +460,24 @@ bool CMtmDlg::save() {
     return true;
 }
 
+bool CMtmDlg::areFreeLinesMeant() const {
+    QStringList names;
+    for (const LineDetail& line : details_) {
+        if (line.isFree) names << line.PName;
+    }
+    names.sort();
+    return names.isEmpty() ||
+           ui::confirm(u"금액이 0원인 품목이 있습니다..! [%1] 그대로 진행할까요?"_s.arg(listed(names)),
+                       u"0원 품목"_s);
+}
+
 void CMtmDlg::finish() {
     app::SessionValues& session = app::session();
     if (isWorkingSlipEmpty()) {
         ui::message(u"매출상품이 선택되지 않았습니다..!"_s);
         return;
     }
+    if (!areFreeLinesMeant()) return;
     // What is paid and printed is the saved slip, so what is on screen is saved on the way there.
     if (hasUnsavedLines_ && !save()) {
         ui::message(u"주문서를 저장하지 못했습니다..!"_s);

@@ -111,7 +111,8 @@ void CPaymentCheckDlg::approved() {
         return;
     }
     const bool isMoved = slip->JunNo != asked_.slip.JunNo;
-    const bool isWithoutSale = slip->Gubun != asked_.slip.Gubun;
+    const bool isWithoutSale = slip->Gubun != asked_.slip.Gubun ||
+                               (slip->amounts().total.isZero() && !asked_.slip.amounts().total.isZero());
     asked_.slip = *slip;
     ui::message(u"승인된 결제입니다..! %1 거래번호 : %2"_s.arg(named(asked_), slip->BANKTRANNO));
     if (isWithoutSale) {

@@ -1,14 +1,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <random>
 #include <sstream>
 
+#include "Generator.h"
 #include "Judge.h"
 #include "Terminal.h"
 
@@ -26,20 +25,6 @@ constexpr Rule kNotYetKept[] = {
 constexpr int kActionsOfDay = 120;
 constexpr int kUsualActions = 3000;
 constexpr unsigned kUsualSeed = 20261121;
-
-/// How often the hand does what, in the order of the taps.
-constexpr double kWeights[] = {
-    // The menu.
-    12, 5, 4, 3, 1, 0.1, 2.5, 0.7, 0.4, 0.3, 0.5,
-    // The lists.
-    8, 4, 3, 3, 5, 4, 1.5, 3, 4, 1.5,
-    // The sales slip, the container slip.
-    6, 2, 2, 1, 1.5, 5, 4, 1, 1, 1, 5,
-    // The collection, the card, the simple payment.
-    0.6, 0.4, 0.4, 0.4, 2, 1, 4, 3, 3, 0.5, 6, 4, 2, 3, 3,
-    // 이전.
-    2.5};
-static_assert(std::size(kWeights) == std::size_t(Tap::Count));
 
 /// Where a rule was broken: at the same event it is the same fault.
 using Fault = std::pair<Rule, Event::Kind>;
@@ -60,7 +45,7 @@ class Days : public testing::Test {
     Story play(const std::function<std::optional<Action>(const Terminal&)>& next,
                std::optional<Fault> sought = std::nullopt) {
         Story story;
-        Judge judge(Terminal::vatModes());
+        Judge judge(vatModes());
         Page page;
         std::string found;
         terminal_.begin([&](const Event& event) {
@@ -87,19 +72,9 @@ class Days : public testing::Test {
     }
 
     Story random(unsigned seed, int count) {
-        std::mt19937 engine(seed);
-        return play([&, left = count](const Terminal& terminal) mutable -> std::optional<Action> {
-            if (left-- == 0) return std::nullopt;
-            std::array<double, std::size(kWeights)> weights;
-            double total = 0;
-            for (std::size_t i = 0; i < weights.size(); ++i)
-                total += weights[i] = terminal.can(Tap(i)) ? kWeights[i] : 0;
-            // Drawn by hand: the library's distributions differ between its versions.
-            double at = double(engine()) / 4294967296.0 * total;
-            std::size_t tap = 0;
-            while (tap + 1 < weights.size() && (at -= weights[tap]) >= 0) ++tap;
-            const unsigned pick = engine() % 9973U;
-            return Action{Tap(tap), pick, unsigned(engine() % 9967U)};
+        return play([generator = Generator(seed),
+                     left = count](const Terminal& terminal) mutable -> std::optional<Action> {
+            return left-- > 0 ? std::optional(generator.next(terminal)) : std::nullopt;
         });
     }
 

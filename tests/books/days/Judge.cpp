@@ -299,8 +299,10 @@ void Judge::moveCollection(Page& want, const Event& event, const Page& after, Wo
         row->amounts.effect() - before.effect() == sales + deposits) {
         is = row->amounts;
     }
-    if (row == nullptr && is.total() == 0 && is.unpaid == 0 && is.recovery == 0 && is.earlier == 0 &&
-        is.card == 0 && is.cash == 0) {
+    // Nothing is left of it, nor of what was booked as excess.
+    const bool isBooked = withoutExcess(before) != before && -before.effect() == sales + deposits;
+    if (row == nullptr && is.total() == 0 && is.recovery == 0 && is.card == 0 &&
+        (isBooked || (is.unpaid == 0 && is.earlier == 0 && is.cash == 0))) {
         want.collections.erase(at);
     }
 }
@@ -363,6 +365,12 @@ void Judge::putBack(Page& want, const Visit& visit) {
     const auto at = replacing_.find(visit);
     if (at == replacing_.end() || !at->second.collection) return;
     want.collections.push_back(*at->second.collection);
+    knowAgain(visit);
+}
+
+// What was known of the collection that is back.
+void Judge::knowAgain(const Visit& visit) {
+    const auto at = replacing_.find(visit);
     note(&byCollectionWork_, visit, at->second.isByCollectionWork);
     note(&keyedSales_, visit, at->second.hasKeyedSales);
     note(&keyedRecovery_, visit, at->second.hasKeyedRecovery);
@@ -377,6 +385,10 @@ void Judge::collectionBack(Page& want, const Event& event, const Page& after) {
     if (isOpen && find(after.collections, event.visit) != nullptr) {
         // A stuck visit may stay, on credit.
         want.collections = after.collections;
+        const auto replaced = replacing_.find(event.visit);
+        const bool isBack = replaced != replacing_.end() && replaced->second.collection &&
+                            std::ranges::count(after.collections, *replaced->second.collection) > 0;
+        if (isBack) knowAgain(event.visit);
         return;
     }
     erase(want.collections, event.visit.key);

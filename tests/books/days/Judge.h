@@ -144,6 +144,7 @@ class Judge {
     void saleDeleted(Page& want, const Event& event);
     void collectionSaved(Page& want, const Event& event);
     void putBack(Page& want, const Visit& visit);
+    void knowAgain(const Visit& visit);
     void collectionBack(Page& want, const Event& event, const Page& after);
     void unpaidBack(Page& want, const Event& event);
     void emptiesChanged(Page& want, const Event& event, const Page& after);

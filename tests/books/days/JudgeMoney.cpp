@@ -12,6 +12,10 @@ namespace {
 // The customers of simple payments without one have no balance.
 constexpr auto kUnregistered = "XXXX";
 
+bool isOfDayAndCustomer(const Visit& a, const Visit& b) {
+    return a.key.date == b.key.date && a.key.user == b.key.user && a.customer == b.customer;
+}
+
 // Supply and tax of a row are judged by the VAT rule, and follow the salesman's keys otherwise.
 std::vector<Collection> comparable(std::vector<Collection> rows) {
     for (Collection& row : rows) row.amounts.supply = row.amounts.vat = row.amounts.other = 0;
@@ -47,7 +51,12 @@ void Judge::paymentSent(Page& want, const Event& event, const Page& after) {
     for (const Payment& payment : want.payments) {
         if (payment.open() && payment.visit.customer == visit.customer)
             found(Rule::OneOpen, words(payment.visit) + " was open when " + words(visit) + " was sent");
-        if (payment.state == "approved" && payment.visit == visit && !event.isTold)
+        // A simple payment has a number of its own each time, but for a customer who is not registered.
+        const bool isDeleted = std::ranges::find(want.collections, payment.approval, &Collection::approval) ==
+                               want.collections.end();
+        const bool isHisSimple = event.mode == 6 && simple_.contains(payment.message) && isDeleted &&
+                                 isOfDayAndCustomer(payment.visit, visit) && visit.customer != kUnregistered;
+        if (payment.state == "approved" && (payment.visit == visit || isHisSimple) && !event.isTold)
             found(Rule::ApprovalTold, words(visit) + " was paid with " + payment.approval);
     }
     const Payment* const kept = amountsOf(want, event, after);

@@ -23,36 +23,60 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-const QStringList kCustomers{u"0001"_s, u"0002"_s, u"0003"_s};
 const QDateTime kMorning({2026, 11, 20}, {8, 0});
 
-/// A salesman with his VAT mode and what follows his sales slips.
-struct User {
-    const char* id;
-    const char* vatMode;
-    bool isFollowedByContainers;
-};
-constexpr User kUsers[] = {{"A", "1", false}, {"B", "2", true}, {"C", "3", true}};
-
-constexpr const char* kNames[] = {
-    "매출작업",       "입금작업",        "용공작업",       "단순결제",     "일마감",       "사무실 주문",
-    "로그인",         "다른날 로그인",   "꺼짐",           "디스크 고장",  "시계",         "132 추가",
-    "132 확인",       "132 결제",        "132 삭제",       "150 추가",     "150 확인",     "150 삭제",
-    "391 추가",       "391 확인",        "391 삭제",       "134 등록",     "134 수량",     "134 금액",
-    "134 삭제",       "134 주문서 저장", "134 완료",       "394 등록",     "394 수량",     "394 금액",
-    "394 삭제",       "394 완료",        "450 주류매출액", "450 공급가액", "450 부가세액", "450 비주류",
-    "450 용공회수액", "450 전미수",      "450 카드입금",   "450 현금입금", "450 외상처리", "450 전표삭제",
-    "450 완료",       "449 카드",        "449 완료",       "104 금액",     "104 완료",     "이전"};
+constexpr const char* kNames[] = {"매출작업",
+                                  "입금작업",
+                                  "용공작업",
+                                  "단순결제",
+                                  "일마감",
+                                  "사무실 주문",
+                                  "로그인",
+                                  "다른날 로그인",
+                                  "꺼짐",
+                                  "디스크 고장",
+                                  "시계",
+                                  "132 추가",
+                                  "132 확인",
+                                  "132 결제",
+                                  "132 삭제",
+                                  "150 추가",
+                                  "150 확인",
+                                  "150 삭제",
+                                  "391 추가",
+                                  "391 확인",
+                                  "391 삭제",
+                                  "134 등록",
+                                  "134 수량",
+                                  "134 금액",
+                                  "134 삭제",
+                                  "134 주문서 저장",
+                                  "134 완료",
+                                  "394 등록",
+                                  "394 수량",
+                                  "394 금액",
+                                  "394 삭제",
+                                  "394 완료",
+                                  "450 주류매출액",
+                                  "450 공급가액",
+                                  "450 부가세액",
+                                  "450 비주류",
+                                  "450 용공회수액",
+                                  "450 전미수",
+                                  "450 카드입금",
+                                  "450 현금입금",
+                                  "450 외상처리",
+                                  "450 전표삭제",
+                                  "450 완료",
+                                  "449 카드",
+                                  "449 완료",
+                                  "449 결과확인",
+                                  "104 금액",
+                                  "104 완료",
+                                  "이전"};
 static_assert(std::size(kNames) == std::size_t(Tap::Count));
 
-test::StorageFaultPlan thePlan;
-
 }  // namespace
-
-const QStringList& products() {
-    static const QStringList codes{u"1001"_s, u"1002"_s, u"1003"_s, u"1004"_s};
-    return codes;
-}
 
 const char* name(Tap tap) {
     return kNames[int(tap)];
@@ -60,82 +84,21 @@ const char* name(Tap tap) {
 
 const Host::Decision& Host::decide(const std::string& message, Won amount, bool charges) {
     const auto [at, isNew] = decisions_.try_emplace(message);
-    if (isNew && charges) at->second = {true, amount, std::to_string(700000 + ++approvals_)};
+    if (isNew && charges) at->second = {true, false, amount, std::to_string(700000 + ++approvals_)};
+    if (isNew && !charges) at->second.isRefused = true;
     return at->second;
 }
 
-std::map<std::string, std::string> Terminal::vatModes() {
-    std::map<std::string, std::string> modes;
-    for (const User& user : kUsers) modes[user.id] = user.vatMode;
-    return modes;
-}
-
-bool Terminal::isFollowedByContainers() const {
-    const auto* const user = std::ranges::find_if(
-        kUsers, [this](const User& each) { return user_ == QLatin1StringView(each.id); });
-    return user->isFollowedByContainers;
-}
-
-Terminal::Terminal() {
-    thePlan.skipsSync = true;
-    thePlan.disarm();
-    test::putFaultsBelowSqlite(&thePlan);
-    EXPECT_EQ(sqlite3_open_v2(device_.databaseFile().toUtf8().constData(), &reader_, SQLITE_OPEN_READWRITE,
-                              nullptr),
-              SQLITE_OK);
-    for (int i = 0; i < products().size(); ++i) {
-        // Odd prices: what is rounded shows.
-        const auto won = [i](int base) { return QString::number(base + 37 * i); };
-        device_.insert(u"PUMMOK", {{u"Pcode", products()[i]},
-                                   {u"Pname", products()[i]},
-                                   {u"BoxBonEa", u"20"},
-                                   {u"ABoxMMoney", won(30000)},
-                                   {u"ABoxBMoney", won(3000)},
-                                   {u"ABonMMoney", won(1500)},
-                                   {u"ABonBMoney", won(150)},
-                                   {u"BBoxMMoney", won(31111)},
-                                   {u"BBoxBMoney", won(3011)},
-                                   {u"BBonMMoney", won(1601)},
-                                   {u"BBonBMoney", won(161)},
-                                   {u"YGMoney1", i % 2 == 0 ? u"4000" : u"0"},
-                                   {u"YGMoney2", i % 2 == 0 ? u"2000" : u"0"},
-                                   {u"GBoxMoney1", u"100"},
-                                   {u"GBonMoney1", u"10"},
-                                   {u"GBonMoney2", i % 2 == 0 ? u"100" : u"0"},
-                                   {u"TTT", i % 2 == 0 ? u"Y" : u""}});
-    }
-    for (const User& user : kUsers) {
-        device_.insert(u"PDAUSER", {{u"userID", QString::fromLatin1(user.id)},
-                                    {u"vatMode", QString::fromLatin1(user.vatMode)}});
-    }
-    for (const QString& customer : kCustomers) {
-        device_.insert(u"GARAE", {{u"GCODE", customer},
-                                  {u"GNAME", customer},
-                                  {u"GUBUN", customer == kCustomers[0] ? u"일반" : u"공용"}});
-    }
-}
-
-Terminal::~Terminal() {
-    thePlan.disarm();
-    sqlite3_close(reader_);
-    platform::clock::set({});
-}
-
 void Terminal::begin(Listener listener) {
-    thePlan.disarm();
     kill();
-    sqlite3_exec(
-        reader_,
-        "BEGIN; DELETE FROM MTM; DELETE FROM MTMOK; DELETE FROM YTM; DELETE FROM TEMP; DELETE FROM "
-        "YTEMP; DELETE FROM PAYJOURNAL; DELETE FROM PRINTLOG; DELETE FROM DAYCLOSE; UPDATE GARAE SET "
-        "CJMONEY = '100000'; COMMIT",
-        nullptr, nullptr, nullptr);
+    device_.use();
+    device_.clear();
     platform::clock::set(kMorning);
     listener_ = std::move(listener);
     host_ = {};
     messages_ = 0;
-    user_ = u"A"_s;
-    date_ = u"2026-11-20"_s;
+    user_ = users().first();
+    date_ = kMorning.date().toString(u"yyyy-MM-dd"_s);
 }
 
 Visit Terminal::visit() const {
@@ -165,8 +128,18 @@ bool Terminal::can(Tap tap) const {
     if (tap <= FinishSale) return isAt(Screen::Sale);
     if (tap <= FinishEmpties) return isAt(Screen::Empties);
     if (tap <= FinishCollection) return isAt(Screen::Entry);
-    if (tap <= FinishCard) return isAt(Screen::Card);
+    if (tap <= AskAgain) return isAt(Screen::Card);
     return isAt(Screen::Simple);
+}
+
+int Terminal::dialog() const {
+    constexpr int kDialogs[] = {132, 150, 391, 134, 394, 450, 449, 104};
+    return isAtMenu() ? 102 : kDialogs[int(screens_.back())];
+}
+
+bool Terminal::answer(QStringView caption, bool isYes) {
+    hand_.answers[caption.toString()] = isYes;
+    return isYes;
 }
 
 void Terminal::menu(int mode, Screen screen) {
@@ -178,7 +151,7 @@ void Terminal::menu(int mode, Screen screen) {
     kept_.reset();
     isRecoveryMoved_ = false;
     crateDeposit_ = {};
-    sqlite3_exec(reader_, "DELETE FROM TEMP; DELETE FROM YTEMP", nullptr, nullptr, nullptr);
+    device_.execute("DELETE FROM TEMP; DELETE FROM YTEMP");
     screens_ = {screen};
 }
 
@@ -207,7 +180,6 @@ void Terminal::kill() {
     screens_.clear();
     number_.clear();
     customer_.clear();
-    books::resetTransactionRecord();
     platform::adoce::DatabaseFile::forgetAll();
 }
 
@@ -215,32 +187,21 @@ void Terminal::kill() {
 void Terminal::loadOrder(unsigned pick) {
     constexpr const char* kNumbers[] = {"5003", "9999", "10000"};
     Goods order;
-    order.visit = {{text(date_), kNumbers[pick % 3], "Z"}, text(kCustomers[pick / 3 % 3])};
+    order.visit = {{text(date_), kNumbers[pick % 3], "Z"}, text(customers()[pick / 3 % 3])};
     order.product = "1001";
     order.boxes = 1;
     order.supply = 30000;
     order.vat = 3000;
-    const Visit& visit = order.visit;
-    device_.insert(u"MTM", {{u"DDate", date_},
-                            {u"JunNo", QString::fromStdString(visit.key.number)},
-                            {u"UserID", u"Z"},
-                            {u"GCode", QString::fromStdString(visit.customer)},
-                            {u"WorkGubun", u"미처리"},
-                            {u"PCode", u"1001"},
-                            {u"Box", u"1"},
-                            {u"Bon", u"0"},
-                            {u"MMoney", u"30000"},
-                            {u"BMoney", u"3000"},
-                            {u"YMoney", u"0"},
-                            {u"GMoney", u"0"}});
+    device_.addOrder(order);
     Event loaded = event(Event::Kind::OfficeLoaded);
     loaded.goods = {order};
+    hand_.order = order;
     tell(loaded);
 }
 
 void Terminal::login(unsigned pick, bool isOtherDay) {
     kill();
-    user_ = QString::fromLatin1(kUsers[pick % std::size(kUsers)].id);
+    user_ = users()[pick % unsigned(users().size())];
     const QDate today = platform::clock::now().date();
     date_ = (isOtherDay ? today.addDays(pick / 3 % 2 == 0 ? -1 : 1) : today).toString(u"yyyy-MM-dd"_s);
     if (books::hasUnsettledPayments()) inquire(pick / 8);
@@ -249,22 +210,24 @@ void Terminal::login(unsigned pick, bool isOtherDay) {
 std::string Terminal::tap(const Action& action) {
     using enum Tap;
     if (!can(action.tap)) return {};
+    hand_ = {};
+    device_.use();
     const bool wasAtMenu = isAtMenu();
     const bool isArmed = std::exchange(isFaultArmed_, false);
     // What the office sends has a storage of its own.
     if (isArmed && action.tap != Office)
-        thePlan.arm(test::StorageFault::FullDisk, int(action.pick % 5), false);
+        Device::faults().arm(test::StorageFault::FullDisk, int(action.pick % 5), false);
     std::string said = action.tap <= Clock              ? menuTap(action)
                        : action.tap <= DeleteEmpties    ? listTap(action)
                        : action.tap <= FinishSale       ? goodsTap(action)
                        : action.tap <= FinishEmpties    ? emptiesTap(action)
                        : action.tap <= FinishCollection ? entryTap(action)
-                       : action.tap <= FinishCard       ? cardTap(action)
+                       : action.tap <= AskAgain         ? cardTap(action)
                        : action.tap <= FinishSimple     ? simpleTap(action)
                                                         : backTap();
     if (isArmed) {
-        if (thePlan.hits > 0) said += " (디스크 가득)";
-        thePlan.disarm();
+        if (Device::faults().hits > 0) said += " (디스크 가득)";
+        Device::faults().disarm();
     }
     if (isAtMenu() && (!wasAtMenu || action.tap <= Kill)) takeBackUnpaid();
     if (isAtMenu() && !wasAtMenu) tell(event(Event::Kind::Screen));
@@ -325,8 +288,10 @@ std::string Terminal::menuTap(const Action& action) {
 void Terminal::openSimple(unsigned pick) {
     menu(6, Screen::Simple);
     amounts_ = {};
-    customer_ = pick % 3 == 0 ? u"XXXX"_s : kCustomers[pick / 3 % 3];
+    isTold_ = false;
+    customer_ = pick % 3 == 0 ? u"XXXX"_s : customers()[pick / 3 % 3];
     number_ = books::nextSimplePaymentNumber(date_);
+    hand_.code = customer_;
     tell(event(Event::Kind::Numbered));
 }
 
@@ -357,6 +322,7 @@ bool Terminal::chooseFromList(unsigned pick) {
                                                             : books::collectionsOfDay(user_, date_);
     if (list.count() == 0) return false;
     const int row = int(pick % unsigned(list.count()));
+    hand_.row = row + 1;
     number_ = list.cell(row, isSales ? 2 : 0);
     state_ = isSales ? list.cell(row, 0) : QString();
     // The lists of sales and collections know the customer's name only.
@@ -365,7 +331,7 @@ bool Terminal::chooseFromList(unsigned pick) {
 }
 
 bool Terminal::chooseCustomer(unsigned pick) {
-    customer_ = kCustomers[pick % unsigned(kCustomers.size())];
+    customer_ = hand_.code = customers()[pick % unsigned(customers().size())];
     if (mode_ == 1 && books::customerHasSlip(date_, customer_)) return false;
     number_ = books::nextSlipNumber(mode_, date_).value_or(QString());
     tell(event(Event::Kind::Numbered));
@@ -388,8 +354,11 @@ std::string Terminal::listTap(const Action& action) {
         case DeleteSale:
             deleteSale(action.amount);
             break;
-        case AddCollection:
         case OpenCollection:
+            // The list makes room for it.
+            screens_.pop_back();
+            [[fallthrough]];
+        case AddCollection:
             openEntry(action.amount);
             break;
         case AddEmpties:
@@ -397,8 +366,9 @@ std::string Terminal::listTap(const Action& action) {
             openEmpties();
             break;
         case DeleteCollection: {
+            if (!mayDelete(action.pick / 8)) break;
             Event deleted = event(Event::Kind::CollectionDeleted);
-            if (!mayDeletePayments(&deleted, false, action.amount) || !mayDelete(action.pick / 8)) break;
+            if (!mayDeletePayments(&deleted, false, action.amount)) break;
             deleted.isRefused = !books::removeCollections(date_, number_, user_);
             tell(deleted);
             break;

@@ -1,13 +1,12 @@
 #pragma once
 
-#include <sqlite3.h>
-
 #include <QString>
 #include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "Device.h"
 #include "Judge.h"
 #include "books/CollectionSlip.h"
 #include "books/PaymentJournal.h"
@@ -15,8 +14,6 @@
 #include "collect/CollectionEntry.h"
 #include "platform/Rows.h"
 #include "sales/SlipLine.h"
-#include "support/FaultyStorage.h"
-#include "support/TestDevice.h"
 
 namespace days {
 
@@ -73,6 +70,7 @@ enum class Tap {
     // The card.
     Swipe,
     FinishCard,
+    AskAgain,
     // Simple payment.
     KeySimple,
     FinishSimple,
@@ -88,17 +86,41 @@ struct Action {
     unsigned amount = 0;
 };
 
+/// What becomes of a request to the host. The question about a payment is answered or gets no answer.
+enum class Fate {
+    Approved,
+    AlsoApproved,
+    Refused,
+    LostRequest,
+    LostAnswer,
+    NoLink,
+    KilledBefore,
+    KilledAfter
+};
+
+/// What a hand has to do on the real screens for the step just made, and what the host does meanwhile.
+struct Hand {
+    int row = 0;                      ///< In the list, from 1; 0 where nothing is chosen.
+    QString code;                     ///< The customer, product or card.
+    QStringList keyed;                ///< On the keypad, field by field; empty where none opens.
+    std::map<QString, bool> answers;  ///< To the questions with these captions; yes to all others.
+    std::vector<Fate> host;           ///< Of each request in their order.
+    std::optional<Fate> paid;         ///< Of these, that of a payment.
+    std::optional<Goods> order;       ///< The office's.
+};
+
 /// The host of a random day: what it has decided about each message, for ever.
 class Host {
   public:
     struct Decision {
         bool isCharged = false;
+        bool isRefused = false;  ///< Else it has never come.
         Won amount = 0;
         std::string approval;
     };
     const Decision& decide(const std::string& message, Won amount, bool charges);
     /// Decides about a message that never came that it will be refused.
-    const Decision& recall(const std::string& message) { return decide(message, 0, false); }
+    const Decision& recall(const std::string& message) { return decisions_[message]; }
 
   private:
     std::map<std::string, Decision> decisions_;
@@ -111,16 +133,18 @@ class Terminal {
   public:
     using Listener = std::function<void(const Event&)>;
 
-    Terminal();
-    ~Terminal();
     /// An empty day with its customers and products.
     void begin(Listener listener);
     bool can(Tap tap) const;
     /// Does the step and returns it in words; nothing where it means nothing here.
     std::string tap(const Action& action);
-    Page page();
+    Page page() { return device_.page(); }
     bool isAtMenu() const { return screens_.empty(); }
-    static std::map<std::string, std::string> vatModes();
+    /// The dialog in front, by its id.
+    int dialog() const;
+    const Hand& hand() const { return hand_; }
+    const QString& user() const { return user_; }
+    const QString& date() const { return date_; }
 
   private:
     enum class Screen { SaleList, CollectionList, EmptiesList, Sale, Empties, Entry, Card, Simple };
@@ -138,7 +162,6 @@ class Terminal {
     void closeDay(unsigned pick);
     std::string menuTap(const Action& action);
     std::string backTap();
-    bool isFollowedByContainers() const;
     bool chooseFromList(unsigned pick);
     bool chooseCustomer(unsigned pick);
     std::string listTap(const Action& action);
@@ -180,7 +203,9 @@ class Terminal {
     Answer askAboutSlip(unsigned pick, const QString& user);
     void takeBackUnpaid();
     bool mayDelete(unsigned pick);
-    bool mayDeletePayments(Event* deleted, bool isPaid, unsigned pick) const;
+    bool mayDeletePayments(Event* deleted, bool isPaid, unsigned pick);
+    /// Notes how a question is answered.
+    bool answer(QStringView caption, bool isYes);
     Event event(Event::Kind kind) const;
     void tell(const Event& event) { listener_(event); }
     Amounts shown() const;
@@ -188,11 +213,9 @@ class Terminal {
     std::vector<Goods> draft();
     std::vector<Empties> returns();
     Won amountFrom(const Action& action) const;
-    template <typename Row, typename Read>
-    std::vector<Row> rows(const char* select, Read&& read);
 
-    test::TestDevice device_;
-    sqlite3* reader_ = nullptr;
+    Device device_;
+    Hand hand_;
     Listener listener_;
     Host host_;
     int messages_ = 0;
@@ -214,12 +237,11 @@ class Terminal {
     std::optional<platform::Won> keptRecovery_;
     bool isOthers_ = false, isApproved_ = false, isSimple_ = false, isTold_ = false;
     books::SettlementAmounts charged_;  ///< The record of the card dialog.
-    std::string payment_;
+    std::string payment_;               ///< The number of its exchange.
     bool isPaid_ = false;
 };
 
 const char* name(Tap tap);
-const QStringList& products();
 
 inline std::string text(const QString& from) {
     return from.toStdString();

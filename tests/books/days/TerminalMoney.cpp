@@ -61,7 +61,7 @@ void Terminal::loadEntry(unsigned pick) {
     if (recovery == amounts_.containerRecovery || (isHandedOver && recovery == keptRecovery_))
         recovery.reset();
     const bool isAsked = recovery && !isHandedOver && saved;
-    if (recovery && (!isAsked || pick % 2 == 0)) {
+    if (recovery && (!isAsked || answer(u"용공회수액", pick % 2 == 0))) {
         collect::takeOverRecovery(amounts_, *recovery, mode_ != 1);
         tell(event(Event::Kind::TookWorth));
     } else if (recovery) {
@@ -115,6 +115,7 @@ std::string Terminal::entryTap(const Action& action) {
         holdCard();
     };
     if (isSimple_ && action.tap <= OnCredit) return "(disabled)";
+    if (action.tap <= KeyEarlier) hand_.keyed << QString::number(keyed);
     switch (action.tap) {
         case KeySales:
             key(Event::Kind::KeySales, collect::keySales);
@@ -155,9 +156,10 @@ std::string Terminal::entryTap(const Action& action) {
 }
 
 bool Terminal::forgetCollection(unsigned pick) {
-    const Answer answer = askAboutSlip(pick / 8, user_);
-    if (answer == Answer::Approved) takeApproval(pick);
-    if (answer != Answer::Free || (isApproved_ && pick % 3 == 0)) return false;
+    const Answer asked = askAboutSlip(pick / 8, user_);
+    if (asked == Answer::Approved) takeApproval(pick);
+    if (asked != Answer::Free || (isApproved_ && !answer(u"카드결제된 입금표삭제", pick % 3 != 0)))
+        return false;
     Event forgotten = event(Event::Kind::CollectionForgotten);
     forgotten.hasCardQuestion = isApproved_;
     forgotten.isRefused = isOthers_ || !books::removeCollection(date_, number_, user_);
@@ -188,19 +190,21 @@ bool Terminal::isPaymentSettled(unsigned pick) {
             break;
     }
     // Credit asks nobody for money twice.
-    return amounts_.card.isZero() && amounts_.cash.isZero() && pick % 4 != 0;
+    return amounts_.card.isZero() && amounts_.cash.isZero() && answer(u"카드결제 확인중", pick % 4 != 0);
 }
 
 bool Terminal::isApprovalPutBack(unsigned pick) {
-    const auto lost = books::approvalWithoutSlip({date_, number_, user_, customer_});
-    if (!lost || isApproved_) return false;
+    const books::SlipIdentity slip{date_, number_, user_, customer_};
+    const bool isSimple = isAt(Screen::Simple);
+    const auto lost = isSimple ? books::deletedSimplePayment(slip) : books::approvalWithoutSlip(slip);
+    if (!lost || (!isSimple && isApproved_)) return false;
     isTold_ = true;
-    if (pick % 2 == 0) return false;
+    if (!answer(u"승인된 결제", pick % 2 != 0)) return false;
     Event back = event(Event::Kind::ApprovalBack);
     back.answers[text(lost->number)] = Event::Answer::Approved;
     back.isRefused = !books::putApprovalBack(lost->number);
     tell(back);
-    if (!back.isRefused) takeApproval(pick);
+    if (!back.isRefused) isSimple ? done() : takeApproval(pick);
     return true;
 }
 
@@ -218,7 +222,8 @@ void Terminal::takeApproval(unsigned pick) {
 bool Terminal::finishEntry(unsigned pick) {
     if (collect::nothingToSettle(amounts_)) return false;
     if (isPaidOnLine() && !books::isChargeOneAmount(amounts_)) return false;
-    if (!isApproved_ && collect::hasCardBesideExcess(amounts_)) return false;
+    if (!isApproved_ && (collect::hasCardBesideExcess(amounts_) || collect::isOutdated(amounts_)))
+        return false;
     if (!isPaymentSettled(pick)) return false;
     keepSettlement();
     books::CollectionSlip slip;
@@ -262,12 +267,12 @@ bool Terminal::isPaymentFree(unsigned pick) {
     const auto inTheWay = [&] { return books::findInTheWay(books::unsettledPayments(), wanted); };
     if (!inTheWay() && books::hasUnsettledPayments()) inquire(pick);
     QString found;
-    const Answer answer = ask(pick / 3, inTheWay, &found);
-    if (answer == Answer::Approved) {
+    const Answer asked = ask(pick / 3, inTheWay, &found);
+    if (asked == Answer::Approved) {
         const auto last = books::lastPayment(date_, number_, user_);
         isPaid_ = last && last->number == found;
     }
-    return answer == Answer::Free;
+    return asked == Answer::Free;
 }
 
 books::JournalPayment Terminal::journalPayment(const QString& number) const {
@@ -291,7 +296,10 @@ books::JournalPayment Terminal::journalPayment(const QString& number) const {
 }
 
 void Terminal::swipe(unsigned pick) {
-    if (isPaid_ || !isPaymentFree(pick / 8)) return;
+    if (isPaid_) return;
+    hand_.code = u"good"_s;
+    if (!isPaymentFree(pick / 8)) return;
+    hand_.keyed << u"1234"_s;
     if (books::chargeKind(charged_) == books::ChargeKind::Nothing) return;
     const QString number = QStringLiteral("%1").arg(++messages_, 32, 10, QLatin1Char('0'));
     if (!books::notePayment(journalPayment(number))) return;
@@ -299,14 +307,17 @@ void Terminal::swipe(unsigned pick) {
     payment_ = number.toStdString();
     sent.asked = books::amountToCharge(charged_).value();
     sent.isTold = isTold_;
-    // Approved; refused; the request was lost; the answer was lost; no link; killed before or after the host.
-    enum Fate { Approved, AlsoApproved, Refused, LostRequest, LostAnswer, NoLink, KilledBefore, KilledAfter };
-    const auto fate = Fate(pick % 8);
-    if (fate == Approved || fate == AlsoApproved || fate == LostAnswer || fate == KilledAfter) {
-        const Host::Decision& decision = host_.decide(payment_, sent.asked, true);
-        sent.charged = Charge{payment_, decision.approval, decision.amount, visit()};
-    } else if (fate == Refused) {
-        host_.decide(payment_, sent.asked, false);
+    using enum Fate;
+    // The host takes no amount below 0.
+    const Amounts& told = sent.shown;
+    const bool isTaken = told.supply >= 0 && told.vat >= 0 && told.deposits >= 0 && told.recovery >= 0;
+    auto fate = Fate(pick % 8);
+    if (!isTaken && (fate == Approved || fate == AlsoApproved)) fate = Refused;
+    hand_.host.push_back(fate);
+    hand_.paid = fate;
+    if (fate != LostRequest && fate != NoLink && fate != KilledBefore) {
+        const Host::Decision& decision = host_.decide(payment_, sent.asked, isTaken && fate != Refused);
+        if (decision.isCharged) sent.charged = Charge{payment_, decision.approval, decision.amount, visit()};
     }
     if (fate == Approved || fate == AlsoApproved) {
         isPaid_ = true;
@@ -349,8 +360,10 @@ std::string Terminal::cardTap(const Action& action) {
     const std::string said = words(shown()) + " " + std::to_string(action.pick % 8);
     if (action.tap == Tap::Swipe) {
         swipe(action.pick);
-    } else {
+    } else if (action.tap == Tap::FinishCard) {
         finishCard();
+    } else if (!isPaid_ && books::hasUnsettledPayment(date_, number_, user_)) {
+        isPaymentFree(action.pick / 8);
     }
     return said;
 }
@@ -362,15 +375,19 @@ void Terminal::inquire(unsigned pick) {
     asked.isAtMenu = false;
     books::closeStoppedPayments();
     for (const books::JournalPayment& payment : books::unsettledPayments()) {
-        if (pick++ % 3 == 0) break;  // No link any more.
+        const bool isAnswered = pick++ % 3 != 0;
+        hand_.host.push_back(isAnswered ? Fate::Approved : Fate::LostRequest);
+        if (!isAnswered) break;
         const std::string message = payment.number.toStdString();
         const Host::Decision& decision = host_.recall(message);
         books::HostReply reply;
-        reply.responseCode = decision.isCharged ? u"0000"_s : u"0019"_s;
+        reply.responseCode = decision.isCharged ? u"0000"_s : decision.isRefused ? u"0099"_s : u"0019"_s;
         reply.transactionNumber = QString::fromStdString(decision.approval);
-        const bool isTold = van::judge(payment, reply, payment.number) == van::PaymentVerdict::Approved
-                                ? books::approvePayment(payment.number, reply.transactionNumber).has_value()
-                                : books::settlePayment(payment.number, books::PaymentState::Released);
+        const bool isTold =
+            van::judge(payment, reply, payment.number) == van::PaymentVerdict::Approved
+                ? books::approvePayment(payment.number, reply.transactionNumber).has_value()
+                : books::settlePayment(payment.number, decision.isRefused ? books::PaymentState::Refused
+                                                                          : books::PaymentState::Released);
         if (isTold) {
             asked.answers[message] = decision.isCharged ? Event::Answer::Approved : Event::Answer::NotCharged;
         }
@@ -404,15 +421,15 @@ void Terminal::takeBackUnpaid() {
 
 bool Terminal::mayDelete(unsigned pick) {
     const bool isOpen = books::hasUnsettledPayment(date_, number_, {});
-    const Answer answer = askAboutSlip(pick, {});
+    const Answer asked = askAboutSlip(pick, {});
     if (isOpen) takeBackUnpaid();
-    return answer == Answer::Free;
+    return asked == Answer::Free;
 }
 
 /// Asks the question of a number that carries an approval; true without one.
-bool Terminal::mayDeletePayments(Event* deleted, bool isPaid, unsigned pick) const {
+bool Terminal::mayDeletePayments(Event* deleted, bool isPaid, unsigned pick) {
     deleted->hasCardQuestion = isPaid || !books::approvedUnder(date_, number_).isEmpty();
-    deleted->isCardConfirmed = pick % 2 == 0;
+    deleted->isCardConfirmed = answer(u"카드결제된 입금표삭제", pick % 2 == 0);
     return !deleted->hasCardQuestion || deleted->isCardConfirmed;
 }
 
@@ -420,11 +437,13 @@ bool Terminal::mayDeletePayments(Event* deleted, bool isPaid, unsigned pick) con
 
 std::string Terminal::simpleTap(const Action& action) {
     if (action.tap == Tap::FinishSimple) {
+        if (isApprovalPutBack(action.pick)) return "(put back)";
         charged_ = amounts_;
         openCard();
         return words(shown());
     }
     const Won keyed = action.amount % 4 == 3 ? 2000 : 11000 * Won(action.amount % 4);
+    hand_.keyed << QString::number(keyed);
     collect::keySimpleAmount(amounts_, collect::SimpleAmount(action.pick % 5), platform::Won(keyed));
     return std::to_string(keyed);
 }

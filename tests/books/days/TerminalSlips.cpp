@@ -27,6 +27,14 @@ std::pair<int, int> quantities(const Action& action) {
 
 // --- the sales slip
 
+std::vector<Goods> Terminal::draft() {
+    return device_.goods('\'' + user_.toUtf8() + '\'', "TEMP");
+}
+
+std::vector<Empties> Terminal::returns() {
+    return device_.empties('\'' + user_.toUtf8() + '\'', "YTEMP");
+}
+
 void Terminal::openSale() {
     if (!customer_.isEmpty() && sales::isOtherCustomers(user_, date_, number_, customer_)) return;
     const auto slip = sales::openSlip(user_, date_, number_);
@@ -49,7 +57,7 @@ bool Terminal::saveSale() {
 
 void Terminal::finishSale() {
     if (sales::isWorkingSlipEmpty() || (hasUnsavedLines_ && !saveSale())) return;
-    if (isFollowedByContainers()) {
+    if (isFollowedByContainers(user_)) {
         openEmpties();
     } else {
         openEntry(0);
@@ -58,7 +66,7 @@ void Terminal::finishSale() {
 
 std::string Terminal::addGoods(const Action& action, const platform::Rows& lines) {
     sales::SlipLine line;
-    line.PCode = products()[action.pick % unsigned(products().size())];
+    line.PCode = hand_.code = products()[action.pick % unsigned(products().size())];
     for (int at = 0; at < lines.count(); ++at) {
         if (lines.cell(at, 0) == line.PCode) return "(there already)";
     }
@@ -71,6 +79,7 @@ std::string Terminal::addGoods(const Action& action, const platform::Rows& lines
     const auto [boxes, bottles] = quantities(action);
     line.Box = QString::number(sign * boxes);
     line.Bon = QString::number(sign * bottles);
+    hand_.keyed << line.Box << line.Bon;
     line.setAmounts(sales::priceLine(customer_, kind_, line.PCode, sign * boxes, sign * bottles).amounts);
     hasUnsavedLines_ |= sales::insertLine(line);
     return text(line.PCode + u' ' + line.Box + u'/' + line.Bon);
@@ -86,10 +95,12 @@ std::string Terminal::goodsTap(const Action& action) {
     if (action.tap == Tap::AddGoods) return addGoods(action, lines);
     if (lines.count() == 0) return "(no line)";
     const int row = int(action.pick % unsigned(lines.count()));
+    hand_.row = row + 1;
     const sales::LineKey key{lines.cell(row, 0), lines.cell(row, 2), lines.cell(row, 3)};
     const sales::LineAmounts now = sales::lineAmounts(key).value_or(sales::LineAmounts{});
     if (action.tap == Tap::ChangeGoods) {
         const auto [boxes, bottles] = quantities(action);
+        hand_.keyed << QString::number(boxes) << QString::number(bottles);
         const auto amounts = sales::priceLine(customer_, kind_, key.PCode, boxes, bottles).amounts;
         hasUnsavedLines_ |= sales::replaceQuantities(key, boxes, bottles, amounts);
         return text(key.PCode) + " " + std::to_string(boxes) + "/" + std::to_string(bottles);
@@ -98,6 +109,7 @@ std::string Terminal::goodsTap(const Action& action) {
         constexpr std::array kEdits{sales::withSupply, sales::withVat, sales::withSubtotal, sales::withTotal};
         const platform::Won keyed =
             now.subtotal() + platform::Won(1000 * std::int64_t(action.amount % 5) - 1700);
+        hand_.keyed << platform::formatWon(keyed);
         hasUnsavedLines_ |= sales::replaceAmounts(key, kEdits[action.amount % 4](now, keyed));
         return text(key.PCode + u' ' + platform::formatWon(keyed));
     }
@@ -133,16 +145,19 @@ std::string Terminal::emptiesTap(const Action& action) {
     const container::ContainerCounts counts{.bottles = action.amount % 5,
                                             .emptyCrates = action.amount % 3,
                                             .filledCrates = 1 + action.amount / 2 % 6};
+    const QStringList keyed{QString::number(counts.bottles), QString::number(counts.emptyCrates),
+                            QString::number(counts.filledCrates)};
     if (action.tap == Tap::FinishEmpties) {
         finishEmpties();
         return "";
     }
     if (action.tap == Tap::AddReturn) {
         container::ContainerLine line;
-        line.PCode = products()[2 * (action.pick % 2)];
+        line.PCode = hand_.code = products()[2 * (action.pick % 2)];
         for (int at = 0; at < lines.count(); ++at) {
             if (lines.cell(at, 0) == line.PCode) return "(there already)";
         }
+        hand_.keyed = keyed;
         line.DDate = date_;
         line.GCode = line.GName = customer_;
         line.JunNo = number_;
@@ -153,13 +168,17 @@ std::string Terminal::emptiesTap(const Action& action) {
         return text(line.PCode + u' ' + line.NBox);
     }
     if (lines.count() == 0) return "(no line)";
-    const auto key = container::keyAt(lines, int(action.pick % unsigned(lines.count())));
+    const int row = int(action.pick % unsigned(lines.count()));
+    hand_.row = row + 1;
+    const auto key = container::keyAt(lines, row);
     const auto product = container::containerProduct(key.PCode).value_or(container::ContainerProduct{});
     if (action.tap == Tap::ChangeReturn) {
+        hand_.keyed = keyed;
         container::replaceCounts(key, counts, container::containerAmounts(counts, product.prices));
     } else if (action.tap == Tap::EditReturn) {
-        container::replaceAmount(key, &container::ContainerAmounts::crates,
-                                 platform::Won(amountFrom(action)));
+        const platform::Won keyedAmount(amountFrom(action));
+        hand_.keyed << platform::formatWon(keyedAmount);
+        container::replaceAmount(key, &container::ContainerAmounts::crates, keyedAmount);
     } else {
         container::deleteLine(key);
     }

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <functional>
+
+namespace db {
+
+/// Runs a SELECT with a text for each "?" on every database of old slips that lies with the documents or on
+/// the storage card, and calls `readRow` on its rows. One that cannot be read is passed over, and traced.
+void forEachArchivedRow(const QString& select, const QStringList& values,
+                        const std::function<void(const QStringList& row)>& readRow);
+
+}  // namespace db

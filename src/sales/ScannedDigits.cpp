@@ -1,0 +1,25 @@
+#include "sales/ScannedDigits.h"
+
+#include <utility>
+
+namespace sales {
+namespace {
+
+/// A reader leaves a few milliseconds between two digits. Who keys a code by hand, briskly, is heard as well.
+constexpr qint64 kLongestPauseMs = 1000;
+constexpr qsizetype kFewestDigits = 4;
+
+}  // namespace
+
+void ScannedDigits::add(QChar digit, qint64 now) {
+    if (now - last_ > kLongestPauseMs) digits_.clear();
+    digits_ += digit;
+    last_ = now;
+}
+
+QString ScannedDigits::take(qint64 now) {
+    const QString digits = std::exchange(digits_, {});
+    return now - last_ <= kLongestPauseMs && digits.size() >= kFewestDigits ? digits : QString();
+}
+
+}  // namespace sales

@@ -1,0 +1,62 @@
+#include "sales/screens/QuantityStepper.h"
+
+#include <QFrame>
+#include <QScrollBar>
+
+#include "ui/BitmapButton.h"
+#include "ui/ReportList.h"
+
+namespace sales {
+namespace {
+
+/// The column before the numbers, at whose end the buttons lie.
+constexpr int kNameColumn = 1;
+constexpr int kGap = 8;
+
+}  // namespace
+
+QuantityStepper::QuantityStepper(ui::ReportList* list, ui::BitmapButton* less, ui::BitmapButton* more)
+    : QObject(list), list_(*list), less_(*less), more_(*more), frame_(new QFrame(list->viewport())) {
+    frame_->setFrameShape(QFrame::Box);
+    frame_->setLineWidth(2);
+    frame_->setAttribute(Qt::WA_TransparentForMouseEvents);
+    QPalette colours = frame_->palette();
+    colours.setColor(QPalette::WindowText, QColor(0xf5, 0x9e, 0x0b));
+    frame_->setPalette(colours);
+    frame_->setForegroundRole(QPalette::WindowText);
+    for (ui::BitmapButton* button : {less, more}) {
+        button->setRepeated(true);
+        button->setFont(ui::font(ui::FontHeight::Title));
+        button->setFocusPolicy(Qt::NoFocus);
+    }
+    // They would stand at another line's number.
+    connect(list->verticalScrollBar(), &QScrollBar::valueChanged, this, &QuantityStepper::hide);
+    connect(list->horizontalScrollBar(), &QScrollBar::valueChanged, this, &QuantityStepper::hide);
+    hide();
+}
+
+void QuantityStepper::showAt(int row, int column) {
+    const QModelIndex number = list_.model()->index(row, column);
+    list_.scrollTo(number);
+    const QPoint origin = list_.viewport()->mapTo(list_.parentWidget(), QPoint(0, 0));
+    const QRect name = list_.visualRect(number.siblingAtColumn(kNameColumn)).translated(origin);
+    const int top = name.center().y() - more_.height() / 2;
+    more_.move(name.right() + 1 - more_.width(), top);
+    less_.move(more_.x() - kGap - less_.width(), top);
+    frame_->setGeometry(list_.visualRect(number));
+    column_ = column;
+    frame_->show();
+    for (ui::BitmapButton* button : {&less_, &more_}) {
+        button->raise();
+        button->show();
+    }
+}
+
+void QuantityStepper::hide() {
+    column_ = -1;
+    frame_->hide();
+    less_.hide();
+    more_.hide();
+}
+
+}  // namespace sales

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QObject>
+
+class QFrame;
+
+namespace ui {
+class BitmapButton;
+class ReportList;
+}  // namespace ui
+
+namespace sales {
+
+/// The + and the - beside a number of a list, which show while a finger works on that number.
+class QuantityStepper : public QObject {
+    Q_OBJECT
+
+  public:
+    /// The buttons lie above the list, on its screen.
+    QuantityStepper(ui::ReportList* list, ui::BitmapButton* less, ui::BitmapButton* more);
+
+    /// Shows them at the number in that place of the list.
+    void showAt(int row, int column);
+    void hide();
+    /// The number's column; -1 while they are hidden.
+    int column() const { return column_; }
+
+  private:
+    ui::ReportList& list_;
+    ui::BitmapButton& less_;
+    ui::BitmapButton& more_;
+    QFrame* frame_;  ///< Around the number.
+    int column_ = -1;
+};
+
+}  // namespace sales
