@@ -146,6 +146,7 @@ bool replaceLines(const QList<SlipLine>& lines, QStringList* refused) {
             return false;
         }
     }
+    books::noteChanged(transaction, books::Working::Sale);
     return transaction.commit();
 }
 
