@@ -16,6 +16,12 @@ struct VisitCheck {
     Report report;
     /// For each row of the report's list the visit that it shows; nothing for a row that is a title.
     QList<std::optional<books::Visit>> rows;
+    /// And what the list says below the row.
+    struct Note {
+        QString reason;
+        QString amounts;  ///< As both sides have them; empty where there is one side only.
+    };
+    QList<Note> notes;
 
     bool isEmpty() const { return rows.isEmpty(); }
 };

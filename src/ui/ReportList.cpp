@@ -62,7 +62,8 @@ struct CellType {
     QString text;  ///< With the places in it where a line may end.
 };
 
-/// A name may break after any of its syllables: in a narrow column a word alone can be too wide.
+/// A text that fits in no other way breaks after any of its syllables: in a narrow column a word alone can be
+/// too wide.
 QString breakable(const QString& text) {
     constexpr QChar kZeroWidthSpace(0x200b);
     QString result;
@@ -80,14 +81,17 @@ CellType typeFor(const QString& text, QFont font, int width) {
         const int advance = QFontMetrics(font).horizontalAdvance(text);
         if (advance <= width) return {font, {advance, QFontMetrics(font).height()}, false, text};
     }
-    const QString lines = breakable(text);
-    QSize size;
+    CellType type{font, {}, true, {}};
     for (int pixels = kSmallestOneLineType; pixels >= kSmallestType; --pixels) {
-        font.setPixelSize(pixels);
-        size = QFontMetrics(font).boundingRect(QRect(0, 0, width, 0), Qt::TextWordWrap, lines).size();
-        if (size.width() <= width && size.height() < kRowHeight) break;
+        type.font.setPixelSize(pixels);
+        for (const QString& lines : {text, breakable(text)}) {
+            type.text = lines;
+            type.size =
+                QFontMetrics(type.font).boundingRect(QRect(0, 0, width, 0), Qt::TextWordWrap, lines).size();
+            if (type.size.width() <= width && type.size.height() < kRowHeight) return type;
+        }
     }
-    return {font, size, true, lines};
+    return type;
 }
 
 /// The type in which both ends of a second line fit beside each other.

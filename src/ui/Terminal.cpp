@@ -17,6 +17,11 @@ using namespace Qt::Literals::StringLiterals;
 /// The touches of a double one are not further apart than this many pixels.
 constexpr qreal kFinger = 24;
 
+bool isAnswer(const QKeyEvent& press) {
+    const int key = press.key();
+    return key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Space || key == Qt::Key_Escape;
+}
+
 QPointer<Terminal>& currentTerminal() {
     static QPointer<Terminal> terminal;
     return terminal;
@@ -93,6 +98,7 @@ void Terminal::remove(Screen* screen) {
 
 void Terminal::changeTop() {
     ++changes_;
+    isFrontPainted_ = false;
     Q_EMIT topChanged(top());
 }
 
@@ -104,6 +110,7 @@ void Terminal::closeAll() {
 
 bool Terminal::eventFilter(QObject* watched, QEvent* event) {
     const QEvent::Type type = event->type();
+    if (type == QEvent::Paint && watched == top()) isFrontPainted_ = true;
     const bool isPress = type == QEvent::MouseButtonPress || type == QEvent::MouseButtonDblClick;
     const bool isPointer = isPress || type == QEvent::MouseMove || type == QEvent::MouseButtonRelease;
     if (!isPointer && type != QEvent::KeyPress) return false;
@@ -112,10 +119,12 @@ bool Terminal::eventFilter(QObject* watched, QEvent* event) {
     if (isPress) {
         workWithKeys(false);
     } else if (type == QEvent::KeyPress) {
-        const int key = static_cast<const QKeyEvent*>(event)->key();
-        // These press what the ring stands on, so they do not bring it.
-        if (key != Qt::Key_Return && key != Qt::Key_Enter && key != Qt::Key_Space && key != Qt::Key_Escape)
+        // Those that answer press what the ring stands on, so they do not bring it.
+        if (!isAnswer(static_cast<const QKeyEvent&>(*event))) {
             workWithKeys(true);
+        } else if (!isFrontPainted_) {
+            return true;
+        }
     }
     const Screen* front = top();
     const bool isInFront = front != nullptr && (widget == front || front->isAncestorOf(widget));

@@ -60,6 +60,7 @@ class Terminal : public QWidget {
 
     QList<Entry> stack_;
     int changes_ = 0;
+    bool isFrontPainted_ = true;  ///< Nobody can have answered what nobody has seen.
     Touch touch_;
     const QKeyEvent* forwarded_ = nullptr;  ///< The key on its way to the dialog in front.
 };

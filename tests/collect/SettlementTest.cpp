@@ -165,44 +165,6 @@ TEST(Settlement, AmountsOfTheSaleFollowEachOther) {
     EXPECT_EQ(split(amounts), (Split{10500, 500, 10000, 0, 0, 0})) << "what the excess booked is gone";
 }
 
-<<<<<<< HEAD
-TEST(Settlement, KnowsWhatIsLeft) {
-    SettlementAmounts amounts = amountsOf({50000, 8000, 20000, 10000, 12000, 3000});
-    recomputeTotal(amounts);
-    EXPECT_EQ(resultingReceivable(amounts), Won(10000));
-    const struct {
-        const char* name;
-        Split amounts;
-        std::int64_t receivable;  ///< From 1000.
-    } kExcesses[] = {
-        {"by button", {50000, 60000, 0, 0, 0, 10000}, -9000},
-        {"keyed", {50000, 60000, 0, -10000, 0, 10000}, -9000},
-        {"keyed, then paid out in cash", {50000, 60000, 0, -10000, 0, 0}, 1000},
-        {"containers alone, by button", {0, 35000, 0, 0, 0, 35000}, -34000},
-        {"containers alone", {0, 35000, 0, 0, 0, 0}, -34000},
-        {"a return of goods, by button", {-130500, 0, 0, 0, 0, 130500}, -129500},
-        {"an old debt paid besides", {50000, 60000, 0, -10000, 0, 7000}, -6000},
-        {"by button, other money", {50000, 60000, 0, 0, 0, 7000}, -16000},
-    };
-    for (const auto& c : kExcesses) {
-        amounts = amountsOf(c.amounts);
-        recomputeTotal(amounts);
-        EXPECT_EQ(resultingReceivable(amounts), Won(c.receivable)) << c.name;
-        EXPECT_EQ(hasSomethingToSettle(amounts), true) << c.name;
-    }
-    EXPECT_FALSE(hasSomethingToSettle({}));
-
-    amounts = amountsOf({50000, 0, 0, 0, 0, 0});
-    EXPECT_TRUE(nothingToSettle(amounts));
-    for (Won SettlementAmounts::*const settling :
-         {&SettlementAmounts::card, &SettlementAmounts::cash, &SettlementAmounts::unpaid,
-          &SettlementAmounts::earlierReceivable, &SettlementAmounts::containerRecovery}) {
-        SettlementAmounts settled = amounts;
-        settled.*settling = Won(-1);
-        EXPECT_FALSE(nothingToSettle(settled));
-    }
-}
-
 TEST(Settlement, IsOutdatedWhenWhatWasPaidIsNotWhatIsDue) {
     const struct {
         const char* what;
@@ -224,7 +186,5 @@ TEST(Settlement, IsOutdatedWhenWhatWasPaidIsNotWhatIsDue) {
     }
 }
 
-=======
->>>>>>> origin/main
 }  // namespace
 }  // namespace collect

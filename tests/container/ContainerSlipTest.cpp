@@ -87,84 +87,22 @@ TEST(ContainerSlip, IsSavedWhole) {
     EXPECT_EQ(device.rows(saved), QList<QStringList>{others});
 }
 
-<<<<<<< HEAD
-TEST(ContainerSlip, TakesItsCreditAlong) {
-    // Sales, card, cash and earlier receivable paid of a collection with a recovery of 8000; the receivable
-    // after it, from 0, then cash, earlier receivable and unpaid where the collection stays.
-    const struct {
-        QString collection, expected;
-    } cases[] = {{u"0,0,0,0"_s, u"8000"_s},
-                 {u"0,0,0,500"_s, u"8000/0/500/0"_s},
-                 {u"50000,20000,22000,0"_s, u"8000/22000/0/8000"_s},
-                 {u"5000,0,-3000,3000"_s, u"8000/0/0/5000"_s},
-                 {u"5000,0,0,3000"_s, u"8000/0/0/5000"_s}};
-    for (const bool isDeleted : {true, false}) {
-        for (const auto& [collection, expected] : cases) {
-            test::TestDevice device;
-            device.insert(u"GARAE", {{u"GCODE", u"0001"}, {u"CJMONEY", u"0"}});
-            device.execute(
-                u"INSERT INTO YTM (DDate,GCode,JunNo,UserID) VALUES ('2026-11-21','0001','6001','A')"_s);
-            device.execute(
-                u"INSERT INTO MTMOK (DDate,GCode,JunNo,UserID,Gubun,YDMoney,MMoney,CardMoney,"
-                "WonMoney,MisuInMoney) VALUES ('2026-11-21','0001','6001','A','매출',8000,%1)"_s.arg(
-                    collection));
-            device.execute(u"UPDATE MTMOK SET InMoney = CardMoney + WonMoney"_s);
-            EXPECT_TRUE(isDeleted ? container::deleteSlip(u"2026-11-21", u"6001", u"A") == Won(8000)
-                                  : container::saveSlip(u"A", u"2026-11-21", u"6001", u"0001") ==
-                                        container::SaveOutcome::Empty);
-            EXPECT_EQ(device.value(u"SELECT CJMONEY || coalesce('/' || WonMoney || '/' || MisuInMoney || '/' "
-                                   "|| UnderMoney, '') FROM GARAE LEFT JOIN MTMOK"_s),
-                      expected)
-                << collection.toStdString();
-        }
+TEST(ContainerSlip, MovesTheCollectionThatAnUnpaidCardHasReplaced) {
+    test::TestDevice device;
+    const QString line =
+        u"INSERT INTO %1 (DDate,GCode,JunNo,PCode,FBox,NBox,Bon,YMONEY,GMONEY%2) VALUES "
+        "('2026-11-21','0001','6001','1001','0','0','9',%3); "_s;
+    const QString slip =
+        u"INSERT INTO %1 (DDate,GCode,JunNo,UserID,Gubun,MMoney,YDMoney,UnderMoney%2) VALUES "
+        "('2026-11-21','0001','6001','A','매출','9000','3000','6000'%3); "_s;
+    device.execute(line.arg(u"YTM"_s, u",UserID"_s, u"'1000','2000','A'"_s) +
+                   line.arg(u"YTEMP"_s, QString(), u"'1500','3500'"_s) +
+                   slip.arg(u"MTMOK"_s, QString(), QString()) +
+                   slip.arg(u"PAYJOURNAL"_s, u",Number,State"_s, u",'1','prepared'"_s));
+    ASSERT_EQ(container::saveSlip(u"A", u"2026-11-21", u"6001", u"0001"), container::SaveOutcome::Saved);
+    for (const QStringView table : {u"MTMOK", u"PAYJOURNAL"}) {
+        EXPECT_EQ(device.value(u"SELECT YDMoney || ',' || UnderMoney FROM %1"_s.arg(table)), u"5000,4000"_s);
     }
 }
 
-TEST(ContainerSlip, ItsCollectionFollowsItsWorth) {
-    // Sales, recovery, cash, earlier receivable and unpaid of a collection of containers worth 3000, those
-    // after the containers are worth 5000, and the receivable after it, from 0.
-    const struct {
-        const char* what;
-        QString before, after, receivable;
-        bool isMoved = true;
-    } cases[] = {
-        {"on credit", u"9000,3000,0,0,6000"_s, u"9000,5000,0,0,4000"_s, u"-2000"_s},
-        {"paid in cash", u"9000,3000,6000,0,0"_s, u"9000,5000,6000,0,-2000"_s, u"-2000"_s},
-        {"keyed", u"9000,2500,0,0,6500"_s, u"9000,2500,0,0,6500"_s, u"0"_s, false},
-        {"alone", u"0,3000,0,0,0"_s, u"0,5000,0,0,0"_s, u"-2000"_s},
-        {"alone, by button", u"0,3000,0,3000,0"_s, u"0,5000,0,5000,0"_s, u"-2000"_s},
-        {"above the sale", u"1000,3000,-2000,2000,0"_s, u"1000,5000,-4000,4000,0"_s, u"-2000"_s},
-    };
-    for (const auto& c : cases) {
-        test::TestDevice device;
-        device.insert(u"GARAE", {{u"GCODE", u"0001"}, {u"CJMONEY", u"0"}});
-        const QString line =
-            u"INSERT INTO %1 (DDate,GCode,JunNo,PCode,FBox,NBox,Bon,YMONEY,GMONEY%2) VALUES "
-            "('2026-11-21','0001','6001','1001','0','0','9',%3)"_s;
-        device.execute(line.arg(u"YTM"_s, u",UserID"_s, u"'1000','2000','A'"_s));
-        device.execute(line.arg(u"YTEMP"_s, QString(), u"'1500','3500'"_s));
-        device.execute(
-            u"INSERT INTO MTMOK (DDate,GCode,JunNo,UserID,Gubun,MMoney,YDMoney,WonMoney,MisuInMoney,"
-            "UnderMoney) VALUES ('2026-11-21','0001','6001','A','매출',%1); "
-            "UPDATE MTMOK SET InMoney = WonMoney; "
-            "INSERT INTO PAYJOURNAL (Number,State,DDate,GCode,JunNo,UserID,Gubun,MMoney,YDMoney,WonMoney,"
-            "MisuInMoney,UnderMoney,InMoney) SELECT '1','prepared',DDate,GCode,JunNo,UserID,Gubun,MMoney,"
-            "YDMoney,WonMoney,MisuInMoney,UnderMoney,InMoney FROM MTMOK"_s.arg(c.before));
-        bool isMoved = !c.isMoved;
-        EXPECT_EQ(container::saveSlip(u"A", u"2026-11-21", u"6001", u"0001", &isMoved),
-                  container::SaveOutcome::Saved);
-        EXPECT_EQ(isMoved, c.isMoved) << c.what;
-        // The slip, and the one that comes back when its card payment is given up.
-        for (const QStringView table : {u"MTMOK", u"PAYJOURNAL"}) {
-            EXPECT_EQ(device.value(u"SELECT MMoney || ',' || YDMoney || ',' || WonMoney || ',' || "
-                                   "MisuInMoney || ',' || UnderMoney FROM %1"_s.arg(table)),
-                      c.after)
-                << c.what;
-        }
-        EXPECT_EQ(device.value(u"SELECT CJMONEY FROM GARAE"_s), c.receivable) << c.what;
-    }
-}
-
-=======
->>>>>>> origin/main
 }  // namespace

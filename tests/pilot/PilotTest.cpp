@@ -180,6 +180,9 @@ TEST_F(PilotTest, KeysPressWhatTheRingStandsOn) {
         {u"key Tab Enter Space"_s, {u"pressed"_s, u"pressed"_s}},
         {u"key Tab Tab Tab Tab Enter Enter Enter Enter Esc Enter"_s,
          {u"yes"_s, u"told"_s, u"no"_s, u"told"_s}},
+        // The second of two quick ones does not answer what the first has opened.
+        {u"key Tab Tab Tab Tab\nkey2 Enter\nanswer cancel\nanswer ok 끝"_s, {u"no"_s, u"told"_s}},
+        {u"key Tab Tab Tab Tab\nkey2 Space\nkey2 Esc\nkey2 Enter"_s, {u"no"_s, u"told"_s}},
         // A finger takes the ring away.
         {u"key Tab Tab\nrow 900.20 1\nkey Enter"_s, {u"row 0"_s, u"pressed"_s}},
         {u"row 900.20 2\nkey Down Space"_s, {u"row 1"_s, u"row 2"_s, u"row 2"_s}},

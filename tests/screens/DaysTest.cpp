@@ -219,7 +219,7 @@ class ScreenDays : public testing::Test {
         if (front != nullptr && isToDie()) die();
         if (isDying_) terminal_.closeAll();
         if (isDying_ || front == nullptr || front->id() == 459 || isPaying()) return wait();
-        if (const ui::MessageBox* message = pilot::openMessage()) return steps(answer(message->caption()));
+        if (const ui::MessageBox* message = pilot::openMessage()) return steps(answer(*message));
         if (front->id() == 142 || front->id() == 458 || front->id() == 460)
             return steps(wayBack(front->id()));
         if (!lines_.isEmpty()) return step(lines_.takeFirst());
@@ -232,10 +232,13 @@ class ScreenDays : public testing::Test {
         return wait();
     }
 
-    QString answer(const QString& caption) const {
+    QString answer(const ui::MessageBox& message) const {
         const auto& answers = model_.hand().answers;
-        const auto found = answers.find(caption);
-        const bool isYes = found != answers.end() ? found->second : !caption.endsWith(u"명세서출력"_s);
+        const auto found = answers.find(message.caption());
+        // Neither is printed nor gone on with what was not saved.
+        const bool isDeclined =
+            message.caption().endsWith(u"명세서출력"_s) || message.text().endsWith(u"계속할까요?"_s);
+        const bool isYes = found != answers.end() ? found->second : !isDeclined;
         return isYes ? u"answer yes"_s : u"answer no"_s;
     }
 

@@ -157,7 +157,10 @@ Attempt answer(const Step& step) {
 
 Attempt pressKey(const Step& step) {
     if (ui::Terminal::current()->top() == nullptr) return waitFor(inFront());
-    return ready([key = Qt::Key(step.numbers[0])] { strike(key); });
+    return ready([key = Qt::Key(step.numbers[0]), isDouble = step.command == Command::DoubleKey] {
+        strike(key);
+        if (isDouble) strike(key);
+    });
 }
 
 Attempt expectMessage(const Step& step) {
@@ -366,6 +369,7 @@ Attempt Pilot::attempt(const Step& step) {
         case Command::Answer:
             return answer(step);
         case Command::Key:
+        case Command::DoubleKey:
             return pressKey(step);
         case Command::Tear:
             return ready([this] { tear(); });

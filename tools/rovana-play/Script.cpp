@@ -64,6 +64,7 @@ const QList<Syntax>& syntaxes() {
         {u"drag", Command::DragRow, {Address, Position, Position}, u"D.C N N"},
         {u"answer", Command::Answer, {Reply}, u"ok|cancel|yes|no [TEXT]"},
         {u"key", Command::Key, {Keys}, u"NAME ..."},
+        {u"key2", Command::DoubleKey, {Keys}, u"NAME ..."},
         {u"expect", Command::ExpectText, {Address, Text}, u"D.C TEXT"},
         {u"expect texts", Command::ExpectText, {Texts}, u"D C=TEXT ..."},
         {u"expect message", Command::ExpectMessage, {Text}, u"TEXT"},

@@ -25,6 +25,7 @@ enum class Command {
     DragRow,
     Answer,
     Key,
+    DoubleKey,
     ExpectMessage,
     ExpectCaption,
     ExpectScreen,

@@ -38,6 +38,10 @@ CVisitCheckDlg::CVisitCheckDlg()
 
 CVisitCheckDlg::CVisitCheckDlg(const QStringList& days, const VisitCheck& found)
     : CReportDlg(app::dialogs::kVisitCheck, found.report), days_(days), check_(found) {
+    list()->setDetail([this](const platform::Rows&, int row) {
+        const VisitCheck::Note note = check_.notes.value(row);
+        return ui::RowDetail{note.reason, note.amounts};
+    });
     // Not when the arrow keys pass a row.
     connect(list(), &ui::ReportList::rowTapped, this, &CVisitCheckDlg::openRow);
     addBottomButton(1001, u"열  기"_s, 2, ui::bitmaps::kPay, [this] {
