@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <memory>
-#include <optional>
 #include <vector>
 
 #include "Screens.h"
@@ -82,13 +81,16 @@ Options readOptions(int argc, char** argv) {
     return options;
 }
 
-/// The scale that fits the display, where that is what is wanted: neither the option nor the settings tell
-/// one.
-std::optional<ui::DisplayScale> fittingScale(const Options& options, const platform::Settings& settings) {
-    if (options.isScaleGiven || settings.scale > 0) return std::nullopt;
-    if (options.isFullScreen) return ui::DisplayScale(ui::kScreenSize);
-    if (options.isDesk) return ui::DisplayScale(desk::kDeskSize + kAroundWindow, options.scale);
-    return std::nullopt;
+/// The scale: the option's, else that of the settings, as far as it fits the display; without one what fits.
+ui::DisplayScale chooseScale(const Options& options, const platform::Settings& settings) {
+    const QSize window = options.isFullScreen ? ui::kScreenSize
+                         : options.isDesk     ? desk::kDeskSize + kAroundWindow
+                                              : ui::kScreenSize + kAroundWindow;
+    const bool isFromSettings = !options.isScaleGiven && settings.scale > 0;
+    const double asked = isFromSettings ? settings.scale : options.scale;
+    if (options.isScaleGiven || isFromSettings) return ui::DisplayScale::asked(window, asked);
+    if (options.isFullScreen) return ui::DisplayScale(window);
+    return options.isDesk ? ui::DisplayScale(window, asked) : ui::DisplayScale::asked(window, asked);
 }
 
 void setScale(double scale) {
@@ -172,17 +174,15 @@ int runProgram(int argc, char** argv, const std::function<void(ui::Terminal&)>& 
     platform::device::setFolder(platform::device::choose(options.device));
     const platform::Settings settings = platform::readSettings();
     ui::useOwnFontList();
-    std::optional<ui::DisplayScale> fitting = fittingScale(options, settings);
-    if (!fitting) setScale(!options.isScaleGiven && settings.scale > 0 ? settings.scale : options.scale);
-    const std::unique_ptr<QApplication> application =
-        fitting ? makeFitting(*fitting, argc, argv) : std::make_unique<QApplication>(argc, argv);
+    ui::DisplayScale scale = chooseScale(options, settings);
+    const std::unique_ptr<QApplication> application = makeFitting(scale, argc, argv);
     // The caret stands still: blinking, it would wake a handheld twice a second all day.
     QApplication::setCursorFlashTime(0);
     // Before anything in the folder is touched.
     const platform::TerminalLock lock;
     if (lock.isTaken()) return refuseSecondStart();
     openFolder(settings);
-    if (fitting) fitting->keep();
+    scale.keep();
     ui::prepareFonts();
     ui::speakKorean();
     // Played visits are silent.

@@ -38,7 +38,8 @@ std::optional<books::SettlementAmounts> goOn(const books::KeptSettlement& kept,
     if (entry.saved || keyed.containerRecovery > keyed.total || keyed.containerRecovery > amounts.total)
         return std::nullopt;
     amounts.nonLiquor = keyed.nonLiquor;
-    amounts.containerRecovery = keyed.containerRecovery;
+    // What it leaves of the new total is unpaid, unless it was settled.
+    if (!keyed.containerRecovery.isZero()) keyRecovery(amounts, keyed.containerRecovery);
     amounts.earlierReceivable = keyed.earlierReceivable;
     // A recovery as large as the total settles the visit, and the receivable paid with it.
     if (amounts.containerRecovery == amounts.total) return amounts;

@@ -39,6 +39,14 @@ DisplayScale::DisplayScale(QSize window, double most) : window_(window), most_(m
     display_ = {figures[3].toInt(), figures[4].toInt()};
 }
 
+DisplayScale DisplayScale::asked(QSize window, double scale) {
+    DisplayScale asked;
+    asked.window_ = window;
+    asked.scale_ = asked.most_ = scale;
+    asked.isAsked_ = true;
+    return asked;
+}
+
 void DisplayScale::measure(int argc, char** argv) {
     qputenv("QT_SCALE_FACTOR", "1");
     // An application object takes what is its own out of the command line, which the next one shall see
@@ -53,12 +61,14 @@ void DisplayScale::measure(int argc, char** argv) {
 }
 
 bool DisplayScale::fits() {
-    if (isMeasured_) display_ = displaySize();
-    return display_ == displaySize();
+    const QSize display = displaySize();
+    if (isMeasured_) display_ = display;
+    if (isAsked_) return window_.width() <= display.width() && window_.height() <= display.height();
+    return display_ == display;
 }
 
 void DisplayScale::keep() const {
-    if (!isMeasured_) return;
+    if (!isMeasured_ || isAsked_) return;
     const QString figures = u"%1 %2 %3 %4 %5\n"_s.arg(window_.width())
                                 .arg(window_.height())
                                 .arg(scale_, 0, 'g', 17)

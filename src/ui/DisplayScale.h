@@ -14,6 +14,8 @@ class DisplayScale {
     explicit DisplayScale(QSize window) : DisplayScale(window, 0) {}
     /// The same for one that is shown no larger than `most`, and in whole quarters: they keep letters even.
     DisplayScale(QSize window, double most);
+    /// One that was asked for: it is taken as it is unless the window would not fit the display.
+    static DisplayScale asked(QSize window, double scale);
 
     /// False when the display has to be measured first.
     bool isKnown() const { return scale_ > 0; }
@@ -31,11 +33,14 @@ class DisplayScale {
     void keep() const;
 
   private:
+    DisplayScale() = default;
+
     QSize window_;
-    double most_;
+    double most_ = 0;
     double scale_ = 0;
     QSize display_;  ///< As Qt tells it at the scale.
     bool isMeasured_ = false;
+    bool isAsked_ = false;
 };
 
 }  // namespace ui

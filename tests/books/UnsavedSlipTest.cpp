@@ -52,6 +52,9 @@ TEST(UnsavedSlip, LastsFromTheFirstChangeToTheSave) {
     sales::deleteLine(key);
     sales::deleteLine({u"1002"_s, u"1"_s, u"0"_s});
     EXPECT_EQ(lines(), 0);
+    QStringList refused;
+    ASSERT_TRUE(sales::replaceLines({saleLine(u"1003"_s)}, &refused));
+    EXPECT_EQ(lines(), 1);
 }
 
 TEST(UnsavedSlip, KnowsTheContainersOfAVisit) {

@@ -88,6 +88,12 @@ TEST_F(CollectionEntryTest, GoesOnWithWhatWasKeyed) {
     // What exceeds the total was worked out from the old one.
     keyRecovery(kept.keyed, kept.keyed.total + Won(1));
     EXPECT_FALSE(goOn(kept, slip, changed));
+
+    // Containers worth all of the sale leave nothing to pay, until a line is added.
+    kept = {slip, changed.amounts, changed.amounts, std::nullopt};
+    keyRecovery(kept.keyed, kept.keyed.total);
+    device_.execute(u"UPDATE MTM SET YMoney = '570'"_s);
+    EXPECT_EQ(goOn(kept, slip, open())->unpaid, Won(70));
 }
 
 }  // namespace

@@ -13,10 +13,11 @@ TEST(Settings, GoodValuesAreTakenAndBadOnesTold) {
     test::TestDevice device;
     EXPECT_TRUE(readSettings().complaints.isEmpty()) << "no file, no complaint";
 
-    device.writeFile(u"\\rovana.conf",
-                     "# the van\n[printer]\ntype = serial\ndevice = /dev/ttyS7\nspeed=19200\ncut = Partial\n"
-                     "ksx1001 = yes\n[Reader]\ntype = evdev\ndevice = \"/dev/input/by-id/a b\"\ntrack2 = ;\n"
-                     "track3 = ;+\ntracks = 3\n[screen]\nscale = 1.5\n[sound]\non = no\n[log]\nkilobytes = 64\n");
+    device.writeFile(
+        u"\\rovana.conf",
+        "# the van\n[printer]\ntype = serial\ndevice = /dev/ttyS7\nspeed=19200\ncut = Partial\n"
+        "ksx1001 = yes\n[Reader]\ntype = evdev\ndevice = \"/dev/input/by-id/a b\"\ntrack2 = ;\n"
+        "track3 = ;+\ntracks = 3\n[screen]\nscale = 1.5\n[sound]\non = no\n[log]\nkilobytes = 64\n");
     Settings settings = readSettings();
     EXPECT_EQ(settings.complaints.join(u'\n').toStdString(), "");
     EXPECT_EQ(settings.printer.kind, PrinterSettings::Kind::Serial);

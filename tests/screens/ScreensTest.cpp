@@ -19,7 +19,6 @@
 #include "app/ClockCheck.h"
 #include "app/KeypadRequest.h"
 #include "app/Session.h"
-#include "app/UnsavedWork.h"
 #include "books/OpenPayments.h"
 #include "books/TransactionRecord.h"
 #include "platform/adoce/DatabaseFile.h"
@@ -309,10 +308,6 @@ QStringList longestMessages() {
     price.amounts = {most, most, most, most};
     price.prices.boxSupply = price.prices.boxVat = price.prices.bottleSupply = price.prices.bottleVat =
         9999999.5;
-    books::UnsavedSlip unsaved;
-    unsaved.gName = kLongName.toString();
-    unsaved.userId = u"A"_s;
-    unsaved.date = kDay.toString();
     return {
         books::refuseToPay(payment) + u" 지금 끝내려면 [외상처리]를 누르세요."_s,
         u"이미 승인된 결제가 있습니다..! %1 거래번호 : 000000000000  이 결제를 전표에 되돌릴까요?"_s.arg(
@@ -320,7 +315,6 @@ QStringList longestMessages() {
         sales::priceOrigin(price, -999, -999) + u"\n전표의 금액은 수정된 금액입니다."_s,
         app::clockProblem(u"2026-11-20", QDateTime(QDate(2026, 11, 21), QTime(9, 5)), u"2026-11-22 10:00"),
         app::newDay(kDay, QDateTime(QDate(2026, 11, 22), QTime(0, 5))),
-        app::describeUnsaved(unsaved, u"B", kDay),
         u"저장 공간이 가득 차서 저장할 수 없습니다..! 관리자에게 알려 주세요 : /home/salesman-of-the-second-"
         "branch/.local/share/rovana/second-terminal/My Documents"_s};
 }

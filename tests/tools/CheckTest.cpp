@@ -78,5 +78,14 @@ TEST_F(CheckTest, NamesEachDepartureFromTheTables) {
     }
 }
 
+TEST_F(CheckTest, LeavesASlipThatALoginOffers) {
+    makeDevice();
+    execute(u"INSERT INTO YTEMP DEFAULT VALUES; INSERT INTO UNSAVED VALUES ('YTEMP', 'A', '1')"_s);
+    EXPECT_TRUE(run({u"check"_s, u"--repair"_s}).out.contains(u"to user A at login"_s));
+    execute(u"UPDATE UNSAVED SET Changed = ''"_s);
+    EXPECT_TRUE(run({u"check"_s, u"--repair"_s}).out.contains(u"mended: YTEMP holds 1 rows"_s));
+    EXPECT_EQ(rows(u"SELECT count(*) FROM YTEMP"_s), QStringList{u"0"_s});
+}
+
 }  // namespace
 }  // namespace test

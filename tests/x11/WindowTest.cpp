@@ -41,7 +41,7 @@ class Display {
   public:
     Display() {
         server_.start(u"Xvfb"_s, {u"-displayfd"_s, u"1"_s, u"-screen"_s, u"0"_s, u"400x400x24"_s,
-                                  u"-nolisten"_s, u"tcp"_s});
+                                  u"-nolisten"_s, u"tcp"_s, u"-noreset"_s});
         while (server_.state() != QProcess::NotRunning && !server_.canReadLine() &&
                server_.waitForReadyRead(kPatienceMs)) {
         }
@@ -82,10 +82,11 @@ TEST_P(Window, IsWorked) {
     environment.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
     terminal.setProcessEnvironment(environment);
     terminal.setProcessChannelMode(QProcess::MergedChannels);
+    // Larger than the display, which it is shrunk to: else the pointer would miss half of it.
     terminal.start(tool + u"/test_x11"_s,
                    {QString::fromLatin1(kPlay.data()),
                     QStringLiteral(ROVANA_TESTS_DIR "/x11/") + QString::fromLatin1(GetParam()) + u".visit"_s,
-                    u"--device"_s, device, u"--scale"_s, u"1"_s});
+                    u"--device"_s, device, u"--scale"_s, u"3"_s});
     EXPECT_TRUE(terminal.waitForFinished(kPatienceMs));
     EXPECT_EQ(terminal.exitCode(), 0) << terminal.readAll().toStdString();
 }

@@ -83,8 +83,11 @@ void Judge::screen(const Page& before, const Event& event) {
             goneOn(event);
             break;
         case OpenCollection:
-            hadKeyedSales_ = hasKeyedSales_;
-            hadKeyedRecovery_ = hasKeyedRecovery_;
+            hadKeyedSales_ = hasKeyedSales_ || wasKeyedSales_;
+            hadKeyedRecovery_ = hasKeyedRecovery_ || wasKeyedRecovery_;
+            // What was keyed before it was saved counts too, when that is taken back.
+            wasKeyedSales_ = keyedSales_.contains(event.visit);
+            wasKeyedRecovery_ = keyedRecovery_.contains(event.visit);
             hadTakenWorth_ = hasTakenWorth_;
             before_ = left_;
             hasKeyedSales_ = hasKeyedRecovery_ = hasTakenWorth_ = false;

@@ -166,7 +166,8 @@ class Judge {
     std::set<Visit> keyedSales_, keyedRecovery_, byCollectionWork_;
     bool hasKeyedSales_ = false, hasKeyedRecovery_ = false, hasTakenWorth_ = false;  ///< on the screen
     bool hadKeyedSales_ = false, hadKeyedRecovery_ = false, hadTakenWorth_ = false;  ///< the time before
-    Amounts left_;  ///< What the collection screen showed last.
+    bool wasKeyedSales_ = false, wasKeyedRecovery_ = false;  ///< on the saved one as it opened
+    Amounts left_;                                           ///< What the collection screen showed last.
     Amounts before_;
     std::map<Visit, Replaced> replacing_;
     std::map<std::string, Won> totals_;                     ///< of the sale, when its payment was sent
