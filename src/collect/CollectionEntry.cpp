@@ -4,6 +4,8 @@
 
 namespace collect {
 
+using platform::Won;
+
 OpenedEntry openEntry(const books::SlipIdentity& slip) {
     OpenedEntry entry;
     entry.gCode = slip.gCode;
@@ -30,11 +32,14 @@ OpenedEntry openEntry(const books::SlipIdentity& slip) {
 }
 
 std::optional<books::SettlementAmounts> goOn(const books::KeptSettlement& kept,
-                                             const books::SlipIdentity& slip, const OpenedEntry& entry) {
-    if (kept.slip != slip) return std::nullopt;
+                                             const books::SlipIdentity& slip, const OpenedEntry& entry,
+                                             std::optional<Won> recovery) {
+    if (kept.slip != slip || kept.recovery != recovery) return std::nullopt;
     if (kept.opened == entry.amounts) return kept.keyed;
     const books::SettlementAmounts& keyed = kept.keyed;
     books::SettlementAmounts amounts = entry.amounts;
+    // What containers are worth comes anew from their slip.
+    if (recovery.value_or(Won()) != Won()) return std::nullopt;
     if (entry.saved || keyed.containerRecovery > keyed.total || keyed.containerRecovery > amounts.total)
         return std::nullopt;
     amounts.nonLiquor = keyed.nonLiquor;

@@ -74,26 +74,27 @@ TEST_F(CollectionEntryTest, GoesOnWithWhatWasKeyed) {
     keySales(kept.keyed, Won(20000));
     settleInCash(kept.keyed);
     keyEarlierReceivable(kept.keyed, Won(700));
-    EXPECT_EQ(goOn(kept, slip, open()), kept.keyed);
-    EXPECT_FALSE(goOn(kept, {slip.date, slip.junNo, slip.userId, u"0002"_s}, open(u"0002"_s)));
+    EXPECT_EQ(goOn(kept, slip, open(), std::nullopt), kept.keyed);
+    EXPECT_FALSE(goOn(kept, {slip.date, slip.junNo, slip.userId, u"0002"_s}, open(u"0002"_s), std::nullopt));
+    EXPECT_FALSE(goOn(kept, slip, open(), Won(6000))) << "containers came back meanwhile";
 
     // A line less: what was keyed of the sale goes with it, and cash pays what there is now.
     device_.execute(u"DELETE FROM MTM WHERE PCode = '1002'"_s);
     const OpenedEntry changed = open();
-    const auto amounts = goOn(kept, slip, changed);
+    const auto amounts = goOn(kept, slip, changed, std::nullopt);
     ASSERT_TRUE(amounts);
     EXPECT_EQ(amounts->total, changed.amounts.total);
     EXPECT_EQ(amounts->cash, changed.amounts.total);
     EXPECT_EQ(amounts->earlierReceivable, Won(700));
     // What exceeds the total was worked out from the old one.
     keyRecovery(kept.keyed, kept.keyed.total + Won(1));
-    EXPECT_FALSE(goOn(kept, slip, changed));
+    EXPECT_FALSE(goOn(kept, slip, changed, std::nullopt));
 
     // Containers worth all of the sale leave nothing to pay, until a line is added.
     kept = {slip, changed.amounts, changed.amounts, std::nullopt};
     keyRecovery(kept.keyed, kept.keyed.total);
     device_.execute(u"UPDATE MTM SET YMoney = '570'"_s);
-    EXPECT_EQ(goOn(kept, slip, open())->unpaid, Won(70));
+    EXPECT_EQ(goOn(kept, slip, open(), std::nullopt)->unpaid, Won(70));
 }
 
 }  // namespace

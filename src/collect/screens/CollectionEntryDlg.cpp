@@ -150,7 +150,10 @@ void CCollectionEntryDlg::goOnWithKept(const OpenedEntry& entry) {
     app::ActionValues& action = app::session().action;
     const auto before = std::exchange(action.KeptSettlement, std::nullopt);
     if (!before || isApproved_ || isSimplePayment_) return;
-    const auto goneOn = goOn(*before, identity(), entry);
+    const auto worth = action.ContainerRecovery ? action.ContainerRecovery
+                                                : books::savedRecovery(kept_.slip.date, kept_.slip.junNo,
+                                                                       kept_.slip.userId, kept_.slip.gCode);
+    const auto goneOn = goOn(*before, identity(), entry, worth);
     if (!goneOn) return;
     amounts_ = *goneOn;
     // The containers are in it already, or another amount was keyed for them.

@@ -56,8 +56,8 @@ void Terminal::loadEntry(unsigned pick) {
     if (isMoved && !amounts_.total.isZero()) collect::keyRecovery(amounts_, amounts_.containerRecovery);
     tell(event(Event::Kind::OpenCollection));
     opened_ = {{date_, number_, user_, customer_}, entry.amounts, {}, std::nullopt};
-    goOnWithKept(entry);
     opened_.recovery = recovery;
+    goOnWithKept(entry);
     if (recovery == amounts_.containerRecovery || (isHandedOver && recovery == keptRecovery_))
         recovery.reset();
     const bool isAsked = recovery && !isHandedOver && saved;
@@ -75,7 +75,7 @@ void Terminal::goOnWithKept(const collect::OpenedEntry& entry) {
     const auto before = std::exchange(kept_, std::nullopt);
     keptRecovery_.reset();
     if (!before || isApproved_ || isSimple_) return;
-    const auto goneOn = collect::goOn(*before, opened_.slip, entry);
+    const auto goneOn = collect::goOn(*before, opened_.slip, entry, opened_.recovery);
     if (!goneOn) return;
     amounts_ = *goneOn;
     keptRecovery_ = before->recovery;
