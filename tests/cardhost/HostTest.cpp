@@ -2,7 +2,6 @@
 
 #include <QDateTime>
 #include <QFile>
-#include <QProcess>
 #include <QTcpSocket>
 
 #include "desk/demo/DemoCards.h"
@@ -105,36 +104,6 @@ TEST_F(HostTest, RefusalsChargeNothingAndTheNextPaymentIsApproved) {
     EXPECT_EQ(balance(u"good"), u"100000000");
 }
 
-TEST_F(HostTest, TheSummaryIsTheLedgersForTerminalAndDay) {
-    host.start({u"--clock"_s, u"2026-11-21 18:30"_s});
-    const auto summary = [&](QStringView day) {
-        EXPECT_EQ(terminal.summary(day), kDone);
-        EXPECT_EQ(terminal.run(host.port()), QString::fromLatin1(kGood));
-        QStringList texts;
-        for (const int field : {1102, 1115, 1116, 1117, 1118, 1119, 1120, 1121, 1122, 1123, 1124})
-            texts << terminal.field(field);
-        return texts.join(u' ');
-    };
-    EXPECT_EQ(summary(u"20261121"), u"0000 0 0 0 0 0 0 0 0 0 ");
-    pay(u"good", u"11000");
-    pay(u"second", u"20000");
-    pay(u"poor", u"20000");
-    ASSERT_EQ(terminal.payment(cardData(u"good"), password(u"good"), u"7000", u"0150"), kDone);
-    terminal.run(host.port());
-    EXPECT_EQ(terminal.field(1102), u"0000") << "cash is entered";
-    EXPECT_EQ(terminal.field(1107), u"99989000") << "and moves no account";
-    EXPECT_EQ(summary(u"20261121"),
-              u"0000 2 20000 2000 1000 1000 31000 46 30954 2 000000000001 183000 11000\n000000000002 183000 "
-              u"20000\n")
-        << "card payments only";
-    EXPECT_EQ(summary(u"20261120"), u"0000 0 0 0 0 0 0 0 0 0 ") << "another day";
-    ASSERT_TRUE(writeSavedValues({{u"101"_s, u"4712"_s}}));
-    EXPECT_EQ(summary(u"20261121"), u"0000 0 0 0 0 0 0 0 0 0 ") << "another terminal";
-    ASSERT_EQ(terminal.previous(), kDone);
-    terminal.run(host.port());
-    EXPECT_EQ(terminal.field(1102), u"0016") << "another terminal has paid nothing";
-}
-
 // What the terminal reports, whether an answer counts, and whether the host has charged.
 TEST_F(HostTest, EveryFaultIsADefinedEventAndLeavesNothingBehind) {
     Component::setTimeOutUnit(std::chrono::milliseconds(20));
@@ -179,21 +148,6 @@ TEST_F(HostTest, ALateAnswerDoesNotReachTheNextExchange) {
     EXPECT_EQ(pay(u"good", u"1000", 1), QString::fromLatin1(kBroken));
     EXPECT_EQ(pay(u"second", u"2000", 20), QString::fromLatin1(kGood)) << "sent before the first answer came";
     EXPECT_EQ(terminal.field(1104), u"2000");
-}
-
-struct Ended {
-    int exitCode;
-    QByteArray out;
-    QByteArray err;
-};
-
-Ended runHost(const QStringList& arguments, const QByteArray& input = {}) {
-    QProcess process;
-    process.start(cardhost::StartedHost::program(), arguments);
-    process.write(input);
-    process.closeWriteChannel();
-    EXPECT_TRUE(process.waitForFinished(20'000));
-    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
 }
 
 /// A connection to the host that sends what it likes.
@@ -344,33 +298,6 @@ TEST_F(HostTest, TellsWhatBecameOfAPaymentAndRefusesOneThatItDeclaredUnknown) {
     }
 }
 
-TEST_F(HostTest, NonsenseClosesItsConnectionOnly) {
-    host.start();
-    const Request request(u"1000");
-    const QByteArray frame = request.frame();
-    QByteArray changed = frame;
-    changed.back() = char(changed.back() ^ 1);
-    Frame renumbered{FrameKind::Request, makeMessageNumber(), frame.mid(22)};
-    const QByteArray cases[] = {
-        "GET / HTTP/1.1\r\n\r\n",
-        changed,
-        encodeFrame(renumbered),
-        encodeFrame({FrameKind::Reply, request.number, frame.mid(22)}),
-        encodeFrame({FrameKind::Request, request.number, {}}),
-    };
-    for (const QByteArray& bytes : cases) {
-        Wire wire(host.port());
-        wire.send(bytes);
-        EXPECT_TRUE(wire.isClosed()) << bytes.left(30).toHex().constData();
-        EXPECT_TRUE(wire.socket.readAll().isEmpty());
-    }
-    Wire cut(host.port());
-    cut.send(frame.first(frame.size() - 1));
-    cut.socket.disconnectFromHost();
-    EXPECT_EQ(pay(u"good"), QString::fromLatin1(kGood));
-    EXPECT_EQ(balance(u"good"), u"99989000") << "none of it was charged";
-}
-
 TEST_F(HostTest, OnlyAnEnrolledTerminalGetsAnAnswer) {
     host.start();
     const Request good(u"1000");
@@ -390,44 +317,7 @@ TEST_F(HostTest, OnlyAnEnrolledTerminalGetsAnAnswer) {
     for (const char* text : {"terminal 99 is not signed", "terminal 97 is not enrolled", "names no terminal"})
         EXPECT_TRUE(said.contains(text)) << text;
 
-    // Enrolled while the host runs, and forgotten again.
-    const QString key = QString::fromLatin1(QByteArrayView(good.signer.publicKey).toByteArray().toHex());
-    const QStringList folder{u"--dir"_s, host.folder()};
-    EXPECT_EQ(runHost(QStringList{u"enrol"_s, u"--terminal"_s, u"97"_s, u"--key"_s, key} + folder).exitCode,
-              0);
-    EXPECT_EQ(runHost(QStringList{u"terminals"_s} + folder).out,
-              "0000000001\n4711\n4712\n4713\n97\n98\n99\n");
-    {
-        Wire wire(host.port());
-        wire.send(unknown.frame());
-        EXPECT_EQ(unknown.open(wire.receive()).text(1102), u"0000");
-        EXPECT_EQ(runHost(QStringList{u"forget"_s, u"--terminal"_s, u"97"_s} + folder).exitCode, 0);
-        EXPECT_EQ(runHost(QStringList{u"forget"_s, u"--terminal"_s, u"97"_s} + folder).exitCode, 1);
-        wire.send(unknown.frame());
-        EXPECT_TRUE(wire.isClosed()) << "also on a connection that was good";
-    }
-    EXPECT_EQ(balance(u"good"), u"99999000") << "none of the others was charged";
-}
-
-TEST_F(HostTest, CardsAreEnteredFromStandardInput) {
-    const QStringList folder{u"--dir"_s, host.folder()};
-    const QStringList amounts{u"--balance"_s, u"50000"_s, u"--limit"_s, u"60000"_s};
-    const QByteArray track =
-        ";01"
-        "9409119999999999"
-        "=" +
-        QByteArray(85, '5') + "?";
-    EXPECT_EQ(runHost(QStringList{u"card"_s} + folder + amounts, track + "\n12345\n").exitCode, 1);
-    const Ended entered = runHost(QStringList{u"card"_s} + folder + amounts, track + "\n5678\n");
-    EXPECT_EQ(entered.exitCode, 0) << entered.err.constData();
-    EXPECT_EQ(runHost(QStringList{u"cards"_s} + folder).out, "940911******9999\t50000\t60000\n");
-
-    host.start();
-    const QString data = QString::fromLatin1(track).mid(1, 104);
-    ASSERT_EQ(terminal.payment(data, u"5678", u"50000"), kDone);
-    terminal.run(host.port());
-    EXPECT_EQ(terminal.field(1102), u"0000");
-    EXPECT_EQ(terminal.field(1107), u"0");
+    EXPECT_EQ(balance(u"good"), u"100000000") << "none of them was charged";
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include "platform/message/Fields.h"
 #include "platform/message/Frame.h"
 #include "platform/message/Seal.h"
 #include "rovana-cardhost/HostSeal.h"
@@ -13,7 +12,6 @@ using namespace Qt::Literals::StringLiterals;
 using namespace cardhost;
 using namespace platform::message;
 using platform::SecureBytes;
-using Result = FrameReader::Result;
 
 Frame frameOf(unsigned char number, const QByteArray& sealed, FrameKind kind = FrameKind::Reply) {
     Frame frame{kind, {}, sealed};
@@ -35,58 +33,8 @@ TEST(FrameTest, HasTheDocumentedLayout) {
     EXPECT_EQ(encodeFrame(frameOf(1, QByteArray(kFrameLimit - 22, 'x'))).size(), kFrameLimit);
 }
 
-TEST(FrameTest, FaultsAreToldAtTheFirstByteThatShowsThem) {
-    const struct {
-        const char* bytes;
-        Result result;
-    } cases[] = {
-        {"", Result::Incomplete},
-        {"0000fffd", Result::Oversized},
-        {"0000fffc", Result::Incomplete},
-        {"00000011", Result::TooShort},
-        {"00000012", Result::Incomplete},
-        {"0000001201", Result::UnknownVersion},
-        {"000000120203", Result::UnknownKind},
-        {"000000120202", Result::Incomplete},
-    };
-    for (const auto& [bytes, result] : cases) {
-        FrameReader reader;
-        reader.add(hex(bytes));
-        Frame frame;
-        EXPECT_EQ(reader.next(&frame), result) << bytes;
-        reader.add(encodeFrame(frameOf(1, "x")));
-        if (result != Result::Incomplete) {
-            EXPECT_EQ(reader.next(&frame), result) << bytes << " and a frame";
-        }
-    }
-}
-
 SecureBytes secure(const QByteArray& bytes) {
     return SecureBytes(bytes.begin(), bytes.end());
-}
-
-TEST(FieldsTest, RoundTripKeepsEveryText) {
-    FieldWriter writer;
-    writer.add(1, u"JB");
-    writer.add(1203, u"정상처리");
-    writer.add(65535, u"");
-    EXPECT_EQ(QByteArrayView(writer.bytes()).first(6).toByteArray(), hex("000100024a42"));
-    const auto fields = Fields::parse(writer.bytes());
-    ASSERT_TRUE(fields);
-    EXPECT_EQ(fields->text(1), u"JB");
-    EXPECT_EQ(fields->text(1203), u"정상처리");
-    EXPECT_TRUE(fields->has(65535));
-    EXPECT_EQ(fields->text(2), u"");
-}
-
-TEST(FieldsTest, BrokenFieldsAreNone) {
-    for (const char* bytes : {"00", "000100", "00010001", "0001000241", "000100014100",
-                              "00010000"
-                              "00010000",
-                              "00010001ff", "00010003eda080", "0001ffff41"}) {
-        EXPECT_FALSE(Fields::parse(secure(hex(bytes)))) << bytes;
-    }
-    EXPECT_TRUE(Fields::parse({}));
 }
 
 class SealTest : public ::testing::Test {
@@ -128,16 +76,6 @@ TEST_F(SealTest, OnlyTheHostReadsARequest) {
     EXPECT_FALSE(openRequest(sealed, stranger));
     EXPECT_FALSE(sealRequest(number, terminal.publicKey, fields, PublicKey{}, signer))
         << "a key that is none";
-}
-
-TEST_F(SealTest, OnlyTheHostsReplyToThisRequestCounts) {
-    const QByteArray sealed = *sealReply(number, fields, terminal.publicKey, host);
-    EXPECT_EQ(openReply(sealed, number, host.publicKey, terminal.secretKey), fields);
-    EXPECT_FALSE(openReply(sealed, makeMessageNumber(), host.publicKey, terminal.secretKey));
-    EXPECT_FALSE(openReply(sealed, number, stranger.publicKey, terminal.secretKey));
-    EXPECT_FALSE(openReply(sealed, number, host.publicKey, stranger.secretKey));
-    const QByteArray forged = *sealReply(number, fields, terminal.publicKey, stranger);
-    EXPECT_FALSE(openReply(forged, number, host.publicKey, terminal.secretKey));
 }
 
 }  // namespace

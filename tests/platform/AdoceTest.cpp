@@ -81,33 +81,6 @@ TEST_F(AdoceTest, SpeaksTheDialectOfTheHandheld) {
     }
 }
 
-// A statement is known again by its text, whatever came in between and whatever its values were.
-TEST_F(AdoceTest, ManyStatementsTakeTurns) {
-    for (int round = 0; round < 3; ++round) {
-        for (int columns = 0; columns < 12; ++columns) {
-            const QString key = u"%1-%2"_s.arg(round).arg(columns);
-            const QString name = columns % 2 == 0 ? u"진로"_s : u"cass"_s;
-            const QString more = u" AND 'x' = 'x'"_s.repeated(columns);
-            EXPECT_EQ(
-                run(u"INSERT INTO TEMP (PCode,PName) SELECT '%1','%2' WHERE 1 = 1"_s.arg(key, name) + more),
-                kOk);
-            EXPECT_EQ(column(u"SELECT PName FROM TEMP WHERE PCode = '%1'"_s.arg(key) + more),
-                      QStringList(name));
-        }
-    }
-}
-
-TEST_F(AdoceTest, FailuresAreTracedWithoutValues) {
-    test::RecordedTraces traces;
-    for (const QString& sql : {u"SELECT * FROM NOTABLE WHERE userPASS = 'geheim'"_s,
-                               u"SELECT * FROM PDAUSER WHERE userPASS = 'ge'heim'"_s}) {
-        EXPECT_TRUE(failed(run(sql)));
-        const QStringList told = traces.take();
-        ASSERT_EQ(told.size(), 1) << sql.toStdString();
-        EXPECT_FALSE(told[0].contains(u"heim"_s)) << told[0].toStdString();
-    }
-}
-
 TEST_F(AdoceTest, OnlyAnExistingDatabaseOpens) {
     const QString missing = device.folder() + u"/missing.cdb"_s;
     const QString garbage = device.folder() + u"/garbage.cdb"_s;

@@ -8,7 +8,6 @@
 #include <unistd.h>
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QImage>
 #include <csignal>
@@ -16,7 +15,6 @@
 #include "platform/termdev/EscPos.h"
 #include "platform/termdev/PrintQueue.h"
 #include "platform/termdev/TermDev.h"
-#include "support/Openings.h"
 #include "support/PrintQt.h"
 #include "support/Pump.h"
 #include "support/RecordedTraces.h"
@@ -190,31 +188,6 @@ TEST_F(Printers, JobsWaitForAPrinterInOrder) {
     ::close(reader);
 }
 
-TEST_F(Printers, OneThatIsAwayIsTriedLessAndLessOftenAndAtOnceForTheUser) {
-    test::needApplication();
-    PrinterSettings settings = fileSettings();
-    settings.kind = PrinterSettings::Kind::Serial;  // Which a plain file is not.
-    test::Openings tries(settings.device);
-    {
-        PrintQueue queue(settings, kQuick);
-        QElapsedTimer waited;
-        waited.start();
-        EXPECT_TRUE(queue.add("job\n"));
-        EXPECT_TRUE(test::pump([&] { return tries.count() >= 5; }));
-        EXPECT_GE(waited.elapsed(), (20 + 40 + 80 + 80) * 9 / 10);
-    }
-    PrintQueue::Times hourly = kQuick;
-    hourly.retry = hourly.longest = hourly.look = 3'600'000;
-    settings.kind = PrinterSettings::Kind::File;
-    settings.device = file(u"absent"_s);
-    PrintQueue queue(settings, hourly);
-    EXPECT_TRUE(queue.add("one\n"));
-    EXPECT_EQ(queue.status().state, State::Fault);
-    device_.writeFile(u"\\absent", {});
-    EXPECT_TRUE(queue.add("two\n"));
-    EXPECT_TRUE(test::pump([&] { return queue.status().state == State::Ready; }));
-}
-
 TEST_F(Printers, ASerialLineIsSetUpAndCarriesEveryByte) {
     test::needApplication();
     int master = -1;
@@ -348,7 +321,6 @@ TEST_F(Printers, ANetworkPrinterMayStopAndBreakOff) {
     queue = std::make_unique<PrintQueue>(printer.settings(), kQuick);
     paper = paperUntilReady(*queue, [&] { return printer.read(); });
     EXPECT_EQ(paper, "\nlate\n");
-
 }
 
 TEST_F(Printers, JobsOutliveTheProgram) {

@@ -4,7 +4,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <QElapsedTimer>
 #include <QFile>
 
 #include "platform/termdev/CardReader.h"
@@ -12,7 +11,6 @@
 #include "platform/termdev/Keystrokes.h"
 #include "platform/termdev/Swipe.h"
 #include "support/MemorySearch.h"
-#include "support/Openings.h"
 #include "support/Pump.h"
 #include "support/RecordedTraces.h"
 #include "support/TestDevice.h"

@@ -1,13 +1,11 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
-#include <QImage>
 #include <QStringList>
 
 #include "platform/Trace.h"
 #include "platform/termdev/PaperRoll.h"
 #include "platform/termdev/TermDev.h"
-#include "support/Pump.h"
 #include "support/Roll.h"
 #include "support/TestDevice.h"
 
@@ -20,26 +18,12 @@ class Roll : public testing::Test {
   protected:
     Roll() { setPrinter(nullptr); }
 
-    QImage picture() const { return QImage(device_.folder() + u"/roll.png"_s); }
-
-    /// Rows with ink among the dots of `image` from `top` on.
-    static int inkedRows(const QImage& image, int top, int height) {
-        int rows = 0;
-        for (int y = top; y < top + height; ++y) {
-            bool hasInk = false;
-            for (int x = 0; x < image.width(); ++x) hasInk = hasInk || qGray(image.pixel(x, y)) < 128;
-            rows += hasInk;
-        }
-        return rows;
-    }
-
     /// One job of the given prints through the roll itself.
-    static void print(std::initializer_list<QStringView> texts, int feed = 0) {
+    static void print(std::initializer_list<QStringView> texts) {
         PaperRoll roll;
         roll.open();
         roll.initialise();
         for (const QStringView text : texts) roll.print(text);
-        if (feed > 0) roll.feed(feed);
         roll.close();
     }
 
@@ -73,39 +57,6 @@ TEST_F(Roll, TextFollowsThePaper) {
         EXPECT_EQ(test::rollText().toStdString(), entry.paper.toStdString())
             << QString::fromUtf16(entry.what).toStdString();
     }
-}
-
-TEST_F(Roll, PictureGoesOnAndKeepsTheEnd) {
-    test::needApplication();
-    print({u"첫째\n"});
-    const QImage first = picture();
-    print({u"둘째\n"});
-    EXPECT_EQ(picture().copy(0, 0, 384, kLineDots), first.convertToFormat(picture().format()));
-    EXPECT_EQ(picture().height(), 2 * kLineDots);
-
-    device_.writeFile(u"\\roll.png", "no picture");
-    print({u"셋째\n"});
-    EXPECT_EQ(picture().height(), kLineDots) << "a spoilt picture starts anew";
-
-    print({u"끝\n"}, kRollDots / kLineDots + 1);
-    print({u"끝\n"});
-    EXPECT_EQ(picture().height(), kRollDots);
-    EXPECT_GT(inkedRows(picture(), kRollDots - kLineDots, kLineDots), 10);
-    EXPECT_EQ(inkedRows(picture(), 0, kRollDots - kLineDots), 0) << "the oldest paper goes first";
-}
-
-TEST_F(Roll, TextTurnsOverAtItsLimit) {
-    for (int job = 0; job < 10; ++job) {
-        PaperRoll roll(40);
-        roll.open();
-        roll.print(u"job %1 ---------\n"_s.arg(job));
-        roll.close();
-        ASSERT_LE(test::rollText().size(), 40);
-    }
-    QFile older(device_.folder() + u"/roll.txt.1"_s);
-    ASSERT_TRUE(older.open(QIODevice::ReadOnly));
-    EXPECT_EQ(older.readAll() + test::rollText().toUtf8(),
-              "job 6 ---------\njob 7 ---------\njob 8 ---------\njob 9 ---------\n");
 }
 
 TEST_F(Roll, FailureIsTracedOnly) {

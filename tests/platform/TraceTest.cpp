@@ -58,14 +58,5 @@ TEST_F(TraceTest, LogTurnsOverAtItsLimit) {
     }
 }
 
-TEST_F(TraceTest, LogGoesOnAfterARestartAndEndsEveryLine) {
-    ASSERT_TRUE(openLog());
-    trace(u"고객 without a line end");
-    ASSERT_TRUE(openLog());
-    trace(u"with one\n");
-    EXPECT_EQ(contentOf(log()), QByteArray("2004-03-02 09:30:00.000 고객 without a line end\n"
-                                           "2004-03-02 09:30:00.000 with one\n"));
-}
-
 }  // namespace
 }  // namespace platform
