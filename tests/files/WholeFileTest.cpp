@@ -6,11 +6,11 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
-#include <thread>
-#include <vector>
+#include <cerrno>
+#include <cstring>
 
+#include "support/FullDisk.h"
 #include "support/PrintQt.h"
-#include "support/SystemCalls.h"
 
 namespace test {
 namespace {
@@ -31,25 +31,16 @@ class WholeFileTest : public ::testing::Test {
     QString path = folder.filePath(u"a.txt"_s);
 };
 
-TEST_F(WholeFileTest, IsOnTheDiskBeforeItHasItsName) {
-    const QStringList order{u"write a.txt.unfinished"_s, u"sync a.txt.unfinished"_s, u"rename a.txt"_s,
-                            u"sync ."_s};
-    SystemCalls calls(folder.path());
+TEST_F(WholeFileTest, IsAsItWasWhenTheDiskIsFull) {
     ASSERT_TRUE(writeWholeFile(path, "old"));
-    EXPECT_EQ(calls.take(), order);
-    for (int failing = 0; failing < order.size(); ++failing) {
-        calls.failAt(failing);
-        QString error;
-        EXPECT_FALSE(writeWholeFile(path, "new", &error)) << failing;
-        EXPECT_EQ(error, QString::fromLocal8Bit(std::strerror(EIO)));
-        EXPECT_EQ(names(), QStringList{u"a.txt"_s}) << order[failing].toStdString();
-        // A folder that is not on the disk yet holds the new file all the same.
-        EXPECT_EQ(content(), failing == order.size() - 1 ? "new" : "old");
-        calls.take();
+    QString error;
+    {
+        const FullDisk full(1);
+        EXPECT_FALSE(writeWholeFile(path, "new", &error));
     }
-    calls.shortenWrites(3);
-    ASSERT_TRUE(writeWholeFile(path, "in three"));
-    EXPECT_EQ(content(), "in three");
+    EXPECT_EQ(error, QString::fromLocal8Bit(std::strerror(EFBIG)));
+    EXPECT_EQ(names(), QStringList{u"a.txt"_s});
+    EXPECT_EQ(content(), "old");
 }
 
 TEST_F(WholeFileTest, ReplacesKeepsAndFollowsWhatIsThere) {
@@ -80,23 +71,6 @@ TEST_F(WholeFileTest, ReplacesKeepsAndFollowsWhatIsThere) {
     EXPECT_EQ(content(), "three");
     EXPECT_FALSE(writeWholeFile(folder.filePath(u"no folder/c"_s), "c"));
     EXPECT_EQ(names().size(), 3);
-}
-
-TEST_F(WholeFileTest, ManyWritersLeaveOneOfTheirContents) {
-    constexpr int kWriters = 4;
-    constexpr qsizetype kBytes = 20'000;
-    std::vector<std::thread> writers;
-    for (int writer = 0; writer < kWriters; ++writer) {
-        writers.emplace_back([this, writer] {
-            for (int i = 0; i < 20; ++i)
-                EXPECT_TRUE(writeWholeFile(path, QByteArray(kBytes + writer, char('a' + writer))));
-        });
-    }
-    for (std::thread& writer : writers) writer.join();
-    const QByteArray last = content();
-    ASSERT_GE(last.size(), kBytes);
-    EXPECT_EQ(last, QByteArray(kBytes + (last[0] - 'a'), last[0]));
-    EXPECT_EQ(names(), QStringList{u"a.txt"_s});
 }
 
 }  // namespace

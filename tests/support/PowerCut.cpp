@@ -41,34 +41,11 @@ QByteArray readAll(const QString& path) {
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-/// Moves the name and all below it; nothing when it is not there or the new name is taken by a folder in use.
 void rename(DiskState& state, const QByteArray& from, const QByteArray& to) {
-    if (const auto file = state.names.find(from); file != state.names.end()) {
-        state.names[to] = file->second;
-        state.names.erase(from);
-        return;
-    }
-    const QByteArray below = to + '/';
-    const bool isUsed =
-        std::ranges::any_of(state.names, [&](const auto& each) { return each.first.startsWith(below); });
-    if (!state.folders.contains(from) || isUsed) return;
-    const auto moved = [&](const QByteArray& path) { return to + path.mid(from.size()); };
-    const auto isBelow = [&](const QByteArray& path) { return path == from || path.startsWith(from + '/'); };
-    DiskState after = state;
-    for (const QByteArray& folder : state.folders) {
-        if (isBelow(folder)) after.folders.erase(folder), after.folders.insert(moved(folder));
-    }
-    for (const auto& [name, file] : state.names) {
-        if (isBelow(name)) after.names.erase(name), after.names[moved(name)] = file;
-    }
-    state = std::move(after);
-}
-
-void remove(DiskState& state, const QByteArray& path) {
-    const bool isUsed =
-        std::ranges::any_of(state.names, [&](const auto& each) { return each.first.startsWith(path + '/'); });
-    state.names.erase(path);
-    if (!isUsed) state.folders.erase(path);
+    const auto file = state.names.find(from);
+    if (file == state.names.end()) return;
+    state.names[to] = file->second;
+    state.names.erase(from);
 }
 
 void write(QByteArray& content, const QByteArray& bytes, qint64 at) {
@@ -92,7 +69,8 @@ void apply(const Call& call, DiskState& state) {
         case Kind::Rename:
             return rename(state, call.path, call.to);
         case Kind::Remove:
-            return remove(state, call.path);
+            state.names.erase(call.path);
+            return;
         case Kind::MakeFolder:
             state.folders.insert(call.path);
             return;

@@ -5,36 +5,12 @@
 #include <unistd.h>
 
 #include <QByteArray>
-#include <QDir>
-#include <QFile>
 #include <algorithm>
-#include <cerrno>
 #include <cstdarg>
-#include <string_view>
 
 namespace {
 
-struct Watch {
-    QByteArray folder;
-    QStringList calls;
-    int failing = -1;
-    qsizetype mostBytes = 0;  ///< 0 for any number.
-};
-Watch* watch = nullptr;
 test::CallObserver* observer = nullptr;
-
-using test::pathOfDescriptor;
-
-/// Notes the call; false when it is to fail.
-bool note(const char* call, const QByteArray& path) {
-    if (watch == nullptr || !(path + '/').startsWith(watch->folder + '/') || path.contains(".cdb"))
-        return true;
-    const QString name = QDir(QFile::decodeName(watch->folder)).relativeFilePath(QFile::decodeName(path));
-    watch->calls << QString::fromLatin1(call) + QChar(u' ') + name;
-    if (watch->failing < 0 || watch->failing-- > 0) return true;
-    errno = EIO;
-    return false;
-}
 
 }  // namespace
 
@@ -42,12 +18,6 @@ bool note(const char* call, const QByteArray& path) {
 extern "C" {
 
 ssize_t write(int descriptor, const void* bytes, size_t size) {
-    if (watch != nullptr) {
-        const QByteArray path = pathOfDescriptor(descriptor);
-        if (!note("write", path)) return -1;
-        if (watch->mostBytes > 0 && path.startsWith(watch->folder + '/'))
-            size = std::min(size, size_t(watch->mostBytes));
-    }
     if (observer == nullptr) return ssize_t(::syscall(SYS_write, descriptor, bytes, size));
     const bool isAppended = (::fcntl(descriptor, F_GETFL) & O_APPEND) != 0;
     const off_t at = ::lseek(descriptor, 0, isAppended ? SEEK_END : SEEK_CUR);
@@ -57,7 +27,6 @@ ssize_t write(int descriptor, const void* bytes, size_t size) {
 }
 
 int fsync(int descriptor) {
-    if (watch != nullptr && !note("sync", pathOfDescriptor(descriptor))) return -1;
     const int result = int(::syscall(SYS_fsync, descriptor));
     if (result == 0 && observer != nullptr) observer->synced(descriptor);
     return result;
@@ -105,7 +74,6 @@ int open64(const char* path, int flags, ...) {
 }
 
 int renameat2(int fromFolder, const char* from, int toFolder, const char* to, unsigned flags) noexcept {
-    if (!note("rename", to)) return -1;
     const int result = int(::syscall(SYS_renameat2, fromFolder, from, toFolder, to, flags));
     if (result == 0 && observer != nullptr) observer->renamed(from, to);
     return result;
@@ -115,7 +83,6 @@ int rename(const char* from, const char* to) noexcept {
 }
 
 int unlink(const char* path) noexcept {
-    if (!note("remove", path)) return -1;
     const int result = int(::syscall(SYS_unlinkat, AT_FDCWD, path, 0));
     if (result == 0 && observer != nullptr) observer->removed(path);
     return result;
@@ -144,29 +111,6 @@ QByteArray pathOfDescriptor(int descriptor) {
     const QByteArray link = "/proc/self/fd/" + QByteArray::number(descriptor);
     path.truncate(std::max<ssize_t>(0, ::readlink(link.constData(), path.data(), size_t(path.size()))));
     return path;
-}
-
-SystemCalls::SystemCalls(const QString& folder) {
-    watch = new Watch{QFile::encodeName(QDir(folder).canonicalPath()), {}, -1, 0};
-}
-
-SystemCalls::~SystemCalls() {
-    delete watch;
-    watch = nullptr;
-}
-
-QStringList SystemCalls::take() {
-    QStringList taken;
-    taken.swap(watch->calls);
-    return taken;
-}
-
-void SystemCalls::failAt(int number) {
-    watch->failing = number;
-}
-
-void SystemCalls::shortenWrites(qsizetype bytes) {
-    watch->mostBytes = bytes;
 }
 
 }  // namespace test

@@ -1,13 +1,8 @@
-#include <QDir>
 #include <QFileInfo>
-#include <QProcess>
-#include <QProcessEnvironment>
 
 #include "AdminTest.h"
 #include "books/ContainerBalance.h"
-#include "db/Schema.h"
 #include "platform/Clock.h"
-#include "support/FaultyStorage.h"
 #include "support/FullDisk.h"
 
 namespace test {
@@ -140,7 +135,6 @@ TEST_F(ArchiveTest, RefusesAndChangesNothing) {
     };
     expectRefused(run({u"archive"_s, file()}), u"--before"_s);
     expectRefused(archive({}, u"2024-03-30"_s), u"today at the latest"_s);
-    expectRefused(run({u"archive"_s, folder(), u"--before"_s, kDay}), u"is a folder"_s);
     expectRefused(run({u"archive"_s, database(), u"--before"_s, kDay}), u"is the database itself"_s);
     {
         QString error;
@@ -159,65 +153,6 @@ TEST_F(ArchiveTest, RefusesAndChangesNothing) {
     QFile::remove(file());
     execute(u"PRAGMA user_version=1"_s);
     expectRefused(archive(), u"upgrade"_s);
-}
-
-// The program as it is delivered, at every single call to the disk.
-TEST_F(ArchiveTest, StoppedAtAnyCallItHasLostNothingAndGoesOn) {
-    platform::adoce::DatabaseFile::forgetAll();
-    const QString held = balances();
-    execute(u"PRAGMA journal_mode=DELETE"_s);
-    const QByteArray fresh = readFile(database());
-    StorageFaultPlan* plan = shareStorageFaults(QFile::encodeName(folder() + u"/plan"_s).constData());
-    ASSERT_NE(plan, nullptr);
-    plan->skipsSync = true;
-    QProcess program;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QString::fromLatin1(kFaultyStorageVariable), folder() + u"/plan"_s);
-    environment.insert(u"LD_PRELOAD"_s, QStringLiteral(ROVANA_STORAGE_FAULTS));
-    // The faults come before the sanitizer's own library, in a build that has one.
-    environment.insert(u"ASAN_OPTIONS"_s,
-                       qEnvironmentVariable("ASAN_OPTIONS") + u":verify_asan_link_order=0"_s);
-    environment.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
-    program.setProcessEnvironment(environment);
-    const QStringList call{u"archive"_s, file(), u"--before"_s, kDay, u"--device"_s, folder()};
-    int kills = 0;
-    int faults = 0;
-    int lost = 0;
-    for (const StorageFault fault : {StorageFault::Kill, StorageFault::FullDisk, StorageFault::ShortWrite,
-                                     StorageFault::FailingSync, StorageFault::ReadError}) {
-        // A call more each time, in a usual run at first only.
-        const int step = qEnvironmentVariableIsSet("ROVANA_POWER_CUTS") ? 1000
-                         : fault == StorageFault::Kill                  ? 4
-                                                                        : 1;
-        for (int at = 0, isHit = true; isHit && !HasFailure(); at += 1 + at / step) {
-            SCOPED_TRACE(testing::Message() << "fault " << int(fault) << " at call " << at);
-            for (const QString& name : QDir(folder()).entryList({u"old.cdb*"_s}))
-                QFile::remove(folder() + u'/' + name);
-            QFile::remove(database() + u"-journal"_s);
-            writeFile(u"My Documents/rvnclient.cdb"_s, fresh);
-            plan->arm(fault, at, true);
-            program.start(QStringLiteral(ROVANACTL), call);
-            ASSERT_TRUE(program.waitForFinished());
-            const bool isKilled = program.exitStatus() == QProcess::CrashExit;
-            isHit = isKilled || plan->hits > 0;
-            plan->disarm();
-            ++(isKilled ? kills : faults);
-            const bool isDone = !isKilled && program.exitCode() == 0;
-            EXPECT_TRUE(isHit || isDone) << program.readAllStandardError().toStdString();
-            // Every visit is in the terminal or in a whole archive.
-            const bool isInTerminal = visits(u"MTM"_s).count(u' ') == 7;
-            const bool isWhole = isInTerminal || (QFile::exists(file()) &&
-                                                  readings({u"--database"_s, file()}).contains(u"5002"_s));
-            lost += !isWhole;
-            EXPECT_TRUE(isWhole);
-            EXPECT_EQ(archive().exitCode, admin::kSuccess);
-            EXPECT_EQ(visits(u"MTM"_s), u"26|5001 26|5002 29|5001 29|5002"_s);
-            EXPECT_EQ(narrow(balances()), narrow(held));
-            EXPECT_EQ(QDir(folder()).entryList({u"old.cdb*"_s}), QStringList{u"old.cdb"_s});
-        }
-    }
-    EXPECT_GT(kills, 10);
-    std::printf("torture archive %d %d %d %d 0\n", kills + faults, kills, faults, lost);
 }
 
 }  // namespace

@@ -1,9 +1,3 @@
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <QDir>
-#include <functional>
-
 #include "AdminTest.h"
 
 namespace test {
@@ -20,12 +14,6 @@ class CheckTest : public AdminTest {
     }
 };
 
-TEST_F(CheckTest, NamesAMissingDatabase) {
-    makeDevice();
-    QFile::remove(database());
-    expectFinding(u"is missing"_s);
-}
-
 TEST_F(CheckTest, NamesDamage) {
     makeDevice();
     QByteArray content = readFile(database());
@@ -33,11 +21,6 @@ TEST_F(CheckTest, NamesDamage) {
     for (qsizetype i = 4096; i < content.size(); i += 64) content[i] = char(0xA5);
     QFile file(database());
     ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
-    file.close();
-    expectFinding(u"damaged"_s);
-
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(QByteArray(5000, 'x'));
     file.close();
     expectFinding(u"damaged"_s);
 }
@@ -49,9 +32,6 @@ TEST_F(CheckTest, NamesEachDepartureFromTheTables) {
         bool isMended = false;
     } cases[] = {
         {u"DROP TABLE YTEMP"_s, u"table YTEMP"_s, true},
-        {u"DROP INDEX GARAE_SEEK"_s, u"index GARAE_SEEK"_s, true},
-        {u"DROP INDEX GARAEDANGA_KEY; CREATE INDEX GARAEDANGA_KEY ON GARAEDANGA (pcode, gcode)"_s,
-         u"index GARAEDANGA_KEY"_s, true},
         // An index that knows only some of the rows.
         {u"INSERT INTO GARAE (GCODE) VALUES ('0001'), ('0002'); DROP INDEX GARAE_GCODE; CREATE INDEX "
          "GARAE_GCODE ON GARAE (GCODE) WHERE GCODE > '0001'; PRAGMA writable_schema = ON; UPDATE "
@@ -59,11 +39,6 @@ TEST_F(CheckTest, NamesEachDepartureFromTheTables) {
          "SET sql = 'CREATE INDEX GARAE_GCODE ON GARAE (GCODE)' WHERE name = 'GARAE_GCODE'"_s,
          u"damaged"_s, true},
         {u"DROP TABLE TEMP; CREATE TABLE TEMP AS SELECT * FROM YTEMP"_s, u"columns of TEMP"_s},
-        {u"ALTER TABLE JGUBUN ADD COLUMN more TEXT"_s, u"columns of JGUBUN"_s},
-        {u"DELETE FROM config"_s, u"config has 0 rows"_s},
-        {u"UPDATE PDAUSER SET userID = 'Q'"_s, u"who is not in PDAUSER"_s},
-        {u"INSERT INTO PDAUSER (userID) VALUES ('a')"_s, u"the user \"a\" cannot log in"_s},
-        {u"INSERT INTO PDAUSER (userID) VALUES ('AB')"_s, u"the user \"AB\" cannot log in"_s},
     };
     for (const auto& [statement, wrong, isMended] : cases) {
         QFile::remove(database());

@@ -3,18 +3,11 @@
 #include <QProcess>
 
 #include "AdminTest.h"
-#include "db/MasterImport.h"
 
 namespace test {
 namespace {
 
-class CommandsTest : public AdminTest {
-  protected:
-    void makeLoadedDemo() {
-        makeDemo();
-        ASSERT_EQ(run({u"import"_s}).exitCode, admin::kSuccess);
-    }
-};
+using CommandsTest = AdminTest;
 
 TEST_F(CommandsTest, ExitCodesTellUsageFromFailure) {
     const struct {
@@ -22,17 +15,9 @@ TEST_F(CommandsTest, ExitCodesTellUsageFromFailure) {
         int exitCode;
     } cases[] = {
         {{}, admin::kUsageError},
-        {{u"nothing"_s}, admin::kUsageError},
-        {{u"slips"_s, u"--nothing"_s}, admin::kUsageError},
         {{u"slips"_s, u"--date"_s, u"29.3.2024"_s}, admin::kUsageError},
-        {{u"init"_s, u"--seed"_s, u"1"_s}, admin::kUsageError},
-        {{u"print"_s, u"poem"_s, u"1"_s}, admin::kUsageError},
-        {{u"totals"_s, u"--report"_s, u"poem"_s}, admin::kUsageError},
-        {{u"totals"_s, u"--date"_s, u"2024-02-30"_s}, admin::kUsageError},
-        {{u"totals"_s}, admin::kFailure},
         {{u"slips"_s}, admin::kFailure},
         {{u"price"_s, u"0001"_s, u"1001"_s, u"1"_s, u"0"_s}, admin::kFailure},
-        {{u"help"_s}, admin::kSuccess},
         {{u"price"_s, u"--help"_s}, admin::kSuccess},
     };
     for (const auto& [arguments, exitCode] : cases) {
@@ -41,80 +26,6 @@ TEST_F(CommandsTest, ExitCodesTellUsageFromFailure) {
         EXPECT_EQ(ended.err.isEmpty(), exitCode == admin::kSuccess) << narrow(arguments.join(u' '));
     }
     EXPECT_TRUE(QDir(folder()).isEmpty()) << "a refused call leaves nothing behind";
-}
-
-TEST_F(CommandsTest, ImportWaitsForWhoeverLoadsOrWrites) {
-    makeDevice();
-    writeFile(u"My Documents/garaemajin.rvn"_s, "0012|01|5|\n");
-    {
-        const db::ImportLock terminal;
-        const Ended ended = run({u"import"_s});
-        EXPECT_EQ(ended.exitCode, admin::kFailure);
-        EXPECT_TRUE(ended.err.contains(u"loads the files of"_s)) << narrow(ended.err);
-    }
-    QFile office(folder() + u"/My Documents/garaemajin.rvn"_s);
-    ASSERT_TRUE(office.open(QIODevice::Append));
-    Ended ended = run({u"import"_s});
-    EXPECT_EQ(ended.exitCode, admin::kFailure);
-    EXPECT_TRUE(ended.err.contains(u"the program that writes it"_s)) << narrow(ended.err);
-    EXPECT_EQ(rows(u"SELECT * FROM GARAEMAJIN"_s), QStringList());
-    office.write("0012|0'2|5|\n");
-    office.close();
-    ended = run({u"import"_s});
-    EXPECT_EQ(narrow(ended.out), "GARAEMAJIN.RVN\t2\t1\t1\tloaded\n");
-    EXPECT_TRUE(ended.err.contains(u"GARAEMAJIN.RVN.rejected"_s)) << narrow(ended.err);
-    EXPECT_FALSE(office.exists());
-}
-
-TEST_F(CommandsTest, PriceAnswersOneQuestionOrMany) {
-    makeDevice();
-    execute(
-        u"INSERT INTO GARAE (GCODE, GUBUN, MAJIN) VALUES ('0001', '일반', '0'), ('0002', '유흥', '0');"
-        "INSERT INTO PUMMOK (Pcode, ABoxMMoney, ABoxBMoney, BBoxMMoney, BBoxBMoney, BBonMMoney, BBonBMoney,"
-        "YGMoney1, YGMoney2, GBonMoney2) VALUES ('1001', '200', '20', '300', '30', '15', '1', '50', '60', "
-        "'3');"
-        "INSERT INTO GARAEDANGA VALUES ('0001', '1001', '0', '100', '10', '5', '1', '7', '8', '9')"_s);
-    EXPECT_EQ(narrow(run({u"price"_s, u"0002"_s, u"1001"_s, u"2"_s, u"3"_s}).out),
-              "tier\t645\t63\t100\t129\n");
-
-    const Ended many = run({u"price"_s, u"-"_s},
-                           u"0001\t1001\t1\t0\n0009\t1001\t1\t0\n0001\t9999\t1\t0\n0001\t1001\t1000\t0\nx\n"
-                           "0002\t1001\t0\t2\n"_s);
-    EXPECT_EQ(many.exitCode, admin::kFailure);
-    const QStringList lines = many.out.trimmed().split(u'\n');
-    ASSERT_EQ(lines.size(), 6);
-    EXPECT_EQ(narrow(lines[0]), "contract\t100\t10\t7\t8");
-    for (int i = 1; i < 5; ++i) EXPECT_TRUE(lines[i].startsWith(u"error\t"_s)) << narrow(lines[i]);
-    EXPECT_EQ(narrow(lines[5]), "tier\t30\t2\t0\t6");
-}
-
-TEST_F(CommandsTest, PrintsWhatWasPaid) {
-    makeDevice();
-    execute(
-        u"INSERT INTO MTMOK (DDate, Gubun, GName, JunNo, UserID, CardMoney, BANKTRANNO) VALUES"
-        "('2024-03-29', '매출', '가람', '5001', 'A', '1000', 'T1'),"
-        "('2024-03-29', '단순결제', '나루', '7001', 'B', '2000', 'T2')"_s);
-    execute(u"INSERT INTO YTM (DDate, JunNo, UserID, NBox) VALUES ('2024-03-29', '5001', 'A', '31')"_s);
-    execute(
-        u"INSERT INTO PRINTLOG VALUES ('2024-03-29', '5001', 'A', '용공인수증', '공급자용', '2024-03-29 09:05:00')"_s);
-    const struct {
-        QString document, number;
-        int exitCode;
-        QString printed;
-    } cases[] = {
-        {u"collection"_s, u"5001"_s, admin::kSuccess, u"거래번호 : T1\n"_s},
-        {u"container"_s, u"5001"_s, admin::kSuccess, u"재발행"_s},
-        {u"container"_s, u"7001"_s, admin::kFailure, {}},
-        {u"collection"_s, u"5002"_s, admin::kFailure, {}},
-        {u"card"_s, u"7001"_s, admin::kSuccess, u"거래번호 : T2\n"_s},
-        {u"card"_s, u"5001"_s, admin::kFailure, {}},
-    };
-    for (const auto& c : cases) {
-        const Ended ended = run({u"print"_s, c.document, c.number, u"--date"_s, kDay});
-        EXPECT_EQ(ended.exitCode, c.exitCode) << narrow(c.document + c.number);
-        EXPECT_TRUE(ended.out.contains(c.printed)) << narrow(ended.out);
-        EXPECT_EQ(ended.err.isEmpty(), c.exitCode == admin::kSuccess) << narrow(ended.err);
-    }
 }
 
 TEST_F(CommandsTest, JournalListsPaymentsAndSettlesOpenOnes) {
