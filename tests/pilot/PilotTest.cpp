@@ -4,13 +4,11 @@
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QFile>
 #include <QLabel>
 #include <QLineEdit>
 #include <QTemporaryDir>
 
 #include "support/PrintQt.h"
-#include "support/TestDevice.h"
 #include "ui/BitmapButton.h"
 #include "ui/Messages.h"
 #include "ui/ReportList.h"
@@ -118,20 +116,15 @@ TEST_F(PilotTest, MissesWhatAFingerCannotTouchAndWhatIsNotThere) {
         {u"press 900.3"_s, u"900.3 is disabled"_s},
         {u"press 900.4"_s, u"900.4 is covered by QLabel"_s},
         {u"press 900.5"_s, u"900.5 is outside the terminal, at 3"_s},
-        {u"press 900.99"_s, u"dialog 900 has no control 99"_s},
         {u"press 777.1"_s, u"dialog 777 is not open: dialog 900 is in front"_s},
         {u"press 900.6\npress 900.1"_s, u"900.1 is behind: the message \"저장할까요?\\n정말\" is open"_s},
-        {u"row 900.20 41"_s, u"there are only 40 rows"_s},
         {u"type 900.11 123456"_s, u"the control took \"12345\""_s},
         {u"type 900.13 양주"_s, u"none of 3 rows holds \"양주\""_s},
         {u"answer ok"_s, u"no message is open: dialog 900 is in front"_s},
         {u"expect 900.10 두 칸"_s, u"found \"  두 칸\""_s},
         {u"press 900.6\nexpect message 저장할까요?"_s, u"found \"저장할까요?\\n정말\""_s},
-        {u"press 900.6\nexpect caption 삭제"_s, u"found \"저장\""_s},
         {u"expect rows 900.20 39"_s, u"found 40 rows"_s},
-        {u"expect cell 900.20 41 1 x"_s, u"there are only 40 rows of 3 columns"_s},
         {u"expect cell 900.20 2 2 가게 1"_s, u"found \"가게 2\""_s},
-        {u"expect shown 900.2"_s, u"900.2 is hidden"_s},
         {u"expect checked 900.16"_s, u"900.16 is not checked"_s},
         // What is typed into a password never comes to light.
         {u"type 900.12 1234\nexpect 900.12 1234"_s, u"found \"●●●●\""_s},
@@ -140,32 +133,6 @@ TEST_F(PilotTest, MissesWhatAFingerCannotTouchAndWhatIsNotThere) {
         SCOPED_TRACE(c.script.toStdString());
         const QString reason = missedBy(c.script);
         EXPECT_TRUE(reason.startsWith(c.reason)) << reason.toStdString();
-    }
-}
-
-TEST_F(PilotTest, TouchesAsADisplayDoes) {
-    const struct {
-        const char* what;
-        QString script;
-        QStringList log;
-    } cases[] = {
-        {"a button is pressed once by a double touch", u"press2 900.1"_s, {u"pressed"_s}},
-        {"a finger that slips off presses nothing", u"slide 900.1 900.8\nslide 900.1 900.10"_s, {}},
-        {"a double touch of a row is no third one", u"row2 900.20 3"_s, {u"row 2"_s, u"double 2"_s}},
-        {"a drag chooses nothing", u"drag 900.20 3 1"_s, {}},
-        // The dialog that opens has the same buttons, at the same places.
-        {"the second touch is not for what opens",
-         u"press2 900.7\nexpect screen 901\npress 901.8"_s,
-         {u"back"_s}},
-        {"nor for what a message covered", u"press 900.6\npress2 0.1\npress2 0.1"_s, {u"yes"_s, u"told"_s}},
-        {"a finger that is down when a message comes presses nothing below",
-         u"press 900.9\nanswer ok\npress 900.1"_s,
-         {u"pressed"_s}},
-    };
-    for (const auto& c : cases) {
-        TestScreen screen;
-        EXPECT_TRUE(play(screen, c.script)) << failure.toStdString();
-        EXPECT_EQ(screen.log, c.log) << c.what;
     }
 }
 
@@ -189,53 +156,6 @@ TEST_F(PilotTest, KeysPressWhatTheRingStandsOn) {
         EXPECT_TRUE(play(screen, c.script)) << failure.toStdString();
         EXPECT_EQ(screen.log, c.log) << c.script.toStdString();
     }
-}
-
-TEST_F(PilotTest, MissesWhatIsLeftWhenTheProgramEnds) {
-    TestScreen left;
-    EXPECT_TRUE(play(left, u"press 900.8"_s)) << failure.toStdString();
-    TestScreen early;
-    EXPECT_FALSE(play(early, u"press 900.8\nexpect screen 900"_s));
-    EXPECT_TRUE(failure.endsWith(u":2: expect screen 900\n    the program had ended"_s))
-        << failure.toStdString();
-}
-
-TEST_F(PilotTest, ComparesThePaper) {
-    test::TestDevice device;
-    const auto write = [](const QString& name, const QByteArray& content) {
-        QFile file(name);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(content);
-    };
-    const QString roll = device.folder() + u"/roll.txt"_s;
-    write(folder.filePath(u"other.txt"_s), "one\nthree\n");
-    write(roll, "from before\n");
-    const auto compare = [&](const QString& script) {
-        options.patienceMs = 100;
-        TestScreen screen;
-        // The slip fills the roll, and its end is on the next one.
-        QObject::connect(qobject_cast<QAbstractButton*>(screen.control(1)), &QAbstractButton::clicked, [&] {
-            write(roll, "from before\none\n");
-            QFile::rename(roll, roll + u".1"_s);
-            write(roll, "둘\n");
-        });
-        const bool isDone = play(screen, u"press 900.1\n"_s + script);
-        QFile::remove(roll + u".1"_s);
-        write(roll, "from before\n");
-        return isDone;
-    };
-    EXPECT_FALSE(compare(u"expect roll none.txt"_s));
-    EXPECT_TRUE(failure.contains(u"none.txt is not there"_s)) << failure.toStdString();
-    EXPECT_FALSE(compare(u"expect roll other.txt"_s));
-    EXPECT_TRUE(failure.endsWith(u"(- approved, + printed):\n one\n-three\n+둘\n"_s))
-        << failure.toStdString();
-    EXPECT_TRUE(compare(u"expect printed 1 one\nexpect printed 0 from before"_s)) << failure.toStdString();
-    EXPECT_FALSE(compare(u"expect printed 2 둘"_s));
-    EXPECT_TRUE(failure.contains(u"found 1 such lines"_s)) << failure.toStdString();
-    options.approve = true;
-    EXPECT_TRUE(compare(u"expect roll other.txt\nexpect roll new/made.txt"_s)) << failure.toStdString();
-    options.approve = false;
-    EXPECT_TRUE(compare(u"expect roll other.txt\nexpect roll new/made.txt"_s)) << failure.toStdString();
 }
 
 }  // namespace

@@ -1,20 +1,12 @@
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <QAction>
 #include <QApplication>
 #include <QComboBox>
 #include <QDateEdit>
-#include <QDir>
-#include <QFileDialog>
-#include <QLabel>
 #include <QLineEdit>
-#include <QMenu>
-#include <QMessageBox>
 #include <QRegularExpression>
 #include <QTableView>
 #include <QTest>
-#include <QTreeView>
 
 #include "Screens.h"
 #include "support/PrintQt.h"
@@ -24,39 +16,6 @@
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
-
-TEST(KoreanTexts, ReplaceTheLibrarys) {
-    const auto foreign = [](const QWidget& window) {
-        QStringList found;
-        static const QRegularExpression word(u"[A-Za-z]{2,}"_s);
-        const auto look = [&](const QString& text) {
-            // What stands after a tab is the name of keys.
-            if (text.section(u'\t', 0, 0).contains(word)) found << text;
-        };
-        for (const auto* label : window.findChildren<QLabel*>()) look(label->text());
-        for (const auto* button : window.findChildren<QAbstractButton*>()) {
-            look(button->text());
-            look(button->toolTip().section(u'(', 0, 0));
-        }
-        for (const auto* action : window.findChildren<QAction*>()) look(action->text());
-        for (const auto* view : window.findChildren<QTreeView*>()) {
-            for (int i = 0; i < view->model()->columnCount(); ++i)
-                look(view->model()->headerData(i, Qt::Horizontal).toString());
-        }
-        return found;
-    };
-    QFileDialog files(nullptr, u"용지 저장"_s, QDir::tempPath(), u"*.png"_s);
-    for (const auto mode : {QFileDialog::AcceptSave, QFileDialog::AcceptOpen}) {
-        files.setAcceptMode(mode);
-        files.setVisible(true);
-        EXPECT_THAT(foreign(files), testing::IsEmpty());
-    }
-    QMessageBox box(QMessageBox::Warning, u"용지"_s, u"?"_s, QMessageBox::StandardButtons(0x7ffffc00));
-    EXPECT_THAT(foreign(box), testing::IsEmpty());
-    QLineEdit line;
-    const std::unique_ptr<QMenu> menu(line.createStandardContextMenu());
-    EXPECT_THAT(foreign(*menu), testing::IsEmpty());
-}
 
 TEST(LoginScreen, TakesALetterOnceAndShowsItsCalendarWhole) {
     test::TestDevice device;
