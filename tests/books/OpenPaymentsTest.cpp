@@ -98,43 +98,5 @@ TEST(OpenPayments, AreOpenAgainAfterAMistake) {
     }
 }
 
-TEST(OpenPayments, AreKnownAfterTheirSlipHasGone) {
-    test::TestDevice device;
-    device.insert(u"MTM",
-                  {{u"DDate", u"2024-05-10"}, {u"GCode", u"1"}, {u"JunNo", u"5001"}, {u"UserID", u"A"}});
-    const JournalPayment payment = paymentOf(u"1", kCollectionOfSale, u"5001", 1000);
-    const auto& slip = payment.slip;
-    const auto lost = [&](const QString& code) {
-        return approvalWithoutSlip({slip.DDate, slip.JunNo, slip.UserID, code}).has_value();
-    };
-    ASSERT_TRUE(notePayment(payment) && approvePayment(payment.number, u"T1"));
-    EXPECT_FALSE(lost(u"1"_s) || putApprovalBack(payment.number)) << "it is on its slip";
-    ASSERT_TRUE(removeCollection(slip.DDate, slip.JunNo, slip.UserID));
-    EXPECT_TRUE(lost(u"1"_s) && !lost(u"2"_s));
-    ASSERT_TRUE(putApprovalBack(payment.number));
-    EXPECT_FALSE(lost(u"1"_s));
-    EXPECT_EQ(loadCollection(slip.DDate, slip.JunNo, slip.UserID)->BANKTRANNO, u"T1"_s);
-}
-
-TEST(OpenPayments, AreKnownOfADeletedSimplePaymentUnderAnyNumberOfTheCustomer) {
-    for (const QStringView code : {QStringView(u"1"), kUnregisteredCustomer}) {
-        test::TestDevice device;
-        const JournalPayment payment = paymentOf(code, kSimplePaymentSlip, u"7001", 1000);
-        const auto isKnown = [&](const QString& junNo, QStringView user = u"A") {
-            const auto found =
-                deletedSimplePayment({payment.slip.DDate, junNo, user.toString(), code.toString()});
-            return found && found->number == payment.number;
-        };
-        ASSERT_TRUE(notePayment(payment) && approvePayment(payment.number, u"T1"));
-        EXPECT_FALSE(isKnown(u"7001"_s)) << "it is on its slip";
-        ASSERT_TRUE(removeCollections(payment.slip.DDate, u"7001", u"A"));
-        EXPECT_TRUE(isKnown(u"7001"_s) && !isKnown(u"7001"_s, u"B"));
-        EXPECT_EQ(isKnown(u"7002"_s), code != kUnregisteredCustomer)
-            << "who is not registered may be anybody";
-        ASSERT_TRUE(putApprovalBack(payment.number));
-        EXPECT_FALSE(isKnown(u"7001"_s));
-    }
-}
-
 }  // namespace
 }  // namespace books

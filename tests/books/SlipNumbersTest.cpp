@@ -12,7 +12,7 @@ namespace {
 constexpr QStringView kToday = u"2024-05-07";
 
 TEST(SlipNumber, FollowsTheHighestOfItsTableAndDay) {
-    constexpr int kSales = 1, kCollection = 2, kContainer = 3;
+    constexpr int kSales = 1, kCollection = 2, kContainer = 3, kSimple = 4;
     const struct {
         int workMode;
         std::vector<QStringView> taken;
@@ -32,10 +32,16 @@ TEST(SlipNumber, FollowsTheHighestOfItsTableAndDay) {
         {kCollection, {u"5001"}, u"7001"},
         {kCollection, {u"6999"}, u"7000"},
         {kCollection, {u"7001", u"5004"}, u"7002"},
+        {kSimple, {}, u"7001"},
+        {kSimple, {u"0150"}, u"7001"},
+        {kSimple, {u"6998"}, u"7001"},
+        {kSimple, {u"6999"}, u"7000"},
+        {kSimple, {u"7005"}, u"7006"},
+        {kSimple, {u"text"}, u"7001"},
         {kContainer, {}, u"6001"},
         {kContainer, {u"5999"}, u"6000"},
     };
-    constexpr QStringView kTables[] = {u"", u"MTM", u"MTMOK", u"YTM"};
+    constexpr QStringView kTables[] = {u"", u"MTM", u"MTMOK", u"YTM", u"MTMOK"};
     test::TestDevice device;
     for (const auto& c : kCases) {
         SCOPED_TRACE(testing::Message()
@@ -44,13 +50,15 @@ TEST(SlipNumber, FollowsTheHighestOfItsTableAndDay) {
             device.execute(QStringLiteral("DELETE FROM ") + kTables[table].toString());
             // Other days and other tables number for themselves.
             device.insert(kTables[table], {{u"DDate", u"2024-05-06"}, {u"JunNo", u"8888"}});
-            if (table == c.workMode) continue;
+            if (kTables[table] == kTables[c.workMode]) continue;
             device.insert(kTables[table], {{u"DDate", kToday}, {u"JunNo", u"8888"}});
         }
         for (const QStringView junNo : c.taken) {
             device.insert(kTables[c.workMode], {{u"DDate", kToday}, {u"JunNo", junNo}});
         }
-        EXPECT_EQ(books::nextSlipNumber(c.workMode, kToday), c.next.toString());
+        EXPECT_EQ(c.workMode == kSimple ? books::nextSimplePaymentNumber(kToday)
+                                        : books::nextSlipNumber(c.workMode, kToday),
+                  c.next.toString());
     }
 }
 

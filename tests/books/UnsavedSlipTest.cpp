@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "container/ContainerStore.h"
-#include "container/WorkingContainers.h"
 #include "sales/SlipStore.h"
 #include "sales/WorkingSlip.h"
 #include "support/TestDevice.h"
@@ -55,24 +53,6 @@ TEST(UnsavedSlip, LastsFromTheFirstChangeToTheSave) {
     QStringList refused;
     ASSERT_TRUE(sales::replaceLines({saleLine(u"1003"_s)}, &refused));
     EXPECT_EQ(lines(), 1);
-}
-
-TEST(UnsavedSlip, KnowsTheContainersOfAVisit) {
-    test::TestDevice device;
-    container::ContainerLine line;
-    line.DDate = kDay;
-    line.GCode = u"0001"_s;
-    line.JunNo = u"5001"_s;
-    line.PCode = u"1001"_s;
-    line.FBox = u"1"_s;
-    ASSERT_TRUE(container::reloadSlip(u"A", kDay, u"5001") && container::insertLine(line));
-    EXPECT_FALSE(books::findUnsaved()->belongsToSale);
-    ASSERT_TRUE(sales::reloadSlip(u"A", kDay, u"5001") && sales::insertLine(saleLine(u"1001"_s)));
-    EXPECT_EQ(books::findUnsaved()->table, books::Working::Sale) << "its sale comes first";
-    ASSERT_EQ(sales::saveSlip(u"A", kDay, u"5001"), sales::SaveOutcome::Saved);
-    EXPECT_TRUE(books::findUnsaved()->belongsToSale);
-    ASSERT_EQ(container::saveSlip(u"A", kDay, u"5001", u"0001"), container::SaveOutcome::Saved);
-    EXPECT_FALSE(books::findUnsaved());
 }
 
 // A database of an older terminal: the slip is written as ever.

@@ -98,16 +98,6 @@ TEST_F(MasterImportTest, LinesBecomeRowsWhateverTheirEnd) {
     }
 }
 
-TEST_F(MasterImportTest, ALineMayFillTheBufferInTheMiddleOfACharacter) {
-    QByteArray line = "0009|01|5|";
-    while (line.size() < 1030) line += *platform::codepage::encode(u"가");
-    write(u"GARAEMAJIN.RVN", line.first(1023) + '\n');
-    EXPECT_EQ(load(u"GARAEMAJIN.RVN").rejected, 0);
-    EXPECT_EQ(margins().value(0), u"0009/01/5"_s);
-    write(u"GARAEMAJIN.RVN", line.first(1021) + '\n');  // here the line itself is broken
-    EXPECT_EQ(load(u"GARAEMAJIN.RVN").rejected, 1);
-}
-
 TEST_F(MasterImportTest, FillsEveryColumnOfEveryTable) {
     struct Case {
         QStringView file;
@@ -133,37 +123,6 @@ TEST_F(MasterImportTest, FillsEveryColumnOfEveryTable) {
         EXPECT_EQ(device.rows(c.select), QList<QStringList>{fields}) << c.file.toUtf8().constData();
     }
     EXPECT_EQ(device.value(u"SELECT count(*) FROM MTM WHERE DTime IS NULL"_s), u"1"_s);
-}
-
-TEST_F(MasterImportTest, AFileThatTheDatabaseHasNoTableForWaitsUntilItHas) {
-    device.execute(u"ALTER TABLE BARCODE RENAME TO LATER"_s);
-    write(u"BARCODE.RVN", "0012|8801234567890|\r\n");
-    EXPECT_EQ(load(u"BARCODE.RVN").outcome, NotSaved);
-    device.execute(u"ALTER TABLE LATER RENAME TO BARCODE"_s);
-    EXPECT_EQ(load(u"BARCODE.RVN").outcome, Loaded);
-    EXPECT_EQ(device.value(u"SELECT Barcode FROM BARCODE"_s), u"8801234567890"_s);
-}
-
-TEST_F(MasterImportTest, OrdersAreAddedAndMasterDataReplaced) {
-    for (int pass = 1; pass <= 2; ++pass) {
-        write(u"MTM.RVN", "2004-03-02|a|\r\n2004-03-02|b|\r\n");
-        write(u"GARAE.RVN", "0001|a|\r\n");
-        EXPECT_EQ(load(u"MTM.RVN").outcome, Loaded);
-        EXPECT_EQ(load(u"GARAE.RVN").outcome, Loaded);
-        EXPECT_EQ(device.value(u"SELECT count(*) FROM MTM"_s).toInt(), 2 * pass);
-        EXPECT_EQ(device.value(u"SELECT count(*) FROM GARAE"_s), u"1"_s);
-    }
-}
-
-TEST_F(MasterImportTest, OnlyTheNamedFolderIsTouched) {
-    write(u"GARAEMAJIN.RVN", "0001|d|1|\n");
-    write(u"GARAEMAJIN.RVN", "0002|s|2|\n", kCard);
-    EXPECT_EQ(load(u"GARAEMAJIN.RVN", findImportFile(file(u"GARAEMAJIN.RVN"))).outcome, Loaded);
-    EXPECT_EQ(margins(), QStringList({u"0001/d/1"_s}));
-    EXPECT_EQ(load(u"GARAEMAJIN.RVN", findImportFile(file(u"GARAEMAJIN.RVN"))).outcome, Loaded);
-    EXPECT_EQ(margins(), QStringList({u"0002/s/2"_s}));
-    EXPECT_EQ(load(u"GARAEMAJIN.RVN", kCard).outcome, NotOpened);
-    EXPECT_EQ(margins(), QStringList({u"0002/s/2"_s})) << "a file that is not there empties nothing";
 }
 
 TEST_F(MasterImportTest, LinesThatBecomeNoRowAreKeptAside) {

@@ -31,57 +31,6 @@ class RecordsetTest : public testing::Test {
     CVOConnection connection{0};
 };
 
-TEST_F(RecordsetTest, WalksForwardsAndBackToTheFirst) {
-    EXPECT_EQ(connection.Open(u" ", u"\\My Documents\\rvnclient.cdb"), 1);
-    CVORecordset recordset(connection);
-    EXPECT_FALSE(recordset.m_bOpen);
-    ASSERT_TRUE(recordset.Open(kCustomers(u""), kKeyset, kReadOnly));
-    EXPECT_EQ(recordset.m_nFieldCount, 3);
-    EXPECT_FALSE(recordset.BOF() || recordset.EOF());
-    EXPECT_TRUE(recordset.MoveFirst());
-    EXPECT_EQ(recordset.GetFieldString(1), u"서울상회"_s);
-    EXPECT_TRUE(recordset.MoveNext());
-    EXPECT_EQ(recordset.GetFieldString(0), u"0002"_s);
-    EXPECT_TRUE(recordset.MoveNext());  // onto the end
-    EXPECT_TRUE(recordset.EOF());
-    EXPECT_FALSE(recordset.BOF());
-    EXPECT_FALSE(recordset.MoveNext());
-    EXPECT_EQ(recordset.GetFieldString(0), QString());
-    EXPECT_TRUE(recordset.MoveFirst());
-    EXPECT_FALSE(recordset.EOF());
-    EXPECT_EQ(recordset.GetFieldString(0), u"0001"_s);
-    EXPECT_TRUE(recordset.Close());
-    EXPECT_FALSE(recordset.m_bOpen);
-    EXPECT_TRUE(recordset.EOF());
-    ASSERT_TRUE(recordset.Open(kCustomers(u"9"), kKeyset, kReadOnly));
-    EXPECT_TRUE(recordset.EOF() && recordset.BOF()) << "an empty result is at both ends";
-    EXPECT_FALSE(recordset.MoveFirst() || recordset.MoveNext());
-}
-
-TEST_F(RecordsetTest, FieldsByPlace) {
-    device.execute(u"INSERT INTO MTM (PCode) VALUES ('0001')"_s);
-    openDatabase(connection);
-    CVORecordset recordset(connection);
-    test::RecordedTraces traces;
-    EXPECT_EQ(recordset.GetFieldString(0), u"0"_s);  // not opened yet
-    ASSERT_TRUE(recordset.Open(kOrders(), kKeyset, kReadOnly));
-    EXPECT_EQ(recordset.GetFieldString(0), QString());  // NULL
-    EXPECT_EQ(recordset.GetFieldString(1), u"0001"_s);
-    traces.take();
-
-    for (const int index : {2, -1, 1000}) {
-        EXPECT_EQ(recordset.GetField(index), nullptr);
-        EXPECT_EQ(recordset.GetFieldString(index), u"0"_s);
-        EXPECT_EQ(recordset.GetFieldName(index), std::nullopt);
-        EXPECT_EQ(traces.take(), QStringList({u"CVORecordset::GetFieldValue() Invalid Field Index\n"_s,
-                                              u"CVORecordset::GetFieldName() Invalid Field Index\n"_s}));
-        QVariant value(u"before"_s);
-        EXPECT_EQ(recordset.GetFieldValue(value, index), QVariant(0));
-        EXPECT_EQ(value, QVariant(0));
-        traces.take();
-    }
-}
-
 TEST_F(RecordsetTest, ExecuteIsAlwaysOneAndSilent) {
     openDatabase(connection);
     EXPECT_EQ(connection.Execute(kInsert(u"0003", u"인천상회")), 1);

@@ -25,42 +25,6 @@ class TransactionTest : public testing::Test {
     test::TestDevice device;
 };
 
-TEST_F(TransactionTest, AllOrNothing) {
-    execute(kInsert(u"1", u"before"));
-    {
-        Transaction transaction;
-        transaction.connection().Execute(kDelete(u"1"));
-        execute(kInsert(u"2", u"on a connection of its own"));
-        EXPECT_TRUE(hasRow(kSelect(u"2")));
-        EXPECT_EQ(slips(), u"1"_s);  // seen from outside
-        EXPECT_TRUE(transaction.isAlive());
-    }
-    EXPECT_EQ(slips(), u"1"_s);
-    {
-        Transaction transaction;
-        transaction.connection().Execute(kDelete(u"1"));
-        execute(kInsert(u"2", u""));
-        transaction.connection().Execute(kInsert(u"3", u"'"));
-        transaction.connection().Execute(kInsert(u"4", u""));
-        EXPECT_TRUE(transaction.commit());
-    }
-    EXPECT_EQ(slips(), u"2,4"_s);
-}
-
-TEST_F(TransactionTest, AnInnerOneDoesNothingAndLeavesTheOuterAlone) {
-    Transaction outer;
-    outer.connection().Execute(kInsert(u"1", u""));
-    {
-        Transaction inner;
-        EXPECT_FALSE(inner.isAlive());
-        inner.connection().Execute(kInsert(u"2", u""));
-        EXPECT_FALSE(inner.commit());
-    }
-    EXPECT_TRUE(outer.isAlive());
-    EXPECT_TRUE(outer.commit());
-    EXPECT_EQ(slips(), u"1"_s);
-}
-
 // Once the database has given a transaction up, a later statement would be kept on its own.
 TEST_F(TransactionTest, ALostOneKeepsNothing) {
     execute(kInsert(u"0", u"before"));

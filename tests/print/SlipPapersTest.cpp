@@ -123,24 +123,6 @@ TEST_F(SlipPapers, AreReprintsUntilTheirSlipChanges) {
     EXPECT_TRUE(test::rollText().isEmpty());
 }
 
-TEST_F(SlipPapers, OfAVisitComeOutOnceInBothCopies) {
-    addSlip(u"A"_s, 1, u"1"_s, u"1000"_s);
-    print::SlipPapers papers(kDate, u"5001", u"A");
-    const Paper invoice = Paper::Invoice;
-    papers.print({&invoice, 1}, Copy::Seller);
-    EXPECT_EQ(papers.printVisit(false), 3);
-    EXPECT_EQ(reprints(),
-              u"거래명세서공급자용 거래명세서공급받는자용 용공인수증공급자용 용공인수증공급받는자용"_s);
-    EXPECT_EQ(papers.printVisit(false), 0);
-    EXPECT_FALSE(test::rollText().contains(u"재발행"_s));
-    EXPECT_EQ(papers.printVisit(true), 4);
-    EXPECT_EQ(test::rollText().count(u"재발행"_s), 4);
-
-    device_.execute(u"DELETE FROM MTM"_s);
-    EXPECT_EQ(print::SlipPapers(kDate, u"5001", u"A").printVisit(false), 4);
-    EXPECT_TRUE(reprints().endsWith(u"입금표공급자용 입금표공급받는자용"_s)) << "money without a sale";
-}
-
 TEST_F(SlipPapers, SayWhatOneCosts) {
     const auto price = [&](const QString& box, const QString& bottles, const QString& supply) {
         device_.execute(u"DELETE FROM MTM"_s);
@@ -169,25 +151,6 @@ TEST_F(SlipPapers, SayWhatOneCosts) {
     device_.insert(u"GARAEDANGA",
                    {{u"gcode", u"0001"}, {u"pcode", u"1"}, {u"boxmoney", u"20002"}, {u"bonmoney", u"1099"}});
     EXPECT_EQ(price(u"2"_s, u"3"_s, u"43301"_s), u"1L 20002/상자 1099/본"_s);
-}
-
-TEST_F(SlipPapers, PrintWithoutTheTableOfAnOlderTerminal) {
-    addSlip(u"A"_s, 1, u"1"_s, u"1000"_s);
-    device_.execute(u"DROP TABLE PRINTLOG"_s);
-    print::SlipPapers papers(kDate, u"5001", u"A");
-    for (const Copy copy : {Copy::Seller, Copy::Buyer, Copy::Seller}) {
-        EXPECT_EQ(test::rollText().count(u"재발행"_s), 0);
-        test::resetRoll();
-        EXPECT_EQ(papers.print(books::kPapers, copy).size(), 3);
-    }
-    EXPECT_EQ(test::rollText().count(u"재발행"_s), 3) << "the third one repeats the first";
-    // Of what was printed another time the slip's state is all that is known.
-    EXPECT_EQ(reprints(), u"거래명세서공급자용 거래명세서공급받는자용"_s);
-    auto collection = *books::loadCollection(kDate, u"5001", u"A");
-    collection.WonMoney += platform::Won(1);
-    EXPECT_TRUE(books::saveCollection(collection));
-    EXPECT_TRUE(sales::deleteSlip(kDate, u"5001", true, u"A"));
-    EXPECT_EQ(states(), QString());
 }
 
 }  // namespace

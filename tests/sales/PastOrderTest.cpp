@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "sales/ProductQuery.h"
-#include "sales/ScannedDigits.h"
 #include "sales/WorkingSlip.h"
 #include "support/PrintQt.h"
 #include "support/TestDevice.h"
@@ -88,27 +87,6 @@ TEST_F(PastOrderTest, LooksIntoTheArchivesAtHandWhileItsSlipsAreFew) {
     EXPECT_EQ(slips().size(), 5) << "the archive is left alone";
 }
 
-TEST_F(PastOrderTest, AsksAboutTenTimesOfWhatWasBought) {
-    add(u"2026-11-19"_s, u"5001"_s, u"1001"_s, 1, 5);
-    add(u"2026-11-20"_s, u"5001"_s, u"1001"_s, 0, 3);
-    add(u"2026-11-20"_s, u"5001"_s, u"1002"_s, 2, 0);
-    const struct {
-        QStringView product;
-        Quantities quantities;
-        bool isUnusual;
-    } kCases[] = {
-        {u"1001", {12, 9}, false},    {u"1001", {12, 10}, true}, {u"1001", {0, 250}, true},
-        {u"1001", {-13, 0}, true},    {u"1002", {19, 0}, false}, {u"1002", {20, 0}, true},
-        {u"1004", {999, 999}, false},
-    };
-    for (const auto& c : kCases) {
-        const std::int64_t perBox = listedProduct(c.product)->BoxBonEa;
-        EXPECT_EQ(history().unusual(c.product, perBox, c.quantities).has_value(), c.isUnusual)
-            << c.product.toString().toStdString() << ' ' << quantityText(c.quantities).toStdString();
-    }
-    EXPECT_EQ(history().usual(u"1001", 20)->quantities, (Quantities{1, 5}));
-}
-
 TEST_F(PastOrderTest, TakesOverWhatIsStillSoldAtTodaysPrices) {
     for (const QString& product : {u"1001"_s, u"1002"_s, u"1003"_s, u"1004"_s})
         add(u"2026-11-20"_s, u"5001"_s, product, product == u"1002" ? 1000 : 2, 1);
@@ -130,28 +108,6 @@ TEST_F(PastOrderTest, TakesOverWhatIsStillSoldAtTodaysPrices) {
     slip.products.remove(0, slip.products.size() - 1);
     EXPECT_EQ(takeOver(head, slip)->lines, 0);
     EXPECT_EQ(device.value(u"SELECT COUNT(*) FROM TEMP"_s), u"1"_s);
-}
-
-TEST_F(PastOrderTest, ReadsBarCodes) {
-    device.execute(u"INSERT INTO BARCODE VALUES ('1001', '8801234567890'), ('1002', '0012345678905')"_s);
-    for (const auto& [code, product] : {std::pair(u"8801234567890"_s, u"1001"_s),
-                                        {u"012345678905"_s, u"1002"_s},
-                                        {u"00012345678905"_s, u"1002"_s},
-                                        {u"1003"_s, u"1003"_s},
-                                        {u"880123456789"_s, u""_s}})
-        EXPECT_EQ(productOfBarcode(code), product) << code.toStdString();
-
-    ScannedDigits digits;
-    const auto type = [&](QStringView text, qint64 from, qint64 step) {
-        for (const QChar digit : text) digits.add(digit, from += step);
-        return from;
-    };
-    EXPECT_EQ(digits.take(type(u"1001", 0, 20)), u"1001"_s);
-    EXPECT_EQ(digits.take(200), u""_s) << "read once";
-    EXPECT_EQ(digits.take(type(u"123", 5000, 20)), u""_s) << "too few";
-    EXPECT_EQ(digits.take(type(u"1234", 9000, 20) + 5000), u""_s) << "too long ago";
-    type(u"77", 20000, 20);
-    EXPECT_EQ(digits.take(type(u"8801", 30000, 20)), u"8801"_s) << "what came before a pause is another's";
 }
 
 }  // namespace

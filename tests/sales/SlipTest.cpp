@@ -95,19 +95,6 @@ class SlipTest : public testing::Test {
     test::TestDevice device;
 };
 
-TEST_F(SlipTest, KeepsTheLineWhenTheChangeIsLostHalfWay) {
-    insertLine(line(u"0001"_s, u"1"_s, u"0"_s, won(1000, 100, 20, 3)));
-    device.execute(
-        u"CREATE TRIGGER broken BEFORE INSERT ON TEMP BEGIN SELECT RAISE(ROLLBACK, 'disk'); END"_s);
-    const LineKey key{u"0001"_s, u"1"_s, u"0"_s};
-    EXPECT_FALSE(replaceQuantities(key, 2, 0, won(2000, 200, 40, 6)));
-    EXPECT_EQ(lineAmounts(key), won(1000, 100, 20, 3));
-
-    saved(kUser, kNumber, u"0005");
-    EXPECT_FALSE(reloadSlip(kUser, kToday, kNumber));
-    EXPECT_EQ(workingLines().at(0, 0), u"0001"_s);
-}
-
 TEST_F(SlipTest, ChangesNoneOfTwoLinesAlike) {
     for (int i = 0; i < 2; ++i) insertLine(line(u"0001"_s, u"1"_s, u"0"_s, won(1000, 100, 20, 3)));
     const LineKey key{u"0001"_s, u"1"_s, u"0"_s};
@@ -160,16 +147,6 @@ TEST_F(SlipTest, LeavesAnotherCustomersLinesUnderItsNumberAlone) {
     EXPECT_FALSE(isTaken(u"lee"));
 }
 
-TEST_F(SlipTest, ListsASlipOfTwoStatesTwice) {
-    saved(kUser, u"5001", u"0001", u"발행");
-    saved(kUser, u"5001", u"0002", u"미발행");
-    saved(kUser, u"5002", u"0002", u"발행");
-    const SlipList list = slipsOfDay(kUser, kToday);
-    EXPECT_EQ(list.slips.count(), 3);
-    EXPECT_EQ(list.printed, 2);
-    EXPECT_EQ(list.unprinted, 1);
-}
-
 TEST_F(SlipTest, TellsHowEachSlipOfTheDayStands) {
     device.execute(
         u"INSERT INTO PDAUSER (userID, vatMode) VALUES ('kim', '3');"
@@ -203,24 +180,6 @@ TEST_F(SlipTest, TellsHowEachSlipOfTheDayStands) {
     const DaysCustomers today = customersOfDay(kToday);
     EXPECT_TRUE(today.visited.contains(u"1"_s) && today.visited.contains(u"4"_s));
     EXPECT_TRUE(!today.visited.contains(u"0002"_s) && today.ordered.contains(u"0002"_s));
-}
-
-TEST_F(SlipTest, DeletesEverythingOfASlip) {
-    device.insert(u"GARAE", {{u"GCODE", u"0001"}, {u"CJMONEY", u"1000"}});
-    for (const QStringView table : {u"MTM", u"MTMOK", u"YTM"}) {
-        device.insert(table,
-                      {{u"DDate", kToday}, {u"JunNo", kNumber}, {u"UserID", kUser}, {u"GCode", u"0001"}});
-        device.insert(table, {{u"DDate", kToday}, {u"JunNo", kNumber}, {u"UserID", u"lee"}});
-    }
-    device.execute(u"UPDATE MTMOK SET MMoney = '400', InMoney = '150' WHERE UserID = 'kim'"_s);
-    const auto left = [&] {
-        return device.value(
-            u"SELECT (SELECT count(*) FROM MTM) || (SELECT count(*) FROM MTMOK) || (SELECT count(*) FROM "
-            u"YTM) || "
-            u"' ' || CJMONEY FROM GARAE"_s);
-    };
-    EXPECT_TRUE(deleteSlip(kToday, kNumber, true, u"A"));
-    EXPECT_EQ(left(), u"000 750"_s) << "whoever wrote it, and the debt comes back";
 }
 
 }  // namespace
