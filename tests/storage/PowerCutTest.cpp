@@ -205,25 +205,6 @@ TEST_F(PowerCutTest, ASmallFileIsTheOldOneOrTheNewOne) {
         });
 }
 
-TEST_F(PowerCutTest, ABackupIsTheOldOneOrTheNewOne) {
-    const QString name = u"/safe.cdb"_s;
-    ASSERT_TRUE(command({u"backup"_s, device_.folder() + name}));
-    const QStringList before = everything();
-    ASSERT_TRUE(storedChanges().front().make());
-    const QList<QStringList> states{before, everything()};
-    cutEverywhere(
-        "backup",
-        [&](const auto& mark) {
-            EXPECT_TRUE(command({u"backup"_s, u"--force"_s, device_.folder() + name}));
-            mark();
-        },
-        [&](int done) {
-            const QStringList kept = everythingIn(cut_.path() + name);
-            return (kept == states[1] || (done == 0 && kept == states[0])) &&
-                   everythingIn(databaseIn(cut_.path())) == states[1];
-        });
-}
-
 TEST_F(PowerCutTest, AnArchiveTakesEverySlipOrNone) {
     const QString name = u"/old.cdb"_s;
     const auto archive = [&](const QString& folder) {

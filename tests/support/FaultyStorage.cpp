@@ -40,10 +40,6 @@ bool isHit(StorageFault fault) {
     return true;
 }
 
-int closeFile(sqlite3_file* file) {
-    return methodsOf(file).xClose(realOf(file));
-}
-
 int readFile(sqlite3_file* file, void* bytes, int count, sqlite3_int64 at) {
     if (isHit(StorageFault::ReadError)) return SQLITE_IOERR_READ;
     const int result = methodsOf(file).xRead(realOf(file), bytes, count, at);
@@ -75,37 +71,9 @@ int syncFile(sqlite3_file* file, int flags) {
     return methodsOf(file).xSync(realOf(file), flags);
 }
 
-int sizeOfFile(sqlite3_file* file, sqlite3_int64* size) {
-    return methodsOf(file).xFileSize(realOf(file), size);
-}
-
 int lockFile(sqlite3_file* file, int lock) {
     if (lock >= SQLITE_LOCK_RESERVED && isHit(StorageFault::Locked)) return SQLITE_BUSY;
     return methodsOf(file).xLock(realOf(file), lock);
-}
-
-int unlockFile(sqlite3_file* file, int lock) {
-    return methodsOf(file).xUnlock(realOf(file), lock);
-}
-
-int checkReservedLock(sqlite3_file* file, int* result) {
-    return methodsOf(file).xCheckReservedLock(realOf(file), result);
-}
-
-int controlFile(sqlite3_file* file, int operation, void* argument) {
-    return methodsOf(file).xFileControl(realOf(file), operation, argument);
-}
-
-int sectorSize(sqlite3_file* file) {
-    return methodsOf(file).xSectorSize(realOf(file));
-}
-
-int characteristics(sqlite3_file* file) {
-    return methodsOf(file).xDeviceCharacteristics(realOf(file));
-}
-
-int mapShared(sqlite3_file* file, int page, int size, int extends, void volatile** address) {
-    return methodsOf(file).xShmMap(realOf(file), page, size, extends, address);
 }
 
 int lockShared(sqlite3_file* file, int offset, int count, int flags) {
@@ -116,18 +84,32 @@ int lockShared(sqlite3_file* file, int offset, int count, int flags) {
     return methodsOf(file).xShmLock(realOf(file), offset, count, flags);
 }
 
-void shareBarrier(sqlite3_file* file) {
-    methodsOf(file).xShmBarrier(realOf(file));
+/// A call that no fault hits.
+template <auto kMethod, typename... Arguments>
+auto pass(sqlite3_file* file, Arguments... arguments) {
+    return (methodsOf(file).*kMethod)(realOf(file), arguments...);
 }
+using Methods = sqlite3_io_methods;
 
-int unmapShared(sqlite3_file* file, int deletes) {
-    return methodsOf(file).xShmUnmap(realOf(file), deletes);
-}
-
-constexpr sqlite3_io_methods kMethods{
-    2,          closeFile,    readFile,          writeFile,   truncateFile, syncFile,        sizeOfFile,
-    lockFile,   unlockFile,   checkReservedLock, controlFile, sectorSize,   characteristics, mapShared,
-    lockShared, shareBarrier, unmapShared,       nullptr,     nullptr};
+constexpr Methods kMethods{2,
+                           pass<&Methods::xClose>,
+                           readFile,
+                           writeFile,
+                           truncateFile,
+                           syncFile,
+                           pass<&Methods::xFileSize>,
+                           lockFile,
+                           pass<&Methods::xUnlock>,
+                           pass<&Methods::xCheckReservedLock>,
+                           pass<&Methods::xFileControl>,
+                           pass<&Methods::xSectorSize>,
+                           pass<&Methods::xDeviceCharacteristics>,
+                           pass<&Methods::xShmMap>,
+                           lockShared,
+                           pass<&Methods::xShmBarrier>,
+                           pass<&Methods::xShmUnmap>,
+                           nullptr,
+                           nullptr};
 
 int openFile(sqlite3_vfs*, sqlite3_filename name, sqlite3_file* file, int flags, int* outFlags) {
     isHit(StorageFault::Kill);

@@ -15,8 +15,8 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int kRuns = 40;
-constexpr int kFewestRuns = 8;  ///< On a slow machine.
+constexpr int kRuns = 12;
+constexpr int kFewestRuns = 6;  ///< On a slow machine.
 /// A terminal that has changed nothing for so long after so long a start waits for a step that does not come.
 constexpr int kStartMs = 600;
 constexpr int kQuietMs = 450;
