@@ -35,12 +35,9 @@ class Collections : public testing::Test {
     }
     void addSalesSlip(QStringView user = kUser) {
         for (const QStringView product : {u"1001", u"1002"}) {
-            device_.insert(u"MTM", {{u"DDate", kDate},
-                                    {u"GCode", u"0001"},
-                                    {u"JunNo", kNumber},
-                                    {u"PCode", product},
-                                    {u"WorkGubun", u"미발행"},
-                                    {u"UserID", user}});
+            device_.execute(
+                u"INSERT INTO MTM (DDate, GCode, JunNo, PCode, WorkGubun, UserID) VALUES "
+                "('2024-05-10', '0001', '5001', '%1', '미발행', '%2')"_s.arg(product, user));
         }
     }
 

@@ -10,6 +10,9 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 using platform::Won;
 
+const QString kSale =
+    u"INSERT INTO MTM (DDate, GCode, JunNo, WorkGubun, UserID) VALUES ('2024-05-10', '1', '5001', '미발행', 'A')"_s;
+
 JournalPayment paymentOf(QStringView code, QStringView gubun, QStringView junNo, std::int64_t charged,
                          QStringView date = u"2024-05-10", QStringView user = u"A") {
     JournalPayment payment;
@@ -59,8 +62,7 @@ TEST(OpenPayments, HoldBackTheirCustomerAlone) {
 
 TEST(OpenPayments, AreNotedInAnOlderTerminalsJournal) {
     test::TestDevice device;
-    device.insert(u"MTM",
-                  {{u"DDate", u"2024-05-10"}, {u"GCode", u"1"}, {u"JunNo", u"5001"}, {u"UserID", u"A"}});
+    device.execute(kSale);
     for (const auto* const column : {"SaleTotal", "ContainerWorth"})
         device.execute(u"ALTER TABLE PAYJOURNAL DROP COLUMN "_s + QLatin1StringView(column));
     const JournalPayment payment = paymentOf(u"1", kCollectionOfSale, u"5001", 1000);
@@ -72,11 +74,7 @@ TEST(OpenPayments, AreNotedInAnOlderTerminalsJournal) {
 
 TEST(OpenPayments, AreOpenAgainAfterAMistake) {
     test::TestDevice device;
-    device.insert(u"MTM", {{u"DDate", u"2024-05-10"},
-                           {u"GCode", u"1"},
-                           {u"JunNo", u"5001"},
-                           {u"WorkGubun", u"미발행"},
-                           {u"UserID", u"A"}});
+    device.execute(kSale);
     const QString said =
         u"SELECT State || BANKTRANNO || (SELECT WorkGubun FROM MTM) || (SELECT "
         "count(nullif(BANKTRANNO, '')) || '/' || count(*) FROM MTMOK) FROM PAYJOURNAL"_s;

@@ -15,19 +15,12 @@ namespace {
 class CollectionEntryTest : public testing::Test {
   protected:
     CollectionEntryTest() {
-        device_.insert(u"GARAE", {{u"GCODE", u"0001"}, {u"CJMONEY", u"9000"}});
-        device_.insert(u"PDAUSER", {{u"userID", u"A"}, {u"vatMode", u"2"}});
-        for (const QStringView product : {u"1001", u"1002"}) {
-            device_.insert(u"MTM", {{u"DDate", u"2024-05-10"},
-                                    {u"GCode", u"0001"},
-                                    {u"JunNo", u"5001"},
-                                    {u"PCode", product},
-                                    {u"MMoney", u"10007"},
-                                    {u"BMoney", u"1000"},
-                                    {u"YMoney", u"500"},
-                                    {u"GMoney", u"60"},
-                                    {u"UserID", u"A"}});
-        }
+        device_.execute(
+            u"INSERT INTO GARAE (GCODE, CJMONEY) VALUES ('0001', '9000');"
+            "INSERT INTO PDAUSER (userID, vatMode) VALUES ('A', '2');"
+            "INSERT INTO MTM (DDate, GCode, JunNo, PCode, MMoney, BMoney, YMoney, GMoney, UserID) SELECT "
+            "'2024-05-10', '0001', '5001', column1, '10007', '1000', '500', '60', 'A' FROM "
+            "(VALUES ('1001'), ('1002'))"_s);
     }
     static OpenedEntry open(const QString& gCode = u"0001"_s) {
         return openEntry({u"2024-05-10"_s, u"5001"_s, u"A"_s, gCode});

@@ -126,15 +126,9 @@ TEST_F(SlipPapers, AreReprintsUntilTheirSlipChanges) {
 TEST_F(SlipPapers, SayWhatOneCosts) {
     const auto price = [&](const QString& box, const QString& bottles, const QString& supply) {
         device_.execute(u"DELETE FROM MTM"_s);
-        device_.insert(u"MTM", {{u"DDate", kDate},
-                                {u"JunNo", u"5001"},
-                                {u"UserID", u"A"},
-                                {u"GCode", u"0001"},
-                                {u"PCode", u"1"},
-                                {u"PName", u"소주"},
-                                {u"Box", box},
-                                {u"Bon", bottles},
-                                {u"MMoney", supply}});
+        device_.execute(
+            u"INSERT INTO MTM (DDate, JunNo, UserID, GCode, PCode, PName, Box, Bon, MMoney) VALUES "
+            "('2024-05-10', '5001', 'A', '0001', '1', '소주', '%1', '%2', '%3')"_s.arg(box, bottles, supply));
         const auto invoice = print::slipPaper(Paper::Invoice, kDate, u"5001", u"A", Copy::Seller, false);
         const QString line = invoice->lines().filter(u"소주"_s).value(0).trimmed();
         return line.mid(line.lastIndexOf(u"  "_s)).trimmed();

@@ -72,18 +72,11 @@ class SlipTest : public testing::Test {
 
     void saved(QStringView user, QStringView junNo, QStringView pcode, QStringView state = u"미발행",
                QStringView date = kToday) {
-        device.insert(u"MTM", {{u"DDate", date},
-                               {u"GName", u"손님 "_s + junNo.toString()},
-                               {u"JunNo", junNo},
-                               {u"WorkGubun", state},
-                               {u"PCode", pcode},
-                               {u"Box", u"1"},
-                               {u"Bon", u"0"},
-                               {u"MMoney", u"1000"},
-                               {u"BMoney", u"100"},
-                               {u"YMoney", u"20"},
-                               {u"GMoney", u"3"},
-                               {u"UserID", user}});
+        device.execute(
+            u"INSERT INTO MTM (DDate, GName, JunNo, WorkGubun, PCode, Box, Bon, MMoney, BMoney, YMoney, "
+            u"GMoney, "
+            "UserID) VALUES ('%1', '손님 %2', '%2', '%3', '%4', '1', '0', '1000', '100', '20', '3', '%5')"_s
+                .arg(date, junNo, state, pcode, user));
     }
 
     QString savedProducts() {

@@ -80,17 +80,14 @@ StoredChangesTest::StoredChangesTest() {
     device_.insert(u"GARAE", {{u"GCODE", u"0016"}, {u"GNAME", u"강나루마트"}, {u"CJMONEY", u"2821400"}});
     for (const QStringView table : {u"MTM", u"TEMP"}) {
         for (const QStringView box : {u"3", u"4"})
-            device_.insert(table, {{u"DDate", kDate},
-                                   {u"GCode", u"0016"},
-                                   {u"JunNo", kNumber},
-                                   {u"PCode", table == u"MTM" ? u"1001" : u"1010"},
-                                   {u"Box", box}});
+            device_.execute(
+                u"INSERT INTO %1 (DDate, GCode, JunNo, PCode, Box) VALUES ('2024-03-29', '0016', '5001', '%2', '%3')"_s
+                    .arg(table, table == u"MTM" ? u"1001"_s : u"1010"_s, box));
     }
-    for (const QStringView table : {u"YTM", u"YTEMP"})
-        device_.insert(table, {{u"DDate", kDate},
-                               {u"GCode", u"0016"},
-                               {u"JunNo", kNumber},
-                               {u"NBox", table == u"YTM" ? u"1" : u"2"}});
+    for (const auto& [table, crates] : {std::pair(u"YTM"_s, u"1"_s), {u"YTEMP"_s, u"2"_s}})
+        device_.execute(
+            u"INSERT INTO %1 (DDate, GCode, JunNo, NBox) VALUES ('2024-03-29', '0016', '5001', '%2')"_s.arg(
+                table, crates));
     device_.execute(u"UPDATE MTM SET UserID = 'A'; UPDATE YTM SET UserID = 'A'"_s);
     books::saveCollection(collection(50000));
     books::JournalPayment payment;
@@ -98,11 +95,9 @@ StoredChangesTest::StoredChangesTest() {
     payment.slip = collection(50000);
     EXPECT_TRUE(books::notePayment(payment));
     for (const QStringView paper : {u"거래명세서", u"용공인수증", u"입금표"})
-        device_.insert(u"PRINTLOG", {{u"DDate", kDate},
-                                     {u"JunNo", kNumber},
-                                     {u"UserID", kUser},
-                                     {u"Document", paper},
-                                     {u"Copy", u"공급자용"}});
+        device_.execute(
+            u"INSERT INTO PRINTLOG (DDate, JunNo, UserID, Document, Copy) VALUES "
+            "('2024-03-29', '5001', 'A', '%1', '공급자용')"_s.arg(paper));
     // One file from here on, which is put back before every change.
     platform::adoce::DatabaseFile::forgetAll();
     device_.execute(u"PRAGMA journal_mode=DELETE"_s);

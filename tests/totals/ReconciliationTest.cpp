@@ -57,11 +57,10 @@ TEST(Reconciliation, NamesEveryDifference) {
         test::TestDevice device;
         for (const QString& slip : slips.split(u' ', Qt::SkipEmptyParts)) {
             const QStringList parts = slip.split(u'/');
-            device.insert(u"MTMOK", {{u"JunNo", u"1001"},
-                                     {u"UserID", parts[1]},
-                                     {u"CardMoney", parts[2]},
-                                     {u"MSGSENDTIME", parts.value(3, u"20261121120000"_s)},
-                                     {u"BANKTRANNO", u"00000000000"_s + parts[0]}});
+            device.execute(
+                u"INSERT INTO MTMOK (JunNo, UserID, CardMoney, MSGSENDTIME, BANKTRANNO) VALUES "
+                "('1001', '%1', '%2', '%3', '00000000000%4')"_s.arg(
+                    parts[1], parts[2], parts.value(3, u"20261121120000"_s), parts[0]));
         }
         print::HostSummary summary;
         summary.transferCount = count;
@@ -76,19 +75,16 @@ TEST(Reconciliation, NamesEveryDifference) {
 TEST(Reconciliation, KnowsFromTheJournalWhatNoSlipShows) {
     const auto reconciled = [](const QString& journal, const QString& list) {
         test::TestDevice device;
-        device.insert(u"MTMOK", {{u"GCode", u"7"},
-                                 {u"CardMoney", u"900"},
-                                 {u"MSGSENDTIME", u"20261121120000"},
-                                 {u"BANKTRANNO", u"000000000001"}});
+        device.execute(
+            u"INSERT INTO MTMOK (GCode, CardMoney, MSGSENDTIME, BANKTRANNO) VALUES "
+            "('7', '900', '20261121120000', '000000000001')"_s);
         for (const QString& line : journal.split(u' ')) {
             const QStringList parts = line.split(u'/');
-            device.insert(u"PAYJOURNAL", {{u"State", parts[0]},
-                                          {u"Kind", u"card"},
-                                          {u"Charged", u"900"},
-                                          {u"GCode", u"7"},
-                                          {u"GName", u"일곱"},
-                                          {u"MSGSENDTIME", parts[1] + u"120000"_s},
-                                          {u"BANKTRANNO", parts[2]}});
+            device.execute(
+                u"INSERT INTO PAYJOURNAL (State, Kind, Charged, GCode, GName, MSGSENDTIME, BANKTRANNO) "
+                u"VALUES "
+                "('%1', 'card', '900', '7', '일곱', '%2', '%3')"_s.arg(parts[0], parts[1] + u"120000"_s,
+                                                                       parts[2]));
         }
         print::HostSummary summary;
         summary.transferCount = QString::number(list.count(u'\n'));

@@ -23,7 +23,9 @@ TEST(PaymentInquiry, BelievesOnlyWhatTellsOfThisPayment) {
     platform::clock::set(sent.addSecs(60));
     ASSERT_TRUE(books::notePayment(payment));
 
+    using enum PaymentVerdict;
     const QString own = payment.number.toUpper();
+    const QString another(32, u'b'), ok = u"0000"_s, no;
     const struct {
         const char* what;
         QString code, transaction, amount, deposited, answered;
@@ -31,32 +33,20 @@ TEST(PaymentInquiry, BelievesOnlyWhatTellsOfThisPayment) {
         QString before = {};  ///< A statement.
         int secondsLater = 60;
     } cases[] = {
-        {"approved", u"0000"_s, u"7"_s, {}, {}, own, PaymentVerdict::Approved},
-        {"approved without a number", u"0000"_s, {}, {}, {}, own, PaymentVerdict::Open},
-        {"refused", u"0012"_s, {}, {}, {}, own, PaymentVerdict::NotCharged},
-        {"no code", {}, {}, {}, {}, own, PaymentVerdict::Open},
-        {"another's", u"0000"_s, u"7"_s, u"1000"_s, u"999"_s, QString(32, u'b'), PaymentVerdict::Open},
-        {"the last one", u"0000"_s, u"7"_s, u"1000"_s, u"999"_s, {}, PaymentVerdict::Approved},
-        {"of another amount", u"0000"_s, u"7"_s, u"1001"_s, u"999"_s, {}, PaymentVerdict::Open},
-        {"in cash", u"0000"_s, u"7"_s, u"1000"_s, u"0"_s, {}, PaymentVerdict::Open},
-        {"refused, perhaps another", u"0012"_s, {}, u"1000"_s, u"999"_s, {}, PaymentVerdict::Open},
-        {"too long ago", u"0000"_s, u"7"_s, u"1000"_s, u"999"_s, {}, PaymentVerdict::Open, {}, 24 * 60 * 60},
-        {"of a time to come", u"0000"_s, u"7"_s, u"1000"_s, u"999"_s, {}, PaymentVerdict::Open, {}, -60},
-        {"on a slip",
-         u"0000"_s,
-         u"8"_s,
-         u"1000"_s,
-         u"999"_s,
-         {},
-         PaymentVerdict::Open,
+        {"approved", ok, u"7"_s, no, no, own, Approved},
+        {"approved without a number", ok, no, no, no, own, Open},
+        {"refused", u"0012"_s, no, no, no, own, NotCharged},
+        {"no code", no, no, no, no, own, Open},
+        {"another's", ok, u"7"_s, u"1000"_s, u"999"_s, another, Open},
+        {"the last one", ok, u"7"_s, u"1000"_s, u"999"_s, no, Approved},
+        {"of another amount", ok, u"7"_s, u"1001"_s, u"999"_s, no, Open},
+        {"in cash", ok, u"7"_s, u"1000"_s, u"0"_s, no, Open},
+        {"refused, perhaps another", u"0012"_s, no, u"1000"_s, u"999"_s, no, Open},
+        {"too long ago", ok, u"7"_s, u"1000"_s, u"999"_s, no, Open, no, 24 * 60 * 60},
+        {"of a time to come", ok, u"7"_s, u"1000"_s, u"999"_s, no, Open, no, -60},
+        {"on a slip", ok, u"8"_s, u"1000"_s, u"999"_s, no, Open,
          u"INSERT INTO MTMOK (JunNo, BANKTRANNO) VALUES ('5000', '8')"_s},
-        {"not the newest",
-         u"0000"_s,
-         u"7"_s,
-         u"1000"_s,
-         u"999"_s,
-         {},
-         PaymentVerdict::Open,
+        {"not the newest", ok, u"7"_s, u"1000"_s, u"999"_s, no, Open,
          u"INSERT INTO PAYJOURNAL (Number, State) VALUES ('c', 'refused')"_s},
     };
     for (const auto& c : cases) {
