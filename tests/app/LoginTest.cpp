@@ -1,6 +1,7 @@
 #include "app/Login.h"
 
 #include <gtest/gtest.h>
+
 #include <QDir>
 #include <QFile>
 

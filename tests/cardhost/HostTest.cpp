@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <QDateTime>
 #include <QFile>
 #include <QTcpSocket>
 

@@ -10,7 +10,6 @@
 #include <QDir>
 #include <QFile>
 #include <cerrno>
-#include <cstdio>
 #include <functional>
 
 #include "db/MasterLoads.h"

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <QFile>
-#include <QList>
 
 #include "support/PrintQt.h"
 #include "support/RecordedTraces.h"

@@ -2,26 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
-#include <QElapsedTimer>
-#include <QFileInfo>
 #include <array>
-#include <atomic>
-#include <cstdio>
-#include <memory>
-#include <thread>
 #include <vector>
 
-#include "platform/Device.h"
-#include "platform/termdev/SwipeSocket.h"
 #include "platform/termdev/TermDev.h"
-#include "support/Pump.h"
-#include "support/TestDevice.h"
 
 namespace {
 
 using platform::termdev::CardReader;
-using platform::termdev::SwipeSocket;
 
 /// The reader as the screens reach it: by ordinal.
 struct Reader {

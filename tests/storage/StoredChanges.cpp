@@ -9,7 +9,6 @@
 #include "db/Schema.h"
 #include "platform/Clock.h"
 #include "platform/CodePage.h"
-#include "platform/Device.h"
 #include "platform/Sqlite.h"
 #include "platform/adoce/DatabaseFile.h"
 #include "sales/SlipStore.h"

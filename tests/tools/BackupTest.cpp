@@ -2,7 +2,6 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QProcess>
 
 #include "AdminTest.h"
 #include "support/FullDisk.h"

@@ -1,4 +1,3 @@
-#include <QDir>
 #include <QFileInfo>
 #include <QProcess>
 
@@ -8,25 +7,6 @@ namespace test {
 namespace {
 
 using CommandsTest = AdminTest;
-
-TEST_F(CommandsTest, ExitCodesTellUsageFromFailure) {
-    const struct {
-        QStringList arguments;
-        int exitCode;
-    } cases[] = {
-        {{}, admin::kUsageError},
-        {{u"slips"_s, u"--date"_s, u"29.3.2024"_s}, admin::kUsageError},
-        {{u"slips"_s}, admin::kFailure},
-        {{u"price"_s, u"0001"_s, u"1001"_s, u"1"_s, u"0"_s}, admin::kFailure},
-        {{u"price"_s, u"--help"_s}, admin::kSuccess},
-    };
-    for (const auto& [arguments, exitCode] : cases) {
-        const Ended ended = run(arguments);
-        EXPECT_EQ(ended.exitCode, exitCode) << narrow(arguments.join(u' ')) << ": " << narrow(ended.err);
-        EXPECT_EQ(ended.err.isEmpty(), exitCode == admin::kSuccess) << narrow(arguments.join(u' '));
-    }
-    EXPECT_TRUE(QDir(folder()).isEmpty()) << "a refused call leaves nothing behind";
-}
 
 TEST_F(CommandsTest, JournalListsPaymentsAndSettlesOpenOnes) {
     makeDevice();
