@@ -77,6 +77,17 @@ TEST_F(ComponentTest, ARefusedConnectionIsAnEvent) {
     EXPECT_EQ(terminal.wait(), u"communicating ksnet -500 ended");
 }
 
+TEST_F(ComponentTest, OneExchangeRunsAtATime) {
+    Component::setTimeOutUnit(std::chrono::milliseconds(20));
+    ASSERT_EQ(terminal.payment(kCardData, u"1234"), kDone);
+    ASSERT_EQ(terminal.commun(port(), 2), kDone);
+    EXPECT_EQ(terminal.call(25, {u"127.0.0.1", qint16(port()), qint16(1), qint16(0)}), kLinkFailed);
+    EXPECT_EQ(terminal.header(u"0100"), kBadInput) << "an exchange is under way";
+    EXPECT_EQ(terminal.wait(), u"communicating sent error ended");
+    EXPECT_EQ(terminal.header(u"0100"), kDone) << "ready again";
+    Component::setTimeOutUnit(std::chrono::seconds(1));
+}
+
 TEST_F(ComponentTest, ADroppedComponentEndsItsExchangeQuietly) {
     auto dropped = std::make_unique<Exchange>();
     ASSERT_EQ(dropped->payment(kCardData, u"1234"), kDone);
