@@ -69,21 +69,4 @@ TEST(Keypad, ShowsAndReturnsWhatIsKeyed) {
     }
 }
 
-TEST(Keypad, KeepsThePresentNumberOfAFieldThatStaysEmpty) {
-    KeypadRequest asked = request(app::kThreeNumbers);
-    asked.Topic.present = {u"2"_s, u"7"_s, u"9"_s};
-    Keypad keypad(asked);
-    EXPECT_EQ(keypad.display(1), u""_s);
-    press(&keypad, u"5");
-    keypad.activate(3);
-    press(&keypad, u"8");
-    keypad.erase(3);
-    EXPECT_EQ(keypad.entries(), (std::array{u"5"_s, u"7"_s, u""_s}))
-        << "what was erased is 0, not what it was";
-    keypad.clear();
-    keypad.accept(&asked);
-    EXPECT_EQ(asked.KeypadValue1 + asked.KeypadValue2 + asked.KeypadValue3, u"579"_s);
-    EXPECT_EQ(asked.KeypadResult, 1);
-}
-
 }  // namespace

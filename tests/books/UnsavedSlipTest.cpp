@@ -55,14 +55,4 @@ TEST(UnsavedSlip, LastsFromTheFirstChangeToTheSave) {
     EXPECT_EQ(lines(), 1);
 }
 
-// A database of an older terminal: the slip is written as ever.
-TEST(UnsavedSlip, IsNotNotedWithoutItsTable) {
-    test::TestDevice device;
-    device.execute(u"DROP TABLE UNSAVED"_s);
-    ASSERT_TRUE(sales::reloadSlip(u"A", kDay, u"5001") && sales::insertLine(saleLine(u"1001"_s)));
-    EXPECT_FALSE(books::findUnsaved() || books::isUnsaved(books::Working::Sale));
-    EXPECT_EQ(sales::saveSlip(u"A", kDay, u"5001"), sales::SaveOutcome::Saved);
-    EXPECT_EQ(device.value(u"SELECT count(*) FROM MTM"_s), u"1"_s);
-}
-
 }  // namespace

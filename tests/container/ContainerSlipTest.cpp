@@ -45,48 +45,6 @@ TEST(ContainerAmounts, FollowTheCountsAndTheProduct) {
     }
 }
 
-container::ContainerLine line(const QString& pCode, const ContainerCounts& counts) {
-    container::ContainerLine line;
-    line.DDate = u"2026-11-21"_s;
-    line.GCode = u"0001"_s;
-    line.GName = u"가나상회"_s;
-    line.JunNo = u"6001"_s;
-    line.PCode = pCode;
-    line.PName = u"소주"_s;
-    line.setCounts(counts);
-    line.setAmounts({Won(1), Won(2), Won(3), Won(4)});
-    return line;
-}
-
-TEST(ContainerSlip, IsSavedWhole) {
-    test::TestDevice device;
-    const QString saved =
-        u"SELECT UserID, PCode, FBox, NBox, Bon, YMONEY, GMONEY, YSAMT, GSAMT FROM YTM "
-        "ORDER BY UserID, PCode"_s;
-    const auto save = [] { return container::saveSlip(u"A", u"2026-11-21", u"6001", u"0001"); };
-    device.insert(u"YTM", {{u"DDate", u"2026-11-21"}, {u"JunNo", u"6001"}, {u"UserID", u"B"}});
-    const QStringList others{u"B"_s, {}, {}, {}, {}, {}, {}, {}, {}};
-
-    ASSERT_TRUE(insertLine(line(u"1001"_s, {.bottles = 5, .emptyCrates = 1, .filledCrates = 2})));
-    ASSERT_TRUE(insertLine(line(u"1002"_s, {.bottles = 6, .emptyCrates = 0, .filledCrates = 0})));
-    EXPECT_FALSE(insertLine(line(u"10'3"_s, {.bottles = 6, .emptyCrates = 0, .filledCrates = 0})));
-    // The fee that is keyed changes alone, though the line's own statement reads no fees.
-    ASSERT_TRUE(replaceAmount({u"1001"_s, u"1"_s, u"2"_s, u"5"_s}, &ContainerAmounts::bottleFee, Won(40)));
-    ASSERT_TRUE(replaceAmount({u"1002"_s, u"0"_s, u"0"_s, u"6"_s}, &ContainerAmounts::crates, Won(10)));
-    EXPECT_EQ(container::workingSums(), (ContainerAmounts{Won(11), Won(4), Won(6), Won(44)}));
-    EXPECT_EQ(save(), container::SaveOutcome::Saved);
-    const QList<QStringList> slip{
-        {u"A"_s, u"1001"_s, u"1"_s, u"2"_s, u"5"_s, u"1"_s, u"2"_s, u"3"_s, u"40"_s},
-        {u"A"_s, u"1002"_s, u"0"_s, u"0"_s, u"6"_s, u"10"_s, u"2"_s, u"3"_s, u"4"_s},
-        others};
-    EXPECT_EQ(device.rows(saved), slip);
-
-    container::deleteLine({u"1001"_s, u"1"_s, u"2"_s, u"5"_s});
-    device.execute(u"DELETE FROM YTEMP"_s);
-    EXPECT_EQ(save(), container::SaveOutcome::Empty);
-    EXPECT_EQ(device.rows(saved), QList<QStringList>{others});
-}
-
 TEST(ContainerSlip, MovesTheCollectionThatAnUnpaidCardHasReplaced) {
     test::TestDevice device;
     const QString line =

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "db/Query.h"
-#include "support/FullDisk.h"
 #include "support/PrintQt.h"
 #include "support/TestDevice.h"
 
@@ -24,27 +23,6 @@ class TransactionTest : public testing::Test {
 
     test::TestDevice device;
 };
-
-// Once the database has given a transaction up, a later statement would be kept on its own.
-TEST_F(TransactionTest, ALostOneKeepsNothing) {
-    execute(kInsert(u"0", u"before"));
-    const QString long1k(1000, u'x');
-    {
-        Transaction transaction;
-        transaction.connection().Execute(kInsert(u"1", u""));
-        {
-            const test::FullDisk full(64 * 1024);
-            for (int i = 0; i < 10000 && transaction.isAlive(); ++i) {
-                transaction.connection().Execute(kInsert(u"2", long1k));
-            }
-        }
-        ASSERT_FALSE(transaction.isAlive());
-        transaction.connection().Execute(kInsert(u"3", u"there is room again"));
-        execute(kInsert(u"4", u"there is room again"));
-        EXPECT_FALSE(transaction.commit());
-    }
-    EXPECT_EQ(slips(), u"0"_s);
-}
 
 TEST_F(TransactionTest, AScopeOfReadingSeesOneState) {
     {

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "sales/ProductQuery.h"
-#include "sales/WorkingSlip.h"
 #include "support/PrintQt.h"
 #include "support/TestDevice.h"
 
@@ -85,29 +83,6 @@ TEST_F(PastOrderTest, LooksIntoTheArchivesAtHandWhileItsSlipsAreFew) {
                                            u"09-01 5001 10: 1001 1/0"_s}));
     add(u"2026-11-05"_s, u"5001"_s, u"1001"_s, 5, 0);
     EXPECT_EQ(slips().size(), 5) << "the archive is left alone";
-}
-
-TEST_F(PastOrderTest, TakesOverWhatIsStillSoldAtTodaysPrices) {
-    for (const QString& product : {u"1001"_s, u"1002"_s, u"1003"_s, u"1004"_s})
-        add(u"2026-11-20"_s, u"5001"_s, product, product == u"1002" ? 1000 : 2, 1);
-    PastSlip slip = history().slips().first();
-    slip.products << Purchase{u"1005"_s, u"오'가피"_s, {1, 0}} << Purchase{u"9999"_s, u"없는술"_s, {1, 0}};
-    const SlipHead head{kToday.toString(), u"5009"_s, u"0001"_s, u"주점"_s, u"유흥"_s};
-    const auto taken = takeOver(head, slip);
-    ASSERT_TRUE(taken);
-    EXPECT_EQ(taken->lines, 1);
-    QStringList leftOut = taken->leftOut;
-    leftOut.sort();
-    EXPECT_EQ(leftOut.join(u' '), u"막걸리 맥주 없는술 오'가피 와인"_s);
-    const QString rows =
-        u"SELECT group_concat(DDate||JunNo||GCode||GName||PCode||PName||JGubun||Box||'/'||Bon||' "
-        u"'||MMoney||' '||"
-        "BMoney||WorkGubun) FROM TEMP"_s;
-    EXPECT_EQ(device.value(rows), u"2026-11-2150090001주점1001소주012/1 61500 6000미처리"_s);
-    // Nothing of it is sold: the lines stay.
-    slip.products.remove(0, slip.products.size() - 1);
-    EXPECT_EQ(takeOver(head, slip)->lines, 0);
-    EXPECT_EQ(device.value(u"SELECT COUNT(*) FROM TEMP"_s), u"1"_s);
 }
 
 }  // namespace
