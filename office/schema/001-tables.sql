@@ -279,19 +279,20 @@ SELECT office.make_month(DATE '0001-01-01');
 
 -- --- receivables ---------------------------------------------------------------------------------------------------------
 
--- What a collection slip adds to its customer's receivable: its total less all that was paid against it. A recovery above
--- the total that a settling button has booked is in the recovery already and counts once. A simple payment adds nothing.
+-- What a collection slip adds to its customer's receivable: its total less all that was paid against it. What came in is the
+-- sum that the slip has, whatever its parts are. A recovery above the total that a settling button has booked is in the
+-- recovery already and counts once. A simple payment adds nothing.
 CREATE FUNCTION office.receivable_effect(slip office.mtmok) RETURNS numeric LANGUAGE sql IMMUTABLE PARALLEL SAFE
 RETURN (
     SELECT CASE
         WHEN (slip).gubun = '단순결제' THEN 0
         WHEN recovery - total > 0 AND earlier = recovery - total AND cash = 0 AND card = 0 AND unpaid = 0
-            THEN total - recovery
-        ELSE total - recovery - card - cash - earlier END
+            THEN total - recovery - received
+        ELSE total - recovery - received - earlier END
     FROM (SELECT office.won((slip).mmoney)::numeric + office.won((slip).ygmoney) AS total,
             office.won((slip).ydmoney)::numeric AS recovery, office.won((slip).cardmoney)::numeric AS card,
             office.won((slip).wonmoney)::numeric AS cash, office.won((slip).undermoney)::numeric AS unpaid,
-            office.won((slip).misuinmoney)::numeric AS earlier) AS amounts);
+            office.won((slip).inmoney)::numeric AS received, office.won((slip).misuinmoney)::numeric AS earlier) AS amounts);
 
 -- What has moved a customer's receivable since GARAE.RVN was loaded. Only added to, so that terminals that send at the
 -- same time do not wait for each other; a load of GARAE.RVN empties it, since its balances have it all.

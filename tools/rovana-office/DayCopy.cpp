@@ -135,9 +135,11 @@ DayCopy::DayCopy(pqxx::connection& connection, const QString& date, const QStrin
     const QString path = platform::device::path(platform::device::kDatabaseFile);
     QDir().mkpath(QFileInfo(path).path());
     platform::SqliteFile file(path, platform::SqliteFile::Mode::Create);
+    // It goes with this object: nothing waits for the disk.
+    file.run("PRAGMA synchronous = OFF");
+    platform::SqliteTransaction transaction(file);
     file.run(db::schema::createStatements().toUtf8() + QByteArray("PRAGMA user_version = ") +
              QByteArray::number(db::schema::kVersion));
-    platform::SqliteTransaction transaction(file);
     // One picture of all tables, whatever the terminals send meanwhile.
     pqxx::work work(connection);
     work.exec("SET TRANSACTION ISOLATION LEVEL REPEATABLE READ READ ONLY");
