@@ -138,6 +138,7 @@ CREATE TABLE office.document (
     sent_at timestamptz NOT NULL DEFAULT now(),
     PRIMARY KEY (month, terminal, ddate, kind, number, userid)
 ) PARTITION BY LIST (month);
+CREATE INDEX ON office.document (terminal) WHERE state = 'missing';
 COMMENT ON COLUMN office.document.digest IS 'SHA-256 of its kind and rows (office.digest)';
 COMMENT ON COLUMN office.document.state IS
     'missing: the terminal has it no more and no deletion tells why; deleted: its rows are in office.history alone';
@@ -361,8 +362,8 @@ DO $$
 DECLARE
     name text;
 BEGIN
-    FOREACH name IN ARRAY ARRAY['document', 'history', 'mtm', 'ytm', 'mtmok', 'payjournal', 'printlog', 'deleted', 'dayclose',
-                                'salesman'] LOOP
+    FOREACH name IN ARRAY ARRAY['document', 'history', 'mtm', 'ytm', 'mtmok', 'payjournal', 'printlog', 'deleted',
+                                'dayclose', 'salesman'] LOOP
         EXECUTE format('ALTER TABLE office.%I ENABLE ROW LEVEL SECURITY', name);
         EXECUTE format('ALTER TABLE office.%I FORCE ROW LEVEL SECURITY', name);
         EXECUTE format('CREATE POLICY own ON office.%I USING ((SELECT office.session_terminal()) IS NULL '

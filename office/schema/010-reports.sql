@@ -11,7 +11,8 @@ RETURN CASE WHEN value >= 9223372036854775807::float8 THEN 9223372036854775807
 
 -- What goods come to in a salesman's VAT mode: "2" rounds to 10 won and "3" to 100, from the supply alone. The factor is the
 -- floating 1.1 and the tax is not looked at: both are facts of this system.
-CREATE FUNCTION office.payable_total(supply numeric, vat numeric, vatmode text) RETURNS numeric LANGUAGE sql IMMUTABLE PARALLEL SAFE
+CREATE FUNCTION office.payable_total(supply numeric, vat numeric, vatmode text) RETURNS numeric
+LANGUAGE sql IMMUTABLE PARALLEL SAFE
 RETURN (
     SELECT CASE WHEN step = 0 THEN supply + vat
         WHEN remainder < step / 2 THEN office.integer_part(total - remainder)
@@ -64,12 +65,14 @@ SELECT month, terminal, ddate AS day, office.own_number(junno) AS number, junno 
     office.won(mmoney) AS supply, office.won(bmoney) AS vat,
     office.won(ymoney)::numeric AS crate_deposit, office.won(gmoney)::numeric AS bottle_deposit,
     workgubun AS state, dtime AS saved_at,
-    -- Nobody saved, printed or paid it, and nothing was collected or taken back for it.
-    NOT bool_or(dtime <> '' OR workgubun IN ('발행', '결제')) OVER (PARTITION BY month, terminal, ddate, junno, userid)
-        AND NOT EXISTS (SELECT FROM office.mtmok AS c WHERE c.month = l.month AND c.terminal = l.terminal
-            AND c.ddate = l.ddate AND c.junno = l.junno AND c.userid = l.userid)
-        AND NOT EXISTS (SELECT FROM office.ytm AS y WHERE y.month = l.month AND y.terminal = l.terminal
-            AND y.ddate = l.ddate AND y.junno = l.junno AND y.userid = l.userid) AS is_undelivered
+    -- Nobody saved, printed or paid a line of it, and nothing was collected or taken back for it.
+    NOT (dtime <> '' OR workgubun IN ('발행', '결제')
+        OR EXISTS (SELECT FROM office.mtm AS o WHERE o.month = l.month AND o.terminal = l.terminal AND o.ddate = l.ddate
+            AND o.junno = l.junno AND o.userid = l.userid AND (o.dtime <> '' OR o.workgubun IN ('발행', '결제')))
+        OR EXISTS (SELECT FROM office.mtmok AS c WHERE c.month = l.month AND c.terminal = l.terminal AND c.ddate = l.ddate
+            AND c.junno = l.junno AND c.userid = l.userid)
+        OR EXISTS (SELECT FROM office.ytm AS y WHERE y.month = l.month AND y.terminal = l.terminal AND y.ddate = l.ddate
+            AND y.junno = l.junno AND y.userid = l.userid)) AS is_undelivered
 FROM office.mtm AS l LEFT JOIN office.salesman AS s USING (terminal, userid);
 COMMENT ON VIEW report.sale IS 'The lines of the sales slips of all terminals';
 COMMENT ON COLUMN report.sale.month IS 'First day of the month of the day';
@@ -145,11 +148,13 @@ COMMENT ON COLUMN report.close.is_last IS 'A day that was closed again counts by
 
 CREATE VIEW report.change_after_close AS
 WITH closed AS (
-    SELECT DISTINCT ON (month, terminal, ddate, userid) month, terminal, ddate, userid, closedat, office.json_keys(visits) AS visits
+    SELECT DISTINCT ON (month, terminal, ddate, userid) month, terminal, ddate, userid, closedat,
+        office.json_keys(visits) AS visits
     FROM office.dayclose ORDER BY month, terminal, ddate, userid, row_number DESC
 )
 SELECT h.month, h.terminal, h.ddate AS day, h.userid, h.kind, office.own_number(h.number) AS number,
-    CASE WHEN h.is_deleted THEN 'deleted' ELSE 'changed' END AS change, h.superseded_at AS seen_at, h.revision, c.closedat AS closed_at
+    CASE WHEN h.is_deleted THEN 'deleted' ELSE 'changed' END AS change, h.superseded_at AS seen_at, h.revision,
+    c.closedat AS closed_at
 FROM office.history AS h LEFT JOIN closed AS c USING (month, terminal, ddate, userid)
 WHERE h.after_close AND h.kind IN ('sale', 'containers', 'collection', 'payment')
 UNION ALL
@@ -172,34 +177,49 @@ COMMENT ON COLUMN report.change_after_close.seen_at IS 'When the office learned 
 
 -- --- card approvals ------------------------------------------------------------------------------------------------------
 
-CREATE VIEW report.approval AS
-WITH slip AS (
-    SELECT banktranno AS number, msgsendtime AS sent, terminal, ddate AS day, office.own_number(junno) AS slip_number, userid,
-        gcode, gname, office.won(cardmoney) AS amount, NULL::bigint AS charged
-    FROM office.mtmok WHERE banktranno <> '' AND office.won(cardmoney) > 0
-), lost AS (
-    SELECT banktranno, msgsendtime, terminal, ddate, junno, userid, gcode, gname, NULL::bigint, office.won(charged)
-    FROM office.payjournal AS j WHERE state = 'approved' AND kind <> 'cash' AND banktranno <> ''
-        AND NOT EXISTS (SELECT FROM office.mtmok AS c WHERE c.terminal = j.terminal AND c.banktranno = j.banktranno)
+-- The approvals of a period's days beside the card host's own. A slip of another day may carry one, by its time of sending.
+CREATE FUNCTION report.approvals(first_day date, last_day date)
+RETURNS TABLE (number text, host_day date, terminal text, day text, slip_number text, userid text, gcode text, gname text,
+    amount bigint, charged bigint, host_amount bigint, host_time text, finding text)
+LANGUAGE sql STABLE SECURITY DEFINER SET search_path = pg_catalog, pg_temp AS $$
+WITH months AS MATERIALIZED (
+    SELECT ARRAY(SELECT generate_series(date_trunc('month', first_day - 31), last_day + 31, interval '1 month')::date) AS months
+), slip AS MATERIALIZED (
+    SELECT c.banktranno AS number, c.msgsendtime AS sent, c.terminal, c.ddate AS day, c.junno, c.userid, c.gcode, c.gname,
+        office.won(c.cardmoney) AS amount
+    FROM office.mtmok AS c WHERE c.month = ANY ((SELECT months.months FROM months)::date[]) AND c.banktranno <> ''
 ), ours AS (
-    SELECT *, CASE WHEN sent ~ '^[0-9]{8}' THEN to_date(left(sent, 8), 'YYYYMMDD') END AS sent_on
-    FROM (SELECT * FROM slip UNION ALL SELECT * FROM lost) AS both_kinds
+    SELECT both_kinds.*, CASE WHEN sent ~ '^[0-9]{8}' THEN to_date(left(sent, 8), 'YYYYMMDD') END AS sent_on FROM (
+        -- A cash payment that the host approved carries a transaction number, too.
+        SELECT slip.*, NULL::bigint AS charged FROM slip WHERE slip.amount > 0
+        UNION ALL
+        SELECT j.banktranno, j.msgsendtime, j.terminal, j.ddate, j.junno, j.userid, j.gcode, j.gname, NULL, office.won(j.charged)
+        FROM office.payjournal AS j
+        WHERE j.month = ANY ((SELECT months.months FROM months)::date[]) AND j.state = 'approved' AND j.kind <> 'cash'
+            AND j.banktranno <> ''
+            AND NOT EXISTS (SELECT FROM slip WHERE slip.terminal = j.terminal AND slip.number = j.banktranno)
+    ) AS both_kinds
 )
-SELECT coalesce(o.number, h.number) AS number, coalesce(h.day, o.sent_on) AS host_day, o.terminal, o.day, o.slip_number, o.userid,
-    o.gcode, o.gname, o.amount, o.charged, h.amount AS host_amount, h.paid_at AS host_time,
+SELECT coalesce(o.number, h.number), coalesce(h.day, o.sent_on), o.terminal, o.day, office.own_number(o.junno), o.userid, o.gcode,
+    o.gname, o.amount, o.charged, h.amount, h.paid_at,
     CASE WHEN h.number IS NOT NULL AND o.amount IS NULL THEN '전표에 없음'
         WHEN h.number IS NOT NULL AND o.amount <> h.amount THEN '금액 다름'
         WHEN h.number IS NOT NULL THEN ''
         WHEN EXISTS (SELECT FROM office.host_list AS l WHERE l.day = o.sent_on) THEN '호스트에 없음'
-        ELSE '목록 없음' END AS finding
+        ELSE '목록 없음' END
 -- Terminal and host may see midnight pass at different moments.
-FROM ours AS o FULL JOIN office.host_payment AS h ON h.number = o.number AND h.day BETWEEN o.sent_on - 1 AND o.sent_on + 1;
-COMMENT ON VIEW report.approval IS 'Card approvals on the slips and in the journals, each beside the card host''s own';
-COMMENT ON COLUMN report.approval.number IS 'Transaction number';
-COMMENT ON COLUMN report.approval.amount IS 'On the slip; null where no slip shows it';
-COMMENT ON COLUMN report.approval.charged IS 'By the journal, where no slip shows it';
-COMMENT ON COLUMN report.approval.finding IS
-    'Empty where both agree; 목록 없음 as long as the host''s list of the day was not loaded';
+FROM ours AS o FULL JOIN office.host_payment AS h ON h.number = o.number AND h.day BETWEEN o.sent_on - 1 AND o.sent_on + 1
+WHERE coalesce(h.day, o.sent_on) BETWEEN first_day AND last_day
+ORDER BY 2, 1
+$$;
+COMMENT ON FUNCTION report.approvals IS
+    'Card approvals on the slips and in the journals of a period, each beside the card host''s own. number is the transaction''s, '
+    'amount the slip''s (null where no slip shows it), charged the journal''s where no slip shows it; finding is empty where '
+    'both agree, and 목록 없음 as long as the host''s list of the day was not loaded';
+
+CREATE VIEW report.approval AS SELECT * FROM report.approvals(current_date - 31, current_date + 1);
+COMMENT ON VIEW report.approval IS
+    'Card approvals against the card host''s list, of the last 31 days; report.approvals of any period';
 
 -- --- what disagrees ------------------------------------------------------------------------------------------------------
 
@@ -226,7 +246,8 @@ WITH period AS MATERIALIZED (
     GROUP BY 1, 2, 3, 4, 5
 ), slip AS MATERIALIZED (
     SELECT c.terminal, c.ddate AS day, c.junno, c.userid, c.gcode, c.gname, c.row_number, c.gubun = '단순결제' AS is_simple,
-        c.gubun = '매출' AS is_of_sale, c.banktranno, office.won(c.cardmoney)::numeric AS card, office.won(c.ydmoney)::numeric AS recovery,
+        c.gubun = '매출' AS is_of_sale, c.banktranno, office.won(c.cardmoney)::numeric AS card,
+        office.won(c.ydmoney)::numeric AS recovery,
         office.receivable_effect(c) AS effect,
         office.won(c.wonmoney)::numeric + office.won(c.cardmoney) + office.won(c.undermoney) AS paid,
         CASE WHEN c.gubun = '단순결제' THEN office.won(c.mmoney)::numeric + office.won(c.gdmoney) - office.won(c.ydmoney)
@@ -244,11 +265,11 @@ WITH period AS MATERIALIZED (
         main.row_number IS NOT NULL AS is_collected, sale.total IS NOT NULL AS has_goods, back.worth IS NOT NULL AS has_back,
         EXISTS (SELECT FROM payment AS p WHERE (p.terminal, p.day, p.junno, p.userid, p.gcode)
             = (k.terminal, k.day, k.junno, k.userid, k.gcode) AND NOT p.is_approved) AS has_open
-    FROM (SELECT all_keys.terminal, all_keys.day, all_keys.junno, all_keys.userid, all_keys.gcode, max(all_keys.gname) AS gname FROM (
-            SELECT sale.terminal, sale.day, junno, sale.userid, sale.gcode, sale.gname FROM sale
-            UNION ALL SELECT back.terminal, back.day, junno, back.userid, back.gcode, back.gname FROM back
-            UNION ALL SELECT slip.terminal, slip.day, junno, slip.userid, slip.gcode, slip.gname FROM slip
-            UNION ALL SELECT payment.terminal, payment.day, junno, payment.userid, payment.gcode, payment.gname FROM payment) AS all_keys
+    FROM (SELECT e.terminal, e.day, e.junno, e.userid, e.gcode, max(e.gname) AS gname FROM (
+            SELECT s.terminal, s.day, s.junno, s.userid, s.gcode, s.gname FROM sale AS s
+            UNION ALL SELECT b.terminal, b.day, b.junno, b.userid, b.gcode, b.gname FROM back AS b
+            UNION ALL SELECT c.terminal, c.day, c.junno, c.userid, c.gcode, c.gname FROM slip AS c
+            UNION ALL SELECT p.terminal, p.day, p.junno, p.userid, p.gcode, p.gname FROM payment AS p) AS e
         GROUP BY 1, 2, 3, 4, 5) AS k
     LEFT JOIN sale USING (terminal, day, junno, userid, gcode)
     LEFT JOIN back USING (terminal, day, junno, userid, gcode)
@@ -311,7 +332,8 @@ COMMENT ON FUNCTION report.disagreements IS
     'where there are two';
 
 CREATE VIEW report.disagreement AS SELECT * FROM report.disagreements(current_date - 31, current_date + 1);
-COMMENT ON VIEW report.disagreement IS 'What 점검 names over all terminals, of the last 31 days; report.disagreements of any period';
+COMMENT ON VIEW report.disagreement IS
+    'What 점검 names over all terminals, of the last 31 days; report.disagreements of any period';
 
 -- --- the terminals -------------------------------------------------------------------------------------------------------
 
@@ -329,8 +351,8 @@ COMMENT ON VIEW report.missing IS
     'What a terminal had sent and has no more, though nobody deleted it: an older copy was restored, or a disk was lost';
 
 CREATE VIEW report.terminal AS
-SELECT t.terminal, array_to_string(t.users, ',') AS users, t.enrolled_at, t.last_seen, t.last_sent, t.clock_offset, t.schema_version,
-    t.program_version, r.rolcanlogin AS is_let_in
+SELECT t.terminal, array_to_string(t.users, ',') AS users, t.enrolled_at, t.last_seen, t.last_sent, t.clock_offset,
+    t.schema_version, t.program_version, r.rolcanlogin AS is_let_in
 FROM office.terminal AS t LEFT JOIN pg_roles AS r ON r.rolname = t.role_name;
 COMMENT ON VIEW report.terminal IS 'The terminals, when each was seen and sent something last, and its versions';
 COMMENT ON COLUMN report.terminal.clock_offset IS 'Its clock less the server''s';
@@ -343,4 +365,4 @@ COMMENT ON VIEW report.master IS 'The master data that is handed out now';
 
 -- Whoever reads a view runs its functions himself.
 GRANT EXECUTE ON FUNCTION office.integer_part, office.payable_total, office.containers, office.json_keys, office.own_number,
-    report.disagreements TO rovana_reader;
+    report.approvals, report.disagreements TO rovana_reader;

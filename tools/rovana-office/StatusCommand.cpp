@@ -55,9 +55,10 @@ Outcome status(const Invocation& call) {
         u"sent and gone from the terminal without a deletion (rovana-sync --recover gives it back)"_s,
         "SELECT terminal, day, kind, number, userid AS user, to_char(sent_at, 'YYYY-MM-DD HH24:MI') AS sent "
         "FROM report.missing ORDER BY day DESC, terminal, number LIMIT 100");
-    table(u"numbers used twice"_s,
+    table(u"numbers used twice, this month and the last"_s,
           "SELECT day, kind, number, userid AS user, array_to_string(terminals, ', ') AS terminals "
-          "FROM report.number_conflict ORDER BY day DESC, number LIMIT 100");
+          "FROM report.number_conflict WHERE month >= date_trunc('month', current_date - 31) ORDER BY day "
+          "DESC, number LIMIT 100");
     table(u"days that changed after their close, last 31 days"_s,
           "SELECT terminal, day, userid AS user, kind, number, change, to_char(seen_at, 'YYYY-MM-DD "
           "HH24:MI') AS seen "

@@ -365,7 +365,8 @@ TEST_F(ReportsTest, TheHostsListIsSetAgainstTheApprovals) {
                                   {u"MSGSENDTIME", u"20261121120000"}});
     send(device, u"1"_s);
     const auto findings = [&] {
-        return sql(u"SELECT number, amount, host_amount, finding FROM report.approval ORDER BY 1"_s);
+        return sql(
+            u"SELECT number, amount, host_amount, finding FROM report.approvals('2026-11-21', '2026-11-21')"_s);
     };
     EXPECT_EQ(findings(), QStringList({u"T1|1000||목록 없음"_s, u"T2|2000||목록 없음"_s,
                                        u"T3|3000||목록 없음"_s, u"T4|||목록 없음"_s}));
