@@ -1,0 +1,40 @@
+-- Roles and schemas. Run by the administrator at every init and upgrade, before the numbered migrations, so each statement
+-- may meet what it makes. The migrations themselves run as rovana_owner.
+
+DO $$
+DECLARE
+    name text;
+BEGIN
+    FOREACH name IN ARRAY ARRAY['rovana_owner', 'rovana_terminal', 'rovana_reader'] LOOP
+        IF NOT EXISTS (SELECT FROM pg_roles WHERE rolname = name) THEN
+            EXECUTE format('CREATE ROLE %I NOLOGIN', name);
+        END IF;
+    END LOOP;
+    IF NOT pg_has_role(current_user, 'rovana_owner', 'MEMBER') THEN
+        EXECUTE format('GRANT rovana_owner TO %I', current_user);
+    END IF;
+    EXECUTE format('REVOKE ALL ON DATABASE %I FROM PUBLIC', current_database());
+    EXECUTE format('GRANT CONNECT ON DATABASE %I TO rovana_owner, rovana_terminal, rovana_reader', current_database());
+    -- Migrations make their own schemas and the loads work in a table of the session.
+    EXECUTE format('GRANT TEMPORARY, CREATE ON DATABASE %I TO rovana_owner', current_database());
+END
+$$;
+
+REVOKE ALL ON SCHEMA public FROM PUBLIC;
+
+CREATE SCHEMA IF NOT EXISTS office AUTHORIZATION rovana_owner;
+CREATE SCHEMA IF NOT EXISTS terminal AUTHORIZATION rovana_owner;
+CREATE SCHEMA IF NOT EXISTS report AUTHORIZATION rovana_owner;
+GRANT USAGE ON SCHEMA terminal TO rovana_terminal;
+GRANT USAGE ON SCHEMA report TO rovana_reader;
+
+-- Nobody may run a function before he is told to.
+ALTER DEFAULT PRIVILEGES FOR ROLE rovana_owner REVOKE EXECUTE ON FUNCTIONS FROM PUBLIC;
+
+CREATE TABLE IF NOT EXISTS office.migration (
+    number integer PRIMARY KEY,
+    name text NOT NULL,
+    applied_at timestamptz NOT NULL DEFAULT now(),
+    program_version text NOT NULL
+);
+ALTER TABLE office.migration OWNER TO rovana_owner;
