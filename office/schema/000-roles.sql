@@ -1,11 +1,12 @@
 -- Roles and schemas. Run by the administrator at every init and upgrade, before the numbered migrations, so each statement
--- may meet what it makes. The migrations themselves run as rovana_owner.
+-- may meet what it makes. The migrations themselves run as rovana_owner. Members of rovana_certificate are the terminals that
+-- log in with a certificate rather than a password: pg_hba.conf tells them by it.
 
 DO $$
 DECLARE
     name text;
 BEGIN
-    FOREACH name IN ARRAY ARRAY['rovana_owner', 'rovana_terminal', 'rovana_reader'] LOOP
+    FOREACH name IN ARRAY ARRAY['rovana_owner', 'rovana_terminal', 'rovana_certificate', 'rovana_reader'] LOOP
         IF NOT EXISTS (SELECT FROM pg_roles WHERE rolname = name) THEN
             EXECUTE format('CREATE ROLE %I NOLOGIN', name);
         END IF;
@@ -30,6 +31,8 @@ GRANT USAGE ON SCHEMA report TO rovana_reader;
 
 -- Nobody may run a function before he is told to.
 ALTER DEFAULT PRIVILEGES FOR ROLE rovana_owner REVOKE EXECUTE ON FUNCTIONS FROM PUBLIC;
+ALTER DEFAULT PRIVILEGES FOR ROLE rovana_owner IN SCHEMA terminal GRANT EXECUTE ON FUNCTIONS TO rovana_terminal;
+ALTER DEFAULT PRIVILEGES FOR ROLE rovana_owner IN SCHEMA report GRANT SELECT ON TABLES TO rovana_reader;
 
 CREATE TABLE IF NOT EXISTS office.migration (
     number integer PRIMARY KEY,
@@ -37,4 +40,5 @@ CREATE TABLE IF NOT EXISTS office.migration (
     applied_at timestamptz NOT NULL DEFAULT now(),
     program_version text NOT NULL
 );
+COMMENT ON TABLE office.migration IS 'The numbered migrations that this database has';
 ALTER TABLE office.migration OWNER TO rovana_owner;

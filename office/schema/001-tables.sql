@@ -46,7 +46,7 @@ CREATE TABLE office.salesman (
 );
 
 -- The number of the terminal that is logged in; null for anybody else.
-CREATE FUNCTION office.session_terminal() RETURNS text LANGUAGE sql STABLE PARALLEL SAFE
+CREATE FUNCTION office.session_terminal() RETURNS text LANGUAGE sql STABLE PARALLEL SAFE SECURITY DEFINER
 RETURN (SELECT terminal FROM office.terminal WHERE role_name = session_user);
 
 -- --- master data ---------------------------------------------------------------------------------------------------------
@@ -364,3 +364,7 @@ BEGIN
     END LOOP;
 END
 $$;
+
+-- Whoever reads a view runs its functions himself.
+GRANT EXECUTE ON FUNCTION office.odd_won, office.won, office.month, office.session_terminal, office.receivable_effect
+    TO rovana_reader;
