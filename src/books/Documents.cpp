@@ -39,7 +39,7 @@ const Kind& find(DocumentKind kind) {
 QString field(const SqliteStatement& row, int column) {
     QString text = row.text(column);
     for (QChar& each : text) {
-        if (each == QChar(kRowSeparator) || each == QChar(kFieldSeparator) || each.isNull())
+        if (each == QLatin1Char(kRowSeparator) || each == QLatin1Char(kFieldSeparator) || each.isNull())
             each = QChar::ReplacementCharacter;
     }
     return text;

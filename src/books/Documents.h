@@ -6,8 +6,8 @@
 #include <QString>
 #include <QStringList>
 #include <QStringView>
-#include <compare>
 #include <functional>
+#include <tuple>
 
 #include "platform/Sqlite.h"
 
@@ -40,7 +40,10 @@ struct DocumentIdentity {
     QString number;
     QString userId;
 
-    friend auto operator<=>(const DocumentIdentity&, const DocumentIdentity&) = default;
+    friend bool operator==(const DocumentIdentity&, const DocumentIdentity&) = default;
+    friend bool operator<(const DocumentIdentity& one, const DocumentIdentity& other) {
+        return std::tie(one.kind, one.number, one.userId) < std::tie(other.kind, other.number, other.userId);
+    }
     friend size_t qHash(const DocumentIdentity& id, size_t seed = 0) {
         return qHashMulti(seed, int(id.kind), id.number, id.userId);
     }

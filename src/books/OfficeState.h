@@ -8,8 +8,8 @@
 #include "books/Documents.h"
 #include "platform/Sqlite.h"
 
-/// What the terminal knows of the office: the sync keeps it in a small file of the device folder, and the menu
-/// reads it. The terminal itself never talks to the office.
+/// What the terminal knows of the office: the sync keeps it in a small file of the device folder, and the
+/// menu reads it. The terminal itself never talks to the office.
 namespace books {
 
 using DocumentDigests = QMap<DocumentIdentity, QByteArray>;
@@ -20,9 +20,9 @@ inline constexpr QStringView kOfficeFolder = u"\\office\\";
 
 struct OfficeState {
     struct Day {
-        QByteArray digest;          ///< Of the day as it was agreed with the office.
-        QList<QByteArray> agreed;   ///< The documents' short digests; of the newest days alone.
-        int waiting = 0;            ///< Visits that the last sync has left unsent.
+        QByteArray digest;         ///< Of the day as it was agreed with the office.
+        QList<QByteArray> agreed;  ///< The documents' short digests; of the newest days alone.
+        int waiting = 0;           ///< Visits that the last sync has left unsent.
     };
     QDateTime syncedAt;  ///< When the office was reached last; invalid before the first time.
     QMap<QString, Day> days;

@@ -18,8 +18,8 @@ class LocalError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// The terminal's days, read beside a terminal at work: each call is one short read transaction, and waits for
-/// nobody. They throw LocalError.
+/// The terminal's days, read beside a terminal at work: each call is one short read transaction, and waits
+/// for nobody. They throw LocalError.
 class LocalDays {
   public:
     /// Opens the device folder's database.

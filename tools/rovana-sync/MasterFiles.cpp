@@ -89,14 +89,16 @@ void MasterFiles::write() const {
 
 bool MasterFiles::isOurs(const QString& path, const Entry& entry) const {
     QFile file(path);
-    return !entry.digest.isEmpty() && file.open(QIODevice::ReadOnly) && digestOf(file.readAll()) == entry.digest;
+    return !entry.digest.isEmpty() && file.open(QIODevice::ReadOnly) &&
+           digestOf(file.readAll()) == entry.digest;
 }
 
 /// Whether the table was loaded from the very file that was put.
 bool MasterFiles::isLoaded(const QString& fileName, const Entry& entry) {
     // A database of an older terminal does not remember; then the note is all there is.
     if (!local_.database().hasColumn(u"MASTERLOAD", u"Modified")) return true;
-    const auto loads = local_.database().rows(u"SELECT Modified FROM MASTERLOAD WHERE FileName = ?"_s, {fileName});
+    const auto loads =
+        local_.database().rows(u"SELECT Modified FROM MASTERLOAD WHERE FileName = ?"_s, {fileName});
     return loads && !loads->isEmpty() && loads->first().first().toLongLong() == entry.modified;
 }
 
@@ -106,7 +108,8 @@ bool MasterFiles::isHere(const MasterVersion& version) {
     return isOurs(documentsPath(version.fileName), entry) || isLoaded(version.fileName, entry);
 }
 
-MasterFiles::Put MasterFiles::put(const MasterVersion& version, const QString& lines, const QByteArray& balances) {
+MasterFiles::Put MasterFiles::put(const MasterVersion& version, const QString& lines,
+                                  const QByteArray& balances) {
     const db::ImportLock lock;
     if (lock.isTaken()) return Put::Later;
     // Loaded after ours, it would bring the older data back.

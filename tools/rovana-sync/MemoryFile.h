@@ -5,8 +5,8 @@
 
 namespace terminal_sync {
 
-/// A file that is in memory alone and has no name in any folder, for a library that takes a secret from a file
-/// only. It goes with this object.
+/// A file that is in memory alone and has no name in any folder, for a library that takes a secret from a
+/// file only. It goes with this object.
 class MemoryFile {
   public:
     explicit MemoryFile(QByteArrayView content);

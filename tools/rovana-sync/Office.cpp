@@ -6,7 +6,6 @@
 
 #include "db/Schema.h"
 #include "platform/Clock.h"
-#include "platform/Wipe.h"
 #include "rovana-sync/MemoryFile.h"
 
 namespace terminal_sync {
@@ -26,8 +25,8 @@ class ArrayText {
         }
         text_ += '"';
     }
-    void add(const QString& element) { add(element.toUtf8()); }
-    void addBytes(const QByteArray& bytes) { add("\\x" + bytes.toHex()); }
+    void add(const QString& element) { add(QByteArrayView(element.toUtf8())); }
+    void addBytes(const QByteArray& bytes) { add(QByteArrayView(QByteArray("\\x" + bytes.toHex()))); }
     std::string text() const { return text_ + "}"; }
 
   private:
@@ -96,8 +95,10 @@ Office::Connection::Connection(const office::Access& access)
         options += "' ";
     };
     // A line that is dead is given up after half a minute: the next try is not far.
-    options = "sslmode=verify-full connect_timeout=10 tcp_user_timeout=30000 keepalives_idle=20 keepalives_interval=5 "
-              "keepalives_count=3 client_encoding=UTF8 application_name=rovana-sync gssencmode=disable ";
+    options =
+        "sslmode=verify-full connect_timeout=10 tcp_user_timeout=30000 keepalives_idle=20 "
+        "keepalives_interval=5 "
+        "keepalives_count=3 client_encoding=UTF8 application_name=rovana-sync gssencmode=disable ";
     add("host", utf8(access.host));
     add("port", utf8(access.port));
     add("dbname", utf8(access.database));
@@ -110,18 +111,20 @@ Office::Connection::Connection(const office::Access& access)
         // Neither a certificate of the machine's user nor his password file is meant.
         options += "sslcert=/dev/null sslkey=/dev/null ";
         std::string password;
+        password.reserve(std::size_t(access.password.size()));
         for (const QChar each : access.password.view()) password += char(each.toLatin1());
-        options.reserve(options.size() + password.size() + 32);
+        // Neither text leaves a piece behind by growing.
+        options.reserve(options.size() + 2 * password.size() + 32);
         add("password", password);
-        platform::wipe(password.data(), password.size());
+        sodium_memzero(password.data(), password.size());
     }
     try {
         line = std::make_unique<pqxx::connection>(options);
     } catch (...) {
-        platform::wipe(options.data(), options.size());
+        sodium_memzero(options.data(), options.size());
         throw;
     }
-    platform::wipe(options.data(), options.size());
+    sodium_memzero(options.data(), options.size());
 }
 
 Office::Office(const office::Access& access) try : connection_(std::make_unique<Connection>(access)) {
@@ -157,7 +160,8 @@ Greeting Office::hello(const QString& firstDay, const DayDigests& days) {
         const QString what = text(row["what"]);
         if (what == u"refused") throw OfficeError(OfficeError::Reason::Refused, row["note"].c_str());
         if (what == u"office") greeting.terminal = text(row["number"]);
-        if (what == u"user") greeting.salesmen << Salesman{text(row["userid"]), text(row["note"]), text(row["number"])};
+        if (what == u"user")
+            greeting.salesmen << Salesman{text(row["userid"]), text(row["note"]), text(row["number"])};
         if (what == u"day" || what == u"document") addDifference(row, &greeting.differing);
         if (what == u"master") {
             greeting.masters << MasterVersion{text(row["kind"]), text(row["note"]),
@@ -190,10 +194,10 @@ Sent Office::send(const Parcel& parcel) {
         absentNumbers.add(absent.number);
         absentUsers.add(absent.userId);
     }
-    const pqxx::result rows =
-        call("SELECT * FROM terminal.send($1, $2, $3, $4, $5, $6, $7, $8, $9, $10)",
-             {utf8(parcel.date), kinds.text(), numbers.text(), users.text(), contents.text(), digests.text(),
-              absentKinds.text(), absentNumbers.text(), absentUsers.text(), parcel.isLast ? "true" : "false"});
+    const pqxx::result rows = call(
+        "SELECT * FROM terminal.send($1, $2, $3, $4, $5, $6, $7, $8, $9, $10)",
+        {utf8(parcel.date), kinds.text(), numbers.text(), users.text(), contents.text(), digests.text(),
+         absentKinds.text(), absentNumbers.text(), absentUsers.text(), parcel.isLast ? "true" : "false"});
     return {rows[0]["stored"].as<int>(), rows[0]["deleted"].as<int>(), rows[0]["missing"].as<int>()};
 }
 
@@ -230,8 +234,9 @@ QList<KeptDocument> Office::documents(const QString& date) {
         const auto found = identity(row);
         if (!found) continue;
         const pqxx::field content = row["content"];
-        documents << KeptDocument{{*found, QByteArray(content.c_str(), qsizetype(content.size())), bytes(row["digest"])},
-                                  !content.is_null()};
+        documents << KeptDocument{
+            {*found, QByteArray(content.c_str(), qsizetype(content.size())), bytes(row["digest"])},
+            !content.is_null()};
     }
     return documents;
 }

@@ -8,15 +8,15 @@
 #include <QStringList>
 #include <memory>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
-#include "books/Documents.h"
+#include "books/OfficeState.h"
 #include "common/OfficeAccess.h"
 
 namespace pqxx {
-class basic_connection_base;
-class connection_base;
 class result;
-}  // namespace pqxx
+}
 
 /// The terminal's side of the office's database.
 namespace terminal_sync {
@@ -35,8 +35,8 @@ class OfficeError : public std::runtime_error {
     Reason reason_;
 };
 
-/// The days by their dates, each with the documents' digests.
-using DocumentDigests = QMap<books::DocumentIdentity, QByteArray>;
+using books::DocumentDigests;
+/// Of each day, by its date.
 using DayDigests = QMap<QString, QByteArray>;
 
 struct Salesman {
@@ -55,8 +55,8 @@ struct MasterVersion {
 
 /// What the office answers to a terminal's days.
 struct Greeting {
-    QString terminal;                        ///< Its number.
-    QList<Salesman> salesmen;                ///< Whose slips it may send, as the office knows them.
+    QString terminal;                          ///< Its number.
+    QList<Salesman> salesmen;                  ///< Whose slips it may send, as the office knows them.
     QMap<QString, DocumentDigests> differing;  ///< The days that differ, and what the office has of them.
     QList<MasterVersion> masters;
     bool hasOrders = false;
