@@ -7,6 +7,7 @@
 #include <pqxx/pqxx>
 
 #include "rovana-office/Command.h"
+#include "support/PrintQt.h"
 #include "tools/office/Cluster.h"
 
 namespace test {

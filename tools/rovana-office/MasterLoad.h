@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QString>
+#include <cstdint>
+#include <optional>
+#include <pqxx/pqxx>
+
+#include "rovana-office/MasterFile.h"
+
+namespace office {
+
+/// What loading a file has changed.
+struct MasterLoaded {
+    std::optional<std::int64_t> version;  ///< Nothing when the office had the very same rows already.
+    std::int64_t added = 0;               ///< Rows that are new, a changed one counted here and in `removed`.
+    std::int64_t removed = 0;
+};
+
+/// Loads the file as part of `work`, as a version of its own. Unless `mayShrink`, throws Fault when a table
+/// would lose more than half of its rows. `sentUntil` is the time up to which the balances of GARAE.RVN have
+/// what the terminals sent, as PostgreSQL reads a time; what was sent later still moves them.
+MasterLoaded loadMaster(pqxx::work& work, const MasterFile& master, bool mayShrink, const QString& sentUntil);
+
+}  // namespace office
