@@ -279,10 +279,11 @@ BEGIN
                 AND t.userid = doc.userid AND d.sent_at > doc.sent_at
                 AND t.gcode = replace(office.customer(doc.kind, content), '''', '’')
                 AND (t.document = paper OR doc.kind = 'collection'))
-        -- It has another number now: what another customer left under a number that was given again.
+        -- It has another number now: what another customer left under a number that was given again goes to 4001 and up.
         OR (doc.kind <> 'sale' AND EXISTS (
             SELECT FROM office.document AS d WHERE d.month = doc.month AND d.terminal = doc.terminal AND d.ddate = doc.ddate
                 AND d.kind = doc.kind AND d.userid = doc.userid AND d.state = 'present' AND d.number <> own_number
+                AND d.number ~ '^4[0-9]{3}$'
                 AND office.unnumbered(d.kind, office.content(d)) = office.unnumbered(doc.kind, content)));
 END
 $$;

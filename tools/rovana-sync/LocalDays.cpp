@@ -18,15 +18,20 @@ constexpr qsizetype kMostDocuments = 1000;
 
 constexpr int kPatienceMs = 200;
 
+/// The database, of which is known now whether it can be read.
+SqliteFile& looked(SqliteFile& database) {
+    database.setPatience(kPatienceMs);
+    database.run("SELECT 1 FROM MTM LIMIT 1");
+    return database;
+}
+
 }  // namespace
 
 LocalDays::LocalDays() try
     : database_(platform::device::path(platform::device::kDatabaseFile), SqliteFile::Mode::ReadOnly),
-      reader_((database_.setPatience(kPatienceMs), database_)) {
-    if (!database_.isOpen() || !database_.hasColumn(u"MTM"))
-        throw LocalError("there is no readable database; make one with \"rovanactl init\"");
+      reader_(looked(database_)) {
 } catch (const platform::SqliteError& error) {
-    throw LocalError(error.what());
+    throw LocalError("the terminal's database: " + std::string(error.what()));
 }
 
 void LocalDays::read(const std::function<void()>& work) try {

@@ -109,7 +109,7 @@ Office::Connection::Connection(const office::Access& access)
         add("sslkey", key.path());
     } else {
         // Neither a certificate of the machine's user nor his password file is meant.
-        options += "sslcert=/dev/null sslkey=/dev/null ";
+        options += "sslcert=/proc/self/fd/none ";
         std::string password;
         password.reserve(std::size_t(access.password.size()));
         for (const QChar each : access.password.view()) password += char(each.toLatin1());

@@ -9,6 +9,7 @@
 #include <QThread>
 
 #include "common/CommandLine.h"
+#include "platform/Clock.h"
 #include "platform/Device.h"
 #include "platform/FolderLock.h"
 #include "rovana-sync/Recovery.h"
@@ -126,6 +127,7 @@ int run(const QStringList& arguments, QTextStream& out, QTextStream& err) {
     parser.addOptions({{{u"h"_s, u"help"_s}, u""_s},
                        {u"version"_s, u""_s},
                        {u"device"_s, u""_s, u"DIR"_s},
+                       {u"clock"_s, u""_s, u"yyyy-MM-dd HH:mm"_s},
                        {u"watch"_s, u""_s},
                        {u"recover"_s, u""_s}});
     const bool isParsed = parser.parse(arguments) && parser.positionalArguments().isEmpty() &&
@@ -140,6 +142,9 @@ int run(const QStringList& arguments, QTextStream& out, QTextStream& err) {
         return tools::kSuccess;
     }
     platform::device::setFolder(platform::device::choose(parser.value(u"device"_s)));
+    // A stopped clock is for tests.
+    const QDateTime clock = QDateTime::fromString(parser.value(u"clock"_s), u"yyyy-MM-dd HH:mm"_s);
+    if (clock.isValid()) platform::clock::set(clock);
     if (parser.isSet(u"watch"_s)) watch(out, err);
     const QString trouble =
         attempt([&] { parser.isSet(u"recover"_s) ? recoverDays(out, err) : syncOnce(out, err); });

@@ -105,7 +105,7 @@ void Sync::sendDay(Office& office, const QString& date, const DocumentDigests& a
     for (const DocumentIdentity& each : atOffice.keys()) {
         if (isJudged && !here.contains(each)) parcel.absent << each;
     }
-    if (wanted.isEmpty() && parcel.absent.isEmpty()) return;
+    parcel.isLast = wanted.isEmpty() && parcel.absent.isEmpty();
     while (!parcel.isLast) {
         parcel.documents = local_.take(date, &wanted);
         parcel.isLast = wanted.isEmpty();
@@ -117,8 +117,7 @@ void Sync::sendDay(Office& office, const QString& date, const DocumentDigests& a
         for (const books::Document& document : std::as_const(parcel.documents))
             here[document.identity] = document.digest;
     }
-    if (std::ranges::all_of(here.keys(), [&](const auto& each) { return mayBeSent(each); }))
-        agreed_.insert(date);
+    agreed_.insert(date);
 }
 
 /// Looks at the days from before the open ones, once a day. Some of their visits may be in an archive.
@@ -171,8 +170,18 @@ void Sync::fetch(Office& office) {
         masters_.withdrawOldBalances(MasterFiles::balancesOf(local_.digests(firstDay_)));
 }
 
-int Sync::countWaiting(const QString& date, const OfficeState::Day& agreed) const {
-    return books::waitingVisits(agreed, days_.value(date));
+/// The day as the office has it now: without the slips of those who are not enrolled.
+OfficeState::Day Sync::agreedDay(const QString& date, bool isCounted) const {
+    OfficeState::Day day;
+    QList<QByteArray> digests;
+    const DocumentDigests& here = *days_.constFind(date);
+    for (auto each = here.cbegin(); each != here.cend(); ++each) {
+        if (!mayBeSent(each.key())) continue;
+        digests << *each;
+        if (isCounted) day.agreed << books::shortDigest(*each);
+    }
+    day.digest = books::dayDigest(digests);
+    return day;
 }
 
 void Sync::noteState(bool isReached) {
@@ -183,14 +192,8 @@ void Sync::noteState(bool isReached) {
     const QString counted = dates.value(std::max<qsizetype>(0, dates.size() - kCountedDays));
     for (const QString& date : dates) {
         OfficeState::Day day = before.days.value(date);
-        if (agreed_.contains(date)) {
-            day = {books::dayDigest(days_[date].values()), {}, 0};
-            if (date >= counted) {
-                for (const QByteArray& digest : std::as_const(days_[date]))
-                    day.agreed << books::shortDigest(digest);
-            }
-        }
-        day.waiting = countWaiting(date, day);
+        if (agreed_.contains(date)) day = agreedDay(date, date >= counted);
+        day.waiting = books::waitingVisits(day, days_[date]);
         outcome_.waiting += day.waiting;
         state.days[date] = day;
     }

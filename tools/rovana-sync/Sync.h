@@ -39,7 +39,7 @@ class Sync {
     void fetch(Office& office);
     bool mayBeSent(const books::DocumentIdentity& identity) const;
     void noteState(bool isReached);
-    int countWaiting(const QString& date, const books::OfficeState::Day& agreed) const;
+    books::OfficeState::Day agreedDay(const QString& date, bool isCounted) const;
 
     const office::Access& access_;
     LocalDays local_;
@@ -47,7 +47,7 @@ class Sync {
     QString firstDay_;
     QMap<QString, books::DocumentDigests> days_;
     Greeting greeting_;
-    QSet<QString> agreed_;  ///< Days of which the office has all.
+    QSet<QString> agreed_;  ///< Days of which the office has all that it takes.
     Outcome outcome_;
 };
 
