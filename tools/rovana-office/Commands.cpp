@@ -9,7 +9,7 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr std::array kCommands{&kInitCommand, &kUpgradeCommand, &kLoadCommand};
+constexpr std::array kCommands{&kInitCommand, &kUpgradeCommand, &kEnrolCommand, &kLoadCommand};
 
 constexpr tools::Program kProgram{
     u"rovana-office",
