@@ -286,12 +286,13 @@ RETURN (
     SELECT CASE
         WHEN (slip).gubun = '단순결제' THEN 0
         WHEN recovery - total > 0 AND earlier = recovery - total AND cash = 0 AND card = 0 AND unpaid = 0
-            THEN total - recovery
-        ELSE total - recovery - card - cash - earlier END
+            THEN total - recovery - paid
+        -- What came in is the sum that the row has, whatever its parts are.
+        ELSE total - recovery - earlier - paid END
     FROM (SELECT office.won((slip).mmoney)::numeric + office.won((slip).ygmoney) AS total,
             office.won((slip).ydmoney)::numeric AS recovery, office.won((slip).cardmoney)::numeric AS card,
             office.won((slip).wonmoney)::numeric AS cash, office.won((slip).undermoney)::numeric AS unpaid,
-            office.won((slip).misuinmoney)::numeric AS earlier) AS amounts);
+            office.won((slip).misuinmoney)::numeric AS earlier, office.won((slip).inmoney)::numeric AS paid) AS amounts);
 
 -- What has moved a customer's receivable since GARAE.RVN was loaded. Only added to, so that terminals that send at the
 -- same time do not wait for each other; a load of GARAE.RVN empties it, since its balances have it all.

@@ -1,5 +1,6 @@
 
 #include "books/OfficeState.h"
+#include "common/OfficeAccess.h"
 #include "db/Schema.h"
 #include "tools/office/LineCutter.h"
 #include "tools/office/SyncTest.h"
@@ -171,10 +172,15 @@ TEST_F(SendTest, WhoMayNotIsToldAndChangesNothing) {
     TestDevice& other = enrol(u"2"_s, {u"B"_s});
     sell(other, u"5001"_s, u"0001"_s, 500, u"B"_s);
     synced(other);
+    QFile file(terminal.folder() + u"/office.conf"_s);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    QString error;
+    const auto access = office::readAccess(file.readAll(), &error);
+    const QString password = access->password.view().toString();
     pqxx::connection line(
-        u"host=localhost port=%1 dbname=%2 user=terminal_1 password=secret sslmode=verify-full sslrootcert=%3"_s
+        u"host=localhost port=%1 dbname=%2 user=terminal_1 password=%3 sslmode=verify-full sslrootcert=%4"_s
             .arg(cluster().port())
-            .arg(database(), cluster().authority())
+            .arg(database(), password, cluster().authority())
             .toStdString());
     const auto refusal = [&](const QString& statement) {
         try {
@@ -236,16 +242,11 @@ TEST_F(SendTest, WhoMayNotIsToldAndChangesNothing) {
     EXPECT_EQ(hello(db::schema::kVersion), "office");
 
     // Another server, or one that says it is another, gets no password.
-    QFile access(terminal.folder() + u"/office.conf"_s);
-    ASSERT_TRUE(access.open(QIODevice::ReadWrite));
-    QByteArray text = access.readAll();
-    access.resize(0);
-    access.write(text.replace("host = localhost", "host = 127.0.0.1"));
-    access.close();
+    changeAccess(terminal.folder(), "host = localhost", "host = 127.0.0.1");
     const OfficeEnded wrong = sync(terminal);
     EXPECT_EQ(wrong.exitCode, 1);
     EXPECT_NE(wrong.err.find("certificate"), std::string::npos) << wrong.err;
-    EXPECT_EQ(wrong.err.find("secret"), std::string::npos);
+    EXPECT_EQ(wrong.err.find(password.toStdString()), std::string::npos);
 }
 
 TEST_F(SendTest, GivesWayToTheTerminalAndToAnotherSync) {

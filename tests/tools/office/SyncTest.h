@@ -6,7 +6,6 @@
 #include <memory>
 #include <vector>
 
-#include "common/OfficeAccess.h"
 #include "platform/Device.h"
 #include "platform/FolderLock.h"
 #include "platform/Sqlite.h"
@@ -30,26 +29,24 @@ class SyncTest : public OfficeTest {
         enrolFolder(terminals_.back()->folder(), number, users, port);
         return *terminals_.back();
     }
+    /// Lets a device folder in; its terminal reaches the server through `port` when that is above 0.
     void enrolFolder(const QString& folder, const QString& number, const QStringList& users, int port = 0) {
-        const QString role = u"terminal_"_s + number;
-        sql(u"DO $$ BEGIN CREATE ROLE %1 LOGIN PASSWORD 'secret' IN ROLE rovana_terminal; "
-            "EXCEPTION WHEN duplicate_object THEN NULL; END $$"_s.arg(role));
-        sql(u"INSERT INTO office.terminal (terminal, role_name, users) VALUES ('%1', '%2', '{%3}') "
-            "ON CONFLICT (terminal) DO UPDATE SET users = excluded.users"_s.arg(number, role,
-                                                                                users.join(u',')));
-        office::Access access;
-        access.host = u"localhost"_s;
-        access.port = QString::number(port > 0 ? port : cluster().port());
-        access.database = database();
-        access.user = role;
-        access.password.assign(QStringView(u"secret"));
-        QFile authority(cluster().authority());
-        ASSERT_TRUE(authority.open(QIODevice::ReadOnly));
-        access.authority = authority.readAll();
-        const auto text = office::accessText(access);
+        const QString path = folder + u"/office.conf"_s;
+        const OfficeEnded ended =
+            run({u"enrol"_s, number, u"--users"_s, users.join(u','), u"--host"_s, u"localhost"_s,
+                 u"--authority"_s, cluster().authority(), u"--out"_s, path});
+        ASSERT_EQ(ended.exitCode, 0) << ended.err;
+        if (port > 0)
+            changeAccess(folder, "port = " + QByteArray::number(cluster().port()),
+                         "port = " + QByteArray::number(port));
+    }
+    static void changeAccess(const QString& folder, const QByteArray& before, const QByteArray& after) {
         QFile file(folder + u"/office.conf"_s);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(reinterpret_cast<const char*>(text.data()), qint64(text.size()));
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        const QByteArray text = file.readAll().replace(before, after);
+        file.resize(0);
+        file.seek(0);
+        file.write(text);
     }
 
     OfficeEnded syncFolder(const QString& folder, const QStringList& arguments = {}) const {
