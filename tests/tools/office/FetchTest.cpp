@@ -26,9 +26,10 @@ class FetchTest : public SyncTest {
     void logIn(const TestDevice& terminal) {
         platform::device::setFolder(terminal.folder());
         for (const db::ImportFile& file : db::importFiles()) {
-            if (const auto source = db::findImportFile(file); source != db::ImportSource::None)
+            if (const auto source = db::findImportFile(file); source != db::ImportSource::None) {
                 EXPECT_TRUE(db::importFile(file, source, {}).isInTable())
                     << file.fileName.toUtf8().constData();
+            }
         }
         platform::adoce::DatabaseFile::forgetAll();
     }
