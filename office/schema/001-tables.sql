@@ -337,12 +337,17 @@ CREATE TRIGGER collections_changed AFTER UPDATE ON office.mtmok
 
 -- --- the card host's list ------------------------------------------------------------------------------------------------
 
+-- The days whose list was loaded, an empty one included.
+CREATE TABLE office.host_list (
+    day date PRIMARY KEY,
+    loaded_at timestamptz NOT NULL DEFAULT now(),
+    loaded_by text NOT NULL DEFAULT session_user
+);
 CREATE TABLE office.host_payment (
-    day date NOT NULL,
+    day date NOT NULL REFERENCES office.host_list,
     number text NOT NULL,
     paid_at text NOT NULL DEFAULT '',
     amount bigint NOT NULL,
-    loaded_at timestamptz NOT NULL DEFAULT now(),
     PRIMARY KEY (day, number)
 );
 COMMENT ON TABLE office.host_payment IS 'The card host''s approved payments of a day; a load of a day replaces it';

@@ -100,10 +100,10 @@ TEST_F(EnrolTest, ACertificateLogsInWithoutAPassword) {
 TEST_F(EnrolTest, ATerminalsRoleReachesNoTableAndNoOther) {
     ASSERT_EQ(enrol({u"--users"_s, u"A"_s}).exitCode, 0);
     const QString terminal = connectionOf(access());
-    for (const QString& relation :
-         sql(u"SELECT format('%I.%I', nspname, relname) FROM pg_class JOIN pg_namespace AS n "
-             "ON n.oid = relnamespace WHERE nspname IN ('office', 'report', 'terminal') "
-             "AND relkind IN ('r', 'p', 'v', 'm', 'S')"_s);
+    const QStringList relations =
+        sql(u"SELECT format('%I.%I', nspname, relname) FROM pg_class JOIN pg_namespace AS n "
+            "ON n.oid = relnamespace WHERE nspname IN ('office', 'report', 'terminal') "
+            "AND relkind IN ('r', 'p', 'v', 'm', 'S')"_s);
     ASSERT_GT(relations.size(), 20);
     for (const QString& relation : relations) {
         for (const QString& statement : {u"SELECT * FROM %1"_s, u"DELETE FROM %1"_s, u"COPY %1 TO STDOUT"_s})
