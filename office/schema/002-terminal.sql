@@ -141,7 +141,7 @@ BEGIN
         FROM (SELECT file_name, max(version) AS version FROM office.master_change
               WHERE userid = '' OR userid = ANY (me.users) GROUP BY file_name) AS c
         JOIN office.master_version AS v USING (version)
-        WHERE c.file_name <> 'MTM.RVN';
+        WHERE c.file_name <> 'MTM.RVN' ORDER BY c.file_name;
     RETURN QUERY SELECT 'orders', '', '', '', '', NULL::bytea, ''
         WHERE EXISTS (SELECT FROM office.open_orders(me, first_day));
 END
@@ -367,6 +367,8 @@ BEGIN
                 AND (d.state = 'missing' OR (d.state = 'present' AND (d.kind, d.number, d.userid) IN (
                     SELECT a.kind, a.number, a.userid
                     FROM unnest(absent_kinds, absent_numbers, absent_userids) AS a (kind, number, userid))))
+            -- What has become of a slip decides about its prints.
+            ORDER BY d.kind = 'prints'
         LOOP
             IF office.settle(doc) THEN
                 deleted := deleted + 1;

@@ -185,8 +185,8 @@ TEST_F(SendTest, WhoMayNotIsToldAndChangesNothing) {
     const auto refusal = [&](const QString& statement) {
         try {
             pqxx::nontransaction(line).exec(statement.toStdString());
-        } catch (const pqxx::sql_error& error) {
-            return std::string(error.what());
+        } catch (const pqxx::sql_error& fault) {
+            return std::string(fault.what());
         }
         return std::string();
     };
