@@ -9,7 +9,8 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr std::array kCommands{&kInitCommand, &kUpgradeCommand, &kEnrolCommand, &kLoadCommand};
+constexpr std::array kCommands{&kInitCommand,     &kUpgradeCommand, &kEnrolCommand, &kLoadCommand,
+                               &kHostListCommand, &kStatusCommand,  &kDayCommand};
 
 constexpr tools::Program kProgram{
     u"rovana-office",

@@ -120,7 +120,7 @@ void makeRole(pqxx::work& work, const Access& access) {
 /// Whoever is logged in with what the terminal had before is sent away.
 void endSessions(pqxx::connection& connection, const QString& role) {
     pqxx::nontransaction work(connection);
-    work.exec_params("SELECT pg_terminate_backend(pid) FROM pg_stat_activity WHERE usename = $1",
+    work.exec_params("SELECT pg_terminate_backend(pid, 5000) FROM pg_stat_activity WHERE usename = $1",
                      plain(role));
 }
 
@@ -169,6 +169,7 @@ Outcome enrol(const Invocation& call) {
     if (!file.takeName())
         return failure(
             u"%1 cannot be written: %2; enrol the terminal once more"_s.arg(path, file.errorText()));
+    endSessions(*connection, access.user);
     call.out << u"terminal %1 is enrolled for %2; %3 is its key to the office: bring it to the terminal as "
                 "office.conf in its device folder, and leave no copy\n"_s.arg(terminal, users.join(u", "_s),
                                                                               path);
