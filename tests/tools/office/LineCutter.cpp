@@ -26,7 +26,7 @@ void LineCutter::connectThrough() {
         to->write(bytes);
         if (*left != 0) return;
         // What was let through arrives; then nobody hears of the other.
-        to->flush();
+        if (to->state() == QAbstractSocket::ConnectedState) to->flush();
         terminal->abort();
         server->abort();
     };
