@@ -38,11 +38,17 @@ class EnrolTest : public OfficeTest {
                change;
     }
 
-    /// Why a statement of that session fails; empty when it does not.
-    static std::string faultOf(const QString& connection, const std::string& statement = "SELECT 1") try {
-        pqxx::connection connected(connection.toStdString());
+    /// Why a statement of the session fails; empty when it does not.
+    static std::string faultOf(pqxx::connection& connected, const std::string& statement) try {
         pqxx::nontransaction(connected).exec(statement);
         return {};
+    } catch (const std::exception& fault) {
+        return fault.what();
+    }
+    /// Why nobody can log in like that; empty when one can.
+    static std::string faultOf(const QString& connection) try {
+        pqxx::connection connected(connection.toStdString());
+        return faultOf(connected, "SELECT 1");
     } catch (const std::exception& fault) {
         return fault.what();
     }
@@ -99,7 +105,7 @@ TEST_F(EnrolTest, ACertificateLogsInWithoutAPassword) {
 
 TEST_F(EnrolTest, ATerminalsRoleReachesNoTableAndNoOther) {
     ASSERT_EQ(enrol({u"--users"_s, u"A"_s}).exitCode, 0);
-    const QString terminal = connectionOf(access());
+    pqxx::connection terminal(connectionOf(access()).toStdString());
     const QStringList relations =
         sql(u"SELECT format('%I.%I', nspname, relname) FROM pg_class JOIN pg_namespace AS n "
             "ON n.oid = relnamespace WHERE nspname IN ('office', 'report', 'terminal') "
@@ -130,9 +136,8 @@ TEST_F(EnrolTest, EvenTheOwnersFunctionsSeeNothingOfAnother) {
         "CREATE FUNCTION terminal.forge() RETURNS void LANGUAGE sql SECURITY DEFINER BEGIN ATOMIC "
         "UPDATE office.mtm SET terminal = '8'; END; ALTER FUNCTION terminal.forge OWNER TO rovana_owner; "
         "GRANT EXECUTE ON ALL FUNCTIONS IN SCHEMA terminal TO rovana_terminal"_s);
-    const QString terminal = connectionOf(access());
-    pqxx::connection connected(terminal.toStdString());
-    EXPECT_EQ(pqxx::nontransaction(connected).exec("SELECT terminal.careless()")[0][0].as<int>(), 7);
+    pqxx::connection terminal(connectionOf(access()).toStdString());
+    EXPECT_EQ(pqxx::nontransaction(terminal).exec("SELECT terminal.careless()")[0][0].as<int>(), 7);
     EXPECT_NE(faultOf(terminal, "SELECT terminal.forge()").find("row-level security"), std::string::npos);
 }
 

@@ -49,6 +49,48 @@ TEST_F(SchemaTest, AMigrationThatFailsLeavesNothing) {
     EXPECT_TRUE(work.exec("SELECT to_regclass('office.migration')")[0][0].is_null());
 }
 
+TEST_F(SchemaTest, AnOlderDatabaseIsUpgradedBeforeItIsUsed) {
+    sql(u"DROP SCHEMA report CASCADE; DROP FUNCTION office.integer_part, office.payable_total, "
+        u"office.containers, "
+        "office.json_keys, office.own_number; DELETE FROM office.migration WHERE number >= 10"_s);
+    const OfficeEnded refused = run({u"status"_s});
+    EXPECT_EQ(refused.exitCode, 1);
+    EXPECT_NE(refused.err.find("rovana-office upgrade"), std::string::npos) << refused.err;
+    const OfficeEnded upgraded = run({u"upgrade"_s});
+    EXPECT_EQ(upgraded.exitCode, 0) << upgraded.err;
+    EXPECT_NE(upgraded.out.find("was 2"), std::string::npos) << upgraded.out;
+    EXPECT_EQ(run({u"status"_s}).exitCode, 0);
+}
+
+TEST_F(SchemaTest, AReaderSeesEveryViewAndNothingElse) {
+    for (const QString& table : {u"mtm"_s, u"ytm"_s, u"mtmok"_s, u"payjournal"_s, u"dayclose"_s}) {
+        insert(table, {{u"month"_s, u"0001-01-01"_s},
+                       {u"terminal"_s, u"1"_s},
+                       {u"row_number"_s, u"1"_s},
+                       {u"userid"_s, u"A"_s}});
+    }
+    insert(u"master_garae"_s,
+           {{u"first_version"_s, u"1"_s}, {u"row_number"_s, u"1"_s}, {u"gcode"_s, u"0001"_s}});
+    sql(u"DROP ROLE IF EXISTS clerk; CREATE ROLE clerk LOGIN IN ROLE rovana_reader"_s);
+    pqxx::connection connected(connection().toStdString());
+    pqxx::nontransaction work(connected);
+    work.exec("SET SESSION AUTHORIZATION clerk");
+    const QStringList views = sql(u"SELECT viewname FROM pg_views WHERE schemaname = 'report'"_s);
+    EXPECT_GE(views.size(), 14);
+    for (const QString& view : views)
+        EXPECT_NO_THROW(work.exec("SELECT * FROM report." + view.toStdString()));
+    for (const char* view : {"sale", "container_return", "collection", "close", "receivable"})
+        EXPECT_EQ(work.exec(std::string("SELECT * FROM report.") + view).size(), 1) << view;
+    for (const char* statement :
+         {"SELECT * FROM office.mtm", "DELETE FROM report.movement", "SELECT * FROM terminal.days('')",
+          "SELECT office.make_month('2026-01-01')", "CREATE TABLE report.mine (a int)"})
+        EXPECT_THROW(work.exec(statement), pqxx::sql_error) << statement;
+    EXPECT_EQ(
+        sql(u"SELECT relname FROM pg_class WHERE relnamespace = 'report'::regnamespace AND relkind = 'v' "
+            "AND obj_description(oid) IS NULL"_s),
+        QStringList());
+}
+
 TEST_F(SchemaTest, AmountsAreReadAsTheTerminalReadsThem) {
     EXPECT_EQ(
         sql(u"SELECT office.won(text) FROM unnest(ARRAY['12', ' -5', '+7x', '', 'abc', '-', E'\\u3000 12', "
