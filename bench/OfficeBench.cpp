@@ -66,14 +66,14 @@ class Office {
             .toStdString();
     }
 
-    /// A full day in the device's database, and nothing else.
+    /// A full day in the device's database beside the days before.
     void writeDay(const QString& date) {
         platform::SqliteFile file(folder_.databaseFile(), platform::SqliteFile::Mode::Existing);
         const QString slips =
             u"WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < %1) "_s;
         file.run(
-            (u"BEGIN; DELETE FROM MTM; DELETE FROM MTMOK;"_s + u"INSERT INTO MTM "_s +
-             slips.arg(kSlips * kLinesOfSlip - 1) +
+            (u"BEGIN; DELETE FROM MTM WHERE DDate = '%1'; DELETE FROM MTMOK WHERE DDate = '%1';"_s.arg(date) +
+             u"INSERT INTO MTM "_s + slips.arg(kSlips * kLinesOfSlip - 1) +
              u"SELECT '%1','매출',printf('%04d', i / 6),'거래처 상회',5001 + i / 6,'발행',printf('%04d', i % "
              u"90),"
              "'상품 이름 500ml','01','3','0','32000','3200','4000','1000','A','10:00' FROM n;"_s.arg(date) +
@@ -84,10 +84,10 @@ class Office {
                 .toUtf8());
     }
     /// A table's rows as COPY takes them.
-    QByteArray copyText(const QString& table) {
+    QByteArray copyText(const QString& table, const QString& date) {
         platform::SqliteFile file(folder_.databaseFile(), platform::SqliteFile::Mode::ReadOnly);
         QByteArray text;
-        const auto rows = file.rows(u"SELECT * FROM "_s + table);
+        const auto rows = file.rows(u"SELECT * FROM %1 WHERE DDate = ?"_s.arg(table), {date});
         for (const QStringList& row : *rows) text += row.join(u'\t').toUtf8() + '\n';
         return text;
     }
@@ -185,15 +185,16 @@ Result measureOfficeDay() {
     const int count = terminals(200);
     Office office(count);
     makeBareTables(office);
+    QString day;
     const auto sendAll = [&] {
-        office.writeDay(nextDay());
+        office.writeDay(day = nextDay());
         return millisecondsOf([&] {
             for (int i = 0; i < count; ++i) check(office.sync(i).sent == 2 * kSlips, "not all was sent");
         });
     };
     const auto copyAll = [&] {
-        const QByteArray lines = office.copyText(u"MTM"_s);
-        const QByteArray collections = office.copyText(u"MTMOK"_s);
+        const QByteArray lines = office.copyText(u"MTM"_s, day);
+        const QByteArray collections = office.copyText(u"MTMOK"_s, day);
         return millisecondsOf([&] {
             for (int i = 0; i < count; ++i) {
                 BareConnection connection(office.bareConnection(i));
