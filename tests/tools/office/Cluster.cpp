@@ -145,6 +145,8 @@ void Cluster::writeConfiguration() {
                             u"synchronous_commit = off"_s,
                             u"autovacuum = off"_s,
                             u"max_wal_size = 256MB"_s,
+                            // Each connection would load it anew.
+                            u"shared_preload_libraries = 'plpgsql'"_s,
                             u"timezone = 'Asia/Seoul'"_s,
                             u"lc_messages = 'C'"_s};
     writeFile(folder_.filePath(u"data/postgresql.conf"_s), lines.join(u'\n').toUtf8() + '\n');
