@@ -40,6 +40,16 @@ Result measureReport();
 Result measureExchange();
 /// What a short soak holds at most, in per cent of what it holds after 500 visits, and how fast it was.
 Result measureSoak();
+/// A full day sent by 200 terminals against bare COPY of its rows over connections of the same kind.
+Result measureOfficeDay();
+/// A sync that finds nothing changed against a connection with one round trip.
+Result measureOfficeIdle();
+/// A day sent to an office that has the terminal's year against an empty one.
+Result measureOfficeFull();
+/// 1,000 terminals that fetch their master data against COPY of the same rows.
+Result measureOfficeMorning();
+/// How many terminals those have; 0 for their own numbers.
+extern int officeTerminals;
 /// Resident memory after 1,000 payments against that after 100.
 Result measurePayments();
 

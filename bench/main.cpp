@@ -1,4 +1,4 @@
-// rovana-bench [NAME...]: runs the named measurements, or all, and writes one line for each:
+// rovana-bench [--terminals N] [NAME...]: runs the named measurements, or all, and writes one line for each:
 // bench NAME ours=... peer=... ratio=... goal=...
 // The exit code is 1 when a measurement could not run or missed its goal, 2 for an unknown name.
 
@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <string_view>
 #include <vector>
@@ -33,6 +34,12 @@ constexpr std::array kMeasurements{
     Measurement{"exchange", 3.0, bench::measureExchange},
     Measurement{"payments", 1.05, bench::measurePayments},
     Measurement{"soak", 1.05, bench::measureSoak},
+#ifdef ROVANA_OFFICE
+    Measurement{"office-day", 2.0, bench::measureOfficeDay},
+    Measurement{"office-idle", 1.5, bench::measureOfficeIdle},
+    Measurement{"office-full", 1.1, bench::measureOfficeFull},
+    Measurement{"office-morning", 2.0, bench::measureOfficeMorning},
+#endif
 };
 
 bool runAndPrint(const Measurement& measurement) {
@@ -57,7 +64,13 @@ int main(int argc, char** argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
 
-    const std::vector<std::string_view> names(argv + 1, argv + argc);
+    std::vector<std::string_view> names(argv + 1, argv + argc);
+#ifdef ROVANA_OFFICE
+    if (names.size() > 1 && names[0] == "--terminals") {
+        bench::officeTerminals = std::atoi(argv[2]);
+        names.erase(names.begin(), names.begin() + 2);
+    }
+#endif
     for (const std::string_view name : names) {
         if (std::ranges::find(kMeasurements, name, &Measurement::name) != kMeasurements.end()) continue;
         std::fprintf(stderr, "rovana-bench: no such measurement: %.*s; there are:", int(name.size()),

@@ -285,13 +285,16 @@ SELECT office.make_month(DATE '0001-01-01');
 -- sum that the slip has, whatever its parts are. A recovery above the total that a settling button has booked is in the
 -- recovery already and counts once. A simple payment adds nothing.
 CREATE FUNCTION office.receivable_effect(slip office.mtmok) RETURNS numeric LANGUAGE sql IMMUTABLE PARALLEL SAFE
+-- One expression, which is worked out where the function stands.
 RETURN CASE WHEN (slip).gubun = '단순결제' THEN 0 ELSE
     office.won((slip).mmoney)::numeric + office.won((slip).ygmoney) - office.won((slip).ydmoney) - office.won((slip).inmoney)
-    - CASE WHEN office.won((slip).misuinmoney) > 0
-            AND office.won((slip).misuinmoney)
+    - CASE WHEN (slip).misuinmoney IN ('', '0') THEN 0
+        WHEN office.won((slip).ydmoney)::numeric > office.won((slip).mmoney)::numeric + office.won((slip).ygmoney)
+            AND office.won((slip).misuinmoney)::numeric
                 = office.won((slip).ydmoney)::numeric - office.won((slip).mmoney) - office.won((slip).ygmoney)
             AND office.won((slip).wonmoney) = 0 AND office.won((slip).cardmoney) = 0 AND office.won((slip).undermoney) = 0
-        THEN 0 ELSE office.won((slip).misuinmoney) END END;
+        THEN 0 ELSE office.won((slip).misuinmoney) END
+    END;
 
 -- What has moved a customer's receivable since GARAE.RVN was loaded. Only added to, so that terminals that send at the
 -- same time do not wait for each other; a load of GARAE.RVN empties it, since its balances have it all.
@@ -317,12 +320,12 @@ BEGIN
     IF TG_OP IN ('DELETE', 'UPDATE') THEN
         INSERT INTO office.movement (gcode, amount, terminal, ddate, junno, userid)
         SELECT gcode, -effect, terminal, ddate, junno, userid
-        FROM (SELECT slip.*, office.receivable_effect(slip) AS effect FROM before AS slip) AS slips WHERE effect <> 0;
+        FROM (SELECT slip.*, office.receivable_effect(slip) AS effect FROM before AS slip OFFSET 0) AS slips WHERE effect <> 0;
     END IF;
     IF TG_OP IN ('INSERT', 'UPDATE') THEN
         INSERT INTO office.movement (gcode, amount, terminal, ddate, junno, userid)
         SELECT gcode, effect, terminal, ddate, junno, userid
-        FROM (SELECT slip.*, office.receivable_effect(slip) AS effect FROM after AS slip) AS slips WHERE effect <> 0;
+        FROM (SELECT slip.*, office.receivable_effect(slip) AS effect FROM after AS slip OFFSET 0) AS slips WHERE effect <> 0;
     END IF;
     RETURN NULL;
 END

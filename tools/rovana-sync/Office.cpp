@@ -14,6 +14,8 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 using books::DocumentIdentity;
 
+int calls = 0;
+
 /// An array as PostgreSQL reads it, each element in double quotes.
 class ArrayText {
   public:
@@ -137,6 +139,7 @@ Office::~Office() = default;
 pqxx::result Office::call(const char* statement, const std::vector<std::string>& values) try {
     // One statement is its own transaction: it needs no round trips around it.
     pqxx::nontransaction work(*connection_->line);
+    ++calls;
     return work.exec_params(statement, pqxx::prepare::make_dynamic_params(values));
 } catch (const pqxx::broken_connection& failure) {
     throw OfficeError(OfficeError::Reason::Line, failure.what());
@@ -147,6 +150,10 @@ pqxx::result Office::call(const char* statement, const std::vector<std::string>&
     throw OfficeError(isPassing ? OfficeError::Reason::Line : OfficeError::Reason::Refused, failure.what());
 } catch (const pqxx::failure& failure) {
     throw OfficeError(OfficeError::Reason::Line, failure.what());
+}
+
+int Office::roundTrips() {
+    return calls;
 }
 
 Greeting Office::hello(const QString& firstDay, const DayDigests& days) {

@@ -106,6 +106,9 @@ class Office {
     QStringList days(const QString& firstDay);
     QList<KeptDocument> documents(const QString& date);
 
+    /// How many calls this process has made.
+    static int roundTrips();
+
   private:
     pqxx::result call(const char* statement, const std::vector<std::string>& values);
 
