@@ -295,7 +295,7 @@ RETURN (SELECT string_agg((
         WHERE i <> k.number_at AND (k.kind <> 'collection' OR k.columns[i] <> 'gubun')), E'\x1e' ORDER BY n)
     FROM office.kind AS k, unnest(string_to_array(content, E'\x1e')) WITH ORDINALITY AS l (line, n) WHERE k.kind = kind_of);
 
--- An error unless the documents are what they are said to be.
+-- An error unless the documents are what they are said to be; their rows are looked at where they are written.
 CREATE FUNCTION office.check_documents(me office.terminal, the_day text, kinds text[], numbers text[], userids text[],
     contents text[], digests bytea[]) RETURNS void LANGUAGE plpgsql STABLE AS $$
 DECLARE
@@ -314,17 +314,13 @@ BEGIN
     IF wrong IS NOT NULL THEN
         RAISE EXCEPTION 'the digest of % does not fit its content', wrong USING ERRCODE = 'invalid_parameter_value';
     END IF;
-    SELECT format('%s %s of user %s', d.kind, d.number, d.userid) INTO wrong
-    FROM unnest(kinds, numbers, userids, contents) AS d (kind, number, userid, content)
-    JOIN office.kind AS k USING (kind)
-    CROSS JOIN unnest(string_to_array(d.content, E'\x1e')) AS line
-    CROSS JOIN LATERAL (SELECT string_to_array(line, E'\x1f') AS f OFFSET 0) AS row
-    WHERE cardinality(f) <> cardinality(k.columns) OR f[k.ddate_at] <> the_day OR f[k.userid_at] <> d.userid
-        OR coalesce(f[k.number_at], '') <> d.number
-    LIMIT 1;
-    IF wrong IS NOT NULL THEN
-        RAISE EXCEPTION 'the rows of % are not its own', wrong USING ERRCODE = 'invalid_parameter_value';
-    END IF;
+END
+$$;
+
+-- The error for a row that is not of its document.
+CREATE FUNCTION office.refuse_row(kind text, number text, userid text) RETURNS text LANGUAGE plpgsql AS $$
+BEGIN
+    RAISE EXCEPTION 'the rows of % % of user % are not its own', kind, number, userid USING ERRCODE = 'invalid_parameter_value';
 END
 $$;
 
@@ -339,7 +335,6 @@ LANGUAGE plpgsql SECURITY DEFINER SET search_path = pg_catalog, pg_temp AS $$
 DECLARE
     me CONSTANT office.terminal := office.caller();
     the_month CONSTANT date := office.month(the_day);
-    each record;
     doc office.document;
 BEGIN
     stored := 0;
@@ -351,14 +346,6 @@ BEGIN
     END IF;
     -- A copy of the terminal's disk may be at work in a second machine.
     PERFORM pg_advisory_xact_lock(hashtext('office.terminal'), hashtext(me.terminal));
-    FOR each IN
-        SELECT d AS doc, n.content FROM unnest(kinds, numbers, userids, contents, digests) AS n (kind, number, userid, content, digest)
-        JOIN office.document AS d USING (kind, number, userid)
-        WHERE d.month = the_month AND d.terminal = me.terminal AND d.ddate = the_day AND d.digest <> n.digest
-            AND d.state <> 'deleted'
-    LOOP
-        PERFORM office.supersede(each.doc, each.content);
-    END LOOP;
     stored := office.store(me.terminal, the_day, kinds, numbers, userids, contents, digests);
     IF is_last THEN
         FOR doc IN
@@ -391,17 +378,31 @@ CREATE FUNCTION office.store(me text, the_day text, kinds text[], numbers text[]
 DECLARE
     the_month CONSTANT date := office.month(the_day);
     known boolean[];
+    superseded boolean;
+    each record;
     k office.kind;
 BEGIN
     SELECT array_agg(n.kind), array_agg(n.number), array_agg(n.userid), array_agg(n.content), array_agg(n.digest),
-        array_agg(d.digest IS NOT DISTINCT FROM n.digest AND d.state = 'missing')
-    INTO kinds, numbers, userids, contents, digests, known
+        array_agg(d.digest IS NOT DISTINCT FROM n.digest AND d.state = 'missing'),
+        bool_or(d.digest <> n.digest AND d.state <> 'deleted')
+    INTO kinds, numbers, userids, contents, digests, known, superseded
     FROM unnest(kinds, numbers, userids, contents, digests) AS n (kind, number, userid, content, digest)
     LEFT JOIN office.document AS d ON d.month = the_month AND d.terminal = me AND d.ddate = the_day
         AND d.kind = n.kind AND d.number = n.number AND d.userid = n.userid
     WHERE d.digest IS DISTINCT FROM n.digest OR d.state <> 'present';
     IF kinds IS NULL THEN
         RETURN 0;
+    END IF;
+    IF superseded THEN
+        FOR each IN
+            SELECT d AS doc, n.content
+            FROM unnest(kinds, numbers, userids, contents, digests) AS n (kind, number, userid, content, digest)
+            JOIN office.document AS d USING (kind, number, userid)
+            WHERE d.month = the_month AND d.terminal = me AND d.ddate = the_day AND d.digest <> n.digest
+                AND d.state <> 'deleted'
+        LOOP
+            PERFORM office.supersede(each.doc, each.content);
+        END LOOP;
     END IF;
     INSERT INTO office.document AS d (month, terminal, kind, ddate, number, userid, digest)
     SELECT the_month, me, n.kind, the_day, n.number, n.userid, n.digest
@@ -413,13 +414,17 @@ BEGIN
         EXECUTE format(
             'INSERT INTO office.%I (month, terminal, row_number, %s)
              SELECT $1, $2, n, %s
-             FROM unnest($3, $4, $5) AS d (kind, content, known)
+             FROM unnest($3, $4, $5, $6, $7) AS d (kind, number, userid, content, known)
              CROSS JOIN LATERAL unnest(string_to_array(content, E''\x1e'')) WITH ORDINALITY AS l (line, n)
              CROSS JOIN LATERAL (SELECT string_to_array(line, E''\x1f'') AS f OFFSET 0) AS row
              WHERE kind = %L AND NOT known',
             k.table_name, array_to_string(k.columns, ', '),
-            (SELECT string_agg(format('f[%s]', i), ', ' ORDER BY i) FROM generate_subscripts(k.columns, 1) AS i), k.kind)
-            USING the_month, me, kinds, contents, known;
+            (SELECT string_agg(CASE i WHEN k.ddate_at THEN format(
+                'CASE WHEN cardinality(f) = %s AND f[%s] = $8 AND f[%s] = d.userid AND %s = d.number THEN $8
+                      ELSE office.refuse_row(d.kind, d.number, d.userid) END', cardinality(k.columns), k.ddate_at, k.userid_at,
+                coalesce(format('f[%s]', k.number_at), '''''')) ELSE format('f[%s]', i) END, ', ')
+             FROM generate_subscripts(k.columns, 1) AS i), k.kind)
+            USING the_month, me, kinds, numbers, userids, contents, known, the_day;
     END LOOP;
     RETURN cardinality(kinds);
 END

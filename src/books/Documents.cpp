@@ -35,14 +35,24 @@ const Kind& find(DocumentKind kind) {
     return *std::ranges::find(kKinds, kind, &Kind::kind);
 }
 
-/// The column's text, without what would be taken for a separator and what the office's database cannot hold.
-QString field(const SqliteStatement& row, int column) {
-    QString text = row.text(column);
+bool isSeparator(char each) {
+    return each == kRowSeparator || each == kFieldSeparator || each == '\0';
+}
+
+/// The column's text in UTF-8, without what would be taken for a separator and what the office's database
+/// cannot hold.
+QByteArray fieldBytes(const SqliteStatement& row, int column) {
+    const QByteArray bytes = row.textBytes(column);
+    if (bytes.isValidUtf8() && std::ranges::none_of(bytes, isSeparator)) return bytes;
+    QString text = QString::fromUtf8(bytes);
     for (QChar& each : text) {
-        if (each == QLatin1Char(kRowSeparator) || each == QLatin1Char(kFieldSeparator) || each.isNull())
-            each = QChar::ReplacementCharacter;
+        if (each.unicode() < 0x80 && isSeparator(char(each.unicode()))) each = QChar::ReplacementCharacter;
     }
-    return text;
+    return text.toUtf8();
+}
+
+QString field(const SqliteStatement& row, int column) {
+    return QString::fromUtf8(fieldBytes(row, column));
 }
 
 /// `count` columns of the row from `first` on, as they stand in a content.
@@ -50,7 +60,7 @@ QByteArray rowContent(const SqliteStatement& row, int first, int count) {
     QByteArray content;
     for (int i = 0; i < count; ++i) {
         if (i > 0) content += kFieldSeparator;
-        content += field(row, first + i).toUtf8();
+        content += fieldBytes(row, first + i);
     }
     return content;
 }

@@ -19,6 +19,7 @@ using namespace Qt::Literals::StringLiterals;
 using platform::SqliteFile;
 
 constexpr qsizetype kShortBytes = 8;
+constexpr QStringView kMinute = u"yyyy-MM-ddTHH:mm";
 
 QString statePath() {
     return platform::device::path(kOfficeFolder) + u"state.json"_s;
@@ -72,7 +73,7 @@ OfficeState readOfficeState() {
     QFile file(statePath());
     if (!file.open(QIODevice::ReadOnly)) return state;
     const QJsonObject json = QJsonDocument::fromJson(file.readAll()).object();
-    state.syncedAt = QDateTime::fromString(json[u"syncedAt"_s].toString(), Qt::ISODate);
+    state.syncedAt = QDateTime::fromString(json[u"syncedAt"_s].toString(), kMinute);
     const QJsonObject days = json[u"days"_s].toObject();
     for (auto day = days.begin(); day != days.end(); ++day) state.days[day.key()] = dayOf(day->toObject());
     return state;
@@ -81,9 +82,12 @@ OfficeState readOfficeState() {
 bool writeOfficeState(const OfficeState& state) {
     QJsonObject days;
     for (auto day = state.days.cbegin(); day != state.days.cend(); ++day) days[day.key()] = toJson(*day);
-    const QJsonObject json{{u"syncedAt"_s, state.syncedAt.toString(Qt::ISODate)}, {u"days"_s, days}};
+    const QJsonObject json{{u"syncedAt"_s, state.syncedAt.toString(kMinute)}, {u"days"_s, days}};
+    const QByteArray text = QJsonDocument(json).toJson(QJsonDocument::Compact);
+    // A sync that changes nothing does not wait for the disk every time.
+    if (QFile before(statePath()); before.open(QIODevice::ReadOnly) && before.readAll() == text) return true;
     platform::WholeFile file(statePath());
-    return file.write(QJsonDocument(json).toJson(QJsonDocument::Compact)) && file.takeName();
+    return file.write(text) && file.takeName();
 }
 
 DocumentDigests digestsOfDay(const DocumentReader& reader, const QString& date) {
