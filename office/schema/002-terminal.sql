@@ -425,7 +425,7 @@ BEGIN
             (SELECT string_agg(CASE i WHEN k.ddate_at THEN format(
                 'CASE WHEN cardinality(f) = %s AND f[%s] = $8 AND f[%s] = d.userid AND %s = d.number THEN $8
                       ELSE office.refuse_row(d.kind, d.number, d.userid) END', cardinality(k.columns), k.ddate_at, k.userid_at,
-                coalesce(format('f[%s]', k.number_at), '''''')) ELSE format('f[%s]', i) END, ', ')
+                coalesce('f[' || k.number_at || ']', '''''')) ELSE format('f[%s]', i) END, ', ')
              FROM generate_subscripts(k.columns, 1) AS i), k.kind)
             USING the_month, me, kinds, numbers, userids, contents, known, the_day;
     END LOOP;
