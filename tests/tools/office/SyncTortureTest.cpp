@@ -13,7 +13,7 @@
 namespace test {
 namespace {
 
-constexpr int kUsualRuns = 12;
+constexpr int kUsualRuns = 30;
 
 int number(const char* name, int usual) {
     const char* const text = std::getenv(name);
