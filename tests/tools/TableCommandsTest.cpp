@@ -1,5 +1,5 @@
 #include "AdminTest.h"
-#include "rovanactl/Csv.h"
+#include "common/Csv.h"
 
 namespace test {
 namespace {
@@ -20,10 +20,10 @@ TEST(Csv, ReadsWhatTheStandardAllows) {
         {"", {}},
     };
     for (const auto& [content, records] : cases) {
-        const admin::CsvFile file = admin::parseCsv(content);
+        const tools::CsvFile file = tools::parseCsv(content);
         EXPECT_EQ(narrow(file.error), "") << content.toStdString();
         QList<QStringList> read;
-        for (const admin::CsvRecord& record : file.records) read << record.fields;
+        for (const tools::CsvRecord& record : file.records) read << record.fields;
         EXPECT_EQ(read, records) << content.toStdString();
     }
 }
