@@ -17,6 +17,8 @@ BEGIN
     EXECUTE format('REVOKE ALL ON DATABASE %I FROM PUBLIC', current_database());
     EXECUTE format('GRANT CONNECT ON DATABASE %I TO rovana_owner, rovana_terminal, rovana_reader', current_database());
     -- Migrations make their own schemas and the loads work in a table of the session.
+    -- Compiling a statement over many partitions takes longer than running it.
+    EXECUTE format('ALTER DATABASE %I SET jit = off', current_database());
     EXECUTE format('GRANT TEMPORARY, CREATE ON DATABASE %I TO rovana_owner', current_database());
 END
 $$;

@@ -163,7 +163,8 @@ CREATE TABLE office.history (
 COMMENT ON COLUMN office.history.after_close IS 'It was superseded after its user had closed the day';
 COMMENT ON COLUMN office.history.is_deleted IS 'The terminal deleted the document; else a later revision followed';
 
--- The rows, each table with the terminal's own columns and texts; row_number counts them within their document from 1.
+-- The rows, each table with the terminal's own columns and texts; row_number counts them within their document from 1. What
+-- is read most is a day of all terminals.
 CREATE TABLE office.mtm (
     month date NOT NULL, terminal text NOT NULL, row_number integer NOT NULL,
     ddate text NOT NULL DEFAULT '', gubun text NOT NULL DEFAULT '', gcode text NOT NULL DEFAULT '',
@@ -172,7 +173,7 @@ CREATE TABLE office.mtm (
     box text NOT NULL DEFAULT '', bon text NOT NULL DEFAULT '', mmoney text NOT NULL DEFAULT '',
     bmoney text NOT NULL DEFAULT '', ymoney text NOT NULL DEFAULT '', gmoney text NOT NULL DEFAULT '',
     userid text NOT NULL DEFAULT '', dtime text NOT NULL DEFAULT '',
-    PRIMARY KEY (month, terminal, ddate, junno, userid, row_number)
+    PRIMARY KEY (ddate, terminal, junno, userid, row_number, month)
 ) PARTITION BY LIST (month);
 COMMENT ON TABLE office.mtm IS 'Lines of the sales slips';
 CREATE TABLE office.ytm (
@@ -182,7 +183,7 @@ CREATE TABLE office.ytm (
     fbox text NOT NULL DEFAULT '', nbox text NOT NULL DEFAULT '', bon text NOT NULL DEFAULT '',
     ymoney text NOT NULL DEFAULT '', gmoney text NOT NULL DEFAULT '', ysamt text NOT NULL DEFAULT '',
     gsamt text NOT NULL DEFAULT '', userid text NOT NULL DEFAULT '',
-    PRIMARY KEY (month, terminal, ddate, junno, userid, row_number)
+    PRIMARY KEY (ddate, terminal, junno, userid, row_number, month)
 ) PARTITION BY LIST (month);
 COMMENT ON TABLE office.ytm IS 'Lines of the container slips';
 CREATE TABLE office.mtmok (
@@ -195,7 +196,7 @@ CREATE TABLE office.mtmok (
     cardmoney text NOT NULL DEFAULT '', misuinmoney text NOT NULL DEFAULT '', undermoney text NOT NULL DEFAULT '',
     ydmoney text NOT NULL DEFAULT '', gdmoney text NOT NULL DEFAULT '', msgsendtime text NOT NULL DEFAULT '',
     banktranno text NOT NULL DEFAULT '',
-    PRIMARY KEY (month, terminal, ddate, junno, userid, row_number)
+    PRIMARY KEY (ddate, terminal, junno, userid, row_number, month)
 ) PARTITION BY LIST (month);
 COMMENT ON TABLE office.mtmok IS 'Collection slips';
 CREATE TABLE office.payjournal (
@@ -210,14 +211,14 @@ CREATE TABLE office.payjournal (
     misuinmoney text NOT NULL DEFAULT '', undermoney text NOT NULL DEFAULT '', ydmoney text NOT NULL DEFAULT '',
     gdmoney text NOT NULL DEFAULT '', msgsendtime text NOT NULL DEFAULT '', banktranno text NOT NULL DEFAULT '',
     saletotal text NOT NULL DEFAULT '', containerworth text NOT NULL DEFAULT '',
-    PRIMARY KEY (month, terminal, ddate, number, userid, row_number)
+    PRIMARY KEY (ddate, terminal, number, userid, row_number, month)
 ) PARTITION BY LIST (month);
 COMMENT ON TABLE office.payjournal IS 'Payments sent to the card host and what became of them';
 CREATE TABLE office.printlog (
     month date NOT NULL, terminal text NOT NULL, row_number integer NOT NULL,
     ddate text NOT NULL DEFAULT '', junno text NOT NULL DEFAULT '', userid text NOT NULL DEFAULT '',
     document text NOT NULL DEFAULT '', copy text NOT NULL DEFAULT '', printedat text NOT NULL DEFAULT '',
-    PRIMARY KEY (month, terminal, ddate, junno, userid, row_number)
+    PRIMARY KEY (ddate, terminal, junno, userid, row_number, month)
 ) PARTITION BY LIST (month);
 COMMENT ON TABLE office.printlog IS 'Papers that were printed';
 CREATE TABLE office.deleted (
@@ -225,7 +226,7 @@ CREATE TABLE office.deleted (
     ddate text NOT NULL DEFAULT '', document text NOT NULL DEFAULT '', junno text NOT NULL DEFAULT '',
     userid text NOT NULL DEFAULT '', gcode text NOT NULL DEFAULT '', gname text NOT NULL DEFAULT '',
     total text NOT NULL DEFAULT '', deletedby text NOT NULL DEFAULT '', deletedat text NOT NULL DEFAULT '',
-    PRIMARY KEY (month, terminal, ddate, junno, userid, row_number)
+    PRIMARY KEY (ddate, terminal, junno, userid, row_number, month)
 ) PARTITION BY LIST (month);
 COMMENT ON TABLE office.deleted IS 'What was deleted on the terminals';
 CREATE TABLE office.dayclose (
@@ -237,7 +238,7 @@ CREATE TABLE office.dayclose (
     bottles text NOT NULL DEFAULT '', cratesback text NOT NULL DEFAULT '', bottlesback text NOT NULL DEFAULT '',
     openslips text NOT NULL DEFAULT '', strip text NOT NULL DEFAULT '', visits text NOT NULL DEFAULT '',
     deletions text NOT NULL DEFAULT '', printedat text NOT NULL DEFAULT '',
-    PRIMARY KEY (month, terminal, ddate, userid, row_number)
+    PRIMARY KEY (ddate, terminal, userid, row_number, month)
 ) PARTITION BY LIST (month);
 COMMENT ON TABLE office.dayclose IS 'Closes of the days';
 CREATE INDEX ON office.mtm (gcode);
@@ -284,8 +285,7 @@ SELECT office.make_month(DATE '0001-01-01');
 -- sum that the slip has, whatever its parts are. A recovery above the total that a settling button has booked is in the
 -- recovery already and counts once. A simple payment adds nothing.
 CREATE FUNCTION office.receivable_effect(slip office.mtmok) RETURNS numeric LANGUAGE sql IMMUTABLE PARALLEL SAFE
--- One expression, which is worked out where the function stands. What came in is the sum that the row has, whatever its
--- parts are.
+-- One expression, which is worked out where the function stands.
 RETURN CASE WHEN (slip).gubun = '단순결제' THEN 0 ELSE
     office.won((slip).mmoney)::numeric + office.won((slip).ygmoney) - office.won((slip).ydmoney) - office.won((slip).inmoney)
     - CASE WHEN (slip).misuinmoney IN ('', '0') THEN 0
