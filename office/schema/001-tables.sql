@@ -297,7 +297,7 @@ RETURN CASE WHEN (slip).gubun = '단순결제' THEN 0 ELSE
     END;
 
 -- What has moved a customer's receivable since GARAE.RVN was loaded. Only added to, so that terminals that send at the
--- same time do not wait for each other; a load of GARAE.RVN empties it, since its balances have it all.
+-- same time do not wait for each other; a load of GARAE.RVN takes out what its balances have.
 CREATE TABLE office.movement (
     gcode text NOT NULL,
     amount numeric NOT NULL,

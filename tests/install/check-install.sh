@@ -38,6 +38,7 @@ if [[ -e $build/bin/rovana-office ]]; then
     expected=$(LC_ALL=C sort <<<"$expected
 bin/rovana-office
 bin/rovana-sync
+lib/systemd/user/rovana-sync.service
 share/man/man1/rovana-office.1.gz
 share/man/man1/rovana-sync.1.gz")
 fi

@@ -59,14 +59,39 @@ std::optional<QList<Report>> one(std::optional<Report> report) {
     return report ? std::optional(QList<Report>{*std::move(report)}) : std::nullopt;
 }
 
+/// The closes of one salesman, or his day as it stands.
+std::optional<QList<Report>> closesOf(pqxx::connection& connection, const QString& date,
+                                      const QString& user) {
+    const qsizetype at = user.indexOf(u'@');
+    if (at < 0) return totals::dayCloseReports(date, user);
+    // What a close has kept of the visits names him as his terminal does.
+    const QString terminal = user.sliced(at + 1);
+    const DayCopy own(connection, date, terminal);
+    auto reports = totals::dayCloseReports(date, user.first(at));
+    if (!reports) return std::nullopt;
+    for (Report& report : *reports) report.salesman += u'@' + terminal;
+    return reports;
+}
+
+std::optional<QList<Report>> closes(pqxx::connection& connection, const QString& date,
+                                    const QStringList& users) {
+    QList<Report> reports;
+    for (const QString& user : users) {
+        auto own = closesOf(connection, date, user);
+        if (!own) return std::nullopt;
+        reports << *std::move(own);
+    }
+    return reports;
+}
+
 /// The reports of that name; nothing when the copied day could not be read, which it always can.
 std::optional<QList<Report>> make(const QString& name, pqxx::connection& connection, const QString& date,
-                                  const QString& user) {
+                                  const QString& user, const QStringList& users) {
     if (name == kCheck) {
         auto check = totals::checkDays({date}, user);
         return check ? one(std::move(check->report)) : std::nullopt;
     }
-    if (name == kClose) return totals::dayCloseReports(date, user);
+    if (name == kClose) return closes(connection, date, user.isEmpty() ? users : QStringList(user));
     if (name == kHost) {
         const auto host = hostDay(connection, date);
         if (!host) return QList<Report>();
@@ -108,9 +133,9 @@ Outcome day(const Invocation& call) {
     }
     QList<Report> reports;
     for (const QString& each : call.options.isSet(kReport) ? QStringList(name) : reportNames()) {
-        auto made = make(each, *connection, date, user);
+        auto made = make(each, *connection, date, user, copy.users());
         if (!made) return failure(u"the report %1 could not be made"_s.arg(each));
-        if (made->isEmpty())
+        if (each == kHost && made->isEmpty())
             call.err << u"rovana-office: the card host's list of %1 was not loaded\n"_s.arg(date);
         reports << *std::move(made);
     }

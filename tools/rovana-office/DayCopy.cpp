@@ -76,7 +76,9 @@ class Copy {
         insert(
             *db::schema::findTable(u"GARAE"),
             work_.exec(
-                "SELECT gcode, g.gname, gupju, enddate, sno, majin, cjdate, r.balance::text, ttmoney, juso, "
+                "SELECT gcode, g.gname, gupju, enddate, sno, majin, cjdate, "
+                "CASE r.moved WHEN 0 THEN cjmoney ELSE (office.won(cjmoney) + r.moved)::text END, ttmoney, "
+                "juso, "
                 "gubun, "
                 "tel, bggubun, seek, g.userid, cardno FROM office.master_garae AS g "
                 "JOIN report.receivable AS r USING (gcode) WHERE last_version IS NULL ORDER BY row_number"));

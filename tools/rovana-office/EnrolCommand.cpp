@@ -117,11 +117,15 @@ void makeRole(pqxx::work& work, const Access& access) {
     work.exec("ALTER ROLE " + role + " SET idle_in_transaction_session_timeout = '1min'");
 }
 
-/// Whoever is logged in with what the terminal had before is sent away.
-void endSessions(pqxx::connection& connection, const QString& role) {
+/// Sends away whoever is logged in with what the terminal had before. The rest is done by then: a failure
+/// says what is left.
+Outcome endSessions(pqxx::connection& connection, const QString& role) try {
     pqxx::nontransaction work(connection);
     work.exec_params("SELECT pg_terminate_backend(pid, 5000) FROM pg_stat_activity WHERE usename = $1",
                      plain(role));
+    return {};
+} catch (const std::exception& fault) {
+    return failure(u"who is logged in as %1 stays so until he leaves: %2"_s.arg(role, reasonOf(fault)));
 }
 
 Outcome withdraw(const Invocation& call, const QString& terminal) {
@@ -133,9 +137,8 @@ Outcome withdraw(const Invocation& call, const QString& terminal) {
         work.exec("ALTER ROLE " + work.quote_name(plain(roleOf(terminal))) + " NOLOGIN PASSWORD NULL");
         work.commit();
     }
-    endSessions(*connection, roleOf(terminal));
     call.out << u"terminal %1 is let in no more; what it sent stays\n"_s.arg(terminal);
-    return {};
+    return endSessions(*connection, roleOf(terminal));
 }
 
 Outcome enrol(const Invocation& call) {
@@ -169,11 +172,10 @@ Outcome enrol(const Invocation& call) {
     if (!file.takeName())
         return failure(
             u"%1 cannot be written: %2; enrol the terminal once more"_s.arg(path, file.errorText()));
-    endSessions(*connection, access.user);
     call.out << u"terminal %1 is enrolled for %2; %3 is its key to the office: bring it to the terminal as "
                 "office.conf in its device folder, and leave no copy\n"_s.arg(terminal, users.join(u", "_s),
                                                                               path);
-    return {};
+    return endSessions(*connection, access.user);
 }
 
 }  // namespace

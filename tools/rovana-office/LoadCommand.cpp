@@ -32,9 +32,10 @@ Outcome load(const Invocation& call) {
     const Connection connection = connectToOffice();
     pqxx::work work(*connection);
     QStringList told;
+    bool hasBalances = false;
     for (const MasterFile& file : files) {
-        const MasterLoaded loaded =
-            loadMaster(work, file, call.options.isSet(kShrink), call.options.value(kSentUntil));
+        const MasterLoaded loaded = loadMaster(work, file, call.options.isSet(kShrink));
+        hasBalances = hasBalances || (loaded.version && file.table == u"garae");
         told << (loaded.version ? u"%1: version %2, %3 lines, %4 new, %5 gone\n"_s.arg(file.name)
                                       .arg(*loaded.version)
                                       .arg(file.rows.size())
@@ -42,6 +43,7 @@ Outcome load(const Invocation& call) {
                                       .arg(loaded.removed)
                                 : u"%1: the office has these lines already\n"_s.arg(file.name));
     }
+    if (hasBalances) replaceBalances(work, call.options.value(kSentUntil));
     work.commit();
     call.out << told.join(QString());
     return {};

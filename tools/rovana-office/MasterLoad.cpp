@@ -153,21 +153,13 @@ class Load {
 
 }  // namespace
 
-MasterLoaded loadMaster(pqxx::work& work, const MasterFile& master, bool mayShrink,
-                        const QString& sentUntil) {
+MasterLoaded loadMaster(pqxx::work& work, const MasterFile& master, bool mayShrink) {
     // One load at a time; who only reads does not wait.
     work.exec("SELECT pg_advisory_xact_lock(hashtext('office.load'))");
     Load load(work, master);
     MasterLoaded loaded;
     if (load.isUnchanged()) return loaded;
     if (!mayShrink && !master.isOrders()) load.refuseShrinking();
-    if (master.table == u"garae") {
-        work.exec("SELECT pg_advisory_xact_lock(hashtext('office.balances'))");
-        work.exec_params(
-            "DELETE FROM office.movement WHERE moved_at <= coalesce(nullif($1, '')::timestamptz, "
-            "'infinity')",
-            plain(sentUntil));
-    }
     loaded.version = load.makeVersion();
     load.stage();
     if (master.isOrders()) {
@@ -183,6 +175,14 @@ MasterLoaded loadMaster(pqxx::work& work, const MasterFile& master, bool mayShri
     load.noteChanges();
     load.prune();
     return loaded;
+}
+
+void replaceBalances(pqxx::work& work, const QString& sentUntil) {
+    // Who is sending ends first; who comes now waits for the end of the load.
+    work.exec("SELECT pg_advisory_xact_lock(hashtext('office.balances'))");
+    work.exec_params(
+        "DELETE FROM office.movement WHERE moved_at <= coalesce(nullif($1, '')::timestamptz, now())",
+        plain(sentUntil));
 }
 
 }  // namespace office

@@ -17,8 +17,11 @@ struct MasterLoaded {
 };
 
 /// Loads the file as part of `work`, as a version of its own. Unless `mayShrink`, throws Fault when a table
-/// would lose more than half of its rows. `sentUntil` is the time up to which the balances of GARAE.RVN have
-/// what the terminals sent, as PostgreSQL reads a time; what was sent later still moves them.
-MasterLoaded loadMaster(pqxx::work& work, const MasterFile& master, bool mayShrink, const QString& sentUntil);
+/// would lose more than half of its rows.
+MasterLoaded loadMaster(pqxx::work& work, const MasterFile& master, bool mayShrink);
+
+/// The last step of a load of GARAE.RVN: its balances have what was sent until `sentUntil`, a time as
+/// PostgreSQL reads it, or when that is empty until the load began. What was sent later still moves them.
+void replaceBalances(pqxx::work& work, const QString& sentUntil);
 
 }  // namespace office

@@ -131,22 +131,15 @@ void Cluster::makeCertificates() {
 void Cluster::writeConfiguration() {
     port_ = freePort();
     const auto quoted = [&](QStringView name) { return u"'"_s + folder_.filePath(name.toString()) + u"'"_s; };
-    const QStringList lines{u"listen_addresses = 'localhost'"_s,
-                            u"port = %1"_s.arg(port_),
-                            u"unix_socket_directories = '%1'"_s.arg(folder_.path()),
-                            u"ssl = on"_s,
-                            u"ssl_ca_file = "_s + quoted(u"ca.crt"),
-                            u"ssl_cert_file = "_s + quoted(u"localhost.crt"),
-                            u"ssl_key_file = "_s + quoted(u"localhost.key"),
-                            u"max_connections = 300"_s,
-                            u"shared_buffers = 64MB"_s,
-                            u"fsync = off"_s,
-                            u"full_page_writes = off"_s,
-                            u"synchronous_commit = off"_s,
-                            u"autovacuum = off"_s,
-                            u"max_wal_size = 256MB"_s,
-                            u"timezone = 'Asia/Seoul'"_s,
-                            u"lc_messages = 'C'"_s};
+    const QStringList lines{
+        u"listen_addresses = 'localhost'"_s, u"port = %1"_s.arg(port_),
+        u"unix_socket_directories = '%1'"_s.arg(folder_.path()), u"ssl = on"_s,
+        u"ssl_ca_file = "_s + quoted(u"ca.crt"), u"ssl_cert_file = "_s + quoted(u"localhost.crt"),
+        u"ssl_key_file = "_s + quoted(u"localhost.key"), u"max_connections = 300"_s,
+        u"shared_buffers = 64MB"_s, u"fsync = off"_s, u"full_page_writes = off"_s,
+        u"synchronous_commit = off"_s, u"autovacuum = off"_s, u"max_wal_size = 256MB"_s,
+        // Each connection would load it anew.
+        u"shared_preload_libraries = 'plpgsql'"_s, u"timezone = 'Asia/Seoul'"_s, u"lc_messages = 'C'"_s};
     writeFile(folder_.filePath(u"data/postgresql.conf"_s), lines.join(u'\n').toUtf8() + '\n');
     writeFile(folder_.filePath(u"data/pg_hba.conf"_s),
               "local all postgres trust\n"

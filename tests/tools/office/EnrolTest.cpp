@@ -160,5 +160,26 @@ TEST_F(EnrolTest, WhatIsMissingIsSaidAndNothingIsChanged) {
     EXPECT_EQ(sql(u"SELECT count(*) FROM office.terminal"_s), QStringList(u"0"_s));
 }
 
+TEST(OfficeAccess, AFileThatIsNoneSaysWhyAndHoldsNothingOfIt) {
+    const QByteArray whole =
+        "host = h\nport = 1\ndatabase = d\nuser = u\npassword = geheim\n[authority]\n-----BEGIN\nx\n";
+    const auto faultOf = [](const QByteArray& text) {
+        QString error;
+        const auto read = office::readAccess(text, &error);
+        EXPECT_EQ(read.has_value(), error.isEmpty());
+        EXPECT_FALSE(error.contains(u"geheim"));
+        return error;
+    };
+    EXPECT_EQ(faultOf(whole), QString());
+    EXPECT_EQ(faultOf(QByteArray(whole).replace("\n", "\r\n")), QString());
+    EXPECT_EQ(faultOf(whole.sliced(9)), u"\"host\" is missing"_s);
+    EXPECT_EQ(faultOf("geheim\n" + whole), u"line 1 means nothing"_s);
+    EXPECT_EQ(faultOf(whole.first(whole.indexOf('['))), u"the certificate of the authority is missing"_s);
+    EXPECT_EQ(faultOf(whole + "[key]\nk\n"), u"a certificate and its key belong together"_s);
+    EXPECT_EQ(faultOf(whole + "[certificate]\nc\n[key]\nk\n"),
+              u"it needs a password, or a certificate and its key"_s);
+    EXPECT_EQ(faultOf({}), u"\"host\" is missing"_s);
+}
+
 }  // namespace
 }  // namespace test

@@ -23,7 +23,7 @@ void LineCutter::connectThrough() {
             bytes.truncate(*left);
             *left -= bytes.size();
         }
-        to->write(bytes);
+        if (to->state() != QAbstractSocket::UnconnectedState) to->write(bytes);
         if (*left != 0) return;
         // What was let through arrives; then nobody hears of the other.
         if (to->state() == QAbstractSocket::ConnectedState) to->flush();
@@ -37,6 +37,8 @@ void LineCutter::connectThrough() {
         terminal->deleteLater();
     });
     QObject::connect(server, &QTcpSocket::disconnected, terminal, [=] { terminal->disconnectFromHost(); });
+    // A server that is not there is one that has gone.
+    QObject::connect(server, &QTcpSocket::errorOccurred, terminal, [=] { terminal->abort(); });
     server->connectToHost(u"localhost"_s, quint16(serverPort_));
 }
 

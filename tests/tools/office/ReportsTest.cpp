@@ -274,7 +274,9 @@ TEST_F(ReportsTest, ADayOfOneTerminalIsWhatThatTerminalPrints) {
                 << reports.toStdString();
         }
     }
-    EXPECT_TRUE(dayOf({u"--report"_s, u"close"_s}).contains(u"마감 후 변경"));
+    const QString closes = dayOf({u"--report"_s, u"close"_s});
+    EXPECT_EQ(closes.count(u"마감 후 변경 1건"), 2);
+    EXPECT_EQ(closes.count(u"마감전 집계"), 2) << "who has not closed";
     EXPECT_EQ(sql(u"SELECT terminal, number, kind, change FROM report.change_after_close ORDER BY 1"_s),
               QStringList({u"1|77|sale|added"_s, u"2|77|sale|added"_s}));
 }

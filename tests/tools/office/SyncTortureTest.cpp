@@ -13,7 +13,8 @@
 namespace test {
 namespace {
 
-constexpr int kUsualRuns = 12;
+constexpr int kUsualRuns = 30;
+constexpr int kComparedDays = 5;
 
 int number(const char* name, int usual) {
     const char* const text = std::getenv(name);
@@ -140,6 +141,25 @@ class SyncTorture : public SyncTest {
         return wrong;
     }
 
+    /// The reports of some of the terminal's days as it prints them, and as the office's views give them.
+    void compareReports(const Worker& worker) {
+        platform::SqliteFile file(worker.folder + u"/My Documents/rvnclient.cdb"_s,
+                                  platform::SqliteFile::Mode::ReadOnly);
+        const auto days = file.rows(
+            u"SELECT DDate FROM MTMOK GROUP BY 1 ORDER BY COUNT(*) DESC LIMIT %1"_s.arg(kComparedDays));
+        for (const QStringList& day : *days) {
+            for (const QString& report : {u"sales"_s, u"collections"_s, u"cards"_s}) {
+                const OfficeEnded printed = cutter_.run(
+                    QStringLiteral(ROVANACTL),
+                    {u"totals"_s, u"--device"_s, worker.folder, u"--date"_s, day[0], u"--report"_s, report});
+                EXPECT_NE(printed.out, "");
+                const OfficeEnded atOffice =
+                    this->run({u"day"_s, day[0], u"--terminal"_s, worker.name, u"--report"_s, report});
+                EXPECT_EQ(atOffice.out, printed.out) << day[0].toStdString() << atOffice.err << printed.err;
+            }
+        }
+    }
+
     unsigned seed_ = unsigned(number("ROVANA_TEST_SEED", 20261122));
     std::mt19937 random_{seed_};
     LineCutter cutter_;
@@ -153,7 +173,7 @@ TEST_F(SyncTorture, NothingIsLostOrDoubled) {
     const int runs = number("ROVANA_TORTURE_RUNS", kUsualRuns);
     for (int run = 0; run < runs && !HasFailure(); ++run) {
         const Worker& worker = workers_[upTo(unsigned(workers_.size()))];
-        work(worker, 20 + int(upTo(200)));
+        work(worker, 20 + int(upTo(120)));
         syncBadly(worker);
         leave(worker);
     }
@@ -171,6 +191,7 @@ TEST_F(SyncTorture, NothingIsLostOrDoubled) {
             lost += gone;
             doubled += extra;
         }
+        compareReports(worker);
         platform::SqliteFile file(worker.folder + u"/My Documents/rvnclient.cdb"_s,
                                   platform::SqliteFile::Mode::ReadOnly);
         const auto customers = file.rows(u"SELECT CJMONEY FROM GARAE"_s);
