@@ -67,3 +67,11 @@ FROM office.document GROUP BY month, terminal, ddate;
 COMMENT ON VIEW report.terminal_day IS
     'What each terminal has sent of a day; none for a terminal that has sent nothing of it';
 COMMENT ON COLUMN report.terminal_day.missing IS 'Sent once, and gone from the terminal without a deletion';
+
+-- An order that nobody has delivered lies on each terminal of its salesman, and is nobody's slip.
+CREATE OR REPLACE VIEW report.number_conflict AS
+SELECT month, ddate AS day, kind, office.own_number(number) AS number, userid, array_agg(terminal ORDER BY terminal) AS terminals
+FROM office.document AS d WHERE kind IN ('sale', 'containers', 'collection') AND state <> 'deleted'
+    AND (kind <> 'sale' OR EXISTS (SELECT FROM report.sale AS s WHERE s.month = d.month AND s.terminal = d.terminal
+        AND s.day = d.ddate AND s.kept_number = d.number AND s.userid = d.userid AND NOT s.is_undelivered))
+GROUP BY month, ddate, kind, office.own_number(number), userid HAVING count(DISTINCT terminal) > 1;

@@ -72,5 +72,7 @@ QString boardAmount(platform::Won amount);
 /// Their texts keep their size at any width.
 QString columnChart(const QList<BoardBar>& bars, const QString& title);
 QString rowChart(const QList<BoardBar>& bars, const QString& title);
+/// In how many won the figures above vertical bars are.
+qint64 columnUnit(const QList<BoardBar>& bars);
 
 }  // namespace office

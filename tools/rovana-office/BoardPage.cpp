@@ -185,8 +185,10 @@ QString section(const BoardList& list, const QString& anchor) {
 
 QString charts(const Board& board) {
     if (board.hours.isEmpty() && board.products.isEmpty()) return {};
-    QString html = u"<div class=\"charts\">\n<section>\n<h2>시간대별 매출</h2>\n"_s +
-                   columnChart(board.hours, u"시간대별 매출"_s) + u"<p class=\"hint\">단위 만원"_s;
+    QString html =
+        u"<div class=\"charts\">\n<section>\n<h2>시간대별 매출</h2>\n"_s +
+        columnChart(board.hours, u"시간대별 매출"_s) +
+        u"<p class=\"hint\">단위 %1"_s.arg(columnUnit(board.hours) == 10'000 ? u"만원"_s : u"백만원"_s);
     if (!board.untimed.isZero()) html += u" · 시각이 없는 전표 %1원 제외"_s.arg(boardAmount(board.untimed));
     return html + u"</p>\n</section>\n<section>\n<h2>상품별 매출</h2>\n"_s +
            rowChart(board.products, u"상품별 매출"_s) +
