@@ -34,13 +34,13 @@ int terminals(int usual) {
     return officeTerminals > 0 ? officeTerminals : usual;
 }
 
-/// An office with enrolled terminals 1 to `count`, for one user A each, and a device folder that stands for
-/// whichever of them has its turn.
+/// An office with `count` enrolled terminals from number `first` on, for one user A each, and a device folder
+/// that stands for whichever of them has its turn.
 class Office {
   public:
-    explicit Office(int count) : database_(cluster().createDatabase()) {
+    explicit Office(int count, int first = 1) : database_(cluster().createDatabase()) {
         run({u"init"_s});
-        for (int number = 1; number <= count; ++number) accesses_.push_back(enrol(number));
+        for (int number = first; number < first + count; ++number) accesses_.push_back(enrol(number));
     }
 
     void load(const QString& name, const QString& lines) {
@@ -230,14 +230,15 @@ Result measureOfficeIdle() {
 
 Result measureOfficeFull() {
     Office empty(1);
-    Office full(1);
+    // A terminal's role is the whole server's.
+    Office full(1, 2);
     // A year from before the days that each sync compares; each with as many documents and rows as today's.
     full.sql(
         "SELECT office.make_month(m::date) FROM generate_series(date_trunc('month', now()) - interval '13 "
         "months', "
         "date_trunc('month', now()), interval '1 month') AS m;"
         "INSERT INTO office.document (month, terminal, kind, ddate, number, userid, digest) "
-        "SELECT office.month(d), '1', kind, d, n::text, 'A', sha256((kind || d || n)::bytea) "
+        "SELECT office.month(d), '2', kind, d, n::text, 'A', sha256((kind || d || n)::bytea) "
         "FROM generate_series(now() - interval '400 days', now() - interval '35 days', interval '1 day') AS "
         "day, "
         "to_char(day, 'YYYY-MM-DD') AS d, generate_series(5001, 5100) AS n, unnest(ARRAY['sale', "

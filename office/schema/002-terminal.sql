@@ -329,9 +329,9 @@ $$;
 
 -- Takes documents of a day: one that is there as it is changes nothing, another content is its next revision. With `is_last`
 -- the day is whole: what was named as absent, and all that the terminal was found to lack before, is deleted where a trace
--- says so, and else kept as missing. Returns how many were taken, deleted and are missing.
+-- says so, and else kept as missing; of a day that may be in an archive it stays as it is. Returns how many were taken, deleted and are missing.
 CREATE FUNCTION terminal.send(the_day text, kinds text[], numbers text[], userids text[], contents text[], digests bytea[],
-    absent_kinds text[], absent_numbers text[], absent_userids text[], is_last boolean)
+    absent_kinds text[], absent_numbers text[], absent_userids text[], is_last boolean, is_archived boolean)
 RETURNS TABLE (stored integer, deleted integer, missing integer)
 LANGUAGE plpgsql SECURITY DEFINER SET search_path = pg_catalog, pg_temp AS $$
 #variable_conflict use_column
@@ -360,9 +360,9 @@ BEGIN
             -- What has become of a slip decides about its prints.
             ORDER BY d.kind = 'prints'
         LOOP
-            IF office.settle(doc) THEN
+            IF office.settle(doc, is_archived) THEN
                 deleted := deleted + 1;
-            ELSE
+            ELSIF NOT is_archived THEN
                 missing := missing + 1;
             END IF;
         END LOOP;
@@ -434,7 +434,7 @@ END
 $$;
 
 -- Decides about a document that the terminal lacks; true when it is deleted.
-CREATE FUNCTION office.settle(doc office.document) RETURNS boolean LANGUAGE plpgsql AS $$
+CREATE FUNCTION office.settle(doc office.document, is_archived boolean) RETURNS boolean LANGUAGE plpgsql AS $$
 DECLARE
     deleted CONSTANT boolean := office.is_deleted(doc);
     aside CONSTANT boolean := doc.number LIKE '%~%';
@@ -445,7 +445,7 @@ BEGIN
     IF deleted AND aside THEN
         DELETE FROM office.document AS d WHERE d.month = doc.month AND d.terminal = doc.terminal AND d.ddate = doc.ddate
             AND d.kind = doc.kind AND d.number = doc.number AND d.userid = doc.userid;
-    ELSE
+    ELSIF deleted OR NOT is_archived THEN
         UPDATE office.document AS d SET state = CASE WHEN deleted THEN 'deleted' ELSE 'missing' END
         WHERE d.month = doc.month AND d.terminal = doc.terminal AND d.ddate = doc.ddate
             AND d.kind = doc.kind AND d.number = doc.number AND d.userid = doc.userid;

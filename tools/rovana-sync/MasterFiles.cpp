@@ -143,6 +143,10 @@ bool MasterFiles::areOrdersWaiting() {
     return QFile::exists(documentsPath(kOrders)) || QFile::exists(cardPath(kOrders));
 }
 
+bool MasterFiles::areBalancesWaiting() {
+    return QFile::exists(documentsPath(kCustomers));
+}
+
 bool MasterFiles::hasSlip(const Order& order) {
     const auto isIn = [&](const QString& table) {
         if (!local_.database().hasColumn(table)) return false;

@@ -35,6 +35,7 @@ class MasterFiles {
     /// Puts those of the orders that the terminal neither has nor has deleted into MTM.RVN, unless one waits.
     void putOrders(const QList<Order>& orders);
     static bool areOrdersWaiting();
+    static bool areBalancesWaiting();
 
     /// What the collections, which move the balances, are now.
     static QByteArray balancesOf(const QMap<QString, books::DocumentDigests>& days);

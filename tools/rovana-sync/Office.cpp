@@ -201,10 +201,11 @@ Sent Office::send(const Parcel& parcel) {
         absentNumbers.add(absent.number);
         absentUsers.add(absent.userId);
     }
-    const pqxx::result rows = call(
-        "SELECT * FROM terminal.send($1, $2, $3, $4, $5, $6, $7, $8, $9, $10)",
-        {utf8(parcel.date), kinds.text(), numbers.text(), users.text(), contents.text(), digests.text(),
-         absentKinds.text(), absentNumbers.text(), absentUsers.text(), parcel.isLast ? "true" : "false"});
+    const pqxx::result rows =
+        call("SELECT * FROM terminal.send($1, $2, $3, $4, $5, $6, $7, $8, $9, $10, $11)",
+             {utf8(parcel.date), kinds.text(), numbers.text(), users.text(), contents.text(), digests.text(),
+              absentKinds.text(), absentNumbers.text(), absentUsers.text(), parcel.isLast ? "true" : "false",
+              parcel.isArchived ? "true" : "false"});
     return {rows[0]["stored"].as<int>(), rows[0]["deleted"].as<int>(), rows[0]["missing"].as<int>()};
 }
 

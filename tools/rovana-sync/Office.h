@@ -75,6 +75,7 @@ struct Parcel {
     QList<books::Document> documents;
     QList<books::DocumentIdentity> absent;  ///< What the office has and the terminal lacks.
     bool isLast = false;                    ///< With it the day is whole.
+    bool isArchived = false;                ///< Some of the day may have left for an archive.
 };
 
 struct Sent {

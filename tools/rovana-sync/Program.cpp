@@ -115,8 +115,14 @@ QString attempt(const std::function<void()>& work) try {
         said = trouble;
         // Terminals that were switched on together do not stay together.
         const int idle = kSecondsWithoutChange * QRandomGenerator::global()->bounded(90, 111) / 100;
-        while (since.elapsed() < 1000 * (databaseTrace() == before ? idle : kSecondsAfterChange))
+        const auto patience = [&] {
+            if (databaseTrace() == before) return idle;
+            // Balances that wait to be loaded may have become old just now.
+            return MasterFiles::areBalancesWaiting() ? 0 : kSecondsAfterChange;
+        };
+        do {
             QThread::sleep(kLookSeconds);
+        } while (since.elapsed() < 1000 * patience());
     }
 }
 

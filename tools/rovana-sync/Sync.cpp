@@ -68,7 +68,7 @@ Outcome Sync::run() {
             if (!greeting_.differing.contains(date)) agreed_.insert(date);
         }
         for (auto day = greeting_.differing.cbegin(); day != greeting_.differing.cend(); ++day)
-            sendDay(office, day.key(), *day, day.key() >= firstDay_);
+            sendDay(office, day.key(), *day);
         sendOldDays(office);
         tellSalesmen(office);
         fetch(office);
@@ -93,8 +93,8 @@ bool Sync::mayBeSent(const DocumentIdentity& identity) const {
                                [&](const Salesman& each) { return each.userId == identity.userId; });
 }
 
-/// Sends what the office does not have as it is and, where the day `isJudged`, tells what the terminal lacks.
-void Sync::sendDay(Office& office, const QString& date, const DocumentDigests& atOffice, bool isJudged) {
+/// Sends what the office does not have as it is, and tells what the terminal lacks.
+void Sync::sendDay(Office& office, const QString& date, const DocumentDigests& atOffice) {
     DocumentDigests& here = days_[date];
     QSet<DocumentIdentity> wanted;
     for (auto each = here.cbegin(); each != here.cend(); ++each) {
@@ -102,8 +102,9 @@ void Sync::sendDay(Office& office, const QString& date, const DocumentDigests& a
     }
     Parcel parcel;
     parcel.date = date;
+    parcel.isArchived = date < firstDay_;
     for (const DocumentIdentity& each : atOffice.keys()) {
-        if (isJudged && !here.contains(each)) parcel.absent << each;
+        if (!here.contains(each)) parcel.absent << each;
     }
     parcel.isLast = wanted.isEmpty() && parcel.absent.isEmpty();
     while (!parcel.isLast) {
@@ -132,7 +133,7 @@ void Sync::sendOldDays(Office& office) {
         const auto differing = office.compare(dayDigests(days));
         for (auto day = differing.cbegin(); day != differing.cend(); ++day) {
             days_[day.key()] = days[day.key()];
-            sendDay(office, day.key(), *day, false);
+            sendDay(office, day.key(), *day);
             days_.remove(day.key());
         }
     }

@@ -33,7 +33,7 @@ class Sync {
 
   private:
     void readDays();
-    void sendDay(Office& office, const QString& date, const books::DocumentDigests& atOffice, bool isJudged);
+    void sendDay(Office& office, const QString& date, const books::DocumentDigests& atOffice);
     void sendOldDays(Office& office);
     void tellSalesmen(Office& office);
     void fetch(Office& office);

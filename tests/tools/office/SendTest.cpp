@@ -90,6 +90,20 @@ TEST_F(SendTest, WhatGoesWithATraceIsDeletedAndWithoutOneKept) {
     EXPECT_EQ(sql(u"SELECT count(*) FROM office.mtm WHERE junno = '5001'"_s), QStringList(u"1"_s));
 }
 
+TEST_F(SendTest, AnOldDayLosesWhatWasDeletedOnly) {
+    TestDevice& terminal = enrol(u"1"_s);
+    day_ = QDate::currentDate().addDays(-70).toString(Qt::ISODate);
+    for (const QString& number : {u"5001"_s, u"5002"_s}) sell(terminal, number, u"0001"_s, 1000);
+    synced(terminal);
+    on(terminal, u"DELETE FROM MTM"_s);
+    noteDeletion(terminal, u"거래명세서"_s, u"5001"_s, u"0001"_s);
+    // Looked at once a day.
+    EXPECT_EQ(synced(terminal), "sent 0, deleted 0, waiting 0\n");
+    QFile::remove(terminal.folder() + u"/office/swept"_s);
+    EXPECT_EQ(synced(terminal), "sent 1, deleted 1, waiting 0\n");
+    expectDocuments({u"deletion 5001 A present 1"_s, u"sale 5001 A deleted 1"_s, u"sale 5002 A present 1"_s});
+}
+
 TEST_F(SendTest, ANumberThatIsGivenAgainTakesNothingAway) {
     TestDevice& terminal = enrol(u"1"_s);
     sell(terminal, u"5001"_s, u"0001"_s, 1000);
@@ -200,7 +214,7 @@ TEST_F(SendTest, WhoMayNotIsToldAndChangesNothing) {
     const auto send = [&](const QString& day, const QString& user, const QString& fields,
                           const QString& digest) {
         return refusal(
-            u"SELECT * FROM terminal.send('%1','{sale}','{5001}','{%2}',ARRAY[array_to_string(ARRAY[%3], E'\\x1f')],ARRAY[%4],'{}','{}','{}',true)"_s
+            u"SELECT * FROM terminal.send('%1','{sale}','{5001}','{%2}',ARRAY[array_to_string(ARRAY[%3], E'\\x1f')],ARRAY[%4],'{}','{}','{}',true,false)"_s
                 .arg(day, user, fields, digest));
     };
     const QString row = u"'%1','','0001','','5001','','','','','1','0','10','0','0','0','%2',''"_s;

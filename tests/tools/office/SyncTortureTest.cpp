@@ -182,6 +182,8 @@ TEST_F(SyncTorture, NothingIsLostOrDoubled) {
     platform::Won balances;
     for (const Worker& worker : workers_) {
         settle(worker);
+        // Days that are long over are looked at once a day.
+        QFile::remove(worker.folder + u"/office/swept"_s);
         EXPECT_EQ(syncThrough(worker).exitCode, 0);
         const OfficeEnded last = syncThrough(worker);
         EXPECT_EQ(last.out, "sent 0, deleted 0, waiting 0\n") << last.err;

@@ -11,6 +11,7 @@
 #include <QStandardPaths>
 #include <QStorageInfo>
 #include <QTcpServer>
+#include <cerrno>
 #include <pqxx/pqxx>
 #include <stdexcept>
 
@@ -31,11 +32,24 @@ QString serverPrograms() {
     return found.isEmpty() ? found : QFileInfo(found).path();
 }
 
+const QString kFolderName = u"rovana-postgresql-%1-"_s;
+
+/// Removes what programs of tests that were killed have left there; each folder has its program's number.
+void sweep(const QDir& place) {
+    for (const QString& name : place.entryList({kFolderName.arg(u"*"_s) + u"*"_s}, QDir::Dirs)) {
+        const int program = name.section(u'-', 2, 2).toInt();
+        if (program > 0 && ::kill(program, 0) != 0 && errno == ESRCH)
+            QDir(place.filePath(name)).removeRecursively();
+    }
+}
+
 /// Memory where there is enough of it; a disk would cost seconds.
 QString placeOfFolder() {
     const QStorageInfo memory(u"/dev/shm"_s);
     const bool hasRoom = memory.rootPath() == u"/dev/shm" && memory.bytesAvailable() > 1'000'000'000;
-    return (hasRoom ? memory.rootPath() : QDir::tempPath()) + u"/rovana-postgresql-XXXXXX"_s;
+    const QDir place(hasRoom ? memory.rootPath() : QDir::tempPath());
+    sweep(place);
+    return place.filePath(kFolderName.arg(::getpid()) + u"XXXXXX"_s);
 }
 
 QString unprivilegedUser() {
@@ -87,13 +101,14 @@ Cluster::~Cluster() {
 }
 
 QStringList Cluster::asOwner(const QStringList& command) const {
-    // The signal stops the server when this program is killed, too.
-    QStringList all{u"setpriv"_s, u"--pdeathsig"_s, u"INT"_s};
+    QStringList all;
     if (!owner_.isEmpty()) {
         const passwd* user = ::getpwnam(owner_.toLocal8Bit().constData());
-        all << u"--reuid=%1"_s.arg(user->pw_uid) << u"--regid=%1"_s.arg(user->pw_gid) << u"--clear-groups"_s;
+        all << u"setpriv"_s << u"--reuid=%1"_s.arg(user->pw_uid) << u"--regid=%1"_s.arg(user->pw_gid)
+            << u"--clear-groups"_s;
     }
-    return all + command;
+    // The signal stops the server when this program is killed, too. A change of the user would clear it.
+    return all + QStringList{u"setpriv"_s, u"--pdeathsig"_s, u"INT"_s} + command;
 }
 
 void Cluster::run(const QStringList& command) {
