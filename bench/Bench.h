@@ -42,7 +42,7 @@ Result measureExchange();
 Result measureSoak();
 /// A full day sent by 200 terminals against bare COPY of its rows over connections of the same kind.
 Result measureOfficeDay();
-/// A sync that finds nothing changed against a connection with one round trip.
+/// The round trips of a sync that finds nothing changed, after the connection, against one.
 Result measureOfficeIdle();
 /// A day sent to an office that has the terminal's year against an empty one.
 Result measureOfficeFull();

@@ -36,7 +36,7 @@ constexpr std::array kMeasurements{
     Measurement{"soak", 1.05, bench::measureSoak},
 #ifdef ROVANA_OFFICE
     Measurement{"office-day", 2.0, bench::measureOfficeDay},
-    Measurement{"office-idle", 1.5, bench::measureOfficeIdle},
+    Measurement{"office-idle", 1.0, bench::measureOfficeIdle},
     Measurement{"office-full", 1.1, bench::measureOfficeFull},
     Measurement{"office-morning", 2.0, bench::measureOfficeMorning},
 #endif

@@ -14,8 +14,10 @@ void createWhenMissing(const QString& name) {
     const Connection connection = connect(u"postgres"_s);
     pqxx::nontransaction work(*connection);
     if (!work.exec_params("SELECT FROM pg_database WHERE datname = $1", plain(name)).empty()) return;
+    // C has the order of C.UTF-8, that of the code points and of Hangul, and compares without asking the
+    // library.
     work.exec("CREATE DATABASE " + work.quote_name(plain(name)) +
-              " TEMPLATE template0 ENCODING 'UTF8' LC_COLLATE 'C.UTF-8' LC_CTYPE 'C.UTF-8'");
+              " TEMPLATE template0 ENCODING 'UTF8' LC_COLLATE 'C' LC_CTYPE 'C.UTF-8'");
 }
 
 Connection connectOrCreate() {

@@ -88,8 +88,8 @@ Cluster::Cluster() : folder_(placeOfFolder()), owner_(unprivilegedUser()) {
     makeCertificates();
     if (!owner_.isEmpty()) run({u"chown"_s, u"-R"_s, owner_, folder_.path()});
     run(asOwner({serverPrograms() + u"/initdb"_s, u"--pgdata"_s, folder_.filePath(u"data"_s), u"--username"_s,
-                 u"postgres"_s, u"--encoding"_s, u"UTF8"_s, u"--locale"_s, u"C.UTF-8"_s, u"--auth"_s,
-                 u"trust"_s, u"--no-sync"_s, u"--no-instructions"_s}));
+                 u"postgres"_s, u"--encoding"_s, u"UTF8"_s, u"--locale"_s, u"C.UTF-8"_s, u"--lc-collate"_s,
+                 u"C"_s, u"--auth"_s, u"trust"_s, u"--no-sync"_s, u"--no-instructions"_s}));
     writeConfiguration();
     start();
 }
