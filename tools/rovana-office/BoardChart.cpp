@@ -87,8 +87,7 @@ QString rowChart(const QList<BoardBar>& bars, const QString& title) {
         const int top = int(i) * kRowHeight;
         svg +=
             u"<g>%1<svg x=\"0\" y=\"%2\" width=\"68%\" height=\"20\"><text class=\"name\" x=\"0\" y=\"15\">%3<tspan class=\"note\" dx=\"8\">%4</tspan></text></svg>"_s
-                .arg(titleOf(bar), QString::number(top + 15), bar.label.toHtmlEscaped(),
-                     bar.note.toHtmlEscaped());
+                .arg(titleOf(bar), QString::number(top), bar.label.toHtmlEscaped(), bar.note.toHtmlEscaped());
         svg += u"<text class=\"name\" x=\"100%\" y=\"%1\" text-anchor=\"end\">%2</text>"_s.arg(
             QString::number(top + 15), boardAmount(bar.amount));
         svg +=

@@ -246,6 +246,14 @@ addEventListener('load', () => {
   }
   const texts = [...document.querySelectorAll('.label')].map(each => each.getBoundingClientRect()).filter(each => each.width > 0);
   for (let i = 1; i < texts.length; ++i) if (texts[i].left < texts[i - 1].right) told.push('labels touch');
+  for (const group of document.querySelectorAll('svg.chart > g')) {
+    const [bar] = [...group.querySelectorAll('.bar')].map(each => each.getBoundingClientRect());
+    for (const text of group.querySelectorAll('text')) {
+      const box = text.getBoundingClientRect();
+      if (box.width > 0 && bar.height > 0 && box.bottom > bar.top + 2 && box.top < bar.bottom - 2 && box.left < bar.right)
+        told.push('a bar lies on ' + text.textContent.slice(0, 30));
+    }
+  }
   parent.postMessage(width + ': ' + document.querySelectorAll('svg .bar').length + ' bars; ' + told.join('; '), '*');
 });
 </script></body>)"_s);
