@@ -258,18 +258,21 @@ addEventListener('load', () => {
 });
 </script></body>)"_s);
     writeFile(u"page.html"_s, page.toUtf8());
+    // As wide as paper between its margins.
+    page.replace(u"@media screen and"_s, u"@media not all and"_s).replace(u"@media print"_s, u"@media screen"_s);
+    writeFile(u"paper.html"_s, page.toUtf8());
     const QString frames = writeFile(u"frames.html"_s, R"(<body><pre></pre><script>
 addEventListener('message', e => document.querySelector('pre').append('[' + e.data + ']'));
-for (const width of [1280, 1000, 700, 360, 320]) {
+for (const width of [1280, 1000, 1030, 700, 360, 320]) {
   const frame = document.createElement('iframe');
   frame.style = 'border:0;height:900px;width:' + width + 'px';
-  frame.src = 'page.html';
+  frame.src = width == 1030 ? 'paper.html' : 'page.html';
   document.body.append(frame);
 }
 </script></body>)");
     const QString told =
         QString::fromUtf8(browse({u"--virtual-time-budget=10000"_s, u"--dump-dom"_s, u"file://"_s + frames}));
-    for (const QString& width : {u"1280"_s, u"1000"_s, u"700"_s, u"360"_s, u"320"_s})
+    for (const QString& width : {u"1280"_s, u"1000"_s, u"1030"_s, u"700"_s, u"360"_s, u"320"_s})
         EXPECT_TRUE(told.contains(u"[%1: 37 bars; ]"_s.arg(width))) << told.toStdString();
 
     // On paper as well, on a few sheets.
