@@ -259,7 +259,8 @@ addEventListener('load', () => {
 </script></body>)"_s);
     writeFile(u"page.html"_s, page.toUtf8());
     // As wide as paper between its margins.
-    page.replace(u"@media screen and"_s, u"@media not all and"_s).replace(u"@media print"_s, u"@media screen"_s);
+    page.replace(u"@media screen and"_s, u"@media not all and"_s)
+        .replace(u"@media print"_s, u"@media screen"_s);
     writeFile(u"paper.html"_s, page.toUtf8());
     const QString frames = writeFile(u"frames.html"_s, R"(<body><pre></pre><script>
 addEventListener('message', e => document.querySelector('pre').append('[' + e.data + ']'));
