@@ -17,8 +17,8 @@
 #include "platform/Device.h"
 #include "platform/Sqlite.h"
 #include "rovana-office/Command.h"
+#include "rovana-office/demo/Cluster.h"
 #include "rovana-sync/Sync.h"
-#include "tools/office/Cluster.h"
 
 namespace bench {
 
@@ -95,7 +95,7 @@ class Office {
     const Folder& folder() const { return folder_; }
 
   private:
-    static test::Cluster& cluster() { return test::Cluster::instance(); }
+    static office::Cluster& cluster() { return office::Cluster::instance(); }
 
     void run(const QStringList& arguments) {
         QString input, out, err;

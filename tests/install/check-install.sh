@@ -39,6 +39,9 @@ if [[ -e $build/bin/rovana-office ]]; then
 bin/rovana-office
 bin/rovana-sync
 lib/systemd/user/rovana-sync.service
+share/doc/rovana-office/changelog.gz
+share/doc/rovana-office/copyright
+share/doc/rovana-office/office.md
 share/man/man1/rovana-office.1.gz
 share/man/man1/rovana-sync.1.gz")
 fi

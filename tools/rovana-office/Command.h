@@ -18,6 +18,8 @@ extern const Command kHostListCommand;
 extern const Command kEnrolCommand;
 extern const Command kStatusCommand;
 extern const Command kDayCommand;
+extern const Command kBoardCommand;
+extern const Command kDemoCommand;
 
 /// Runs the command that `arguments` name (the program's own name first) and returns the exit code. Errors go
 /// to `err`, results to `out`.

@@ -9,8 +9,9 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr std::array kCommands{&kInitCommand,     &kUpgradeCommand, &kEnrolCommand, &kLoadCommand,
-                               &kHostListCommand, &kStatusCommand,  &kDayCommand};
+constexpr std::array kCommands{&kInitCommand, &kUpgradeCommand,  &kEnrolCommand,
+                               &kLoadCommand, &kHostListCommand, &kStatusCommand,
+                               &kDayCommand,  &kBoardCommand,    &kDemoCommand};
 
 constexpr tools::Program kProgram{
     u"rovana-office",

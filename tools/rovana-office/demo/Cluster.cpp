@@ -1,4 +1,4 @@
-#include "tools/office/Cluster.h"
+#include "rovana-office/demo/Cluster.h"
 
 #include <pwd.h>
 #include <signal.h>
@@ -15,7 +15,7 @@
 #include <pqxx/pqxx>
 #include <stdexcept>
 
-namespace test {
+namespace office {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
@@ -200,4 +200,4 @@ QByteArray Cluster::log() const {
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-}  // namespace test
+}  // namespace office
