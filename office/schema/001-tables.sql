@@ -113,10 +113,15 @@ CREATE TABLE office.master_garaemajin (
     first_version bigint NOT NULL, last_version bigint, row_number integer NOT NULL,
     gcode text NOT NULL DEFAULT '', gubun text NOT NULL DEFAULT '', majin text NOT NULL DEFAULT ''
 );
+CREATE TABLE office.master_barcode (
+    first_version bigint NOT NULL, last_version bigint, row_number integer NOT NULL,
+    pcode text NOT NULL DEFAULT '', barcode text NOT NULL DEFAULT ''
+);
 CREATE INDEX ON office.master_mtm (userid, first_version);
 CREATE INDEX ON office.master_garae (userid, gcode) WHERE last_version IS NULL;
 CREATE INDEX ON office.master_garae (gcode) WHERE last_version IS NULL;
 CREATE INDEX ON office.master_pummok (pcode) WHERE last_version IS NULL;
+CREATE INDEX ON office.master_barcode (pcode) WHERE last_version IS NULL;
 CREATE INDEX ON office.master_garaedanga (gcode) WHERE last_version IS NULL;
 CREATE INDEX ON office.master_garaemajin (gcode) WHERE last_version IS NULL;
 

@@ -457,7 +457,7 @@ $$;
 -- --- fetching ------------------------------------------------------------------------------------------------------------
 
 -- A master file's lines, as many as there are, a line feed after each: the customers of the terminal's salesmen with the
--- office's balances and what all terminals have sent since, their prices and margins, and all products.
+-- office's balances and what all terminals have sent since, their prices and margins, and all products and bar codes.
 CREATE FUNCTION terminal.master(file_name text) RETURNS text
 LANGUAGE plpgsql STABLE SECURITY DEFINER SET search_path = pg_catalog, pg_temp AS $$
 DECLARE
@@ -466,7 +466,7 @@ DECLARE
     columns text;
     lines text;
 BEGIN
-    IF file_name NOT IN ('GARAE.RVN', 'PUMMOK.RVN', 'GARAEDANGA.RVN', 'GARAEMAJIN.RVN') THEN
+    IF file_name NOT IN ('GARAE.RVN', 'PUMMOK.RVN', 'GARAEDANGA.RVN', 'GARAEMAJIN.RVN', 'BARCODE.RVN') THEN
         RAISE EXCEPTION 'there is no master file "%"', file_name USING ERRCODE = 'invalid_parameter_value';
     END IF;
     SELECT string_agg(CASE WHEN name = 'garae' AND attname = 'cjmoney' THEN office.balance_expression()
@@ -479,6 +479,7 @@ BEGIN
          WHERE r.last_version IS NULL %s',
         columns, name, CASE name
             WHEN 'pummok' THEN ''
+            WHEN 'barcode' THEN ''
             WHEN 'garae' THEN 'AND r.userid = ANY ($1)'
             ELSE 'AND r.gcode IN (SELECT g.gcode FROM office.master_garae AS g
                                   WHERE g.userid = ANY ($1) AND g.last_version IS NULL)' END)

@@ -150,7 +150,6 @@ TEST_F(ComponentTest, CommunTellsWhatItCannotStart) {
     }
     EXPECT_EQ(terminal.commun(port()), kBadInput) << "a request is sent once";
     terminal.wait();
-
 }
 
 // A connection that breaks before the first write: Qt's buffer holds the request, the system nothing of it.

@@ -348,7 +348,6 @@ TEST_F(Printers, ANetworkPrinterMayStopAndBreakOff) {
     queue = std::make_unique<PrintQueue>(printer.settings(), kQuick);
     paper = paperUntilReady(*queue, [&] { return printer.read(); });
     EXPECT_EQ(paper, "\nlate\n");
-
 }
 
 TEST_F(Printers, JobsOutliveTheProgram) {

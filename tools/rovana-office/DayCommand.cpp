@@ -104,6 +104,7 @@ std::optional<QList<Report>> make(const QString& name, pqxx::connection& connect
 }
 
 void write(const Invocation& call, const QList<Report>& reports) {
+    if (call.options.isSet(kCsv)) call.out << QChar(QChar::ByteOrderMark);
     bool isFirst = true;
     for (const Report& report : reports) {
         if (!std::exchange(isFirst, false)) call.out << u'\n';

@@ -100,8 +100,10 @@ class Demo {
     /// The files that lie on the first terminal are the office's; the terminals fetch them from there.
     void loadMasterData() {
         QStringList files;
-        for (const db::ImportFile& file : db::importFiles())
-            files << terminal(1) + u"/My Documents/%1"_s.arg(file.fileName);
+        for (const db::ImportFile& file : db::importFiles()) {
+            const QString path = terminal(1) + u"/My Documents/%1"_s.arg(file.fileName);
+            if (QFile::exists(path)) files << path;
+        }
         office(QStringList(u"load"_s) + files);
         for (int number = 1; number <= kTerminalsAtWork; ++number) {
             for (const db::ImportFile& file : db::importFiles())

@@ -55,14 +55,14 @@ constinit const Command kLoadCommand{
     u"load",
     u"FILE...",
     u"loads master data and orders for the terminals",
-    u"Files are MTM, GARAE, PUMMOK, GARAEDANGA and GARAEMAJIN, as .RVN in code page 949 or as .csv in UTF-8 "
-    u"with\n"
+    u"Files are MTM, GARAE, PUMMOK, GARAEDANGA, GARAEMAJIN and BARCODE, as .RVN in code page 949 or as .csv "
+    u"in UTF-8 with\n"
     u"the columns' names in its first line. All files are loaded, each as a version of its own, or none: a "
     u"line\n"
     u"that no terminal would take is named. MTM adds its orders, the others replace what was there.\n"
     u"Balances in GARAE count for what the terminals have sent until now.",
     1,
-    5,
+    6,
     addLoadOptions,
     load};
 

@@ -112,7 +112,8 @@ MasterFile readMasterFile(const QString& path) {
     const auto file = std::ranges::find(files, QStringView(name), &db::ImportFile::fileName);
     if (file == files.end() || (!isTable && info.suffix().compare(u"rvn"_s, Qt::CaseInsensitive) != 0)) {
         throw Fault(
-            u"%1 is no master data; the names are MTM, GARAE, PUMMOK, GARAEDANGA and GARAEMAJIN with "
+            u"%1 is no master data; the names are MTM, GARAE, PUMMOK, GARAEDANGA, GARAEMAJIN and BARCODE "
+            u"with "
             ".RVN or .csv"_s.arg(path));
     }
     QString error;

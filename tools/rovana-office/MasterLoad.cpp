@@ -103,7 +103,7 @@ class Load {
     void noteChanges() {
         const std::string changed =
             " FROM " + table_ + " WHERE first_version = $1::bigint OR last_version = $1::bigint - 1";
-        if (master_.table == u"pummok") {
+        if (master_.table == u"pummok" || master_.table == u"barcode") {
             noteFor("SELECT '' AS userid WHERE EXISTS (SELECT" + changed + ")", master_.name);
         } else if (master_.table == u"mtm" || master_.table == u"garae") {
             noteFor("SELECT userid" + changed, master_.name);

@@ -44,7 +44,7 @@ class ReportsTest : public OfficeTest {
                              in, outStream, errStream),
                   0)
             << err.toStdString();
-        return out;
+        return out.remove(QChar(QChar::ByteOrderMark));
     }
 
     QString dayOf(const QStringList& more) const {
