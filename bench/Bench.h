@@ -55,6 +55,16 @@ Result measureExchange();
 Result measureSoak();
 /// Touches of a usual order against the most that it may take.
 Result measureTaps();
+/// A full day sent by 200 terminals against bare COPY of its rows over connections of the same kind.
+Result measureOfficeDay();
+/// The round trips of a sync that finds nothing changed, after the connection, against one.
+Result measureOfficeIdle();
+/// A day sent to an office that has the terminal's year against an empty one.
+Result measureOfficeFull();
+/// 1,000 terminals that fetch their master data against COPY of the same rows.
+Result measureOfficeMorning();
+/// How many terminals those have; 0 for their own numbers.
+extern int officeTerminals;
 /// Memory in use after 1,000 payments against that after 100.
 Result measurePayments();
 

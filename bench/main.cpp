@@ -1,4 +1,4 @@
-// rovana-bench [NAME...]: runs the named measurements, or all, and writes one line for each:
+// rovana-bench [--terminals N] [NAME...]: runs the named measurements, or all, and writes one line for each:
 // bench NAME ours=... peer=... ratio=... goal=... and what the peer is.
 // The exit code is 1 when a measurement could not run or missed its goal, 2 for an unknown name.
 
@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <string_view>
 #include <vector>
@@ -60,6 +61,17 @@ constexpr std::array kMeasurements{
                 "what it held after 500 visits: 1,000 more must leave nothing"},
     Measurement{"taps", 1.0, bench::measureTaps,
                 "16 touches: a customer's five usual products paid by card, written with one touch"},
+#ifdef ROVANA_OFFICE
+    Measurement{
+        "office-day", 2.0, bench::measureOfficeDay,
+        "bare COPY of the same rows over connections of the same kind: the least that any sender needs"},
+    Measurement{"office-idle", 1.0, bench::measureOfficeIdle,
+                "one round trip after the connection: nothing less can tell that nothing changed"},
+    Measurement{"office-full", 1.1, bench::measureOfficeFull,
+                "the same day sent to an empty office: a year must not show"},
+    Measurement{"office-morning", 2.0, bench::measureOfficeMorning,
+                "bare COPY TO of the same rows over the same connections: the least that any fetch needs"},
+#endif
 };
 
 bool runAndPrint(const Measurement& measurement) {
@@ -87,7 +99,13 @@ int main(int argc, char** argv) {
     ui::useOwnFontList();
     QApplication application(argc, argv);
 
-    const std::vector<std::string_view> names(argv + 1, argv + argc);
+    std::vector<std::string_view> names(argv + 1, argv + argc);
+#ifdef ROVANA_OFFICE
+    if (names.size() > 1 && names[0] == "--terminals") {
+        bench::officeTerminals = std::atoi(argv[2]);
+        names.erase(names.begin(), names.begin() + 2);
+    }
+#endif
     for (const std::string_view name : names) {
         if (std::ranges::find(kMeasurements, name, &Measurement::name) != kMeasurements.end()) continue;
         std::fprintf(stderr, "rovana-bench: no such measurement: %.*s; there are:", int(name.size()),

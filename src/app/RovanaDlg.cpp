@@ -20,6 +20,7 @@
 #include "app/PaymentQuestion.h"
 #include "app/Session.h"
 #include "app/UnsavedWork.h"
+#include "books/OfficeState.h"
 #include "books/PaymentJournal.h"
 #include "books/SlipNumbers.h"
 #include "books/VisitChecks.h"
@@ -38,7 +39,10 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-enum Control { kUserName = 1009, kContainerButton = 1046, kOldData = 1011 };
+enum Control { kUserName = 1009, kContainerButton = 1046, kOldData = 1011, kOffice = 1012 };
+
+/// Between two looks at what the sync has noted while nobody presses anything.
+constexpr int kOfficeLookMs = 30'000;
 
 QPoint tileAt(int index) {
     return {ui::kGridLeft + index % 2 * 2 * ui::kGridPitch, 8 + index / 2 * 68};
@@ -273,16 +277,35 @@ void CRovanaDlg::showMenu() {
     setDefaultButton(first);
     // Tab begins with the work, not with the way out.
     setTabOrder(control(1055), control(1003));
-    QLabel* who = addLabel(0, {}, {64, ui::kBottomRow, 172, 32}, ui::FontHeight::Small,
+    const bool hasOffice = books::hasOffice();
+    QLabel* who = addLabel(0, {}, {64, ui::kBottomRow, 172, hasOffice ? 16 : 32}, ui::FontHeight::Small,
                            Qt::AlignRight | Qt::AlignVCenter);
     fitText(who, session().UserID + u' ' + session().UserField2 + u"  "_s + session().WorkDate,
             ui::FontHeight::Small);
+    if (hasOffice) addOfficeLine();
     who->show();
     first->setFocus();
 }
 
 void CRovanaDlg::showOldData() {
     setText(kOldData, oldDataLine(db::oldMasterData(platform::clock::now().date())));
+}
+
+void CRovanaDlg::addOfficeLine() {
+    addLabel(kOffice, {}, {64, ui::kBottomRow + 16, 172, 16}, ui::FontHeight::Small,
+             Qt::AlignRight | Qt::AlignVCenter)
+        ->show();
+    showOffice();
+    auto* look = new QTimer(this);
+    connect(look, &QTimer::timeout, this, [this] {
+        if (isActiveWindow()) showOffice();
+    });
+    look->start(kOfficeLookMs);
+}
+
+void CRovanaDlg::showOffice() {
+    if (control(kOffice) != nullptr)
+        setFittedText(kOffice, books::officeLine(session().WorkDate), ui::FontHeight::Small);
 }
 
 void CRovanaDlg::runBehind(int button, const std::function<void()>& action) {
@@ -294,6 +317,7 @@ void CRovanaDlg::runBehind(int button, const std::function<void()>& action) {
     takeBackUnpaid();
     control(button)->show();
     showOldData();
+    showOffice();
     control(button)->setFocus();
     repaint();
     tellNewDay();

@@ -38,6 +38,9 @@ class CRovanaDlg : public ui::Screen {
     void showMenu();
     void showUserName();
     void showOldData();
+    /// What of the day the office has, as the sync beside the terminal has noted it.
+    void addOfficeLine();
+    void showOffice();
     void runMenuAction(int button, int workMode, int dialog);
     void runCardAction(int button, int workMode);
     void runSimplePayment();

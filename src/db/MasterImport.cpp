@@ -7,12 +7,12 @@
 #include <QStringConverter>
 #include <array>
 
+#include "db/ImportLines.h"
 #include "db/MasterLoads.h"
 #include "db/Query.h"
 #include "db/Transaction.h"
 #include "db/WaitingFile.h"
 #include "platform/Clock.h"
-#include "platform/CodePage.h"
 #include "platform/Device.h"
 #include "platform/Trace.h"
 
@@ -20,9 +20,6 @@ namespace db {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
-
-/// The line buffer holds 1024 bytes, its terminating zero included.
-constexpr qsizetype kLongestLineBytes = 1023;
 
 // The ledger names a file whose lines are in the table but which may still be there. Loading and its entry
 // are one transaction, so a run that was stopped before deleting the file is recognised.
@@ -33,46 +30,6 @@ constexpr Statement<
     u"INSERT INTO IMPORTLOG (Path,Digest,Size,Modified,LoadedAt) VALUES ('%s','%s','%s','%s','%s')">
     kInsertLedger;
 constexpr Statement<u"DELETE IMPORTLOG WHERE Path = '%s'"> kDeleteLedger;
-
-/// Walks the lines of a file as they come through the line buffer, line ends included.
-class LineReader {
-  public:
-    explicit LineReader(QByteArrayView content) : rest_(content) {}
-
-    bool atEnd() const { return rest_.isEmpty(); }
-
-    QByteArrayView next() {
-        const QByteArrayView buffer = rest_.first(std::min(rest_.size(), kLongestLineBytes));
-        const qsizetype lineEnd = buffer.indexOf('\n');
-        const QByteArrayView line = lineEnd < 0 ? buffer : buffer.first(lineEnd + 1);
-        rest_ = rest_.sliced(line.size());
-        return line;
-    }
-
-  private:
-    QByteArrayView rest_;
-};
-
-QByteArrayView withoutLineEnd(QByteArrayView line) {
-    if (line.endsWith('\n')) line.chop(1);
-    if (line.endsWith('\r')) line.chop(1);
-    return line;
-}
-
-/// The text of a line; nothing when it is not code page 949. A line as long as the buffer may end in the
-/// middle of a character, which lies far beyond the length that counts.
-std::optional<QString> decodeLine(QByteArrayView line) {
-    std::optional<QString> text = platform::codepage::decode(line);
-    if (!text && line.size() == kLongestLineBytes) text = platform::codepage::decode(line.chopped(1));
-    return text;
-}
-
-int countLines(QByteArrayView content) {
-    LineReader reader(content);
-    int lines = 0;
-    for (; !reader.atEnd(); ++lines) reader.next();
-    return lines;
-}
 
 /// The fields of a line as UTF-8. They last until the next line.
 class LineFields {
@@ -86,7 +43,7 @@ class LineFields {
             cutImportLine(file_, line, &fields_);
             return &fields_;
         }
-        const std::optional<QString> text = decodeLine(line);
+        const std::optional<QString> text = decodeImportLine(line);
         if (!text) return nullptr;
         cutImportLine(file_, *text, &texts_);
         fields_.clear();
@@ -124,15 +81,6 @@ FileIdentity identify(const QString& handheldPath, const WaitingFile& file) {
     const auto hex = QByteArrayView(reinterpret_cast<const char*>(digest.data()), qsizetype(digest.size()));
     return {handheldPath, QString::fromLatin1(hex.toByteArray().toHex()), QString::number(content.size()),
             QString::number(file.modified())};
-}
-
-/// Whether the content ends in the middle of a line: without a line end, and before all its fields.
-bool endsCut(const ImportFile& file, QByteArrayView content) {
-    if (content.isEmpty() || content.endsWith('\n')) return false;
-    const QByteArrayView line = content.sliced(content.lastIndexOf('\n') + 1);
-    const std::optional<QString> text = decodeLine(line);
-    return !text || text->sliced(std::min<qsizetype>(file.firstFieldLength + 1, text->size())).count(u'|') <
-                        file.fields - 1;
 }
 
 /// Where the file's rejected lines are kept: beside it, else with the documents.
@@ -222,7 +170,7 @@ ImportResult::Outcome Load::run(const std::function<void(int, int)>& progress) {
 
 /// Runs the INSERT of every line on the transaction's connection.
 void Load::insertLines(Transaction& transaction, const std::function<void(int, int)>& progress) {
-    LineReader reader(waiting_.content());
+    ImportLines reader(waiting_.content());
     LineFields fields(file_);
     RowInsert insert(transaction, file_.insert());
     for (int number = 1; !reader.atEnd() && transaction.isAlive(); ++number) {
@@ -276,7 +224,7 @@ std::optional<int> countImportLines(const ImportFile& file, ImportSource source)
     if (!waiting.open(QIODevice::ReadOnly)) return std::nullopt;
     const QByteArray content = waiting.readAll();
     if (waiting.error() != QFileDevice::NoError) return std::nullopt;
-    return counted.insert(path, {status, countLines(content)})->lines;
+    return counted.insert(path, {status, ImportLines::count(content)})->lines;
 }
 
 std::optional<Shrinkage> findShrinkage(const ImportFile& file, ImportSource source) {
@@ -294,7 +242,7 @@ ImportResult importFile(const ImportFile& file, ImportSource source,
     WaitingFile waiting(platform::device::path(importPath(file, source)));
     if (waiting.state() == WaitingFile::State::BeingWritten) result.outcome = BeingWritten;
     if (waiting.state() == WaitingFile::State::Read) {
-        result.lines = countLines(waiting.content());
+        result.lines = ImportLines::count(waiting.content());
         Load load(file, source, waiting, &result);
         result.outcome = load.run(progress);
         if (result.isInTable()) {

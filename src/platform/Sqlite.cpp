@@ -106,6 +106,11 @@ QByteArray SqliteStatement::bytes(int column) const {
     return {data, sqlite3_column_bytes(handle_, column)};
 }
 
+QByteArray SqliteStatement::textBytes(int column) const {
+    const auto* const data = reinterpret_cast<const char*>(sqlite3_column_text(handle_, column));
+    return {data, sqlite3_column_bytes(handle_, column)};
+}
+
 QString SqliteStatement::text(int column) const {
     const auto* const data = reinterpret_cast<const char*>(sqlite3_column_text(handle_, column));
     return QString::fromUtf8(data, sqlite3_column_bytes(handle_, column));

@@ -69,6 +69,8 @@ class SqliteStatement {
     bool isNull(int column) const;
     qint64 integer(int column) const;
     QByteArray bytes(int column) const;
+    /// The text in UTF-8 as it is stored.
+    QByteArray textBytes(int column) const;
     /// NULL reads as a null text.
     QString text(int column) const;
     QStringList row() const;

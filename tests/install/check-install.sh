@@ -33,6 +33,18 @@ share/man/man1/rovanactl.1.gz
 share/metainfo/org.rovana.rovana.metainfo.xml
 share/rovana/visits/approved/demo.txt
 share/rovana/visits/demo.visit'
+# The office is built where libpqxx is.
+if [[ -e $build/bin/rovana-office ]]; then
+    expected=$(LC_ALL=C sort <<<"$expected
+bin/rovana-office
+bin/rovana-sync
+lib/systemd/user/rovana-sync.service
+share/doc/rovana-office/changelog.gz
+share/doc/rovana-office/copyright
+share/doc/rovana-office/office.md
+share/man/man1/rovana-office.1.gz
+share/man/man1/rovana-sync.1.gz")
+fi
 found=$(cd "$usr" && find . -type f -printf '%P\n' | grep -v '^share/doc/rovana/docs/' | LC_ALL=C sort)
 [[ $found == "$expected" ]] || wrong "other files than expected: $(diff <(echo "$expected") <(echo "$found") || true)"
 
@@ -50,6 +62,12 @@ while read -r command _; do
     grep -q "\`rovanactl $command\b" <<<"$guide" || wrong "docs/admin.md does not tell of the command $command"
     grep -qE "^\.(B|BR|BI) $command\b" <<<"$page" || wrong "rovanactl.1 does not tell of the command $command"
 done < <("$usr/bin/rovanactl" --help | sed -n '/^Commands:/,/^$/s/^  //p')
+if [[ -e $usr/bin/rovana-office ]]; then
+    page=$(zcat "$usr/share/man/man1/rovana-office.1.gz" | tr -d '\\')
+    while read -r command _; do
+        grep -qE "^\.B $command\b" <<<"$page" || wrong "rovana-office.1 does not tell of the command $command"
+    done < <("$usr/bin/rovana-office" --help | sed -n '/^Commands:/,/^$/s/^  //p')
+fi
 
 validate() {
     if ! command -v "$1" >/dev/null; then

@@ -19,6 +19,7 @@
 #include "app/ClockCheck.h"
 #include "app/KeypadRequest.h"
 #include "app/Session.h"
+#include "books/OfficeState.h"
 #include "books/OpenPayments.h"
 #include "books/TransactionRecord.h"
 #include "platform/adoce/DatabaseFile.h"
@@ -470,6 +471,29 @@ TEST_F(Screens, LoginTellsAMissingFolderFromAWrongPassword) {
     EXPECT_TRUE(said.endsWith(device.folder())) << said.toStdString();
     QDir(device.folder()).removeRecursively();
     ASSERT_TRUE(QDir().rename(away, device.folder()));
+}
+
+TEST_F(Screens, MenuTellsWhatTheOfficeHas) {
+    device.execute(u"DELETE FROM PAYJOURNAL"_s);
+    device.writeFile(u"\\office.conf", {});
+    ASSERT_TRUE(QDir(device.folder()).mkpath(u"office"_s));
+    books::OfficeState state;
+    state.syncedAt = QDateTime({2026, 11, 20}, {14, 5});
+    state.days[u"2026-11-19"_s].waiting = 997;
+    ASSERT_TRUE(books::writeOfficeState(state));
+    const auto opened = open({"login", 102});
+    QObject::connect(&terminal, &ui::Terminal::topChanged, &terminal, [&](ui::Screen* front) {
+        if (front != opened.get())
+            QTimer::singleShot(0, front, [front] { front->close(ui::Screen::Accepted); });
+    });
+    static_cast<QLineEdit*>(opened->control(1006))->setText(u"1"_s);
+    static_cast<QAbstractButton*>(opened->control(1000))->click();
+    const auto* line = qobject_cast<QLabel*>(opened->control(1012));
+    ASSERT_NE(line, nullptr);
+    // The slips of another day than the one of the login count as the sync has left them.
+    EXPECT_EQ(line->text(), u"사무실 11-20 14:05 · 대기 997"_s);
+    EXPECT_THAT(faults(*opened), testing::IsEmpty());
+    terminal.remove(opened.get());
 }
 
 TEST_F(Screens, SpeakToAReaderAndToTheKeys) {

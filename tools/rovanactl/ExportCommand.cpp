@@ -1,12 +1,12 @@
 #include <algorithm>
 
+#include "common/Csv.h"
 #include "db/ImportFile.h"
 #include "db/Schema.h"
 #include "platform/CodePage.h"
 #include "platform/Device.h"
 #include "platform/Sqlite.h"
 #include "rovanactl/Command.h"
-#include "rovanactl/Csv.h"
 #include "rovanactl/DeliveredTable.h"
 #include "rovanactl/ExportFolder.h"
 
@@ -89,8 +89,8 @@ Written writeSlips(const SlipKind& kind, const QString& date, SqliteFile& databa
     const QStringList columns = columnsOf(kind);
     const qsizetype number = columns.indexOf(u"JunNo");
     const qsizetype user = columns.indexOf(u"UserID");
-    folder.write(csv, kCsvMark);
-    folder.write(csv, csvLine(columns));
+    folder.write(csv, tools::kCsvMark);
+    folder.write(csv, tools::csvLine(columns));
     Written written;
     QStringList slip;
     const bool isRead = database.forEachRow(
@@ -104,7 +104,7 @@ Written writeSlips(const SlipKind& kind, const QString& date, SqliteFile& databa
                         kind.name, row[number], row[user], columns[line.faultyColumn], line.fault);
                 return false;
             }
-            folder.write(csv, csvLine(row));
+            folder.write(csv, tools::csvLine(row));
             folder.write(csv + 1, line.bytes);
             const QStringList rowSlip{row[number], row[user]};
             written.slips += rowSlip != slip;

@@ -1,18 +1,18 @@
 #include <QSet>
 #include <algorithm>
-#include <iterator>
 
+#include "common/Csv.h"
 #include "db/Query.h"
 #include "platform/Digits.h"
 #include "platform/WholeFile.h"
 #include "rovanactl/Command.h"
-#include "rovanactl/Csv.h"
 #include "rovanactl/DeliveredTable.h"
 
 namespace admin {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
+using tools::CsvRow;
 
 constexpr db::Statement<u"SELECT *  FROM PDAUSER WHERE userID = '%s'"> kSelectUser;
 constexpr db::Statement<u"DELETE PDAUSER WHERE userID = '%s'"> kDeleteUser;
@@ -31,42 +31,16 @@ QString tableNames() {
     return names.join(u", "_s);
 }
 
-/// For each column of the table its place in the file, from the file's heading; the error names what is
-/// missing, unknown or doubled.
-QString placeColumns(const DeliveredTable& table, const CsvRecord& heading, QList<qsizetype>* places) {
-    QStringList unknown = heading.fields;
-    for (const QStringView column : columnsOf(table)) {
-        const auto isColumn = [&](const QString& name) {
-            return column.compare(QStringView(name).trimmed(), Qt::CaseInsensitive) == 0;
-        };
-        const auto found = std::ranges::find_if(heading.fields, isColumn);
-        if (found == heading.fields.end()) {
-            return u"line %1: the column %2 is missing from the heading"_s.arg(heading.line).arg(column);
-        }
-        if (std::ranges::count_if(heading.fields, isColumn) > 1) {
-            return u"line %1: the heading names the column %2 twice"_s.arg(heading.line).arg(column);
-        }
-        places->append(std::distance(heading.fields.begin(), found));
-        unknown.removeIf(isColumn);
-    }
-    if (!unknown.isEmpty()) {
-        return u"line %1: %2 has no column \"%3\""_s.arg(heading.line).arg(table.name, unknown.first());
-    }
-    return {};
-}
-
 /// What the system needs of a whole table beyond its columns.
-QString findFault(const DeliveredTable& table, const QList<CsvRecord>& records,
-                  const QList<QStringList>& rows) {
+QString findFault(const DeliveredTable& table, const QList<CsvRow>& rows) {
     if (table.name == u"config" && rows.size() != 1) {
         return u"config holds exactly one row, the file has %1"_s.arg(rows.size());
     }
     if (table.name != u"PDAUSER") return {};
     QSet<QString> ids;
-    for (qsizetype i = 0; i < rows.size(); ++i) {
-        const int line = records[i + 1].line;
-        const QString& id = rows[i][user::kId];
-        if (id.isEmpty() || rows[i][user::kPassword].isEmpty()) {
+    for (const auto& [line, row] : rows) {
+        const QString& id = row[user::kId];
+        if (id.isEmpty() || row[user::kPassword].isEmpty()) {
             return u"line %1: a user needs an id and a password"_s.arg(line);
         }
         if (!canLogIn(id)) {
@@ -79,30 +53,17 @@ QString findFault(const DeliveredTable& table, const QList<CsvRecord>& records,
 }
 
 /// The file's rows in the table's column order, or an error that names the line.
-QString readRows(const DeliveredTable& table, QByteArrayView content, QList<QStringList>* rows) {
-    const CsvFile file = parseCsv(content);
-    if (!file.error.isEmpty()) return file.error;
-    if (file.records.isEmpty()) return u"the file is empty; its first line names the columns"_s;
-    const CsvRecord& heading = file.records.first();
-    QList<qsizetype> places;
-    if (const QString error = placeColumns(table, heading, &places); !error.isEmpty()) return error;
-    for (const CsvRecord& record : file.records.sliced(1)) {
-        if (record.fields.size() != heading.fields.size()) {
-            return u"line %1: %2 values stand under %3 columns"_s.arg(record.line)
-                .arg(record.fields.size())
-                .arg(heading.fields.size());
+QString readRows(const DeliveredTable& table, QByteArrayView content, QList<CsvRow>* rows) {
+    const std::span<const QStringView> columns = columnsOf(table);
+    if (const QString error = tools::readCsvRows(content, table.name, columns, rows); !error.isEmpty())
+        return error;
+    for (const auto& [line, row] : *rows) {
+        for (qsizetype i = 0; i < row.size(); ++i) {
+            if (const QString error = unstorable(row[i]); !error.isEmpty())
+                return u"line %1, column %2: %3"_s.arg(line).arg(columns[std::size_t(i)], error);
         }
-        QStringList row;
-        for (qsizetype i = 0; i < places.size(); ++i) {
-            row << record.fields[places[i]];
-            if (const QString error = unstorable(row.last()); !error.isEmpty()) {
-                return u"line %1, column %2: %3"_s.arg(record.line)
-                    .arg(columnsOf(table)[std::size_t(i)], error);
-            }
-        }
-        rows->append(row);
     }
-    return findFault(table, file.records, *rows);
+    return findFault(table, *rows);
 }
 
 Outcome load(const Invocation& call) {
@@ -116,13 +77,13 @@ Outcome load(const Invocation& call) {
     QString error;
     const std::optional<QByteArray> content = platform::readWholeFile(path, &error);
     if (!content) return failure(u"%1 cannot be read: %2"_s.arg(path, error));
-    QList<QStringList> rows;
+    QList<CsvRow> rows;
     error = readRows(*table, *content, &rows);
     if (!error.isEmpty()) return failure(u"%1: %2; nothing has changed"_s.arg(path, error));
     db::Transaction transaction;
     const bool isStored =
-        runIn(transaction, table->deleteAll()) && std::ranges::all_of(rows, [&](const QStringList& row) {
-            return runIn(transaction, table->insert(row));
+        runIn(transaction, table->deleteAll()) && std::ranges::all_of(rows, [&](const CsvRow& row) {
+            return runIn(transaction, table->insert(row.texts));
         });
     if (!isStored || !transaction.commit()) return failure(kNothingChanged.toString());
     call.out << u"%1: %2 rows\n"_s.arg(table->name).arg(rows.size());

@@ -1,9 +1,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "common/Csv.h"
 #include "db/Query.h"
 #include "rovanactl/Command.h"
-#include "rovanactl/Csv.h"
 #include "rovanactl/NamedDatabase.h"
 #include "totals/DailyReports.h"
 #include "totals/DayClose.h"
@@ -34,7 +34,7 @@ QString reportNames() {
 }
 
 void writeCsv(QTextStream& out, const totals::Report& report) {
-    for (const QStringList& line : totals::table(report)) out << QString::fromUtf8(csvLine(line));
+    for (const QStringList& line : totals::table(report)) out << QString::fromUtf8(tools::csvLine(line));
 }
 
 /// Writes them with an empty line between two.

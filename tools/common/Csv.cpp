@@ -1,12 +1,13 @@
-#include "rovanactl/Csv.h"
+#include "common/Csv.h"
 
 #include <QStringDecoder>
 #include <algorithm>
+#include <iterator>
 #include <optional>
 
 #include "platform/CodePage.h"
 
-namespace admin {
+namespace tools {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
@@ -93,6 +94,31 @@ class Reader {
     int line_ = 1;
 };
 
+/// For each column of the table its place in the file, from the file's heading; the error names what is
+/// missing, unknown or doubled.
+QString placeColumns(QStringView table, std::span<const QStringView> columns, const CsvRecord& heading,
+                     QList<qsizetype>* places) {
+    QStringList unknown = heading.fields;
+    for (const QStringView column : columns) {
+        const auto isColumn = [&](const QString& name) {
+            return column.compare(QStringView(name).trimmed(), Qt::CaseInsensitive) == 0;
+        };
+        const auto found = std::ranges::find_if(heading.fields, isColumn);
+        if (found == heading.fields.end()) {
+            return u"line %1: the column %2 is missing from the heading"_s.arg(heading.line).arg(column);
+        }
+        if (std::ranges::count_if(heading.fields, isColumn) > 1) {
+            return u"line %1: the heading names the column %2 twice"_s.arg(heading.line).arg(column);
+        }
+        places->append(std::distance(heading.fields.begin(), found));
+        unknown.removeIf(isColumn);
+    }
+    if (!unknown.isEmpty()) {
+        return u"line %1: %2 has no column \"%3\""_s.arg(heading.line).arg(table, unknown.first());
+    }
+    return {};
+}
+
 }  // namespace
 
 CsvFile parseCsv(QByteArrayView content) {
@@ -110,6 +136,27 @@ CsvFile parseCsv(QByteArrayView content) {
     return {{}, u"line %1: the text is neither UTF-8 nor code page 949"_s.arg(line)};
 }
 
+QString readCsvRows(QByteArrayView content, QStringView table, std::span<const QStringView> columns,
+                    QList<CsvRow>* rows) {
+    const CsvFile file = parseCsv(content);
+    if (!file.error.isEmpty()) return file.error;
+    if (file.records.isEmpty()) return u"the file is empty; its first line names the columns"_s;
+    const CsvRecord& heading = file.records.first();
+    QList<qsizetype> places;
+    if (const QString error = placeColumns(table, columns, heading, &places); !error.isEmpty()) return error;
+    for (const CsvRecord& record : file.records.sliced(1)) {
+        if (record.fields.size() != heading.fields.size()) {
+            return u"line %1: %2 values stand under %3 columns"_s.arg(record.line)
+                .arg(record.fields.size())
+                .arg(heading.fields.size());
+        }
+        CsvRow row{record.line, {}};
+        for (const qsizetype place : places) row.texts << record.fields[place];
+        rows->append(row);
+    }
+    return {};
+}
+
 QByteArray csvLine(const QStringList& fields) {
     QString line;
     for (const QString& field : fields) {
@@ -121,4 +168,4 @@ QByteArray csvLine(const QStringList& fields) {
     return (line + u'\n').toUtf8();
 }
 
-}  // namespace admin
+}  // namespace tools

@@ -1,0 +1,536 @@
+-- What a terminal may do: the functions of schema terminal. They run as rovana_owner, know the caller by the role that he
+-- has logged in as, and are all that rovana_terminal may use.
+
+-- The kinds of documents: the table of a kind's rows, its columns in their order, and where in a row stand the document's
+-- day, number (nothing for a close), user and customer.
+CREATE TABLE office.kind (
+    kind text PRIMARY KEY,
+    table_name name NOT NULL,
+    number_column name,
+    columns text[] NOT NULL DEFAULT '{}',
+    ddate_at integer,
+    number_at integer,
+    userid_at integer,
+    gcode_at integer
+);
+INSERT INTO office.kind (kind, table_name, number_column) VALUES
+    ('sale', 'mtm', 'junno'), ('containers', 'ytm', 'junno'), ('collection', 'mtmok', 'junno'),
+    ('payment', 'payjournal', 'number'), ('prints', 'printlog', 'junno'), ('deletion', 'deleted', 'junno'),
+    ('close', 'dayclose', NULL);
+UPDATE office.kind AS k SET columns = (
+    SELECT array_agg(attname::text ORDER BY attnum) FROM pg_attribute
+    WHERE attrelid = format('office.%I', k.table_name)::regclass AND attnum > 0 AND NOT attisdropped
+        AND attname NOT IN ('month', 'terminal', 'row_number'));
+UPDATE office.kind SET ddate_at = array_position(columns, 'ddate'), userid_at = array_position(columns, 'userid'),
+    number_at = array_position(columns, number_column::text),
+    gcode_at = CASE WHEN kind IN ('sale', 'containers', 'collection') THEN array_position(columns, 'gcode') END;
+
+-- The terminal that calls; an error for anybody else.
+CREATE FUNCTION office.caller() RETURNS office.terminal LANGUAGE plpgsql STABLE AS $$
+DECLARE
+    found office.terminal;
+BEGIN
+    SELECT t.* INTO found FROM office.terminal AS t WHERE t.role_name = session_user;
+    IF found.terminal IS NULL THEN
+        RAISE EXCEPTION 'role % is no enrolled terminal', session_user USING ERRCODE = 'insufficient_privilege';
+    END IF;
+    RETURN found;
+END
+$$;
+
+-- Why a terminal is not served, in words for whoever looks after it; null for one that is. 2 is the version of the
+-- terminals' tables whose columns stand here.
+CREATE FUNCTION office.refusal(their_schema integer, their_clock timestamptz) RETURNS text LANGUAGE sql STABLE
+RETURN CASE
+    WHEN their_schema > 3 THEN format(
+        'the terminal''s tables have version %s and the office knows 3: upgrade the office first', their_schema)
+    WHEN their_schema < 3 THEN format(
+        'the terminal''s tables have version %s and the office has 3: upgrade the terminal''s programs', their_schema)
+    WHEN abs(extract(epoch FROM their_clock - clock_timestamp())) > 86400 THEN format(
+        'the terminal''s clock says %s and the office''s %s: set the clock', to_char(their_clock, 'YYYY-MM-DD HH24:MI'),
+        to_char(clock_timestamp(), 'YYYY-MM-DD HH24:MI'))
+    END;
+
+-- --- comparing -----------------------------------------------------------------------------------------------------------
+
+-- The months from that of `first_day` to the next one, and those of the days: what a statement names so that it looks at no
+-- other partition.
+CREATE FUNCTION office.months(first_day text, days text[]) RETURNS date[] LANGUAGE sql STABLE
+RETURN (SELECT array_agg(DISTINCT month) FROM (
+    SELECT office.month(day) FROM unnest(days) AS day
+    UNION ALL
+    SELECT m::date FROM generate_series(greatest(office.month(first_day)::timestamp, now()::timestamp - interval '10 years'),
+        now()::timestamp + interval '1 month', interval '1 month') AS m
+    ) AS all_months (month));
+
+-- The days whose documents differ from the terminal's (its days with their digests): with an empty kind each such day, then
+-- what the office has of it. From `first_day` on a day that the terminal does not name has nothing there.
+CREATE FUNCTION office.differences(me text, first_day text, their_days text[], their_digests bytea[])
+RETURNS TABLE (day text, kind text, number text, userid text, digest bytea) LANGUAGE plpgsql STABLE AS $$
+#variable_conflict use_column
+DECLARE
+    months CONSTANT date[] := office.months(first_day, their_days);
+    differing text[];
+BEGIN
+    SELECT array_agg(ddate) INTO differing
+    FROM unnest(their_days, their_digests) AS theirs (ddate, digest)
+    FULL JOIN (
+        SELECT ddate, sha256(string_agg(digest, '' ORDER BY digest)) AS digest FROM office.document
+        WHERE month = ANY (months) AND terminal = me AND state = 'present'
+            AND (ddate >= first_day OR ddate = ANY (their_days))
+        GROUP BY ddate) AS ours USING (ddate)
+    WHERE theirs.digest IS DISTINCT FROM ours.digest;
+    IF differing IS NULL THEN
+        RETURN;
+    END IF;
+    RETURN QUERY SELECT each, '', '', '', NULL::bytea FROM unnest(differing) AS each;
+    RETURN QUERY SELECT d.ddate, d.kind, d.number, d.userid, d.digest FROM office.document AS d
+        WHERE d.month = ANY (months) AND d.terminal = me AND d.state = 'present' AND d.ddate = ANY (differing);
+END
+$$;
+
+-- The orders of MTM.RVN from `first_day` on that the terminal has neither sent as a slip nor deleted.
+CREATE FUNCTION office.open_orders(me office.terminal, first_day text) RETURNS SETOF office.master_mtm
+LANGUAGE plpgsql STABLE AS $$
+DECLARE
+    orders CONSTANT office.master_mtm[] := ARRAY(SELECT o FROM office.master_mtm AS o
+        WHERE o.userid = ANY (me.users) AND o.last_version IS NULL AND o.ddate >= first_day);
+    months date[];
+BEGIN
+    IF cardinality(orders) = 0 THEN
+        RETURN;
+    END IF;
+    months := ARRAY(SELECT DISTINCT office.month(o.ddate) FROM unnest(orders) AS o);
+    RETURN QUERY SELECT (o).* FROM unnest(orders) AS o WHERE NOT EXISTS (
+        SELECT FROM office.document AS d
+        WHERE d.month = ANY (months) AND d.terminal = me.terminal AND d.ddate = o.ddate AND d.number = o.junno
+            AND d.userid = o.userid AND d.kind IN ('sale', 'deletion'));
+END
+$$;
+
+-- The first call of a terminal, and the only one when nothing has changed. Rows by `what`:
+--   refused   nothing else; `note` says why
+--   office    `number` is the terminal's
+--   user      a salesman (`userid`) of the terminal; `number` is his VAT mode and `note` his name as the office knows them
+--   day       a day that differs, then as `document` what the office has of it
+--   master    a master file (`kind`); `note` changes with what the terminal would fetch, `day` is the time of its load
+--   orders    there are orders to fetch
+CREATE FUNCTION terminal.hello(their_schema integer, their_program text, their_clock timestamptz, first_day text,
+    their_days text[], their_digests bytea[])
+RETURNS TABLE (what text, day text, kind text, number text, userid text, digest bytea, note text)
+LANGUAGE plpgsql SECURITY DEFINER SET search_path = pg_catalog, pg_temp AS $$
+#variable_conflict use_column
+DECLARE
+    me CONSTANT office.terminal := office.caller();
+    refusal CONSTANT text := office.refusal(their_schema, their_clock);
+BEGIN
+    -- When a terminal was seen need not outlast a loss of power, and nobody waits for the disk for it.
+    PERFORM set_config('synchronous_commit', 'off', true);
+    UPDATE office.terminal AS t SET last_seen = now(), clock_offset = their_clock - clock_timestamp(),
+        schema_version = their_schema, program_version = left(their_program, 100)
+    WHERE t.terminal = me.terminal;
+    IF refusal IS NOT NULL THEN
+        RETURN QUERY SELECT 'refused', '', '', '', '', NULL::bytea, refusal;
+        RETURN;
+    END IF;
+    RETURN QUERY SELECT 'office', '', '', me.terminal, '', NULL::bytea, '';
+    RETURN QUERY SELECT 'user', '', '', coalesce(s.vatmode, ''), u, NULL::bytea, coalesce(s.username, '')
+        FROM unnest(me.users) AS u LEFT JOIN office.salesman AS s ON s.terminal = me.terminal AND s.userid = u;
+    RETURN QUERY SELECT CASE d.kind WHEN '' THEN 'day' ELSE 'document' END, d.day, d.kind, d.number, d.userid, d.digest, ''
+        FROM office.differences(me.terminal, first_day, their_days, their_digests) AS d;
+    RETURN QUERY SELECT 'master', to_char(v.loaded_at AT TIME ZONE 'UTC', 'YYYY-MM-DD"T"HH24:MI:SS.MS"Z"'), c.file_name, '', '',
+        NULL::bytea, c.version || CASE c.file_name WHEN 'GARAE.RVN' THEN ':' || office.others_movements(me) ELSE '' END
+        FROM (SELECT file_name, max(version) AS version FROM office.master_change
+              WHERE userid = '' OR userid = ANY (me.users) GROUP BY file_name) AS c
+        JOIN office.master_version AS v USING (version)
+        WHERE c.file_name <> 'MTM.RVN' ORDER BY c.file_name;
+    RETURN QUERY SELECT 'orders', '', '', '', '', NULL::bytea, ''
+        WHERE EXISTS (SELECT FROM office.open_orders(me, first_day));
+END
+$$;
+
+-- How often other terminals have moved the balances of this one's customers since GARAE.RVN was loaded. Its own movements are
+-- in the balances that it has.
+CREATE FUNCTION office.others_movements(me office.terminal) RETURNS bigint LANGUAGE sql STABLE
+RETURN (SELECT count(*) FROM office.movement AS m WHERE m.terminal <> me.terminal AND m.gcode IN (
+    SELECT g.gcode FROM office.master_garae AS g WHERE g.userid = ANY (me.users) AND g.last_version IS NULL));
+
+-- The same for days that hello was not asked for. A day that is not named is not looked at.
+CREATE FUNCTION terminal.compare(their_days text[], their_digests bytea[])
+RETURNS TABLE (day text, kind text, number text, userid text, digest bytea)
+LANGUAGE plpgsql SECURITY DEFINER SET search_path = pg_catalog, pg_temp AS $$
+BEGIN
+    RETURN QUERY SELECT d.* FROM office.differences((office.caller()).terminal, '9999-12-31', their_days, their_digests) AS d;
+END
+$$;
+
+-- What the slips' reports need of the salesmen. One of another terminal's is an error.
+CREATE FUNCTION terminal.salesmen(userids text[], usernames text[], vatmodes text[]) RETURNS void
+LANGUAGE plpgsql SECURITY DEFINER SET search_path = pg_catalog, pg_temp AS $$
+DECLARE
+    me CONSTANT office.terminal := office.caller();
+BEGIN
+    PERFORM office.refuse_others(me, userids);
+    INSERT INTO office.salesman AS s (terminal, userid, username, vatmode)
+    SELECT me.terminal, u, coalesce(n, ''), coalesce(v, '') FROM unnest(userids, usernames, vatmodes) AS each (u, n, v)
+    ON CONFLICT (terminal, userid) DO UPDATE SET username = excluded.username, vatmode = excluded.vatmode;
+END
+$$;
+
+CREATE FUNCTION office.refuse_others(me office.terminal, userids text[]) RETURNS void LANGUAGE plpgsql STABLE AS $$
+BEGIN
+    IF NOT userids <@ me.users THEN
+        RAISE EXCEPTION 'terminal % is not enrolled for user %', me.terminal,
+            (SELECT string_agg(DISTINCT u, ', ') FROM unnest(userids) AS u WHERE u <> ALL (me.users))
+            USING ERRCODE = 'insufficient_privilege';
+    END IF;
+END
+$$;
+
+-- --- sending -------------------------------------------------------------------------------------------------------------
+
+-- The rows of a document as they were sent, U+001E between two.
+CREATE FUNCTION office.content(doc office.document) RETURNS text LANGUAGE plpgsql STABLE AS $$
+DECLARE
+    k office.kind;
+    content text;
+BEGIN
+    SELECT * INTO k FROM office.kind AS each WHERE each.kind = doc.kind;
+    EXECUTE format(
+        'SELECT string_agg(concat_ws(E''\x1f'', %s), E''\x1e'' ORDER BY row_number) FROM office.%I
+         WHERE month = %L AND terminal = $1 AND ddate = $2 AND userid = $3 AND %s = $4',
+        -- A slip that was put aside has its own number in the rows only.
+        (SELECT string_agg(CASE WHEN name = k.number_column THEN format('split_part(%I, ''~'', 1)', name)
+                                ELSE quote_ident(name) END, ', ' ORDER BY i)
+         FROM unnest(k.columns) WITH ORDINALITY AS c (name, i)),
+        k.table_name, doc.month, coalesce(quote_ident(k.number_column), ''''''))
+        INTO content USING doc.terminal, doc.ddate, doc.userid, doc.number;
+    RETURN content;
+END
+$$;
+
+-- Takes a document's rows away and keeps them as a revision of its number.
+CREATE FUNCTION office.retire(doc office.document, deleted boolean) RETURNS void LANGUAGE plpgsql AS $$
+DECLARE
+    k office.kind;
+BEGIN
+    SELECT * INTO k FROM office.kind AS each WHERE each.kind = doc.kind;
+    INSERT INTO office.history (month, terminal, kind, ddate, number, userid, revision, digest, content, sent_at, after_close,
+        is_deleted)
+    VALUES (doc.month, doc.terminal, doc.kind, doc.ddate, split_part(doc.number, '~', 1), doc.userid, doc.revision, doc.digest,
+        office.content(doc), doc.sent_at,
+        EXISTS (SELECT FROM office.dayclose AS c WHERE c.month = doc.month AND c.terminal = doc.terminal
+                    AND c.ddate = doc.ddate AND c.userid = doc.userid),
+        deleted);
+    EXECUTE format('DELETE FROM office.%I WHERE month = %L AND terminal = $1 AND ddate = $2 AND userid = $3 AND %s = $4',
+        k.table_name, doc.month, coalesce(quote_ident(k.number_column), ''''''))
+        USING doc.terminal, doc.ddate, doc.userid, doc.number;
+END
+$$;
+
+-- The customer of a document's first row; null for a kind without customers.
+CREATE FUNCTION office.customer(kind_of text, content text) RETURNS text LANGUAGE sql STABLE
+RETURN (SELECT split_part(split_part(content, E'\x1e', 1), E'\x1f', k.gcode_at) FROM office.kind AS k WHERE k.kind = kind_of);
+
+-- Makes room for what comes under the identity of `doc`. Another customer's slip under its number is no later revision: the
+-- number was given again, and what the terminal may have lost of it stands aside, under the number with "~" and its
+-- revision, until a trace of its deletion is seen.
+CREATE FUNCTION office.supersede(doc office.document, new_content text) RETURNS void LANGUAGE plpgsql AS $$
+DECLARE
+    aside CONSTANT text := doc.number || '~' || doc.revision;
+    k office.kind;
+BEGIN
+    SELECT * INTO k FROM office.kind AS each WHERE each.kind = doc.kind;
+    IF k.gcode_at IS NULL OR office.customer(doc.kind, office.content(doc)) = office.customer(doc.kind, new_content) THEN
+        PERFORM office.retire(doc, false);
+        RETURN;
+    END IF;
+    EXECUTE format('UPDATE office.%I SET %I = $5 WHERE month = %L AND terminal = $1 AND ddate = $2 AND userid = $3 AND %I = $4',
+        k.table_name, k.number_column, doc.month, k.number_column)
+        USING doc.terminal, doc.ddate, doc.userid, doc.number, aside;
+    INSERT INTO office.document (month, terminal, kind, ddate, number, userid, digest, revision, state, first_sent, sent_at)
+    VALUES (doc.month, doc.terminal, doc.kind, doc.ddate, aside, doc.userid, doc.digest, doc.revision, 'missing',
+        doc.first_sent, doc.sent_at);
+END
+$$;
+
+-- Whether a document that the terminal has no more is deleted rather than lost.
+CREATE FUNCTION office.is_deleted(doc office.document) RETURNS boolean LANGUAGE plpgsql STABLE AS $$
+DECLARE
+    own_number CONSTANT text := split_part(doc.number, '~', 1);
+    content text;
+    paper text;
+BEGIN
+    -- The prints of a slip are forgotten whenever it changes.
+    IF doc.kind = 'prints' THEN
+        RETURN EXISTS (SELECT FROM office.document AS d WHERE d.month = doc.month AND d.terminal = doc.terminal
+            AND d.ddate = doc.ddate AND d.number = doc.number AND d.userid = doc.userid AND d.state = 'present'
+            AND d.kind IN ('sale', 'containers', 'collection'));
+    END IF;
+    paper := CASE doc.kind WHEN 'sale' THEN '거래명세서' WHEN 'containers' THEN '용공인수증' WHEN 'collection' THEN '입금표' END;
+    IF paper IS NULL THEN
+        RETURN false;
+    END IF;
+    content := office.content(doc);
+    -- A trace of its deletion that came after it. A collection of which nothing is left goes with its sale or its
+    -- containers, under their trace; a trace has a name's quote as it could be stored.
+    RETURN EXISTS (
+            SELECT FROM office.deleted AS t JOIN office.document AS d ON d.month = t.month AND d.terminal = t.terminal
+                AND d.kind = 'deletion' AND d.ddate = t.ddate AND d.number = t.junno AND d.userid = t.userid
+            WHERE t.month = doc.month AND t.terminal = doc.terminal AND t.ddate = doc.ddate AND t.junno = own_number
+                AND t.userid = doc.userid AND d.sent_at > doc.sent_at
+                AND t.gcode = replace(office.customer(doc.kind, content), '''', '’')
+                AND (t.document = paper OR doc.kind = 'collection'))
+        -- It has another number now: what another customer left under a number that was given again goes to 4001 and up.
+        OR (doc.kind <> 'sale' AND EXISTS (
+            SELECT FROM office.document AS d WHERE d.month = doc.month AND d.terminal = doc.terminal AND d.ddate = doc.ddate
+                AND d.kind = doc.kind AND d.userid = doc.userid AND d.state = 'present' AND d.number <> own_number
+                AND d.number ~ '^4[0-9]{3}$'
+                AND office.unnumbered(d.kind, office.content(d)) = office.unnumbered(doc.kind, content)));
+END
+$$;
+
+-- A slip's content without its number and what a new number changes.
+CREATE FUNCTION office.unnumbered(kind_of text, content text) RETURNS text LANGUAGE sql STABLE
+RETURN (SELECT string_agg((
+        SELECT string_agg(field, E'\x1f' ORDER BY i) FROM unnest(string_to_array(line, E'\x1f')) WITH ORDINALITY AS f (field, i)
+        WHERE i <> k.number_at AND (k.kind <> 'collection' OR k.columns[i] <> 'gubun')), E'\x1e' ORDER BY n)
+    FROM office.kind AS k, unnest(string_to_array(content, E'\x1e')) WITH ORDINALITY AS l (line, n) WHERE k.kind = kind_of);
+
+-- An error unless the documents are what they are said to be; their rows are looked at where they are written.
+CREATE FUNCTION office.check_documents(me office.terminal, the_day text, kinds text[], numbers text[], userids text[],
+    contents text[], digests bytea[]) RETURNS void LANGUAGE plpgsql STABLE AS $$
+DECLARE
+    wrong text;
+BEGIN
+    IF office.month(the_day) < DATE '2000-01-01' OR the_day::date IS NULL THEN
+        RAISE EXCEPTION '"%" is no day', the_day USING ERRCODE = 'invalid_parameter_value';
+    END IF;
+    PERFORM office.refuse_others(me, userids);
+    SELECT format('%s %s of user %s', d.kind, d.number, d.userid) INTO wrong
+    FROM unnest(kinds, numbers, userids, contents, digests) AS d (kind, number, userid, content, digest)
+    LEFT JOIN office.kind AS k USING (kind)
+    WHERE k.kind IS NULL OR d.number IS NULL OR d.number LIKE '%~%' OR d.content IS NULL OR d.userid IS NULL
+        -- office.digest, written out: it is worked out for every document.
+        OR d.digest IS DISTINCT FROM sha256(convert_to(d.kind || E'\x1e' || d.content, 'UTF8'))
+    LIMIT 1;
+    IF wrong IS NOT NULL THEN
+        RAISE EXCEPTION 'the digest of % does not fit its content', wrong USING ERRCODE = 'invalid_parameter_value';
+    END IF;
+END
+$$;
+
+-- The error for a row that is not of its document.
+CREATE FUNCTION office.refuse_row(kind text, number text, userid text) RETURNS text LANGUAGE plpgsql AS $$
+BEGIN
+    RAISE EXCEPTION 'the rows of % % of user % are not its own', kind, number, userid USING ERRCODE = 'invalid_parameter_value';
+END
+$$;
+
+-- Takes documents of a day: one that is there as it is changes nothing, another content is its next revision. With `is_last`
+-- the day is whole: what was named as absent, and all that the terminal was found to lack before, is deleted where a trace
+-- says so, and else kept as missing; of a day that may be in an archive it stays as it is. Returns how many were taken, deleted and are missing.
+CREATE FUNCTION terminal.send(the_day text, kinds text[], numbers text[], userids text[], contents text[], digests bytea[],
+    absent_kinds text[], absent_numbers text[], absent_userids text[], is_last boolean, is_archived boolean)
+RETURNS TABLE (stored integer, deleted integer, missing integer)
+LANGUAGE plpgsql SECURITY DEFINER SET search_path = pg_catalog, pg_temp AS $$
+#variable_conflict use_column
+DECLARE
+    me CONSTANT office.terminal := office.caller();
+    the_month CONSTANT date := office.month(the_day);
+    doc office.document;
+BEGIN
+    stored := 0;
+    deleted := 0;
+    missing := 0;
+    IF cardinality(kinds) > 0 THEN
+        PERFORM office.check_documents(me, the_day, kinds, numbers, userids, contents, digests);
+        PERFORM office.make_month(the_month);
+    END IF;
+    -- A copy of the terminal's disk may be at work in a second machine.
+    PERFORM pg_advisory_xact_lock(hashtext('office.terminal'), hashtext(me.terminal));
+    stored := office.store(me.terminal, the_day, kinds, numbers, userids, contents, digests);
+    IF is_last THEN
+        FOR doc IN
+            SELECT d.* FROM office.document AS d
+            WHERE d.month = the_month AND d.terminal = me.terminal AND d.ddate = the_day
+                AND (d.state = 'missing' OR (d.state = 'present' AND (d.kind, d.number, d.userid) IN (
+                    SELECT a.kind, a.number, a.userid
+                    FROM unnest(absent_kinds, absent_numbers, absent_userids) AS a (kind, number, userid))))
+            -- What has become of a slip decides about its prints.
+            ORDER BY d.kind = 'prints'
+        LOOP
+            IF office.settle(doc, is_archived) THEN
+                deleted := deleted + 1;
+            ELSIF NOT is_archived THEN
+                missing := missing + 1;
+            END IF;
+        END LOOP;
+    END IF;
+    IF stored + deleted > 0 THEN
+        UPDATE office.terminal AS t SET last_sent = now() WHERE t.terminal = me.terminal;
+    END IF;
+    RETURN NEXT;
+END
+$$;
+
+-- Writes documents, and the rows of those that have none. Returns how many were not there as they are.
+CREATE FUNCTION office.store(me text, the_day text, kinds text[], numbers text[], userids text[], contents text[],
+    digests bytea[]) RETURNS integer LANGUAGE plpgsql AS $$
+#variable_conflict use_column
+DECLARE
+    the_month CONSTANT date := office.month(the_day);
+    known boolean[];
+    superseded boolean;
+    each record;
+    k office.kind;
+BEGIN
+    SELECT array_agg(n.kind), array_agg(n.number), array_agg(n.userid), array_agg(n.content), array_agg(n.digest),
+        array_agg(d.digest IS NOT DISTINCT FROM n.digest AND d.state = 'missing'),
+        bool_or(d.digest <> n.digest AND d.state <> 'deleted')
+    INTO kinds, numbers, userids, contents, digests, known, superseded
+    FROM unnest(kinds, numbers, userids, contents, digests) AS n (kind, number, userid, content, digest)
+    LEFT JOIN office.document AS d ON d.month = the_month AND d.terminal = me AND d.ddate = the_day
+        AND d.kind = n.kind AND d.number = n.number AND d.userid = n.userid
+    WHERE d.digest IS DISTINCT FROM n.digest OR d.state <> 'present';
+    IF kinds IS NULL THEN
+        RETURN 0;
+    END IF;
+    IF superseded THEN
+        FOR each IN
+            SELECT d AS doc, n.content
+            FROM unnest(kinds, numbers, userids, contents, digests) AS n (kind, number, userid, content, digest)
+            JOIN office.document AS d USING (kind, number, userid)
+            WHERE d.month = the_month AND d.terminal = me AND d.ddate = the_day AND d.digest <> n.digest
+                AND d.state <> 'deleted'
+        LOOP
+            PERFORM office.supersede(each.doc, each.content);
+        END LOOP;
+    END IF;
+    INSERT INTO office.document AS d (month, terminal, kind, ddate, number, userid, digest)
+    SELECT the_month, me, n.kind, the_day, n.number, n.userid, n.digest
+    FROM unnest(kinds, numbers, userids, digests) AS n (kind, number, userid, digest)
+    ON CONFLICT (month, terminal, ddate, kind, number, userid) DO UPDATE
+    SET revision = d.revision + (d.digest <> excluded.digest OR d.state = 'deleted')::integer, digest = excluded.digest,
+        state = 'present', sent_at = now();
+    FOR k IN SELECT * FROM office.kind AS each WHERE each.kind = ANY (kinds) LOOP
+        EXECUTE format(
+            'INSERT INTO office.%I (month, terminal, row_number, %s)
+             SELECT $1, $2, n, %s
+             FROM unnest($3, $4, $5, $6, $7) AS d (kind, number, userid, content, known)
+             CROSS JOIN LATERAL unnest(string_to_array(content, E''\x1e'')) WITH ORDINALITY AS l (line, n)
+             CROSS JOIN LATERAL (SELECT string_to_array(line, E''\x1f'') AS f OFFSET 0) AS row
+             WHERE kind = %L AND NOT known',
+            k.table_name, array_to_string(k.columns, ', '),
+            (SELECT string_agg(CASE i WHEN k.ddate_at THEN format(
+                'CASE WHEN cardinality(f) = %s AND f[%s] = $8 AND f[%s] = d.userid AND %s = d.number THEN $8
+                      ELSE office.refuse_row(d.kind, d.number, d.userid) END', cardinality(k.columns), k.ddate_at, k.userid_at,
+                coalesce('f[' || k.number_at || ']', '''''')) ELSE format('f[%s]', i) END, ', ')
+             FROM generate_subscripts(k.columns, 1) AS i), k.kind)
+            USING the_month, me, kinds, numbers, userids, contents, known, the_day;
+    END LOOP;
+    RETURN cardinality(kinds);
+END
+$$;
+
+-- Decides about a document that the terminal lacks; true when it is deleted.
+CREATE FUNCTION office.settle(doc office.document, is_archived boolean) RETURNS boolean LANGUAGE plpgsql AS $$
+DECLARE
+    deleted CONSTANT boolean := office.is_deleted(doc);
+    aside CONSTANT boolean := doc.number LIKE '%~%';
+BEGIN
+    IF deleted THEN
+        PERFORM office.retire(doc, true);
+    END IF;
+    IF deleted AND aside THEN
+        DELETE FROM office.document AS d WHERE d.month = doc.month AND d.terminal = doc.terminal AND d.ddate = doc.ddate
+            AND d.kind = doc.kind AND d.number = doc.number AND d.userid = doc.userid;
+    ELSIF deleted OR NOT is_archived THEN
+        UPDATE office.document AS d SET state = CASE WHEN deleted THEN 'deleted' ELSE 'missing' END
+        WHERE d.month = doc.month AND d.terminal = doc.terminal AND d.ddate = doc.ddate
+            AND d.kind = doc.kind AND d.number = doc.number AND d.userid = doc.userid;
+    END IF;
+    RETURN deleted;
+END
+$$;
+
+-- --- fetching ------------------------------------------------------------------------------------------------------------
+
+-- A master file's lines, as many as there are, a line feed after each: the customers of the terminal's salesmen with the
+-- office's balances and what all terminals have sent since, their prices and margins, and all products and bar codes.
+CREATE FUNCTION terminal.master(file_name text) RETURNS text
+LANGUAGE plpgsql STABLE SECURITY DEFINER SET search_path = pg_catalog, pg_temp AS $$
+DECLARE
+    me CONSTANT office.terminal := office.caller();
+    name CONSTANT text := lower(split_part(file_name, '.', 1));
+    columns text;
+    lines text;
+BEGIN
+    IF file_name NOT IN ('GARAE.RVN', 'PUMMOK.RVN', 'GARAEDANGA.RVN', 'GARAEMAJIN.RVN', 'BARCODE.RVN') THEN
+        RAISE EXCEPTION 'there is no master file "%"', file_name USING ERRCODE = 'invalid_parameter_value';
+    END IF;
+    SELECT string_agg(CASE WHEN name = 'garae' AND attname = 'cjmoney' THEN office.balance_expression()
+                           ELSE 'r.' || quote_ident(attname) END, ', ' ORDER BY attnum)
+    INTO columns FROM pg_attribute
+    WHERE attrelid = format('office.master_%s', name)::regclass AND attnum > 0 AND NOT attisdropped
+        AND attname NOT IN ('first_version', 'last_version', 'row_number');
+    EXECUTE format(
+        'SELECT string_agg(concat_ws(''|'', %s) || E''|\n'', '''' ORDER BY r.row_number) FROM office.master_%s AS r
+         WHERE r.last_version IS NULL %s',
+        columns, name, CASE name
+            WHEN 'pummok' THEN ''
+            WHEN 'barcode' THEN ''
+            WHEN 'garae' THEN 'AND r.userid = ANY ($1)'
+            ELSE 'AND r.gcode IN (SELECT g.gcode FROM office.master_garae AS g
+                                  WHERE g.userid = ANY ($1) AND g.last_version IS NULL)' END)
+        INTO lines USING me.users;
+    RETURN coalesce(lines, '');
+END
+$$;
+
+-- A balance that nobody has moved stays the text that it is.
+CREATE FUNCTION office.balance_expression() RETURNS text LANGUAGE sql IMMUTABLE
+RETURN 'coalesce((SELECT (office.won(r.cjmoney) + sum(m.amount))::text FROM office.movement AS m WHERE m.gcode = r.gcode
+                  HAVING sum(m.amount) <> 0), r.cjmoney)';
+
+-- The open orders as lines of MTM.RVN, with what tells whether the terminal has them.
+CREATE FUNCTION terminal.orders(first_day text) RETURNS TABLE (ddate text, junno text, userid text, line text)
+LANGUAGE plpgsql STABLE SECURITY DEFINER SET search_path = pg_catalog, pg_temp AS $$
+#variable_conflict use_column
+BEGIN
+    RETURN QUERY SELECT o.ddate, o.junno, o.userid, concat_ws('|', o.ddate, o.gubun, o.gcode, o.gname, o.junno, o.workgubun,
+            o.pcode, o.pname, o.jgubun, o.box, o.bon, o.mmoney, o.bmoney, o.ymoney, o.gmoney, o.userid) || '|'
+        FROM office.open_orders(office.caller(), first_day) AS o ORDER BY o.first_version, o.row_number;
+END
+$$;
+
+-- --- recovering ----------------------------------------------------------------------------------------------------------
+
+-- The days from `first_day` on of which the office has documents of the terminal.
+CREATE FUNCTION terminal.days(first_day text) RETURNS SETOF text
+LANGUAGE plpgsql STABLE SECURITY DEFINER SET search_path = pg_catalog, pg_temp AS $$
+DECLARE
+    me CONSTANT text := (office.caller()).terminal;
+BEGIN
+    RETURN QUERY SELECT DISTINCT d.ddate FROM office.document AS d
+        WHERE d.terminal = me AND d.ddate >= first_day AND d.state <> 'deleted' ORDER BY 1;
+END
+$$;
+
+-- The day's documents as the terminal sent them last, those that it lacks included. What stands aside, since its number was
+-- given again, has no content.
+CREATE FUNCTION terminal.documents(the_day text) RETURNS TABLE (kind text, number text, userid text, digest bytea, content text)
+LANGUAGE plpgsql STABLE SECURITY DEFINER SET search_path = pg_catalog, pg_temp AS $$
+#variable_conflict use_column
+DECLARE
+    me CONSTANT text := (office.caller()).terminal;
+    the_month CONSTANT date := office.month(the_day);
+BEGIN
+    RETURN QUERY SELECT d.kind, d.number, d.userid, d.digest,
+            CASE WHEN d.number LIKE '%~%' THEN NULL ELSE office.content(d) END
+        FROM office.document AS d
+        WHERE d.month = the_month AND d.terminal = me AND d.ddate = the_day AND d.state <> 'deleted';
+END
+$$;
+
+GRANT EXECUTE ON ALL FUNCTIONS IN SCHEMA terminal TO rovana_terminal;

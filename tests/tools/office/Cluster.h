@@ -1,0 +1,9 @@
+#pragma once
+
+#include "rovana-office/demo/Cluster.h"
+
+namespace test {
+
+using office::Cluster;
+
+}  // namespace test

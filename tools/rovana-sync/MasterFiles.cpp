@@ -1,0 +1,183 @@
+#include "rovana-sync/MasterFiles.h"
+
+#include <QCryptographicHash>
+#include <QDateTime>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <algorithm>
+
+#include "db/ImportFile.h"
+#include "db/MasterImport.h"
+#include "platform/CodePage.h"
+#include "platform/Device.h"
+#include "platform/WholeFile.h"
+
+namespace terminal_sync {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+constexpr QStringView kCustomers = u"GARAE.RVN";
+constexpr QStringView kOrders = u"MTM.RVN";
+
+QString notesPath() {
+    return platform::device::path(books::kOfficeFolder) + u"fetched.json"_s;
+}
+
+QString documentsPath(QStringView fileName) {
+    return platform::device::path(platform::device::kDocumentsFolder.toString() + fileName.toString());
+}
+
+QString cardPath(QStringView fileName) {
+    return platform::device::path(platform::device::kStorageCardFolder.toString() + fileName.toString());
+}
+
+qint64 modifiedOf(const QString& path) {
+    return QFileInfo(path).lastModified().toMSecsSinceEpoch();
+}
+
+QByteArray digestOf(const QByteArray& content) {
+    return QCryptographicHash::hash(content, QCryptographicHash::Sha256);
+}
+
+/// The lines in code page 949; a character that it does not hold is "?".
+QByteArray encode(const QString& lines) {
+    if (const auto whole = platform::codepage::encode(lines)) return *whole;
+    QByteArray bytes;
+    for (const QChar each : lines) bytes += platform::codepage::encode(QString(each)).value_or("?");
+    return bytes;
+}
+
+void putFile(const QString& path, const QByteArray& content) {
+    platform::WholeFile file(path);
+    if (!file.write(content) || !file.takeName())
+        throw LocalError((path + u": "_s + file.errorText()).toStdString());
+}
+
+}  // namespace
+
+MasterFiles::MasterFiles(LocalDays& local) : local_(local) {
+    read();
+}
+
+void MasterFiles::read() {
+    QFile file(notesPath());
+    if (!file.open(QIODevice::ReadOnly)) return;
+    const QJsonObject json = QJsonDocument::fromJson(file.readAll()).object();
+    balances_ = QByteArray::fromHex(json[u"balances"_s].toString().toLatin1());
+    const QJsonObject files = json[u"files"_s].toObject();
+    for (auto each = files.begin(); each != files.end(); ++each) {
+        const QJsonObject entry = each->toObject();
+        entries_[each.key()] = {entry[u"token"_s].toString(),
+                                QByteArray::fromHex(entry[u"digest"_s].toString().toLatin1()),
+                                entry[u"modified"_s].toString().toLongLong()};
+    }
+}
+
+void MasterFiles::write() const {
+    QJsonObject files;
+    for (auto each = entries_.cbegin(); each != entries_.cend(); ++each) {
+        files[each.key()] = QJsonObject{{u"token"_s, each->token},
+                                        {u"digest"_s, QString::fromLatin1(each->digest.toHex())},
+                                        {u"modified"_s, QString::number(each->modified)}};
+    }
+    const QJsonObject json{{u"balances"_s, QString::fromLatin1(balances_.toHex())}, {u"files"_s, files}};
+    putFile(notesPath(), QJsonDocument(json).toJson(QJsonDocument::Compact));
+}
+
+bool MasterFiles::isOurs(const QString& path, const Entry& entry) const {
+    QFile file(path);
+    return !entry.digest.isEmpty() && file.open(QIODevice::ReadOnly) &&
+           digestOf(file.readAll()) == entry.digest;
+}
+
+/// Whether the table was loaded from the very file that was put.
+bool MasterFiles::isLoaded(const QString& fileName, const Entry& entry) {
+    // A database of an older terminal does not remember; then the note is all there is.
+    if (!local_.database().hasColumn(u"MASTERLOAD", u"Modified")) return true;
+    const auto loads =
+        local_.database().rows(u"SELECT Modified FROM MASTERLOAD WHERE FileName = ?"_s, {fileName});
+    return loads && !loads->isEmpty() && loads->first().first().toLongLong() == entry.modified;
+}
+
+bool MasterFiles::isHere(const MasterVersion& version) {
+    const Entry entry = entries_.value(version.fileName);
+    if (entry.token != version.token) return false;
+    return isOurs(documentsPath(version.fileName), entry) || isLoaded(version.fileName, entry);
+}
+
+MasterFiles::Put MasterFiles::put(const MasterVersion& version, const QString& lines,
+                                  const QByteArray& balances) {
+    const db::ImportLock lock;
+    if (lock.isTaken()) return Put::Later;
+    // Loaded after ours, it would bring the older data back.
+    if (QFile::exists(cardPath(version.fileName))) return Put::Later;
+    const QString path = documentsPath(version.fileName);
+    Entry& entry = entries_[version.fileName];
+    const bool isAnothers = QFile::exists(path) && !isOurs(path, entry);
+    if (isAnothers && modifiedOf(path) > version.loadedAt.toMSecsSinceEpoch()) return Put::Later;
+    const QByteArray content = encode(QString(lines).replace(u'\n', u"\r\n"_s));
+    // Noted first: a waiting file of ours has to be known as such whenever this ends.
+    entry = {version.token, digestOf(content), 0};
+    if (version.fileName == kCustomers) balances_ = balances;
+    write();
+    putFile(path, content);
+    entry.modified = modifiedOf(path);
+    write();
+    return Put::Done;
+}
+
+bool MasterFiles::withdrawOldBalances(const QByteArray& balances) {
+    const Entry entry = entries_.value(kCustomers.toString());
+    const QString path = documentsPath(kCustomers);
+    if (entry.digest.isEmpty() || balances == balances_ || !QFile::exists(path)) return true;
+    const db::ImportLock lock;
+    if (lock.isTaken()) return false;
+    if (isOurs(path, entry)) QFile::remove(path);
+    return true;
+}
+
+bool MasterFiles::areOrdersWaiting() {
+    return QFile::exists(documentsPath(kOrders)) || QFile::exists(cardPath(kOrders));
+}
+
+bool MasterFiles::areBalancesWaiting() {
+    return QFile::exists(documentsPath(kCustomers));
+}
+
+bool MasterFiles::hasSlip(const Order& order) {
+    const auto isIn = [&](const QString& table) {
+        if (!local_.database().hasColumn(table)) return false;
+        const auto rows = local_.database().rows(
+            u"SELECT 1 FROM %1 WHERE DDate = ? AND JunNo = ? AND UserID = ? LIMIT 1"_s.arg(table),
+            {order.date, order.junNo, order.userId});
+        if (!rows) throw LocalError("the slips cannot be read");
+        return !rows->isEmpty();
+    };
+    return isIn(u"MTM"_s) || isIn(u"DELETED"_s);
+}
+
+void MasterFiles::putOrders(const QList<Order>& orders) {
+    const db::ImportLock lock;
+    // What waits is looked at before the slips: a file that was loaded in between is in them.
+    if (lock.isTaken() || areOrdersWaiting()) return;
+    QString lines;
+    for (const Order& order : orders) {
+        if (!hasSlip(order)) lines += order.line + u"\r\n"_s;
+    }
+    if (!lines.isEmpty()) putFile(documentsPath(kOrders), encode(lines));
+}
+
+QByteArray MasterFiles::balancesOf(const QMap<QString, books::DocumentDigests>& days) {
+    QList<QByteArray> digests;
+    for (const books::DocumentDigests& day : days) {
+        for (auto each = day.cbegin(); each != day.cend(); ++each) {
+            if (each.key().kind == books::DocumentKind::Collection) digests << *each;
+        }
+    }
+    return books::dayDigest(digests);
+}
+
+}  // namespace terminal_sync

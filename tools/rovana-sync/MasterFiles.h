@@ -1,0 +1,60 @@
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QMap>
+#include <QString>
+
+#include "rovana-sync/LocalDays.h"
+#include "rovana-sync/Office.h"
+
+namespace terminal_sync {
+
+/// The master files that the sync puts where the next login finds them. What it has put is noted in a file of
+/// the device folder, and believed only where the waiting file or the table's last load bears it out: a copy
+/// of an older database, or a new disk, gets everything anew.
+class MasterFiles {
+  public:
+    explicit MasterFiles(LocalDays& local);
+
+    /// Whether what the office has now is in the table, or waits to be loaded.
+    bool isHere(const MasterVersion& version);
+
+    enum class Put {
+        Done,
+        Later,  ///< Files are being loaded, or a newer one that came by another way waits.
+    };
+    /// Puts a file of those lines. `balances` is what the lines' balances include of this terminal
+    /// (balancesOf). Throws LocalError when it cannot be written.
+    Put put(const MasterVersion& version, const QString& lines, const QByteArray& balances);
+
+    /// Takes away a waiting GARAE.RVN of ours when the terminal has moved balances since: it would take them
+    /// back. False when files are being loaded.
+    bool withdrawOldBalances(const QByteArray& balances);
+
+    /// Puts those of the orders that the terminal neither has nor has deleted into MTM.RVN, unless one waits.
+    void putOrders(const QList<Order>& orders);
+    static bool areOrdersWaiting();
+    static bool areBalancesWaiting();
+
+    /// What the collections, which move the balances, are now.
+    static QByteArray balancesOf(const QMap<QString, books::DocumentDigests>& days);
+
+  private:
+    struct Entry {
+        QString token;
+        QByteArray digest;    ///< Of the content.
+        qint64 modified = 0;  ///< Of the file, in milliseconds since 1970.
+    };
+    void read();
+    void write() const;
+    bool isLoaded(const QString& fileName, const Entry& entry);
+    bool isOurs(const QString& path, const Entry& entry) const;
+    bool hasSlip(const Order& order);
+
+    LocalDays& local_;
+    QMap<QString, Entry> entries_;
+    QByteArray balances_;
+};
+
+}  // namespace terminal_sync

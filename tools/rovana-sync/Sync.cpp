@@ -1,0 +1,210 @@
+#include "rovana-sync/Sync.h"
+
+#include <QDate>
+#include <QFile>
+#include <algorithm>
+#include <ranges>
+
+#include "platform/Clock.h"
+#include "platform/Device.h"
+
+namespace terminal_sync {
+
+using namespace Qt::Literals::StringLiterals;
+using books::DocumentDigests;
+using books::DocumentIdentity;
+using books::OfficeState;
+
+namespace {
+
+/// Days that each sync compares. What is changed in an older one is found at the first sync of a day.
+constexpr int kOpenDays = 31;
+/// Days whose documents the menu can count one by one.
+constexpr int kCountedDays = 3;
+/// Days that are compared in one call.
+constexpr qsizetype kDaysAtOnce = 31;
+
+DayDigests dayDigests(const QMap<QString, DocumentDigests>& days) {
+    DayDigests digests;
+    for (auto day = days.cbegin(); day != days.cend(); ++day)
+        digests[day.key()] = books::dayDigest(day->values());
+    return digests;
+}
+
+QString today() {
+    return platform::clock::now().date().toString(Qt::ISODate);
+}
+
+QString sweepPath() {
+    return platform::device::path(books::kOfficeFolder) + u"swept"_s;
+}
+
+}  // namespace
+
+office::Access readAccessFile() {
+    const QString path = platform::device::path(books::kOfficeAccessFile);
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        throw LocalError((path + u": "_s + file.errorString()).toStdString());
+    platform::SecureBytes text(std::size_t(file.size()));
+    text.resize(
+        std::size_t(std::max<qint64>(0, file.read(reinterpret_cast<char*>(text.data()), file.size()))));
+    QString error;
+    auto access = office::readAccess(QByteArrayView(text.data(), qsizetype(text.size())), &error);
+    if (!access) throw LocalError((path + u": "_s + error).toStdString());
+    return std::move(*access);
+}
+
+Sync::Sync(const office::Access& access) : access_(access), masters_(local_) {}
+
+Outcome Sync::run() {
+    readDays();
+    try {
+        // Before the line is tried: a login may be near, with or without an office.
+        masters_.withdrawOldBalances(MasterFiles::balancesOf(days_));
+        Office office(access_);
+        greeting_ = office.hello(firstDay_, dayDigests(days_));
+        for (const QString& date : days_.keys()) {
+            if (!greeting_.differing.contains(date)) agreed_.insert(date);
+        }
+        for (auto day = greeting_.differing.cbegin(); day != greeting_.differing.cend(); ++day)
+            sendDay(office, day.key(), *day);
+        sendOldDays(office);
+        tellSalesmen(office);
+        fetch(office);
+    } catch (...) {
+        noteState(!greeting_.terminal.isEmpty());
+        throw;
+    }
+    noteState(true);
+    return outcome_;
+}
+
+void Sync::readDays() {
+    const QString open = platform::clock::now().date().addDays(-kOpenDays).toString(Qt::ISODate);
+    firstDay_ = std::max(open, local_.firstKept());
+    days_ = local_.digests(firstDay_);
+}
+
+bool Sync::mayBeSent(const DocumentIdentity& identity) const {
+    // The office sets aside under "~" what had a number that was given again.
+    return !identity.number.contains(u'~') &&
+           std::ranges::any_of(greeting_.salesmen,
+                               [&](const Salesman& each) { return each.userId == identity.userId; });
+}
+
+/// Sends what the office does not have as it is, and tells what the terminal lacks.
+void Sync::sendDay(Office& office, const QString& date, const DocumentDigests& atOffice) {
+    DocumentDigests& here = days_[date];
+    QSet<DocumentIdentity> wanted;
+    for (auto each = here.cbegin(); each != here.cend(); ++each) {
+        if (atOffice.value(each.key()) != *each && mayBeSent(each.key())) wanted.insert(each.key());
+    }
+    Parcel parcel;
+    parcel.date = date;
+    parcel.isArchived = date < firstDay_;
+    for (const DocumentIdentity& each : atOffice.keys()) {
+        if (!here.contains(each)) parcel.absent << each;
+    }
+    parcel.isLast = wanted.isEmpty() && parcel.absent.isEmpty();
+    while (!parcel.isLast) {
+        parcel.documents = local_.take(date, &wanted);
+        parcel.isLast = wanted.isEmpty();
+        const Sent sent = office.send(parcel);
+        outcome_.sent += sent.stored;
+        outcome_.deleted += sent.deleted;
+        outcome_.missing += sent.missing;
+        // What was read just now is what the office has.
+        for (const books::Document& document : std::as_const(parcel.documents))
+            here[document.identity] = document.digest;
+    }
+    agreed_.insert(date);
+}
+
+/// Looks at the days from before the open ones, once a day. Some of their visits may be in an archive.
+void Sync::sendOldDays(Office& office) {
+    QFile swept(sweepPath());
+    if (swept.open(QIODevice::ReadOnly) && swept.readAll() == today().toLatin1()) return;
+    swept.close();
+    const QStringList old = local_.daysBefore(firstDay_);
+    for (qsizetype first = 0; first < old.size(); first += kDaysAtOnce) {
+        QMap<QString, DocumentDigests> days;
+        for (const QString& date : old.mid(first, kDaysAtOnce)) days[date] = local_.day(date);
+        const auto differing = office.compare(dayDigests(days));
+        for (auto day = differing.cbegin(); day != differing.cend(); ++day) {
+            days_[day.key()] = days[day.key()];
+            sendDay(office, day.key(), *day);
+            days_.remove(day.key());
+        }
+    }
+    if (swept.open(QIODevice::WriteOnly)) swept.write(today().toLatin1());
+}
+
+/// The office reads a salesman's slips by what he is set to.
+void Sync::tellSalesmen(Office& office) {
+    const auto rows = local_.database().rows(u"SELECT userID, userNAME, vatMode FROM PDAUSER"_s);
+    if (!rows) return;
+    QList<Salesman> changed;
+    for (const Salesman& known : std::as_const(greeting_.salesmen)) {
+        const auto row =
+            std::ranges::find(*rows, known.userId, [](const QStringList& each) { return each[0]; });
+        if (row == rows->end()) continue;
+        const Salesman here{(*row)[0], (*row)[1], (*row)[2]};
+        if (here != known) changed << here;
+    }
+    if (!changed.isEmpty()) office.tellSalesmen(changed);
+}
+
+void Sync::fetch(Office& office) {
+    const QByteArray balances = MasterFiles::balancesOf(days_);
+    for (const MasterVersion& version : std::as_const(greeting_.masters)) {
+        if (masters_.isHere(version)) continue;
+        if (masters_.put(version, office.master(version.fileName), balances) == MasterFiles::Put::Done)
+            outcome_.fetched << version.fileName;
+    }
+    if (greeting_.hasOrders && !MasterFiles::areOrdersWaiting()) {
+        masters_.putOrders(office.orders(firstDay_));
+        if (MasterFiles::areOrdersWaiting()) outcome_.fetched << u"MTM.RVN"_s;
+    }
+    // What the salesman has saved meanwhile is not in the balances that were put.
+    if (!outcome_.fetched.isEmpty())
+        masters_.withdrawOldBalances(MasterFiles::balancesOf(local_.digests(firstDay_)));
+}
+
+/// The day as the office has it now: without the slips of those who are not enrolled.
+OfficeState::Day Sync::agreedDay(const QString& date, bool isCounted) const {
+    OfficeState::Day day;
+    QList<QByteArray> digests;
+    const DocumentDigests& here = *days_.constFind(date);
+    for (auto each = here.cbegin(); each != here.cend(); ++each) {
+        if (!mayBeSent(each.key())) continue;
+        digests << *each;
+        if (isCounted) day.agreed << books::shortDigest(*each);
+    }
+    day.digest = books::dayDigest(digests);
+    return day;
+}
+
+void Sync::noteState(bool isReached) {
+    const OfficeState before = books::readOfficeState();
+    OfficeState state;
+    state.syncedAt = isReached ? platform::clock::now() : before.syncedAt;
+    const QStringList dates = days_.keys();
+    const QString counted = dates.value(std::max<qsizetype>(0, dates.size() - kCountedDays));
+    for (const QString& date : dates) {
+        OfficeState::Day day = before.days.value(date);
+        if (agreed_.contains(date)) day = agreedDay(date, date >= counted);
+        day.waiting = books::waitingVisits(day, days_[date]);
+        outcome_.waiting += day.waiting;
+        state.days[date] = day;
+    }
+    if (outcome_.waiting > 0 && isReached)
+        outcome_.remarks << u"%1 visits are not the office's: their salesmen are not enrolled"_s.arg(
+            outcome_.waiting);
+    if (outcome_.missing > 0)
+        outcome_.remarks << u"the office keeps %1 documents that are not here: rovana-sync --recover"_s.arg(
+            outcome_.missing);
+    if (!books::writeOfficeState(state)) outcome_.remarks << u"the state for the menu could not be written"_s;
+}
+
+}  // namespace terminal_sync
