@@ -6,6 +6,7 @@
 #include <QFile>
 
 #include "app/LoginWait.h"
+#include "app/Session.h"
 #include "platform/Wipe.h"
 #include "support/MemorySearch.h"
 #include "support/PrintQt.h"
@@ -49,6 +50,15 @@ TEST(LoginWait, GrowsToTenSecondsAndOutlivesTheProgram) {
     ASSERT_TRUE(QFile::remove(file) && QDir().mkdir(file));
     for (int i = 0; i < 2; ++i) EXPECT_EQ(app::enterLoginTry(), 0s);
     EXPECT_EQ(app::enterLoginTry(), 1s);
+}
+
+TEST(Session, ResetEmptiesTheActionAndBothWorkingTables) {
+    test::TestDevice device;
+    device.execute(u"INSERT INTO TEMP (PCode) VALUES ('0001'); INSERT INTO YTEMP (PCode) VALUES ('0001')"_s);
+    app::session().action.GCode = u"0012"_s;
+    app::resetSession();
+    EXPECT_EQ(app::session().action.GCode, QString());
+    EXPECT_EQ(device.value(u"SELECT (SELECT COUNT(*) FROM TEMP) + (SELECT COUNT(*) FROM YTEMP)"_s), u"0"_s);
 }
 
 }  // namespace
