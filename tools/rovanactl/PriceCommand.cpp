@@ -7,9 +7,6 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr db::Statement<u"SELECT Gubun FROM GARAE WHERE GCode = '%s'"> kSelectKind;
-constexpr db::Statement<u"SELECT PCode FROM PUMMOK WHERE PCode = '%s'"> kSelectProduct;
-
 /// A slip takes quantities of up to three digits.
 constexpr int kLargestQuantity = 999;
 
@@ -42,6 +39,8 @@ struct Answer {
 
 /// `question` is customer, product, boxes and bottles.
 Answer price(const QStringList& question) {
+    static constexpr db::Statement<u"SELECT Gubun FROM GARAE WHERE GCode = '%s'"> kSelectKind;
+    static constexpr db::Statement<u"SELECT PCode FROM PUMMOK WHERE PCode = '%s'"> kSelectProduct;
     if (question.size() != 4) {
         return {{},
                 u"a question is customer, product, boxes and bottles; %1 values came"_s.arg(question.size())};
