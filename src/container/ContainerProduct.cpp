@@ -27,11 +27,6 @@ platform::RowSource containerProducts(QStringView seek) {
                             4);
 }
 
-bool productExists(QStringView pCode) {
-    static constexpr db::Statement<u"SELECT PCode FROM Pummok WHERE PCODE = '%s' "> kExists;
-    return db::hasRow(kExists(pCode));
-}
-
 bool isContainer(QStringView pCode) {
     static constexpr db::Statement<
         u"SELECT PCode FROM PUMMOK WHERE PCODE = '%s' AND (TTT = '%s' OR TTT = '%s')">

@@ -6,6 +6,7 @@
 #include <numeric>
 #include <vector>
 
+#include "books/Product.h"
 #include "db/Query.h"
 #include "platform/Won.h"
 
@@ -124,11 +125,6 @@ std::optional<ProductName> productName(QStringView pcode) {
     return ProductName{row->at(0), row->at(1)};
 }
 
-bool productExists(QStringView pcode) {
-    static constexpr db::Statement<u"SELECT PCode FROM Pummok WHERE PCODE = '%s' "> kExists;
-    return db::hasRow(kExists(pcode));
-}
-
 bool ListedProduct::isOfferedTo(QStringView customerKind) const {
     return !isWithdrawn && excludedUse(customerKind) != Gubun;
 }
@@ -157,7 +153,7 @@ QString productOfBarcode(QStringView barcode) {
     for (const QString& form : forms) {
         if (const auto row = db::firstRow(kOfBarcode(form))) return row->first();
     }
-    return productExists(barcode) ? barcode.toString() : QString();
+    return books::productExists(barcode) ? barcode.toString() : QString();
 }
 
 QString productClass(QStringView pcode) {
