@@ -10,36 +10,36 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
+constexpr db::Statement<
+    u"SELECT GCode FROM MTMOK WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode <> '%s' "
+    u"UNION "
+    u"SELECT GCode FROM YTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode <> '%s'">
+    kOthersOfSlips;
+// Apart from those, because a database of an older terminal has no journal.
+constexpr db::Statement<
+    u"SELECT DISTINCT GCode FROM PAYJOURNAL WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' "
+    u"AND GCode <> '%s' AND (State = 'sent' OR State = 'unknown')">
+    kOthersOfPayments;
+constexpr db::Statement<
+    u"SELECT Number FROM PAYJOURNAL WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode = '%s'">
+    kPayments;
+constexpr db::Statement<
+    u"UPDATE MTMOK SET JunNo = '%s', Gubun = CASE Gubun WHEN '단순결제' THEN Gubun ELSE '입금' END "
+    u"WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode = '%s'">
+    kMoveCollection;
+constexpr db::Statement<
+    u"UPDATE YTM SET JunNo = '%s' WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode = '%s'">
+    kMoveContainers;
+constexpr db::Statement<
+    u"UPDATE PAYJOURNAL SET JunNo = '%s', Gubun = CASE WHEN Gubun IN ('', '단순결제') THEN Gubun ELSE '입금' "
+    u"END "
+    u"WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode = '%s'">
+    kMovePayments;
+
 }  // namespace
 
 bool freeNumber(db::Transaction& transaction, QStringView date, QStringView junNo, QStringView userId,
                 QStringView gCode) {
-    static constexpr db::Statement<
-        u"SELECT GCode FROM MTMOK WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode <> '%s' "
-        u"UNION SELECT GCode FROM YTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode <> "
-        u"'%s'">
-        kOthersOfSlips;
-    // Apart from those, because a database of an older terminal has no journal.
-    static constexpr db::Statement<
-        u"SELECT DISTINCT GCode FROM PAYJOURNAL WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' "
-        u"AND GCode <> '%s' AND (State = 'sent' OR State = 'unknown')">
-        kOthersOfPayments;
-    static constexpr db::Statement<
-        u"SELECT Number FROM PAYJOURNAL WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode = "
-        u"'%s'">
-        kPayments;
-    static constexpr db::Statement<
-        u"UPDATE MTMOK SET JunNo = '%s', Gubun = CASE Gubun WHEN '단순결제' THEN Gubun ELSE '입금' END "
-        u"WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode = '%s'">
-        kMoveCollection;
-    static constexpr db::Statement<
-        u"UPDATE YTM SET JunNo = '%s' WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode = '%s'">
-        kMoveContainers;
-    static constexpr db::Statement<
-        u"UPDATE PAYJOURNAL SET JunNo = '%s', Gubun = CASE WHEN Gubun IN ('', '단순결제') THEN Gubun ELSE "
-        u"'입금' "
-        u"END WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode = '%s'">
-        kMovePayments;
     if (gCode.isEmpty()) return true;
     QStringList others;
     const auto add = [&](db::CVORecordset& row) {
