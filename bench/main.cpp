@@ -62,8 +62,9 @@ constexpr std::array kMeasurements{
     Measurement{"taps", 1.0, bench::measureTaps,
                 "16 touches: a customer's five usual products paid by card, written with one touch"},
 #ifdef ROVANA_OFFICE
-    Measurement{"office-day", 2.0, bench::measureOfficeDay,
-                "bare COPY of the same rows over connections of the same kind: the least that any sender needs"},
+    Measurement{
+        "office-day", 2.0, bench::measureOfficeDay,
+        "bare COPY of the same rows over connections of the same kind: the least that any sender needs"},
     Measurement{"office-idle", 1.0, bench::measureOfficeIdle,
                 "one round trip after the connection: nothing less can tell that nothing changed"},
     Measurement{"office-full", 1.1, bench::measureOfficeFull,

@@ -85,7 +85,7 @@ void CCardDlg::printVisit() {
 void CCardDlg::printCopies(print::SlipPapers& papers) {
     if (!printSlip(papers, 1, books::Copy::Seller)) return;
     if (ui::askYesNo(u"구매자용 명세서를 출력할까요?"_s, u"구매자용 명세서출력"_s,
-                      ui::MessageIcon::Question)) {
+                     ui::MessageIcon::Question)) {
         printSlip(papers, 2, books::Copy::Buyer);
     }
 }
