@@ -1,4 +1,4 @@
 #pragma once
 
-/// Tells the house which screen stands behind each dialog id. Call once, before the first screen opens.
+/// Registers which screen stands behind each dialog id. Call once, before the first screen opens.
 void registerScreens();

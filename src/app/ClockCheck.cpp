@@ -11,12 +11,6 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr db::Statement<u"SELECT DDate FROM MTM WHERE DTime <> '' ORDER BY DDate DESC LIMIT 1"> kLastSale;
-constexpr db::Statement<u"SELECT DDate FROM MTMOK WHERE DTime <> '' ORDER BY DDate DESC LIMIT 1">
-    kLastCollection;
-constexpr db::Statement<u"SELECT max(DTime) FROM MTM WHERE DDate = '%s'"> kSaleTime;
-constexpr db::Statement<u"SELECT max(DTime) FROM MTMOK WHERE DDate = '%s'"> kCollectionTime;
-
 QString dayOf(const QDateTime& time) {
     return time.toString(u"yyyy-MM-dd"_s);
 }
@@ -32,6 +26,12 @@ QString lastOf(const db::Sql& last, const Time& time) {
 }  // namespace
 
 QString newestSlip() {
+    static constexpr db::Statement<u"SELECT DDate FROM MTM WHERE DTime <> '' ORDER BY DDate DESC LIMIT 1">
+        kLastSale;
+    static constexpr db::Statement<u"SELECT DDate FROM MTMOK WHERE DTime <> '' ORDER BY DDate DESC LIMIT 1">
+        kLastCollection;
+    static constexpr db::Statement<u"SELECT max(DTime) FROM MTM WHERE DDate = '%s'"> kSaleTime;
+    static constexpr db::Statement<u"SELECT max(DTime) FROM MTMOK WHERE DDate = '%s'"> kCollectionTime;
     return std::max(lastOf(kLastSale(), kSaleTime), lastOf(kLastCollection(), kCollectionTime));
 }
 

@@ -16,9 +16,6 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-/// The screen is refreshed this often while lines are loaded.
-constexpr qint64 kRefreshMs = 30;
-
 struct FileRow {
     int label;
     int bar;
@@ -91,6 +88,8 @@ void CImportDlg::importAll() {
 }
 
 FileReport CImportDlg::importOne(int index) {
+    // The screen is refreshed this often while lines are loaded.
+    constexpr qint64 kRefreshMs = 30;
     const db::ImportFile& file = db::importFiles()[size_t(index)];
     const db::ImportSource source = sources_[size_t(index)];
     const std::optional<db::Shrinkage> shrinkage = db::findShrinkage(file, source);

@@ -23,7 +23,7 @@ QString dataName(const db::ImportFile& file);
 QString shrinkageQuestion(const db::ImportFile& file, const db::Shrinkage& shrinkage);
 
 /// What became of the files, several lines for each; empty when all that were opened are loaded whole, which
-/// the counts have told already.
+/// the counts show already.
 QString importReport(const QList<FileReport>& files);
 
 /// What is said at login about old master data; empty when there is none.

@@ -29,7 +29,6 @@ constexpr int kThirdSelector = 1090;
 constexpr int kWhom = 1304;
 constexpr int kWhat = 1305;
 constexpr int kNote = 1306;
-constexpr QColor kGrey(0x6b, 0x77, 0x85);
 
 /// Where the rows of fields and the selectors stand.
 struct FieldPlaces {
@@ -41,7 +40,6 @@ struct FieldPlaces {
 /// Below the topic's lines: three beside two fields, one beside three.
 constexpr FieldPlaces kBelowThreeLines{.firstRow = 50, .pitch = 34, .selectors = 118, .selectorHeight = 27};
 constexpr FieldPlaces kBelowOneLine{.firstRow = 18, .pitch = 33, .selectors = 118, .selectorHeight = 27};
-constexpr int kTopicLine = 16;
 
 int fieldsInUse() {
     return std::max(1, keypadRequest().KeypadMode);
@@ -89,6 +87,7 @@ CKeyboardDlg::~CKeyboardDlg() {
 }
 
 void CKeyboardDlg::addTopic() {
+    constexpr int kTopicLine = 16;
     const KeypadTopic& topic = keypadRequest().Topic;
     if (topic.isEmpty()) return;
     const auto line = [&](int id, int number) {
@@ -103,6 +102,7 @@ void CKeyboardDlg::addTopic() {
 }
 
 void CKeyboardDlg::addFields() {
+    constexpr QColor kGrey(0x6b, 0x77, 0x85);
     const QString captions[] = {keypadRequest().KeypadLabel1, keypadRequest().KeypadLabel2,
                                 keypadRequest().KeypadLabel3};
     const FieldPlaces places = fieldPlaces();

@@ -12,12 +12,6 @@
 namespace app {
 namespace {
 
-constexpr db::Statement<u"SELECT *  FROM PDAUSER WHERE userID = '%s' AND userPASS = '%s' "> kSelectUser;
-constexpr db::Statement<u"SELECT userNAME  FROM PDAUSER WHERE userID = '%s'"> kSelectUserName;
-constexpr db::Statement<
-    u"SELECT sangho, sno, name, tel, fax, juso, calltel, cardid, cardpass, cardno FROM config">
-    kSelectCompany;
-
 /// SALE.ini is read in pieces of this many bytes, of which the last one counts.
 constexpr qint64 kSettingsPieceBytes = 32;
 
@@ -26,6 +20,8 @@ constexpr int kPasswordColumn = 1;
 }  // namespace
 
 bool logIn(const QString& userId, const QString& password, const QString& workDate) {
+    static constexpr db::Statement<u"SELECT *  FROM PDAUSER WHERE userID = '%s' AND userPASS = '%s' ">
+        kSelectUser;
     SessionValues& values = session();
     values.UserID = userId;
     values.WorkDate = workDate;
@@ -40,10 +36,14 @@ bool logIn(const QString& userId, const QString& password, const QString& workDa
 }
 
 QString userName(QStringView userId) {
+    static constexpr db::Statement<u"SELECT userNAME  FROM PDAUSER WHERE userID = '%s'"> kSelectUserName;
     return db::firstRow(kSelectUserName(userId)).value_or(QStringList()).value(0);
 }
 
 void loadCompany() {
+    static constexpr db::Statement<
+        u"SELECT sangho, sno, name, tel, fax, juso, calltel, cardid, cardpass, cardno FROM config">
+        kSelectCompany;
     SessionValues& values = session();
     QString cardpass;
     QString* const fields[] = {&values.sangho, &values.sno,     &values.name,   &values.tel, &values.fax,

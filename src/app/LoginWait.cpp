@@ -14,8 +14,6 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
 
-constexpr int kFreeTries = 3;
-constexpr int kLongestWait = 10;
 /// More failures than that wait no longer, and need not be told apart.
 constexpr int kMostCounted = 1000;
 
@@ -44,6 +42,8 @@ int failures() {
 }  // namespace
 
 std::chrono::milliseconds enterLoginTry() {
+    constexpr int kFreeTries = 3;
+    constexpr int kLongestWait = 10;
     const int before = failures();
     remembered() = std::min(before + 1, kMostCounted);
     // On disk before the wait begins.

@@ -110,9 +110,8 @@ void CRovanaDlg::addLoginControls() {
                       confirm,
                       addBottomButton(1001, {}, 1, ui::bitmaps::kBlank, {}),
                       addBottomButton(1002, {}, 2, ui::bitmaps::kBlank, {})};
-    for (QWidget* control : {static_cast<QWidget*>(date_), static_cast<QWidget*>(password_)}) {
-        control->setFont(ui::font(ui::FontHeight::Medium));
-    }
+    date_->setFont(ui::font(ui::FontHeight::Medium));
+    password_->setFont(ui::font(ui::FontHeight::Medium));
 }
 
 void CRovanaDlg::addMenuControls() {

@@ -4,12 +4,7 @@
 #include "db/Transaction.h"
 
 namespace app {
-namespace {
-
-constexpr db::Statement<u"DELETE TEMP "> kEmptyWorkingSlip;
-constexpr db::Statement<u"DELETE YTEMP "> kEmptyWorkingContainerSlip;
-
-}  // namespace
+namespace {}  // namespace
 
 SessionValues& session() {
     static SessionValues values;
@@ -17,6 +12,8 @@ SessionValues& session() {
 }
 
 void resetSession() {
+    static constexpr db::Statement<u"DELETE TEMP "> kEmptyWorkingSlip;
+    static constexpr db::Statement<u"DELETE YTEMP "> kEmptyWorkingContainerSlip;
     session().action = {};
     db::changeWorkingTable(kEmptyWorkingSlip());
     db::changeWorkingTable(kEmptyWorkingContainerSlip());

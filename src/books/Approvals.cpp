@@ -16,23 +16,6 @@ using platform::Won;
 
 namespace {
 
-constexpr db::Statement<
-    u"UPDATE MTM SET WorkGubun = '결제' WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s'">
-    kMarkPaid;
-constexpr db::Statement<u"UPDATE MTMOK SET MSGSENDTIME = '', BANKTRANNO = '' WHERE BANKTRANNO = '%s'">
-    kTakeApprovalOff;
-constexpr db::Statement<u"DELETE MTMOK WHERE BANKTRANNO = '%s' AND Gubun = '단순결제'"> kDeleteSimple;
-constexpr db::Statement<
-    u"UPDATE MTM SET WorkGubun = '미발행' WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND "
-    u"WorkGubun = '결제'">
-    kMarkUnpaid;
-constexpr db::Statement<
-    u"SELECT GCode FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode <> '%s'">
-    kOthersSalesSlip;
-constexpr db::Statement<
-    u"SELECT GCode FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode = '%s'">
-    kOwnSalesSlip;
-
 QList<CollectionSlip> rowsOf(const CollectionSlip& slip) {
     return collectionRows(slip.DDate, slip.JunNo, slip.UserID);
 }
@@ -48,6 +31,9 @@ bool isUnapproved(CollectionSlip row, const CollectionSlip& slip) {
 /// True when the number is another customer's by now, or carries another approval. It is given anew once its
 /// slip is deleted.
 bool isNumberTaken(const CollectionSlip& slip) {
+    static constexpr db::Statement<
+        u"SELECT GCode FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode <> '%s'">
+        kOthersSalesSlip;
     return std::ranges::any_of(rowsOf(slip),
                                [&](const CollectionSlip& row) {
                                    return row.GCode != slip.GCode || row.isApproved() ||
@@ -78,6 +64,9 @@ Won changeOfContainers(const CollectionSlip& charged, std::optional<Won> worth) 
 /// The approved slip under its number, whose rows are `before`.
 CollectionSlip slipUnder(const QList<CollectionSlip>& before, const CollectionSlip& approved,
                          const ChargedFor& chargedFor) {
+    static constexpr db::Statement<
+        u"SELECT GCode FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode = '%s'">
+        kOwnSalesSlip;
     if (approved.isSimplePayment()) return approved;
     const bool hasSale =
         db::hasRow(kOwnSalesSlip(approved.DDate, approved.JunNo, approved.UserID, approved.GCode));
@@ -115,6 +104,9 @@ bool putRow(db::Transaction& transaction, const QList<CollectionSlip>& before, c
 
 std::optional<CollectionSlip> putApproved(db::Transaction& transaction, const CollectionSlip& approved,
                                           const ChargedFor& chargedFor) {
+    static constexpr db::Statement<
+        u"UPDATE MTM SET WorkGubun = '결제' WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s'">
+        kMarkPaid;
     CollectionSlip slip = approved;
     QList<CollectionSlip> before = rowsOf(slip);
     if (!slip.isSimplePayment() && isNumberTaken(slip)) {
@@ -135,6 +127,15 @@ std::optional<CollectionSlip> putApproved(db::Transaction& transaction, const Co
 }
 
 bool takeApprovalOff(db::Transaction& transaction, QStringView transactionNumber) {
+    static constexpr db::Statement<
+        u"UPDATE MTMOK SET MSGSENDTIME = '', BANKTRANNO = '' WHERE BANKTRANNO = '%s'">
+        kTakeApprovalOff;
+    static constexpr db::Statement<u"DELETE MTMOK WHERE BANKTRANNO = '%s' AND Gubun = '단순결제'">
+        kDeleteSimple;
+    static constexpr db::Statement<
+        u"UPDATE MTM SET WorkGubun = '미발행' WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND "
+        u"WorkGubun = '결제'">
+        kMarkUnpaid;
     const auto slip = findByTransactionNumber(transactionNumber);
     if (!slip) return true;
     if (slip->isSimplePayment()) return transaction.run(kDeleteSimple(transactionNumber));

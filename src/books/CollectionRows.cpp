@@ -12,47 +12,13 @@ using platform::Won;
 
 namespace {
 
-constexpr db::Statement<u"DELETE MTMOK WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' "> kDeleteOwn;
-constexpr db::Statement<u"DELETE MTMOK WHERE JunNo= '%s' AND DDate = '%s' "> kDelete;
 constexpr db::Statement<
     u"INSERT INTO MTMOK (DDate,Gubun,GCode,GName,JunNo,DTime,UserID,MMoney,PMoney,BMoney,YMoney,GMoney,"
     u"YGMoney,InMoney,WonMoney,CardMoney,MisuInMoney,UnderMoney,YDMoney,GDMoney) VALUES "
     u"('%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s')">
     kInsert;
-constexpr db::Statement<
-    u"INSERT INTO MTMOK (DDate,Gubun,GCode,GName,JunNo,DTime,UserID,MMoney,PMoney,BMoney,YMoney,GMoney,"
-    u"YGMoney,InMoney,WonMoney,CardMoney,MisuInMoney,UnderMoney,YDMoney,GDMoney,MSGSENDTIME,BANKTRANNO) "
-    u"VALUES ('%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s',"
-    u"'%s','%s','%s','%s')">
-    kInsertApproved;
-constexpr db::Statement<
-    u"UPDATE MTMOK SET MSGSENDTIME = '%s', BANKTRANNO = '%s' "
-    u"WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s'">
-    kApprove;
 constexpr db::Statement<u"SELECT * FROM MTMOK WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s'"> kOwn;
 constexpr db::Statement<u"SELECT * FROM MTMOK WHERE DDate = '%s' AND JunNo = '%s'"> kAnyones;
-// Those that stand beside their container slip. An empty user leaves the condition on him out.
-constexpr db::Statement<
-    u"SELECT * FROM MTMOK WHERE DDate = '%s' AND JunNo = '%s' AND ('%s' = '' OR UserID = '%s') AND Gubun <> "
-    u"'단순결제' AND EXISTS (SELECT PCode FROM YTM WHERE YTM.DDate = MTMOK.DDate AND YTM.JunNo = MTMOK.JunNo "
-    u"AND YTM.UserID = MTMOK.UserID AND YTM.GCode = MTMOK.GCode)">
-    kOfContainers;
-constexpr db::Statement<
-    u"SELECT DDate,Gubun,GCode,GName, JunNo,DTime ,UserID,MMoney,PMoney,BMoney,YMoney,GMoney, YGMoney, "
-    u"InMoney,WonMoney,CardMoney,MisuInMoney,UnderMoney,YDMoney, GDMoney FROM MTMOK WHERE BANKTRANNO= '%s' "
-    u"ORDER BY JunNo DESC">
-    kByTransaction;
-constexpr db::Statement<
-    u"SELECT JunNo, GName, GCode FROM MTMOK WHERE USERID= '%s' and DDate = '%s' ORDER BY JunNo DESC">
-    kOfDay;
-// An empty user leaves the condition on him out.
-constexpr db::Statement<
-    u"SELECT * FROM MTMOK WHERE DDate = '%s' AND ('%s' = '' OR UserID = '%s') ORDER BY JunNo, UserID">
-    kAllOfDay;
-constexpr db::Statement<
-    u"SELECT * FROM MTMOK WHERE MSGSENDTIME >= '%s' AND MSGSENDTIME <= '%s' AND BANKTRANNO <> '' "
-    u"ORDER BY BANKTRANNO, MSGSENDTIME">
-    kApproved;
 
 constexpr int kTextColumns = 7;  ///< Those in front of the amounts.
 
@@ -119,6 +85,13 @@ QList<CollectionSlip> collectionRows(QStringView date, QStringView junNo, QStrin
 
 std::optional<QList<CollectionSlip>> collectionsOfContainers(QStringView date, QStringView junNo,
                                                              QStringView userId) {
+    // Those that stand beside their container slip. An empty user leaves the condition on him out.
+    static constexpr db::Statement<
+        u"SELECT * FROM MTMOK WHERE DDate = '%s' AND JunNo = '%s' AND ('%s' = '' OR UserID = '%s') AND "
+        u"Gubun <> '단순결제' AND EXISTS (SELECT PCode FROM YTM WHERE YTM.DDate = MTMOK.DDate AND YTM.JunNo "
+        u"= "
+        u"MTMOK.JunNo AND YTM.UserID = MTMOK.UserID AND YTM.GCode = MTMOK.GCode)">
+        kOfContainers;
     return allRows(kOfContainers(date, junNo, userId, userId));
 }
 
@@ -128,6 +101,11 @@ std::optional<CollectionSlip> loadCollection(QStringView date, QStringView junNo
 }
 
 std::optional<CollectionSlip> findByTransactionNumber(QStringView transactionNumber) {
+    static constexpr db::Statement<
+        u"SELECT DDate,Gubun,GCode,GName, JunNo,DTime ,UserID,MMoney,PMoney,BMoney,YMoney,GMoney, YGMoney, "
+        u"InMoney,WonMoney,CardMoney,MisuInMoney,UnderMoney,YDMoney, GDMoney FROM MTMOK WHERE BANKTRANNO= "
+        u"'%s' ORDER BY JunNo DESC">
+        kByTransaction;
     std::optional<CollectionSlip> found;
     if (transactionNumber.isEmpty()) return found;
     db::forEachRow(kByTransaction(transactionNumber), [&](db::CVORecordset& row) {
@@ -139,18 +117,33 @@ std::optional<CollectionSlip> findByTransactionNumber(QStringView transactionNum
 }
 
 platform::Rows collectionsOfDay(QStringView userId, QStringView date) {
+    static constexpr db::Statement<
+        u"SELECT JunNo, GName, GCode FROM MTMOK WHERE USERID= '%s' and DDate = '%s' ORDER BY JunNo DESC">
+        kOfDay;
     return db::selectRows(kOfDay(userId, date), 3);
 }
 
 std::optional<QList<CollectionSlip>> slipsOfDay(QStringView date, QStringView userId) {
+    // An empty user leaves the condition on him out.
+    static constexpr db::Statement<
+        u"SELECT * FROM MTMOK WHERE DDate = '%s' AND ('%s' = '' OR UserID = '%s') ORDER BY JunNo, UserID">
+        kAllOfDay;
     return allRows(kAllOfDay(date, userId, userId));
 }
 
 std::optional<QList<CollectionSlip>> approvedSlips(QStringView first, QStringView last) {
+    static constexpr db::Statement<
+        u"SELECT * FROM MTMOK WHERE MSGSENDTIME >= '%s' AND MSGSENDTIME <= '%s' AND BANKTRANNO <> '' "
+        u"ORDER BY BANKTRANNO, MSGSENDTIME">
+        kApproved;
     return allRows(kApproved(first, last));
 }
 
 bool writeApproval(db::Transaction& transaction, const CollectionSlip& slip) {
+    static constexpr db::Statement<
+        u"UPDATE MTMOK SET MSGSENDTIME = '%s', BANKTRANNO = '%s' "
+        u"WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s'">
+        kApprove;
     return transaction.run(kApprove(slip.MSGSENDTIME, slip.BANKTRANNO, slip.DDate, slip.JunNo, slip.UserID));
 }
 
@@ -163,10 +156,19 @@ bool writeRow(db::Transaction& transaction, const CollectionSlip& slip) {
 }
 
 bool addApprovedRow(db::Transaction& transaction, const CollectionSlip& slip) {
+    static constexpr db::Statement<
+        u"INSERT INTO MTMOK (DDate,Gubun,GCode,GName,JunNo,DTime,UserID,MMoney,PMoney,BMoney,YMoney,GMoney,"
+        u"YGMoney,InMoney,WonMoney,CardMoney,MisuInMoney,UnderMoney,YDMoney,GDMoney,MSGSENDTIME,BANKTRANNO) "
+        u"VALUES ('%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s',"
+        u"'%s','%s','%s','%s')">
+        kInsertApproved;
     return insertRow(transaction, kInsertApproved, slip);
 }
 
 bool deleteRows(db::Transaction& transaction, QStringView date, QStringView junNo, QStringView userId) {
+    static constexpr db::Statement<u"DELETE MTMOK WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' ">
+        kDeleteOwn;
+    static constexpr db::Statement<u"DELETE MTMOK WHERE JunNo= '%s' AND DDate = '%s' "> kDelete;
     return transaction.run(userId.isEmpty() ? kDelete(junNo, date) : kDeleteOwn(date, junNo, userId)) &&
            !db::hasRow(userId.isEmpty() ? kAnyones(date, junNo) : kOwn(date, junNo, userId));
 }

@@ -16,10 +16,6 @@ using platform::Won;
 
 namespace {
 
-constexpr db::Statement<
-    u"SELECT JunNo FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' ORDER BY PCode DESC">
-    kSalesSlip;
-
 /// Deletes the rows of a number, of one user or with an empty id of everybody, with what belongs to them.
 bool removeRows(db::Transaction& transaction, QStringView date, QStringView junNo, QStringView userId) {
     const QList<CollectionSlip> removed = collectionRows(date, junNo, userId);
@@ -34,6 +30,9 @@ bool removeRows(db::Transaction& transaction, QStringView date, QStringView junN
 /// The slip as it is saved over the rows that it replaces; nothing when they have no room in one.
 std::optional<CollectionSlip> slipToSave(const CollectionSlip& entered,
                                          const QList<CollectionSlip>& replaced) {
+    static constexpr db::Statement<
+        u"SELECT JunNo FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' ORDER BY PCode DESC">
+        kSalesSlip;
     CollectionSlip slip = entered;
     slip.Gubun =
         (db::hasRow(kSalesSlip(slip.DDate, slip.JunNo, slip.UserID)) ? kCollectionOfSale : kCollectionAlone)

@@ -57,7 +57,7 @@ QList<CollectionSlip> approvedUnder(QStringView date, QStringView junNo);
 [[nodiscard]] bool replaceCollection(db::Transaction& transaction, const QList<CollectionSlip>& replaced,
                                      const CollectionSlip& slip);
 
-/// Takes what the slips have added to the receivables off again as part of `transaction`. Result as above.
+/// Takes off the receivables what the slips have added, as part of `transaction`. After false, no commit.
 [[nodiscard]] bool takeReceivablesBack(db::Transaction& transaction, const QList<CollectionSlip>& slips);
 
 /// The receivable in won from before the slip: the balance less what the customer's saved collection slip of

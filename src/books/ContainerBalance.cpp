@@ -11,32 +11,6 @@ namespace {
 
 using platform::parseInteger;
 
-// The two marks of the products that are taken back.
-constexpr db::Statement<
-    u"SELECT MTM.PCode, PUMMOK.PName, BoxBonEa, DDate, Box, Bon, JunNo, UserID FROM MTM, PUMMOK WHERE "
-    u"MTM.GCode = '%s' "
-    u"AND DDate <= '%s' AND PUMMOK.PCode = MTM.PCode AND (TTT = 'Y' OR TTT = 'Z')">
-    kDeliveries;
-constexpr db::Statement<
-    u"SELECT PCode, PName, DDate, JunNo, UserID, FBox, NBox, Bon FROM YTM WHERE GCode = '%s' "
-    u"AND DDate <= '%s'">
-    kReturns;
-// Of what was archived, by the same rules.
-constexpr db::Statement<
-    u"SELECT CONTAINERCARRY.PCode, PUMMOK.PName, BoxBonEa, Box, Bon FROM CONTAINERCARRY, PUMMOK WHERE "
-    u"CONTAINERCARRY.GCode = '%s' AND PUMMOK.PCode = CONTAINERCARRY.PCode AND (TTT = 'Y' OR TTT = 'Z')">
-    kCarriedDeliveries;
-constexpr db::Statement<u"SELECT PCode, PName, FBox, NBox, BackBon FROM CONTAINERCARRY WHERE GCode = '%s'">
-    kCarriedReturns;
-// An empty user leaves the condition on him out.
-constexpr db::Statement<
-    u"SELECT PCode, FBox, NBox, Bon FROM YTM WHERE DDate = '%s' AND ('%s' = '' OR UserID = '%s')">
-    kReturnsOfDay;
-constexpr db::Statement<u"SELECT BoxBonEa FROM PUMMOK WHERE PCode = '%s' "> kBottlesPerBox;
-constexpr db::Statement<
-    u"SELECT YMONEY, GMONEY FROM YTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode = '%s'">
-    kDeposits;
-
 /// The counts are bounded so that no imported figure, however long, can overflow a sum or a product.
 std::int64_t bounded(std::int64_t count) {
     constexpr std::int64_t kBound = 1'000'000'000;
@@ -78,6 +52,7 @@ ContainerBalance& ContainerFigures::of(const QString& pCode, const QString& pNam
 }
 
 std::int64_t ContainerFigures::bottlesPerBox(const QString& pCode) {
+    static constexpr db::Statement<u"SELECT BoxBonEa FROM PUMMOK WHERE PCode = '%s' "> kBottlesPerBox;
     const auto known = bottles_.find(pCode);
     if (known != bottles_.end()) return known->second;
     const auto row = db::firstRow(kBottlesPerBox(pCode));
@@ -101,6 +76,23 @@ QList<ContainerBalance> ContainerFigures::list() const {
 
 ContainerHistory::ContainerHistory(QStringView gCode, QStringView date, QStringView junNo,
                                    QStringView userId) {
+    // The two marks of the products that are taken back.
+    static constexpr db::Statement<
+        u"SELECT MTM.PCode, PUMMOK.PName, BoxBonEa, DDate, Box, Bon, JunNo, UserID FROM MTM, PUMMOK WHERE "
+        u"MTM.GCode = '%s' AND DDate <= '%s' AND PUMMOK.PCode = MTM.PCode AND (TTT = 'Y' OR TTT = 'Z')">
+        kDeliveries;
+    static constexpr db::Statement<
+        u"SELECT PCode, PName, DDate, JunNo, UserID, FBox, NBox, Bon FROM YTM WHERE GCode = '%s' "
+        u"AND DDate <= '%s'">
+        kReturns;
+    // Of what was archived, by the same rules.
+    static constexpr db::Statement<
+        u"SELECT CONTAINERCARRY.PCode, PUMMOK.PName, BoxBonEa, Box, Bon FROM CONTAINERCARRY, PUMMOK WHERE "
+        u"CONTAINERCARRY.GCode = '%s' AND PUMMOK.PCode = CONTAINERCARRY.PCode AND (TTT = 'Y' OR TTT = 'Z')">
+        kCarriedDeliveries;
+    static constexpr db::Statement<
+        u"SELECT PCode, PName, FBox, NBox, BackBon FROM CONTAINERCARRY WHERE GCode = '%s'">
+        kCarriedReturns;
     const auto sold = [](db::CVORecordset& row, int boxColumn) {
         const std::int64_t boxes = count(row.GetFieldString(boxColumn));
         return Containers{boxes,
@@ -147,6 +139,10 @@ QList<ContainerBalance> containerBalances(QStringView gCode, QStringView date, Q
 }
 
 std::optional<Containers> containersTakenBack(QStringView date, QStringView userId) {
+    // An empty user leaves the condition on him out.
+    static constexpr db::Statement<
+        u"SELECT PCode, FBox, NBox, Bon FROM YTM WHERE DDate = '%s' AND ('%s' = '' OR UserID = '%s')">
+        kReturnsOfDay;
     ContainerFigures balances;
     Containers back;
     const int rows = db::forEachRow(kReturnsOfDay(date, userId, userId), [&](db::CVORecordset& row) {
@@ -161,6 +157,10 @@ std::optional<Containers> containersTakenBack(QStringView date, QStringView user
 
 std::optional<platform::Won> savedRecovery(QStringView date, QStringView junNo, QStringView userId,
                                            QStringView gCode) {
+    static constexpr db::Statement<
+        u"SELECT YMONEY, GMONEY FROM YTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode = "
+        u"'%s'">
+        kDeposits;
     platform::Won recovery;
     const int lines = db::forEachRow(kDeposits(date, junNo, userId, gCode), [&](db::CVORecordset& row) {
         recovery += platform::parseWon(row.GetFieldString(0)) + platform::parseWon(row.GetFieldString(1));

@@ -70,7 +70,7 @@ class ContainerFigures {
 /// as often as it changes.
 class ContainerHistory {
   public:
-    /// As for containerBalances.
+    /// Up to `date`, without the container slip at hand, that of `date`, `junNo` and `userId`.
     ContainerHistory(QStringView gCode, QStringView date, QStringView junNo, QStringView userId);
 
     /// The balances with these lines of the slip at hand.

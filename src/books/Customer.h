@@ -22,7 +22,7 @@ struct Customer {
     platform::Won receivable() const { return platform::parseWon(CJMoney); }
 };
 
-/// For the customer list: telephone, margin and balance. Nothing for an unknown customer, as below.
+/// For the customer list: telephone, margin and balance. Nothing for an unknown one.
 std::optional<Customer> listedCustomer(QStringView gCode);
 /// For a sales slip: balance and kind.
 std::optional<Customer> slipCustomer(QStringView gCode);

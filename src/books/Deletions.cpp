@@ -13,16 +13,6 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 using platform::Won;
 
-constexpr db::Statement<
-    u"INSERT INTO DELETED (DDate,Document,JunNo,UserID,GCode,GName,Total,DeletedBy,DeletedAt) VALUES "
-    u"('%s','%s','%s','%s','%s','%s','%s','%s','%s')">
-    kInsert;
-// An empty user leaves the condition on him out.
-constexpr db::Statement<
-    u"SELECT * FROM DELETED WHERE DDate = '%s' AND ('%s' = '' OR UserID = '%s' OR DeletedBy = '%s') "
-    u"ORDER BY rowid">
-    kOfDay;
-
 /// What the visit's slip of that kind comes to; nothing without one.
 std::optional<Won> totalOf(const Visit& visit, Paper slip) {
     switch (slip) {
@@ -48,6 +38,10 @@ QString quotable(QString text) {
 
 bool noteDeletion(db::Transaction& transaction, Paper slip, QStringView date, QStringView junNo,
                   QStringView userId, QStringView deletedBy) {
+    static constexpr db::Statement<
+        u"INSERT INTO DELETED (DDate,Document,JunNo,UserID,GCode,GName,Total,DeletedBy,DeletedAt) VALUES "
+        u"('%s','%s','%s','%s','%s','%s','%s','%s','%s')">
+        kInsert;
     const auto visits = visitsOfNumber(date, junNo, userId);
     if (!visits) return false;
     const QString now = platform::clock::now().toString(u"yyyy-MM-dd HH:mm:ss"_s);
@@ -63,6 +57,11 @@ bool noteDeletion(db::Transaction& transaction, Paper slip, QStringView date, QS
 }
 
 std::optional<QList<Deletion>> deletionsOfDay(QStringView date, QStringView userId) {
+    // An empty user leaves the condition on him out.
+    static constexpr db::Statement<
+        u"SELECT * FROM DELETED WHERE DDate = '%s' AND ('%s' = '' OR UserID = '%s' OR DeletedBy = '%s') "
+        u"ORDER BY rowid">
+        kOfDay;
     QList<Deletion> deletions;
     const int rows = db::forEachRow(kOfDay(date, userId, userId, userId), [&](db::CVORecordset& row) {
         const auto text = [&](int column) { return row.GetFieldString(column); };

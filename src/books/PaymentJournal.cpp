@@ -17,12 +17,6 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 using platform::Won;
 
-constexpr db::Statement<
-    u"INSERT INTO PAYJOURNAL (Number,State,Kind,Charged,SettledAt,DDate,Gubun,GCode,GName,JunNo,DTime,UserID,"
-    u"MMoney,PMoney,BMoney,YMoney,GMoney,YGMoney,InMoney,WonMoney,CardMoney,MisuInMoney,UnderMoney,YDMoney,"
-    u"GDMoney,MSGSENDTIME,BANKTRANNO) VALUES ('%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s',"
-    u"'%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s')">
-    kInsert;
 constexpr db::Statement<u"SELECT * FROM PAYJOURNAL WHERE Number = '%s'"> kOne;
 constexpr db::Statement<u"SELECT * FROM PAYJOURNAL WHERE State = 'sent' OR State = 'unknown' ORDER BY rowid">
     kUnsettled;
@@ -30,32 +24,6 @@ constexpr db::Statement<
     u"SELECT * FROM PAYJOURNAL WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND State <> 'prepared' "
     u"ORDER BY rowid DESC">
     kOfSlip;
-constexpr db::Statement<u"SELECT * FROM PAYJOURNAL WHERE State <> 'prepared' ORDER BY rowid"> kAll;
-constexpr db::Statement<u"SELECT * FROM PAYJOURNAL WHERE DDate = '%s' AND State <> 'prepared' ORDER BY rowid">
-    kOfDay;
-constexpr db::Statement<u"SELECT * FROM PAYJOURNAL WHERE State = 'prepared' ORDER BY rowid"> kPrepared;
-// An empty user leaves the condition on him out.
-constexpr db::Statement<
-    u"DELETE FROM PAYJOURNAL WHERE State = 'prepared' AND DDate = '%s' AND JunNo = '%s' AND ('%s' = '' OR "
-    u"UserID = '%s')">
-    kForgetPrepared;
-constexpr db::Statement<u"SELECT Number FROM PAYJOURNAL WHERE State <> 'prepared' ORDER BY rowid DESC">
-    kNewest;
-constexpr db::Statement<u"SELECT Number FROM PAYJOURNAL WHERE BANKTRANNO = '%s'"> kByTransaction;
-constexpr db::Statement<u"UPDATE PAYJOURNAL SET State = '%s', SettledAt = '%s' WHERE Number = '%s'"> kSettle;
-constexpr db::Statement<
-    u"UPDATE PAYJOURNAL SET State = 'approved', SettledAt = '%s', JunNo = '%s', BANKTRANNO = '%s' "
-    u"WHERE Number = '%s'">
-    kApprove;
-constexpr db::Statement<
-    u"UPDATE PAYJOURNAL SET State = 'unknown', SettledAt = '%s', BANKTRANNO = '' WHERE Number = '%s'">
-    kReopen;
-constexpr db::Statement<u"UPDATE PAYJOURNAL SET State = 'unknown', SettledAt = '%s' WHERE State = 'sent'">
-    kCloseStopped;
-
-// Apart from the INSERT, because a database of an older terminal has no such columns.
-constexpr db::Statement<u"UPDATE PAYJOURNAL SET SaleTotal = '%s' WHERE Number = '%s'"> kNoteSale;
-constexpr db::Statement<u"UPDATE PAYJOURNAL SET ContainerWorth = '%s' WHERE Number = '%s'"> kNoteContainers;
 
 constexpr QStringView kCard = u"card";
 constexpr QStringView kCash = u"cash";
@@ -109,6 +77,10 @@ QString now() {
 /// Puts the approval on the payment's slip and notes it, and keeps both.
 std::optional<CollectionSlip> approve(db::Transaction& transaction, const JournalPayment& payment,
                                       QStringView transactionNumber) {
+    static constexpr db::Statement<
+        u"UPDATE PAYJOURNAL SET State = 'approved', SettledAt = '%s', JunNo = '%s', BANKTRANNO = '%s' "
+        u"WHERE Number = '%s'">
+        kApprove;
     CollectionSlip approved = payment.slip;
     approved.BANKTRANNO = transactionNumber.toString();
     const CollectionSlip& charged = payment.slip;
@@ -140,6 +112,10 @@ QStringView stateName(PaymentState state) {
 }
 
 bool notePayment(const JournalPayment& payment) {
+    // Apart from the INSERT, because a database of an older terminal has no such columns.
+    static constexpr db::Statement<u"UPDATE PAYJOURNAL SET SaleTotal = '%s' WHERE Number = '%s'"> kNoteSale;
+    static constexpr db::Statement<u"UPDATE PAYJOURNAL SET ContainerWorth = '%s' WHERE Number = '%s'">
+        kNoteContainers;
     db::Transaction transaction;
     const auto open = payments(kUnsettled());
     if (!open || findInTheWay(*open, payment)) return false;
@@ -156,6 +132,13 @@ bool notePayment(const JournalPayment& payment) {
 }
 
 bool addPayment(db::Transaction& transaction, const JournalPayment& payment) {
+    static constexpr db::Statement<
+        u"INSERT INTO PAYJOURNAL (Number,State,Kind,Charged,SettledAt,DDate,Gubun,GCode,GName,JunNo,DTime,"
+        u"UserID,MMoney,PMoney,BMoney,YMoney,GMoney,YGMoney,InMoney,WonMoney,CardMoney,MisuInMoney,"
+        u"UnderMoney,YDMoney,GDMoney,MSGSENDTIME,BANKTRANNO) VALUES ('%s','%s','%s','%s','%s','%s','%s',"
+        u"'%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s',"
+        u"'%s')">
+        kInsert;
     const auto columns = columnTexts(payment.slip);
     const QString charged = platform::formatWon(payment.charged);
     std::array<QStringView, decltype(kInsert)::kValues> values{payment.number, stateName(payment.state),
@@ -185,11 +168,18 @@ bool notePrepared(db::Transaction& transaction, const CollectionSlip& slip,
 }
 
 bool forgetPrepared(db::Transaction& transaction, QStringView date, QStringView junNo, QStringView userId) {
+    // An empty user leaves the condition on him out.
+    static constexpr db::Statement<
+        u"DELETE FROM PAYJOURNAL WHERE State = 'prepared' AND DDate = '%s' AND JunNo = '%s' AND ('%s' = '' "
+        u"OR UserID = '%s')">
+        kForgetPrepared;
     return transaction.run(kForgetPrepared(date, junNo, userId, userId)) ||
            (transaction.isAlive() && db::needsUpgrade());
 }
 
 QList<JournalPayment> preparedPayments() {
+    static constexpr db::Statement<u"SELECT * FROM PAYJOURNAL WHERE State = 'prepared' ORDER BY rowid">
+        kPrepared;
     return payments(kPrepared()).value_or(QList<JournalPayment>());
 }
 
@@ -202,6 +192,9 @@ std::optional<JournalPayment> preparedPayment(QStringView date, QStringView junN
 }
 
 bool settlePayment(QStringView number, PaymentState state) {
+    static constexpr db::Statement<
+        u"UPDATE PAYJOURNAL SET State = '%s', SettledAt = '%s' WHERE Number = '%s'">
+        kSettle;
     db::Transaction transaction;
     const auto before = payment(kOne(number));
     if (!before || !before->isUnsettled()) return false;
@@ -209,6 +202,9 @@ bool settlePayment(QStringView number, PaymentState state) {
 }
 
 bool reopenPayment(QStringView number) {
+    static constexpr db::Statement<
+        u"UPDATE PAYJOURNAL SET State = 'unknown', SettledAt = '%s', BANKTRANNO = '' WHERE Number = '%s'">
+        kReopen;
     db::Transaction transaction;
     const auto before = payment(kOne(number));
     if (!before || before->isUnsettled()) return false;
@@ -254,6 +250,9 @@ std::optional<CollectionSlip> putApprovalBack(QStringView number) {
 }
 
 void closeStoppedPayments() {
+    static constexpr db::Statement<
+        u"UPDATE PAYJOURNAL SET State = 'unknown', SettledAt = '%s' WHERE State = 'sent'">
+        kCloseStopped;
     db::execute(kCloseStopped(now()));
 }
 
@@ -287,10 +286,18 @@ std::optional<JournalPayment> findPayment(QStringView number) {
 }
 
 std::optional<QList<JournalPayment>> journalPayments(QStringView date) {
+    static constexpr db::Statement<u"SELECT * FROM PAYJOURNAL WHERE State <> 'prepared' ORDER BY rowid"> kAll;
+    static constexpr db::Statement<
+        u"SELECT * FROM PAYJOURNAL WHERE DDate = '%s' AND State <> 'prepared' ORDER BY rowid">
+        kOfDay;
     return payments(date.isEmpty() ? kAll() : kOfDay(date));
 }
 
 bool isLastPayment(const JournalPayment& payment, QStringView transactionNumber) {
+    static constexpr db::Statement<
+        u"SELECT Number FROM PAYJOURNAL WHERE State <> 'prepared' ORDER BY rowid DESC">
+        kNewest;
+    static constexpr db::Statement<u"SELECT Number FROM PAYJOURNAL WHERE BANKTRANNO = '%s'"> kByTransaction;
     const auto newest = db::firstRow(kNewest());
     return newest && newest->value(0) == payment.number && !db::hasRow(kByTransaction(transactionNumber));
 }

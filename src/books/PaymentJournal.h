@@ -62,7 +62,7 @@ bool notePayment(const JournalPayment& payment);
 [[nodiscard]] bool notePrepared(db::Transaction& transaction, const CollectionSlip& slip,
                                 const QList<CollectionSlip>& replaced);
 
-/// Forgets that of a date, number and user, or with an empty id of everybody. Result as for notePrepared.
+/// Forgets that of a date, number and user, or with an empty id of everybody. After false, no commit.
 [[nodiscard]] bool forgetPrepared(db::Transaction& transaction, QStringView date, QStringView junNo,
                                   QStringView userId);
 
@@ -94,8 +94,8 @@ std::optional<JournalPayment> approvalWithoutSlip(const SlipIdentity& slip);
 /// The same of a simple payment: of the registered customer under any number of that date and user.
 std::optional<JournalPayment> deletedSimplePayment(const SlipIdentity& slip);
 
-/// Puts the approval of such a payment back on its slip, as when it is approved. Result as for
-/// approvePayment.
+/// Puts the approval of such a payment back on its slip, as when it is approved. Returns
+/// the slip as it stands; nothing when the change did not last.
 std::optional<CollectionSlip> putApprovalBack(QStringView number);
 
 /// Makes unknown what is still noted as sent. For when no exchange can be under way.

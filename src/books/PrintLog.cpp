@@ -9,30 +9,8 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 
 constexpr db::Statement<
-    u"INSERT INTO PRINTLOG (DDate,JunNo,UserID,Document,Copy,PrintedAt) VALUES "
-    u"('%s','%s','%s','%s','%s','%s')">
-    kInsert;
-constexpr db::Statement<
-    u"SELECT JunNo FROM PRINTLOG WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND Document = '%s' "
-    u"AND Copy = '%s'">
-    kSelectCopy;
-constexpr db::Statement<
     u"SELECT JunNo FROM PRINTLOG WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND Document = '%s'">
     kSelectOwn;
-constexpr db::Statement<
-    u"SELECT JunNo FROM PRINTLOG WHERE DDate = '%s' AND UserID = '%s' AND Document = '%s'">
-    kSelectDay;
-constexpr db::Statement<
-    u"DELETE PRINTLOG WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND Document = '%s'">
-    kDeleteOwn;
-constexpr db::Statement<
-    u"UPDATE PRINTLOG SET JunNo = '%s' WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' "
-    u"AND Document = '%s'">
-    kMoveOwn;
-constexpr db::Statement<u"SELECT JunNo FROM PRINTLOG WHERE DDate = '%s' AND JunNo = '%s' AND Document = '%s'">
-    kSelectAnyones;
-constexpr db::Statement<u"DELETE PRINTLOG WHERE DDate = '%s' AND JunNo = '%s' AND Document = '%s'">
-    kDeleteAnyones;
 
 }  // namespace
 
@@ -53,10 +31,17 @@ QStringView copyName(Copy copy) {
 }
 
 bool isPrintNoted(Paper paper, Copy copy, QStringView date, QStringView junNo, QStringView userId) {
+    static constexpr db::Statement<
+        u"SELECT JunNo FROM PRINTLOG WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND Document = "
+        u"'%s' AND Copy = '%s'">
+        kSelectCopy;
     return db::hasRow(kSelectCopy(date, junNo, userId, paperName(paper), copyName(copy)));
 }
 
 QSet<QString> printedNumbers(Paper paper, QStringView date, QStringView userId) {
+    static constexpr db::Statement<
+        u"SELECT JunNo FROM PRINTLOG WHERE DDate = '%s' AND UserID = '%s' AND Document = '%s'">
+        kSelectDay;
     QSet<QString> numbers;
     db::forEachRow(kSelectDay(date, userId, paperName(paper)),
                    [&](db::CVORecordset& row) { numbers << row.GetFieldString(0); });
@@ -65,6 +50,10 @@ QSet<QString> printedNumbers(Paper paper, QStringView date, QStringView userId) 
 
 void notePrint(db::Transaction& transaction, Paper paper, Copy copy, QStringView date, QStringView junNo,
                QStringView userId) {
+    static constexpr db::Statement<
+        u"INSERT INTO PRINTLOG (DDate,JunNo,UserID,Document,Copy,PrintedAt) VALUES "
+        u"('%s','%s','%s','%s','%s','%s')">
+        kInsert;
     const QString now = platform::clock::now().toString(u"yyyy-MM-dd HH:mm:ss"_s);
     transaction.connection().Execute(kInsert(date, junNo, userId, paperName(paper), copyName(copy), now));
 }
@@ -72,17 +61,29 @@ void notePrint(db::Transaction& transaction, Paper paper, Copy copy, QStringView
 // Where the table is missing the statement fails and no row is found: nothing is left to forget or to move.
 bool forgetPrints(db::Transaction& transaction, Paper paper, QStringView date, QStringView junNo,
                   QStringView userId) {
+    static constexpr db::Statement<
+        u"DELETE PRINTLOG WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND Document = '%s'">
+        kDeleteOwn;
     transaction.connection().Execute(kDeleteOwn(date, junNo, userId, paperName(paper)));
     return !db::hasRow(kSelectOwn(date, junNo, userId, paperName(paper)));
 }
 
 bool forgetPrints(db::Transaction& transaction, Paper paper, QStringView date, QStringView junNo) {
+    static constexpr db::Statement<
+        u"SELECT JunNo FROM PRINTLOG WHERE DDate = '%s' AND JunNo = '%s' AND Document = '%s'">
+        kSelectAnyones;
+    static constexpr db::Statement<u"DELETE PRINTLOG WHERE DDate = '%s' AND JunNo = '%s' AND Document = '%s'">
+        kDeleteAnyones;
     transaction.connection().Execute(kDeleteAnyones(date, junNo, paperName(paper)));
     return !db::hasRow(kSelectAnyones(date, junNo, paperName(paper)));
 }
 
 bool movePrints(db::Transaction& transaction, Paper paper, QStringView date, QStringView junNo,
                 QStringView userId, QStringView number) {
+    static constexpr db::Statement<
+        u"UPDATE PRINTLOG SET JunNo = '%s' WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' "
+        u"AND Document = '%s'">
+        kMoveOwn;
     transaction.connection().Execute(kMoveOwn(number, date, junNo, userId, paperName(paper)));
     return !db::hasRow(kSelectOwn(date, junNo, userId, paperName(paper)));
 }

@@ -48,8 +48,8 @@ void notePrint(db::Transaction& transaction, Paper paper, Copy copy, QStringView
 [[nodiscard]] bool forgetPrints(db::Transaction& transaction, Paper paper, QStringView date,
                                 QStringView junNo);
 
-/// Takes the prints of a paper along to the number that its rows get, as part of `transaction`. Result as for
-/// forgetPrints.
+/// Takes the prints of a paper along to the number that its rows get, as part of `transaction`. After
+/// false it must not be committed.
 [[nodiscard]] bool movePrints(db::Transaction& transaction, Paper paper, QStringView date, QStringView junNo,
                               QStringView userId, QStringView number);
 

@@ -9,7 +9,6 @@ using platform::Won;
 namespace {
 
 constexpr db::Statement<u"SELECT CJMoney FROM GARAE WHERE GCode= '%s'"> kReceivable;
-constexpr db::Statement<u"UPDATE GARAE SET CJMoney = '%s' WHERE GCode = '%s'"> kMoveReceivable;
 
 }  // namespace
 
@@ -33,6 +32,7 @@ Won receivable(QStringView gCode) {
 }
 
 bool moveReceivable(db::Transaction& transaction, QStringView gCode, Won by) {
+    static constexpr db::Statement<u"UPDATE GARAE SET CJMoney = '%s' WHERE GCode = '%s'"> kMoveReceivable;
     if (by.isZero() || !db::hasRow(kReceivable(gCode))) return true;
     const Won moved = receivable(gCode) + by;
     return transaction.run(kMoveReceivable(platform::formatWon(moved), gCode)) && receivable(gCode) == moved;

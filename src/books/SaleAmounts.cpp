@@ -8,15 +8,6 @@ namespace {
 
 using platform::Won;
 
-constexpr db::Statement<
-    u"SELECT MMoney, BMoney, YMoney, GMoney FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' "
-    u"AND GCode = '%s'">
-    kLines;
-constexpr db::Statement<
-    u"SELECT MMoney, BMoney, YMoney, GMoney, JunNo FROM MTM WHERE UserID = '%s' AND DDate = '%s'">
-    kLinesOfDay;
-constexpr db::Statement<u"SELECT vatMode FROM PDAUSER WHERE userID = '%s'"> kVatMode;
-
 void addLine(SaleAmounts& sale, db::CVORecordset& line) {
     const auto won = [&](int column) { return platform::parseWon(line.GetFieldString(column)); };
     sale.supply += won(0);
@@ -26,6 +17,7 @@ void addLine(SaleAmounts& sale, db::CVORecordset& line) {
 }
 
 QString vatMode(QStringView userId) {
+    static constexpr db::Statement<u"SELECT vatMode FROM PDAUSER WHERE userID = '%s'"> kVatMode;
     const auto user = db::firstRow(kVatMode(userId));
     return user ? user->first() : QString();
 }
@@ -39,6 +31,10 @@ SaleAmounts operator-(const SaleAmounts& after, const SaleAmounts& before) {
 
 std::optional<SaleAmounts> savedSale(QStringView date, QStringView junNo, QStringView userId,
                                      QStringView gCode) {
+    static constexpr db::Statement<
+        u"SELECT MMoney, BMoney, YMoney, GMoney FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = "
+        u"'%s' AND GCode = '%s'">
+        kLines;
     SaleAmounts sale;
     const int lines = db::forEachRow(kLines(date, junNo, userId, gCode),
                                      [&](db::CVORecordset& row) { addLine(sale, row); });
@@ -48,6 +44,9 @@ std::optional<SaleAmounts> savedSale(QStringView date, QStringView junNo, QStrin
 }
 
 QHash<QString, SaleAmounts> salesOfDay(QStringView date, QStringView userId) {
+    static constexpr db::Statement<
+        u"SELECT MMoney, BMoney, YMoney, GMoney, JunNo FROM MTM WHERE UserID = '%s' AND DDate = '%s'">
+        kLinesOfDay;
     QHash<QString, SaleAmounts> sales;
     db::forEachRow(kLinesOfDay(userId, date),
                    [&](db::CVORecordset& row) { addLine(sales[row.GetFieldString(4)], row); });

@@ -18,18 +18,6 @@ constexpr db::Statement<u"SELECT JunNo FROM MTM WHERE DDate = '%s' AND JunNo < '
 constexpr db::Statement<u"SELECT JunNo FROM MTMOK WHERE DDate = '%s' ORDER BY JunNo DESC ">
     kCollectionNumbers;
 constexpr db::Statement<u"SELECT JunNo FROM YTM WHERE DDate = '%s' ORDER BY JunNo DESC "> kContainerNumbers;
-constexpr db::Statement<u"SELECT JunNo FROM MTM WHERE DDate = '%s' AND GCode = '%s'"> kCustomerSlips;
-
-constexpr db::Statement<
-    u"SELECT Number FROM PAYJOURNAL WHERE DDate = '%s' AND JunNo = '%s' AND (State = 'sent' OR State = "
-    u"'unknown')">
-    kUnsettledNumber;
-constexpr db::Statement<
-    u"SELECT JunNo FROM MTM WHERE DDate = '%s' UNION SELECT JunNo FROM MTMOK WHERE DDate = '%s' UNION "
-    u"SELECT JunNo FROM YTM WHERE DDate = '%s'">
-    kNumbers;
-// Apart from those, because a database of an older terminal has no journal.
-constexpr db::Statement<u"SELECT JunNo FROM PAYJOURNAL WHERE DDate = '%s'"> kPaymentNumbers;
 
 /// The upper bound of sales numbers: the bytes of "5500" as two 16-bit characters. Every digit sorts below
 /// it, so it bounds nothing and the numbers go on past 5499.
@@ -58,6 +46,10 @@ constexpr std::int64_t kLastReused = 4999;
 /// The first number from `number` on that no unsettled payment of that date has: one that may yet be found
 /// approved keeps its number, though no collection slip shows it.
 Won skipUnsettledNumbers(QStringView date, Won number) {
+    static constexpr db::Statement<
+        u"SELECT Number FROM PAYJOURNAL WHERE DDate = '%s' AND JunNo = '%s' AND (State = 'sent' OR State = "
+        u"'unknown')">
+        kUnsettledNumber;
     while (db::hasRow(kUnsettledNumber(date, platform::formatWon(number)))) number += Won(1);
     return number;
 }
@@ -87,6 +79,12 @@ QString nextSimplePaymentNumber(QStringView workDate) {
 }
 
 QString nextNumberOfReused(QStringView workDate) {
+    static constexpr db::Statement<
+        u"SELECT JunNo FROM MTM WHERE DDate = '%s' UNION SELECT JunNo FROM MTMOK WHERE DDate = '%s' UNION "
+        u"SELECT JunNo FROM YTM WHERE DDate = '%s'">
+        kNumbers;
+    // Apart from those, because a database of an older terminal has no journal.
+    static constexpr db::Statement<u"SELECT JunNo FROM PAYJOURNAL WHERE DDate = '%s'"> kPaymentNumbers;
     std::int64_t next = kFirstReused;
     const auto count = [&](db::CVORecordset& row) {
         const std::int64_t number = platform::parseInteger(row.GetFieldString(0));
@@ -98,6 +96,8 @@ QString nextNumberOfReused(QStringView workDate) {
 }
 
 bool customerHasSlip(QStringView workDate, QStringView gcode) {
+    static constexpr db::Statement<u"SELECT JunNo FROM MTM WHERE DDate = '%s' AND GCode = '%s'">
+        kCustomerSlips;
     return db::hasRow(kCustomerSlips(workDate, gcode));
 }
 

@@ -5,21 +5,19 @@
 namespace books {
 namespace {
 
-constexpr db::Statement<u"DELETE UNSAVED WHERE Slip = '%s'"> kForget;
-constexpr db::Statement<u"INSERT INTO UNSAVED (Slip,UserID,Changed) VALUES ('%s','%s','')"> kOpened;
 constexpr db::Statement<u"UPDATE UNSAVED SET Changed = '%s' WHERE Slip = '%s'"> kMark;
 constexpr db::Statement<u"SELECT UserID FROM UNSAVED WHERE Slip = '%s' AND Changed = '1'"> kChanged;
-constexpr db::Statement<u"SELECT DDate,GCode,GName,JunNo FROM TEMP"> kSaleLines;
-constexpr db::Statement<u"SELECT DDate,GCode,GName,JunNo FROM YTEMP"> kContainerLines;
-constexpr db::Statement<
-    u"SELECT JunNo FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode = '%s'">
-    kSale;
 
 constexpr QStringView tableName(Working table) {
     return table == Working::Sale ? u"TEMP" : u"YTEMP";
 }
 
 std::optional<UnsavedSlip> findUnsaved(Working table) {
+    static constexpr db::Statement<u"SELECT DDate,GCode,GName,JunNo FROM TEMP"> kSaleLines;
+    static constexpr db::Statement<u"SELECT DDate,GCode,GName,JunNo FROM YTEMP"> kContainerLines;
+    static constexpr db::Statement<
+        u"SELECT JunNo FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode = '%s'">
+        kSale;
     const auto user = db::firstRow(kChanged(tableName(table)));
     if (!user) return std::nullopt;
     UnsavedSlip slip;
@@ -41,6 +39,9 @@ std::optional<UnsavedSlip> findUnsaved(Working table) {
 }  // namespace
 
 void noteOpened(Working table, QStringView userId) {
+    static constexpr db::Statement<u"DELETE UNSAVED WHERE Slip = '%s'"> kForget;
+    static constexpr db::Statement<u"INSERT INTO UNSAVED (Slip,UserID,Changed) VALUES ('%s','%s','')">
+        kOpened;
     db::Transaction transaction(db::Survives::ProcessEnd);
     // Without its table nothing more is said than the first statement's trace.
     if (transaction.run(kForget(tableName(table))) && transaction.run(kOpened(tableName(table), userId)))

@@ -42,14 +42,6 @@ constexpr db::Statement<
     u"SELECT GCODE, CJMONEY FROM GARAE WHERE GCODE IN (SELECT GCode FROM MTM WHERE DDate = '%s' UNION "
     u"SELECT GCode FROM YTM WHERE DDate = '%s' UNION SELECT GCode FROM MTMOK WHERE DDate = '%s')">
     kBalances;
-// The dates stand within: outside of them each table would be read whole.
-constexpr db::Statement<
-    u"SELECT DISTINCT DDate FROM (SELECT DDate, UserID FROM MTM WHERE DDate >= '%s' AND DDate < '%s' UNION "
-    u"SELECT DDate, UserID FROM YTM WHERE DDate >= '%s' AND DDate < '%s' UNION "
-    u"SELECT DDate, UserID FROM MTMOK WHERE DDate >= '%s' AND DDate < '%s') AS DAYS "
-    u"WHERE ('%s' = '' OR UserID = '%s') AND NOT EXISTS (SELECT 1 FROM DAYCLOSE "
-    u"WHERE DAYCLOSE.DDate = DAYS.DDate AND DAYCLOSE.UserID = DAYS.UserID) ORDER BY DDate">
-    kUnclosedDays;
 
 constexpr QStringView kDate = u"yyyy-MM-dd";
 /// What is older than that, the office has settled.
@@ -232,6 +224,14 @@ std::optional<QList<Visit>> visitsOfNumber(QStringView date, QStringView junNo, 
 }
 
 QStringList unclosedDays(QStringView userId, QStringView date) {
+    // The dates stand within: outside of them each table would be read whole.
+    static constexpr db::Statement<
+        u"SELECT DISTINCT DDate FROM (SELECT DDate, UserID FROM MTM WHERE DDate >= '%s' AND DDate < '%s' "
+        u"UNION SELECT DDate, UserID FROM YTM WHERE DDate >= '%s' AND DDate < '%s' UNION SELECT DDate, "
+        u"UserID FROM MTMOK WHERE DDate >= '%s' AND DDate < '%s') AS DAYS WHERE ('%s' = '' OR UserID = "
+        u"'%s') AND NOT EXISTS (SELECT 1 FROM DAYCLOSE WHERE DAYCLOSE.DDate = DAYS.DDate AND "
+        u"DAYCLOSE.UserID = DAYS.UserID) ORDER BY DDate">
+        kUnclosedDays;
     const QString first = QDate::fromString(date.toString(), kDate).addDays(-kDaysBack).toString(kDate);
     QStringList days;
     db::forEachRow(kUnclosedDays(first, date, first, date, first, date, userId, userId),

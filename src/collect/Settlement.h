@@ -27,7 +27,7 @@ platform::Won keyRecovery(books::SettlementAmounts& amounts, platform::Won keyed
 
 /// Takes over the recovery of a container slip. One that is on the slip already changes nothing. Where
 /// nothing was sold (`isContainerWork`, total 0) it is set and nothing else, so that it comes off the
-/// customer's receivable; otherwise it counts as keyed: result as for keyRecovery.
+/// customer's receivable; otherwise it counts as keyed. Returns what exceeds the total.
 platform::Won takeOverRecovery(books::SettlementAmounts& amounts, platform::Won recovery,
                                bool isContainerWork);
 

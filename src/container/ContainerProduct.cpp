@@ -8,20 +8,6 @@
 namespace container {
 namespace {
 
-constexpr db::Statement<
-    u"SELECT PCode, PName, Size, Gubun  FROM PUMMOK WHERE (TTT = '%s' OR TTT = '%s') ORDER BY PName DESC">
-    kAll;
-constexpr db::Statement<
-    u"SELECT PCode, PName, Size, Gubun  FROM PUMMOK WHERE seek = '%s' AND (TTT = '%s' OR TTT = '%s') "
-    u"ORDER BY PName DESC">
-    kBySeek;
-constexpr db::Statement<u"SELECT PCode FROM Pummok WHERE PCODE = '%s' "> kExists;
-constexpr db::Statement<u"SELECT PCode FROM PUMMOK WHERE PCODE = '%s' AND (TTT = '%s' OR TTT = '%s')">
-    kIsContainer;
-constexpr db::Statement<
-    u"SELECT pname,gubun,YGMoney1,YGMoney2,boxbonea,GBoxMoney1,GBonMoney1    FROM PUMMOK WHERE PCODE= '%s' ">
-    kProduct;
-
 /// The two marks of the products that are taken back.
 constexpr QStringView kMarks[] = {u"Y", u"Z"};
 /// Keeps an imported figure, however long, from overflowing a product with a count.
@@ -30,19 +16,29 @@ constexpr std::int64_t kMostBottles = 1'000'000;
 }  // namespace
 
 platform::RowSource containerProducts(QStringView seek) {
+    static constexpr db::Statement<
+        u"SELECT PCode, PName, Size, Gubun  FROM PUMMOK WHERE (TTT = '%s' OR TTT = '%s') ORDER BY PName DESC">
+        kAll;
+    static constexpr db::Statement<
+        u"SELECT PCode, PName, Size, Gubun  FROM PUMMOK WHERE seek = '%s' AND (TTT = '%s' OR TTT = '%s') "
+        u"ORDER BY PName DESC">
+        kBySeek;
     return db::selectPieces(seek.isEmpty() ? kAll(kMarks[0], kMarks[1]) : kBySeek(seek, kMarks[0], kMarks[1]),
                             4);
 }
 
-bool productExists(QStringView pCode) {
-    return db::hasRow(kExists(pCode));
-}
-
 bool isContainer(QStringView pCode) {
+    static constexpr db::Statement<
+        u"SELECT PCode FROM PUMMOK WHERE PCODE = '%s' AND (TTT = '%s' OR TTT = '%s')">
+        kIsContainer;
     return db::hasRow(kIsContainer(pCode, kMarks[0], kMarks[1]));
 }
 
 std::optional<ContainerProduct> containerProduct(QStringView pCode) {
+    static constexpr db::Statement<
+        u"SELECT pname,gubun,YGMoney1,YGMoney2,boxbonea,GBoxMoney1,GBonMoney1    FROM PUMMOK WHERE PCODE= "
+        u"'%s' ">
+        kProduct;
     const auto row = db::firstRow(kProduct(pCode));
     if (!row) return std::nullopt;
     const auto won = [&](int column) { return platform::parseWon(row->at(column)); };

@@ -13,8 +13,6 @@ namespace container {
 /// `seek` is the consonant of the name, or "00"; empty lists all.
 platform::RowSource containerProducts(QStringView seek);
 
-bool productExists(QStringView pCode);
-
 /// True when the product is one of those that containerProducts lists.
 bool isContainer(QStringView pCode);
 

@@ -14,29 +14,23 @@
 namespace container {
 namespace {
 
-constexpr db::Statement<u"DELETE YTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' "> kDeleteOwn;
-constexpr db::Statement<
-    u"SELECT DDate,GCode,GName,JunNo,PCode,PName,FBox,NBox,Bon,YMONEY,GMONEY,YSAMT,GSAMT FROM YTM "
-    u"WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' ORDER BY PCode">
-    kSavedLines;
-constexpr db::Statement<u" SELECT * FROM YTEMP "> kWorkingLines;
-constexpr db::Statement<
-    u"INSERT INTO YTM (DDate,GCode,GName,JunNo,PCode,PName,FBox,NBox,Bon,YMONEY,GMONEY,YSAMT,GSAMT,UserID) "
-    u"VALUES ('%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s')">
-    kInsert;
-constexpr db::Statement<
-    u"SELECT JunNo, GName, GCode FROM YTM WHERE USERID= '%s' and DDate = '%s' ORDER BY JunNo DESC ">
-    kSlips;
-constexpr db::Statement<u"SELECT JunNo, YMONEY, GMONEY FROM YTM WHERE UserID = '%s' AND DDate = '%s'">
-    kWorths;
-constexpr db::Statement<u"DELETE YTM WHERE JunNo= '%s' AND DDate = '%s' "> kDeleteAll;
-
 constexpr int kWorkingColumns = 13;
 
 }  // namespace
 
 SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo, QStringView gCode,
                      bool* isCollectionMoved) {
+    static constexpr db::Statement<u"DELETE YTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' ">
+        kDeleteOwn;
+    static constexpr db::Statement<
+        u"SELECT DDate,GCode,GName,JunNo,PCode,PName,FBox,NBox,Bon,YMONEY,GMONEY,YSAMT,GSAMT FROM YTM "
+        u"WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' ORDER BY PCode">
+        kSavedLines;
+    static constexpr db::Statement<u" SELECT * FROM YTEMP "> kWorkingLines;
+    static constexpr db::Statement<
+        u"INSERT INTO YTM (DDate,GCode,GName,JunNo,PCode,PName,FBox,NBox,Bon,YMONEY,GMONEY,YSAMT,GSAMT,"
+        u"UserID) VALUES ('%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s')">
+        kInsert;
     db::Transaction transaction;
     if (!books::freeNumber(transaction, workDate, junNo, userId, gCode)) return SaveOutcome::Failed;
     const auto saved = [&] { return db::selectRows(kSavedLines(workDate, junNo, userId), kWorkingColumns); };
@@ -72,6 +66,9 @@ SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo
 }
 
 platform::Rows slipsOfDay(QStringView userId, QStringView workDate) {
+    static constexpr db::Statement<
+        u"SELECT JunNo, GName, GCode FROM YTM WHERE USERID= '%s' and DDate = '%s' ORDER BY JunNo DESC ">
+        kSlips;
     platform::Rows slips{.columns = 3, .cells = {}};
     QString previous;
     db::forEachRow(kSlips(userId, workDate), [&](db::CVORecordset& row) {
@@ -85,6 +82,9 @@ platform::Rows slipsOfDay(QStringView userId, QStringView workDate) {
 }
 
 QHash<QString, platform::Won> worthsOfDay(QStringView userId, QStringView workDate) {
+    static constexpr db::Statement<
+        u"SELECT JunNo, YMONEY, GMONEY FROM YTM WHERE UserID = '%s' AND DDate = '%s'">
+        kWorths;
     QHash<QString, platform::Won> worths;
     db::forEachRow(kWorths(userId, workDate), [&](db::CVORecordset& row) {
         worths[row.GetFieldString(0)] +=
@@ -94,6 +94,7 @@ QHash<QString, platform::Won> worthsOfDay(QStringView userId, QStringView workDa
 }
 
 std::optional<platform::Won> deleteSlip(QStringView workDate, QStringView junNo, QStringView deletedBy) {
+    static constexpr db::Statement<u"DELETE YTM WHERE JunNo= '%s' AND DDate = '%s' "> kDeleteAll;
     db::Transaction transaction;
     if (!books::noteDeletion(transaction, books::Paper::ContainerReceipt, workDate, junNo, {}, deletedBy))
         return std::nullopt;

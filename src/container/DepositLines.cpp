@@ -6,13 +6,11 @@
 #include "platform/Rows.h"
 
 namespace container {
-namespace {
-
-constexpr db::Statement<u"SELECT PCode,PName,Box,Bon,YMoney,GMoney FROM TEMP ORDER BY PCode DESC"> kSold;
-
-}  // namespace
+namespace {}  // namespace
 
 QList<DepositLine> depositLines() {
+    static constexpr db::Statement<u"SELECT PCode,PName,Box,Bon,YMoney,GMoney FROM TEMP ORDER BY PCode DESC">
+        kSold;
     QList<DepositLine> lines;
     db::forEachRow(kSold(), [&](db::CVORecordset& row) {
         const auto won = [&](int column) { return platform::parseWon(row.GetFieldString(column)); };

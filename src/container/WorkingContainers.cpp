@@ -12,28 +12,11 @@ using platform::Won;
 
 constexpr db::Statement<u"DELETE YTEMP "> kEmpty;
 constexpr db::Statement<
-    u"SELECT DDate, GCode, GName, JunNo, PCode, PName, FBox, NBox, Bon, YMONEY, GMONEY, YSAMT, GSAMT FROM "
-    u"YTM WHERE USERID= '%s' and DDate = '%s' and JunNo = '%s' ORDER BY JunNo DESC">
-    kSaved;
-constexpr db::Statement<
     u"INSERT INTO YTEMP (DDate,GCode,GName,JunNo,PCode,PName,FBox,NBox,Bon,YMONEY,GMONEY,YSAMT,GSAMT) "
     u"VALUES ('%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s')">
     kInsert;
-constexpr db::Statement<u"SELECT PCode,PName, fBox, nBox, Bon FROM YTEMP ORDER BY PCode DESC"> kLines;
-// Both money columns come twice, the fees not at all: these are read with the amounts.
-constexpr db::Statement<
-    u"SELECT DDate,GCode,GName,JunNo,PCode,PName,YMoney,GMoney,YMoney, GMoney  FROM YTEMP WHERE PCode= '%s' "
-    u"and FBox = '%s' and NBox = '%s' and Bon = '%s'">
-    kLine;
-// There is no blank before the last AND.
-constexpr db::Statement<
-    u"SELECT YMONEY,GMONEY,YSAMT,GSAMT FROM YTEMP WHERE PCode = '%s' AND FBox = '%s' AND NBox = '%s'AND Bon "
-    u"= '%s'   ">
-    kAmounts;
 constexpr db::Statement<u"DELETE YTEMP WHERE PCode= '%s' and FBox = '%s' and NBox = '%s' and Bon = '%s'">
     kDelete;
-constexpr db::Statement<u"SELECT YMONEY,GMONEY,YSAMT,GSAMT FROM YTEMP"> kWorkingAmounts;
-constexpr db::Statement<u"SELECT GName FROM YTEMP WHERE GCode <> '%s'"> kOthers;
 
 /// The columns that a line keeps when its counts or amounts change; they are the first of both.
 constexpr std::size_t kKeptColumns = 6;
@@ -46,6 +29,11 @@ db::Sql insertOf(const ContainerLine& line) {
 /// Reads the line, deletes it and inserts what `change(line, its amounts)` makes of it.
 template <typename Change>
 bool replaceLine(const ContainerKey& key, Change&& change) {
+    // Both money columns come twice, the fees not at all: these are read with the amounts.
+    static constexpr db::Statement<
+        u"SELECT DDate,GCode,GName,JunNo,PCode,PName,YMoney,GMoney,YMoney, GMoney  FROM YTEMP WHERE PCode= "
+        u"'%s' and FBox = '%s' and NBox = '%s' and Bon = '%s'">
+        kLine;
     db::Transaction transaction(db::Survives::ProcessEnd);
     const auto row = db::firstRow(kLine(key.PCode, key.FBox, key.NBox, key.Bon));
     auto amounts = lineAmounts(key);
@@ -68,6 +56,10 @@ bool replaceLine(const ContainerKey& key, Change&& change) {
 }  // namespace
 
 bool reloadSlip(QStringView userId, QStringView workDate, QStringView junNo) {
+    static constexpr db::Statement<
+        u"SELECT DDate, GCode, GName, JunNo, PCode, PName, FBox, NBox, Bon, YMONEY, GMONEY, YSAMT, GSAMT "
+        u"FROM YTM WHERE USERID= '%s' and DDate = '%s' and JunNo = '%s' ORDER BY JunNo DESC">
+        kSaved;
     books::noteOpened(books::Working::Containers, userId);
     return db::refill(kEmpty(), kSaved(userId, workDate, junNo), kInsert, kContainerLineColumns);
 }
@@ -77,10 +69,13 @@ void emptySlip() {
 }
 
 bool isOtherCustomers(QStringView gCode) {
+    static constexpr db::Statement<u"SELECT GName FROM YTEMP WHERE GCode <> '%s'"> kOthers;
     return db::hasRow(kOthers(gCode));
 }
 
 platform::Rows workingLines() {
+    static constexpr db::Statement<u"SELECT PCode,PName, fBox, nBox, Bon FROM YTEMP ORDER BY PCode DESC">
+        kLines;
     return db::selectRows(kLines(), 5);
 }
 
@@ -89,6 +84,7 @@ ContainerKey keyAt(const platform::Rows& lines, int row) {
 }
 
 ContainerAmounts workingSums() {
+    static constexpr db::Statement<u"SELECT YMONEY,GMONEY,YSAMT,GSAMT FROM YTEMP"> kWorkingAmounts;
     ContainerAmounts sums;
     db::forEachRow(kWorkingAmounts(), [&](db::CVORecordset& row) {
         const auto won = [&](int column) { return parseWon(row.GetFieldString(column)); };
@@ -114,6 +110,11 @@ QList<books::ContainerBalance> workingBalances(QStringView gCode, QStringView da
 }
 
 std::optional<ContainerAmounts> lineAmounts(const ContainerKey& key) {
+    // There is no blank before the last AND.
+    static constexpr db::Statement<
+        u"SELECT YMONEY,GMONEY,YSAMT,GSAMT FROM YTEMP WHERE PCode = '%s' AND FBox = '%s' AND NBox = '%s'AND "
+        u"Bon = '%s'   ">
+        kAmounts;
     const auto row = db::firstRow(kAmounts(key.PCode, key.FBox, key.NBox, key.Bon));
     if (!row) return std::nullopt;
     const auto won = [&](int column) { return parseWon(row->at(column)); };

@@ -47,7 +47,7 @@ bool insertLine(const ContainerLine& line);
 /// no such line or the database does not take the change.
 bool replaceCounts(const ContainerKey& key, const ContainerCounts& counts, const ContainerAmounts& amounts);
 
-/// Changes one of the line's amounts to `keyed`; the others stay. Result as for replaceCounts.
+/// Changes one of the line's amounts to `keyed`; the others stay. False when nothing was changed.
 bool replaceAmount(const ContainerKey& key, platform::Won ContainerAmounts::*amount, platform::Won keyed);
 
 void deleteLine(const ContainerKey& key);

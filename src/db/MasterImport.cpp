@@ -21,14 +21,6 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-// The ledger names a file whose lines are in the table but which may still be there. Loading and its entry
-// are one transaction, so a run that was stopped before deleting the file is recognised.
-constexpr Statement<
-    u"SELECT Path FROM IMPORTLOG WHERE Path = '%s' AND Digest = '%s' AND Size = '%s' AND Modified = '%s'">
-    kSelectLedger;
-constexpr Statement<
-    u"INSERT INTO IMPORTLOG (Path,Digest,Size,Modified,LoadedAt) VALUES ('%s','%s','%s','%s','%s')">
-    kInsertLedger;
 constexpr Statement<u"DELETE IMPORTLOG WHERE Path = '%s'"> kDeleteLedger;
 
 /// The fields of a line as UTF-8. They last until the next line.
@@ -132,6 +124,11 @@ class Load {
 /// What became of the file before this run, or NotSaved when nothing did. Whoever loads at the same time has
 /// either committed nothing or put the file in the ledger, which it cannot leave during this transaction.
 ImportResult::Outcome Load::look() {
+    // The ledger names a file whose lines are in the table but which may still be there. Loading and its
+    // entry are one transaction, so a run that was stopped before deleting the file is recognised.
+    static constexpr Statement<
+        u"SELECT Path FROM IMPORTLOG WHERE Path = '%s' AND Digest = '%s' AND Size = '%s' AND Modified = '%s'">
+        kSelectLedger;
     using enum ImportResult::Outcome;
     if (hasRow(kSelectLedger(identity_.handheldPath, identity_.digest, identity_.size, identity_.modified))) {
         platform::trace(u"import: %1 was loaded before"_s.arg(waiting_.path()));
@@ -142,6 +139,9 @@ ImportResult::Outcome Load::look() {
 }
 
 ImportResult::Outcome Load::run(const std::function<void(int, int)>& progress) {
+    static constexpr Statement<
+        u"INSERT INTO IMPORTLOG (Path,Digest,Size,Modified,LoadedAt) VALUES ('%s','%s','%s','%s','%s')">
+        kInsertLedger;
     using enum ImportResult::Outcome;
     Transaction transaction;
     // A terminal that was not upgraded has no table for what came later: the file stays until it has.

@@ -9,14 +9,6 @@
 namespace db {
 namespace {
 
-constexpr Statement<u"SELECT Digest FROM MASTERLOAD WHERE FileName = '%s'"> kSelectDigest;
-constexpr Statement<u"SELECT Newest FROM MASTERLOAD WHERE FileName = '%s'"> kSelectNewest;
-constexpr Statement<u"SELECT FileName, Modified, Newest, LoadedAt FROM MASTERLOAD"> kSelectLoads;
-constexpr Statement<u"DELETE MASTERLOAD WHERE FileName = '%s'"> kDeleteLoad;
-constexpr Statement<
-    u"INSERT INTO MASTERLOAD (FileName,Digest,Modified,Newest,LoadedAt) VALUES ('%s','%s','%s','%s','%s')">
-    kInsertLoad;
-
 constexpr qint64 kLongestDays = 7;
 
 QDate dayOf(const QString& milliseconds) {
@@ -26,12 +18,19 @@ QDate dayOf(const QString& milliseconds) {
 }  // namespace
 
 bool holdsContent(const ImportFile& file, const QString& digest, int lines) {
+    static constexpr Statement<u"SELECT Digest FROM MASTERLOAD WHERE FileName = '%s'"> kSelectDigest;
     if (!file.isOnlyOffices) return false;
     const auto last = firstRow(kSelectDigest(file.fileName));
     return last && last->value(0) == digest && countRows(file) == lines;
 }
 
 void rememberLoad(const ImportFile& file, const QString& digest, qint64 modified, Transaction& transaction) {
+    static constexpr Statement<u"SELECT Newest FROM MASTERLOAD WHERE FileName = '%s'"> kSelectNewest;
+    static constexpr Statement<u"DELETE MASTERLOAD WHERE FileName = '%s'"> kDeleteLoad;
+    static constexpr Statement<
+        u"INSERT INTO MASTERLOAD (FileName,Digest,Modified,Newest,LoadedAt) VALUES "
+        u"('%s','%s','%s','%s','%s')">
+        kInsertLoad;
     if (file.deleteAll == nullptr) return;
     const auto last = firstRow(kSelectNewest(file.fileName));
     const qint64 newest = std::max(modified, last ? last->value(0).toLongLong() : 0);
@@ -47,6 +46,7 @@ std::optional<int> countRows(const ImportFile& file) {
 }
 
 QList<OldData> oldMasterData(QDate today) {
+    static constexpr Statement<u"SELECT FileName, Modified, Newest, LoadedAt FROM MASTERLOAD"> kSelectLoads;
     QList<OldData> old;
     forEachRow(kSelectLoads(), [&](CVORecordset& row) {
         const QString name = row.GetFieldString(0);

@@ -7,12 +7,6 @@
 namespace db {
 namespace {
 
-constexpr Statement<u"DELETE IMPORTREJECT WHERE Digest = '%s'"> kDeleteBatch;
-constexpr Statement<
-    u"INSERT INTO IMPORTREJECT (FileName,Digest,KeptAt,Number,Reason,Line) VALUES "
-    u"('%s','%s','%s','%s','%s','%s')">
-    kInsertLine;
-
 constexpr int kMostShown = 3;
 
 QString readable(QByteArrayView line) {
@@ -68,6 +62,11 @@ bool RejectedLines::keepInFile(const QString& path, const QString& digest) const
 }
 
 bool RejectedLines::keepInTable(QStringView fileName, const QString& digest, Transaction& transaction) const {
+    static constexpr Statement<u"DELETE IMPORTREJECT WHERE Digest = '%s'"> kDeleteBatch;
+    static constexpr Statement<
+        u"INSERT INTO IMPORTREJECT (FileName,Digest,KeptAt,Number,Reason,Line) VALUES "
+        u"('%s','%s','%s','%s','%s','%s')">
+        kInsertLine;
     const QString now = timeStamp();
     bool isKept = transaction.run(kDeleteBatch(digest));
     for (const Line& line : lines_) {

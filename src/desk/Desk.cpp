@@ -29,11 +29,6 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
 
-constexpr int kGap = 10;
-constexpr int kTextPixels = 11;
-/// What another program or thread has changed shows after this.
-constexpr auto kRefreshTime = 1s;
-
 /// The body of the device around its screen.
 class Frame : public QWidget {
   public:
@@ -79,6 +74,10 @@ QPushButton* makeButton(const QString& text, const QString& accessibleName, QWid
 
 Desk::Desk(ui::Terminal* terminal, const platform::Settings& settings, QWidget* parent)
     : QWidget(parent), terminal_(terminal) {
+    constexpr int kGap = 10;
+    constexpr int kTextPixels = 11;
+    // What another program or thread has changed shows after this.
+    constexpr auto kRefreshTime = 1s;
     QFont small = ui::font(ui::FontHeight::Small);
     small.setPixelSize(kTextPixels);
     small.setWeight(QFont::Normal);

@@ -13,12 +13,6 @@ using platform::parseInteger;
 using platform::parseWon;
 using platform::Won;
 
-// In the order of the slip's screen.
-constexpr db::Statement<
-    u"SELECT GCode, GName, PCode, PName, FBox, NBox, Bon, YMONEY, GMONEY, YSAMT, GSAMT FROM YTM "
-    u"WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' ORDER BY PCode DESC">
-    kSelectLines;
-
 struct Line {
     QString gCode, gName;
     books::ContainerReturn returned;
@@ -26,6 +20,11 @@ struct Line {
 };
 
 QList<Line> readLines(QStringView date, QStringView junNo, QStringView userId) {
+    // In the order of the slip's screen.
+    static constexpr db::Statement<
+        u"SELECT GCode, GName, PCode, PName, FBox, NBox, Bon, YMONEY, GMONEY, YSAMT, GSAMT FROM YTM "
+        u"WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' ORDER BY PCode DESC">
+        kSelectLines;
     QList<Line> lines;
     db::forEachRow(kSelectLines(date, junNo, userId), [&](db::CVORecordset& row) {
         const auto count = [&](int column) { return parseInteger(row.GetFieldString(column)); };

@@ -15,23 +15,17 @@ using namespace Qt::Literals::StringLiterals;
 using platform::parseWon;
 using platform::Won;
 
-// In the order of the slip's screen.
-constexpr db::Statement<
-    u"SELECT GCode, GName, DTime, PCode, PName, Box, Bon, MMoney, BMoney, YMoney, GMoney "
-    u"FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' ORDER BY PCode DESC">
-    kSelectLines;
-constexpr db::Statement<
-    u"SELECT Size, ABoxMMoney, ABonMMoney, BBoxMMoney, BBonMMoney FROM PUMMOK WHERE PCode = '%s' ">
-    kSelectProduct;
-constexpr db::Statement<u"SELECT boxmoney, bonmoney FROM GARAEDANGA WHERE gcode = '%s' AND pcode = '%s'">
-    kSelectContract;
-
 struct Line {
     QString gCode, gName, time, pCode, pName, box, bon;
     Won supply, vat, crateDeposit, bottleDeposit;
 };
 
 QList<Line> readLines(QStringView date, QStringView junNo, QStringView userId) {
+    // In the order of the slip's screen.
+    static constexpr db::Statement<
+        u"SELECT GCode, GName, DTime, PCode, PName, Box, Bon, MMoney, BMoney, YMoney, GMoney "
+        u"FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' ORDER BY PCode DESC">
+        kSelectLines;
     QList<Line> lines;
     db::forEachRow(kSelectLines(date, junNo, userId), [&](db::CVORecordset& row) {
         lines << Line{
@@ -46,6 +40,9 @@ QList<Line> readLines(QStringView date, QStringView junNo, QStringView userId) {
 /// "30000/상자 1500/본": what one costs of what the line has. It keeps no price, so that of boxes and bottles
 /// together is told only where contract or price list come to the line's supply; empty where none does.
 QString unitPrice(const Line& line, std::int64_t boxes, std::int64_t bottles, const QStringList& product) {
+    static constexpr db::Statement<
+        u"SELECT boxmoney, bonmoney FROM GARAEDANGA WHERE gcode = '%s' AND pcode = '%s'">
+        kSelectContract;
     const std::int64_t supply = line.supply.value();
     const auto box = [](std::int64_t price) { return u"%1/상자"_s.arg(price); };
     const auto bottle = [](std::int64_t price) { return u"%1/본"_s.arg(price); };
@@ -65,6 +62,9 @@ QString unitPrice(const Line& line, std::int64_t boxes, std::int64_t bottles, co
 }
 
 void itemRow(Document& document, const Line& line) {
+    static constexpr db::Statement<
+        u"SELECT Size, ABoxMMoney, ABonMMoney, BBoxMMoney, BBonMMoney FROM PUMMOK WHERE PCode = '%s' ">
+        kSelectProduct;
     const QStringList product = db::firstRow(kSelectProduct(line.pCode)).value_or(QStringList());
     const std::int64_t boxes = platform::parseInteger(line.box);
     const std::int64_t bottles = platform::parseInteger(line.bon);

@@ -11,17 +11,15 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr db::Statement<u"SELECT userNAME, vatMode, userTEL FROM PDAUSER WHERE userID = '%s'"> kSelectUser;
-constexpr db::Statement<
-    u"SELECT sangho, sno, name, tel, fax, juso, calltel, cardid, cardpass, cardno FROM config">
-    kSelectConfig;
-
 /// The config row by column name; as at start-up, the last row wins.
 struct Config {
     QString sangho, sno, name, tel, juso, calltel;
 };
 
 Config config() {
+    static constexpr db::Statement<
+        u"SELECT sangho, sno, name, tel, fax, juso, calltel, cardid, cardpass, cardno FROM config">
+        kSelectConfig;
     Config config;
     db::forEachRow(kSelectConfig(), [&](db::CVORecordset& row) {
         config = {row.GetFieldString(0), row.GetFieldString(1), row.GetFieldString(2),
@@ -42,6 +40,8 @@ void partyBlock(Document& document, QStringView heading, const Party& party) {
 }  // namespace
 
 Salesman salesman(QStringView userId) {
+    static constexpr db::Statement<u"SELECT userNAME, vatMode, userTEL FROM PDAUSER WHERE userID = '%s'">
+        kSelectUser;
     const std::optional<QStringList> row = db::firstRow(kSelectUser(userId));
     return row ? Salesman{row->value(0), row->value(1), row->value(2)} : Salesman{};
 }

@@ -14,15 +14,6 @@ namespace {
 using books::Copy;
 using books::Paper;
 
-constexpr db::Statement<
-    u"SELECT JunNo FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' "
-    u"AND (WorkGubun = '발행' OR WorkGubun = '결제')">
-    kSelectPrinted;
-constexpr db::Statement<
-    u"UPDATE MTM SET WorkGubun = '발행' WHERE DDate = '%s' AND JunNo = '%s' "
-    u"AND UserID = '%s' AND WorkGubun = '미발행'">
-    kMarkPrinted;
-
 constexpr Copy kCopies[] = {Copy::Seller, Copy::Buyer};
 
 }  // namespace
@@ -41,6 +32,10 @@ std::optional<Document> slipPaper(Paper paper, QStringView date, QStringView jun
 }
 
 bool isReprint(Paper paper, Copy copy, QStringView date, QStringView junNo, QStringView userId) {
+    static constexpr db::Statement<
+        u"SELECT JunNo FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' "
+        u"AND (WorkGubun = '발행' OR WorkGubun = '결제')">
+        kSelectPrinted;
     if (isPrintNoted(paper, copy, date, junNo, userId)) return true;
     const Copy other = copy == Copy::Seller ? Copy::Buyer : Copy::Seller;
     return paper == Paper::Invoice && !isPrintNoted(paper, other, date, junNo, userId) &&
@@ -103,6 +98,10 @@ bool SlipPapers::isVisitReprint() const {
 }
 
 void SlipPapers::note(std::span<const Paper> papers, Copy copy) const {
+    static constexpr db::Statement<
+        u"UPDATE MTM SET WorkGubun = '발행' WHERE DDate = '%s' AND JunNo = '%s' "
+        u"AND UserID = '%s' AND WorkGubun = '미발행'">
+        kMarkPrinted;
     db::Transaction transaction;
     for (const Paper paper : papers) {
         if (paper == Paper::Invoice) transaction.connection().Execute(kMarkPrinted(date_, junNo_, userId_));

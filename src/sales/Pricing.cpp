@@ -16,9 +16,7 @@ using platform::Won;
 
 namespace {
 
-constexpr db::Statement<u"SELECT * FROM GARAEDANGA WHERE GCODE= '%s' and PCODE = '%s' "> kContract;
 constexpr db::Statement<u"SELECT Majin FROM GARAEMAJIN WHERE GCODE= '%s' AND GUBUN= '%s'  "> kClassMargin;
-constexpr db::Statement<u"SELECT Majin FROM GARAE WHERE GCODE= '%s' "> kCustomerMargin;
 // Under a class margin the VAT of boxes is that of bottles: this system's price list is read so.
 constexpr db::Statement<
     u"SELECT BoxSMoney, BonSMoney, BonBMoney, BonBMoney,YGMoney1,YGMoney2, GBonMoney2 "
@@ -113,6 +111,8 @@ LineAmounts tierAmounts(const UnitPrices& prices, std::int64_t boxes, std::int64
 
 PricedLine priceLine(QStringView gcode, QStringView customerKind, QStringView pcode, std::int64_t boxes,
                      std::int64_t bottles) {
+    static constexpr db::Statement<u"SELECT * FROM GARAEDANGA WHERE GCODE= '%s' and PCODE = '%s' "> kContract;
+    static constexpr db::Statement<u"SELECT Majin FROM GARAE WHERE GCODE= '%s' "> kCustomerMargin;
     // One state of the tables for the whole price, also while the office's files are loaded.
     db::ReadScope scope;
     db::CVOConnection& connection = scope.connection();

@@ -6,68 +6,12 @@
 #include <numeric>
 #include <vector>
 
+#include "books/Product.h"
 #include "db/Query.h"
 #include "platform/Won.h"
 
 namespace sales {
 namespace {
-
-// "Any" offers every use, "Some" leaves one out; then what the rows must match.
-constexpr db::Statement<
-    u"SELECT PCode, PName, Size, Gubun  FROM PUMMOK WHERE seek = '%s'"
-    u"                                     AND (TTT IS NULL OR TTT <> '%s') "
-    u"ORDER BY PName DESC">
-    kAnyBySeek;
-constexpr db::Statement<
-    u"SELECT PCode, PName, Size, Gubun  FROM PUMMOK WHERE seek = '%s' AND JGubun= '%s'"
-    u"                    AND (TTT IS NULL OR TTT <> '%s') ORDER BY PName DESC">
-    kAnyBySeekAndClass;
-constexpr db::Statement<
-    u"SELECT PCode, PName, Size, Gubun  FROM PUMMOK WHERE Gubun <> '%s' AND seek = '%s'"
-    u"                   AND (TTT IS NULL OR TTT <> '%s') ORDER BY PName DESC">
-    kSomeBySeek;
-constexpr db::Statement<
-    u"SELECT PCode, PName, Size, Gubun  FROM PUMMOK WHERE Gubun <> '%s' AND seek = '%s' "
-    u"AND JGubun= '%s'  AND (TTT IS NULL OR TTT <> '%s') ORDER BY PName DESC">
-    kSomeBySeekAndClass;
-constexpr db::Statement<
-    u"SELECT PCode, PName, Size, Gubun  FROM PUMMOK WHERE JGubun= '%s'"
-    u"                                        AND (TTT IS NULL OR TTT <> '%s') "
-    u"ORDER BY PCode DESC ">
-    kAnyByClass;
-constexpr db::Statement<
-    u"SELECT PCode, PName, Size, Gubun  FROM PUMMOK WHERE JGubun= '%s' AND Gubun <> '%s'"
-    u"                      AND (TTT IS NULL OR TTT <> '%s') ORDER BY PCode DESC ">
-    kSomeByClass;
-// Neither key nor class: the class statements without their class condition.
-constexpr db::Statement<
-    u"SELECT PCode, PName, Size, Gubun  FROM PUMMOK WHERE (TTT IS NULL OR TTT <> '%s') "
-    u"ORDER BY PCode DESC ">
-    kAny;
-constexpr db::Statement<
-    u"SELECT PCode, PName, Size, Gubun  FROM PUMMOK WHERE Gubun <> '%s' "
-    u"AND (TTT IS NULL OR TTT <> '%s') ORDER BY PCode DESC ">
-    kSome;
-
-constexpr db::Statement<
-    u"SELECT PCode, PName, Size, Gubun  FROM MPUMMOK                     "
-    u"ORDER BY AUTOCNT DESC ">
-    kAnyFrequent;
-constexpr db::Statement<
-    u"SELECT PCode, PName, Size, Gubun  FROM MPUMMOK WHERE Gubun <> '%s' "
-    u"ORDER BY AUTOCNT DESC  ">
-    kSomeFrequent;
-
-constexpr db::Statement<u"SELECT PCode, AUTOCNT FROM MPUMMOK"> kUses;
-
-constexpr db::Statement<u"SELECT * FROM JGUBUN ORDER BY CODE"> kClasses;
-constexpr db::Statement<u"SELECT Pname,JGubun FROM PUMMOK WHERE PCode = '%s' "> kName;
-constexpr db::Statement<u"SELECT PCode FROM Pummok WHERE PCODE = '%s' "> kExists;
-constexpr db::Statement<u"SELECT JGubun FROM Pummok WHERE PCODE = '%s'  ORDER BY PCODE"> kClassOf;
-
-constexpr db::Statement<u"SELECT Pname, JGubun, Size, Gubun, BoxBonEa, TTT FROM PUMMOK WHERE PCode = '%s'">
-    kListed;
-constexpr db::Statement<u"SELECT PCode FROM BARCODE WHERE Barcode = '%s' ORDER BY PCode"> kOfBarcode;
 
 constexpr QStringView kWithdrawn = u"Y";
 constexpr int kColumns = 4;
@@ -75,6 +19,7 @@ constexpr int kColumns = 4;
 /// The rows by their products' use counters, highest first; equal ones stay in their order. The statements
 /// sort the counters as texts, 943 before 1002.
 platform::Rows mostUsedFirst(const platform::Rows& rows) {
+    static constexpr db::Statement<u"SELECT PCode, AUTOCNT FROM MPUMMOK"> kUses;
     QHash<QString, std::int64_t> uses;
     db::forEachRow(kUses(), [&](db::CVORecordset& row) {
         std::int64_t& count = uses[row.GetFieldString(0)];
@@ -97,6 +42,42 @@ std::optional<QStringView> excludedUse(QStringView customerKind) {
 }
 
 db::Sql productSearch(QStringView seek, QStringView classCode, QStringView customerKind) {
+    // "Any" offers every use, "Some" leaves one out; then what the rows must match.
+    static constexpr db::Statement<
+        u"SELECT PCode, PName, Size, Gubun  FROM PUMMOK WHERE seek = '%s'"
+        u"                                     AND (TTT IS NULL OR TTT <> '%s') "
+        u"ORDER BY PName DESC">
+        kAnyBySeek;
+    static constexpr db::Statement<
+        u"SELECT PCode, PName, Size, Gubun  FROM PUMMOK WHERE seek = '%s' AND JGubun= '%s'"
+        u"                    AND (TTT IS NULL OR TTT <> '%s') ORDER BY PName DESC">
+        kAnyBySeekAndClass;
+    static constexpr db::Statement<
+        u"SELECT PCode, PName, Size, Gubun  FROM PUMMOK WHERE Gubun <> '%s' AND seek = '%s'"
+        u"                   AND (TTT IS NULL OR TTT <> '%s') ORDER BY PName DESC">
+        kSomeBySeek;
+    static constexpr db::Statement<
+        u"SELECT PCode, PName, Size, Gubun  FROM PUMMOK WHERE Gubun <> '%s' AND seek = '%s' "
+        u"AND JGubun= '%s'  AND (TTT IS NULL OR TTT <> '%s') ORDER BY PName DESC">
+        kSomeBySeekAndClass;
+    static constexpr db::Statement<
+        u"SELECT PCode, PName, Size, Gubun  FROM PUMMOK WHERE JGubun= '%s'"
+        u"                                        AND (TTT IS NULL OR TTT <> '%s') "
+        u"ORDER BY PCode DESC ">
+        kAnyByClass;
+    static constexpr db::Statement<
+        u"SELECT PCode, PName, Size, Gubun  FROM PUMMOK WHERE JGubun= '%s' AND Gubun <> '%s'"
+        u"                      AND (TTT IS NULL OR TTT <> '%s') ORDER BY PCode DESC ">
+        kSomeByClass;
+    // Neither key nor class: the class statements without their class condition.
+    static constexpr db::Statement<
+        u"SELECT PCode, PName, Size, Gubun  FROM PUMMOK WHERE (TTT IS NULL OR TTT <> '%s') "
+        u"ORDER BY PCode DESC ">
+        kAny;
+    static constexpr db::Statement<
+        u"SELECT PCode, PName, Size, Gubun  FROM PUMMOK WHERE Gubun <> '%s' "
+        u"AND (TTT IS NULL OR TTT <> '%s') ORDER BY PCode DESC ">
+        kSome;
     const auto use = excludedUse(customerKind);
     if (seek.isEmpty()) {
         if (classCode.isEmpty()) return use ? kSome(*use, kWithdrawn) : kAny(kWithdrawn);
@@ -112,11 +93,20 @@ platform::RowSource products(QStringView seek, QStringView classCode, QStringVie
 }
 
 platform::Rows frequentProducts(QStringView customerKind) {
+    static constexpr db::Statement<
+        u"SELECT PCode, PName, Size, Gubun  FROM MPUMMOK                     "
+        u"ORDER BY AUTOCNT DESC ">
+        kAnyFrequent;
+    static constexpr db::Statement<
+        u"SELECT PCode, PName, Size, Gubun  FROM MPUMMOK WHERE Gubun <> '%s' "
+        u"ORDER BY AUTOCNT DESC  ">
+        kSomeFrequent;
     const auto use = excludedUse(customerKind);
     return mostUsedFirst(db::selectRows(use ? kSomeFrequent(*use) : kAnyFrequent(), kColumns));
 }
 
 QList<ProductClass> productClasses() {
+    static constexpr db::Statement<u"SELECT * FROM JGUBUN ORDER BY CODE"> kClasses;
     QList<ProductClass> classes;
     db::forEachRow(kClasses(), [&](db::CVORecordset& row) {
         classes.append({row.GetFieldString(0), row.GetFieldString(1)});
@@ -125,6 +115,7 @@ QList<ProductClass> productClasses() {
 }
 
 db::Sql productNameSearch(QStringView pcode) {
+    static constexpr db::Statement<u"SELECT Pname,JGubun FROM PUMMOK WHERE PCode = '%s' "> kName;
     return kName(pcode);
 }
 
@@ -134,15 +125,14 @@ std::optional<ProductName> productName(QStringView pcode) {
     return ProductName{row->at(0), row->at(1)};
 }
 
-bool productExists(QStringView pcode) {
-    return db::hasRow(kExists(pcode));
-}
-
 bool ListedProduct::isOfferedTo(QStringView customerKind) const {
     return !isWithdrawn && excludedUse(customerKind) != Gubun;
 }
 
 std::optional<ListedProduct> listedProduct(QStringView pcode) {
+    static constexpr db::Statement<
+        u"SELECT Pname, JGubun, Size, Gubun, BoxBonEa, TTT FROM PUMMOK WHERE PCode = '%s'">
+        kListed;
     const auto row = db::firstRow(kListed(pcode));
     if (!row) return std::nullopt;
     return ListedProduct{row->at(0),
@@ -154,6 +144,8 @@ std::optional<ListedProduct> listedProduct(QStringView pcode) {
 }
 
 QString productOfBarcode(QStringView barcode) {
+    static constexpr db::Statement<u"SELECT PCode FROM BARCODE WHERE Barcode = '%s' ORDER BY PCode">
+        kOfBarcode;
     // A reader may give the twelve digits of the American code with the zero that makes it thirteen, or
     // without.
     QStringList forms{barcode.toString(), u'0' + barcode.toString()};
@@ -161,10 +153,11 @@ QString productOfBarcode(QStringView barcode) {
     for (const QString& form : forms) {
         if (const auto row = db::firstRow(kOfBarcode(form))) return row->first();
     }
-    return productExists(barcode) ? barcode.toString() : QString();
+    return books::productExists(barcode) ? barcode.toString() : QString();
 }
 
 QString productClass(QStringView pcode) {
+    static constexpr db::Statement<u"SELECT JGubun FROM Pummok WHERE PCODE = '%s'  ORDER BY PCODE"> kClassOf;
     const auto row = db::firstRow(kClassOf(pcode));
     return row ? row->first() : QString();
 }

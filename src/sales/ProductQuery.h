@@ -44,8 +44,6 @@ std::optional<ProductName> productName(QStringView pcode);
 /// The look-up of productName(): name and class.
 db::Sql productNameSearch(QStringView pcode);
 
-bool productExists(QStringView pcode);
-
 /// A product as the price list has it today.
 struct ListedProduct {
     QString Pname;

@@ -17,10 +17,6 @@ using platform::parseWon;
 
 namespace {
 
-constexpr db::Statement<
-    u"SELECT DDate, JunNo, UserID, PCode, PName, Box, Bon, MMoney, BMoney, YMoney, GMoney FROM MTM "
-    u"WHERE GCode = '%s' AND DDate <= '%s' ORDER BY DDate DESC, DTime DESC, JunNo DESC, UserID, PCode DESC">
-    kBought;
 constexpr QStringView kArchived =
     u"SELECT DDate, JunNo, UserID, PCode, PName, Box, Bon, MMoney, BMoney, YMoney, GMoney FROM MTM "
     u"WHERE GCode = ? AND DDate <= ? ORDER BY DDate DESC, DTime DESC, JunNo DESC, UserID, PCode DESC";
@@ -85,6 +81,11 @@ void PurchaseHistory::add(const Line& line) {
 
 PurchaseHistory PurchaseHistory::of(QStringView gCode, QStringView day, QStringView junNo,
                                     QStringView userId) {
+    static constexpr db::Statement<
+        u"SELECT DDate, JunNo, UserID, PCode, PName, Box, Bon, MMoney, BMoney, YMoney, GMoney FROM MTM "
+        u"WHERE GCode = '%s' AND DDate <= '%s' ORDER BY DDate DESC, DTime DESC, JunNo DESC, UserID, PCode "
+        u"DESC">
+        kBought;
     PurchaseHistory history;
     // Nobody's slips: a customer without a code has none of his own.
     if (gCode.isEmpty()) return history;

@@ -24,34 +24,15 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-constexpr db::Statement<u"DELETE MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' "> kDeleteOwn;
-constexpr db::Statement<
-    u"SELECT DISTINCT GCode FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s'">
-    kCustomers;
-constexpr db::Statement<
-    u"SELECT GCode FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND GCode <> '%s' AND GCode <> '' "
-    u"AND NOT EXISTS (SELECT 1 FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND GCode = '%s' AND UserID = "
-    u"'%s')">
-    kOtherCustomers;
-constexpr db::Statement<u" SELECT * FROM TEMP "> kWorkingLines;
-constexpr db::Statement<
-    u"INSERT INTO MTM (DDate,Gubun,GCode,GName,JunNo,WorkGubun,PCode,PName,JGubun, Box,Bon,"
-    u"MMoney,BMoney,YMoney,GMoney,UserID,DTime) VALUES ('%s','%s','%s','%s','%s','%s','%s',"
-    u"'%s','%s','%s','%s','%s','%s','%s','%s','%s','%s')">
-    kInsert;
-constexpr db::Statement<
-    u"SELECT WorkGubun, GName, JunNo FROM MTM WHERE USERID= '%s' and DDate = '%s' "
-    u"ORDER BY WorkGubun , JunNo DESC ">
-    kSlips;
-constexpr db::Statement<u"DELETE   MTM WHERE JunNo= '%s' AND DDate = '%s' "> kDeleteSales;
-constexpr db::Statement<u"DELETE YTM WHERE JunNo= '%s' AND DDate = '%s' "> kDeleteContainers;
-
 constexpr int kWorkingColumns = 15;
 constexpr int kCustomerColumn = 2;
 constexpr int kWorkGubunColumn = 5;
 
 /// True when the saved slip has a customer whom none of the lines names.
 bool isOthers(const platform::Rows& lines, QStringView userId, QStringView workDate, QStringView junNo) {
+    static constexpr db::Statement<
+        u"SELECT DISTINCT GCode FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s'">
+        kCustomers;
     if (lines.isEmpty()) return false;
     QStringList customers;
     for (int row = 0; row < lines.count(); ++row) customers << lines.at(row, kCustomerColumn);
@@ -65,6 +46,11 @@ bool isOthers(const platform::Rows& lines, QStringView userId, QStringView workD
 
 /// Saves the lines as part of `transaction`.
 bool insertLines(db::Transaction& transaction, const platform::Rows& lines, QStringView userId) {
+    static constexpr db::Statement<
+        u"INSERT INTO MTM (DDate,Gubun,GCode,GName,JunNo,WorkGubun,PCode,PName,JGubun, Box,Bon,"
+        u"MMoney,BMoney,YMoney,GMoney,UserID,DTime) VALUES ('%s','%s','%s','%s','%s','%s','%s',"
+        u"'%s','%s','%s','%s','%s','%s','%s','%s','%s','%s')">
+        kInsert;
     const QString savedAt = platform::clock::now().toString(u"HH:mm"_s);
     for (int row = 0; row < lines.count(); ++row) {
         std::array<QStringView, decltype(kInsert)::kValues> values;
@@ -83,10 +69,18 @@ bool insertLines(db::Transaction& transaction, const platform::Rows& lines, QStr
 }  // namespace
 
 bool isOtherCustomers(QStringView userId, QStringView workDate, QStringView junNo, QStringView gCode) {
+    static constexpr db::Statement<
+        u"SELECT GCode FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND GCode <> '%s' AND GCode <> '' AND "
+        u"NOT EXISTS (SELECT 1 FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND GCode = '%s' AND UserID = "
+        u"'%s')">
+        kOtherCustomers;
     return db::hasRow(kOtherCustomers(workDate, junNo, gCode, workDate, junNo, gCode, userId));
 }
 
 SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo, platform::Won* moved) {
+    static constexpr db::Statement<u"DELETE MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' ">
+        kDeleteOwn;
+    static constexpr db::Statement<u" SELECT * FROM TEMP "> kWorkingLines;
     db::Transaction transaction;
     const platform::Rows lines = db::selectRows(kWorkingLines(), kWorkingColumns);
     if (!lines.isComplete) return SaveOutcome::Failed;
@@ -112,6 +106,10 @@ SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo
 }
 
 SlipList slipsOfDay(QStringView userId, QStringView workDate) {
+    static constexpr db::Statement<
+        u"SELECT WorkGubun, GName, JunNo FROM MTM WHERE USERID= '%s' and DDate = '%s' "
+        u"ORDER BY WorkGubun , JunNo DESC ">
+        kSlips;
     SlipList list;
     list.slips.columns = 3;
     QString previous;
@@ -138,6 +136,8 @@ SlipList slipsOfDay(QStringView userId, QStringView workDate) {
 }
 
 bool deleteSlip(QStringView workDate, QStringView junNo, bool alsoFollowers, QStringView deletedBy) {
+    static constexpr db::Statement<u"DELETE   MTM WHERE JunNo= '%s' AND DDate = '%s' "> kDeleteSales;
+    static constexpr db::Statement<u"DELETE YTM WHERE JunNo= '%s' AND DDate = '%s' "> kDeleteContainers;
     db::Transaction transaction;
     const auto note = [&](books::Paper slip) {
         return books::noteDeletion(transaction, slip, workDate, junNo, {}, deletedBy);

@@ -9,17 +9,14 @@
 #include "db/Statement.h"
 
 namespace sales {
-namespace {
-
-// The import adds the lines of a file in their order.
-constexpr db::Statement<
-    u"SELECT JunNo, GName, GCode FROM MTM WHERE UserID = '%s' AND DDate = '%s' GROUP BY JunNo "
-    u"ORDER BY MIN(rowid)">
-    kSlipsAsSent;
-
-}  // namespace
+namespace {}  // namespace
 
 QList<UnvisitedOrder> unvisitedOrders(QStringView userId, QStringView workDate) {
+    // The import adds the lines of a file in their order.
+    static constexpr db::Statement<
+        u"SELECT JunNo, GName, GCode FROM MTM WHERE UserID = '%s' AND DDate = '%s' GROUP BY JunNo "
+        u"ORDER BY MIN(rowid)">
+        kSlipsAsSent;
     QList<UnvisitedOrder> orders;
     const auto undelivered = books::UndeliveredOrders::ofDay(workDate, userId);
     if (!undelivered || undelivered->count() == 0) return orders;

@@ -10,33 +10,13 @@ namespace {
 
 constexpr db::Statement<u"DELETE TEMP "> kEmpty;
 constexpr db::Statement<
-    u"SELECT DDate, Gubun, GCode, GName, JunNo, WorkGubun, PCode, PName, JGubun, Box, Bon, "
-    u"MMoney, BMoney, YMoney, GMoney FROM MTM WHERE USERID= '%s' and DDate = '%s' "
-    u"and JunNo = '%s' ORDER BY JunNo DESC">
-    kSaved;
-constexpr db::Statement<
     u"INSERT INTO TEMP (DDate,Gubun,GCode,GName,JunNo,WorkGubun,PCode,PName,JGubun, Box,"
     u"Bon,MMoney,BMoney,YMoney,GMoney) VALUES ('%s','%s','%s','%s','%s','%s','%s','%s',"
     u"'%s','%s','%s','%s','%s','%s','%s')">
     kInsert;
-constexpr db::Statement<
-    u"SELECT GCode,PCode,PName,Box,Bon,MMoney,BMoney,YMoney,GMoney  FROM MTM WHERE "
-    u"USERID= '%s' and DDate = '%s' and JunNo = '%s' ORDER BY PCode DESC">
-    kSavedToShow;
-constexpr db::Statement<u"SELECT PCode,PName,Box,Bon FROM TEMP ORDER BY PCode DESC"> kLines;
 constexpr db::Statement<u"SELECT * FROM TEMP"> kAnyLine;
-constexpr db::Statement<
-    u"SELECT JGubun, MMoney, BMoney, YMoney, GMoney  FROM TEMP WHERE PCode = '%s' "
-    u"AND Box = '%s' AND Bon = '%s'   ">
-    kAmounts;
 constexpr db::Statement<u"SELECT * FROM TEMP WHERE PCode= '%s' and Box = '%s' and Bon = '%s'"> kLine;
 constexpr db::Statement<u"DELETE TEMP WHERE PCode= '%s' and Box = '%s' and Bon = '%s'"> kDelete;
-
-constexpr db::Statement<u"SELECT MMoney,BMoney,YMoney,GMoney FROM TEMP"> kWorkingAmounts;
-constexpr db::Statement<
-    u"SELECT MMoney, BMoney, YMoney, GMoney, PCode, Box, Bon, PName, "
-    u"(SELECT Size FROM PUMMOK WHERE PUMMOK.PCode = TEMP.PCode) FROM TEMP">
-    kDetails;
 
 db::Sql insertOf(const SlipLine& line) {
     return db::withColumns(kInsert, kSlipLineColumns, line);
@@ -62,11 +42,20 @@ bool replaceLine(const LineKey& key, Change&& change) {
 }  // namespace
 
 bool reloadSlip(QStringView userId, QStringView workDate, QStringView junNo) {
+    static constexpr db::Statement<
+        u"SELECT DDate, Gubun, GCode, GName, JunNo, WorkGubun, PCode, PName, JGubun, Box, Bon, "
+        u"MMoney, BMoney, YMoney, GMoney FROM MTM WHERE USERID= '%s' and DDate = '%s' "
+        u"and JunNo = '%s' ORDER BY JunNo DESC">
+        kSaved;
     books::noteOpened(books::Working::Sale, userId);
     return db::refill(kEmpty(), kSaved(userId, workDate, junNo), kInsert, kSlipLineColumns);
 }
 
 std::optional<OpenedSlip> openSlip(QStringView userId, QStringView workDate, QStringView junNo) {
+    static constexpr db::Statement<
+        u"SELECT GCode,PCode,PName,Box,Bon,MMoney,BMoney,YMoney,GMoney  FROM MTM WHERE "
+        u"USERID= '%s' and DDate = '%s' and JunNo = '%s' ORDER BY PCode DESC">
+        kSavedToShow;
     if (!reloadSlip(userId, workDate, junNo)) return std::nullopt;
     OpenedSlip slip;
     slip.lines.columns = 4;
@@ -88,6 +77,7 @@ OpenedSlip resumeSlip() {
 }
 
 SlipSums workingSums() {
+    static constexpr db::Statement<u"SELECT MMoney,BMoney,YMoney,GMoney FROM TEMP"> kWorkingAmounts;
     SlipSums sums;
     db::forEachRow(kWorkingAmounts(), [&](db::CVORecordset& row) {
         const auto won = [&](int column) { return platform::parseWon(row.GetFieldString(column)); };
@@ -97,10 +87,15 @@ SlipSums workingSums() {
 }
 
 platform::Rows workingLines() {
+    static constexpr db::Statement<u"SELECT PCode,PName,Box,Bon FROM TEMP ORDER BY PCode DESC"> kLines;
     return db::selectRows(kLines(), 4);
 }
 
 QHash<QStringList, LineDetail> workingDetails() {
+    static constexpr db::Statement<
+        u"SELECT MMoney, BMoney, YMoney, GMoney, PCode, Box, Bon, PName, "
+        u"(SELECT Size FROM PUMMOK WHERE PUMMOK.PCode = TEMP.PCode) FROM TEMP">
+        kDetails;
     QHash<QStringList, LineDetail> details;
     db::forEachRow(kDetails(), [&](db::CVORecordset& row) {
         const auto text = [&](int column) { return row.GetFieldString(column); };
@@ -121,6 +116,10 @@ bool isWorkingSlipEmpty() {
 }
 
 std::optional<LineAmounts> lineAmounts(const LineKey& key) {
+    static constexpr db::Statement<
+        u"SELECT JGubun, MMoney, BMoney, YMoney, GMoney  FROM TEMP WHERE PCode = '%s' "
+        u"AND Box = '%s' AND Bon = '%s'   ">
+        kAmounts;
     const auto row = db::firstRow(kAmounts(key.PCode, key.Box, key.Bon));
     if (!row) return std::nullopt;
     const auto won = [&](int column) { return platform::parseWon(row->at(column)); };

@@ -69,7 +69,7 @@ bool replaceLines(const QList<SlipLine>& lines, QStringList* refused);
 bool replaceQuantities(const LineKey& key, std::int64_t boxes, std::int64_t bottles,
                        const LineAmounts& amounts);
 
-/// Changes the line's supply and VAT; its deposits stay. Result as for replaceQuantities.
+/// Changes the line's supply and VAT; its deposits stay. False, as it was, when it is not one line.
 bool replaceAmounts(const LineKey& key, const LineAmounts& amounts);
 
 /// Deletes the line, and whatever is like it.

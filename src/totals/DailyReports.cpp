@@ -14,32 +14,6 @@ using namespace Qt::Literals::StringLiterals;
 using platform::parseWon;
 using platform::Won;
 
-// An empty user leaves the condition on him out.
-constexpr db::Statement<
-    u"SELECT PCode, PName, Box, Bon, MMoney, BMoney, YMoney, GMoney, DDate, JunNo, UserID FROM MTM "
-    u"WHERE DDate = '%s' AND ('%s' = '' OR UserID = '%s') "
-    u"AND (WorkGubun <> '%s' or WorkGubun <> '%s') ORDER BY JunNo">
-    kSales;
-constexpr db::Statement<
-    u"SELECT PCode, PName, FBox, NBox, Bon, YMONEY, GMONEY, YSAMT, GSAMT FROM YTM "
-    u"WHERE DDate = '%s' AND ('%s' = '' OR UserID = '%s') ORDER BY JunNo">
-    kContainers;
-constexpr db::Statement<
-    u"SELECT GCode, GName, CJMoney FROM GARAE WHERE USERID = '%s' AND CJMoney <> '%s' ORDER BY GCode">
-    kReceivablesOfUser;
-constexpr db::Statement<u"SELECT GCode, GName, CJMoney FROM GARAE WHERE CJMoney <> '%s' ORDER BY GCode">
-    kReceivables;
-constexpr db::Statement<u"SELECT GCode, GName, CardMoney FROM BankMoney WHERE DDate = '%s' ORDER BY GCode">
-    kBankMoney;
-constexpr db::Statement<
-    u"SELECT GCode, GName, CardMoney, JunNo, BANKTRANNO FROM MTMOK "
-    u"WHERE DDate = '%s' AND ('%s' = '' OR UserID = '%s') ORDER BY JunNo">
-    kCardPayments;
-constexpr db::Statement<
-    u"SELECT GCode, GName, WonMoney, CardMoney, MisuInMoney, YDMoney, UnderMoney FROM MTMOK "
-    u"WHERE DDate = '%s' AND ('%s' = '' OR UserID = '%s') ORDER BY JunNo">
-    kCollections;
-
 /// Rows of a code, a name and numbers, one for each code, in order of the codes.
 class RowsByCode {
   public:
@@ -82,6 +56,12 @@ Column amounts(const QString& title, int paper, bool startsLine = false) {
 }
 
 std::optional<Report> sales(QStringView date, QStringView user) {
+    // An empty user leaves the condition on him out.
+    static constexpr db::Statement<
+        u"SELECT PCode, PName, Box, Bon, MMoney, BMoney, YMoney, GMoney, DDate, JunNo, UserID FROM MTM "
+        u"WHERE DDate = '%s' AND ('%s' = '' OR UserID = '%s') AND (WorkGubun <> '%s' or WorkGubun <> '%s') "
+        u"ORDER BY JunNo">
+        kSales;
     Report report = reportHead(u"상품별 매출집계", date, user);
     report.columns = {kCode,
                       {.title = u"상품명"_s, .pixels = 98, .paper = 20},
@@ -111,6 +91,10 @@ std::optional<Report> sales(QStringView date, QStringView user) {
 }
 
 std::optional<Report> containers(QStringView date, QStringView user) {
+    static constexpr db::Statement<
+        u"SELECT PCode, PName, FBox, NBox, Bon, YMONEY, GMONEY, YSAMT, GSAMT FROM YTM "
+        u"WHERE DDate = '%s' AND ('%s' = '' OR UserID = '%s') ORDER BY JunNo">
+        kContainers;
     Report report = reportHead(u"용공 회수집계", date, user);
     report.columns = {kCode,
                       {.title = u"상품명"_s, .pixels = 86, .paper = 32},
@@ -131,6 +115,12 @@ std::optional<Report> containers(QStringView date, QStringView user) {
 }
 
 std::optional<Report> receivables(QStringView date, QStringView user) {
+    static constexpr db::Statement<
+        u"SELECT GCode, GName, CJMoney FROM GARAE WHERE USERID = '%s' AND CJMoney <> '%s' ORDER BY GCode">
+        kReceivablesOfUser;
+    static constexpr db::Statement<
+        u"SELECT GCode, GName, CJMoney FROM GARAE WHERE CJMoney <> '%s' ORDER BY GCode">
+        kReceivables;
     Report report = reportHead(u"채권 집계", date, user);
     report.columns = {
         {.title = u"코드"_s, .pixels = 40, .paper = 5},
@@ -150,6 +140,13 @@ std::optional<Report> receivables(QStringView date, QStringView user) {
 }
 
 std::optional<Report> cards(QStringView date, QStringView user) {
+    static constexpr db::Statement<
+        u"SELECT GCode, GName, CardMoney FROM BankMoney WHERE DDate = '%s' ORDER BY GCode">
+        kBankMoney;
+    static constexpr db::Statement<
+        u"SELECT GCode, GName, CardMoney, JunNo, BANKTRANNO FROM MTMOK "
+        u"WHERE DDate = '%s' AND ('%s' = '' OR UserID = '%s') ORDER BY JunNo">
+        kCardPayments;
     Report report = reportHead(u"카드입금 집계", date, user);
     report.columns = {
         kCode,
@@ -179,6 +176,10 @@ std::optional<Report> cards(QStringView date, QStringView user) {
 }
 
 std::optional<Report> collections(QStringView date, QStringView user) {
+    static constexpr db::Statement<
+        u"SELECT GCode, GName, WonMoney, CardMoney, MisuInMoney, YDMoney, UnderMoney FROM MTMOK "
+        u"WHERE DDate = '%s' AND ('%s' = '' OR UserID = '%s') ORDER BY JunNo">
+        kCollections;
     Report report = reportHead(u"거래처별 수금", date, user);
     report.columns = {kCode,
                       {.title = u"거래처명"_s, .pixels = 80, .paper = 20},

@@ -17,21 +17,6 @@ using platform::parseInteger;
 using platform::parseWon;
 using platform::Won;
 
-// An empty user leaves the condition on him out.
-constexpr db::Statement<
-    u"SELECT * FROM DAYCLOSE WHERE DDate = '%s' AND ('%s' = '' OR UserID = '%s') ORDER BY UserID, rowid">
-    kClosesOfDay;
-constexpr db::Statement<
-    u"INSERT INTO DAYCLOSE (DDate,UserID,ClosedAt,CountedCash,ExpectedCash,Cash,Card,Approvals,Unpaid,"
-    u"EarlierPaid,Recovery,Boxes,Bottles,CratesBack,BottlesBack,OpenSlips,Strip,Visits,Deletions,PrintedAt) "
-    u"VALUES ('%s','%s','%s','%s','%s','%s','%s','%s',"
-    u"'%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','')">
-    kInsert;
-constexpr db::Statement<
-    u"UPDATE DAYCLOSE SET PrintedAt = '%s' WHERE rowid = (SELECT MAX(rowid) FROM DAYCLOSE "
-    u"WHERE DDate = '%s' AND UserID = '%s')">
-    kNotePrint;
-
 QString text(std::int64_t number) {
     return QString::number(number);
 }
@@ -74,6 +59,12 @@ DayClose closeOf(db::CVORecordset& row) {
 }
 
 bool insert(db::Transaction& transaction, QStringView date, const DayClose& close) {
+    static constexpr db::Statement<
+        u"INSERT INTO DAYCLOSE (DDate,UserID,ClosedAt,CountedCash,ExpectedCash,Cash,Card,Approvals,Unpaid,"
+        u"EarlierPaid,Recovery,Boxes,Bottles,CratesBack,BottlesBack,OpenSlips,Strip,Visits,Deletions,"
+        u"PrintedAt) VALUES ('%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s','%s',"
+        u"'%s','%s','%s','%s','')">
+        kInsert;
     const DayFigures& day = close.figures;
     const std::array<QString, decltype(kInsert)::kValues> texts{date.toString(),
                                                                 close.userId,
@@ -102,6 +93,10 @@ bool insert(db::Transaction& transaction, QStringView date, const DayClose& clos
 }  // namespace
 
 std::optional<QList<DayClose>> closesOfDay(QStringView date, QStringView userId) {
+    // An empty user leaves the condition on him out.
+    static constexpr db::Statement<
+        u"SELECT * FROM DAYCLOSE WHERE DDate = '%s' AND ('%s' = '' OR UserID = '%s') ORDER BY UserID, rowid">
+        kClosesOfDay;
     QList<DayClose> closes;
     const int rows = db::forEachRow(kClosesOfDay(date, userId, userId),
                                     [&](db::CVORecordset& row) { closes << closeOf(row); });
@@ -151,6 +146,10 @@ Report dayCloseReport(QStringView date, const QList<DayClose>& closes, const QLi
 }
 
 void noteStripPrinted(QStringView date, QStringView userId) {
+    static constexpr db::Statement<
+        u"UPDATE DAYCLOSE SET PrintedAt = '%s' WHERE rowid = (SELECT MAX(rowid) FROM DAYCLOSE "
+        u"WHERE DDate = '%s' AND UserID = '%s')">
+        kNotePrint;
     db::execute(kNotePrint(now(), date, userId));
 }
 

@@ -9,14 +9,7 @@
 namespace ui {
 namespace {
 
-/// A finger that moves less than this many pixels presses.
-constexpr qreal kDragDistance = 8;
 constexpr int kFrameMs = 16;
-/// What a frame leaves of the speed, and the speed in pixels per millisecond below which a flick ends.
-constexpr qreal kFriction = 0.94;
-constexpr qreal kSlowest = 0.05;
-/// A finger that rests this long before it is lifted does not flick.
-constexpr quint64 kRestMs = 80;
 
 }  // namespace
 
@@ -54,6 +47,8 @@ bool FlickScroll::press(const QMouseEvent& event) {
 }
 
 bool FlickScroll::move(const QMouseEvent& event) {
+    // A finger that moves less than this many pixels presses.
+    constexpr qreal kDragDistance = 8;
     // It may have been lifted where nobody told.
     if (!event.buttons().testFlag(Qt::LeftButton)) finger_ = Finger::Up;
     if (finger_ == Finger::Up) return false;
@@ -69,6 +64,8 @@ bool FlickScroll::move(const QMouseEvent& event) {
 }
 
 bool FlickScroll::release(const QMouseEvent& event) {
+    // A finger that rests this long before it is lifted does not flick.
+    constexpr quint64 kRestMs = 80;
     if (finger_ == Finger::Up || event.button() != Qt::LeftButton) return true;
     const bool isTap = finger_ == Finger::Resting && !hasStopped_;
     const bool isFlick = finger_ == Finger::Dragging && event.timestamp() - lastMs_ < kRestMs;
@@ -96,6 +93,9 @@ bool FlickScroll::scroll(QPointF pixels) {
 }
 
 void FlickScroll::timerEvent(QTimerEvent*) {
+    // What a frame leaves of the speed, and the speed in pixels per millisecond below which a flick ends.
+    constexpr qreal kFriction = 0.94;
+    constexpr qreal kSlowest = 0.05;
     speed_ *= kFriction;
     if (!scroll(speed_ * kFrameMs) || std::hypot(speed_.x(), speed_.y()) < kSlowest) timer_.stop();
 }

@@ -14,12 +14,10 @@ constexpr int kPanelWidth = 224;
 constexpr int kMargin = 12;
 constexpr int kCaptionHeight = 26;
 constexpr int kButtonRow = 48;
-constexpr int kTallestText = 200;
 constexpr QColor kShade(0x14, 0x20, 0x2b, 110);
 constexpr QColor kBorder(0x33, 0x4e, 0x68);
 constexpr QColor kIcon(0x1c, 0x5b, 0xa8);
 constexpr int kIconSize = 24;
-constexpr int kIconGap = 8;
 
 /// A message that lists amounts joins them with "&" to one word, wider than the panel, and a folder's name
 /// may be as wide: a line may end after the one, and before a "/".
@@ -32,6 +30,8 @@ QString breakable(const QString& text) {
 
 MessageBox::MessageBox(const QString& text, const QString& caption, Buttons buttons, MessageIcon icon)
     : Screen(kMessageBoxId), text_(text), caption_(caption), icon_(icon) {
+    constexpr int kTallestText = 200;
+    constexpr int kIconGap = 8;
     // The dialog below shows through the shade.
     setAttribute(Qt::WA_OpaquePaintEvent, false);
     const QFontMetrics metrics(ui::font(FontHeight::Medium));

@@ -11,7 +11,6 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int kLineHeight = 28;
 constexpr int kKeysPerRow = 8;
 constexpr int kKeyPitch = 30;
 constexpr int kBoardHeight = 2 * kKeyPitch;
@@ -21,6 +20,7 @@ constexpr QStringView kErase = u"←";
 }  // namespace
 
 void NarrowScreen::addNarrowing(ReportList* list, int top, Match match, int lineWidth) {
+    constexpr int kLineHeight = 28;
     list_ = list;
     wholeList_ = list->geometry();
     line_ = place(kNarrowLine, new QLineEdit(this), {kGridLeft, top, lineWidth, kLineHeight});

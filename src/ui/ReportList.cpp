@@ -4,10 +4,10 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <QScrollBar>
-#include <QStyledItemDelegate>
 #include <algorithm>
 #include <utility>
 
+#include "ui/CellDelegate.h"
 #include "ui/Discard.h"
 #include "ui/FlickScroll.h"
 #include "ui/Fonts.h"
@@ -51,53 +51,16 @@ class ScrollMark : public QScrollBar {
     }
 };
 
-/// Left and right of a cell's text the style keeps this much free.
-constexpr int kCellMargin = 3;
-constexpr int kSmallestOneLineType = 10;
-constexpr int kSmallestType = 8;
+constexpr int kDetailMargin = 3;
+constexpr int kSmallestDetail = 8;
 
-/// How a text is set in a cell.
-struct CellType {
+struct DetailType {
     QFont font;
     QSize size;
-    bool isWrapped = false;
-    QString text;  ///< With the places in it where a line may end.
 };
 
-/// A text that fits in no other way breaks after any of its syllables: in a narrow column a word alone can be
-/// too wide.
-QString breakable(const QString& text) {
-    constexpr QChar kZeroWidthSpace(0x200b);
-    QString result;
-    for (const QChar character : text) {
-        result += character;
-        if (!character.isHighSurrogate()) result += kZeroWidthSpace;
-    }
-    return result;
-}
-
-/// The largest type in which `text` fits `width` pixels: on one line, or on two of smaller type.
-CellType typeFor(const QString& text, QFont font, int width) {
-    for (int pixels = font.pixelSize(); pixels >= kSmallestOneLineType; --pixels) {
-        font.setPixelSize(pixels);
-        const int advance = QFontMetrics(font).horizontalAdvance(text);
-        if (advance <= width) return {font, {advance, QFontMetrics(font).height()}, false, text};
-    }
-    CellType type{font, {}, true, {}};
-    for (int pixels = kSmallestOneLineType; pixels >= kSmallestType; --pixels) {
-        type.font.setPixelSize(pixels);
-        for (const QString& lines : {text, breakable(text)}) {
-            type.text = lines;
-            type.size =
-                QFontMetrics(type.font).boundingRect(QRect(0, 0, width, 0), Qt::TextWordWrap, lines).size();
-            if (type.size.width() <= width && type.size.height() < kRowHeight) return type;
-        }
-    }
-    return type;
-}
-
 /// The type in which both ends of a second line fit beside each other.
-CellType typeFor(const RowDetail& detail, QFont font, int width) {
+DetailType typeFor(const RowDetail& detail, QFont font, int width) {
     constexpr int kGap = 6;
     const bool isAlone = detail.left.isEmpty() || detail.right.isEmpty();
     for (int pixels = font.pixelSize() - 1;; --pixels) {
@@ -105,47 +68,9 @@ CellType typeFor(const RowDetail& detail, QFont font, int width) {
         const QFontMetrics metrics(font);
         const int taken = metrics.horizontalAdvance(detail.left) + metrics.horizontalAdvance(detail.right) +
                           (isAlone ? 0 : kGap);
-        if (taken <= width || pixels <= kSmallestType) return {font, {taken, metrics.height()}, false, {}};
+        if (taken <= width || pixels <= kSmallestDetail) return {font, {taken, metrics.height()}};
     }
 }
-
-/// Sets a text that is too long for its column smaller, and last on two lines: nothing is cut off. Paints no
-/// frame around the cell that the keys stand on: a row is chosen as a whole or not at all.
-class RowDelegate : public QStyledItemDelegate {
-  public:
-    explicit RowDelegate(QTableView* list) : QStyledItemDelegate(list), list_(*list) {}
-
-    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
-        const CellType type = typeFor(displayText(index.data(), {}), option.font, textWidth(index));
-        return type.size + QSize(2 * kCellMargin + 1, 0);
-    }
-
-    void paint(QPainter* painter, const QStyleOptionViewItem& option,
-               const QModelIndex& index) const override {
-        // What is below belongs to the row's second line.
-        QStyleOptionViewItem cell = option;
-        cell.rect.setHeight(std::min(cell.rect.height(), kRowHeight - 1));
-        QStyledItemDelegate::paint(painter, cell, index);
-    }
-
-  protected:
-    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
-        QStyledItemDelegate::initStyleOption(option, index);
-        option->state &= ~(QStyle::State_HasFocus | QStyle::State_MouseOver);
-        const CellType type = typeFor(option->text, option->font, textWidth(index));
-        option->font = type.font;
-        option->text = type.text;
-        option->features.setFlag(QStyleOptionViewItem::WrapText, type.isWrapped);
-    }
-
-  private:
-    /// The grid takes a pixel of the column.
-    int textWidth(const QModelIndex& index) const {
-        return list_.columnWidth(index.column()) - 2 * kCellMargin - 1;
-    }
-
-    const QTableView& list_;
-};
 
 /// The style keeps a picture of each title under the number of its palette. With a palette of each list's
 /// own, every list that is opened would add them once more.
@@ -189,6 +114,12 @@ void RowsModel::setDetail(std::function<RowDetail(const platform::Rows& rows, in
     endResetModel();
 }
 
+void RowsModel::setCellDetails(CellDetails details) {
+    beginResetModel();
+    cellDetails_ = std::move(details);
+    endResetModel();
+}
+
 int RowsModel::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : int(rows_.count());
 }
@@ -205,6 +136,7 @@ QVariant RowsModel::data(const QModelIndex& index, int role) const {
         const RowDetail said = detail(index.row());
         return QString(said.left + u' ' + said.right).simplified();
     }
+    if (role == Qt::AccessibleDescriptionRole) return cellDetail(index.row(), index.column()).text;
     if (role == Qt::TextAlignmentRole && index.column() < alignments_.size()) {
         return int(alignments_[index.column()]);
     }
@@ -216,9 +148,11 @@ QVariant RowsModel::headerData(int section, Qt::Orientation orientation, int rol
     return titles_.value(section);
 }
 
-ReportList::ReportList(QWidget* parent) : QTableView(parent), model_(new RowsModel(this)) {
+ReportList::ReportList(QWidget* parent)
+    : QTableView(parent), model_(new RowsModel(this)), cells_(new CellDelegate(this)) {
     setModel(model_);
-    setItemDelegate(new RowDelegate(this));
+    cells_->setHeight(kRowHeight);
+    setItemDelegate(cells_);
     setFont(ui::font(FontHeight::Small));
     setSelectionBehavior(SelectRows);
     setSelectionMode(SingleSelection);
@@ -322,6 +256,12 @@ void ReportList::setDetail(Detail detail) {
     verticalHeader()->setDefaultSectionSize(height);
 }
 
+void ReportList::setCellDetails(int rowHeight, RowsModel::CellDetails details) {
+    model_->setCellDetails(std::move(details));
+    cells_->setHeight(rowHeight);
+    verticalHeader()->setDefaultSectionSize(rowHeight);
+}
+
 QRect ReportList::detailArea(int place) const {
     const int top = rowViewportPosition(place) + kRowHeight - 1;
     return {0, top, std::min(viewport()->width(), horizontalHeader()->length()), kDetailHeight};
@@ -329,8 +269,8 @@ QRect ReportList::detailArea(int place) const {
 
 QSize ReportList::detailSize(int place) const {
     if (!model_->hasDetail()) return {};
-    const int width = detailArea(place).width() - 2 * kCellMargin;
-    return typeFor(model_->detail(place), font(), width).size + QSize(2 * kCellMargin, 0);
+    const int width = detailArea(place).width() - 2 * kDetailMargin;
+    return typeFor(model_->detail(place), font(), width).size + QSize(2 * kDetailMargin, 0);
 }
 
 void ReportList::paintEvent(QPaintEvent* event) {
@@ -349,7 +289,7 @@ void ReportList::paintDetail(QPainter& painter, int place) const {
     const bool isChosen = selectionModel()->isRowSelected(place);
     painter.fillRect(area, isChosen ? kSelection : QColor(Qt::white));
     const RowDetail detail = model_->detail(place);
-    const QRect text = area.adjusted(kCellMargin, 0, -kCellMargin, 0);
+    const QRect text = area.adjusted(kDetailMargin, 0, -kDetailMargin, 0);
     painter.setFont(typeFor(detail, font(), text.width()).font);
     painter.setPen(isChosen ? QColor(Qt::white) : kDetailColour);
     painter.drawText(text, Qt::AlignLeft | Qt::AlignVCenter, detail.left);

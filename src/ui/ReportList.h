@@ -18,6 +18,14 @@ struct RowDetail {
     QString right;
 };
 
+/// What stands in smaller type below the text of a cell; an empty text for nothing.
+struct CellDetail {
+    QString text;
+    bool isMarked = false;  ///< In the colour of what needs a look.
+};
+
+class CellDelegate;
+
 /// The rows of a list, shown without being copied.
 class RowsModel : public QAbstractTableModel {
     Q_OBJECT
@@ -37,6 +45,11 @@ class RowsModel : public QAbstractTableModel {
     /// Empty texts without one.
     RowDetail detail(int row) const { return detail_ ? detail_(rows_, row) : RowDetail(); }
     bool hasDetail() const { return bool(detail_); }
+    using CellDetails = std::function<CellDetail(const platform::Rows& rows, int row, int column)>;
+    void setCellDetails(CellDetails details);
+    CellDetail cellDetail(int row, int column) const {
+        return cellDetails_ ? cellDetails_(rows_, row, column) : CellDetail();
+    }
 
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
@@ -48,6 +61,7 @@ class RowsModel : public QAbstractTableModel {
     QList<Qt::Alignment> alignments_;
     platform::Rows rows_;
     std::function<RowDetail(const platform::Rows& rows, int row)> detail_;
+    CellDetails cellDetails_;
 };
 
 /// One column of a list.
@@ -87,6 +101,8 @@ class ReportList : public QTableView {
     /// Gives every row a second line over the width of the list, wherever its columns are scrolled to.
     /// `detail` is asked for the rows that are painted, no others.
     void setDetail(Detail detail);
+    /// Makes the rows that high and gives cells a line below their text; `details` is asked in the same way.
+    void setCellDetails(int rowHeight, RowsModel::CellDetails details);
     /// What the second line in that place of the list takes, in pixels; empty without one.
     QSize detailSize(int place) const;
 
@@ -131,6 +147,7 @@ class ReportList : public QTableView {
     int rowAtPlace(int place) const { return filter_ ? shown_.value(place, -1) : place; }
 
     RowsModel* model_;
+    CellDelegate* cells_;
     platform::Rows all_;
     platform::RowSource more_;  ///< What has not been read yet.
     QBasicTimer idle_;

@@ -11,7 +11,7 @@ class WaitCursor {
     WaitCursor(const WaitCursor&) = delete;
     WaitCursor& operator=(const WaitCursor&) = delete;
 
-    /// Tells between the steps of work that it goes on. Nothing happens when nobody waits.
+    /// Reports between the steps of work that it goes on. Nothing happens when nobody waits.
     static void alive();
 };
 

@@ -8,7 +8,6 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 using platform::Won;
 
-constexpr int kProducts = 12;
 /// Lines of a list on the page; a day that went wrong altogether would make it endless.
 constexpr qsizetype kLines = 200;
 
@@ -94,6 +93,7 @@ void readHours(Reader& reader, Board* board) {
 }
 
 QList<BoardBar> readProducts(Reader& reader) {
+    constexpr int kProducts = 12;
     QList<BoardBar> products;
     BoardBar others{{}, {}, {}};
     int more = 0;

@@ -10,8 +10,6 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int kOldestServer = 150000;
-
 struct Migration {
     int number;
     QString name;
@@ -42,6 +40,7 @@ Fault newerThan(int version) {
 }
 
 void requireServer(pqxx::transaction_base& work) {
+    constexpr int kOldestServer = 150000;
     if (work.conn().server_version() < kOldestServer) throw Fault(u"PostgreSQL 15 or later is needed"_s);
     const QString encoding = textOf(work.exec("SHOW server_encoding")[0][0]);
     if (encoding != u"UTF8") throw Fault(u"the database is in %1; it must be in UTF8"_s.arg(encoding));

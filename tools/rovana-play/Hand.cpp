@@ -16,11 +16,6 @@ namespace {
 /// Two touches this far apart are never a double one, two this near always are.
 constexpr int kBetweenTouchesMs = 10000;
 constexpr int kBetweenDoubleMs = 120;
-constexpr int kHeldMs = 60;
-constexpr int kMoves = 8;
-constexpr int kMoveMs = 16;
-/// So long that a drag is no flick.
-constexpr int kRestMs = 400;
 
 std::unique_ptr<DisplayHand>& onDisplay() {
     static std::unique_ptr<DisplayHand> hand;
@@ -67,6 +62,7 @@ void pointer(QEvent::Type type, QPoint place) {
 }
 
 void tap(QPoint place) {
+    constexpr int kHeldMs = 60;
     pointer(QEvent::MouseButtonPress, place);
     now += kHeldMs;
     pointer(QEvent::MouseButtonRelease, place);
@@ -98,6 +94,10 @@ void touchTwice(QPoint place) {
 }
 
 void slide(QPoint from, QPoint to) {
+    // So long that a drag is no flick.
+    constexpr int kRestMs = 400;
+    constexpr int kMoveMs = 16;
+    constexpr int kMoves = 8;
     now += kBetweenTouchesMs;
     pointer(QEvent::MouseButtonPress, from);
     for (int move = 1; move <= kMoves; ++move) {

@@ -10,8 +10,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QImage>
-#include <QPainter>
 #include <QPixmap>
 
 #include "desk/demo/DemoCards.h"
@@ -19,10 +17,10 @@
 #include "platform/Device.h"
 #include "platform/message/Component.h"
 #include "platform/termdev/CardReader.h"
-#include "platform/termdev/PaperLine.h"
 #include "rovana-play/Approval.h"
 #include "rovana-play/DatabaseReader.h"
 #include "rovana-play/Hand.h"
+#include "rovana-play/PaperPicture.h"
 #include "rovana-play/Reach.h"
 #include "ui/Messages.h"
 #include "ui/Terminal.h"
@@ -46,8 +44,6 @@ using Attempt = Pilot::Attempt;
 constexpr int kPollMs = 5;
 /// Dialogs that do not close are left behind after this time.
 constexpr int kClosingMs = 10000;
-/// Dots of white around the printed paper of a picture.
-constexpr int kPaperMargin = 16;
 
 Attempt waitFor(const QString& problem) {
     return {problem, {}};
@@ -370,10 +366,7 @@ Attempt Pilot::attempt(const Step& step) {
         case Command::Tear:
             return ready([this] { tear(); });
         case Command::Count:
-            return ready([this, name = textOf(step)] {
-                counted_ = name;
-                touchesBefore_ = touches();
-            });
+            return ready([this, name = textOf(step)] { countTouches(name); });
         case Command::Host:
             return {{}, [this, options = textOf(step)] {
                         return cardHost_.start(QProcess::splitCommand(options));
@@ -430,6 +423,11 @@ Attempt Pilot::expect(const Step& step) {
     }
 }
 
+void Pilot::countTouches(const QString& name) {
+    counted_ = name;
+    touchesBefore_ = touches();
+}
+
 QString Pilot::rollSoFar() {
     paper_ += QString::fromUtf8(roll_.read());
     return paper_;
@@ -474,29 +472,14 @@ void Pilot::saveShot(const QString& name) {
 }
 
 Attempt Pilot::savePaper(const QString& name) {
-    using namespace platform::termdev;
     QStringList texts = rollSoFar().split(u'\n');
     // Behind the last line's end, and what was fed after it.
     while (!texts.isEmpty() && texts.last().trimmed().isEmpty()) texts.removeLast();
     if (texts.isEmpty()) return waitFor(u"no paper was printed"_s);
     return ready([this, name, texts] {
         if (options_.shots.isEmpty()) return;
-        QList<PaperLine> lines;
-        int height = 2 * kPaperMargin;
-        for (const QString& text : texts) height += lines.emplace_back(readPaperText(text)).dots();
-        QImage paper(kPaperDots + 2 * kPaperMargin, height, QImage::Format_Grayscale8);
-        paper.fill(Qt::white);
-        QPainter painter(&paper);
-        painter.drawRect(paper.rect().adjusted(0, 0, -1, -1));
-        painter.translate(kPaperMargin, kPaperMargin);
-        int top = 0;
-        for (const PaperLine& line : std::as_const(lines)) {
-            paintLine(painter, line, top);
-            top += line.dots();
-        }
-        painter.end();
         const QString file = nextPicture(name);
-        if (!paper.save(file)) qWarning("cannot write %s", qUtf8Printable(file));
+        if (!paperPicture(texts).save(file)) qWarning("cannot write %s", qUtf8Printable(file));
     });
 }
 

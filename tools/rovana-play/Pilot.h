@@ -73,6 +73,7 @@ class Pilot : public QObject {
     void saveShot(const QString& name);
     Attempt savePaper(const QString& name);
     QString nextPicture(const QString& name);
+    void countTouches(const QString& name);
     QString rollSoFar();
     void tear();
 

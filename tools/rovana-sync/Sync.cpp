@@ -17,13 +17,6 @@ using books::OfficeState;
 
 namespace {
 
-/// Days that each sync compares. What is changed in an older one is found at the first sync of a day.
-constexpr int kOpenDays = 31;
-/// Days whose documents the menu can count one by one.
-constexpr int kCountedDays = 3;
-/// Days that are compared in one call.
-constexpr qsizetype kDaysAtOnce = 31;
-
 DayDigests dayDigests(const QMap<QString, DocumentDigests>& days) {
     DayDigests digests;
     for (auto day = days.cbegin(); day != days.cend(); ++day)
@@ -81,6 +74,8 @@ Outcome Sync::run() {
 }
 
 void Sync::readDays() {
+    // Days that each sync compares. What is changed in an older one is found at the first sync of a day.
+    constexpr int kOpenDays = 31;
     const QString open = platform::clock::now().date().addDays(-kOpenDays).toString(Qt::ISODate);
     firstDay_ = std::max(open, local_.firstKept());
     days_ = local_.digests(firstDay_);
@@ -123,6 +118,8 @@ void Sync::sendDay(Office& office, const QString& date, const DocumentDigests& a
 
 /// Looks at the days from before the open ones, once a day. Some of their visits may be in an archive.
 void Sync::sendOldDays(Office& office) {
+    // Days that are compared in one call.
+    constexpr qsizetype kDaysAtOnce = 31;
     QFile swept(sweepPath());
     if (swept.open(QIODevice::ReadOnly) && swept.readAll() == today().toLatin1()) return;
     swept.close();
@@ -186,6 +183,8 @@ OfficeState::Day Sync::agreedDay(const QString& date, bool isCounted) const {
 }
 
 void Sync::noteState(bool isReached) {
+    // Days whose documents the menu can count one by one.
+    constexpr int kCountedDays = 3;
     const OfficeState before = books::readOfficeState();
     OfficeState state;
     state.syncedAt = isReached ? platform::clock::now() : before.syncedAt;

@@ -15,9 +15,6 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 using namespace platform::message;
 
-constexpr qint64 kLargestKeyFile = 1024;
-constexpr qsizetype kTerminalDigits = 10;
-
 void addCardHostOptions(QCommandLineParser& parser) {
     parser.addOptions({
         {u"host"_s, u"The host's IPv4 or IPv6 address, with its port behind it or not."_s, u"IP[:N]"_s},
@@ -29,6 +26,7 @@ void addCardHostOptions(QCommandLineParser& parser) {
 }
 
 QString newTerminal() {
+    constexpr qsizetype kTerminalDigits = 10;
     QString digits;
     while (digits.size() < kTerminalDigits) digits += QChar(u'0' + char16_t(randombytes_uniform(10)));
     return digits;
@@ -45,6 +43,7 @@ struct Wanted {
 
 /// Reads the call's options and the key; a failure when they are not as they must be.
 Outcome readOptions(const QCommandLineParser& options, Wanted* wanted) {
+    constexpr qint64 kLargestKeyFile = 1024;
     const std::optional<platform::Endpoint> host = platform::parseEndpoint(options.value(u"host"_s));
     if (!options.isSet(u"host"_s) || !options.isSet(u"key"_s) ||
         (options.isSet(u"port"_s) == (host && host->port > 0)))

@@ -17,8 +17,6 @@ constexpr std::array kCommands{&kInitCommand,    &kLoadCommand,      &kUserComma
                                &kJournalCommand, &kExportCommand,    &kCardHostCommand,  &kBackupCommand,
                                &kRestoreCommand, &kArchiveCommand,   &kUpgradeCommand,   &kCheckCommand};
 
-constexpr db::Statement<u"SELECT name FROM sqlite_master WHERE name = '%s'"> kSelectTable;
-
 constexpr tools::Program kProgram{
     u"rovanactl",
     u"Makes, fills, reads and checks the device folder of the terminal.",
@@ -40,6 +38,7 @@ int run(const QStringList& arguments, QTextStream& in, QTextStream& out, QTextSt
 }
 
 Outcome requireTable(QStringView table) {
+    static constexpr db::Statement<u"SELECT name FROM sqlite_master WHERE name = '%s'"> kSelectTable;
     const QString path = platform::device::path(platform::device::kDatabaseFile);
     if (!QFileInfo::exists(path)) {
         return failure(

@@ -240,7 +240,7 @@ QString replaceButPayments(SqliteFile& backup, SqliteFile& database, const QStri
     return error;
 }
 
-/// Puts the backup's content into the database that is there, or tells why not.
+/// Puts the backup's content into the database that is there, or returns why not.
 CopyResult replaceContent(SqliteFile& backup, SqliteFile& database, const QString& to, qint64 bytes) {
     const CopyResult kept = keepBeside(database, to);
     if (!kept.error.isEmpty()) return {u"the database that is there cannot be kept: "_s % kept.error, {}};

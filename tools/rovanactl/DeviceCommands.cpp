@@ -122,7 +122,7 @@ print::Document testPage() {
     return page;
 }
 
-/// Prints the page and tells whether the printer took or kept it, which no print job of the screens learns.
+/// Prints the page and returns whether the printer took or kept it, which no print job of the screens learns.
 bool print(const print::Document& page, Printer& printer) {
     printer.open();
     printer.initialise();

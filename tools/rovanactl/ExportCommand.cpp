@@ -16,9 +16,6 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 using platform::SqliteFile;
 
-/// The line buffer of the import, line end included.
-constexpr qsizetype kLongestLineBytes = 1023;
-
 /// A kind of slips and its two files.
 struct SlipKind {
     QStringView table;
@@ -48,6 +45,8 @@ struct Line {
 };
 
 Line rvnLine(const SlipKind& kind, const QStringList& fields) {
+    // The line buffer of the import, line end included.
+    constexpr qsizetype kLongestLineBytes = 1023;
     for (qsizetype column = 0; column < fields.size(); ++column) {
         const QString& value = fields[column];
         QString fault = unstorable(value);

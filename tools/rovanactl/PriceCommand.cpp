@@ -1,4 +1,5 @@
-#include "db/Query.h"
+#include "books/Customer.h"
+#include "books/Product.h"
 #include "rovanactl/Command.h"
 #include "sales/Pricing.h"
 
@@ -6,9 +7,6 @@ namespace admin {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
-
-constexpr db::Statement<u"SELECT Gubun FROM GARAE WHERE GCode = '%s'"> kSelectKind;
-constexpr db::Statement<u"SELECT PCode FROM PUMMOK WHERE PCode = '%s'"> kSelectProduct;
 
 /// A slip takes quantities of up to three digits.
 constexpr int kLargestQuantity = 999;
@@ -54,10 +52,10 @@ Answer price(const QStringList& question) {
         return {{},
                 u"\"%1\" is no quantity from 0 to %2"_s.arg(question[boxes ? 3 : 2]).arg(kLargestQuantity)};
     }
-    const std::optional<QStringList> kind = db::firstRow(kSelectKind(customer));
-    if (!kind) return {{}, u"there is no customer \"%1\""_s.arg(customer)};
-    if (!db::hasRow(kSelectProduct(product))) return {{}, u"there is no product \"%1\""_s.arg(product)};
-    const sales::PricedLine line = sales::priceLine(customer, kind->first(), product, *boxes, *bottles);
+    const std::optional<books::Customer> known = books::slipCustomer(customer);
+    if (!known) return {{}, u"there is no customer \"%1\""_s.arg(customer)};
+    if (!books::productExists(product)) return {{}, u"there is no product \"%1\""_s.arg(product)};
+    const sales::PricedLine line = sales::priceLine(customer, known->Gubun, product, *boxes, *bottles);
     const QStringList values{sourceName(line.source), platform::formatWon(line.amounts.supply),
                              platform::formatWon(line.amounts.vat),
                              platform::formatWon(line.amounts.crateDeposit),

@@ -12,16 +12,6 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr db::Statement<
-    u"SELECT DISTINCT UserID FROM MTM WHERE DDate = '%s' AND JunNo = '%s' ORDER BY UserID">
-    kSellers;
-constexpr db::Statement<
-    u"SELECT DISTINCT UserID FROM YTM WHERE DDate = '%s' AND JunNo = '%s' ORDER BY UserID">
-    kReturners;
-constexpr db::Statement<
-    u"SELECT DISTINCT UserID FROM MTMOK WHERE DDate = '%s' AND JunNo = '%s' ORDER BY UserID">
-    kCollectors;
-
 /// A document by the word that asks for it.
 struct Printable {
     QStringView word;
@@ -31,12 +21,21 @@ struct Printable {
 };
 
 db::Sql sellers(QStringView date, QStringView number) {
+    static constexpr db::Statement<
+        u"SELECT DISTINCT UserID FROM MTM WHERE DDate = '%s' AND JunNo = '%s' ORDER BY UserID">
+        kSellers;
     return kSellers(date, number);
 }
 db::Sql returners(QStringView date, QStringView number) {
+    static constexpr db::Statement<
+        u"SELECT DISTINCT UserID FROM YTM WHERE DDate = '%s' AND JunNo = '%s' ORDER BY UserID">
+        kReturners;
     return kReturners(date, number);
 }
 db::Sql collectors(QStringView date, QStringView number) {
+    static constexpr db::Statement<
+        u"SELECT DISTINCT UserID FROM MTMOK WHERE DDate = '%s' AND JunNo = '%s' ORDER BY UserID">
+        kCollectors;
     return kCollectors(date, number);
 }
 

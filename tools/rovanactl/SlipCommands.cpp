@@ -10,11 +10,6 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr db::Statement<
-    u"SELECT WorkGubun, GName, JunNo, UserID, MMoney, BMoney, YMoney, GMoney FROM MTM WHERE DDate = '%s' "
-    u"ORDER BY JunNo, UserID">
-    kSelectLines;
-
 struct Slip {
     QString state;
     QString customer;
@@ -28,6 +23,10 @@ struct Slip {
 
 /// The sales slips of the date, in order of number and user.
 QList<Slip> readSlips(const QString& date) {
+    static constexpr db::Statement<
+        u"SELECT WorkGubun, GName, JunNo, UserID, MMoney, BMoney, YMoney, GMoney FROM MTM WHERE DDate = '%s' "
+        u"ORDER BY JunNo, UserID">
+        kSelectLines;
     QList<Slip> slips;
     db::forEachRow(kSelectLines(date), [&](db::CVORecordset& line) {
         const QString number = line.GetFieldString(2);

@@ -14,9 +14,6 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 using tools::CsvRow;
 
-constexpr db::Statement<u"SELECT *  FROM PDAUSER WHERE userID = '%s'"> kSelectUser;
-constexpr db::Statement<u"DELETE PDAUSER WHERE userID = '%s'"> kDeleteUser;
-
 constexpr QStringView kNothingChanged =
     u"the database did not take the rows (disk full, or in use by another program); nothing has changed";
 
@@ -146,6 +143,8 @@ QString applyPassword(const Invocation& call, QStringList* row) {
 }
 
 Outcome changeUser(const Invocation& call) {
+    static constexpr db::Statement<u"SELECT *  FROM PDAUSER WHERE userID = '%s'"> kSelectUser;
+    static constexpr db::Statement<u"DELETE PDAUSER WHERE userID = '%s'"> kDeleteUser;
     const QString& id = call.arguments[0];
     if (!canLogIn(id)) return usageError(u"\"%1\" could not log in; an id is one letter, A to Z"_s.arg(id));
     if (Outcome missing = requireTable(u"PDAUSER"); missing.exitCode != kSuccess) return missing;

@@ -13,8 +13,6 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr db::Statement<u"SELECT userNAME  FROM PDAUSER WHERE userID = '%s'"> kUser;
-
 void addTotalsOptions(QCommandLineParser& parser) {
     NamedDatabase::addOption(parser);
     parser.addOption({u"date"_s, u"The day of the reports, today without it."_s, u"yyyy-MM-dd"_s});
@@ -52,6 +50,7 @@ void writeReports(const Invocation& call, const QList<totals::Report>& reports) 
 }
 
 Outcome writeTotals(const Invocation& call) {
+    static constexpr db::Statement<u"SELECT userNAME  FROM PDAUSER WHERE userID = '%s'"> kUser;
     const std::optional<QString> date = dateOption(call.options, u"date"_s);
     if (!date) return usageError(u"--date takes a date such as 2024-03-31"_s);
     const QString name = call.options.value(u"report"_s);

@@ -55,7 +55,7 @@ class CCollectionEntryDlg : public ui::Screen {
     /// Takes over what the container slip of the visit is worth, and tells the recovery's excess after that,
     /// once the screen shows.
     void takeOverContainers(const std::optional<books::CollectionSlip>& saved);
-    /// Takes the worth of the container slip over, as if keyed. Result as for keyRecovery.
+    /// Takes the worth of the container slip over, as if keyed. Returns what exceeds the total.
     platform::Won takeOver(platform::Won recovery);
     /// The container slip is worth another amount than the saved collection has for it.
     void askToTakeOver(platform::Won recovery);

@@ -7,6 +7,7 @@
 #include "app/KeypadRequest.h"
 #include "app/Session.h"
 #include "books/ContainerBalance.h"
+#include "books/Product.h"
 #include "container/ContainerProduct.h"
 #include "container/WorkingContainers.h"
 #include "ui/AmountTable.h"
@@ -152,7 +153,7 @@ void CContainerSlipDlg::addFromSearch(bool byConsonant) {
 }
 
 void CContainerSlipDlg::addProduct(const QString& pCode) {
-    if (!productExists(pCode)) {
+    if (!books::productExists(pCode)) {
         ui::message(u"품목코드에서 해당품목이 없습니다..!"_s);
         return;
     }

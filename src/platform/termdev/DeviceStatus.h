@@ -28,7 +28,7 @@ struct DeviceStatus {
     Cause cause = Cause::None;
 };
 
-/// Tells `observer` each time that a device's status may have changed; an empty function ends that.
+/// Calls `observer` each time that a device's status may have changed; an empty function ends that.
 void setStatusObserver(std::function<void()> observer);
 
 /// For the devices: passes it on to the observer.

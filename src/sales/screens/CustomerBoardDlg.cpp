@@ -10,12 +10,11 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int kBlankKey = 1050;
-constexpr int kCancelHint = 1134;
-
 }  // namespace
 
 CCustomerBoardDlg::CCustomerBoardDlg() : ConsonantBoard(app::dialogs::kConsonantBoard, u"거래처 초성"_s) {
+    constexpr int kBlankKey = 1050;
+    constexpr int kCancelHint = 1134;
     addButton(kBlankKey, {}, keyAt(15), ui::bitmaps::kConsonant, {});
     addLabel(kCancelHint, u"[취소]클릭시 미등록거래처로 세팅!"_s, {4, 254, 232, 24}, ui::FontHeight::Small,
              Qt::AlignCenter)

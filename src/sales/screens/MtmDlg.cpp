@@ -11,6 +11,7 @@
 #include "app/Session.h"
 #include "app/UnsavedWork.h"
 #include "books/Customer.h"
+#include "books/Product.h"
 #include "books/Receivable.h"
 #include "platform/Clock.h"
 #include "sales/Checkout.h"
@@ -27,7 +28,6 @@
 #include "ui/Messages.h"
 #include "ui/ReportList.h"
 #include "ui/Terminal.h"
-#include "ui/TwoLineDelegate.h"
 
 namespace sales {
 
@@ -43,13 +43,8 @@ constexpr int kCustomerName = 1059;
 constexpr int kReceivable = 1088;
 // Our own controls.
 constexpr int kCount = 1311;
-constexpr int kPastOrder = 1312;
 constexpr int kSearchOn = 1313;
-constexpr int kLess = 1314;
-constexpr int kMore = 1315;
 
-constexpr int kRowHeight = 29;
-constexpr int kTitleHeight = 18;
 constexpr int kNameColumn = 1;
 constexpr int kBoxColumn = 2;
 
@@ -76,14 +71,16 @@ CMtmDlg::CMtmDlg() : Screen(app::dialogs::kSalesSlip) {
 }
 
 void CMtmDlg::addLines() {
+    constexpr int kRowHeight = 29;
+    constexpr int kTitleHeight = 18;
     list_ = addList(
         1054, {0, 40, 240, 107}, u"주문서 상품"_s,
         {{u"코드"_s, 40}, {u"상품명"_s, 110}, {u"상자"_s, 34, ui::kRight}, {u"본"_s, 34, ui::kRight}},
         [this](int row) { selectLine(row); }, [this] { changeQuantities(); });
     // More of the lines shows below lower titles.
     list_->horizontalHeader()->setFixedHeight(kTitleHeight);
-    new ui::TwoLineDelegate(list_, kRowHeight, [this](const platform::Rows& rows, int row, int column) {
-        ui::TwoLineDelegate::Line line;
+    list_->setCellDetails(kRowHeight, [this](const platform::Rows& rows, int row, int column) {
+        ui::CellDetail line;
         if (column != kNameColumn) return line;
         const LineKey key = keyAt(rows, row);
         const LineDetail detail = details_.value({key.PCode, key.Box, key.Bon});
@@ -131,6 +128,9 @@ void CMtmDlg::addAmountRows() {
 }
 
 void CMtmDlg::addButtons() {
+    constexpr int kPastOrder = 1312;
+    constexpr int kLess = 1314;
+    constexpr int kMore = 1315;
     constexpr int kTop = 147;
     constexpr int kPitch = 35;
     const auto place = [](int number) { return QPoint(182, kTop + number * kPitch); };
@@ -256,7 +256,7 @@ void CMtmDlg::addFromSearch(bool isResumed) {
 void CMtmDlg::addByCode() {
     if (!app::askText(u"상품코드"_s, app::session().action.GName)) return;
     const QString pcode = app::keypadRequest().KeypadValue1;
-    if (!productExists(pcode)) {
+    if (!books::productExists(pcode)) {
         ui::message(kUnknownProduct.toString());
         return;
     }
@@ -361,7 +361,7 @@ bool CMtmDlg::changeTo(const Quantities& quantities) {
     const app::ActionValues& action = app::session().action;
     const PricedLine priced = priceLine(action.GCode, action.CustomerKind, selected_->PCode, boxes, bottles);
     // Without a contract a product that has left the price list would become one for nothing.
-    if (priced.source != PriceSource::Contract && !productExists(selected_->PCode)) {
+    if (priced.source != PriceSource::Contract && !books::productExists(selected_->PCode)) {
         ui::message(kUnknownProduct.toString());
         return false;
     }

@@ -53,12 +53,12 @@ class CMtmDlg : public ui::Screen {
     /// Gives the selected line these quantities. False, and told, when they cannot be.
     bool changeTo(const Quantities& quantities);
     void editAmount(const SlipAmount& amount);
-    /// Tells where the selected line's price comes from.
+    /// Shows where the selected line's price comes from.
     void explainPrice();
     void deleteSelected();
     /// False when the database did not take the slip.
     bool save();
-    /// Tells by how much the slip's collection has followed its total, if it has.
+    /// Says by how much the slip's collection has followed its total, if it has.
     void tellMoved(platform::Won moved);
     void finish();
     /// Asks about lines whose goods cost nothing.

@@ -4,7 +4,6 @@
 #include "app/Session.h"
 #include "ui/Messages.h"
 #include "ui/ReportList.h"
-#include "ui/TwoLineDelegate.h"
 
 namespace sales {
 namespace {
@@ -47,11 +46,9 @@ CPastOrdersDlg::CPastOrdersDlg() : Screen(app::dialogs::kPastOrders) {
     platform::Rows rows{.columns = 3, .cells = {}};
     for (const PastSlip& slip : history_.slips().mid(0, PurchaseHistory::kOffered))
         rows.cells << slip.DDate << platform::groupThousands(slip.total) << productsOf(slip);
-    new ui::TwoLineDelegate(list, kRowHeight, [this](const platform::Rows&, int row, int column) {
+    list->setCellDetails(kRowHeight, [this](const platform::Rows&, int row, int column) {
         const PastSlip& slip = history_.slips()[row];
-        return ui::TwoLineDelegate::Line{column == 0   ? weekday(slip)
-                                         : column == 1 ? amountOf(slip)
-                                                       : QString()};
+        return ui::CellDetail{column == 0 ? weekday(slip) : column == 1 ? amountOf(slip) : QString()};
     });
     list->setRows(rows);
     addLeaveButton(1003, u"취  소"_s);

@@ -16,8 +16,6 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 
 constexpr int kRegularButton = 1311;
-constexpr int kRowHeight = 32;
-constexpr int kNarrowLineWidth = 116;
 
 enum Column { kCode, kName, kSize, kUse, kColumns };
 
@@ -27,11 +25,13 @@ CPummokCheck::CPummokCheck()
     : ProductSearchScreen(
           app::dialogs::kProductSearch,
           {&app::ActionValues::SeekValue, &app::ActionValues::PCode, &app::ActionValues::ProductChosen}) {
+    constexpr int kRowHeight = 32;
+    constexpr int kNarrowLineWidth = 116;
     addClasses();
     addButton(1004, u"검  색"_s, {182, 2}, ui::bitmaps::kSearch, [this] { show(kByClass); });
     list_ = addProducts({0, 68, 240, 214}, u"상품 목록"_s, 150);
     markProducts();
-    new ui::TwoLineDelegate(list_, kRowHeight, [this](const platform::Rows& rows, int row, int column) {
+    list_->setCellDetails(kRowHeight, [this](const platform::Rows& rows, int row, int column) {
         return below(rows, row, column);
     });
     addButtons(u"체  크"_s, ui::bitmaps::kAdd, [this] { show(kFrequent); });
@@ -118,7 +118,7 @@ void CPummokCheck::resume() {
     });
 }
 
-ui::TwoLineDelegate::Line CPummokCheck::below(const platform::Rows& rows, int row, int column) {
+ui::CellDetail CPummokCheck::below(const platform::Rows& rows, int row, int column) {
     const QString& product = rows.at(row, kCode);
     if (column == kName) {
         const QString& size = rows.at(row, kSize);

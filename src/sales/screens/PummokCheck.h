@@ -6,7 +6,7 @@
 #include "app/ProductSearchScreen.h"
 #include "sales/Pricing.h"
 #include "sales/PurchaseHistory.h"
-#include "ui/TwoLineDelegate.h"
+#include "ui/ReportList.h"
 
 class QComboBox;
 
@@ -36,7 +36,7 @@ class CPummokCheck : public app::ProductSearchScreen {
     void resume();
     void markProducts();
     /// Price and size below a name, quantities below a code, the day below a size.
-    ui::TwoLineDelegate::Line below(const platform::Rows& rows, int row, int column);
+    ui::CellDetail below(const platform::Rows& rows, int row, int column);
     const QString& priceOf(const QString& product);
 
     QComboBox* class_ = nullptr;

@@ -16,18 +16,9 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int kFirstSum = 1077;
-constexpr int kSumHeight = 18;
-constexpr int kCellMargins = 8;
-constexpr int kListWidth = 232;  // Without its frame and scroll bar.
-/// In which a long name goes on two lines.
-constexpr int kLeastNameWidth = 78;
-constexpr int kSmallestNumbers = 9;
-constexpr int kListTop = 48;
-constexpr int kListBottom = 282;
-
 /// Pixels that the widest text of a column takes in the list: a number is never shown cut.
 int widest(const platform::Rows& rows, int column, const QFont& type) {
+    constexpr int kCellMargins = 8;
     const QFontMetrics metrics(type);
     int width = 0;
     for (int row = 0; row < rows.count(); ++row) {
@@ -39,6 +30,10 @@ int widest(const platform::Rows& rows, int column, const QFont& type) {
 /// The list's columns. Number columns are as wide as their numbers need, and the widest names give way to
 /// those that show without scrolling: a number that ran over the edge would read as a smaller one.
 QList<ui::ListColumn> fittedColumns(const Report& report, const platform::Rows& rows, QFont numbers) {
+    constexpr int kListWidth = 232;  // Without its frame and scroll bar.
+    // In which a long name goes on two lines.
+    constexpr int kLeastNameWidth = 78;
+    constexpr int kSmallestNumbers = 9;
     QList<ui::ListColumn> columns;
     ui::ListColumn* names = nullptr;
     int right = 0;
@@ -88,6 +83,8 @@ CReportDlg::CReportDlg() : CReportDlg(app::dialogs::kReport, std::exchange(repor
 CReportDlg::CReportDlg(int id, const Report& report) : CReportDlg(id, ShownReport{report, false, {}}) {}
 
 CReportDlg::CReportDlg(int id, ShownReport shown) : Screen(id), shown_(std::move(shown)) {
+    constexpr int kListTop = 48;
+    constexpr int kListBottom = 282;
     const Report& report = shown_.report;
     addLabel(0, report.title, {4, 2, 232, 26}, ui::FontHeight::Title, Qt::AlignCenter);
     addLabel(1059, {}, {4, 28, 232, 18}, ui::FontHeight::Small, Qt::AlignCenter);
@@ -116,6 +113,8 @@ void CReportDlg::setReport(const Report& report) {
 }
 
 int CReportDlg::addSums(int bottom) {
+    constexpr int kFirstSum = 1077;
+    constexpr int kSumHeight = 18;
     const QList<Sum> figures = sums(shown_.report);
     const int count = int(figures.size());
     // Two sums have a line each; more stand two beside each other.

@@ -21,8 +21,8 @@ enum class RequestKind { CardPayment, CashPayment, Balance, PreviousTransaction,
 QString sendRequest(CKsnet_msg_lib& component, RequestKind kind, const books::TransactionRecord& record,
                     const std::function<bool(const QString& number)>& mayLeave = {}, const QDate& day = {});
 
-/// Asks what became of the payment with that message number, as a previous-transaction request. Result as for
-/// sendRequest.
+/// Asks what became of the payment with that message number, as a previous-transaction request.
+/// Returns what went wrong, for the status log; empty when all went well.
 QString askAbout(CKsnet_msg_lib& component, QStringView number);
 
 /// The address that 12 digits stand for, three for each octet: 210011022003 is 210.11.22.3. Missing digits
