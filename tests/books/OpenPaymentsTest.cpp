@@ -111,6 +111,10 @@ TEST(OpenPayments, AreKnownAfterTheirSlipHasGone) {
     EXPECT_FALSE(lost(u"1"_s) || putApprovalBack(payment.number)) << "it is on its slip";
     ASSERT_TRUE(removeCollection(slip.DDate, slip.JunNo, slip.UserID));
     EXPECT_TRUE(lost(u"1"_s) && !lost(u"2"_s));
+    for (const QString& user : {u"A"_s, u"B"_s}) {
+        const SlipIdentity again{slip.DDate, u"5003"_s, user, u"1"_s};
+        EXPECT_TRUE(approvalWithoutSlip(again) && deletedPayment(again)) << "written again";
+    }
     ASSERT_TRUE(putApprovalBack(payment.number));
     EXPECT_FALSE(lost(u"1"_s));
     EXPECT_EQ(loadCollection(slip.DDate, slip.JunNo, slip.UserID)->BANKTRANNO, u"T1"_s);
@@ -121,8 +125,7 @@ TEST(OpenPayments, AreKnownOfADeletedSimplePaymentUnderAnyNumberOfTheCustomer) {
         test::TestDevice device;
         const JournalPayment payment = paymentOf(code, kSimplePaymentSlip, u"7001", 1000);
         const auto isKnown = [&](const QString& junNo, QStringView user = u"A") {
-            const auto found =
-                deletedSimplePayment({payment.slip.DDate, junNo, user.toString(), code.toString()});
+            const auto found = deletedPayment({payment.slip.DDate, junNo, user.toString(), code.toString()});
             return found && found->number == payment.number;
         };
         ASSERT_TRUE(notePayment(payment) && approvePayment(payment.number, u"T1"));

@@ -328,10 +328,18 @@ bool CCollectionEntryDlg::isApprovalPutBack() {
         {session.WorkDate, session.action.JunNo, session.UserID, session.action.GCode});
     if (!lost || isApproved_) return false;
     if (!ui::askYesNo(books::askToPutBack(*lost), u"승인된 결제"_s)) return false;
-    if (books::putApprovalBack(lost->number)) {
+    const auto back = books::putApprovalBack(lost->number);
+    if (!back) {
+        ui::message(u"결제를 되돌리지 못했습니다..!"_s);
+    } else if (back->JunNo == session.action.JunNo && back->UserID == session.UserID) {
         takeApproval();
     } else {
-        ui::message(u"결제를 되돌리지 못했습니다..!"_s);
+        // It has lowered the debt; this sale is settled with that.
+        load();
+        showAmounts();
+        ui::message(
+            u"%1번 입금전표로 되돌려 채권에서 뺐습니다..! 이 전표는 그만큼 [외상처리]를 누르세요!!"_s.arg(
+                back->JunNo));
     }
     return true;
 }
