@@ -58,8 +58,7 @@ void Terminal::loadEntry(unsigned pick) {
     opened_ = {{date_, number_, user_, customer_}, entry.amounts, {}, std::nullopt};
     opened_.recovery = recovery;
     goOnWithKept(entry);
-    if (recovery == amounts_.containerRecovery || (isHandedOver && recovery == keptRecovery_))
-        recovery.reset();
+    if (recovery == amounts_.containerRecovery || recovery == keptRecovery_) recovery.reset();
     const bool isAsked = recovery && !isHandedOver && saved;
     if (recovery && (!isAsked || answer(u"용공회수액", pick % 2 == 0))) {
         collect::takeOverRecovery(amounts_, *recovery, mode_ != 1);
