@@ -70,6 +70,14 @@ bool hasLostSlip(const JournalPayment& payment) {
            !findByTransactionNumber(payment.slip.BANKTRANNO);
 }
 
+/// The newest payment of the day that `isSought` is true of.
+template <typename Condition>
+std::optional<JournalPayment> newestOfDay(QStringView date, const Condition& isSought) {
+    const auto sent = journalPayments(date).value_or(QList<JournalPayment>());
+    const auto found = std::find_if(sent.rbegin(), sent.rend(), isSought);
+    return found == sent.rend() ? std::nullopt : std::optional(*found);
+}
+
 QString now() {
     return platform::clock::now().toString(u"yyyy-MM-dd HH:mm:ss"_s);
 }
@@ -221,22 +229,26 @@ std::optional<CollectionSlip> approvePayment(QStringView number, QStringView tra
 }
 
 std::optional<JournalPayment> approvalWithoutSlip(const SlipIdentity& slip) {
-    const auto sent = payments(kOfSlip(slip.date, slip.junNo, slip.userId)).value_or(QList<JournalPayment>());
-    const auto found = std::ranges::find_if(
-        sent, [&](const JournalPayment& each) { return each.slip.GCode == slip.gCode && hasLostSlip(each); });
-    return found == sent.end() ? std::nullopt : std::optional(*found);
+    const auto isLost = [&](const JournalPayment& each) {
+        return each.slip.GCode == slip.gCode && hasLostSlip(each);
+    };
+    const auto own = payments(kOfSlip(slip.date, slip.junNo, slip.userId)).value_or(QList<JournalPayment>());
+    if (const auto found = std::ranges::find_if(own, isLost); found != own.end()) return *found;
+    // A sale that is deleted and written again gets another number.
+    return newestOfDay(slip.date, [&](const JournalPayment& each) {
+        return !each.slip.isSimplePayment() && !slip.gCode.isEmpty() && isLost(each);
+    });
 }
 
-std::optional<JournalPayment> deletedSimplePayment(const SlipIdentity& slip) {
-    const auto sent = journalPayments(slip.date).value_or(QList<JournalPayment>());
+std::optional<JournalPayment> deletedPayment(const SlipIdentity& slip) {
     const auto isHis = [&](const JournalPayment& each) {
         // One who is not registered may be anybody, but for the number that is given to him again.
         return each.slip.isSimplePayment() && each.slip.UserID == slip.userId &&
                each.slip.GCode == slip.gCode &&
                (slip.gCode != kUnregisteredCustomer || each.slip.JunNo == slip.junNo) && hasLostSlip(each);
     };
-    const auto found = std::find_if(sent.rbegin(), sent.rend(), isHis);
-    return found == sent.rend() ? std::nullopt : std::optional(*found);
+    const auto found = newestOfDay(slip.date, isHis);
+    return found ? found : approvalWithoutSlip(slip);
 }
 
 std::optional<CollectionSlip> putApprovalBack(QStringView number) {

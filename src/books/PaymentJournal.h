@@ -88,11 +88,13 @@ bool reopenPayment(QStringView number);
 std::optional<CollectionSlip> approvePayment(QStringView number, QStringView transactionNumber);
 
 /// The newest approved payment of the customer's slip of that date, number and user whose approval is on no
-/// slip any more: the collection was deleted, or the database is an older copy.
+/// slip any more: the collection was deleted, or the database is an older copy. Where there is none, that of
+/// another sale of his of that date, whoever wrote it.
 std::optional<JournalPayment> approvalWithoutSlip(const SlipIdentity& slip);
 
-/// The same of a simple payment: of the registered customer under any number of that date and user.
-std::optional<JournalPayment> deletedSimplePayment(const SlipIdentity& slip);
+/// The same for a simple payment: of the registered customer's simple payments under any number of that date
+/// and user, else of his sales.
+std::optional<JournalPayment> deletedPayment(const SlipIdentity& slip);
 
 /// Puts the approval of such a payment back on its slip, as when it is approved. Returns
 /// the slip as it stands; nothing when the change did not last.

@@ -45,7 +45,7 @@ std::optional<books::SettlementAmounts> goOn(const books::KeptSettlement& kept,
     amounts.nonLiquor = keyed.nonLiquor;
     // What it leaves of the new total is unpaid, unless it was settled.
     if (!keyed.containerRecovery.isZero()) keyRecovery(amounts, keyed.containerRecovery);
-    amounts.earlierReceivable = keyed.earlierReceivable;
+    if (!keyed.earlierReceivable.isZero()) keyEarlierReceivable(amounts, keyed.earlierReceivable);
     // A recovery as large as the total settles the visit, and the receivable paid with it.
     if (amounts.containerRecovery == amounts.total) return amounts;
     if (!keyed.card.isZero()) {

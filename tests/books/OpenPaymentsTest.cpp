@@ -96,5 +96,27 @@ TEST(OpenPayments, AreOpenAgainAfterAMistake) {
     }
 }
 
+TEST(OpenPayments, AreKnownAfterTheirSlipHasGone) {
+    test::TestDevice device;
+    device.insert(u"MTM",
+                  {{u"DDate", u"2024-05-10"}, {u"GCode", u"1"}, {u"JunNo", u"5001"}, {u"UserID", u"A"}});
+    const JournalPayment payment = paymentOf(u"1", kCollectionOfSale, u"5001", 1000);
+    const auto& slip = payment.slip;
+    const auto lost = [&](const QString& code) {
+        return approvalWithoutSlip({slip.DDate, slip.JunNo, slip.UserID, code}).has_value();
+    };
+    ASSERT_TRUE(notePayment(payment) && approvePayment(payment.number, u"T1"));
+    EXPECT_FALSE(lost(u"1"_s) || putApprovalBack(payment.number)) << "it is on its slip";
+    ASSERT_TRUE(removeCollection(slip.DDate, slip.JunNo, slip.UserID));
+    EXPECT_TRUE(lost(u"1"_s) && !lost(u"2"_s));
+    for (const QString& user : {u"A"_s, u"B"_s}) {
+        const SlipIdentity again{slip.DDate, u"5003"_s, user, u"1"_s};
+        EXPECT_TRUE(approvalWithoutSlip(again) && deletedPayment(again)) << "written again";
+    }
+    ASSERT_TRUE(putApprovalBack(payment.number));
+    EXPECT_FALSE(lost(u"1"_s));
+    EXPECT_EQ(loadCollection(slip.DDate, slip.JunNo, slip.UserID)->BANKTRANNO, u"T1"_s);
+}
+
 }  // namespace
 }  // namespace books

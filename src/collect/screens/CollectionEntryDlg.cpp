@@ -147,17 +147,19 @@ books::SlipIdentity CCollectionEntryDlg::identity() {
 
 void CCollectionEntryDlg::goOnWithKept(const OpenedEntry& entry) {
     kept_ = {identity(), entry.amounts, {}, std::nullopt};
+    keptRecovery_.reset();
     app::ActionValues& action = app::session().action;
     const auto before = std::exchange(action.KeptSettlement, std::nullopt);
-    if (!before || isApproved_ || isSimplePayment_) return;
-    const auto worth = action.ContainerRecovery ? action.ContainerRecovery
-                                                : books::savedRecovery(kept_.slip.date, kept_.slip.junNo,
-                                                                       kept_.slip.userId, kept_.slip.gCode);
-    const auto goneOn = goOn(*before, identity(), entry, worth);
+    if (isSimplePayment_) return;
+    kept_.recovery = action.ContainerRecovery ? action.ContainerRecovery
+                                              : books::savedRecovery(kept_.slip.date, kept_.slip.junNo,
+                                                                     kept_.slip.userId, kept_.slip.gCode);
+    if (!before || isApproved_) return;
+    const auto goneOn = goOn(*before, identity(), entry, kept_.recovery);
     if (!goneOn) return;
     amounts_ = *goneOn;
     // The containers are in it already, or another amount was keyed for them.
-    if (action.ContainerRecovery == before->recovery) keptRecovery_ = before->recovery;
+    keptRecovery_ = before->recovery;
 }
 
 void CCollectionEntryDlg::keep() {
@@ -173,7 +175,6 @@ void CCollectionEntryDlg::takeOverContainers(const std::optional<books::Collecti
     // slip says what it is worth.
     auto recovery = std::exchange(session.action.ContainerRecovery, std::nullopt);
     const bool isHandedOver = recovery.has_value();
-    kept_.recovery = recovery;
     const bool isMoved = std::exchange(session.action.IsRecoveryMoved, false);
     if (!isHandedOver && !(saved && saved->isSimplePayment())) {
         recovery = books::savedRecovery(session.WorkDate, session.action.JunNo, session.UserID,
@@ -181,8 +182,7 @@ void CCollectionEntryDlg::takeOverContainers(const std::optional<books::Collecti
     }
     // What the saving of the containers has left unpaid is settled as if the recovery had been keyed.
     if (isMoved && !amounts_.total.isZero()) excess = keyRecovery(amounts_, amounts_.containerRecovery);
-    if (recovery == amounts_.containerRecovery || (isHandedOver && recovery == keptRecovery_))
-        recovery.reset();
+    if (recovery == amounts_.containerRecovery || recovery == keptRecovery_) recovery.reset();
     // Another amount on the saved collection may have been keyed.
     const bool isAsked = recovery && !isHandedOver && saved;
     if (recovery && !isAsked) excess = takeOver(*recovery);
@@ -328,10 +328,18 @@ bool CCollectionEntryDlg::isApprovalPutBack() {
         {session.WorkDate, session.action.JunNo, session.UserID, session.action.GCode});
     if (!lost || isApproved_) return false;
     if (!ui::askYesNo(books::askToPutBack(*lost), u"승인된 결제"_s)) return false;
-    if (books::putApprovalBack(lost->number)) {
+    const auto back = books::putApprovalBack(lost->number);
+    if (!back) {
+        ui::message(u"결제를 되돌리지 못했습니다..!"_s);
+    } else if (back->JunNo == session.action.JunNo && back->UserID == session.UserID) {
         takeApproval();
     } else {
-        ui::message(u"결제를 되돌리지 못했습니다..!"_s);
+        // It has lowered the debt; this sale is settled with that.
+        load();
+        showAmounts();
+        ui::message(
+            u"%1번 입금전표로 되돌려 채권에서 뺐습니다..! 이 전표는 그만큼 [외상처리]를 누르세요!!"_s.arg(
+                back->JunNo));
     }
     return true;
 }

@@ -89,8 +89,8 @@ void CSimplePaymentDlg::keyAmount(SimpleAmount which, const QString& title) {
 
 bool CSimplePaymentDlg::isApprovalPutBack() {
     app::SessionValues& session = app::session();
-    const auto deleted = books::deletedSimplePayment(
-        {session.WorkDate, session.action.JunNo, session.UserID, session.action.GCode});
+    const auto deleted =
+        books::deletedPayment({session.WorkDate, session.action.JunNo, session.UserID, session.action.GCode});
     if (!deleted || !ui::askYesNo(books::askToPutBack(*deleted), u"승인된 결제"_s)) return false;
     if (books::putApprovalBack(deleted->number)) {
         session.SlipDone = 1;

@@ -56,7 +56,12 @@ void Judge::paymentSent(Page& want, const Event& event, const Page& after) {
                                want.collections.end();
         const bool isHisSimple = event.mode == 6 && simple_.contains(payment.message) && isDeleted &&
                                  isOfDayAndCustomer(payment.visit, visit) && visit.customer != kUnregistered;
-        if (payment.state == "approved" && (payment.visit == visit || isHisSimple) && !event.isTold)
+        // So has a sale that was deleted and written again, whoever writes it.
+        const bool isHisSale = !simple_.contains(payment.message) && isDeleted &&
+                               payment.visit.key.date == visit.key.date &&
+                               payment.visit.customer == visit.customer;
+        if (payment.state == "approved" && (payment.visit == visit || isHisSimple || isHisSale) &&
+            !event.isTold)
             found(Rule::ApprovalTold, words(visit) + " was paid with " + payment.approval);
     }
     const Payment* const kept = amountsOf(want, event, after);

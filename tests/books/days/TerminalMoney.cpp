@@ -58,8 +58,7 @@ void Terminal::loadEntry(unsigned pick) {
     opened_ = {{date_, number_, user_, customer_}, entry.amounts, {}, std::nullopt};
     opened_.recovery = recovery;
     goOnWithKept(entry);
-    if (recovery == amounts_.containerRecovery || (isHandedOver && recovery == keptRecovery_))
-        recovery.reset();
+    if (recovery == amounts_.containerRecovery || recovery == keptRecovery_) recovery.reset();
     const bool isAsked = recovery && !isHandedOver && saved;
     if (recovery && (!isAsked || answer(u"용공회수액", pick % 2 == 0))) {
         collect::takeOverRecovery(amounts_, *recovery, mode_ != 1);
@@ -196,15 +195,23 @@ bool Terminal::isPaymentSettled(unsigned pick) {
 bool Terminal::isApprovalPutBack(unsigned pick) {
     const books::SlipIdentity slip{date_, number_, user_, customer_};
     const bool isSimple = isAt(Screen::Simple);
-    const auto lost = isSimple ? books::deletedSimplePayment(slip) : books::approvalWithoutSlip(slip);
+    const auto lost = isSimple ? books::deletedPayment(slip) : books::approvalWithoutSlip(slip);
     if (!lost || (!isSimple && isApproved_)) return false;
     isTold_ = true;
     if (!answer(u"승인된 결제", pick % 2 != 0)) return false;
     Event back = event(Event::Kind::ApprovalBack);
     back.answers[text(lost->number)] = Event::Answer::Approved;
-    back.isRefused = !books::putApprovalBack(lost->number);
+    const auto row = books::putApprovalBack(lost->number);
+    back.isRefused = !row;
     tell(back);
-    if (!back.isRefused) isSimple ? done() : takeApproval(pick);
+    if (back.isRefused) return true;
+    if (isSimple) {
+        done();
+    } else if (row->JunNo == number_ && row->UserID == user_) {
+        takeApproval(pick);
+    } else {
+        loadEntry(pick);
+    }
     return true;
 }
 
