@@ -77,7 +77,7 @@ void CCardDlg::printVisit() {
         count = papers_->printVisit(false, ui::WaitCursor::alive);
     }
     if (count > 0) return;
-    if (!ui::askYesNo(u"두 부 모두 출력하였습니다..! 한 번 더 출력할까요?"_s, u"다시 출력"_s)) return;
+    if (!ui::askYesNo(print::printAgainText(), u"다시 출력"_s)) return;
     const ui::WaitCursor wait;
     papers_->printVisit(true, ui::WaitCursor::alive);
 }
@@ -85,7 +85,7 @@ void CCardDlg::printVisit() {
 void CCardDlg::printCopies(print::SlipPapers& papers) {
     if (!printSlip(papers, 1, books::Copy::Seller)) return;
     if (ui::askYesNo(u"구매자용 명세서를 출력할까요?"_s, u"구매자용 명세서출력"_s,
-                      ui::MessageIcon::Question)) {
+                     ui::MessageIcon::Question)) {
         printSlip(papers, 2, books::Copy::Buyer);
     }
 }
