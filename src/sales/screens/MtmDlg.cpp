@@ -152,7 +152,8 @@ void CMtmDlg::addButtons() {
     addLeaveButton(1001, u"취 소"_s, [this] {
         if (app::mayLeave(books::Working::Sale)) close(Cancelled);
     });
-    ui::BitmapButton* less = addButton(kLess, u"−"_s, {}, ui::bitmaps::kSmallConsonant, [this] { step(-1); });
+    ui::BitmapButton* less =
+        addButton(kLess, u"－"_s, {}, ui::bitmaps::kSmallConsonant, [this] { step(-1); });
     ui::BitmapButton* more = addButton(kMore, u"+"_s, {}, ui::bitmaps::kSmallConsonant, [this] { step(1); });
     stepper_ = new QuantityStepper(list_, less, more);
 }
@@ -344,9 +345,8 @@ void CMtmDlg::changeQuantities() {
 void CMtmDlg::step(int by) {
     if (!selected_ || isChosenTwice()) return;
     const int column = stepper_->column();
-    Quantities quantities = quantitiesOf(*selected_);
-    (column == kBoxColumn ? quantities.boxes : quantities.bottles) += by;
-    if (!question_.isTaken(selected_->PCode, quantities) || !changeTo(quantities)) return;
+    const auto quantities = stepper_->stepped(quantitiesOf(*selected_), by);
+    if (!quantities || !question_.isTaken(selected_->PCode, *quantities) || !changeTo(*quantities)) return;
     stepper_->showAt(rowOf(*selected_), column);
 }
 
