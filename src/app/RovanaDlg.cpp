@@ -38,7 +38,7 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-enum Control { kUserName = 1009, kContainerButton = 1046, kOldData = 1011 };
+enum Control { kUserName = 1009, kSalesButton = 1044, kContainerButton = 1046, kOldData = 1011 };
 
 QPoint tileAt(int index) {
     return {ui::kGridLeft + index % 2 * 2 * ui::kGridPitch, 8 + index / 2 * 68};
@@ -119,8 +119,8 @@ void CRovanaDlg::addMenuControls() {
         std::function<void()> action;
     };
     const Tile tiles[] = {
-        {1044, u"매출작업"_s, ui::bitmaps::kSalesWork,
-         [this] { runMenuAction(1044, kSalesWork, dialogs::kSlipList); }},
+        {kSalesButton, u"매출작업"_s, ui::bitmaps::kSalesWork,
+         [this] { runMenuAction(kSalesButton, kSalesWork, dialogs::kSlipList); }},
         {1045, u"입금작업"_s, ui::bitmaps::kCollectionWork,
          [this] { runMenuAction(1045, kCollectionWork, dialogs::kCollectionList); }},
         {kContainerButton, u"용공작업"_s, ui::bitmaps::kContainerWork,
@@ -233,6 +233,7 @@ void CRovanaDlg::answerLogin() {
     takeBackUnpaid();
     // Before the first press in the menu empties the working slips.
     offerUnsaved();
+    goOnToList();
     checkEarlierDays();
 }
 
@@ -299,9 +300,15 @@ void CRovanaDlg::runBehind(int button, const std::function<void()>& action) {
     tellNewDay();
 }
 
-void CRovanaDlg::runMenuAction(int button, int workMode, int dialog) {
-    runBehind(button, [=] {
-        bool isNext = false;
+void CRovanaDlg::goOnToList() {
+    if (!session().ReturnsToList) return;
+    session().WorkMode == kContainerWork
+        ? runMenuAction(kContainerButton, kContainerWork, dialogs::kContainerList, true)
+        : runMenuAction(kSalesButton, kSalesWork, dialogs::kSlipList, true);
+}
+
+void CRovanaDlg::runMenuAction(int button, int workMode, int dialog, bool isNext) {
+    runBehind(button, [=]() mutable {
         do {
             session().ReturnsToList = false;
             resetSession();

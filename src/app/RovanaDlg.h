@@ -38,7 +38,10 @@ class CRovanaDlg : public ui::Screen {
     void showMenu();
     void showUserName();
     void showOldData();
-    void runMenuAction(int button, int workMode, int dialog);
+    /// To the list that a visit which login went on with was to end at.
+    void goOnToList();
+    /// With `isNext` a list has the orders to be delivered on top.
+    void runMenuAction(int button, int workMode, int dialog, bool isNext = false);
     void runCardAction(int button, int workMode);
     void runSimplePayment();
     void runBehind(int button, const std::function<void()>& action);
