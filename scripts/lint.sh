@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Checks what the compiler does not: formatting, include cycles, the arrows between folders, umbrella headers.
-# Every finding names file and line. Needs git, awk and clang-format only.
+# Checks what the compiler does not: formatting, include cycles, the arrows between folders, umbrella headers, texts
+# that cannot be shown. Needs git, awk, iconv and clang-format only.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -30,6 +30,15 @@ if ! told=$(printf '%s\0' "${files[@]}" |
 fi
 
 awk -f scripts/includes.awk "${files[@]}" || status=1
+
+# The screens' font has the characters of code page 949; any other shows as an empty box.
+for file in "${files[@]}"; do
+    [[ $file == src/* ]] || continue
+    if ! iconv -f UTF-8 -t CP949 "$file" >/dev/null 2>&1; then
+        echo "$file: holds a character that is not of code page 949 and does not show"
+        status=1
+    fi
+done
 
 if ((status == 0)); then
     echo "lint: ${#files[@]} files, nothing to say"

@@ -39,7 +39,13 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-enum Control { kUserName = 1009, kContainerButton = 1046, kOldData = 1011, kOffice = 1012 };
+enum Control {
+    kUserName = 1009,
+    kSalesButton = 1044,
+    kContainerButton = 1046,
+    kOldData = 1011,
+    kOffice = 1012
+};
 
 /// Between two looks at what the sync has noted while nobody presses anything.
 constexpr int kOfficeLookMs = 30'000;
@@ -122,8 +128,8 @@ void CRovanaDlg::addMenuControls() {
         std::function<void()> action;
     };
     const Tile tiles[] = {
-        {1044, u"매출작업"_s, ui::bitmaps::kSalesWork,
-         [this] { runMenuAction(1044, kSalesWork, dialogs::kSlipList); }},
+        {kSalesButton, u"매출작업"_s, ui::bitmaps::kSalesWork,
+         [this] { runMenuAction(kSalesButton, kSalesWork, dialogs::kSlipList); }},
         {1045, u"입금작업"_s, ui::bitmaps::kCollectionWork,
          [this] { runMenuAction(1045, kCollectionWork, dialogs::kCollectionList); }},
         {kContainerButton, u"용공작업"_s, ui::bitmaps::kContainerWork,
@@ -236,6 +242,7 @@ void CRovanaDlg::answerLogin() {
     takeBackUnpaid();
     // Before the first press in the menu empties the working slips.
     offerUnsaved();
+    goOnToList();
     checkEarlierDays();
 }
 
@@ -322,9 +329,15 @@ void CRovanaDlg::runBehind(int button, const std::function<void()>& action) {
     tellNewDay();
 }
 
-void CRovanaDlg::runMenuAction(int button, int workMode, int dialog) {
-    runBehind(button, [=] {
-        bool isNext = false;
+void CRovanaDlg::goOnToList() {
+    if (!session().ReturnsToList) return;
+    session().WorkMode == kContainerWork
+        ? runMenuAction(kContainerButton, kContainerWork, dialogs::kContainerList, true)
+        : runMenuAction(kSalesButton, kSalesWork, dialogs::kSlipList, true);
+}
+
+void CRovanaDlg::runMenuAction(int button, int workMode, int dialog, bool isNext) {
+    runBehind(button, [=]() mutable {
         do {
             session().ReturnsToList = false;
             resetSession();

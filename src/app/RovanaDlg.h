@@ -41,7 +41,10 @@ class CRovanaDlg : public ui::Screen {
     /// What of the day the office has, as the sync beside the terminal has noted it.
     void addOfficeLine();
     void showOffice();
-    void runMenuAction(int button, int workMode, int dialog);
+    /// To the list that a visit which login went on with was to end at.
+    void goOnToList();
+    /// With `isNext` a list has the orders to be delivered on top.
+    void runMenuAction(int button, int workMode, int dialog, bool isNext = false);
     void runCardAction(int button, int workMode);
     void runSimplePayment();
     void runBehind(int button, const std::function<void()>& action);

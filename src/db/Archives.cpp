@@ -11,7 +11,7 @@ namespace db {
 using namespace Qt::Literals::StringLiterals;
 
 void forEachArchivedRow(const QString& select, const QStringList& values,
-                        const std::function<void(const QStringList& row)>& readRow) {
+                        const std::function<void(const QString& file, const QStringList& row)>& readRow) {
     using namespace platform;
     const QFileInfo own(device::path(device::kDatabaseFile));
     for (const QStringView folder : {device::kDocumentsFolder, device::kStorageCardFolder}) {
@@ -21,7 +21,7 @@ void forEachArchivedRow(const QString& select, const QStringList& values,
             SqliteFile archive(file.filePath(), SqliteFile::Mode::ReadOnly);
             const bool isRead =
                 archive.isOpen() && archive.forEachRow(select, values, [&](const QStringList& row) {
-                    readRow(row);
+                    readRow(file.filePath(), row);
                     return true;
                 });
             if (!isRead) trace(u"archive: %1: %2"_s.arg(file.fileName(), archive.errorText()));

@@ -64,6 +64,11 @@ QString waitingText() {
     return u"출력 대기 %1건"_s.arg(status.waitingJobs) + causeText(status.cause);
 }
 
+QString printAgainText() {
+    return waitingJobs() > 0 ? u"출력 대기중인 전표가 있습니다..! 한 장 더 출력할까요?"_s
+                             : u"두 부 모두 출력하였습니다..! 한 번 더 출력할까요?"_s;
+}
+
 void printDocuments(std::span<const Document> documents, const Progress& progress) {
     if (documents.empty()) return;
     PrintJob job;

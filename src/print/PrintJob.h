@@ -31,6 +31,9 @@ int waitingJobs();
 /// "출력 대기 3건: 용지 없음" while jobs wait for the printer, the reason where it is known; else empty.
 QString waitingText();
 
+/// What is asked before both copies of a visit go to the printer again: they may not have come out of it yet.
+QString printAgainText();
+
 /// Hears of every line that has gone to the printer.
 using Progress = std::function<void()>;
 

@@ -1,9 +1,11 @@
 #include "sales/PurchaseHistory.h"
 
+#include <QMap>
 #include <QSet>
 #include <QStringList>
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 #include "db/Archives.h"
 #include "db/Query.h"
@@ -79,6 +81,15 @@ void PurchaseHistory::add(const Line& line) {
     same->quantities = same->quantities + bought;
 }
 
+void PurchaseHistory::addMissing(const PurchaseHistory& other) {
+    for (const PastSlip& slip : other.slips_) {
+        const bool isKnown = std::ranges::any_of(slips_, [&](const PastSlip& each) {
+            return each.DDate == slip.DDate && each.JunNo == slip.JunNo && each.UserID == slip.UserID;
+        });
+        if (!isKnown) slips_ << slip;
+    }
+}
+
 PurchaseHistory PurchaseHistory::of(QStringView gCode, QStringView day, QStringView junNo,
                                     QStringView userId) {
     static constexpr db::Statement<
@@ -102,10 +113,10 @@ PurchaseHistory PurchaseHistory::of(QStringView gCode, QStringView day, QStringV
     };
     leave();
     if (history.slips_.size() >= kOffered) return history;
-    PurchaseHistory archived;
+    QMap<QString, PurchaseHistory> archives;
     db::forEachArchivedRow(kArchived.toString(), {gCode.toString(), day.toString()},
-                           [&](const QStringList& row) { archived.add({row}); });
-    history.slips_ += archived.slips_;
+                           [&](const QString& file, const QStringList& row) { archives[file].add({row}); });
+    for (const PurchaseHistory& archive : std::as_const(archives)) history.addMissing(archive);
     std::ranges::stable_sort(history.slips_, std::ranges::greater(), &PastSlip::DDate);
     leave();
     return history;

@@ -77,6 +77,8 @@ class PurchaseHistory {
   private:
     struct Line;
     void add(const Line& line);
+    /// Adds the slips that are not here yet: a backup lies beside archives, and holds what they do.
+    void addMissing(const PurchaseHistory& other);
 
     QList<PastSlip> slips_;
 };

@@ -1,6 +1,7 @@
 #include "ui/Messages.h"
 
 #include <QFontMetrics>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPainter>
 #include <algorithm>
@@ -18,6 +19,8 @@ constexpr QColor kShade(0x14, 0x20, 0x2b, 110);
 constexpr QColor kBorder(0x33, 0x4e, 0x68);
 constexpr QColor kIcon(0x1c, 0x5b, 0xa8);
 constexpr int kIconSize = 24;
+/// A scanner's Enter follows its last digit within that.
+constexpr int kScanMs = 1000;
 
 /// A message that lists amounts joins them with "&" to one word, wider than the panel, and a folder's name
 /// may be as wide: a line may end after the one, and before a "/".
@@ -98,6 +101,14 @@ void MessageBox::paintEvent(QPaintEvent*) {
     if (!caption_.isEmpty())
         painter.fillRect(QRect(panel_.topLeft(), QSize(kPanelWidth, kCaptionHeight)), kBorder);
     if (icon_ != MessageIcon::None) paintIcon(&painter);
+}
+
+void MessageBox::keyPressEvent(QKeyEvent* event) {
+    const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    const bool isScanned = isEnter && sinceDigit_.isValid() && sinceDigit_.elapsed() < kScanMs;
+    sinceDigit_.invalidate();
+    if (event->key() >= Qt::Key_0 && event->key() <= Qt::Key_9) sinceDigit_.start();
+    if (!isScanned) Screen::keyPressEvent(event);
 }
 
 void MessageBox::paintIcon(QPainter* painter) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QString>
 
 #include "ui/Screen.h"
@@ -39,6 +40,8 @@ class MessageBox : public Screen {
 
   protected:
     void paintEvent(QPaintEvent* event) override;
+    /// The Enter that follows digits is no answer: a scanner sent it, and nobody may be looking.
+    void keyPressEvent(QKeyEvent* event) override;
 
   private:
     void addButtons(Buttons buttons);
@@ -49,6 +52,7 @@ class MessageBox : public Screen {
     MessageIcon icon_;
     QRect panel_;
     QRect iconArea_;
+    QElapsedTimer sinceDigit_;
 };
 
 }  // namespace ui

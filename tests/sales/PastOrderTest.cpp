@@ -76,7 +76,11 @@ TEST_F(PastOrderTest, KnowsTheCustomersSlipsTheNewestFirst) {
 TEST_F(PastOrderTest, LooksIntoTheArchivesAtHandWhileItsSlipsAreFew) {
     add(u"2026-09-01"_s, u"5001"_s, u"1001"_s, 1, 0);
     add(u"2026-09-02"_s, u"5001"_s, u"1002"_s, 2, 0);
-    device.execute(u"VACUUM INTO '%1/저장소카드/2026-q3.cdb'; DELETE FROM MTM"_s.arg(device.folder()));
+    // A slip that lies in two files is one; of one that the terminal has as well, the terminal knows better.
+    add(u"2026-11-01"_s, u"5001"_s, u"1001"_s, 9, 9);
+    device.execute(
+        u"VACUUM INTO '%1/저장소카드/2026-q3.cdb'; VACUUM INTO '%1/저장소카드/backup.cdb'; "
+        "DELETE FROM MTM"_s.arg(device.folder()));
     device.writeFile(u"\\My Documents\\broken.cdb", "no database");
     for (int day = 1; day <= 4; ++day) add(u"2026-11-0%1"_s.arg(day), u"5001"_s, u"1001"_s, day, 0);
     EXPECT_EQ(slips().mid(3), (QStringList{u"11-01 5001 10: 1001 1/0"_s, u"09-02 5001 10: 1002 2/0"_s,

@@ -442,9 +442,14 @@ TEST_F(Screens, PrintingTellsOfWaitingJobsAndAsksBeforeASecondCopy) {
     EXPECT_EQ(jobs, 2);
     press(1005);
     EXPECT_EQ(asked.size(), 2) << "the first print of another paper is no second copy";
+    press(1008);
+    answer = ui::kMessageNo;
+    press(1008);
+    EXPECT_EQ(asked.value(2), u"출력 대기중인 전표가 있습니다..! 한 장 더 출력할까요?"_s)
+        << "nothing is printed yet";
     jobs = 0;
     EXPECT_TRUE(QTest::qWaitFor([&] { return text(1057).isEmpty(); }));
-    EXPECT_EQ(text(1056), u"용공인수증 공급자용 출력"_s);
+    EXPECT_EQ(text(1056), u"두 부 모두 2장 출력"_s);
     terminal.remove(opened.get());
     platform::termdev::setPrinter(nullptr);
 }

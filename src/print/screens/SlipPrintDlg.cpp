@@ -92,7 +92,7 @@ void CSlipPrintDlg::printVisit() {
         count = papers_.printVisit(false, ui::WaitCursor::alive);
     }
     if (count == 0) {
-        if (!ui::askYesNo(u"두 부 모두 출력하였습니다..! 한 번 더 출력할까요?"_s, u"다시 출력"_s)) return;
+        if (!ui::askYesNo(print::printAgainText(), u"다시 출력"_s)) return;
         const ui::WaitCursor wait;
         count = papers_.printVisit(true, ui::WaitCursor::alive);
     }

@@ -152,7 +152,8 @@ void CMtmDlg::addButtons() {
     addLeaveButton(1001, u"취 소"_s, [this] {
         if (app::mayLeave(books::Working::Sale)) close(Cancelled);
     });
-    ui::BitmapButton* less = addButton(kLess, u"−"_s, {}, ui::bitmaps::kSmallConsonant, [this] { step(-1); });
+    ui::BitmapButton* less =
+        addButton(kLess, u"－"_s, {}, ui::bitmaps::kSmallConsonant, [this] { step(-1); });
     ui::BitmapButton* more = addButton(kMore, u"+"_s, {}, ui::bitmaps::kSmallConsonant, [this] { step(1); });
     stepper_ = new QuantityStepper(list_, less, more);
 }
@@ -344,9 +345,9 @@ void CMtmDlg::changeQuantities() {
 void CMtmDlg::step(int by) {
     if (!selected_ || isChosenTwice()) return;
     const int column = stepper_->column();
-    Quantities quantities = quantitiesOf(*selected_);
-    (column == kBoxColumn ? quantities.boxes : quantities.bottles) += by;
-    if (!question_.isTaken(selected_->PCode, quantities) || !changeTo(quantities)) return;
+    const auto quantities = stepper_->stepped(quantitiesOf(*selected_), by);
+    if (!quantities || !question_.isTaken(selected_->PCode, *quantities)) return;
+    if (!question_.mayReprice(*selected_, selectedAmounts_) || !changeTo(*quantities)) return;
     stepper_->showAt(rowOf(*selected_), column);
 }
 
@@ -403,8 +404,7 @@ void CMtmDlg::explainPrice() {
         return;
     }
     const app::ActionValues& action = app::session().action;
-    const std::int64_t boxes = parseInteger(selected_->Box);
-    const std::int64_t bottles = parseInteger(selected_->Bon);
+    const auto [boxes, bottles] = quantitiesOf(*selected_);
     const PricedLine line = priceLine(action.GCode, action.CustomerKind, selected_->PCode, boxes, bottles);
     QString text = priceOrigin(line, boxes, bottles);
     if (line.amounts != selectedAmounts_) text += u"\n전표의 금액은 수정된 금액입니다."_s;

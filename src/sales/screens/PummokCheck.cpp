@@ -126,7 +126,7 @@ ui::CellDetail CPummokCheck::below(const platform::Rows& rows, int row, int colu
     }
     if (column == kCode) {
         const auto onSlip = onSlip_.constFind(product);
-        if (onSlip != onSlip_.cend()) return {u"✓"_s + shortQuantityText(*onSlip), true};
+        if (onSlip != onSlip_.cend()) return {u"√"_s + shortQuantityText(*onSlip), true};
         const auto last = last_.constFind(product);
         if (last != last_.cend()) return {shortQuantityText(last->purchase.quantities)};
     }

@@ -81,4 +81,13 @@ bool QuantityQuestion::isTaken(const QString& pCode, const Quantities& quantitie
     return isMeant;
 }
 
+bool QuantityQuestion::mayReprice(const LineKey& line, const LineAmounts& present) {
+    const app::ActionValues& action = app::session().action;
+    const PricedLine priced = priceLine(action.GCode, action.CustomerKind, line.PCode, parseInteger(line.Box),
+                                        parseInteger(line.Bon));
+    return priced.amounts == present ||
+           ui::confirm(u"수정된 금액입니다..! 수량을 바꾸면 오늘 단가로 다시 계산합니다. 바꿀까요?"_s,
+                       u"금액확인"_s);
+}
+
 }  // namespace sales

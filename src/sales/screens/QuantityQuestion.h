@@ -4,7 +4,9 @@
 #include <QString>
 #include <optional>
 
+#include "sales/LineAmounts.h"
 #include "sales/PurchaseHistory.h"
+#include "sales/SlipLine.h"
 
 namespace sales {
 
@@ -19,6 +21,10 @@ class QuantityQuestion {
     /// False, and told why, for quantities that make no line. Ten times of what the customer had are asked
     /// about, once for each product.
     bool isTaken(const QString& pCode, const Quantities& quantities);
+
+    /// True when the amounts are what the line costs today, or may become that with its next quantities: a
+    /// tap takes nothing back that was agreed on.
+    static bool mayReprice(const LineKey& line, const LineAmounts& present);
 
     /// What the customer bought before this slip.
     const PurchaseHistory& history();

@@ -11,6 +11,7 @@ namespace {
 
 /// The column before the numbers, at whose end the buttons lie.
 constexpr int kNameColumn = 1;
+constexpr int kBoxColumn = 2;
 constexpr int kGap = 8;
 
 }  // namespace
@@ -50,6 +51,15 @@ void QuantityStepper::showAt(int row, int column) {
         button->raise();
         button->show();
     }
+}
+
+std::optional<Quantities> QuantityStepper::stepped(Quantities quantities, int by) const {
+    const bool isBox = column_ == kBoxColumn;
+    std::int64_t& number = isBox ? quantities.boxes : quantities.bottles;
+    const std::int64_t other = isBox ? quantities.bottles : quantities.boxes;
+    number += by;
+    if (by * number > 0 && by * other < 0) return std::nullopt;
+    return quantities;
 }
 
 void QuantityStepper::hide() {

@@ -1,6 +1,9 @@
 #pragma once
 
 #include <QObject>
+#include <optional>
+
+#include "sales/PurchaseHistory.h"
 
 class QFrame;
 
@@ -24,6 +27,9 @@ class QuantityStepper : public QObject {
     void hide();
     /// The number's column; -1 while they are hidden.
     int column() const { return column_; }
+    /// The line's quantities after a step of the number; nothing where it would go beyond 0, away from the
+    /// other one: a tap too many makes no return of what is sold.
+    std::optional<Quantities> stepped(Quantities quantities, int by) const;
 
   private:
     ui::ReportList& list_;
