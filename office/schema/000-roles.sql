@@ -14,6 +14,13 @@ BEGIN
     IF NOT pg_has_role(current_user, 'rovana_owner', 'MEMBER') THEN
         EXECUTE format('GRANT rovana_owner TO %I', current_user);
     END IF;
+    -- With a lock of its own a terminal would hold up all others, with large objects fill the disk.
+    FOR name IN SELECT oid::regprocedure FROM pg_proc WHERE pronamespace = 'pg_catalog'::regnamespace
+            AND (proname ~ '^pg_(try_)?advisory_' OR proname IN ('lo_creat', 'lo_create', 'lo_from_bytea', 'lo_put', 'lowrite'))
+    LOOP
+        EXECUTE format('REVOKE EXECUTE ON FUNCTION %s FROM PUBLIC', name);
+        EXECUTE format('GRANT EXECUTE ON FUNCTION %s TO rovana_owner', name);
+    END LOOP;
     EXECUTE format('REVOKE ALL ON DATABASE %I FROM PUBLIC', current_database());
     EXECUTE format('GRANT CONNECT ON DATABASE %I TO rovana_owner, rovana_terminal, rovana_reader', current_database());
     -- Migrations make their own schemas and the loads work in a table of the session.

@@ -38,7 +38,7 @@ BEGIN
 END
 $$;
 
--- Why a terminal is not served, in words for whoever looks after it; null for one that is. 2 is the version of the
+-- Why a terminal is not served, in words for whoever looks after it; null for one that is. 3 is the version of the
 -- terminals' tables whose columns stand here.
 CREATE FUNCTION office.refusal(their_schema integer, their_clock timestamptz) RETURNS text LANGUAGE sql STABLE
 RETURN CASE
@@ -139,7 +139,9 @@ BEGIN
     RETURN QUERY SELECT CASE d.kind WHEN '' THEN 'day' ELSE 'document' END, d.day, d.kind, d.number, d.userid, d.digest, ''
         FROM office.differences(me.terminal, first_day, their_days, their_digests) AS d;
     RETURN QUERY SELECT 'master', to_char(v.loaded_at AT TIME ZONE 'UTC', 'YYYY-MM-DD"T"HH24:MI:SS.MS"Z"'), c.file_name, '', '',
-        NULL::bytea, c.version || CASE c.file_name WHEN 'GARAE.RVN' THEN ':' || office.others_movements(me) ELSE '' END
+        NULL::bytea, concat_ws(':', c.version, CASE WHEN c.file_name = 'GARAE.RVN' THEN office.others_movements(me) END,
+            -- A salesman who comes brings customers that no newer version has.
+            CASE WHEN c.file_name LIKE 'GARAE%' THEN array_to_string(me.users, '') END)
         FROM (SELECT file_name, max(version) AS version FROM office.master_change
               WHERE userid = '' OR userid = ANY (me.users) GROUP BY file_name) AS c
         JOIN office.master_version AS v USING (version)

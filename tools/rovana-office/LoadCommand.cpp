@@ -11,6 +11,8 @@ using namespace Qt::Literals::StringLiterals;
 
 const QString kShrink = u"shrink"_s;
 const QString kSentUntil = u"sent-until"_s;
+const QString kStillCounts =
+    u"; what was sent since goes on moving its balances, unless --sent-until says that they have it"_s;
 
 void addLoadOptions(QCommandLineParser& parser) {
     parser.addOption({kShrink, u"Loads a file that has less than half of the rows before, too."_s});
@@ -34,14 +36,17 @@ Outcome load(const Invocation& call) {
     QStringList told;
     bool hasBalances = false;
     for (const MasterFile& file : files) {
-        const MasterLoaded loaded = loadMaster(work, file, call.options.isSet(kShrink));
-        hasBalances = hasBalances || (loaded.version && file.table == u"garae");
+        const bool isBalances = file.table == u"garae";
+        const MasterLoaded loaded =
+            loadMaster(work, file, call.options.isSet(kShrink), isBalances && call.options.isSet(kSentUntil));
+        hasBalances = hasBalances || (loaded.version && isBalances);
         told << (loaded.version ? u"%1: version %2, %3 lines, %4 new, %5 gone\n"_s.arg(file.name)
                                       .arg(*loaded.version)
                                       .arg(file.rows.size())
                                       .arg(loaded.added)
                                       .arg(loaded.removed)
-                                : u"%1: the office has these lines already\n"_s.arg(file.name));
+                                : u"%1: the office has these lines already%2\n"_s.arg(
+                                      file.name, isBalances ? kStillCounts : QString()));
     }
     if (hasBalances) replaceBalances(work, call.options.value(kSentUntil));
     work.commit();

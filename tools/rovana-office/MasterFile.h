@@ -9,7 +9,7 @@
 
 namespace office {
 
-/// What one of the five files of master data holds.
+/// What one of the files of master data holds.
 struct MasterFile {
     const db::ImportFile* file = nullptr;
     QString name;         ///< For example "GARAE.RVN", also when it came as CSV.

@@ -153,12 +153,12 @@ class Load {
 
 }  // namespace
 
-MasterLoaded loadMaster(pqxx::work& work, const MasterFile& master, bool mayShrink) {
+MasterLoaded loadMaster(pqxx::work& work, const MasterFile& master, bool mayShrink, bool isAnew) {
     // One load at a time; who only reads does not wait.
     work.exec("SELECT pg_advisory_xact_lock(hashtext('office.load'))");
     Load load(work, master);
     MasterLoaded loaded;
-    if (load.isUnchanged()) return loaded;
+    if (!isAnew && load.isUnchanged()) return loaded;
     if (!mayShrink && !master.isOrders()) load.refuseShrinking();
     loaded.version = load.makeVersion();
     load.stage();
@@ -180,8 +180,15 @@ MasterLoaded loadMaster(pqxx::work& work, const MasterFile& master, bool mayShri
 void replaceBalances(pqxx::work& work, const QString& sentUntil) {
     // Who is sending ends first; who comes now waits for the end of the load.
     work.exec("SELECT pg_advisory_xact_lock(hashtext('office.balances'))");
+    // A customer whose line is the one of before has another balance all the same.
     work.exec_params(
-        "DELETE FROM office.movement WHERE moved_at <= coalesce(nullif($1, '')::timestamptz, now())",
+        "WITH gone AS (DELETE FROM office.movement WHERE moved_at <= coalesce(nullif($1, '')::timestamptz, "
+        "now()) RETURNING gcode) "
+        "INSERT INTO office.master_change (userid, file_name, version) "
+        "SELECT DISTINCT userid, 'GARAE.RVN', (SELECT max(version) FROM office.master_version "
+        "WHERE file_name = 'GARAE.RVN') FROM office.master_garae "
+        "WHERE last_version IS NULL AND gcode IN (SELECT gcode FROM gone) "
+        "ON CONFLICT (userid, file_name) DO UPDATE SET version = excluded.version",
         plain(sentUntil));
 }
 

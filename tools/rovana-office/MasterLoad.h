@@ -17,8 +17,9 @@ struct MasterLoaded {
 };
 
 /// Loads the file as part of `work`, as a version of its own. Unless `mayShrink`, throws Fault when a table
-/// would lose more than half of its rows.
-MasterLoaded loadMaster(pqxx::work& work, const MasterFile& master, bool mayShrink);
+/// would lose more than half of its rows. A file that is the one of before becomes a version with `isAnew`
+/// alone.
+MasterLoaded loadMaster(pqxx::work& work, const MasterFile& master, bool mayShrink, bool isAnew);
 
 /// The last step of a load of GARAE.RVN: its balances have what was sent until `sentUntil`, a time as
 /// PostgreSQL reads it, or when that is empty until the load began. What was sent later still moves them.

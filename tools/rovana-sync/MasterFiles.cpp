@@ -72,7 +72,7 @@ void MasterFiles::read() {
         const QJsonObject entry = each->toObject();
         entries_[each.key()] = {entry[u"token"_s].toString(),
                                 QByteArray::fromHex(entry[u"digest"_s].toString().toLatin1()),
-                                entry[u"modified"_s].toString().toLongLong()};
+                                entry[u"modified"_s].toString().toLongLong(), entry[u"sure"_s].toBool()};
     }
 }
 
@@ -81,7 +81,8 @@ void MasterFiles::write() const {
     for (auto each = entries_.cbegin(); each != entries_.cend(); ++each) {
         files[each.key()] = QJsonObject{{u"token"_s, each->token},
                                         {u"digest"_s, QString::fromLatin1(each->digest.toHex())},
-                                        {u"modified"_s, QString::number(each->modified)}};
+                                        {u"modified"_s, QString::number(each->modified)},
+                                        {u"sure"_s, each->isSure}};
     }
     const QJsonObject json{{u"balances"_s, QString::fromLatin1(balances_.toHex())}, {u"files"_s, files}};
     putFile(notesPath(), QJsonDocument(json).toJson(QJsonDocument::Compact));
@@ -102,10 +103,26 @@ bool MasterFiles::isLoaded(const QString& fileName, const Entry& entry) {
     return loads && !loads->isEmpty() && loads->first().first().toLongLong() == entry.modified;
 }
 
-bool MasterFiles::isHere(const MasterVersion& version) {
+bool MasterFiles::isHere(const MasterVersion& version, const std::function<QByteArray()>& balancesNow) {
     const Entry entry = entries_.value(version.fileName);
     if (entry.token != version.token) return false;
-    return isOurs(documentsPath(version.fileName), entry) || isLoaded(version.fileName, entry);
+    if (isOurs(documentsPath(version.fileName), entry)) return true;
+    if (!isLoaded(version.fileName, entry)) return false;
+    if (version.fileName != kCustomers || entry.isSure) return true;
+    // A collection that was saved while the file waited may have come before the load, which took it back.
+    if (balancesNow() != balances_) return false;
+    entries_[version.fileName].isSure = true;
+    write();
+    return true;
+}
+
+void MasterFiles::forgetBalances() {
+    const db::ImportLock lock;
+    if (lock.isTaken()) throw LocalError("master data are being loaded");
+    const QString path = documentsPath(kCustomers);
+    if (isOurs(path, entries_.value(kCustomers.toString()))) QFile::remove(path);
+    entries_.remove(kCustomers.toString());
+    write();
 }
 
 MasterFiles::Put MasterFiles::put(const MasterVersion& version, const QString& lines,
@@ -120,7 +137,7 @@ MasterFiles::Put MasterFiles::put(const MasterVersion& version, const QString& l
     if (isAnothers && modifiedOf(path) > version.loadedAt.toMSecsSinceEpoch()) return Put::Later;
     const QByteArray content = encode(QString(lines).replace(u'\n', u"\r\n"_s));
     // Noted first: a waiting file of ours has to be known as such whenever this ends.
-    entry = {version.token, digestOf(content), 0};
+    entry = {version.token, digestOf(content), 0, false};
     if (version.fileName == kCustomers) balances_ = balances;
     write();
     putFile(path, content);

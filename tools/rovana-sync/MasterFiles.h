@@ -4,6 +4,7 @@
 #include <QList>
 #include <QMap>
 #include <QString>
+#include <functional>
 
 #include "rovana-sync/LocalDays.h"
 #include "rovana-sync/Office.h"
@@ -17,8 +18,10 @@ class MasterFiles {
   public:
     explicit MasterFiles(LocalDays& local);
 
-    /// Whether what the office has now is in the table, or waits to be loaded.
-    bool isHere(const MasterVersion& version);
+    /// Whether what the office has now is in the table, or waits to be loaded. Balances that were loaded when
+    /// the collections may have been others than `balancesNow` says are not: they may lack what was saved
+    /// before.
+    bool isHere(const MasterVersion& version, const std::function<QByteArray()>& balancesNow);
 
     enum class Put {
         Done,
@@ -31,6 +34,9 @@ class MasterFiles {
     /// Takes away a waiting GARAE.RVN of ours when the terminal has moved balances since: it would take them
     /// back. False when files are being loaded.
     bool withdrawOldBalances(const QByteArray& balances);
+
+    /// Has the balances fetched anew. Throws LocalError when files are being loaded.
+    void forgetBalances();
 
     /// Puts those of the orders that the terminal neither has nor has deleted into MTM.RVN, unless one waits.
     void putOrders(const QList<Order>& orders);
@@ -45,6 +51,7 @@ class MasterFiles {
         QString token;
         QByteArray digest;    ///< Of the content.
         qint64 modified = 0;  ///< Of the file, in milliseconds since 1970.
+        bool isSure = false;  ///< Loaded before any collection that is not in its balances.
     };
     void read();
     void write() const;

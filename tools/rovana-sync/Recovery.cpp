@@ -8,6 +8,7 @@
 #include "db/Schema.h"
 #include "platform/Device.h"
 #include "rovana-sync/LocalDays.h"
+#include "rovana-sync/MasterFiles.h"
 
 namespace terminal_sync {
 namespace {
@@ -138,6 +139,9 @@ Recovered recover(Office& office) try {
     LocalDays local;
     // What has left for an archive stays there.
     const QString first = std::max(u"0001-01-01"_s, local.firstKept());
+    // The balances here may be the office's already, with what is given back: the next sync fetches them
+    // anew.
+    MasterFiles(local).forgetBalances();
     SqliteFile database(platform::device::path(platform::device::kDatabaseFile), SqliteFile::Mode::Existing);
     Recovered recovered;
     Days days(database);

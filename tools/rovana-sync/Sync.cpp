@@ -154,8 +154,9 @@ void Sync::tellSalesmen(Office& office) {
 
 void Sync::fetch(Office& office) {
     const QByteArray balances = MasterFiles::balancesOf(days_);
+    const auto balancesNow = [&] { return MasterFiles::balancesOf(local_.digests(firstDay_)); };
     for (const MasterVersion& version : std::as_const(greeting_.masters)) {
-        if (masters_.isHere(version)) continue;
+        if (masters_.isHere(version, balancesNow)) continue;
         if (masters_.put(version, office.master(version.fileName), balances) == MasterFiles::Put::Done)
             outcome_.fetched << version.fileName;
     }
@@ -164,8 +165,7 @@ void Sync::fetch(Office& office) {
         if (MasterFiles::areOrdersWaiting()) outcome_.fetched << u"MTM.RVN"_s;
     }
     // What the salesman has saved meanwhile is not in the balances that were put.
-    if (!outcome_.fetched.isEmpty())
-        masters_.withdrawOldBalances(MasterFiles::balancesOf(local_.digests(firstDay_)));
+    if (!outcome_.fetched.isEmpty()) masters_.withdrawOldBalances(balancesNow());
 }
 
 /// The day as the office has it now: without the slips of those who are not enrolled.

@@ -121,7 +121,11 @@ TEST_F(EnrolTest, ATerminalsRoleReachesNoTableAndNoOther) {
          {"CREATE TABLE public.mine (a int)", "CREATE TEMPORARY TABLE mine (a int)", "CREATE SCHEMA mine",
           "SET ROLE rovana_owner", "SET SESSION AUTHORIZATION postgres", "CREATE ROLE other",
           "ALTER ROLE terminal_8 PASSWORD 'x'", "GRANT rovana_owner TO terminal_7",
-          "SELECT pg_read_file('/etc/passwd')", "SELECT office.won('1')", "SELECT * FROM pg_authid"})
+          "SELECT pg_read_file('/etc/passwd')", "SELECT office.won('1')", "SELECT * FROM pg_authid",
+          // By them it would hold up all others, or fill the disk.
+          "SELECT pg_advisory_lock(hashtext('office.balances'))",
+          "SELECT pg_try_advisory_xact_lock_shared(1)", "SELECT lo_create(0)",
+          "SELECT lo_from_bytea(0, 'x')"})
         EXPECT_NE(faultOf(terminal, statement), "") << statement;
 }
 
