@@ -160,8 +160,11 @@ void Sync::fetch(Office& office) {
     const auto balancesNow = [&] { return MasterFiles::balancesOf(local_.digests(firstDay_)); };
     for (const MasterVersion& version : std::as_const(greeting_.masters)) {
         if (masters_.isHere(version, balancesNow)) continue;
-        if (masters_.put(version, office.master(version.fileName), balances) == MasterFiles::Put::Done)
-            outcome_.fetched << version.fileName;
+        const auto put = masters_.put(version, office.master(version.fileName), balances);
+        if (put == MasterFiles::Put::Done) outcome_.fetched << version.fileName;
+        if (put == MasterFiles::Put::InTheWay)
+            outcome_.remarks << u"the office's %1 waits: another one is to be loaded first"_s.arg(
+                version.fileName);
     }
     if (greeting_.hasOrders && !MasterFiles::areOrdersWaiting()) {
         masters_.putOrders(office.orders(firstDay_));

@@ -76,7 +76,9 @@ TEST_F(FetchTest, ANewerFileThatWaitsStays) {
     };
     const QString path = u"\\My Documents\\GARAE.RVN"_s;
     put(path, QDateTime::currentDateTime().addSecs(60));
-    EXPECT_EQ(synced(terminal).find("fetched"), std::string::npos);
+    const OfficeEnded ended = sync(terminal);
+    EXPECT_EQ(ended.out.find("fetched"), std::string::npos);
+    EXPECT_NE(ended.err.find("GARAE.RVN waits"), std::string::npos) << ended.err;
     EXPECT_EQ(waiting(terminal), u"0001|"_s);
     put(path, QDateTime::currentDateTime().addDays(-1));
     {
