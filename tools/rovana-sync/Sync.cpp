@@ -121,10 +121,11 @@ void Sync::sendDay(Office& office, const QString& date, const DocumentDigests& a
     agreed_.insert(date);
 }
 
-/// Looks at the days from before the open ones, once a day. Some of their visits may be in an archive.
-void Sync::sendOldDays(Office& office) {
+/// Looks at the days from before the open ones, once a day or with `isAnew` again. Some of their visits may
+/// be in an archive.
+void Sync::sendOldDays(Office& office, bool isAnew) {
     QFile swept(sweepPath());
-    if (swept.open(QIODevice::ReadOnly) && swept.readAll() == today().toLatin1()) return;
+    if (!isAnew && swept.open(QIODevice::ReadOnly) && swept.readAll() == today().toLatin1()) return;
     swept.close();
     const QStringList old = local_.daysBefore(firstDay_);
     for (qsizetype first = 0; first < old.size(); first += kDaysAtOnce) {
@@ -160,6 +161,8 @@ void Sync::fetch(Office& office) {
     const auto balancesNow = [&] { return MasterFiles::balancesOf(local_.digests(firstDay_)); };
     for (const MasterVersion& version : std::as_const(greeting_.masters)) {
         if (masters_.isHere(version, balancesNow)) continue;
+        // What was changed in an old day since it was looked at would be taken back by balances without it.
+        if (version.fileName == u"GARAE.RVN") sendOldDays(office, true);
         const auto put = masters_.put(version, office.master(version.fileName), balances);
         if (put == MasterFiles::Put::Done) outcome_.fetched << version.fileName;
         if (put == MasterFiles::Put::InTheWay)

@@ -190,6 +190,23 @@ TEST_F(FetchTest, RecoveredSlipsAreInTheBalancesOnce) {
     EXPECT_EQ(on(terminal, u"SELECT CJMONEY FROM GARAE"_s), QList<QStringList>({{u"12100"_s}}));
 }
 
+TEST_F(FetchTest, WhatChangesInAnOldDayIsInTheBalances) {
+    TestDevice& mine = enrol(u"1"_s);
+    TestDevice& colleagues = enrol(u"2"_s, {u"B"_s});
+    load(u"GARAE.RVN"_s, customer(u"0001"_s, u"A"_s, 5000));
+    const QString today = std::exchange(day_, QDate::currentDate().addDays(-40).toString(Qt::ISODate));
+    collect(mine, u"5001"_s, u"0001"_s, 100);
+    synced(mine);
+    // The old days have been looked at today.
+    on(mine, u"DELETE FROM MTMOK"_s);
+    noteDeletion(mine, u"입금표"_s, u"5001"_s, u"0001"_s);
+    day_ = today;
+    collect(colleagues, u"5001"_s, u"0001"_s, 7000, 0, u"B"_s);
+    synced(colleagues);
+    synced(mine);
+    EXPECT_EQ(waiting(mine), customer(u"0001"_s, u"A"_s, 12000));
+}
+
 TEST_F(FetchTest, AnOrderComesOnce) {
     TestDevice& terminal = enrol(u"1"_s);
     const auto order = [&](const QString& number, const QString& user) {
