@@ -360,6 +360,16 @@ FROM office.document WHERE state = 'missing';
 COMMENT ON VIEW report.missing IS
     'What a terminal had sent and has no more, though nobody deleted it: an older copy was restored, or a disk was lost';
 
+CREATE VIEW report.went_back AS
+SELECT d.month, d.terminal, d.ddate AS day, d.kind, office.own_number(d.number) AS number, d.userid, d.revision,
+    max(h.revision) AS earlier, d.sent_at
+FROM office.document AS d JOIN office.history AS h USING (month, terminal, ddate, kind, number, userid)
+WHERE d.state = 'present' AND d.kind <> 'prints' AND h.digest = d.digest AND h.revision < d.revision - 1
+GROUP BY d.month, d.terminal, d.ddate, d.kind, d.number, d.userid, d.revision, d.sent_at;
+COMMENT ON VIEW report.went_back IS
+    'What is now as an earlier revision was: changed back by hand, or an older copy of the terminal was restored, or two '
+    'machines send as the same terminal. The revisions between are in office.history';
+
 CREATE VIEW report.terminal AS
 SELECT t.terminal, array_to_string(t.users, ',') AS users, t.enrolled_at, t.last_seen, t.last_sent, t.clock_offset,
     t.schema_version, t.program_version, r.rolcanlogin AS is_let_in

@@ -55,6 +55,13 @@ Outcome status(const Invocation& call) {
         u"sent and gone from the terminal without a deletion (rovana-sync --recover gives it back)"_s,
         "SELECT terminal, day, kind, number, userid AS user, to_char(sent_at, 'YYYY-MM-DD HH24:MI') AS sent "
         "FROM report.missing ORDER BY day DESC, terminal, number LIMIT 100");
+    table(
+        u"as an earlier revision was, this month and the last (an older copy restored, or two machines as "
+        u"one "
+        "terminal?)"_s,
+        "SELECT terminal, day, kind, number, userid AS user, revision, earlier, to_char(sent_at, 'YYYY-MM-DD "
+        "HH24:MI') AS sent FROM report.went_back WHERE month >= date_trunc('month', current_date - 31) "
+        "ORDER BY day DESC, terminal, number LIMIT 100");
     table(u"numbers used twice, this month and the last"_s,
           "SELECT day, kind, number, userid AS user, array_to_string(terminals, ', ') AS terminals "
           "FROM report.number_conflict WHERE month >= date_trunc('month', current_date - 31) ORDER BY day "
@@ -74,7 +81,8 @@ constinit const Command kStatusCommand{u"status",
                                        u"tells what the office has and of whom",
                                        u"When each terminal was seen and sent something, its versions, "
                                        u"whether its clock is off; the master data that is\n"
-                                       u"handed out; what a terminal has lost, numbers that were used twice, "
+                                       u"handed out; what a terminal has lost or has of old, numbers used "
+                                       u"twice, "
                                        u"and days that changed after their close.",
                                        0,
                                        0,

@@ -130,11 +130,11 @@ MasterFiles::Put MasterFiles::put(const MasterVersion& version, const QString& l
     const db::ImportLock lock;
     if (lock.isTaken()) return Put::Later;
     // Loaded after ours, it would bring the older data back.
-    if (QFile::exists(cardPath(version.fileName))) return Put::Later;
+    if (QFile::exists(cardPath(version.fileName))) return Put::InTheWay;
     const QString path = documentsPath(version.fileName);
     Entry& entry = entries_[version.fileName];
     const bool isAnothers = QFile::exists(path) && !isOurs(path, entry);
-    if (isAnothers && modifiedOf(path) > version.loadedAt.toMSecsSinceEpoch()) return Put::Later;
+    if (isAnothers && modifiedOf(path) > version.loadedAt.toMSecsSinceEpoch()) return Put::InTheWay;
     const QByteArray content = encode(QString(lines).replace(u'\n', u"\r\n"_s));
     // Noted first: a waiting file of ours has to be known as such whenever this ends.
     entry = {version.token, digestOf(content), 0, false};

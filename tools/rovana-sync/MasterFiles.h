@@ -25,7 +25,8 @@ class MasterFiles {
 
     enum class Put {
         Done,
-        Later,  ///< Files are being loaded, or a newer one that came by another way waits.
+        Later,     ///< Files are being loaded.
+        InTheWay,  ///< A file that came by another way waits, and is newer or would be loaded after ours.
     };
     /// Puts a file of those lines. `balances` is what the lines' balances include of this terminal
     /// (balancesOf). Throws LocalError when it cannot be written.

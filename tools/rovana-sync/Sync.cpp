@@ -116,12 +116,13 @@ void Sync::sendDay(Office& office, const QString& date, const DocumentDigests& a
     agreed_.insert(date);
 }
 
-/// Looks at the days from before the open ones, once a day. Some of their visits may be in an archive.
-void Sync::sendOldDays(Office& office) {
+/// Looks at the days from before the open ones, once a day or with `isAnew` again. Some of their visits may
+/// be in an archive.
+void Sync::sendOldDays(Office& office, bool isAnew) {
     // Days that are compared in one call.
     constexpr qsizetype kDaysAtOnce = 31;
     QFile swept(sweepPath());
-    if (swept.open(QIODevice::ReadOnly) && swept.readAll() == today().toLatin1()) return;
+    if (!isAnew && swept.open(QIODevice::ReadOnly) && swept.readAll() == today().toLatin1()) return;
     swept.close();
     const QStringList old = local_.daysBefore(firstDay_);
     for (qsizetype first = 0; first < old.size(); first += kDaysAtOnce) {
@@ -157,8 +158,13 @@ void Sync::fetch(Office& office) {
     const auto balancesNow = [&] { return MasterFiles::balancesOf(local_.digests(firstDay_)); };
     for (const MasterVersion& version : std::as_const(greeting_.masters)) {
         if (masters_.isHere(version, balancesNow)) continue;
-        if (masters_.put(version, office.master(version.fileName), balances) == MasterFiles::Put::Done)
-            outcome_.fetched << version.fileName;
+        // What was changed in an old day since it was looked at would be taken back by balances without it.
+        if (version.fileName == u"GARAE.RVN") sendOldDays(office, true);
+        const auto put = masters_.put(version, office.master(version.fileName), balances);
+        if (put == MasterFiles::Put::Done) outcome_.fetched << version.fileName;
+        if (put == MasterFiles::Put::InTheWay)
+            outcome_.remarks << u"the office's %1 waits: another one is to be loaded first"_s.arg(
+                version.fileName);
     }
     if (greeting_.hasOrders && !MasterFiles::areOrdersWaiting()) {
         masters_.putOrders(office.orders(firstDay_));

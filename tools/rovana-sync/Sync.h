@@ -34,7 +34,7 @@ class Sync {
   private:
     void readDays();
     void sendDay(Office& office, const QString& date, const books::DocumentDigests& atOffice);
-    void sendOldDays(Office& office);
+    void sendOldDays(Office& office, bool isAnew = false);
     void tellSalesmen(Office& office);
     void fetch(Office& office);
     bool mayBeSent(const books::DocumentIdentity& identity) const;

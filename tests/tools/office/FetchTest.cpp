@@ -76,7 +76,9 @@ TEST_F(FetchTest, ANewerFileThatWaitsStays) {
     };
     const QString path = u"\\My Documents\\GARAE.RVN"_s;
     put(path, QDateTime::currentDateTime().addSecs(60));
-    EXPECT_EQ(synced(terminal).find("fetched"), std::string::npos);
+    const OfficeEnded ended = sync(terminal);
+    EXPECT_EQ(ended.out.find("fetched"), std::string::npos);
+    EXPECT_NE(ended.err.find("GARAE.RVN waits"), std::string::npos) << ended.err;
     EXPECT_EQ(waiting(terminal), u"0001|"_s);
     put(path, QDateTime::currentDateTime().addDays(-1));
     {
@@ -186,6 +188,23 @@ TEST_F(FetchTest, RecoveredSlipsAreInTheBalancesOnce) {
     EXPECT_NE(synced(terminal, {u"--recover"_s}).find("gave back 1 documents"), std::string::npos);
     logIn(terminal);
     EXPECT_EQ(on(terminal, u"SELECT CJMONEY FROM GARAE"_s), QList<QStringList>({{u"12100"_s}}));
+}
+
+TEST_F(FetchTest, WhatChangesInAnOldDayIsInTheBalances) {
+    TestDevice& mine = enrol(u"1"_s);
+    TestDevice& colleagues = enrol(u"2"_s, {u"B"_s});
+    load(u"GARAE.RVN"_s, customer(u"0001"_s, u"A"_s, 5000));
+    const QString today = std::exchange(day_, QDate::currentDate().addDays(-40).toString(Qt::ISODate));
+    collect(mine, u"5001"_s, u"0001"_s, 100);
+    synced(mine);
+    // The old days have been looked at today.
+    on(mine, u"DELETE FROM MTMOK"_s);
+    noteDeletion(mine, u"입금표"_s, u"5001"_s, u"0001"_s);
+    day_ = today;
+    collect(colleagues, u"5001"_s, u"0001"_s, 7000, 0, u"B"_s);
+    synced(colleagues);
+    synced(mine);
+    EXPECT_EQ(waiting(mine), customer(u"0001"_s, u"A"_s, 12000));
 }
 
 TEST_F(FetchTest, AnOrderComesOnce) {

@@ -107,6 +107,22 @@ TEST_F(RecoveryTest, ANewDiskGetsEverythingButWhatWasDeleted) {
     EXPECT_EQ(synced(terminal), "sent 0, deleted 0, waiting 0\n");
 }
 
+TEST_F(RecoveryTest, WhatGoesBackToAnEarlierRevisionIsNamed) {
+    TestDevice& terminal = enrol(u"1"_s);
+    sell(terminal, u"5001"_s, u"0001"_s, 1000);
+    sell(terminal, u"5002"_s, u"0001"_s, 1000);
+    synced(terminal);
+    const QString backup = copyOf(terminal, u"backup"_s);
+    on(terminal, u"UPDATE MTM SET MMoney = '2000' WHERE JunNo = '5001'"_s);
+    synced(terminal);
+    EXPECT_EQ(sql(u"SELECT * FROM report.went_back"_s), QStringList());
+    replaceDatabase(terminal, backup);
+    synced(terminal);
+    EXPECT_EQ(sql(u"SELECT terminal, day, kind, number, userid, revision, earlier FROM report.went_back"_s),
+              QStringList(u"1|%1|sale|5001|A|3|1"_s.arg(day_)));
+    EXPECT_NE(run({u"status"_s}).out.find("sale  5001"), std::string::npos) << run({u"status"_s}).out;
+}
+
 TEST_F(RecoveryTest, WhatHasLeftForAnArchiveStaysThere) {
     TestDevice& terminal = enrol(u"1"_s);
     sell(terminal, u"5001"_s, u"0001"_s, 1000);
