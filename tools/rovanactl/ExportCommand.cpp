@@ -2,6 +2,7 @@
 
 #include "common/Csv.h"
 #include "db/ImportFile.h"
+#include "db/ImportLines.h"
 #include "db/Schema.h"
 #include "platform/CodePage.h"
 #include "platform/Device.h"
@@ -45,8 +46,6 @@ struct Line {
 };
 
 Line rvnLine(const SlipKind& kind, const QStringList& fields) {
-    // The line buffer of the import, line end included.
-    constexpr qsizetype kLongestLineBytes = 1023;
     for (qsizetype column = 0; column < fields.size(); ++column) {
         const QString& value = fields[column];
         QString fault = unstorable(value);
@@ -67,7 +66,7 @@ Line rvnLine(const SlipKind& kind, const QStringList& fields) {
             return {{}, written - fields.begin(), u"the line is too long for its import"_s};
     }
     const QByteArray bytes = *platform::codepage::encode(text) + "\r\n";
-    if (bytes.size() > kLongestLineBytes) {
+    if (bytes.size() > db::kLongestLineBytes) {
         const auto longest = std::ranges::max_element(fields, {}, &QString::size);
         return {{}, longest - fields.begin(), u"the line is too long"_s};
     }
