@@ -45,15 +45,13 @@ QString deviceProblem(Sure sure) {
             return u"자료 폴더가 없습니다..! 관리자에게 알려 주세요 : %1"_s.arg(folder);
     }
     switch (tryToWrite(documents, sure)) {
-        case 0:
-            return {};
+        case 0: return {};
         case ENOSPC:
         case EDQUOT:
         case EFBIG:
             return u"저장 공간이 가득 차서 저장할 수 없습니다..! 관리자에게 알려 주세요 : %1"_s.arg(
                 documents);
-        default:
-            return u"자료 폴더에 쓸 수 없습니다..! 관리자에게 알려 주세요 : %1"_s.arg(documents);
+        default: return u"자료 폴더에 쓸 수 없습니다..! 관리자에게 알려 주세요 : %1"_s.arg(documents);
     }
 }
 

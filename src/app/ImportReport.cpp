@@ -27,18 +27,12 @@ bool isWhole(const FileReport& file) {
 QString outcomeText(const FileReport& file) {
     if (file.isLater) return u"나중에 수신합니다."_s;
     switch (file.result.outcome) {
-        case Outcome::Loaded:
-            return u"%1건 수신"_s.arg(file.result.loaded);
-        case Outcome::Unchanged:
-            return u"%1건, 지난번과 같음"_s.arg(file.result.loaded);
-        case Outcome::AlreadyLoaded:
-            return u"이미 수신한 자료"_s;
-        case Outcome::BeingWritten:
-            return u"다른 프로그램이 파일을 쓰고 있어 다음에 수신합니다."_s;
-        case Outcome::NotSaved:
-            return u"저장하지 못했습니다. 파일은 그대로 있습니다."_s;
-        case Outcome::NotOpened:
-            break;
+        case Outcome::Loaded: return u"%1건 수신"_s.arg(file.result.loaded);
+        case Outcome::Unchanged: return u"%1건, 지난번과 같음"_s.arg(file.result.loaded);
+        case Outcome::AlreadyLoaded: return u"이미 수신한 자료"_s;
+        case Outcome::BeingWritten: return u"다른 프로그램이 파일을 쓰고 있어 다음에 수신합니다."_s;
+        case Outcome::NotSaved: return u"저장하지 못했습니다. 파일은 그대로 있습니다."_s;
+        case Outcome::NotOpened: break;
     }
     return {};
 }

@@ -187,14 +187,9 @@ void CKeyboardDlg::hideByMode() {
     QList<int> hidden;
     switch (keypadRequest().KeypadMode) {
         case kTextField:
-        case kOneNumber:
-            hidden = {1012, 1039, kSecondSelector, kThirdSelector};
-            break;
-        case kTwoNumbers:
-            hidden = {1039, kThirdSelector};
-            break;
-        default:
-            break;
+        case kOneNumber: hidden = {1012, 1039, kSecondSelector, kThirdSelector}; break;
+        case kTwoNumbers: hidden = {1039, kThirdSelector}; break;
+        default: break;
     }
     for (const int id : std::as_const(hidden)) control(id)->hide();
 }

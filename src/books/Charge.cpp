@@ -19,12 +19,9 @@ Won amountToCharge(const SettlementAmounts& amounts, int cardPaymentFlag) {
 
 bool isChargeOneAmount(const SettlementAmounts& amounts) {
     switch (chargeKind(amounts)) {
-        case ChargeKind::Card:
-            return amounts.card == amountToSettle(amounts) && amounts.cash.isZero();
-        case ChargeKind::Cash:
-            return amounts.cash == amountToSettle(amounts) && amounts.card.isZero();
-        case ChargeKind::Nothing:
-            return true;
+        case ChargeKind::Card: return amounts.card == amountToSettle(amounts) && amounts.cash.isZero();
+        case ChargeKind::Cash: return amounts.cash == amountToSettle(amounts) && amounts.card.isZero();
+        case ChargeKind::Nothing: return true;
     }
     return true;
 }

@@ -16,8 +16,7 @@ using platform::Won;
 /// What the visit's slip of that kind comes to; nothing without one.
 std::optional<Won> totalOf(const Visit& visit, Paper slip) {
     switch (slip) {
-        case Paper::Invoice:
-            return visit.goods.isEmpty() ? std::nullopt : std::optional(visit.goodsTotal());
+        case Paper::Invoice: return visit.goods.isEmpty() ? std::nullopt : std::optional(visit.goodsTotal());
         case Paper::ContainerReceipt:
             return visit.containers.isEmpty() ? std::nullopt : std::optional(visit.containerWorth());
         case Paper::CollectionSlip: {

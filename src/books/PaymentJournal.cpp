@@ -103,18 +103,12 @@ std::optional<CollectionSlip> approve(db::Transaction& transaction, const Journa
 
 QStringView stateName(PaymentState state) {
     switch (state) {
-        case PaymentState::Sent:
-            return u"sent";
-        case PaymentState::Approved:
-            return u"approved";
-        case PaymentState::Refused:
-            return u"refused";
-        case PaymentState::Unknown:
-            return u"unknown";
-        case PaymentState::Released:
-            return u"released";
-        case PaymentState::Prepared:
-            return u"prepared";
+        case PaymentState::Sent: return u"sent";
+        case PaymentState::Approved: return u"approved";
+        case PaymentState::Refused: return u"refused";
+        case PaymentState::Unknown: return u"unknown";
+        case PaymentState::Released: return u"released";
+        case PaymentState::Prepared: return u"prepared";
     }
     return {};
 }

@@ -16,12 +16,9 @@ constexpr db::Statement<
 
 QStringView paperName(Paper paper) {
     switch (paper) {
-        case Paper::Invoice:
-            return u"거래명세서";
-        case Paper::ContainerReceipt:
-            return u"용공인수증";
-        case Paper::CollectionSlip:
-            return u"입금표";
+        case Paper::Invoice: return u"거래명세서";
+        case Paper::ContainerReceipt: return u"용공인수증";
+        case Paper::CollectionSlip: return u"입금표";
     }
     return {};
 }

@@ -103,32 +103,19 @@ bool hasSlip(const Visit& visit) {
 
 QStringView reasonOf(DifferenceKind kind) {
     switch (kind) {
-        case Kind::PaymentOpen:
-            return u"카드결제 확인중";
-        case Kind::ApprovalNotShown:
-            return u"승인이 전표에 없음";
-        case Kind::ApprovedAmountDiffers:
-            return u"승인금액과 다름";
-        case Kind::CardNotApproved:
-            return u"카드 미승인";
-        case Kind::SaleWithoutCollection:
-            return u"수금없는 판매";
-        case Kind::CollectionWithoutSale:
-            return u"판매없는 입금";
-        case Kind::TotalDiffers:
-            return u"판매합계와 다름";
-        case Kind::ContainersWithoutCollection:
-            return u"입금없는 용공";
-        case Kind::RecoveryDiffers:
-            return u"용공금액과 다름";
-        case Kind::PartsDiffer:
-            return u"입금내역과 다름";
-        case Kind::SeveralCollections:
-            return u"입금전표 두장";
-        case Kind::SeveralCustomers:
-            return u"번호에 다른 거래처";
-        case Kind::NoReceivable:
-            return u"거래처 채권 없음";
+        case Kind::PaymentOpen: return u"카드결제 확인중";
+        case Kind::ApprovalNotShown: return u"승인이 전표에 없음";
+        case Kind::ApprovedAmountDiffers: return u"승인금액과 다름";
+        case Kind::CardNotApproved: return u"카드 미승인";
+        case Kind::SaleWithoutCollection: return u"수금없는 판매";
+        case Kind::CollectionWithoutSale: return u"판매없는 입금";
+        case Kind::TotalDiffers: return u"판매합계와 다름";
+        case Kind::ContainersWithoutCollection: return u"입금없는 용공";
+        case Kind::RecoveryDiffers: return u"용공금액과 다름";
+        case Kind::PartsDiffer: return u"입금내역과 다름";
+        case Kind::SeveralCollections: return u"입금전표 두장";
+        case Kind::SeveralCustomers: return u"번호에 다른 거래처";
+        case Kind::NoReceivable: return u"거래처 채권 없음";
     }
     return {};
 }
@@ -139,16 +126,11 @@ QString detailOf(const VisitDifference& difference) {
                                     platform::groupThousands(difference.found));
     };
     switch (difference.kind) {
-        case Kind::ApprovedAmountDiffers:
-            return both(u"승인", u"전표");
-        case Kind::TotalDiffers:
-            return both(u"판매", u"입금");
-        case Kind::RecoveryDiffers:
-            return both(u"용공", u"입금");
-        case Kind::PartsDiffer:
-            return both(u"합계", u"내역");
-        default:
-            return {};
+        case Kind::ApprovedAmountDiffers: return both(u"승인", u"전표");
+        case Kind::TotalDiffers: return both(u"판매", u"입금");
+        case Kind::RecoveryDiffers: return both(u"용공", u"입금");
+        case Kind::PartsDiffer: return both(u"합계", u"내역");
+        default: return {};
     }
 }
 

@@ -11,16 +11,11 @@ namespace {
 
 Won& amount(SettlementAmounts& amounts, SimpleAmount which) {
     switch (which) {
-        case SimpleAmount::Sales:
-            return amounts.sales;
-        case SimpleAmount::Supply:
-            return amounts.supply;
-        case SimpleAmount::Vat:
-            return amounts.vat;
-        case SimpleAmount::NonLiquor:
-            return amounts.nonLiquor;
-        case SimpleAmount::Recovery:
-            break;
+        case SimpleAmount::Sales: return amounts.sales;
+        case SimpleAmount::Supply: return amounts.supply;
+        case SimpleAmount::Vat: return amounts.vat;
+        case SimpleAmount::NonLiquor: return amounts.nonLiquor;
+        case SimpleAmount::Recovery: break;
     }
     return amounts.containerRecovery;
 }

@@ -105,8 +105,7 @@ QString importPath(const ImportFile& file, ImportSource source) {
             return platform::device::kDocumentsFolder.toString() + file.fileName.toString();
         case ImportSource::StorageCard:
             return platform::device::kStorageCardFolder.toString() + file.fileName.toString();
-        case ImportSource::None:
-            break;
+        case ImportSource::None: break;
     }
     return {};
 }

@@ -152,12 +152,9 @@ void StatusStrip::showPrinter(const DeviceStatus& status) {
     const QString waiting = status.waitingJobs > 0 ? u" · 대기 %1"_s.arg(status.waitingJobs) : QString();
     printer_->setToolTip(status.fault);
     switch (status.state) {
-        case DeviceStatus::State::Ready:
-            return printer_->set(Lamp::Green, u"준비 ready"_s);
-        case DeviceStatus::State::Waiting:
-            return printer_->set(Lamp::Yellow, u"인쇄 중 busy"_s + waiting);
-        case DeviceStatus::State::Fault:
-            return printer_->set(Lamp::Red, u"고장 fault"_s + waiting);
+        case DeviceStatus::State::Ready: return printer_->set(Lamp::Green, u"준비 ready"_s);
+        case DeviceStatus::State::Waiting: return printer_->set(Lamp::Yellow, u"인쇄 중 busy"_s + waiting);
+        case DeviceStatus::State::Fault: return printer_->set(Lamp::Red, u"고장 fault"_s + waiting);
     }
 }
 
@@ -173,18 +170,10 @@ void StatusStrip::refresh() {
                      isReading ? u"읽는 중 reading"_s : u"닫힘 closed"_s);
     }
     switch (Component::lastExchange()) {
-        case Component::LastExchange::None:
-            host_->set(Lamp::Off, u"거래 전 idle"_s);
-            break;
-        case Component::LastExchange::UnderWay:
-            host_->set(Lamp::Yellow, u"교신 중 exchanging"_s);
-            break;
-        case Component::LastExchange::Answered:
-            host_->set(Lamp::Green, u"응답함 answered"_s);
-            break;
-        case Component::LastExchange::Failed:
-            host_->set(Lamp::Red, u"응답 없음 no answer"_s);
-            break;
+        case Component::LastExchange::None: host_->set(Lamp::Off, u"거래 전 idle"_s); break;
+        case Component::LastExchange::UnderWay: host_->set(Lamp::Yellow, u"교신 중 exchanging"_s); break;
+        case Component::LastExchange::Answered: host_->set(Lamp::Green, u"응답함 answered"_s); break;
+        case Component::LastExchange::Failed: host_->set(Lamp::Red, u"응답 없음 no answer"_s); break;
     }
 }
 

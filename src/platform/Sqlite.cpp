@@ -23,14 +23,10 @@ constexpr int kPatienceMs = 3000;
 
 int openFlags(SqliteFile::Mode mode) {
     switch (mode) {
-        case SqliteFile::Mode::Create:
-            return SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
-        case SqliteFile::Mode::Existing:
-            return SQLITE_OPEN_READWRITE;
-        case SqliteFile::Mode::ReadOnly:
-            return SQLITE_OPEN_READONLY;
-        case SqliteFile::Mode::Immutable:
-            return SQLITE_OPEN_READONLY | SQLITE_OPEN_URI;
+        case SqliteFile::Mode::Create: return SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+        case SqliteFile::Mode::Existing: return SQLITE_OPEN_READWRITE;
+        case SqliteFile::Mode::ReadOnly: return SQLITE_OPEN_READONLY;
+        case SqliteFile::Mode::Immutable: return SQLITE_OPEN_READONLY | SQLITE_OPEN_URI;
     }
     return 0;
 }

@@ -12,16 +12,11 @@ using Cause = platform::termdev::DeviceStatus::Cause;
 /// What the user is to see to, behind the number of jobs.
 QString causeText(Cause cause) {
     switch (cause) {
-        case Cause::NoPaper:
-            return u": 용지 없음"_s;
-        case Cause::TakesNothing:
-            return u": 용지·덮개·전원 확인"_s;
-        case Cause::Away:
-            return u": 프린터 연결 안됨"_s;
-        case Cause::NoRoom:
-            return u": 저장공간 확인"_s;
-        case Cause::None:
-            break;
+        case Cause::NoPaper: return u": 용지 없음"_s;
+        case Cause::TakesNothing: return u": 용지·덮개·전원 확인"_s;
+        case Cause::Away: return u": 프린터 연결 안됨"_s;
+        case Cause::NoRoom: return u": 저장공간 확인"_s;
+        case Cause::None: break;
     }
     return {};
 }

@@ -21,12 +21,9 @@ constexpr Copy kCopies[] = {Copy::Seller, Copy::Buyer};
 std::optional<Document> slipPaper(Paper paper, QStringView date, QStringView junNo, QStringView userId,
                                   Copy copy, bool reprint) {
     switch (paper) {
-        case Paper::Invoice:
-            return salesInvoice(date, junNo, userId, copy, reprint);
-        case Paper::ContainerReceipt:
-            return containerReceipt(date, junNo, userId, copy, reprint);
-        case Paper::CollectionSlip:
-            return collectionSlip(date, junNo, userId, copy, reprint);
+        case Paper::Invoice: return salesInvoice(date, junNo, userId, copy, reprint);
+        case Paper::ContainerReceipt: return containerReceipt(date, junNo, userId, copy, reprint);
+        case Paper::CollectionSlip: return collectionSlip(date, junNo, userId, copy, reprint);
     }
     return std::nullopt;
 }

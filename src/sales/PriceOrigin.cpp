@@ -22,14 +22,10 @@ bool hasMargin(PriceSource source) {
 
 QString sourceName(PriceSource source) {
     switch (source) {
-        case PriceSource::Contract:
-            return u"계약단가"_s;
-        case PriceSource::ClassMargin:
-            return u"주류구분마진"_s;
-        case PriceSource::CustomerMargin:
-            return u"거래처마진"_s;
-        case PriceSource::Tier:
-            return u"판매단가"_s;
+        case PriceSource::Contract: return u"계약단가"_s;
+        case PriceSource::ClassMargin: return u"주류구분마진"_s;
+        case PriceSource::CustomerMargin: return u"거래처마진"_s;
+        case PriceSource::Tier: return u"판매단가"_s;
     }
     return {};
 }

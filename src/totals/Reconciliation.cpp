@@ -147,12 +147,9 @@ QList<CollectionSlip> repeatedOf(const QList<CollectionSlip>& approvals) {
 
 QString caption(Difference::Kind kind) {
     switch (kind) {
-        case Difference::Kind::MissingAtHost:
-            return u"호스트에 없음"_s;
-        case Difference::Kind::MissingOnTerminal:
-            return u"전표에 없음"_s;
-        case Difference::Kind::AmountDiffers:
-            return u"금액 다름"_s;
+        case Difference::Kind::MissingAtHost: return u"호스트에 없음"_s;
+        case Difference::Kind::MissingOnTerminal: return u"전표에 없음"_s;
+        case Difference::Kind::AmountDiffers: return u"금액 다름"_s;
     }
     return {};
 }

@@ -69,8 +69,7 @@ void BitmapButton::keyPressEvent(QKeyEvent* event) {
             if (showsFocusRing(*this)) return QAbstractButton::keyPressEvent(event);
             // Nobody could see what it would press.
             return workWithKeys(true);
-        default:
-            QAbstractButton::keyPressEvent(event);
+        default: QAbstractButton::keyPressEvent(event);
     }
 }
 

@@ -20,17 +20,11 @@ FlickScroll::FlickScroll(QAbstractScrollArea* area) : QObject(area), area_(*area
 bool FlickScroll::eventFilter(QObject*, QEvent* event) {
     switch (event->type()) {
         case QEvent::MouseButtonPress:
-        case QEvent::MouseButtonDblClick:
-            return press(static_cast<const QMouseEvent&>(*event));
-        case QEvent::MouseMove:
-            return move(static_cast<const QMouseEvent&>(*event));
-        case QEvent::MouseButtonRelease:
-            return release(static_cast<const QMouseEvent&>(*event));
-        case QEvent::Wheel:
-            timer_.stop();
-            return false;
-        default:
-            return false;
+        case QEvent::MouseButtonDblClick: return press(static_cast<const QMouseEvent&>(*event));
+        case QEvent::MouseMove: return move(static_cast<const QMouseEvent&>(*event));
+        case QEvent::MouseButtonRelease: return release(static_cast<const QMouseEvent&>(*event));
+        case QEvent::Wheel: timer_.stop(); return false;
+        default: return false;
     }
 }
 

@@ -28,12 +28,9 @@ constexpr std::array kRefused{Tone{294, 160}, Tone{0, 60}, Tone{294, 240}};
 
 constexpr std::span<const Tone> tonesOf(Sound sound) {
     switch (sound) {
-        case Sound::Approved:
-            return kApproved;
-        case Sound::Refused:
-            return kRefused;
-        case Sound::Swipe:
-            break;
+        case Sound::Approved: return kApproved;
+        case Sound::Refused: return kRefused;
+        case Sound::Swipe: break;
     }
     return kSwipe;
 }

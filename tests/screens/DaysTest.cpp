@@ -345,14 +345,10 @@ class ScreenDays : public testing::Test {
                 // A customer who has a slip already is told so, and the list stays.
                 return lines << u"press 143.1035 144.1001"_s << u"row2 144.1054 =%1"_s.arg(hand.code)
                              << u"?press 144.1003"_s;
-            case Close:
-                return lines << u"?keys 0 ok"_s << u"press 457.1003"_s;
+            case Close: return lines << u"?keys 0 ok"_s << u"press 457.1003"_s;
             case Login:
-            case OtherDay:
-                return lines << login();
-            case AddGoods:
-                lines << u"keys %1 ok"_s.arg(hand.code);
-                break;
+            case OtherDay: return lines << login();
+            case AddGoods: lines << u"keys %1 ok"_s.arg(hand.code); break;
             case EditAmount:
                 if (hand.row > 0)
                     lines << u"press 134.%1"_s.arg(std::array{1076, 1090, 1075, 1074}[action.amount % 4]);
@@ -362,21 +358,15 @@ class ScreenDays : public testing::Test {
             case EditReturn:
                 if (hand.row == 0) return {};
                 break;
-            case AddReturn:
-                lines << u"row2 397.1090 =%1"_s.arg(hand.code);
-                break;
+            case AddReturn: lines << u"row2 397.1090 =%1"_s.arg(hand.code); break;
             case Swipe:
                 if (hand.code.isEmpty()) return {};
                 lines << u"swipe good"_s;
                 if (hand.paid == Fate::NoLink) lines << u"!unplug"_s;
                 break;
-            case KeySimple:
-                lines << u"press 104.%1"_s.arg(1125 + action.pick % 5);
-                break;
-            case Back:
-                return {wayBack(dialog)};
-            default:
-                break;
+            case KeySimple: lines << u"press 104.%1"_s.arg(1125 + action.pick % 5); break;
+            case Back: return {wayBack(dialog)};
+            default: break;
         }
         if (!hand.keyed.isEmpty()) lines << keys(hand.keyed);
         return lines;

@@ -56,27 +56,18 @@ void write(QByteArray& content, const QByteArray& bytes, qint64 at) {
 
 void apply(const Call& call, DiskState& state) {
     switch (call.kind) {
-        case Kind::Write:
-            return write(state.contents[size_t(call.file)], call.bytes, call.at);
+        case Kind::Write: return write(state.contents[size_t(call.file)], call.bytes, call.at);
         case Kind::Truncate: {
             QByteArray& content = state.contents[size_t(call.file)];
             if (content.size() < call.at) content.append(QByteArray(call.at - content.size(), '\0'));
             return content.truncate(call.at);
         }
-        case Kind::Name:
-            state.names[call.path] = call.file;
-            return;
-        case Kind::Rename:
-            return rename(state, call.path, call.to);
-        case Kind::Remove:
-            state.names.erase(call.path);
-            return;
-        case Kind::MakeFolder:
-            state.folders.insert(call.path);
-            return;
+        case Kind::Name: state.names[call.path] = call.file; return;
+        case Kind::Rename: return rename(state, call.path, call.to);
+        case Kind::Remove: state.names.erase(call.path); return;
+        case Kind::MakeFolder: state.folders.insert(call.path); return;
         case Kind::Sync:
-        case Kind::SyncFolder:
-            return;
+        case Kind::SyncFolder: return;
     }
 }
 

@@ -110,8 +110,7 @@ class PaymentTorture : public test::TortureTest {
                     return atHost("SELECT count(*) FROM exchange");
                 case 3:  // The terminal knows.
                     return onTerminal("SELECT count(*) FROM MTMOK WHERE BANKTRANNO <> ''");
-                default:
-                    return QString();
+                default: return QString();
             }
         };
         const QString before = watched();

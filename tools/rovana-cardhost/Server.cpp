@@ -123,12 +123,8 @@ void Server::replyWrongly(QTcpSocket* socket, const Frame& reply, const Fault& f
         case Misbehaviour::Late:
             QTimer::singleShot(fault.delay, socket, [socket, bytes] { socket->write(bytes); });
             break;
-        case Misbehaviour::Split:
-            sendInPieces(socket, bytes);
-            break;
-        case Misbehaviour::Double:
-            socket->write(bytes + bytes);
-            break;
+        case Misbehaviour::Split: sendInPieces(socket, bytes); break;
+        case Misbehaviour::Double: socket->write(bytes + bytes); break;
         case Misbehaviour::Stray: {
             Frame other = reply;
             other.number[0] ^= 1;
@@ -145,22 +141,17 @@ void Server::replyWrongly(QTcpSocket* socket, const Frame& reply, const Fault& f
             socket->write(oversized);
             break;
         }
-        case Misbehaviour::Garbage:
-            socket->write("HTTP/1.1 400 Bad Request\r\n\r\n");
-            break;
+        case Misbehaviour::Garbage: socket->write("HTTP/1.1 400 Bad Request\r\n\r\n"); break;
         case Misbehaviour::BadMac: {
             Frame changed = reply;
             changed.sealed.back() = char(changed.sealed.back() ^ 1);
             socket->write(encodeFrame(changed));
             break;
         }
-        case Misbehaviour::Refuse:
-            socket->write(bytes);
-            break;
+        case Misbehaviour::Refuse: socket->write(bytes); break;
         case Misbehaviour::Close:
         case Misbehaviour::Silent:
-        case Misbehaviour::ApproveThenClose:
-            break;  // These get no answer at all.
+        case Misbehaviour::ApproveThenClose: break;  // These get no answer at all.
     }
 }
 

@@ -77,11 +77,8 @@ bool DisplayHand::eventFilter(QObject* watched, QEvent* event) {
         case QEvent::MouseButtonPress:
         case QEvent::MouseButtonRelease:
         case QEvent::KeyPress:
-        case QEvent::KeyRelease:
-            --expected_;
-            return false;
-        default:
-            return false;
+        case QEvent::KeyRelease: --expected_; return false;
+        default: return false;
     }
 }
 

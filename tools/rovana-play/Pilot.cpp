@@ -206,18 +206,12 @@ Attempt expectState(const Step& step) {
         return isSo ? Attempt{} : waitFor(u"%1 is %2"_s.arg(toString(step.at), otherwise));
     };
     switch (step.command) {
-        case Command::ExpectHidden:
-            return found_is(!found.control->isVisible(), u"shown");
-        case Command::ExpectShown:
-            return found_is(found.control->isVisible(), u"hidden");
-        case Command::ExpectDisabled:
-            return found_is(!found.control->isEnabled(), u"enabled");
-        case Command::ExpectEnabled:
-            return found_is(found.control->isEnabled(), u"disabled");
-        case Command::ExpectChecked:
-            return found_is(isChecked(found), u"not checked");
-        default:
-            return found_is(!isChecked(found), u"checked");
+        case Command::ExpectHidden: return found_is(!found.control->isVisible(), u"shown");
+        case Command::ExpectShown: return found_is(found.control->isVisible(), u"hidden");
+        case Command::ExpectDisabled: return found_is(!found.control->isEnabled(), u"enabled");
+        case Command::ExpectEnabled: return found_is(found.control->isEnabled(), u"disabled");
+        case Command::ExpectChecked: return found_is(isChecked(found), u"not checked");
+        default: return found_is(!isChecked(found), u"checked");
     }
 }
 
@@ -341,85 +335,59 @@ void Pilot::miss(const Step& step, const QString& problem) {
 
 Attempt Pilot::attempt(const Step& step) {
     switch (step.command) {
-        case Command::Clock:
-            return setClock(step);
+        case Command::Clock: return setClock(step);
         case Command::Patience:
             return ready([this, seconds = step.numbers[0]] { options_.patienceMs = seconds * 1000; });
         case Command::Press:
         case Command::DoublePress:
         case Command::Slide:
-        case Command::KeypadKey:
-            return press(step);
-        case Command::KeypadNext:
-            return nextField(step);
-        case Command::Type:
-            return type(step);
+        case Command::KeypadKey: return press(step);
+        case Command::KeypadNext: return nextField(step);
+        case Command::Type: return type(step);
         case Command::Row:
         case Command::DoubleRow:
         case Command::Cell:
-        case Command::DragRow:
-            return chooseRow(step);
-        case Command::Answer:
-            return answer(step);
-        case Command::Key:
-            return pressKey(step);
-        case Command::Tear:
-            return ready([this] { tear(); });
-        case Command::Count:
-            return ready([this, name = textOf(step)] { countTouches(name); });
+        case Command::DragRow: return chooseRow(step);
+        case Command::Answer: return answer(step);
+        case Command::Key: return pressKey(step);
+        case Command::Tear: return ready([this] { tear(); });
+        case Command::Count: return ready([this, name = textOf(step)] { countTouches(name); });
         case Command::Host:
             return {{}, [this, options = textOf(step)] {
                         return cardHost_.start(QProcess::splitCommand(options));
                     }};
-        case Command::Swipe:
-            return swipe(step);
+        case Command::Swipe: return swipe(step);
         case Command::TimeOut:
             return ready([unit = std::chrono::milliseconds(step.numbers[0])] {
                 platform::message::Component::setTimeOutUnit(unit);
             });
-        case Command::Remove:
-            return {{}, [name = textOf(step)] { return removeFile(name); }};
-        case Command::Shot:
-            return ready([this, name = textOf(step)] { saveShot(name); });
-        case Command::Paper:
-            return savePaper(textOf(step));
-        case Command::Quit:
-            return {};
-        default:
-            return expect(step);
+        case Command::Remove: return {{}, [name = textOf(step)] { return removeFile(name); }};
+        case Command::Shot: return ready([this, name = textOf(step)] { saveShot(name); });
+        case Command::Paper: return savePaper(textOf(step));
+        case Command::Quit: return {};
+        default: return expect(step);
     }
 }
 
 Attempt Pilot::expect(const Step& step) {
     switch (step.command) {
         case Command::ExpectMessage:
-        case Command::ExpectCaption:
-            return expectMessage(step);
-        case Command::ExpectScreen:
-            return expectScreen(step);
-        case Command::ExpectText:
-            return expectText(step);
-        case Command::ExpectRows:
-            return expectRows(step);
-        case Command::ExpectCell:
-            return expectCell(step);
+        case Command::ExpectCaption: return expectMessage(step);
+        case Command::ExpectScreen: return expectScreen(step);
+        case Command::ExpectText: return expectText(step);
+        case Command::ExpectRows: return expectRows(step);
+        case Command::ExpectCell: return expectCell(step);
         case Command::ExpectHidden:
         case Command::ExpectShown:
         case Command::ExpectDisabled:
         case Command::ExpectEnabled:
         case Command::ExpectChecked:
-        case Command::ExpectUnchecked:
-            return expectState(step);
-        case Command::ExpectSql:
-            return expectSql(step);
-        case Command::ExpectRoll:
-            return compareRoll(step);
-        case Command::ExpectPrinted:
-            return expectPrinted(step);
-        case Command::ExpectTouches:
-            return expectTouches(step);
-        default:
-            return {};
+        case Command::ExpectUnchecked: return expectState(step);
+        case Command::ExpectSql: return expectSql(step);
+        case Command::ExpectRoll: return compareRoll(step);
+        case Command::ExpectPrinted: return expectPrinted(step);
+        case Command::ExpectTouches: return expectTouches(step);
+        default: return {};
     }
 }
 

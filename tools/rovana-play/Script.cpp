@@ -213,30 +213,17 @@ void readMoment(LineReader& line, Step* step) {
 void readOperand(Operand operand, LineReader& line, Step* step) {
     if (line.atEnd() && operand != Operand::Text) return line.fail(u"something is missing"_s);
     switch (operand) {
-        case Operand::Address:
-            return readAddress(line, &step->at);
-        case Operand::Goal:
-            return readAddress(line, &step->to);
-        case Operand::Number:
-            return readNumber(line, 0, step);
-        case Operand::Position:
-            return readNumber(line, 1, step);
-        case Operand::Row:
-            return readRow(line, step);
-        case Operand::Word:
-            step->texts << line.word();
-            return;
-        case Operand::Text:
-            step->texts << line.text();
-            return;
-        case Operand::Name:
-            return readName(line, step);
-        case Operand::Reply:
-            return readReply(line, step);
-        case Operand::Key:
-            return readKey(line, step);
-        case Operand::Moment:
-            return readMoment(line, step);
+        case Operand::Address: return readAddress(line, &step->at);
+        case Operand::Goal: return readAddress(line, &step->to);
+        case Operand::Number: return readNumber(line, 0, step);
+        case Operand::Position: return readNumber(line, 1, step);
+        case Operand::Row: return readRow(line, step);
+        case Operand::Word: step->texts << line.word(); return;
+        case Operand::Text: step->texts << line.text(); return;
+        case Operand::Name: return readName(line, step);
+        case Operand::Reply: return readReply(line, step);
+        case Operand::Key: return readKey(line, step);
+        case Operand::Moment: return readMoment(line, step);
         case Operand::KeypadKeys:
         case Operand::Keys:
         case Operand::Addresses:
@@ -244,8 +231,7 @@ void readOperand(Operand operand, LineReader& line, Step* step) {
         case Operand::Login:
         case Operand::Import:
         case Operand::Sale:
-        case Operand::Settling:
-            return;
+        case Operand::Settling: return;
     }
 }
 

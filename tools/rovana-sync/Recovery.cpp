@@ -28,14 +28,10 @@ QString describe(const QString& date, const DocumentIdentity& identity) {
 /// The paper whose deletion takes a document of that kind.
 std::optional<books::Paper> paperOf(DocumentKind kind) {
     switch (kind) {
-        case DocumentKind::Sale:
-            return books::Paper::Invoice;
-        case DocumentKind::Containers:
-            return books::Paper::ContainerReceipt;
-        case DocumentKind::Collection:
-            return books::Paper::CollectionSlip;
-        default:
-            return std::nullopt;
+        case DocumentKind::Sale: return books::Paper::Invoice;
+        case DocumentKind::Containers: return books::Paper::ContainerReceipt;
+        case DocumentKind::Collection: return books::Paper::CollectionSlip;
+        default: return std::nullopt;
     }
 }
 

@@ -178,10 +178,8 @@ ArchiveResult archiveSlips(const QString& from, const QString& to, const Archive
     };
     if (const QString why = refuse(database, from, to); !why.isEmpty()) return fail(why);
     switch (database.lock()) {
-        case SqliteFile::Lock::Held:
-            break;
-        case SqliteFile::Lock::InUse:
-            return fail(describeUse(from));
+        case SqliteFile::Lock::Held: break;
+        case SqliteFile::Lock::InUse: return fail(describeUse(from));
         case SqliteFile::Lock::Unusable:
             return fail(u"%1 cannot be read: %2"_s.arg(from, database.errorText()));
     }

@@ -67,9 +67,7 @@ Outcome listDevices(const Invocation& call) {
     };
     const PrinterSettings& printer = settings.printer;
     switch (printer.kind) {
-        case PrinterSettings::Kind::Roll:
-            tell(u"printer", u"roll", u"roll.txt"_s, {});
-            break;
+        case PrinterSettings::Kind::Roll: tell(u"printer", u"roll", u"roll.txt"_s, {}); break;
         case PrinterSettings::Kind::File:
             tell(u"printer", u"file", printer.device, faultOfFile(printer.device, O_WRONLY | O_APPEND));
             break;

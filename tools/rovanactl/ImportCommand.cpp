@@ -13,18 +13,13 @@ using namespace Qt::Literals::StringLiterals;
 
 QString describe(db::ImportResult::Outcome outcome) {
     switch (outcome) {
-        case db::ImportResult::Outcome::Loaded:
-            return u"loaded"_s;
-        case db::ImportResult::Outcome::Unchanged:
-            return u"the same as loaded before"_s;
+        case db::ImportResult::Outcome::Loaded: return u"loaded"_s;
+        case db::ImportResult::Outcome::Unchanged: return u"the same as loaded before"_s;
         case db::ImportResult::Outcome::BeingWritten:
             return u"being written by another program, the file stays"_s;
-        case db::ImportResult::Outcome::AlreadyLoaded:
-            return u"had been loaded before"_s;
-        case db::ImportResult::Outcome::NotOpened:
-            return u"could not be opened"_s;
-        case db::ImportResult::Outcome::NotSaved:
-            return u"not saved, the file stays"_s;
+        case db::ImportResult::Outcome::AlreadyLoaded: return u"had been loaded before"_s;
+        case db::ImportResult::Outcome::NotOpened: return u"could not be opened"_s;
+        case db::ImportResult::Outcome::NotSaved: return u"not saved, the file stays"_s;
     }
     return {};
 }

@@ -13,14 +13,10 @@ constexpr int kLargestQuantity = 999;
 
 QString sourceName(sales::PriceSource source) {
     switch (source) {
-        case sales::PriceSource::Contract:
-            return u"contract"_s;
-        case sales::PriceSource::ClassMargin:
-            return u"class"_s;
-        case sales::PriceSource::CustomerMargin:
-            return u"customer"_s;
-        case sales::PriceSource::Tier:
-            return u"tier"_s;
+        case sales::PriceSource::Contract: return u"contract"_s;
+        case sales::PriceSource::ClassMargin: return u"class"_s;
+        case sales::PriceSource::CustomerMargin: return u"customer"_s;
+        case sales::PriceSource::Tier: return u"tier"_s;
     }
     return {};
 }

@@ -28,8 +28,7 @@ Outcome swipe(const Invocation& call) {
         case SwipeSocket::Answer::NoAnswer:
             return failure(u"the terminal on %1 does not answer; it may be busy or stopped"_s.arg(
                 platform::device::folder()));
-        case SwipeSocket::Answer::NoTerminal:
-            break;
+        case SwipeSocket::Answer::NoTerminal: break;
     }
     return failure(u"no terminal runs on %1"_s.arg(platform::device::folder()));
 }

@@ -61,18 +61,12 @@ FrameReader::Result FrameReader::next(Frame* frame) {
 
 QStringView describe(FrameReader::Result result) {
     switch (result) {
-        case FrameReader::Result::Incomplete:
-            return u"the frame is not complete";
-        case FrameReader::Result::Complete:
-            return u"the frame is complete";
-        case FrameReader::Result::Oversized:
-            return u"the frame exceeds 64 KiB";
-        case FrameReader::Result::TooShort:
-            return u"the frame is too short";
-        case FrameReader::Result::UnknownVersion:
-            return u"the frame is of another version";
-        case FrameReader::Result::UnknownKind:
-            return u"the frame is neither request nor reply";
+        case FrameReader::Result::Incomplete: return u"the frame is not complete";
+        case FrameReader::Result::Complete: return u"the frame is complete";
+        case FrameReader::Result::Oversized: return u"the frame exceeds 64 KiB";
+        case FrameReader::Result::TooShort: return u"the frame is too short";
+        case FrameReader::Result::UnknownVersion: return u"the frame is of another version";
+        case FrameReader::Result::UnknownKind: return u"the frame is neither request nor reply";
     }
     return {};
 }

@@ -17,12 +17,9 @@ namespace {
 
 QSerialPort::FlowControl flowControl(SerialMode::Flow flow) {
     switch (flow) {
-        case SerialMode::Flow::Hardware:
-            return QSerialPort::HardwareControl;
-        case SerialMode::Flow::Software:
-            return QSerialPort::SoftwareControl;
-        case SerialMode::Flow::None:
-            break;
+        case SerialMode::Flow::Hardware: return QSerialPort::HardwareControl;
+        case SerialMode::Flow::Software: return QSerialPort::SoftwareControl;
+        case SerialMode::Flow::None: break;
     }
     return QSerialPort::NoFlowControl;
 }

@@ -75,14 +75,10 @@ QByteArray textOf(const PaperLine& line, bool isKsx1001Only) {
 
 QByteArray cutBytes(PrinterSettings::Cut cut) {
     switch (cut) {
-        case PrinterSettings::Cut::Full:
-            return {"\x1DV\x00", 3};
-        case PrinterSettings::Cut::Partial:
-            return {"\x1DV\x01", 3};
-        case PrinterSettings::Cut::Feed:
-            return {"\x1DV\x42\x00", 4};
-        case PrinterSettings::Cut::None:
-            break;
+        case PrinterSettings::Cut::Full: return {"\x1DV\x00", 3};
+        case PrinterSettings::Cut::Partial: return {"\x1DV\x01", 3};
+        case PrinterSettings::Cut::Feed: return {"\x1DV\x42\x00", 4};
+        case PrinterSettings::Cut::None: break;
     }
     return {};
 }

@@ -248,13 +248,10 @@ class NetworkLine : public PrinterLine {
 
 std::unique_ptr<PrinterLine> PrinterLine::make(const PrinterSettings& settings) {
     switch (settings.kind) {
-        case PrinterSettings::Kind::Serial:
-            return std::make_unique<SerialLine>(settings);
-        case PrinterSettings::Kind::Tcp:
-            return std::make_unique<NetworkLine>(settings);
+        case PrinterSettings::Kind::Serial: return std::make_unique<SerialLine>(settings);
+        case PrinterSettings::Kind::Tcp: return std::make_unique<NetworkLine>(settings);
         case PrinterSettings::Kind::File:
-        case PrinterSettings::Kind::Roll:
-            break;
+        case PrinterSettings::Kind::Roll: break;
     }
     return std::make_unique<FileLine>(settings.device);
 }

@@ -55,24 +55,15 @@ int readerTrack(int track, char* buffer) {
 
 Operation operation(int ordinal) {
     switch (ordinal) {
-        case 1:
-            return &deviceOpen;
-        case 2:
-            return &deviceClose;
-        case 6:
-            return &readerTrack;
-        case 7:
-            return &readerEnable;
-        case 10:
-            return &printerSetSize;
-        case 11:
-            return &printerPrint;
-        case 16:
-            return &printerFeed;
-        case 26:
-            return &printerInit;
-        default:
-            return {};
+        case 1: return &deviceOpen;
+        case 2: return &deviceClose;
+        case 6: return &readerTrack;
+        case 7: return &readerEnable;
+        case 10: return &printerSetSize;
+        case 11: return &printerPrint;
+        case 16: return &printerFeed;
+        case 26: return &printerInit;
+        default: return {};
     }
 }
 

@@ -23,16 +23,11 @@ enum Control { kName = 1107, kTel = 1108, kMargin = 1109, kReceivable = 1110 };
 /// The screen that a work mode goes on to; 0 for a mode that opens nothing.
 int workScreen(int workMode) {
     switch (workMode) {
-        case app::kSalesWork:
-            return app::dialogs::kSalesSlip;
-        case app::kCollectionWork:
-            return app::dialogs::kCollectionEntry;
-        case app::kContainerWork:
-            return app::dialogs::kContainerSlip;
-        case app::kSimplePayment:
-            return app::dialogs::kSimplePayment;
-        default:
-            return 0;
+        case app::kSalesWork: return app::dialogs::kSalesSlip;
+        case app::kCollectionWork: return app::dialogs::kCollectionEntry;
+        case app::kContainerWork: return app::dialogs::kContainerSlip;
+        case app::kSimplePayment: return app::dialogs::kSimplePayment;
+        default: return 0;
     }
 }
 

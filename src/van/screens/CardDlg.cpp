@@ -219,12 +219,9 @@ void CCardDlg::takePassword(bool isEntered) {
 void CCardDlg::requestPayment() {
     const books::TransactionRecord& record = books::transactionRecord();
     switch (books::chargeKind(record.amounts, record.cardPaymentFlag)) {
-        case books::ChargeKind::Card:
-            return send(RequestKind::CardPayment, books::RequestType::Payment);
-        case books::ChargeKind::Cash:
-            return send(RequestKind::CashPayment, books::RequestType::Payment);
-        case books::ChargeKind::Nothing:
-            ui::message(u"카드금액과 현금금액이 0이면 결제가 안됩니다..!"_s);
+        case books::ChargeKind::Card: return send(RequestKind::CardPayment, books::RequestType::Payment);
+        case books::ChargeKind::Cash: return send(RequestKind::CashPayment, books::RequestType::Payment);
+        case books::ChargeKind::Nothing: ui::message(u"카드금액과 현금금액이 0이면 결제가 안됩니다..!"_s);
     }
 }
 
@@ -298,8 +295,7 @@ void CCardDlg::exchangeEnded() {
         case books::RequestType::PreviousTransaction:
             if (isGood) reprintPrevious();
             break;
-        case books::RequestType::None:
-            break;
+        case books::RequestType::None: break;
     }
     repaint();
 }

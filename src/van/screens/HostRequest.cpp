@@ -65,16 +65,11 @@ QString find(const Wordings& wordings, Call call, short status) {
 
 QStringView messageKind(RequestKind kind) {
     switch (kind) {
-        case RequestKind::CardPayment:
-            return u"0100";
-        case RequestKind::CashPayment:
-            return u"0150";
-        case RequestKind::Balance:
-            return u"0300";
-        case RequestKind::PreviousTransaction:
-            return u"0600";
-        case RequestKind::Summary:
-            return u"0800";
+        case RequestKind::CardPayment: return u"0100";
+        case RequestKind::CashPayment: return u"0150";
+        case RequestKind::Balance: return u"0300";
+        case RequestKind::PreviousTransaction: return u"0600";
+        case RequestKind::Summary: return u"0800";
     }
     return {};
 }
@@ -103,8 +98,7 @@ QString request(CKsnet_msg_lib& component, RequestKind kind, const books::Transa
     const QString time = now.toString(u"hhmmss"_s);
     switch (kind) {
         case RequestKind::CardPayment:
-        case RequestKind::CashPayment:
-            return requestPayment(component, kind, record);
+        case RequestKind::CashPayment: return requestPayment(component, kind, record);
         case RequestKind::Balance:
             return failureText(Call::Balance, kind,
                                component.BalanceReq(time, record.track3.view().mid(1, kCardDataLength),
@@ -124,10 +118,8 @@ QString request(CKsnet_msg_lib& component, RequestKind kind, const books::Transa
 QString failureText(Call call, RequestKind kind, short status) {
     if (status == 0) return {};
     switch (call) {
-        case Call::Payment:
-            return find(kWordings, Call::Balance, status);
-        case Call::PreviousTransaction:
-            return u" * setPreTradeRep -> 직전거래요청 실패"_s;
+        case Call::Payment: return find(kWordings, Call::Balance, status);
+        case Call::PreviousTransaction: return u" * setPreTradeRep -> 직전거래요청 실패"_s;
         case Call::Header:
             // A missing saved value is worded for payments and the previous transaction only.
             if (status == -807 && !isPayment(kind) && kind != RequestKind::PreviousTransaction) return {};
@@ -136,8 +128,7 @@ QString failureText(Call call, RequestKind kind, short status) {
             return isPayment(kind) || kind == RequestKind::PreviousTransaction
                        ? find(kPaymentExchange, call, status)
                        : find(kInquiryExchange, call, status);
-        default:
-            return find(kWordings, call, status);
+        default: return find(kWordings, call, status);
     }
 }
 

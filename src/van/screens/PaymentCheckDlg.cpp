@@ -81,9 +81,7 @@ void CPaymentCheckDlg::answered() {
         return;
     }
     switch (judge(asked_, reply_, answeredNumber_)) {
-        case PaymentVerdict::Approved:
-            approved();
-            break;
+        case PaymentVerdict::Approved: approved(); break;
         case PaymentVerdict::NotCharged:
             if (books::settlePayment(asked_.number, reply_.responseCode == kNeverReceived
                                                         ? books::PaymentState::Released

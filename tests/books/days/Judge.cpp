@@ -70,18 +70,10 @@ void Judge::screen(const Page& before, const Event& event) {
     switch (event.kind) {
         case KeySales:
         case KeySupply:
-        case KeyVat:
-            hasKeyedSales_ = true;
-            break;
-        case TookWorth:
-            hasTakenWorth_ = true;
-            break;
-        case KeptRecovery:
-            hasKeyedRecovery_ = true;
-            break;
-        case GoneOn:
-            goneOn(event);
-            break;
+        case KeyVat: hasKeyedSales_ = true; break;
+        case TookWorth: hasTakenWorth_ = true; break;
+        case KeptRecovery: hasKeyedRecovery_ = true; break;
+        case GoneOn: goneOn(event); break;
         case OpenCollection:
             hadKeyedSales_ = hasKeyedSales_ || wasKeyedSales_;
             hadKeyedRecovery_ = hasKeyedRecovery_ || wasKeyedRecovery_;
@@ -97,11 +89,8 @@ void Judge::screen(const Page& before, const Event& event) {
         case Cash:
         case Credit:
         case KeyRecovery:
-        case KeyEarlier:
-            settling(event);
-            break;
-        default:
-            break;
+        case KeyEarlier: settling(event); break;
+        default: break;
     }
     if (event.mode != 6) left_ = event.shown;
 }
@@ -197,25 +186,15 @@ void Judge::tables(Page before, const Event& event, const Page& after) {
     rowRule_ = Rule::Nothing;
     if (!event.isRefused) {
         switch (event.kind) {
-            case SaleSaved:
-                saleSaved(want, event, after);
-                break;
+            case SaleSaved: saleSaved(want, event, after); break;
             case OfficeLoaded:
                 want.goods.insert(want.goods.end(), event.goods.begin(), event.goods.end());
                 std::ranges::sort(want.goods);
                 break;
-            case SaleDeleted:
-                saleDeleted(want, event);
-                break;
-            case CollectionSaved:
-                collectionSaved(want, event);
-                break;
-            case CollectionBack:
-                collectionBack(want, event, after);
-                break;
-            case UnpaidBack:
-                unpaidBack(want, event);
-                break;
+            case SaleDeleted: saleDeleted(want, event); break;
+            case CollectionSaved: collectionSaved(want, event); break;
+            case CollectionBack: collectionBack(want, event, after); break;
+            case UnpaidBack: unpaidBack(want, event); break;
             case ApprovalBack:
                 for (const Payment& payment : std::vector(want.payments)) {
                     if (event.answers.contains(payment.message)) approvedLater(want, payment, after);
@@ -235,17 +214,10 @@ void Judge::tables(Page before, const Event& event, const Page& after) {
                 erase(want.collections, event.visit.key);
                 break;
             case EmptiesSaved:
-            case EmptiesDeleted:
-                emptiesChanged(want, event, after);
-                break;
-            case PaymentSent:
-                paymentSent(want, event, after);
-                break;
-            case Inquired:
-                inquired(want, event, after);
-                break;
-            default:
-                break;
+            case EmptiesDeleted: emptiesChanged(want, event, after); break;
+            case PaymentSent: paymentSent(want, event, after); break;
+            case Inquired: inquired(want, event, after); break;
+            default: break;
         }
     }
     compare(want, after);

@@ -250,37 +250,19 @@ std::string Terminal::backTap() {
 std::string Terminal::menuTap(const Action& action) {
     using enum Tap;
     switch (action.tap) {
-        case Sales:
-            menu(1, Screen::SaleList);
-            break;
-        case Collections:
-            menu(2, Screen::CollectionList);
-            break;
-        case Containers:
-            menu(3, Screen::EmptiesList);
-            break;
-        case Simple:
-            openSimple(action.pick);
-            return text(number_ + u' ' + customer_);
-        case Close:
-            closeDay(action.pick);
-            break;
-        case Office:
-            loadOrder(action.pick);
-            break;
+        case Sales: menu(1, Screen::SaleList); break;
+        case Collections: menu(2, Screen::CollectionList); break;
+        case Containers: menu(3, Screen::EmptiesList); break;
+        case Simple: openSimple(action.pick); return text(number_ + u' ' + customer_);
+        case Close: closeDay(action.pick); break;
+        case Office: loadOrder(action.pick); break;
         case Kill:
             kill();
             login(action.pick, false);
             break;
-        case Fault:
-            isFaultArmed_ = true;
-            break;
-        case Clock:
-            platform::clock::set(platform::clock::now().addSecs(60 * (1 + action.pick % 400)));
-            break;
-        default:
-            login(action.pick, action.tap == OtherDay);
-            return text(user_ + u' ' + date_);
+        case Fault: isFaultArmed_ = true; break;
+        case Clock: platform::clock::set(platform::clock::now().addSecs(60 * (1 + action.pick % 400))); break;
+        default: login(action.pick, action.tap == OtherDay); return text(user_ + u' ' + date_);
     }
     return {};
 }
@@ -345,26 +327,16 @@ std::string Terminal::listTap(const Action& action) {
     const std::string said = text(number_ + u' ' + customer_);
     switch (action.tap) {
         case AddSale:
-        case OpenSale:
-            openSale();
-            break;
-        case PaySale:
-            paySale(action.amount);
-            break;
-        case DeleteSale:
-            deleteSale(action.amount);
-            break;
+        case OpenSale: openSale(); break;
+        case PaySale: paySale(action.amount); break;
+        case DeleteSale: deleteSale(action.amount); break;
         case OpenCollection:
             // The list makes room for it.
             screens_.pop_back();
             [[fallthrough]];
-        case AddCollection:
-            openEntry(action.amount);
-            break;
+        case AddCollection: openEntry(action.amount); break;
         case AddEmpties:
-        case OpenEmpties:
-            openEmpties();
-            break;
+        case OpenEmpties: openEmpties(); break;
         case DeleteCollection: {
             if (!mayDelete(action.pick / 8)) break;
             kept_.reset();

@@ -116,38 +116,20 @@ std::string Terminal::entryTap(const Action& action) {
     if (isSimple_ && action.tap <= OnCredit) return "(disabled)";
     if (action.tap <= KeyEarlier) hand_.keyed << QString::number(keyed);
     switch (action.tap) {
-        case KeySales:
-            key(Event::Kind::KeySales, collect::keySales);
-            break;
-        case KeySupply:
-            key(Event::Kind::KeySupply, collect::keySupply);
-            break;
-        case KeyVat:
-            key(Event::Kind::KeyVat, collect::keyVat);
-            break;
-        case KeyOther:
-            key(Event::Kind::KeyOther, collect::keyNonLiquor);
-            break;
-        case KeyRecovery:
-            key(Event::Kind::KeyRecovery, collect::keyRecovery);
-            break;
+        case KeySales: key(Event::Kind::KeySales, collect::keySales); break;
+        case KeySupply: key(Event::Kind::KeySupply, collect::keySupply); break;
+        case KeyVat: key(Event::Kind::KeyVat, collect::keyVat); break;
+        case KeyOther: key(Event::Kind::KeyOther, collect::keyNonLiquor); break;
+        case KeyRecovery: key(Event::Kind::KeyRecovery, collect::keyRecovery); break;
         case KeyEarlier:
             done.kind = Event::Kind::KeyEarlier;
             collect::keyEarlierReceivable(amounts_, platform::Won(keyed));
             break;
-        case ByCard:
-            settle(Event::Kind::Card, collect::settleByCard);
-            break;
-        case InCash:
-            settle(Event::Kind::Cash, collect::settleInCash);
-            break;
-        case OnCredit:
-            settle(Event::Kind::Credit, collect::settleOnCredit);
-            break;
-        case ForgetCollection:
-            return forgetCollection(action.pick) ? words(shown()) : "(refused)";
-        default:
-            return finishEntry(action.pick) ? words(done.shown) : "(refused)";
+        case ByCard: settle(Event::Kind::Card, collect::settleByCard); break;
+        case InCash: settle(Event::Kind::Cash, collect::settleInCash); break;
+        case OnCredit: settle(Event::Kind::Credit, collect::settleOnCredit); break;
+        case ForgetCollection: return forgetCollection(action.pick) ? words(shown()) : "(refused)";
+        default: return finishEntry(action.pick) ? words(done.shown) : "(refused)";
     }
     done.shown = shown();
     tell(done);
@@ -180,13 +162,9 @@ bool Terminal::isPaidOnLine() const {
 /// False when the slip may not be settled: its payment is open, or has become known meanwhile.
 bool Terminal::isPaymentSettled(unsigned pick) {
     switch (askAboutSlip(pick / 8, user_)) {
-        case Answer::Free:
-            return !isApprovalPutBack(pick);
-        case Answer::Approved:
-            takeApproval(pick);
-            return false;
-        case Answer::Open:
-            break;
+        case Answer::Free: return !isApprovalPutBack(pick);
+        case Answer::Approved: takeApproval(pick); return false;
+        case Answer::Open: break;
     }
     // Credit asks nobody for money twice.
     return amounts_.card.isZero() && amounts_.cash.isZero() && answer(u"카드결제 확인중", pick % 4 != 0);

@@ -94,9 +94,7 @@ class SyncTorture : public SyncTest {
         QTimer death;
         bool isDead = false;
         switch (upTo(4)) {
-            case 0:
-                EXPECT_EQ(syncThrough(worker).exitCode, 0);
-                return;
+            case 0: EXPECT_EQ(syncThrough(worker).exitCode, 0); return;
             case 1:
                 ++kills_;
                 syncThrough(worker, int(upTo(120)));
