@@ -238,14 +238,14 @@ TEST_F(Collections, KeepEverySimplePayment) {
     EXPECT_EQ(loaded->InMoney, Won(95000));
 
     EXPECT_FALSE(approve(paid, u"T'2", u"143100"_s));
-    // Corrected as a collection slip it stays a simple payment; two of one number cannot become one row.
+    // Corrected as a collection slip it stays a simple payment, and another gets a number of its own.
     paid.GName = u"다라상회"_s;
     EXPECT_TRUE(books::saveCollection(paid));
     EXPECT_EQ(device_.rows(u"SELECT Gubun, GName, BANKTRANNO FROM MTMOK"_s),
               (QList<QStringList>{{u"단순결제"_s, u"다라상회"_s, u"T1"_s}}));
     ASSERT_TRUE(approve(paid, u"T2", u"143100"_s));
-    EXPECT_FALSE(books::saveCollection(paid));
-    EXPECT_TRUE(books::findByTransactionNumber(u"T1") && books::findByTransactionNumber(u"T2"));
+    EXPECT_EQ(books::findByTransactionNumber(u"T1")->JunNo, u"7001"_s);
+    EXPECT_EQ(books::findByTransactionNumber(u"T2")->JunNo, u"7002"_s);
     EXPECT_TRUE(books::removeCollections(kDate, u"7001", kUser));
     EXPECT_EQ(receivable(), u"350000"_s);
 }

@@ -236,9 +236,11 @@ void Judge::brokenOn(const Page& page, const Collection& row, Broken* all) const
     const Amounts& a = row.amounts;
     const bool hasSale = find(page.goods, row.visit) != nullptr;
     const std::string& number = row.visit.key.number;
-    // What was found under a number given twice stands alone, as does what outlived its sale.
-    const bool isAlone =
-        row.isSimple || (number > "4000" && number < "4999") || (!hasSale && orphans_.contains(row.visit));
+    // What was found under a number given twice stands alone, as does what outlived its sale or was received
+    // without one.
+    const bool isReceived = !row.approval.empty() && a.total() == 0 && row.effect() == -(a.card + a.cash);
+    const bool isAlone = row.isSimple || (!hasSale && isReceived) || (number > "4000" && number < "4999") ||
+                         (!hasSale && orphans_.contains(row.visit));
     const Won present = payable(page, row.visit) + depositsOf(page, row.visit);
     if (!isAlone && !keyedSales_.contains(row.visit) && a.total() != present)
         all->insert({Rule::SettledTotal, words(row) + ", the sale is " + std::to_string(present)});

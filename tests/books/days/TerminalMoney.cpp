@@ -188,6 +188,7 @@ bool Terminal::isApprovalPutBack(unsigned pick) {
     } else if (row->JunNo == number_ && row->UserID == user_) {
         takeApproval(pick);
     } else {
+        kept_.reset();
         loadEntry(pick);
     }
     return true;
