@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QtGlobal>
 #include <functional>
 #include <optional>
 
@@ -13,8 +14,7 @@ class InstructionCounter {
   public:
     InstructionCounter();
     ~InstructionCounter();
-    InstructionCounter(const InstructionCounter&) = delete;
-    InstructionCounter& operator=(const InstructionCounter&) = delete;
+    Q_DISABLE_COPY_MOVE(InstructionCounter)
 
     /// So far; nothing where the kernel or the processor does not count them.
     std::optional<double> count() const;

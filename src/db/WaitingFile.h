@@ -22,8 +22,7 @@ class WaitingFile {
     /// Reads the file at `path`.
     explicit WaitingFile(const QString& path);
     ~WaitingFile();
-    WaitingFile(const WaitingFile&) = delete;
-    WaitingFile& operator=(const WaitingFile&) = delete;
+    Q_DISABLE_COPY_MOVE(WaitingFile)
 
     /// True when a file waits at `path` that can be read and written; nothing is opened, which would disturb
     /// who loads or writes it.

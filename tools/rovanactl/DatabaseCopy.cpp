@@ -134,8 +134,7 @@ class Unfinished {
         QFile::remove(path_);
         for (const QStringView suffix : kJournalSuffixes) QFile::remove(path_ % suffix);
     }
-    Unfinished(const Unfinished&) = delete;
-    Unfinished& operator=(const Unfinished&) = delete;
+    Q_DISABLE_COPY_MOVE(Unfinished)
 
     const QString& path() const { return path_; }
     const QString& error() const { return error_; }
