@@ -33,10 +33,8 @@ bool replaceLine(const LineKey& key, Change&& change) {
     for (std::size_t i = 0; i < kSlipLineColumns.size(); ++i)
         line.*kSlipLineColumns[i] = row->at(qsizetype(i));
     change(&line);
-    if (!transaction.run(kDelete(key.PCode, key.Box, key.Bon)) || !transaction.run(insertOf(line)))
-        return false;
-    books::noteChanged(transaction, books::Working::Sale);
-    return transaction.commit();
+    return transaction.run(kDelete(key.PCode, key.Box, key.Bon)) && transaction.run(insertOf(line)) &&
+           books::commitChange(transaction, books::Working::Sale);
 }
 
 }  // namespace
@@ -145,8 +143,7 @@ bool replaceLines(const QList<SlipLine>& lines, QStringList* refused) {
             return false;
         }
     }
-    books::noteChanged(transaction, books::Working::Sale);
-    return transaction.commit();
+    return books::commitChange(transaction, books::Working::Sale);
 }
 
 bool replaceQuantities(const LineKey& key, std::int64_t boxes, std::int64_t bottles,
