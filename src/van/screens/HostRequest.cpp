@@ -65,11 +65,11 @@ QString find(const Wordings& wordings, Call call, short status) {
 
 QStringView messageKind(RequestKind kind) {
     switch (kind) {
-        case RequestKind::CardPayment: return u"0100";
-        case RequestKind::CashPayment: return u"0150";
-        case RequestKind::Balance: return u"0300";
-        case RequestKind::PreviousTransaction: return u"0600";
-        case RequestKind::Summary: return u"0800";
+        case RequestKind::CardPayment: return kCardPayment;
+        case RequestKind::CashPayment: return kCashPayment;
+        case RequestKind::Balance: return kBalanceInquiry;
+        case RequestKind::PreviousTransaction: return kPreviousTransaction;
+        case RequestKind::Summary: return kSummary;
     }
     return {};
 }
@@ -150,7 +150,7 @@ QString sendRequest(CKsnet_msg_lib& component, RequestKind kind, const books::Tr
     if (kind == RequestKind::Summary) savedValue(component, u"101", kind, &failures);
     failures += failureText(
         Call::Header, kind,
-        component.HeaderReq(u"JB", u"84", u"00", u"1234567890", u"    ", u"0200", messageKind(kind)));
+        component.HeaderReq(u"JB", u"84", u"00", u"1234567890", u"    ", kRequestType, messageKind(kind)));
     failures += request(component, kind, record, day);
     // A payment that could not be sealed cannot leave; its exchange is tried all the same.
     const auto number = component.component().paymentNumber();
