@@ -47,7 +47,7 @@ inline constexpr std::array kSlipLineColumns{
     &SlipLine::WorkGubun, &SlipLine::PCode,  &SlipLine::PName,  &SlipLine::JGubun, &SlipLine::Box,
     &SlipLine::Bon,       &SlipLine::MMoney, &SlipLine::BMoney, &SlipLine::YMoney, &SlipLine::GMoney};
 
-/// What tells the lines of a slip apart: the same product may stand on it twice with other quantities.
+/// The key of a slip's line: the same product may stand on it twice with other quantities.
 struct LineKey {
     QString PCode;
     QString Box;

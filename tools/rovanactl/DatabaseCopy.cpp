@@ -37,7 +37,7 @@ const QString& unfinishedMark() {
     return text;
 }
 
-/// A file opened and locked for this object's life; the lock tells that its maker lives.
+/// A file opened and locked for this object's life; the lock shows that its maker lives.
 class HeldFile {
   public:
     HeldFile() = default;

@@ -40,7 +40,7 @@ inline constexpr quint16 kFeeTotalField = 1121;
 inline constexpr quint16 kTransferTotalField = 1122;
 inline constexpr quint16 kListTotalField = 1123;       ///< How many payments the day has, listed or cut.
 inline constexpr quint16 kListField = 1124;            ///< The day's payments, a line each.
-inline constexpr quint16 kAnsweredNumberField = 1131;  ///< The asked number, in an answer that tells of it.
+inline constexpr quint16 kAnsweredNumberField = 1131;  ///< The asked number, in an answer about it.
 inline constexpr quint16 kResponseTextField = 1203;
 
 inline constexpr QStringView kRequestType = u"0200";
