@@ -76,6 +76,8 @@ struct ContainerLine {
     QString YSAMT;
     QString GSAMT;
 
+    friend bool operator==(const ContainerLine&, const ContainerLine&) = default;
+
     /// Makes the line one of `counts`.
     void setCounts(const ContainerCounts& counts);
     void setAmounts(const ContainerAmounts& amounts);

@@ -26,12 +26,10 @@ db::Sql insertOf(const SlipLine& line) {
 template <typename Change>
 bool replaceLine(const LineKey& key, Change&& change) {
     db::Transaction transaction(db::Survives::ProcessEnd);
-    const auto row = db::firstRow(kLine(key.PCode, key.Box, key.Bon));
+    const auto lines = db::selectRecords(kLine(key.PCode, key.Box, key.Bon), kSlipLineColumns);
     // Of two lines alike the working table cannot change one: both would make way for it.
-    if (!row || row->size() != qsizetype(kSlipLineColumns.size()) || linesOf(key) != 1) return false;
-    SlipLine line;
-    for (std::size_t i = 0; i < kSlipLineColumns.size(); ++i)
-        line.*kSlipLineColumns[i] = row->at(qsizetype(i));
+    if (!lines || lines->size() != 1) return false;
+    SlipLine line = lines->first();
     change(&line);
     return transaction.run(kDelete(key.PCode, key.Box, key.Bon)) && transaction.run(insertOf(line)) &&
            books::commitChange(transaction, books::Working::Sale);
