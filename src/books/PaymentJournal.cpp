@@ -48,7 +48,6 @@ JournalPayment paymentOf(db::CVORecordset& row) {
     payment.state = found == std::end(kStates) ? PaymentState::Unknown : found->state;
     payment.isCard = row.GetFieldString(2) != kCash;
     payment.charged = platform::parseWon(row.GetFieldString(3));
-    payment.settledAt = row.GetFieldString(4);
     payment.slip = readCollection(row, kOwnColumns);
     int column = kOwnColumns + kCollectionColumns;
     for (auto* amount : {&payment.saleTotal, &payment.containerWorth}) {
