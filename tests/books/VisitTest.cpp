@@ -74,7 +74,7 @@ TEST(VisitChecks, NameWhatDoesNotAgree) {
         slip.YDMoney = Won(recovery);
         slip.MisuInMoney = Won(earlier);
     };
-    const ReturnedLine empties{u"1001"_s, {}, 0, 1, 0, Won(8000), Won()};
+    const ReturnedLine empties{{u"1001"_s, {}, 0, 1, 0}, Won(8000), Won()};
     const struct {
         const char* what;
         Visit visit;

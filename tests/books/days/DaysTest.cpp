@@ -248,7 +248,7 @@ TEST_F(Days, KnownOnes) {
     }
 }
 
-/// The same seed tells the same story.
+/// The same seed makes the same days.
 TEST_F(Days, RepeatThemselves) {
     EXPECT_EQ(random(7, 300).words, random(7, 300).words);
 }

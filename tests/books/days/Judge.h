@@ -113,7 +113,7 @@ struct Finding {
 };
 
 /// Says after each event what must be on the page. It starts from the page as it is, so that a broken rule is
-/// told once, and remembers what no table tells: what was keyed, what a settlement replaced, what the host
+/// told once, and remembers what no table holds: what was keyed, what a settlement replaced, what the host
 /// charged.
 class Judge {
   public:
