@@ -44,8 +44,7 @@ class Socket {
     ~Socket() {
         if (handle_ >= 0) ::close(handle_);
     }
-    Socket(const Socket&) = delete;
-    Socket& operator=(const Socket&) = delete;
+    Q_DISABLE_COPY_MOVE(Socket)
 
     int handle() const { return handle_; }
     bool send(QByteArrayView bytes) const {

@@ -56,7 +56,7 @@ class LineFields {
     std::array<char, 3 * kLongestLineBytes> utf8_;  ///< A byte gives at most one unit, and that three bytes.
 };
 
-/// What tells this very file from another of the same name.
+/// What this very file has and another of the same name has not.
 struct FileIdentity {
     QString handheldPath;  ///< How the ledger names it: the device folder may move.
     QString digest;

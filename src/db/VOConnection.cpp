@@ -12,8 +12,6 @@ namespace adoce = platform::adoce;
 namespace {
 
 adoce::ClassId connectionClass = adoce::ClassId::None;
-// Nothing sets the flag, so the class is resolved at every construction.
-const bool connectionClassResolved = false;
 
 /// Where the last database was found: every statement opens one, and nearly always the same.
 struct Opened {
@@ -26,7 +24,6 @@ Opened lastOpened;
 }  // namespace
 
 CVOConnection::CVOConnection(int) {
-    if (connectionClassResolved) return;
     if (!adoce::failed(adoce::initialize(0))) {
         adoce::classIdFromProgId(u"ADOCE.Connection.3.1", &connectionClass);
     }

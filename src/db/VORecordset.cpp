@@ -10,10 +10,6 @@ namespace adoce = platform::adoce;
 
 namespace {
 
-adoce::ClassId recordsetClass = adoce::ClassId::None;
-// Nothing sets the flag, so the class is resolved at every construction.
-const bool recordsetClassResolved = false;
-
 /// Whether there is a component; traced with the operation when there is none.
 bool isMade(const std::unique_ptr<adoce::Recordset>& component, QStringView operation) {
     if (!component)
@@ -30,7 +26,8 @@ bool isField(const adoce::Field* field, QStringView operation) {
 }  // namespace
 
 CVORecordset::CVORecordset(CVOConnection& connection) : m_pConnection(&connection) {
-    if (!recordsetClassResolved) adoce::classIdFromProgId(u"ADOCE.Recordset.3.1", &recordsetClass);
+    adoce::ClassId recordsetClass = adoce::ClassId::None;
+    adoce::classIdFromProgId(u"ADOCE.Recordset.3.1", &recordsetClass);
     adoce::HResult result = adoce::kOk;
     m_pRecordset = adoce::createRecordset(recordsetClass, adoce::kInProcessServer, &result);
     if (m_pRecordset && connection.m_pConnection) {

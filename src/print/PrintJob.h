@@ -15,8 +15,7 @@ class PrintJob {
   public:
     PrintJob();
     ~PrintJob();
-    PrintJob(const PrintJob&) = delete;
-    PrintJob& operator=(const PrintJob&) = delete;
+    Q_DISABLE_COPY_MOVE(PrintJob)
 
     /// Prints the line, which carries its line end, enlarged; what follows is in the normal size again.
     void title(QStringView line);

@@ -63,7 +63,7 @@ TEST_F(HostTest, AnApprovedPaymentIsToldChargedAndFoundAgain) {
     EXPECT_EQ(terminal.call(11), kDone);
     EXPECT_EQ(balance(u"good"), u"99989000");
 
-    // The balance inquiry made the host's second exchange; the answer still tells of the first.
+    // The balance inquiry made the host's second exchange; the answer is still about the first.
     ASSERT_EQ(terminal.previous(), kDone);
     ASSERT_EQ(terminal.run(host.port()), QString::fromLatin1(kGood));
     for (const auto& [field, text] : fields) EXPECT_EQ(terminal.field(field), text) << field << " again";

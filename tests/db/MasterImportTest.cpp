@@ -98,28 +98,13 @@ TEST_F(MasterImportTest, LinesBecomeRowsWhateverTheirEnd) {
 }
 
 TEST_F(MasterImportTest, FillsEveryColumnOfEveryTable) {
-    struct Case {
-        QStringView file;
-        QString first;
-        QString select;
-    };
-    const Case cases[] = {
-        {u"MTM.RVN", u"2004-03-02"_s,
-         u"SELECT "
-         u"DDate,Gubun,GCode,GName,JunNo,WorkGubun,PCode,PName,JGubun,Box,Bon,MMoney,BMoney,YMoney,GMoney,"
-         "UserID FROM MTM"_s},
-        {u"GARAE.RVN", u"0012"_s, u"SELECT * FROM GARAE"_s},
-        {u"PUMMOK.RVN", u"0012"_s, u"SELECT * FROM PUMMOK"_s},
-        {u"GARAEDANGA.RVN", u"0012"_s, u"SELECT * FROM GARAEDANGA"_s},
-        {u"GARAEMAJIN.RVN", u"0012"_s, u"SELECT * FROM GARAEMAJIN"_s},
-        {u"BARCODE.RVN", u"0012"_s, u"SELECT * FROM BARCODE"_s},
-    };
-    for (const Case& c : cases) {
-        QStringList fields{c.first};
-        while (fields.size() < file(c.file).fields) fields << u"%1참"_s.arg(fields.size());
-        write(c.file, *platform::codepage::encode(fields.join(u'|') + u"|\r\n"_s));
-        EXPECT_EQ(load(c.file).outcome, Loaded);
-        EXPECT_EQ(device.rows(c.select), QList<QStringList>{fields}) << c.file.toUtf8().constData();
+    for (const ImportFile& each : importFiles()) {
+        QStringList fields{each.fileName == u"MTM.RVN" ? u"2004-03-02"_s : u"0012"_s};
+        while (fields.size() < each.fields) fields << u"%1참"_s.arg(fields.size());
+        write(each.fileName, *platform::codepage::encode(fields.join(u'|') + u"|\r\n"_s));
+        EXPECT_EQ(load(each.fileName).outcome, Loaded);
+        const auto rows = device.rows(u"SELECT * FROM "_s + each.fileName.chopped(4).toString());
+        EXPECT_EQ(rows.value(0).first(fields.size()), fields) << each.fileName.toUtf8().constData();
     }
     EXPECT_EQ(device.value(u"SELECT count(*) FROM MTM WHERE DTime IS NULL"_s), u"1"_s);
 }
@@ -349,23 +334,21 @@ TEST_F(MasterImportTest, OldDataIsNamedUntilNewComes) {
 // The ledger knows the file by then, so its orders are not added a second time.
 TEST_F(MasterImportTest, AFileThatCannotBeDeletedIsLoadedOnce) {
     write(u"MTM.RVN", "2004-03-02|a|\n", kCard);
-    const auto path = [](QStringView handheld) {
-        return QFile::encodeName(platform::device::path(handheld));
+    const auto allow = [](QStringView handheld, mode_t mode) {
+        return ::chmod(QFile::encodeName(platform::device::path(handheld)).constData(), mode) == 0;
     };
-    const QByteArray card = path(platform::device::kStorageCardFolder);
     // Permissions bind the superuser only without his privileges, so the loading runs as nobody then.
     const uid_t user = ::geteuid();
-    ASSERT_EQ(::chmod(QFile::encodeName(device.folder()).constData(), 0755), 0);
-    ASSERT_EQ(::chmod(path(platform::device::kDocumentsFolder).constData(), 0777), 0);
-    ASSERT_EQ(::chmod(path(platform::device::kDatabaseFile).constData(), 0666), 0);
-    ASSERT_EQ(::chmod(path(u"\\저장소카드\\MTM.RVN").constData(), 0666), 0);
-    ASSERT_EQ(::chmod(card.constData(), 0555), 0);
+    ASSERT_TRUE(allow(u"\\", 0755) && allow(platform::device::kDocumentsFolder, 0777) &&
+                allow(platform::device::kDatabaseFile, 0666) &&
+                allow(importPath(file(u"MTM.RVN"), kCard), 0666) &&
+                allow(platform::device::kStorageCardFolder, 0555));
     ASSERT_EQ(user == 0 ? ::seteuid(65534) : 0, 0);
 
     const ImportResult first = load(u"MTM.RVN", kCard);
     const ImportResult second = load(u"MTM.RVN", kCard);
     ASSERT_EQ(::seteuid(user), 0);
-    ASSERT_EQ(::chmod(card.constData(), 0755), 0);
+    ASSERT_TRUE(allow(platform::device::kStorageCardFolder, 0755));
     EXPECT_EQ(first.outcome, Loaded);
     EXPECT_FALSE(first.isDeleted);
     EXPECT_EQ(second.outcome, AlreadyLoaded);

@@ -202,8 +202,8 @@ class ScreenDays : public testing::Test {
     /// Looks again later.
     static QList<pilot::Step> wait() { return steps(u"tear"_s); }
 
-    /// What the finger does now: it answers what is asked and leaves what only tells, goes on with the step,
-    /// or begins another.
+    /// What the finger does now: it answers what is asked and leaves what only informs, goes on with the
+    /// step, or begins another.
     QList<pilot::Step> next() {
         const ui::Screen* front = terminal_.top();
         if (front != nullptr && isToDie()) die();

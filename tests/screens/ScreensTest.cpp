@@ -62,39 +62,23 @@ struct Case {
     int workMode = app::kSalesWork;
     int keypadMode = app::kOneNumber;
 };
-constexpr Case kCases[] = {{"login", 102},
-                           {"password", 130, 0, app::kTextField},
-                           {"one number", 130},
-                           {"two numbers", 130, 0, app::kTwoNumbers},
-                           {"two numbers again", 130, app::kSalesWork, app::kTwoNumbers},
-                           {"three numbers", 130, 0, app::kThreeNumbers},
-                           {"three numbers again", 130, app::kSalesWork, app::kThreeNumbers},
-                           {"slips", 132},
-                           {"sales slip", 134},
-                           {"product board", 138},
-                           {"product search", 139},
-                           {"printing", 142},
-                           {"customer board", 143, app::kSimplePayment},
-                           {"customers", 144},
-                           {"customers with consonants", 144, app::kSalesWork, kKeysOpen},
-                           {"simple payment", 104, app::kSimplePayment},
-                           {"collections", 150},
-                           {"container slips", 391},
-                           {"container deposits", 393},
-                           {"container slip", 394},
-                           {"container balance", 395},
-                           {"container products", 397},
-                           {"import", 435},
-                           {"import results", 437},
-                           {"card payment", 449},
-                           {"approved payment", 449, app::kSalesWork, kApproved},
-                           {"balance inquiry", 449, app::kBalanceInquiry},
-                           {"collection", 450},
-                           {"totals", 457},
-                           {"open payment", 459},
-                           {"check of the visits", 460},
-                           {"unvisited orders", 461},
-                           {"past orders", 465}};
+// clang-format off
+constexpr Case kCases[] = {
+    {"login", 102}, {"password", 130, 0, app::kTextField}, {"one number", 130},
+    {"two numbers", 130, 0, app::kTwoNumbers}, {"two numbers again", 130, app::kSalesWork, app::kTwoNumbers},
+    {"three numbers", 130, 0, app::kThreeNumbers},
+    {"three numbers again", 130, app::kSalesWork, app::kThreeNumbers}, {"slips", 132}, {"sales slip", 134},
+    {"product board", 138}, {"product search", 139}, {"printing", 142},
+    {"customer board", 143, app::kSimplePayment}, {"customers", 144},
+    {"customers with consonants", 144, app::kSalesWork, kKeysOpen},
+    {"simple payment", 104, app::kSimplePayment}, {"collections", 150}, {"container slips", 391},
+    {"container deposits", 393}, {"container slip", 394}, {"container balance", 395},
+    {"container products", 397}, {"import", 435}, {"import results", 437}, {"card payment", 449},
+    {"approved payment", 449, app::kSalesWork, kApproved}, {"balance inquiry", 449, app::kBalanceInquiry},
+    {"collection", 450}, {"totals", 457}, {"open payment", 459}, {"check of the visits", 460},
+    {"unvisited orders", 461}, {"past orders", 465}
+};
+// clang-format on
 
 QString nameOf(const QWidget& control) {
     return u"%1 (%2)"_s.arg(control.objectName(), QLatin1StringView(control.metaObject()->className()));

@@ -1,7 +1,7 @@
 #include <QDir>
 
 #include "AdminTest.h"
-#include "common/Csv.h"
+#include "platform/Csv.h"
 #include "support/FullDisk.h"
 
 namespace test {
@@ -63,7 +63,7 @@ TEST_F(ExportTest, WritesTheDayAndItsOrdersComeBackThroughTheImport) {
         "DDate,Gubun,GCode,GName,JunNo,WorkGubun,PCode,PName,JGubun,Box,Bon,MMoney,BMoney,YMoney,GMoney,"
         "UserID,DTime");
     QStringList read;
-    for (const tools::CsvRecord& record : tools::parseCsv(csv).records.mid(1))
+    for (const platform::CsvRecord& record : platform::parseCsv(csv).records.mid(1))
         read << record.fields.join(u'|');
     const QString select = u"SELECT * FROM MTM WHERE DDate = '2024-03-29' ORDER BY JunNo, UserID"_s;
     const QStringList slips = rows(select);

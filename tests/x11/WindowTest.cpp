@@ -20,7 +20,7 @@ constexpr int kPatienceMs = 60'000;
 /// Makes this program the terminal's own, in which the visit that follows is played.
 constexpr std::string_view kPlay = "--play";
 
-/// The real program on its real window; a visit tells the display's pointer and keyboard what to do.
+/// The real program on its real window; a visit moves the display's pointer and keyboard.
 int play(const QString& visit, int argc, char** argv) {
     bool isDone = false;
     const int exitCode = runProgram(argc, argv, [&](ui::Terminal& terminal) {

@@ -9,7 +9,7 @@
 namespace cardhost {
 
 /// What the host keeps to itself: its key pair, and the key under which it digests tracks, passwords and
-/// requests, so that its database alone tells none of them.
+/// requests, so that its database alone gives none of them away.
 struct Keys {
     platform::message::KeyPair box;
     platform::SecureBytes digestKey;

@@ -37,7 +37,7 @@ const QString& unfinishedMark() {
     return text;
 }
 
-/// A file opened and locked for this object's life; the lock tells that its maker lives.
+/// A file opened and locked for this object's life; the lock shows that its maker lives.
 class HeldFile {
   public:
     HeldFile() = default;
@@ -134,8 +134,7 @@ class Unfinished {
         QFile::remove(path_);
         for (const QStringView suffix : kJournalSuffixes) QFile::remove(path_ % suffix);
     }
-    Unfinished(const Unfinished&) = delete;
-    Unfinished& operator=(const Unfinished&) = delete;
+    Q_DISABLE_COPY_MOVE(Unfinished)
 
     const QString& path() const { return path_; }
     const QString& error() const { return error_; }

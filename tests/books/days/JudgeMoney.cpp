@@ -169,13 +169,20 @@ void Judge::compare(const Page& want, const Page& after) {
     };
     look(want.collections, after.collections);
     look(want.empties, after.empties);
-    // What was a collection work's is so under its new number.
+    // What is known of such a row is known under its new number: that it was a collection work's, and what it
+    // has taken the place of.
     for (const Collection& row : want.collections) {
-        if (!moved.contains(row.visit) || !byCollectionWork_.contains(row.visit)) continue;
+        if (!moved.contains(row.visit)) continue;
         for (const Collection& now : after.collections) {
-            if (now.visit.customer == row.visit.customer && now.amounts == row.amounts &&
-                find(want.collections, now.visit) == nullptr)
-                byCollectionWork_.insert(now.visit);
+            if (now.visit.customer != row.visit.customer || now.amounts != row.amounts ||
+                find(want.collections, now.visit) != nullptr)
+                continue;
+            if (byCollectionWork_.contains(row.visit)) byCollectionWork_.insert(now.visit);
+            if (const auto at = replacing_.find(row.visit); at != replacing_.end()) {
+                Replaced replaced = at->second;
+                if (replaced.collection) replaced.collection->visit = now.visit;
+                replacing_[now.visit] = replaced;
+            }
         }
     }
     const auto goods = difference(want.goods, after.goods);
@@ -229,9 +236,11 @@ void Judge::brokenOn(const Page& page, const Collection& row, Broken* all) const
     const Amounts& a = row.amounts;
     const bool hasSale = find(page.goods, row.visit) != nullptr;
     const std::string& number = row.visit.key.number;
-    // What was found under a number given twice stands alone, as does what outlived its sale.
-    const bool isAlone =
-        row.isSimple || (number > "4000" && number < "4999") || (!hasSale && orphans_.contains(row.visit));
+    // What was found under a number given twice stands alone, as does what outlived its sale or was received
+    // without one.
+    const bool isReceived = !row.approval.empty() && a.total() == 0 && row.effect() == -(a.card + a.cash);
+    const bool isAlone = row.isSimple || (!hasSale && isReceived) || (number > "4000" && number < "4999") ||
+                         (!hasSale && orphans_.contains(row.visit));
     const Won present = payable(page, row.visit) + depositsOf(page, row.visit);
     if (!isAlone && !keyedSales_.contains(row.visit) && a.total() != present)
         all->insert({Rule::SettledTotal, words(row) + ", the sale is " + std::to_string(present)});

@@ -2,7 +2,7 @@
 #include <QRegularExpression>
 #include <QStandardPaths>
 
-#include "common/Csv.h"
+#include "platform/Csv.h"
 #include "rovana-office/Board.h"
 #include "rovana-office/Database.h"
 #include "tools/office/SyncTest.h"
@@ -32,7 +32,8 @@ class BoardTest : public SyncTest {
                                        terminal, u"--user"_s, user});
         EXPECT_EQ(ended.exitCode, 0) << ended.err;
         std::map<QString, QString> figures;
-        for (const tools::CsvRecord& record : tools::parseCsv(QByteArray::fromStdString(ended.out)).records) {
+        for (const platform::CsvRecord& record :
+             platform::parseCsv(QByteArray::fromStdString(ended.out)).records) {
             if (record.fields.size() > 2)
                 figures.emplace(record.fields[0] + u' ' + record.fields[1], record.fields[2]);
         }
