@@ -48,6 +48,7 @@ TEST_F(RecoveryTest, ARestoredBackupGetsItsDaysBackAndKeepsWhatIsNewer) {
     on(terminal, u"DELETE FROM MTM WHERE JunNo = '5003'"_s);
     noteDeletion(terminal, u"거래명세서"_s, u"5003"_s);
     synced(terminal);
+    sql(u"UPDATE office.printlog SET copy = 'x' WHERE junno = '5003'"_s);
 
     replaceDatabase(terminal, backup);
     // What is written after it, under one of the lost numbers.
@@ -60,13 +61,14 @@ TEST_F(RecoveryTest, ARestoredBackupGetsItsDaysBackAndKeepsWhatIsNewer) {
     const Ended ended = sync(terminal, {u"--recover"_s});
     EXPECT_EQ(ended.exitCode, 0) << ended.err;
     EXPECT_THAT(ended.err, HasSubstr("sale 5002~1 of user A: its number was given"));
+    EXPECT_THAT(ended.err, HasSubstr("prints 5003 of user A: the office's copy is damaged"));
     EXPECT_EQ(balance(terminal), u"107000"_s);
     EXPECT_EQ(on(terminal, u"SELECT JunNo, MMoney FROM MTM ORDER BY JunNo, rowid"_s),
               QStringList({u"5001|1500"_s, u"5001|1"_s, u"5002|77"_s}));
     EXPECT_EQ(on(terminal,
                  u"SELECT (SELECT COUNT(*) FROM MTMOK), (SELECT COUNT(*) FROM PAYJOURNAL), "
-                 "(SELECT COUNT(*) FROM DELETED)"_s),
-              QStringList(u"3|3|1"_s));
+                 "(SELECT COUNT(*) FROM DELETED), (SELECT COUNT(*) FROM PRINTLOG)"_s),
+              QStringList(u"3|3|1|1"_s));
     EXPECT_EQ(sql(u"SELECT count(*) FROM office.document WHERE state = 'missing'"_s), QStringList(u"1"_s));
 
     EXPECT_THAT(synced(terminal, {u"--recover"_s}), HasSubstr("gave back 0 documents"));
