@@ -95,6 +95,10 @@ TEST_F(ArchiveTest, MovesClosedDaysAndNothingReadsOtherwiseThanBefore) {
     EXPECT_EQ(visits(u"MTM"_s), u"29|5001 29|5002"_s);
     EXPECT_EQ(balances(), later);
     EXPECT_THAT(archive().out, HasSubstr("nothing to archive"));
+    // As many slips as the file has, but others.
+    for (const QString& number : {u"5001"_s, u"5002"_s}) addVisit(u"2024-03-25"_s, number);
+    EXPECT_THAT(archive({u"--unclosed"_s}).err, HasSubstr("holds something else"));
+    EXPECT_EQ(visits(u"MTM"_s), u"25|5001 25|5002 29|5001 29|5002"_s);
 }
 
 TEST_F(ArchiveTest, KeepsWhatIsOpenAndWhatTellsAPaymentFromTheNext) {

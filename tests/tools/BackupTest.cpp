@@ -83,7 +83,15 @@ TEST_F(BackupTest, ReplacesADatabaseThatIsDamagedOrGoneAndCompletesAnOlderOne) {
     name(u"saved"_s);
     execute(u"DROP TABLE IMPORTLOG; DROP INDEX GARAE_SEEK"_s);
     backUp();
+    QByteArray log;
+    {
+        const auto terminal = openTerminal();
+        name(u"later"_s);
+        log = readFile(database() + u"-wal"_s);
+    }
     ASSERT_TRUE(QFile::remove(database()));
+    // Left without its database, it would be taken for the other one's.
+    writeFile(u"My Documents/rvnclient.cdb-wal"_s, log);
     ran({u"restore"_s, file()});
     EXPECT_EQ(name(), u"saved"_s);
 
@@ -102,7 +110,7 @@ TEST_F(BackupTest, RestoringForgetsNoPayment) {
         uR"(UPDATE PDAUSER SET userNAME = 'later';
         UPDATE PAYJOURNAL SET State = 'approved', BANKTRANNO = '1' WHERE Number = 'b';
         UPDATE PAYJOURNAL SET State = 'released' WHERE Number = 'c';
-        INSERT INTO PAYJOURNAL (Number, State, BANKTRANNO) VALUES ('d', 'unknown', ''), ('e', 'approved', '2'))"_s);
+        INSERT INTO PAYJOURNAL (Number, State, BANKTRANNO) VALUES ('p', 'prepared', ''), ('d', 'unknown', ''), ('e', 'approved', '2'))"_s);
     const QStringList before = filesOf(documents());
     executeOn(file(),
               u"CREATE TRIGGER broken BEFORE INSERT ON PAYJOURNAL BEGIN SELECT RAISE(ABORT, 'no'); END"_s);
