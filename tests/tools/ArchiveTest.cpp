@@ -97,18 +97,19 @@ TEST_F(ArchiveTest, MovesClosedDaysAndNothingReadsOtherwiseThanBefore) {
     EXPECT_THAT(archive().out, HasSubstr("nothing to archive"));
     // As many slips as the file has, but others.
     for (const QString& number : {u"5001"_s, u"5002"_s}) addVisit(u"2024-03-25"_s, number);
+    addVisit(kDay, u"5003"_s);
     EXPECT_THAT(archive({u"--unclosed"_s}).err, HasSubstr("holds something else"));
-    EXPECT_EQ(visits(u"MTM"_s), u"25|5001 25|5002 29|5001 29|5002"_s);
+    EXPECT_EQ(visits(u"MTM"_s), u"25|5001 25|5002 29|5001 29|5002 29|5003"_s);
 }
 
 TEST_F(ArchiveTest, KeepsWhatIsOpenAndWhatTellsAPaymentFromTheNext) {
     execute(
         uR"(UPDATE PAYJOURNAL SET State = 'unknown' WHERE Number = '2024-03-28-5001';
-        UPDATE MTMOK SET MSGSENDTIME = '20240329080000' WHERE DDate = '2024-03-27' AND JunNo = '5002';
+        UPDATE MTMOK SET MSGSENDTIME = '20240329080000' WHERE DDate = '2024-03-28' AND JunNo = '5002';
         INSERT INTO MTM (DDate, JunNo, UserID, WorkGubun) VALUES ('2024-03-27', '9001', 'A', '미발행'))"_s);
     const std::string held = balances();
     EXPECT_THAT(archive().out, HasSubstr("2024-03-28 5001 stays"));
-    EXPECT_EQ(visits(u"MTM"_s), u"26|5001 26|5002 27|5002 27|9001 28|5001 29|5001 29|5002"_s);
+    EXPECT_EQ(visits(u"MTM"_s), u"26|5001 26|5002 27|9001 28|5001 28|5002 29|5001 29|5002"_s);
     // The approved payment before the open one, and all from there on.
     EXPECT_EQ(visits(u"PAYJOURNAL"_s), u"26|5001 26|5002 27|5002 28|5001 28|5002 29|5001 29|5002"_s);
     EXPECT_EQ(balances(), held);
