@@ -1,7 +1,7 @@
 #include <QSet>
 #include <random>
 
-#include "common/Csv.h"
+#include "platform/Csv.h"
 #include "rovana-office/Board.h"
 #include "rovana-office/Database.h"
 #include "tools/office/SyncTest.h"
@@ -97,7 +97,7 @@ class ReportsTest : public SyncTest {
             std::map<QString, QString> strip;
             const QString printed = dayOf({u"--report"_s, u"close"_s, u"--csv"_s, u"--terminal"_s,
                                            each.terminal, u"--user"_s, each.userId});
-            for (const tools::CsvRecord& record : tools::parseCsv(printed.toUtf8()).records) {
+            for (const platform::CsvRecord& record : platform::parseCsv(printed.toUtf8()).records) {
                 if (record.fields.size() > 2)
                     strip.emplace(record.fields[0] + u' ' + record.fields[1], record.fields[2]);
             }
