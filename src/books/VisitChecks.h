@@ -55,14 +55,6 @@ struct CheckedVisit {
 /// approval that stands on another visit's slip is shown there.
 QList<CheckedVisit> checkVisits(const QList<Visit>& visits);
 
-/// How a collection's total came about besides cash, card, unpaid and recovery, in won.
-struct CollectionParts {
-    platform::Won creditedExcess;       ///< A recovery above the total that no cash makes up for.
-    platform::Won receivedWithoutSale;  ///< Money of a collection that has no total.
-    platform::Won difference;           ///< What of the total is left after all parts; 0 where they agree.
-};
-CollectionParts partsOf(const CollectionSlip& slip);
-
 /// The day's sales and deposits against what became of them, in won. Left: `sales` less `uncollected`, plus
 /// `keyedSales`, `creditedExcess` and `receivedWithoutSale`. Right: `cash` + `card` + `unpaid` + `recovery`.
 struct CrossFoot {
