@@ -3,7 +3,6 @@
 #include <QList>
 #include <QString>
 #include <QStringView>
-#include <optional>
 
 #include "books/Visit.h"
 #include "platform/Won.h"

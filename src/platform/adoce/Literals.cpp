@@ -2,7 +2,6 @@
 
 #include <QStringConverter>
 #include <QVarLengthArray>
-#include <algorithm>
 #include <cstring>
 
 namespace platform::adoce {
