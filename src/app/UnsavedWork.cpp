@@ -22,6 +22,16 @@ int dialogOf(const books::UnsavedSlip& slip) {
                                                               : dialogs::kContainerSlip;
 }
 
+/// What is said of the slip: the question to its user on its work date, else where it goes on.
+QString describeUnsaved(const books::UnsavedSlip& slip, QStringView userId, QStringView workDate) {
+    const QString kind =
+        slip.table == books::Working::Sale ? u"저장안된 주문서"_s : u"저장안된 용공회수전표"_s;
+    const QString what = u"%1: %2 %3품목"_s.arg(kind, slip.gName).arg(slip.lines);
+    if (isOfSession(slip, userId, workDate)) return what + u", 계속할까요?"_s;
+    return u"%1..! 계속하려면 지금 끝내고 사번 %2, 작업일자 %3로 로그인하세요!!"_s.arg(what, slip.userId,
+                                                                                       slip.date);
+}
+
 }  // namespace
 
 bool mayLeave(books::Working table) {
@@ -30,15 +40,6 @@ bool mayLeave(books::Working table) {
         return false;
     books::noteGivenUp(table);
     return true;
-}
-
-QString describeUnsaved(const books::UnsavedSlip& slip, QStringView userId, QStringView workDate) {
-    const QString kind =
-        slip.table == books::Working::Sale ? u"저장안된 주문서"_s : u"저장안된 용공회수전표"_s;
-    const QString what = u"%1: %2 %3품목"_s.arg(kind, slip.gName).arg(slip.lines);
-    if (isOfSession(slip, userId, workDate)) return what + u", 계속할까요?"_s;
-    return u"%1..! 계속하려면 지금 끝내고 사번 %2, 작업일자 %3로 로그인하세요!!"_s.arg(what, slip.userId,
-                                                                                       slip.date);
 }
 
 void offerUnsaved() {

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <QString>
-
 #include "books/UnsavedSlip.h"
 
 /// What keeps the lines of a slip that was not saved from being lost.
@@ -14,8 +12,5 @@ bool mayLeave(books::Working table);
 /// Offers to go on with the slip that a terminal which ended in the middle of it has left. One of another
 /// user or work date is only told: it goes on there.
 void offerUnsaved();
-
-/// What is said of it: the question to its user on its work date, else where it goes on.
-QString describeUnsaved(const books::UnsavedSlip& slip, QStringView userId, QStringView workDate);
 
 }  // namespace app
