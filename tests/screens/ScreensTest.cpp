@@ -488,7 +488,7 @@ TEST_F(Screens, MenuTellsWhatTheOfficeHas) {
     ASSERT_TRUE(books::writeOfficeState(state));
     const auto opened = open({"login", 102});
     QObject::connect(&terminal, &ui::Terminal::topChanged, &terminal, [&](ui::Screen* front) {
-        if (front != opened.get())
+        if (front != nullptr && front != opened.get())
             QTimer::singleShot(0, front, [front] { front->close(ui::Screen::Accepted); });
     });
     static_cast<QLineEdit*>(opened->control(1006))->setText(u"1"_s);
@@ -498,6 +498,30 @@ TEST_F(Screens, MenuTellsWhatTheOfficeHas) {
     // The slips of another day than the one of the login count as the sync has left them.
     EXPECT_EQ(line->text(), u"사무실 11-20 14:05 · 대기 997"_s);
     EXPECT_THAT(faults(*opened), testing::IsEmpty());
+    terminal.remove(opened.get());
+}
+
+TEST_F(Screens, TakeNoAnswerFromAKeyThatBounces) {
+    const auto opened = open({"slips", 132});
+    const auto strike = [&](int key, quint64 ms) {
+        QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
+        press.setTimestamp(ms);
+        QCoreApplication::sendEvent(terminal.top(), &press);
+    };
+    QTimer::singleShot(0, opened.get(), [&] {
+        ui::Screen* slip = terminal.top();
+        for (const quint64 bounce : {1080, 1300}) strike(Qt::Key_Enter, bounce);
+        EXPECT_EQ(terminal.top(), slip) << "the slip that Enter opened was finished by its bounce";
+        EXPECT_FALSE(slip->isClosing());
+        strike(Qt::Key_Escape, 1310);
+        EXPECT_TRUE(slip->isClosing());
+    });
+    strike(Qt::Key_Return, 1000);
+    EXPECT_EQ(terminal.top(), opened.get());
+    strike(Qt::Key_Escape, 1400);
+    EXPECT_FALSE(opened->isClosing());
+    strike(Qt::Key_Escape, 2000);
+    EXPECT_TRUE(opened->isClosing());
     terminal.remove(opened.get());
 }
 
