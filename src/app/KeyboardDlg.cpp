@@ -165,11 +165,8 @@ void CKeyboardDlg::addKeys() {
         button->setFont(ui::font(ui::FontHeight::Title));
         button->setRepeated(true);
     }
-    ui::BitmapButton* minus = addButton(1001, u"ㅡ"_s, keyAt(2, 3), ui::bitmaps::kKeySpecial, [this] {
-        keypad_.minus();
-        refresh();
-    });
-    minus->setFont(ui::font(ui::FontHeight::Title));
+    minus_ = addButton(1001, u"ㅡ"_s, keyAt(2, 3), ui::bitmaps::kKeySpecial, [this] { negate(); });
+    minus_->setFont(ui::font(ui::FontHeight::Title));
     addButton(1002, u"다시입력"_s, keyAt(3, 0), ui::bitmaps::kEnterAgain, [this] {
         keypad_.clear();
         refresh();
@@ -195,6 +192,7 @@ void CKeyboardDlg::hideByMode() {
 }
 
 void CKeyboardDlg::refresh() {
+    minus_->setEnabled(keypad_.canNegate());
     const auto& note = keypadRequest().Topic.note;
     if (note && label(kNote)) setFittedText(kNote, note(keypad_.entries()), ui::FontHeight::Small);
     for (int field = 1; field <= kFields; ++field) {
@@ -213,6 +211,13 @@ void CKeyboardDlg::refresh() {
 
 void CKeyboardDlg::append(const QString& digits) {
     keypad_.append(digits);
+    refresh();
+}
+
+void CKeyboardDlg::negate() {
+    // Of nothing it makes 0, which is still nothing.
+    if (!keypad_.canNegate()) return;
+    keypad_.minus();
     refresh();
 }
 
@@ -237,8 +242,7 @@ void CKeyboardDlg::keyPressEvent(QKeyEvent* event) {
     if (text.size() == 1 && text[0] >= u'0' && text[0] <= u'9') {
         append(text);
     } else if (text == u"-") {
-        keypad_.minus();
-        refresh();
+        negate();
     } else if (event->key() == Qt::Key_Backspace) {
         keypad_.erase(keypad_.activeField());
         refresh();

@@ -29,11 +29,13 @@ class CKeyboardDlg : public ui::Screen {
     void hideByMode();
     void refresh();
     void append(const QString& digits);
+    void negate();
     void chooseNextField();
     void activate(int field);
     void leave(Result result);
 
     Keypad keypad_;
+    ui::BitmapButton* minus_ = nullptr;
     QCheckBox* second_ = nullptr;
     QCheckBox* third_ = nullptr;
 };

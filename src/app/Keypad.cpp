@@ -63,6 +63,10 @@ void Keypad::minus() {
     show(&field, groupThousands(negated));
 }
 
+bool Keypad::canNegate() const {
+    return mode_ == kTextField || !parseWon(active().text).isZero();
+}
+
 void Keypad::erase(int field) {
     Field& erased = fields_[size_t(field - 1)];
     if (!erased.text.isEmpty()) erased.text.back() = u'0';  // The memory beyond a text's end is not wiped.

@@ -25,6 +25,9 @@ class Keypad {
     /// Negates the active number, or puts "-" in front of the text in the text mode.
     void minus();
 
+    /// False for the number 0, which minus() leaves as it is.
+    bool canNegate() const;
+
     /// Drops the last character of that field, active or not. The display then shows a grouped number in
     /// every mode, the text mode included.
     void erase(int field);
@@ -58,6 +61,7 @@ class Keypad {
     };
 
     Field& active() { return fields_[size_t(active_ - 1)]; }
+    const Field& active() const { return fields_[size_t(active_ - 1)]; }
     void textChanged(Field* field);
     /// Overwrites what was displayed: it may have been a password.
     static void show(Field* field, QString display);
