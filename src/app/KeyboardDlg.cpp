@@ -74,6 +74,7 @@ CKeyboardDlg::CKeyboardDlg() : Screen(dialogs::kKeypad), keypad_(keypadRequest()
     addKeys();
     hideByMode();
     refresh();
+    sinceOpened_.start();
     keypadRequest().StartAnew = [this] {
         keypad_.clear();
         refresh();
@@ -240,8 +241,14 @@ bool CKeyboardDlg::focusNextPrevChild(bool) {
 void CKeyboardDlg::keyPressEvent(QKeyEvent* event) {
     const QString text = event->text();
     if (text.size() == 1 && text[0] >= u'0' && text[0] <= u'9') {
-        append(text);
-    } else if (text == u"-") {
+        if (keypadRequest().Topic.scanned && scanned_.add(text[0], sinceOpened_.elapsed()))
+            beforeScan_ = keypad_.state();
+        return append(text);
+    }
+    const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (isEnter && takeScan()) return;
+    scanned_ = {};
+    if (text == u"-") {
         negate();
     } else if (event->key() == Qt::Key_Backspace) {
         keypad_.erase(keypad_.activeField());
@@ -254,6 +261,24 @@ void CKeyboardDlg::keyPressEvent(QKeyEvent* event) {
     } else {
         Screen::keyPressEvent(event);
     }
+}
+
+bool CKeyboardDlg::takeScan() {
+    const QString code = scanned_.take(sinceOpened_.elapsed());
+    const auto scanned = keypadRequest().Topic.scanned;
+    if (code.isEmpty() || !scanned) return false;
+    const Keypad::State keyed = keypad_.state();
+    keypad_.restore(beforeScan_);
+    refresh();
+    auto entries = keypad_.entries();
+    switch (scanned(code, &entries)) {
+        case Scan::None: keypad_.restore(keyed); return false;
+        case Scan::Counted: keypad_.count(entries); break;
+        case Scan::Next: leave(Accepted); return true;
+        case Scan::Refused: break;
+    }
+    refresh();
+    return true;
 }
 
 void CKeyboardDlg::leave(Result result) {
