@@ -41,8 +41,8 @@ struct PurchaseHistory::Line {
     QStringList texts;
 
     std::int64_t number(int column) const { return parseInteger(texts[column]); }
-    platform::Won total() const {
-        return parseWon(texts[7]) + parseWon(texts[8]) + parseWon(texts[9]) + parseWon(texts[10]);
+    LineAmounts amounts() const {
+        return {parseWon(texts[7]), parseWon(texts[8]), parseWon(texts[9]), parseWon(texts[10])};
     }
 };
 
@@ -71,7 +71,7 @@ void PurchaseHistory::add(const Line& line) {
         slips_.append(PastSlip{line.texts[0], line.texts[1], line.texts[2], {}, {}});
         slip = slips_.rbegin();
     }
-    slip->total += line.total();
+    slip->sums += line.amounts();
     const Quantities bought{line.number(5), line.number(6)};
     if (bought.boxes < 0 || bought.bottles < 0 || bought.isNothing()) return;
     const auto same = std::ranges::find(slip->products, line.texts[3], &Purchase::PCode);

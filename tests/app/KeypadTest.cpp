@@ -60,4 +60,15 @@ TEST(Keypad, ShowsAndReturnsWhatIsKeyed) {
     }
 }
 
+TEST(Keypad, NegatesWhatIsNotZero) {
+    for (const auto& [mode, keys, can] : {std::tuple{app::kOneNumber, u"", false},
+                                          {app::kOneNumber, u"0", false},
+                                          {app::kOneNumber, u"5-", true},
+                                          {app::kTextField, u"", true}}) {
+        Keypad keypad(request(mode));
+        press(&keypad, keys);
+        EXPECT_EQ(keypad.canNegate(), can) << mode << QStringView(keys).toUtf8().constData();
+    }
+}
+
 }  // namespace

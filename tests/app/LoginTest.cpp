@@ -34,6 +34,16 @@ TEST(Login, LeavesNoPasswordInMemory) {
     EXPECT_EQ(test::kRarePassword.places(), std::vector<std::string>());
 }
 
+TEST(Login, TakesAnIdInEitherCaseWhileOneUserIsMeant) {
+    test::TestDevice device;
+    device.execute(
+        u"INSERT INTO PDAUSER (userID,userPASS) VALUES ('B','1'), ('c','1'), ('D','1'), ('d','2')"_s);
+    QStringList known;
+    for (const QString& keyed : {u"b"_s, u"C"_s, u"d"_s, u"D"_s, u"e"_s, QString()})
+        known << app::knownUserId(keyed);
+    EXPECT_EQ(known, (QStringList{u"B"_s, u"c"_s, u"d"_s, u"D"_s, u"e"_s, QString()}));
+}
+
 TEST(LoginWait, GrowsToTenSecondsAndOutlivesTheProgram) {
     using namespace std::chrono_literals;
     test::TestDevice device;

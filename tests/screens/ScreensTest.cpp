@@ -20,6 +20,7 @@
 #include "app/ClockCheck.h"
 #include "app/KeypadRequest.h"
 #include "app/Session.h"
+#include "app/UnsavedWork.h"
 #include "books/OfficeState.h"
 #include "books/OpenPayments.h"
 #include "books/TransactionRecord.h"
@@ -390,6 +391,12 @@ QStringList longestMessages() {
             books::describePayment(payment)),
         sales::priceOrigin(price, -999, -999) + u"\n전표의 금액은 수정된 금액입니다."_s,
         app::clockProblem(u"2026-11-20", QDateTime(QDate(2026, 11, 21), QTime(9, 5)), u"2026-11-22 10:00"),
+        app::describeUnsaved({.userId = u"B"_s,
+                              .date = kDay.toString(),
+                              .gName = kLongName.toString(),
+                              .lines = 99,
+                              .total = most},
+                             u"A", kDay, false),
         app::newDay(kDay, QDateTime(QDate(2026, 11, 22), QTime(0, 5))),
         u"저장 공간이 가득 차서 저장할 수 없습니다..! 관리자에게 알려 주세요 : /home/salesman-of-the-second-"
         "branch/.local/share/rovana/second-terminal/My Documents"_s};
@@ -546,7 +553,7 @@ TEST_F(Screens, MenuTellsWhatTheOfficeHas) {
     ASSERT_TRUE(books::writeOfficeState(state));
     const auto opened = open({"login", 102});
     QObject::connect(&terminal, &ui::Terminal::topChanged, &terminal, [&](ui::Screen* front) {
-        if (front != opened.get())
+        if (front != nullptr && front != opened.get())
             QTimer::singleShot(0, front, [front] { front->close(ui::Screen::Accepted); });
     });
     static_cast<QLineEdit*>(opened->control(1006))->setText(u"1"_s);
@@ -556,6 +563,57 @@ TEST_F(Screens, MenuTellsWhatTheOfficeHas) {
     // The slips of another day than the one of the login count as the sync has left them.
     EXPECT_EQ(line->text(), u"사무실 11-20 14:05 · 대기 997"_s);
     EXPECT_THAT(faults(*opened), testing::IsEmpty());
+    terminal.remove(opened.get());
+}
+
+TEST_F(Screens, LoginKeepsTheUnsavedSlipOfAnotherUser) {
+    device.execute(
+        uR"(DELETE FROM TEMP; DELETE FROM UNSAVED; DELETE FROM PDAUSER; INSERT INTO UNSAVED VALUES ('TEMP','B','1');
+            INSERT INTO PDAUSER (userID, userNAME) VALUES ('B', '박');
+            INSERT INTO TEMP VALUES ('2026-11-21','매출','0076','까치가든','5001','미처리','1001','소주','10','2','0','3000','300','0','0'))"_s);
+    QStringList seen;
+    QObject::connect(&terminal, &ui::Terminal::topChanged, &terminal, [&](ui::Screen* front) {
+        if (front == nullptr) return;
+        const auto* message = qobject_cast<ui::MessageBox*>(front);
+        seen << (message
+                     ? message->text()
+                     : QString::number(front->id()) + u' ' + device.value(u"SELECT count(*) FROM TEMP"_s));
+        QTimer::singleShot(0, front, [&] { terminal.top()->close(ui::Screen::Accepted); });
+    });
+    app::session().WorkDate = kDay.toString();
+    for (const QString& user : {u"A"_s, u"B"_s}) {
+        app::session().UserID = user;
+        app::offerUnsaved();
+        app::resetSession();
+    }
+    EXPECT_EQ(seen,
+              (QStringList{
+                  u"저장안된 주문서: 까치가든 1품목 3,300원..! 사번 B(박), 작업일자 2026-11-21의 전표라 따로 "
+                  "두었습니다. 그렇게 로그인하면 계속할 수 있습니다."_s,
+                  u"저장안된 주문서: 까치가든 1품목, 계속할까요?"_s, u"134 1"_s}));
+}
+
+TEST_F(Screens, TakeNoAnswerFromAKeyThatBounces) {
+    const auto opened = open({"slips", 132});
+    const auto strike = [&](int key, quint64 ms) {
+        QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
+        press.setTimestamp(ms);
+        QCoreApplication::sendEvent(terminal.top(), &press);
+    };
+    QTimer::singleShot(0, opened.get(), [&] {
+        ui::Screen* slip = terminal.top();
+        for (const quint64 bounce : {1080, 1300}) strike(Qt::Key_Enter, bounce);
+        EXPECT_EQ(terminal.top(), slip) << "the slip that Enter opened was finished by its bounce";
+        EXPECT_FALSE(slip->isClosing());
+        strike(Qt::Key_Escape, 1310);
+        EXPECT_TRUE(slip->isClosing());
+    });
+    strike(Qt::Key_Return, 1000);
+    EXPECT_EQ(terminal.top(), opened.get());
+    strike(Qt::Key_Escape, 1400);
+    EXPECT_FALSE(opened->isClosing());
+    strike(Qt::Key_Escape, 2000);
+    EXPECT_TRUE(opened->isClosing());
     terminal.remove(opened.get());
 }
 
