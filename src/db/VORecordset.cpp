@@ -10,6 +10,10 @@ namespace adoce = platform::adoce;
 
 namespace {
 
+adoce::ClassId recordsetClass = adoce::ClassId::None;
+// Nothing sets the flag, so the class is resolved at every construction.
+const bool recordsetClassResolved = false;
+
 /// Whether there is a component; traced with the operation when there is none. Every cell of every row comes
 /// through here: a string view would have the name's characters counted each time.
 bool isMade(const std::unique_ptr<adoce::Recordset>& component, const char* operation) {
@@ -29,8 +33,7 @@ bool isField(const adoce::Field* field, const char* operation) {
 }  // namespace
 
 CVORecordset::CVORecordset(CVOConnection& connection) : m_pConnection(&connection) {
-    adoce::ClassId recordsetClass = adoce::ClassId::None;
-    adoce::classIdFromProgId(u"ADOCE.Recordset.3.1", &recordsetClass);
+    if (!recordsetClassResolved) adoce::classIdFromProgId(u"ADOCE.Recordset.3.1", &recordsetClass);
     adoce::HResult result = adoce::kOk;
     m_pRecordset = adoce::createRecordset(recordsetClass, adoce::kInProcessServer, &result);
     if (m_pRecordset && connection.m_pConnection) {
