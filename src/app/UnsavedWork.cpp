@@ -37,7 +37,7 @@ void goOn(const books::UnsavedSlip& slip) {
     takeBackUnpaid();
 }
 
-/// Offers the first slip of this work date that was kept aside, and tells of those of other dates.
+/// Offers the first slip of this work date that was kept aside, and names those of other dates.
 void offerKept() {
     const SessionValues& values = session();
     for (books::UnsavedSlip& slip : books::keptSlips(values.UserID)) {

@@ -89,7 +89,7 @@ bool CVORecordset::MoveNext() {
 
 adoce::Field* CVORecordset::GetField(int index) {
     if (!isMade(m_pRecordset, "GetField")) return nullptr;
-    m_pField = m_pFields == nullptr ? nullptr : m_pFields->at(index);
+    m_pField = m_pFields == nullptr ? nullptr : m_pFields->Item(index);
     return m_pField;
 }
 

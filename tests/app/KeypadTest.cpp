@@ -65,9 +65,9 @@ TEST(Keypad, NegatesWhatIsNotZero) {
                                           {app::kOneNumber, u"0", false},
                                           {app::kOneNumber, u"5-", true},
                                           {app::kTextField, u"", true}}) {
-        KeypadRequest asked;
-        asked.KeypadMode = mode;
-        Keypad keypad(asked);
+        KeypadRequest request;
+        request.KeypadMode = mode;
+        Keypad keypad(request);
         press(&keypad, keys);
         EXPECT_EQ(keypad.canNegate(), can) << mode << QStringView(keys).toUtf8().constData();
     }

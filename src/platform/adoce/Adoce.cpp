@@ -107,14 +107,7 @@ int Fields::Count() const {
     return statement.isEmpty() ? 0 : statement.columns();
 }
 
-HResult Fields::Item(const QVariant& index, Field** field) {
-    bool isNumber = false;
-    const int number = index.toInt(&isNumber);
-    *field = isNumber ? at(number) : nullptr;
-    return *field == nullptr ? kFail : kOk;
-}
-
-Field* Fields::at(int index) {
+Field* Fields::Item(int index) {
     if (index < 0 || index >= Count()) return nullptr;
     field_.index_ = index;
     return &field_;

@@ -86,10 +86,8 @@ class Field {
 class Fields {
   public:
     int Count() const;
-    /// The field with the index that the variant holds; kFail when there is none.
-    HResult Item(const QVariant& index, Field** field);
-    /// The same; null when there is none.
-    Field* at(int index);
+    /// The field at that index; null when there is none.
+    Field* Item(int index);
 
   private:
     friend class Recordset;

@@ -24,6 +24,7 @@
 #include "sales/screens/PastOrderChoice.h"
 #include "sales/screens/QuantityStepper.h"
 #include "sales/screens/SlipAmounts.h"
+#include "sales/screens/SlipWords.h"
 #include "ui/AmountTable.h"
 #include "ui/Messages.h"
 #include "ui/ReportList.h"
@@ -80,14 +81,9 @@ void CMtmDlg::addLines() {
     // More of the lines shows below lower titles.
     list_->horizontalHeader()->setFixedHeight(kTitleHeight);
     list_->setCellDetails(kRowHeight, [this](const platform::Rows& rows, int row, int column) {
-        ui::CellDetail line;
-        if (column != kNameColumn) return line;
+        if (column != kNameColumn) return ui::CellDetail();
         const LineKey key = keyAt(rows, row);
-        const LineDetail detail = details_.value({key.PCode, key.Box, key.Bon});
-        line.text =
-            (detail.isFree ? u"※ "_s : detail.Size + u' ') + platform::groupThousands(detail.total) + u"원"_s;
-        line.isMarked = detail.isFree;
-        return line;
+        return detailText(details_.value({key.PCode, key.Box, key.Bon}));
     });
     connect(list_, &ui::ReportList::emptyPartClicked, this, [this] {
         list_->clearSelection();
@@ -202,14 +198,7 @@ void CMtmDlg::setLines(platform::Rows lines) {
     details_ = workingDetails();
     stepper_->hide();
     list_->setRows(lines_);
-    Won boxes;
-    Won bottles;
-    for (int row = 0; row < lines_.count(); ++row) {
-        boxes += parseWon(lines_.at(row, kBoxColumn));
-        bottles += parseWon(lines_.at(row, kBoxColumn + 1));
-    }
-    const QString count = u"%1품목 %2상자 %3본"_s.arg(lines_.count()).arg(boxes.value()).arg(bottles.value());
-    setFittedText(kCount, lines_.isEmpty() ? QString() : count, ui::FontHeight::Small);
+    setFittedText(kCount, countText(lines_), ui::FontHeight::Small);
 }
 
 void CMtmDlg::showLines() {
@@ -453,9 +442,7 @@ void CMtmDlg::tellMoved(Won moved) {
     if (moved.isZero()) return;
     receivable_ = books::receivable(app::session().action.GCode);
     setAmount(kReceivable, receivable_);
-    const bool isMore = moved > Won();
-    ui::message(u"입금전표가 이미 있어 미결제액을 ['%1'원] %2..! 결제금액을 다시 확인하세요..!!"_s.arg(
-        platform::groupThousands(isMore ? moved : -moved), isMore ? u"늘렸습니다"_s : u"줄였습니다"_s));
+    ui::message(movedText(moved));
 }
 
 bool CMtmDlg::save() {
@@ -475,24 +462,14 @@ bool CMtmDlg::save() {
     return true;
 }
 
-bool CMtmDlg::areFreeLinesMeant() const {
-    QStringList names;
-    for (const LineDetail& line : details_) {
-        if (line.isFree) names << line.PName;
-    }
-    names.sort();
-    return names.isEmpty() ||
-           ui::confirm(u"금액이 0원인 품목이 있습니다..! [%1] 그대로 진행할까요?"_s.arg(listed(names)),
-                       u"0원 품목"_s);
-}
-
 void CMtmDlg::finish() {
     app::SessionValues& session = app::session();
     if (isWorkingSlipEmpty()) {
         ui::message(u"매출상품이 선택되지 않았습니다..!"_s);
         return;
     }
-    if (!areFreeLinesMeant()) return;
+    const QString question = freeLinesQuestion(details_);
+    if (!question.isEmpty() && !ui::confirm(question, u"0원 품목"_s)) return;
     // What is paid and printed is the saved slip, so what is on screen is saved on the way there.
     if (hasUnsavedLines_ && !save()) {
         ui::message(u"주문서를 저장하지 못했습니다..!"_s);

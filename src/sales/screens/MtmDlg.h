@@ -64,8 +64,6 @@ class CMtmDlg : public ui::Screen {
     /// Says by how much the slip's collection has followed its total, if it has.
     void tellMoved(platform::Won moved);
     void finish();
-    /// Asks about lines whose goods cost nothing.
-    bool areFreeLinesMeant() const;
 
     /// True, and told with the lines as they stand, when another line is like the chosen one.
     bool isChosenTwice();
