@@ -11,8 +11,10 @@ CREATE TABLE office.kind (
     ddate_at integer,
     number_at integer,
     userid_at integer,
-    gcode_at integer
+    gcode_at integer,
+    insertion text
 );
+COMMENT ON COLUMN office.kind.insertion IS 'The statement by which office.store writes rows of the kind';
 INSERT INTO office.kind (kind, table_name, number_column) VALUES
     ('sale', 'mtm', 'junno'), ('containers', 'ytm', 'junno'), ('collection', 'mtmok', 'junno'),
     ('payment', 'payjournal', 'number'), ('prints', 'printlog', 'junno'), ('deletion', 'deleted', 'junno'),
@@ -24,6 +26,23 @@ UPDATE office.kind AS k SET columns = (
 UPDATE office.kind SET ddate_at = array_position(columns, 'ddate'), userid_at = array_position(columns, 'userid'),
     number_at = array_position(columns, number_column::text),
     gcode_at = CASE WHEN kind IN ('sale', 'containers', 'collection') THEN array_position(columns, 'gcode') END;
+
+-- Texts are taken apart by SELECT lists, which hand on each row: a function in FROM would keep all of them first.
+UPDATE office.kind AS k SET insertion = format(
+    'INSERT INTO office.%I (month, terminal, row_number, %s)
+     SELECT $1, $2, n, %s
+     FROM (SELECT number, userid, n, string_to_array(line, E''\x1f'') AS f
+           FROM (SELECT number, userid, unnest(lines) AS line, generate_subscripts(lines, 1) AS n
+                 FROM (SELECT number, userid, string_to_array(content, E''\x1e'') AS lines
+                       FROM (SELECT unnest($3) AS kind, unnest($4) AS number, unnest($5) AS userid, unnest($6) AS content,
+                                 unnest($7) AS known) AS d
+                       WHERE kind = %L AND NOT known OFFSET 0) AS d) AS l OFFSET 0) AS r',
+    k.table_name, array_to_string(k.columns, ', '),
+    (SELECT string_agg(CASE i WHEN k.ddate_at THEN format(
+        'CASE WHEN cardinality(f) = %s AND f[%s] = $8 AND f[%s] = userid AND %s = number THEN $8
+              ELSE office.refuse_row(%L, number, userid) END', cardinality(k.columns), k.ddate_at, k.userid_at,
+        coalesce('f[' || k.number_at || ']', ''''''), k.kind) ELSE format('f[%s]', i) END, ', ')
+     FROM generate_subscripts(k.columns, 1) AS i), k.kind);
 
 -- The terminal that calls; an error for anybody else.
 CREATE FUNCTION office.caller() RETURNS office.terminal LANGUAGE plpgsql STABLE AS $$
@@ -70,22 +89,20 @@ RETURNS TABLE (day text, kind text, number text, userid text, digest bytea) LANG
 #variable_conflict use_column
 DECLARE
     months CONSTANT date[] := office.months(first_day, their_days);
-    differing text[];
 BEGIN
-    SELECT array_agg(ddate) INTO differing
-    FROM unnest(their_days, their_digests) AS theirs (ddate, digest)
-    FULL JOIN (
-        SELECT ddate, sha256(string_agg(digest, '' ORDER BY digest)) AS digest FROM office.document
-        WHERE month = ANY (months) AND terminal = me AND state = 'present'
-            AND (ddate >= first_day OR ddate = ANY (their_days))
-        GROUP BY ddate) AS ours USING (ddate)
-    WHERE theirs.digest IS DISTINCT FROM ours.digest;
-    IF differing IS NULL THEN
-        RETURN;
-    END IF;
-    RETURN QUERY SELECT each, '', '', '', NULL::bytea FROM unnest(differing) AS each;
-    RETURN QUERY SELECT d.ddate, d.kind, d.number, d.userid, d.digest FROM office.document AS d
-        WHERE d.month = ANY (months) AND d.terminal = me AND d.state = 'present' AND d.ddate = ANY (differing);
+    RETURN QUERY WITH ours AS MATERIALIZED (
+        SELECT d.ddate, d.kind, d.number, d.userid, d.digest FROM office.document AS d
+        WHERE d.month = ANY (months) AND d.terminal = me AND d.state = 'present'
+            AND (d.ddate >= first_day OR d.ddate = ANY (their_days))
+    ), differing AS MATERIALIZED (
+        SELECT ddate FROM unnest(their_days, their_digests) AS theirs (ddate, digest)
+        FULL JOIN (SELECT ddate, sha256(string_agg(digest, '' ORDER BY digest)) AS digest FROM ours GROUP BY ddate) AS days
+            USING (ddate)
+        WHERE theirs.digest IS DISTINCT FROM days.digest
+    )
+    SELECT ddate, '', '', '', NULL::bytea FROM differing
+    UNION ALL
+    SELECT * FROM ours WHERE ddate IN (SELECT ddate FROM differing);
 END
 $$;
 
@@ -121,14 +138,18 @@ RETURNS TABLE (what text, day text, kind text, number text, userid text, digest 
 LANGUAGE plpgsql SECURITY DEFINER SET search_path = pg_catalog, pg_temp AS $$
 #variable_conflict use_column
 DECLARE
-    me CONSTANT office.terminal := office.caller();
+    me office.terminal;
     refusal CONSTANT text := office.refusal(their_schema, their_clock);
+    master record;
 BEGIN
     -- When a terminal was seen need not outlast a loss of power, and nobody waits for the disk for it.
     PERFORM set_config('synchronous_commit', 'off', true);
     UPDATE office.terminal AS t SET last_seen = now(), clock_offset = their_clock - clock_timestamp(),
         schema_version = their_schema, program_version = left(their_program, 100)
-    WHERE t.terminal = me.terminal;
+    WHERE t.role_name = session_user RETURNING t.* INTO me;
+    IF me.terminal IS NULL THEN
+        PERFORM office.caller();
+    END IF;
     IF refusal IS NOT NULL THEN
         RETURN QUERY SELECT 'refused', '', '', '', '', NULL::bytea, refusal;
         RETURN;
@@ -138,16 +159,20 @@ BEGIN
         FROM unnest(me.users) AS u LEFT JOIN office.salesman AS s ON s.terminal = me.terminal AND s.userid = u;
     RETURN QUERY SELECT CASE d.kind WHEN '' THEN 'day' ELSE 'document' END, d.day, d.kind, d.number, d.userid, d.digest, ''
         FROM office.differences(me.terminal, first_day, their_days, their_digests) AS d;
-    RETURN QUERY SELECT 'master', to_char(v.loaded_at AT TIME ZONE 'UTC', 'YYYY-MM-DD"T"HH24:MI:SS.MS"Z"'), c.file_name, '', '',
-        NULL::bytea, concat_ws(':', c.version, CASE WHEN c.file_name = 'GARAE.RVN' THEN office.others_movements(me) END,
-            -- A salesman who comes brings customers that no newer version has.
-            CASE WHEN c.file_name LIKE 'GARAE%' THEN array_to_string(me.users, '') END)
-        FROM (SELECT file_name, max(version) AS version FROM office.master_change
-              WHERE userid = '' OR userid = ANY (me.users) GROUP BY file_name) AS c
-        JOIN office.master_version AS v USING (version)
-        WHERE c.file_name <> 'MTM.RVN' ORDER BY c.file_name;
-    RETURN QUERY SELECT 'orders', '', '', '', '', NULL::bytea, ''
-        WHERE EXISTS (SELECT FROM office.open_orders(me, first_day));
+    FOR master IN
+        SELECT c.file_name, max(c.version) AS version, max(c.loaded_at) AS loaded_at FROM office.master_change AS c
+        WHERE c.userid = '' OR c.userid = ANY (me.users) GROUP BY c.file_name ORDER BY c.file_name
+    LOOP
+        IF master.file_name <> 'MTM.RVN' THEN
+            RETURN QUERY SELECT 'master', to_char(master.loaded_at AT TIME ZONE 'UTC', 'YYYY-MM-DD"T"HH24:MI:SS.MS"Z"'),
+                master.file_name, '', '', NULL::bytea, concat_ws(':', master.version,
+                    CASE WHEN master.file_name = 'GARAE.RVN' THEN office.others_movements(me) END,
+                    -- A salesman who comes brings customers that no newer version has.
+                    CASE WHEN master.file_name LIKE 'GARAE%' THEN array_to_string(me.users, '') END);
+        ELSIF EXISTS (SELECT FROM office.open_orders(me, first_day)) THEN
+            RETURN QUERY SELECT 'orders', '', '', '', '', NULL::bytea, '';
+        END IF;
+    END LOOP;
 END
 $$;
 
@@ -299,29 +324,6 @@ RETURN (SELECT string_agg((
         WHERE i <> k.number_at AND (k.kind <> 'collection' OR k.columns[i] <> 'gubun')), E'\x1e' ORDER BY n)
     FROM office.kind AS k, unnest(string_to_array(content, E'\x1e')) WITH ORDINALITY AS l (line, n) WHERE k.kind = kind_of);
 
--- An error unless the documents are what they are said to be; their rows are looked at where they are written.
-CREATE FUNCTION office.check_documents(me office.terminal, the_day text, kinds text[], numbers text[], userids text[],
-    contents text[], digests bytea[]) RETURNS void LANGUAGE plpgsql STABLE AS $$
-DECLARE
-    wrong text;
-BEGIN
-    IF office.month(the_day) < DATE '2000-01-01' OR the_day::date IS NULL THEN
-        RAISE EXCEPTION '"%" is no day', the_day USING ERRCODE = 'invalid_parameter_value';
-    END IF;
-    PERFORM office.refuse_others(me, userids);
-    SELECT format('%s %s of user %s', d.kind, d.number, d.userid) INTO wrong
-    FROM unnest(kinds, numbers, userids, contents, digests) AS d (kind, number, userid, content, digest)
-    LEFT JOIN office.kind AS k USING (kind)
-    WHERE k.kind IS NULL OR d.number IS NULL OR d.number LIKE '%~%' OR d.content IS NULL OR d.userid IS NULL
-        -- office.digest, written out: it is worked out for every document.
-        OR d.digest IS DISTINCT FROM sha256(convert_to(d.kind || E'\x1e' || d.content, 'UTF8'))
-    LIMIT 1;
-    IF wrong IS NOT NULL THEN
-        RAISE EXCEPTION 'the digest of % does not fit its content', wrong USING ERRCODE = 'invalid_parameter_value';
-    END IF;
-END
-$$;
-
 -- The error for a row that is not of its document.
 CREATE FUNCTION office.refuse_row(kind text, number text, userid text) RETURNS text LANGUAGE plpgsql AS $$
 BEGIN
@@ -346,13 +348,25 @@ BEGIN
     deleted := 0;
     missing := 0;
     IF cardinality(kinds) > 0 THEN
-        PERFORM office.check_documents(me, the_day, kinds, numbers, userids, contents, digests);
-        PERFORM office.make_month(the_month);
+        IF the_month < DATE '2000-01-01' OR the_day::date IS NULL THEN
+            RAISE EXCEPTION '"%" is no day', the_day USING ERRCODE = 'invalid_parameter_value';
+        END IF;
+        IF NOT userids <@ me.users THEN
+            PERFORM office.refuse_others(me, userids);
+        END IF;
+        -- The last table that make_month makes: asked for without a statement.
+        IF to_regclass('office.dayclose' || to_char(the_month, '_YYYY_MM')) IS NULL THEN
+            PERFORM office.make_month(the_month);
+        END IF;
     END IF;
     -- A copy of the terminal's disk may be at work in a second machine.
     PERFORM pg_advisory_xact_lock(hashtext('office.terminal'), hashtext(me.terminal));
-    stored := office.store(me.terminal, the_day, kinds, numbers, userids, contents, digests);
-    IF is_last THEN
+    IF cardinality(kinds) > 0 THEN
+        stored := office.store(me.terminal, the_day, kinds, numbers, userids, contents, digests);
+    END IF;
+    IF is_last AND (cardinality(absent_kinds) > 0 OR EXISTS (
+        SELECT FROM office.document AS d
+        WHERE d.month = the_month AND d.terminal = me.terminal AND d.ddate = the_day AND d.state = 'missing')) THEN
         FOR doc IN
             SELECT d.* FROM office.document AS d
             WHERE d.month = the_month AND d.terminal = me.terminal AND d.ddate = the_day
@@ -376,25 +390,38 @@ BEGIN
 END
 $$;
 
--- Writes documents, and the rows of those that have none. Returns how many were not there as they are.
+-- Writes documents, and the rows of those that have none; an error unless they are what they are said to be. Returns how many
+-- were not there as they are. Nobody else writes this terminal's documents meanwhile.
 CREATE FUNCTION office.store(me text, the_day text, kinds text[], numbers text[], userids text[], contents text[],
     digests bytea[]) RETURNS integer LANGUAGE plpgsql AS $$
 #variable_conflict use_column
 DECLARE
     the_month CONSTANT date := office.month(the_day);
+    -- Of each document whether it has a row already, and whether its rows are there.
+    noted boolean[];
     known boolean[];
     superseded boolean;
+    wrong text;
     each record;
-    k office.kind;
+    statement text;
+    changed integer;
 BEGIN
     SELECT array_agg(n.kind), array_agg(n.number), array_agg(n.userid), array_agg(n.content), array_agg(n.digest),
-        array_agg(d.digest IS NOT DISTINCT FROM n.digest AND d.state = 'missing'),
-        bool_or(d.digest <> n.digest AND d.state <> 'deleted')
-    INTO kinds, numbers, userids, contents, digests, known, superseded
-    FROM unnest(kinds, numbers, userids, contents, digests) AS n (kind, number, userid, content, digest)
+        array_agg(d.digest IS NOT NULL), array_agg(d.digest IS NOT DISTINCT FROM n.digest AND d.state = 'missing'),
+        bool_or(d.digest <> n.digest AND d.state <> 'deleted'),
+        min(CASE WHEN n.is_wrong THEN concat_ws(' ', n.kind, n.number, 'of user', n.userid) END)
+    INTO kinds, numbers, userids, contents, digests, noted, known, superseded, wrong
+    FROM (SELECT *, kind IS NULL OR number IS NULL OR userid IS NULL OR content IS NULL OR strpos(number, '~') > 0
+            -- office.digest, written out: it is worked out for every document.
+            OR digest IS DISTINCT FROM sha256(convert_to(kind || E'\x1e' || content, 'UTF8')) AS is_wrong
+        FROM (SELECT unnest(kinds) AS kind, unnest(numbers) AS number, unnest(userids) AS userid, unnest(contents) AS content,
+                  unnest(digests) AS digest) AS d OFFSET 0) AS n
     LEFT JOIN office.document AS d ON d.month = the_month AND d.terminal = me AND d.ddate = the_day
         AND d.kind = n.kind AND d.number = n.number AND d.userid = n.userid
-    WHERE d.digest IS DISTINCT FROM n.digest OR d.state <> 'present';
+    WHERE n.is_wrong OR d.digest IS DISTINCT FROM n.digest OR d.state <> 'present';
+    IF wrong IS NOT NULL THEN
+        RAISE EXCEPTION 'the digest of % does not fit its content', wrong USING ERRCODE = 'invalid_parameter_value';
+    END IF;
     IF kinds IS NULL THEN
         RETURN 0;
     END IF;
@@ -409,27 +436,27 @@ BEGIN
             PERFORM office.supersede(each.doc, each.content);
         END LOOP;
     END IF;
-    INSERT INTO office.document AS d (month, terminal, kind, ddate, number, userid, digest)
-    SELECT the_month, me, n.kind, the_day, n.number, n.userid, n.digest
-    FROM unnest(kinds, numbers, userids, digests) AS n (kind, number, userid, digest)
-    ON CONFLICT (month, terminal, ddate, kind, number, userid) DO UPDATE
-    SET revision = d.revision + (d.digest <> excluded.digest OR d.state = 'deleted')::integer, digest = excluded.digest,
-        state = 'present', sent_at = now();
-    FOR k IN SELECT * FROM office.kind AS each WHERE each.kind = ANY (kinds) LOOP
-        EXECUTE format(
-            'INSERT INTO office.%I (month, terminal, row_number, %s)
-             SELECT $1, $2, n, %s
-             FROM unnest($3, $4, $5, $6, $7) AS d (kind, number, userid, content, known)
-             CROSS JOIN LATERAL unnest(string_to_array(content, E''\x1e'')) WITH ORDINALITY AS l (line, n)
-             CROSS JOIN LATERAL (SELECT string_to_array(line, E''\x1f'') AS f OFFSET 0) AS row
-             WHERE kind = %L AND NOT known',
-            k.table_name, array_to_string(k.columns, ', '),
-            (SELECT string_agg(CASE i WHEN k.ddate_at THEN format(
-                'CASE WHEN cardinality(f) = %s AND f[%s] = $8 AND f[%s] = d.userid AND %s = d.number THEN $8
-                      ELSE office.refuse_row(d.kind, d.number, d.userid) END', cardinality(k.columns), k.ddate_at, k.userid_at,
-                coalesce('f[' || k.number_at || ']', '''''')) ELSE format('f[%s]', i) END, ', ')
-             FROM generate_subscripts(k.columns, 1) AS i), k.kind)
-            USING the_month, me, kinds, numbers, userids, contents, known, the_day;
+    IF true = ANY (noted) THEN
+        UPDATE office.document AS d
+        SET revision = d.revision + (d.digest <> n.digest OR d.state = 'deleted')::integer, digest = n.digest,
+            state = 'present', sent_at = now()
+        FROM unnest(kinds, numbers, userids, digests) AS n (kind, number, userid, digest)
+        WHERE d.month = the_month AND d.terminal = me AND d.ddate = the_day AND d.kind = n.kind AND d.number = n.number
+            AND d.userid = n.userid;
+        GET DIAGNOSTICS changed = ROW_COUNT;
+        IF changed <> cardinality(array_remove(noted, false)) THEN
+            RAISE EXCEPTION 'a document was sent twice in one call' USING ERRCODE = 'invalid_parameter_value';
+        END IF;
+    END IF;
+    IF false = ANY (noted) THEN
+        INSERT INTO office.document (month, terminal, kind, ddate, number, userid, digest)
+        SELECT the_month, me, n.kind, the_day, n.number, n.userid, n.digest
+        FROM (SELECT unnest(kinds) AS kind, unnest(numbers) AS number, unnest(userids) AS userid, unnest(digests) AS digest,
+                  unnest(noted) AS noted OFFSET 0) AS n
+        WHERE NOT n.noted;
+    END IF;
+    FOR statement IN SELECT k.insertion FROM office.kind AS k WHERE k.kind = ANY (kinds) LOOP
+        EXECUTE statement USING the_month, me, kinds, numbers, userids, contents, known, the_day;
     END LOOP;
     RETURN cardinality(kinds);
 END

@@ -142,7 +142,7 @@ class Load {
             "SELECT DISTINCT userid, $2::text, $1::bigint FROM (" +
                 users +
                 ") AS users ON CONFLICT (userid, file_name) DO UPDATE SET version = "
-                "excluded.version",
+                "excluded.version, loaded_at = excluded.loaded_at",
             version_, plain(fileName));
     }
 
@@ -182,11 +182,13 @@ void replaceBalances(pqxx::work& work, const QString& sentUntil) {
     work.exec_params(
         "WITH gone AS (DELETE FROM office.movement WHERE moved_at <= coalesce(nullif($1, '')::timestamptz, "
         "now()) RETURNING gcode) "
-        "INSERT INTO office.master_change (userid, file_name, version) "
-        "SELECT DISTINCT userid, 'GARAE.RVN', (SELECT max(version) FROM office.master_version "
-        "WHERE file_name = 'GARAE.RVN') FROM office.master_garae "
-        "WHERE last_version IS NULL AND gcode IN (SELECT gcode FROM gone) "
-        "ON CONFLICT (userid, file_name) DO UPDATE SET version = excluded.version",
+        "INSERT INTO office.master_change (userid, file_name, version, loaded_at) "
+        "SELECT g.userid, v.file_name, v.version, v.loaded_at FROM (SELECT DISTINCT userid "
+        "FROM office.master_garae WHERE last_version IS NULL AND gcode IN (SELECT gcode FROM gone)) AS g "
+        "CROSS JOIN (SELECT * FROM office.master_version WHERE file_name = 'GARAE.RVN' "
+        "ORDER BY version DESC LIMIT 1) AS v "
+        "ON CONFLICT (userid, file_name) DO UPDATE SET version = excluded.version, "
+        "loaded_at = excluded.loaded_at",
         plain(sentUntil));
 }
 
