@@ -118,5 +118,28 @@ TEST(OpenPayments, AreKnownAfterTheirSlipHasGone) {
     EXPECT_EQ(loadCollection(slip.DDate, slip.JunNo, slip.UserID)->BANKTRANNO, u"T1"_s);
 }
 
+TEST(OpenPayments, AreOfferedBackToTheirOwnOnly) {
+    const QStringView nobody = kUnregisteredCustomer;
+    const struct {
+        QStringView paid, wanted, junNo, user;
+        bool isOffered;
+    } cases[] = {
+        {u"1", u"1", u"7002", u"A", true},
+        {u"1", u"2", u"7002", u"A", false},
+        {u"1", u"1", u"7002", u"B", false},
+        {nobody, nobody, u"7001", u"A", true},  // who is not registered may be anybody, but for the number
+        {nobody, nobody, u"7002", u"A", false},
+    };
+    for (const auto& [paid, wanted, junNo, user, isOffered] : cases) {
+        const test::TestDevice device;
+        const JournalPayment payment = paymentOf(paid, kSimplePaymentSlip, u"7001", 1000);
+        const SlipIdentity slip{payment.slip.DDate, junNo.toString(), user.toString(), wanted.toString()};
+        ASSERT_TRUE(notePayment(payment) && approvePayment(payment.number, u"T1"));
+        EXPECT_FALSE(deletedPayment(slip)) << "it is on its slip";
+        ASSERT_TRUE(removeCollection(slip.date, u"7001", u"A"));
+        EXPECT_EQ(deletedPayment(slip).has_value(), isOffered) << junNo.toUtf8().constData();
+    }
+}
+
 }  // namespace
 }  // namespace books

@@ -36,17 +36,12 @@ std::vector<Finding> Judge::judge(const Page& before, const Event& event, const 
     tables(before, event, after);
     balances(before, after);
     closed(event, after);
-    std::erase_if(keyedSales_,
-                  [&after](const Visit& visit) { return find(after.collections, visit) == nullptr; });
-    std::erase_if(keyedRecovery_,
-                  [&after](const Visit& visit) { return find(after.collections, visit) == nullptr; });
+    for (auto* const keyed : {&keyedSales_, &keyedRecovery_})
+        std::erase_if(*keyed, [&](const Visit& visit) { return find(after.collections, visit) == nullptr; });
     if (event.isAtMenu) {
         auto now = broken(after);
-        for (const auto& [rule, what] : now) {
-            if (!told_.contains({rule, what})) {
-                found(rule, what);
-            }
-        }
+        for (const auto& [rule, what] : now)
+            if (!told_.contains({rule, what})) found(rule, what);
         told_ = std::move(now);
     }
     return findings_;
@@ -56,10 +51,9 @@ Won Judge::payable(const Page& page, const Visit& visit) const {
     Won supply = 0;
     Won vat = 0;
     for (const Goods& line : page.goods) {
-        if (line.visit == visit) {
-            supply += line.supply;
-            vat += line.vat;
-        }
+        if (line.visit != visit) continue;
+        supply += line.supply;
+        vat += line.vat;
     }
     const auto mode = vatModes_.find(visit.key.user);
     return payableTotal(supply, vat, mode == vatModes_.end() ? "" : mode->second);
@@ -135,22 +129,17 @@ void Judge::opened(const Page& before, const Event& event) {
 
 void Judge::closed(const Event& event, const Page& after) {
     if (event.kind != Event::Kind::Closed) return;
-    Won cash = 0;
-    Won card = 0;
-    Won unpaid = 0;
+    Amounts want;
     for (const Collection& row : after.collections) {
-        if (row.visit.key.date == event.visit.key.date && row.visit.key.user == event.visit.key.user) {
-            const Amounts& a = row.amounts;
-            cash += !row.isSimple && a.bookedByButton() ? 0 : a.cash + a.earlier;
-            card += a.card;
-            unpaid += a.unpaid;
-        }
+        if (row.visit.key.date != event.visit.key.date || row.visit.key.user != event.visit.key.user)
+            continue;
+        const Amounts& a = row.amounts;
+        want.cash += !row.isSimple && a.bookedByButton() ? 0 : a.cash + a.earlier;
+        want.card += a.card;
+        want.unpaid += a.unpaid;
     }
-    if (event.figures != std::vector<Won>{cash, card, unpaid}) {
-        found(Rule::Closing, "must be " + std::to_string(cash) + " " + std::to_string(card) + " " +
-                                 std::to_string(unpaid) + ", is " + std::to_string(event.figures[0]) + " " +
-                                 std::to_string(event.figures[1]) + " " + std::to_string(event.figures[2]));
-    }
+    if (event.figures != want)
+        found(Rule::Closing, "must be " + words(want) + ", is " + words(event.figures));
 }
 
 // The number of a sale, collection or container slip that the hand has just begun.
@@ -189,7 +178,6 @@ void Judge::tables(Page before, const Event& event, const Page& after) {
             case SaleSaved: saleSaved(want, event, after); break;
             case OfficeLoaded:
                 want.goods.insert(want.goods.end(), event.goods.begin(), event.goods.end());
-                std::ranges::sort(want.goods);
                 break;
             case SaleDeleted: saleDeleted(want, event); break;
             case CollectionSaved: collectionSaved(want, event); break;
@@ -199,7 +187,6 @@ void Judge::tables(Page before, const Event& event, const Page& after) {
                 for (const Payment& payment : std::vector(want.payments)) {
                     if (event.answers.contains(payment.message)) approvedLater(want, payment, after);
                 }
-                std::ranges::sort(want.collections);
                 want.payments = after.payments;
                 break;
             case CollectionDeleted:
@@ -243,7 +230,6 @@ void Judge::saleSaved(Page& want, const Event& event, const Page& after) {
     }
     erase(want.goods, visit.key);
     want.goods.insert(want.goods.end(), event.goods.begin(), event.goods.end());
-    std::ranges::sort(want.goods);
     moveCollection(want, event, after, payable(want, visit) - sales, depositsOf(want, visit) - deposits);
     rowRule_ = Rule::SaleMoves;
 }
@@ -324,7 +310,6 @@ void Judge::collectionSaved(Page& want, const Event& event) {
     Collection row{visit, a, old ? old->approval : "", old && old->isSimple};
     std::erase_if(want.collections, [&visit](const Collection& own) { return own.visit == visit; });
     want.collections.push_back(row);
-    std::ranges::sort(want.collections);
     note(&byCollectionWork_, visit, event.mode == 2 || event.mode == 3);
     // A keyed amount that a collection has opened with is still keyed.
     note(&keyedSales_, visit, hasKeyedSales_ || (keyedSales_.contains(visit) && old));
@@ -352,10 +337,7 @@ void Judge::knowAgain(const Visit& visit) {
 // What 이전 does with a payment that was not made: the collection goes, and the one that it had replaced is
 // back.
 void Judge::collectionBack(Page& want, const Event& event, const Page& after) {
-    const bool isOpen = std::ranges::any_of(want.payments, [&event](const Payment& payment) {
-        return payment.open() && payment.visit == event.visit;
-    });
-    if (isOpen && find(after.collections, event.visit) != nullptr) {
+    if (hasOpenPayment(want, event.visit) && find(after.collections, event.visit) != nullptr) {
         // A stuck visit may stay, on credit.
         want.collections = after.collections;
         const auto replaced = replacing_.find(event.visit);
@@ -366,7 +348,6 @@ void Judge::collectionBack(Page& want, const Event& event, const Page& after) {
     }
     erase(want.collections, event.visit.key);
     putBack(want, event.visit);
-    std::ranges::sort(want.collections);
     rowRule_ = Rule::Row;
 }
 
@@ -375,7 +356,6 @@ void Judge::unpaidBack(Page& want, const Event& event) {
         erase(want.collections, visit.key);
         putBack(want, visit);
     }
-    std::ranges::sort(want.collections);
     rowRule_ = Rule::CardApproved;
 }
 
@@ -404,7 +384,6 @@ void Judge::emptiesChanged(Page& want, const Event& event, const Page& after) {
     } else {
         std::erase_if(want.empties, [&event](const Empties& line) { return line.visit == event.visit; });
         want.empties.insert(want.empties.end(), event.empties.begin(), event.empties.end());
-        std::ranges::sort(want.empties);
     }
     const auto change = [&](Collection& row) {
         const Won was = worth(before, row.visit);
@@ -427,7 +406,6 @@ void Judge::emptiesChanged(Page& want, const Event& event, const Page& after) {
         return row.approval.empty() && a.total() == 0 && a.card == 0 && a.cash == 0 && a.earlier == 0 &&
                a.recovery == 0 && a.other == 0;
     });
-    std::ranges::sort(want.collections);
     rowRule_ = Rule::Worth;
 }
 

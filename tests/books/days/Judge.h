@@ -64,8 +64,7 @@ struct Event {
     Won asked = 0;
     std::optional<Charge> charged;  ///< what the host did
     bool isAnswered = false;
-    /// A close: expected cash, card and unpaid.
-    std::vector<Won> figures;
+    Amounts figures;  ///< of a close: expected cash, card and unpaid
     /// Of each open payment that was asked about: what the host said.
     enum class Answer { Approved, NotCharged };
     std::map<std::string, Answer> answers;

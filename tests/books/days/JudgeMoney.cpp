@@ -34,7 +34,7 @@ const Payment* Judge::amountsOf(const Page& want, const Event& event, const Page
     const Won shown = event.shown.card != 0 ? event.shown.card : event.shown.cash;
     const Payment* kept = nullptr;
     for (const Payment& payment : after.payments) {
-        if (payment.visit == visit && !hasMessage(want, payment.message)) kept = &payment;
+        if (payment.visit == visit && paymentOf(want, payment.message) == nullptr) kept = &payment;
     }
     const Collection* const row = find(after.collections, visit);
     const Won booked = row == nullptr           ? event.asked
@@ -87,10 +87,8 @@ void Judge::paymentSent(Page& want, const Event& event, const Page& after) {
     if (event.charged && event.isAnswered) {
         for (Collection& own : want.collections)
             own.approval = own.visit == visit ? event.charged->approval : own.approval;
-        if (event.mode == 6 && row != nullptr) {  // its row comes with the approval
-            want.collections.push_back(*row);
-            std::ranges::sort(want.collections);
-        }
+        // Its row comes with the approval.
+        if (event.mode == 6 && row != nullptr) want.collections.push_back(*row);
     }
     want.payments = after.payments;
     rowRule_ = Rule::Row;
@@ -103,12 +101,11 @@ void Judge::inquired(Page& want, const Event& event, const Page& after) {
         const auto answer = event.answers.find(payment.message);
         if (answer == event.answers.end()) continue;
         const bool isApproved = answer->second == Event::Answer::Approved;
-        const auto kept = std::ranges::find(after.payments, payment.message, &Payment::message);
-        if (kept == after.payments.end() || kept->open() || (kept->state == "approved") != isApproved)
+        const Payment* const kept = paymentOf(after, payment.message);
+        if (kept == nullptr || kept->open() || (kept->state == "approved") != isApproved)
             found(Rule::Journal, words(payment.visit) + " is not what the host said");
         if (isApproved) approvedLater(want, payment, after);
     }
-    std::ranges::sort(want.collections);
 }
 
 // The slip is put back as it was charged; without its sale, or with another total, the money is received.
@@ -156,10 +153,7 @@ void Judge::approvedLater(Page& want, const Payment& payment, const Page& after)
 // A card amount of a visit that no approval stands for, nor a payment that may still become one.
 bool Judge::lacksApproval(const Page& page, const Collection& row) const {
     return row.amounts.card > 0 && row.approval.empty() && !row.isSimple &&
-           !byCollectionWork_.contains(row.visit) &&
-           std::ranges::none_of(page.payments, [&row](const Payment& payment) {
-               return payment.open() && payment.visit == row.visit;
-           });
+           !byCollectionWork_.contains(row.visit) && !hasOpenPayment(page, row.visit);
 }
 
 void Judge::compare(const Page& want, const Page& after) {
@@ -188,7 +182,7 @@ void Judge::compare(const Page& want, const Page& after) {
             }
         }
     }
-    const auto goods = difference(want.goods, after.goods);
+    const auto goods = difference(numberless(want.goods, {}), numberless(after.goods, {}));
     const auto empties = difference(numberless(want.empties, moved), numberless(after.empties, moved));
     const auto rows = difference(numberless(comparable(want.collections), moved),
                                  numberless(comparable(after.collections), moved));
@@ -196,12 +190,11 @@ void Judge::compare(const Page& want, const Page& after) {
     if (!empties.empty()) found(Rule::Empty, empties);
     if (!rows.empty()) found(rowRule_, rows);
     for (const Payment& payment : want.payments) {
-        const auto kept = std::ranges::find(after.payments, payment.message, &Payment::message);
-        const bool isThere = kept != after.payments.end();
-        if (!isThere || std::tie(kept->state, kept->amount, kept->approval) !=
-                            std::tie(payment.state, payment.amount, payment.approval))
+        const Payment* const kept = paymentOf(after, payment.message);
+        if (kept == nullptr || std::tie(kept->state, kept->amount, kept->approval) !=
+                                   std::tie(payment.state, payment.amount, payment.approval))
             found(Rule::Journal, words(payment.visit) + " was " + payment.state + ", is " +
-                                     (isThere ? kept->state : "gone"));
+                                     (kept != nullptr ? kept->state : "gone"));
     }
 }
 
@@ -268,8 +261,8 @@ Judge::Broken Judge::broken(const Page& page) const {
             all.insert({Rule::Doubled, row.approval + " stands twice"});
     }
     for (const Charge& charge : charges_) {
-        const auto kept = std::ranges::find(page.payments, charge.message, &Payment::message);
-        if (kept == page.payments.end() || (kept->state != "approved" && !kept->open()))
+        const Payment* const kept = paymentOf(page, charge.message);
+        if (kept == nullptr || (kept->state != "approved" && !kept->open()))
             all.insert({Rule::Lost, words(charge.visit) + " charged " + std::to_string(charge.amount)});
     }
     return all;

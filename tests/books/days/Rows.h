@@ -15,7 +15,9 @@ std::string words(const Collection& row);
 Won worth(const std::vector<Empties>& lines, const Visit& visit);
 Won depositsOf(const Page& page, const Visit& visit);
 
-bool hasMessage(const Page& page, const std::string& message);
+/// The journal's row of an exchange; null where it has none.
+const Payment* paymentOf(const Page& page, const std::string& message);
+bool hasOpenPayment(const Page& page, const Visit& visit);
 
 template <typename Row>
 const Row* find(const std::vector<Row>& rows, const Visit& visit) {

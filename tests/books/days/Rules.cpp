@@ -42,8 +42,14 @@ std::string words(const Collection& c) {
     return words(c.visit) + " " + words(c.amounts) + " " + c.approval;
 }
 
-bool hasMessage(const Page& page, const std::string& message) {
-    return std::ranges::find(page.payments, message, &Payment::message) != page.payments.end();
+const Payment* paymentOf(const Page& page, const std::string& message) {
+    const auto found = std::ranges::find(page.payments, message, &Payment::message);
+    return found == page.payments.end() ? nullptr : &*found;
+}
+
+bool hasOpenPayment(const Page& page, const Visit& visit) {
+    return std::ranges::any_of(page.payments,
+                               [&](const Payment& each) { return each.open() && each.visit == visit; });
 }
 
 Won worth(const std::vector<Empties>& lines, const Visit& visit) {

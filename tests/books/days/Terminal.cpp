@@ -212,7 +212,8 @@ void Terminal::closeDay(unsigned pick) {
     if (!closes) return;
     const totals::DayFigures& figures = closes->last().figures;
     Event closing = event(Event::Kind::Closed);
-    closing.figures = {figures.expectedCash.value(), figures.card.value(), figures.unpaid.value()};
+    closing.figures = {
+        .card = figures.card.value(), .cash = figures.expectedCash.value(), .unpaid = figures.unpaid.value()};
     tell(closing);
 }
 
