@@ -31,7 +31,9 @@ class OfficeTest : public ::testing::Test {
     QStringList sql(const QString& statements) const;
 
     QString writeFile(const QString& name, const QByteArray& content);
-    static QByteArray readFile(const QString& path) { return platform::readWholeFile(path).value_or(QByteArray()); }
+    static QByteArray readFile(const QString& path) {
+        return platform::readWholeFile(path).value_or(QByteArray());
+    }
     QString path(const QString& name) const { return folder_.filePath(name); }
 
   private:
