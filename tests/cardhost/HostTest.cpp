@@ -103,6 +103,13 @@ TEST_F(HostTest, RefusalsChargeNothingAndTheNextPaymentIsApproved) {
     terminal.run(host.port());
     EXPECT_EQ(terminal.field(1102), u"0016") << "nothing was approved yet";
 
+    for (const char* code : {"0012", "0012", "0012", "0012", "0012", "0020"}) {
+        terminal.payment(cardData(u"second"), u"0000", u"1");
+        terminal.run(host.port());
+        EXPECT_THAT(told(), StartsWith(code));
+    }
+    pay(u"second", u"1");
+    EXPECT_EQ(terminal.field(1102), u"0020") << "the right password comes too late";
     pay(u"limited", u"10000");
     EXPECT_EQ(terminal.field(1102), u"0000") << "exactly the limit";
     pay(u"poor", u"1000");
@@ -159,27 +166,28 @@ TEST_F(HostTest, ALateAnswerDoesNotReachTheNextExchange) {
 
 /// A request as another terminal program might make it.
 struct Request {
-    Request(std::in_place_t, QStringView kind, QStringView terminalNumber) {
+    Request(QStringView kind, QStringView terminalNumber, const QList<QStringView>& parameters = {}) {
         EXPECT_EQ(readHostKey(&hostKey), kDone);
         EXPECT_EQ(makeKeyPair(&replyKey), kDone);
         EXPECT_EQ(readSigningKey(&signer), kDone);
         number = makeMessageNumber();
-        const QStringView header[] = {u"JB",   u"84",   u"00", u"1234567890",
-                                      u"    ", u"0200", kind,  terminalNumber};
         quint16 field = 1;
-        for (const QStringView text : header) fields.add(field++, text);
-    }
-    explicit Request(QStringView amount, QStringView kind = u"0100", QStringView terminalNumber = u"99")
-        : Request(std::in_place, kind, terminalNumber) {
-        const QString card = cardData(u"good");
-        const QStringView parameters[] = {u"123", u"",  card, u"1234", u"39", u"0",
-                                          u"0",   u"0", u"0", u"0",    amount};
-        quint16 field = kFirstParameterField;
+        for (const QStringView text : {u"JB", u"84", u"00", u"1234567890", u"    ", u"0200"})
+            fields.add(field++, text);
+        fields.add(field++, kind);
+        fields.add(field++, terminalNumber);
+        field = kFirstParameterField;
         for (const QStringView text : parameters) fields.add(field++, text);
+    }
+    static Request payment(QStringView amount, QStringView kind = u"0100",
+                           QStringView terminalNumber = u"99") {
+        const QString card = cardData(u"good");
+        return {
+            kind, terminalNumber, {u"123", u"", card, u"1234", u"39", u"0", u"0", u"0", u"0", u"0", amount}};
     }
     /// What became of a payment.
     static Request question(QStringView asked, QStringView terminalNumber = u"99") {
-        Request request(std::in_place, u"0600", terminalNumber);
+        Request request(u"0600", terminalNumber);
         request.fields.add(kAskedNumberField, asked);
         return request;
     }
@@ -218,7 +226,7 @@ struct Request {
 
 TEST_F(HostTest, ARepeatedMessageNumberGetsTheSameAnswerAcrossRestarts) {
     host.start();
-    Request request(u"1000");
+    Request request = Request::payment(u"1000");
     EXPECT_EQ(request.askedAt(host.port(), 2)->text(1008), u"000000000001") << "joined with the first";
     host.stop();
     host.start();
@@ -226,18 +234,18 @@ TEST_F(HostTest, ARepeatedMessageNumberGetsTheSameAnswerAcrossRestarts) {
     EXPECT_EQ(request.askedAt(host.port())->text(1008), u"000000000001") << "with another reply key";
     EXPECT_EQ(balance(u"good"), u"99999000") << "charged once";
 
-    Request other(u"2000");
+    Request other = Request::payment(u"2000");
     other.number = request.number;
     EXPECT_EQ(other.askedAt(host.port())->text(1102), u"0017") << "the number with another content";
-    EXPECT_EQ(Request(u"2000", u"0999").askedAt(host.port())->text(1102), u"0018") << "no such kind";
+    EXPECT_EQ(Request::payment(u"2000", u"0999").askedAt(host.port())->text(1102), u"0018") << "no such kind";
     EXPECT_EQ(balance(u"good"), u"99999000");
 }
 
 TEST_F(HostTest, TellsWhatBecameOfAPaymentAndRefusesOneThatItDeclaredUnknown) {
     host.start();
-    const Request paid(u"1000");
-    const Request refused(u"0");
-    const Request lost(u"2000");
+    const Request paid = Request::payment(u"1000");
+    const Request refused = Request::payment(u"0");
+    const Request lost = Request::payment(u"2000");
     const auto answerTo = [&](const Request& request) {
         const auto reply = request.askedAt(host.port());
         return test::told([&](quint16 field) { return reply->text(field); });
@@ -262,7 +270,7 @@ TEST_F(HostTest, TellsWhatBecameOfAPaymentAndRefusesOneThatItDeclaredUnknown) {
     EXPECT_EQ(balance(u"good"), u"99999000");
 
     // Questions that are none: nothing is told, and nobody's payment is refused for them.
-    const Request later(u"3000");
+    const Request later = Request::payment(u"3000");
     EXPECT_THAT(answerTo(later), StartsWith("0000"));
     for (const Request& question :
          {Request::question(toText(later.number), u"98"), Request::question(toText(paid.number).chopped(1)),
@@ -271,14 +279,21 @@ TEST_F(HostTest, TellsWhatBecameOfAPaymentAndRefusesOneThatItDeclaredUnknown) {
         EXPECT_EQ(reply->text(1102), u"0018");
         EXPECT_FALSE(reply->has(1131) || reply->has(1008));
     }
+    // Nor does another terminal's payment count as one's own.
+    EXPECT_THAT(answerTo(Request(u"0600", u"98")), StartsWith("0016"));
+    const QString today = QDate::currentDate().toString(u"yyyyMMdd");
+    for (const auto& [number, payments] : {std::pair{u"99", u"2"}, {u"98", u"0"}})
+        EXPECT_EQ(
+            Request(u"0800", number, {u"183000", today}).askedAt(host.port())->text(kTransferCountField),
+            payments);
 }
 
 TEST_F(HostTest, OnlyAnEnrolledTerminalGetsAnAnswer) {
     host.start();
-    Request forged(u"1000");
+    Request forged = Request::payment(u"1000");
     forged.signer = signingKeyFrom(platform::SecureBytes(crypto_sign_SEEDBYTES, 9));
     for (const Request& request :
-         {forged, Request(u"1000", u"0100", u"97"), Request(u"1000", u"0100", u"../99")})
+         {forged, Request::payment(u"1000", u"0100", u"97"), Request::payment(u"1000", u"0100", u"../99")})
         EXPECT_FALSE(request.askedAt(host.port()));
     const auto log = platform::readWholeFile(host.folder() + u"/rovana.log"_s);
     for (const char* text : {"terminal 99 is not signed", "terminal 97 is not enrolled", "names no terminal"})

@@ -62,7 +62,7 @@ TEST_F(SendTest, WhatGoesWithATraceIsDeletedAndWithoutOneKept) {
         sell(terminal, number, u"0001"_s, 1000);
         collect(terminal, number, u"0001"_s, 1000);
     }
-    sell(terminal, u"5004"_s, u"0001"_s, 10);
+    for (const QString& number : {u"5004"_s, u"5005"_s}) sell(terminal, number, u"0001"_s, 5);
     on(terminal, u"INSERT INTO PRINTLOG VALUES ('%1','5003','A','입금표','공급자용','10:05')"_s.arg(day_));
     synced(terminal);
     // The collection of which nothing is left goes with its sale's trace.
@@ -70,15 +70,18 @@ TEST_F(SendTest, WhatGoesWithATraceIsDeletedAndWithoutOneKept) {
        u"DELETE FROM MTM WHERE JunNo <> '5003'; DELETE FROM MTMOK WHERE JunNo <> '5003'; "
        "DELETE FROM PRINTLOG"_s);
     noteDeletion(terminal, u"거래명세서"_s, u"5001"_s);
+    // Traces of another paper, and of another customer.
     noteDeletion(terminal, u"용공인수증"_s, u"5004"_s);
+    noteDeletion(terminal, u"거래명세서"_s, u"5005"_s, u"0002"_s);
     const Ended ended = sync(terminal);
-    EXPECT_EQ(ended.out, "sent 2, deleted 3, waiting 0\n") << ended.err;
-    EXPECT_THAT(ended.err, HasSubstr("keeps 3 documents"));
+    EXPECT_EQ(ended.out, "sent 3, deleted 3, waiting 0\n") << ended.err;
+    EXPECT_THAT(ended.err, HasSubstr("keeps 4 documents"));
     EXPECT_EQ(documents(), QStringList({u"collection 5001 A deleted 1"_s, u"collection 5002 A missing 1"_s,
                                         u"collection 5003 A present 1"_s, u"deletion 5001 A present 1"_s,
-                                        u"deletion 5004 A present 1"_s, u"prints 5003 A deleted 1"_s,
-                                        u"sale 5001 A deleted 1"_s, u"sale 5002 A missing 1"_s,
-                                        u"sale 5003 A present 1"_s, u"sale 5004 A missing 1"_s}));
+                                        u"deletion 5004 A present 1"_s, u"deletion 5005 A present 1"_s,
+                                        u"prints 5003 A deleted 1"_s, u"sale 5001 A deleted 1"_s,
+                                        u"sale 5002 A missing 1"_s, u"sale 5003 A present 1"_s,
+                                        u"sale 5004 A missing 1"_s, u"sale 5005 A missing 1"_s}));
     EXPECT_EQ(
         sql(u"SELECT (SELECT sum(office.won(mmoney)) FROM office.mtm), sum(amount) FROM office.movement"_s),
         QStringList(u"2010|2000"_s));
