@@ -348,8 +348,16 @@ TEST_F(Screens, HoldTheLongestTextsInReports) {
     QObject::connect(&terminal, &ui::Terminal::topChanged, &terminal, [&](ui::Screen* front) {
         if (front == nullptr || front->id() != 458) return;
         ++reports;
-        EXPECT_GT(static_cast<ui::ReportList*>(front->control(1054))->rowCount(), 0);
-        EXPECT_FALSE(front->control(1054)->accessibleName().isEmpty());
+        const auto* list = static_cast<ui::ReportList*>(front->control(1054));
+        EXPECT_GT(list->rowCount(), 0);
+        EXPECT_FALSE(list->accessibleName().isEmpty());
+        const int edge = list->viewport()->width();
+        for (int column = 0; column < list->model()->columnCount(); ++column) {
+            const int left = list->columnViewportPosition(column);
+            const int width = list->columnWidth(column);
+            EXPECT_FALSE(left + width / 2 < edge && left + width > edge)
+                << list->accessibleName().toStdString() << " cuts column " << column;
+        }
         EXPECT_THAT(faults(*front), testing::IsEmpty());
         QTimer::singleShot(0, front, [front] { front->close(ui::Screen::Cancelled); });
     });
