@@ -13,8 +13,7 @@ class Folder {
   public:
     Folder();
     ~Folder();
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
+    Q_DISABLE_COPY_MOVE(Folder)
 
     /// Makes it the process's device folder again.
     void use() const;

@@ -151,8 +151,7 @@ class BareConnection {
         check(PQstatus(line_) == CONNECTION_OK, "no connection");
     }
     ~BareConnection() { PQfinish(line_); }
-    BareConnection(const BareConnection&) = delete;
-    BareConnection& operator=(const BareConnection&) = delete;
+    Q_DISABLE_COPY_MOVE(BareConnection)
 
     void run(const char* statement) { expect(PQexec(line_, statement)); }
     void copyIn(const char* statement, const QByteArray& rows) {

@@ -85,8 +85,7 @@ class LookUp {
         }
     }
     ~LookUp() { sqlite3_finalize(statement_); }
-    LookUp(const LookUp&) = delete;
-    LookUp& operator=(const LookUp&) = delete;
+    Q_DISABLE_COPY_MOVE(LookUp)
 
     /// True when there is a row; every column's text is then taken.
     bool find(std::initializer_list<const std::string*> values) {

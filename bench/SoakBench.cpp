@@ -1,4 +1,4 @@
-// A short soak: the program plays its visits, judges them, and tells its figures.
+// A short soak: the program plays its visits, judges them, and prints its figures.
 
 #include <QCoreApplication>
 #include <QProcess>

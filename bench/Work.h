@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QtGlobal>
 #include <functional>
 #include <optional>
 
@@ -13,8 +14,7 @@ class InstructionCounter {
   public:
     InstructionCounter();
     ~InstructionCounter();
-    InstructionCounter(const InstructionCounter&) = delete;
-    InstructionCounter& operator=(const InstructionCounter&) = delete;
+    Q_DISABLE_COPY_MOVE(InstructionCounter)
 
     /// So far; nothing where the kernel or the processor does not count them.
     std::optional<double> count() const;
@@ -33,10 +33,10 @@ struct Work {
 Work workOf(const std::function<void()>& work);
 
 /// Runs both sides in turn as compare() does. In thousands of instructions, where these are not counted in
-/// steps; the note tells the steps.
+/// steps; the note has the steps.
 Result compareWork(int runs, const std::function<Work()>& ours, const std::function<Work()>& peer);
 
-/// Compares what the sides return as compare() does; the note tells how many of the peer's instructions ours
+/// Compares what the sides return as compare() does; the note says how many of the peer's instructions ours
 /// take, those of programs included that a side runs to their end.
 Result compareCounted(int runs, const char* unit, const std::function<double()>& ours,
                       const std::function<double()>& peer);

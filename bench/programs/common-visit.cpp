@@ -1,4 +1,4 @@
-// common-visit SCRIPT OPTION...: the terminal's program itself, in which a visit is played. It tells its
+// common-visit SCRIPT OPTION...: the terminal's program itself, in which a visit is played. It prints its
 // memory when the visit is over.
 
 #include <QCoreApplication>

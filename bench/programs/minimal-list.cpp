@@ -1,5 +1,5 @@
 // minimal-list DATABASE: the least that a Qt program does to show all products in the terminal's font. It
-// tells its memory when the list is painted.
+// prints its memory when the list is painted.
 
 #include <QApplication>
 #include <QTableView>

@@ -150,6 +150,32 @@ bool report(int visits, double seconds, const Holdings& warm, const Holdings& mo
     return isGood;
 }
 
+/// The days one after the other, and what the process holds behind them.
+struct Days {
+    int count;
+    int begun = 0;
+    bool isOver = false;
+    Holdings warm{};
+    Holdings most{};
+    QString problem{};
+
+    /// The steps of the next day, none after the last. Asked for at the first login, and at the menu after
+    /// each close.
+    QList<pilot::Step> next() {
+        if (begun > 0) {
+            const Holdings now = holdings();
+            if (begun * soak::kVisitsADay <= kWarmVisits) warm = most = now;
+            for (std::size_t i = 0; i < now.size(); ++i) most[i] = std::max(most[i], now[i]);
+        }
+        isOver = begun == count || !problem.isEmpty();
+        if (isOver) return {};
+        const pilot::Script script = pilot::parseScript(soak::writeDay(begun, deliver(begun, &problem)));
+        problem += script.errors.join(u'\n');
+        ++begun;
+        return script.steps;
+    }
+};
+
 int fail(const QString& error) {
     qWarning("rovana-soak: %s", qUtf8Printable(error));
     return 1;
@@ -164,14 +190,14 @@ int main(int argc, char* argv[]) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     ui::useOwnFontList();
     const QApplication application(argc, argv);
-    const int days = (argc > 1 ? QApplication::arguments()[1].toInt() : kVisits) / soak::kVisitsADay;
-    if (days * soak::kVisitsADay <= kWarmVisits) return fail(u"VISITS is a number of hundreds above 5"_s);
+    Days days{(argc > 1 ? QApplication::arguments()[1].toInt() : kVisits) / soak::kVisitsADay};
+    if (days.count * soak::kVisitsADay <= kWarmVisits)
+        return fail(u"VISITS is a number of hundreds above 5"_s);
     // In memory where there is such a place: how fast the disk is, is not what is asked.
     const QString memory = u"/dev/shm"_s;
     const QTemporaryDir folder((QDir(memory).exists() ? memory : QDir::tempPath()) +
                                u"/rovana-soak-XXXXXX"_s);
-    QString problem = prepare(folder.filePath(u"device"_s));
-    if (!problem.isEmpty()) return fail(problem);
+    if (const QString error = prepare(folder.filePath(u"device"_s)); !error.isEmpty()) return fail(error);
     platform::openLog();
     ui::prepareFonts();
     registerScreens();
@@ -181,25 +207,8 @@ int main(int argc, char* argv[]) {
     terminal.setVisible(true);
     terminal.activateWindow();
 
-    int begun = 0;
-    bool isOver = false;
-    Holdings warm{};
-    Holdings most{};
     pilot::Options options;
-    // Asked for a day at the first login, and at the menu after each close.
-    options.more = [&]() -> QList<pilot::Step> {
-        if (begun > 0) {
-            const Holdings now = holdings();
-            if (begun * soak::kVisitsADay <= kWarmVisits) warm = most = now;
-            for (std::size_t i = 0; i < now.size(); ++i) most[i] = std::max(most[i], now[i]);
-        }
-        isOver = begun == days || !problem.isEmpty();
-        if (isOver) return {};
-        const pilot::Script script = pilot::parseScript(soak::writeDay(begun, deliver(begun, &problem)));
-        problem += script.errors.join(u'\n');
-        ++begun;
-        return script.steps;
-    };
+    options.more = [&] { return days.next(); };
     pilot::Pilot player({}, options);
     QElapsedTimer time;
     time.start();
@@ -207,7 +216,7 @@ int main(int argc, char* argv[]) {
         player.start();
         // Each salesman leaves the terminal to the next one. A program that ended would take the style's
         // pictures of its login along.
-        while (!isOver && player.failure().isEmpty()) {
+        while (!days.isOver && player.failure().isEmpty()) {
             app::CRovanaApp().run();
             QPixmapCache::clear();
         }
@@ -216,7 +225,8 @@ int main(int argc, char* argv[]) {
     QApplication::exec();
     const double seconds = double(time.elapsed()) / 1000;
     if (!player.finish()) return fail(player.failure());
-    for (int day = 0; day < days; ++day) problem += wrongReports(soak::dateOf(day), soak::userOf(day));
-    if (!problem.isEmpty()) return fail(problem);
-    return report(days * soak::kVisitsADay, seconds, warm, most) ? 0 : 1;
+    for (int day = 0; day < days.count; ++day)
+        days.problem += wrongReports(soak::dateOf(day), soak::userOf(day));
+    if (!days.problem.isEmpty()) return fail(days.problem);
+    return report(days.count * soak::kVisitsADay, seconds, days.warm, days.most) ? 0 : 1;
 }

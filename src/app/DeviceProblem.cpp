@@ -19,7 +19,7 @@ using namespace Qt::Literals::StringLiterals;
 constexpr int kNeededPieces = 16;
 using Piece = std::array<char, 4096>;
 
-/// 0 when the folder takes a file of that size, else the reason as errno tells it.
+/// 0 when the folder takes a file of that size, else the reason as in errno.
 int tryToWrite(const QString& folder, Sure sure) {
     QByteArray name = QFile::encodeName(folder) + "/.room-XXXXXX";
     const int file = ::mkstemp(name.data());

@@ -115,7 +115,7 @@ void CKeyboardDlg::addFields() {
         const int left = present.isEmpty() ? 70 : 112;
         QLabel* caption = addLabel(row.caption, captions[i], {4, top, 64, 32});
         auto* display = place(row.display, new ui::PressableText(this), {left, top, 184 - left, 32});
-        // An empty field that the mode leaves out makes way for what the keypad tells.
+        // An empty field that the mode leaves out makes way for what the keypad says.
         caption->setVisible(isInUse || keypadRequest().Topic.isEmpty());
         display->setVisible(isInUse || keypadRequest().Topic.isEmpty());
         display->setAlignment(ui::kRight);

@@ -16,8 +16,7 @@ class Keypad {
     explicit Keypad(const KeypadRequest& request);
     /// Overwrites what was keyed: it may have been a password.
     ~Keypad();
-    Keypad(const Keypad&) = delete;
-    Keypad& operator=(const Keypad&) = delete;
+    Q_DISABLE_COPY_MOVE(Keypad)
 
     /// Appends "0" to "9" or "00" to the active field.
     void append(const QString& digits);

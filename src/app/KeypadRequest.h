@@ -71,11 +71,11 @@ std::optional<platform::Won> askAmount(const QString& label, const QString& star
 
 /// Opens the keypad on two numbers in one run and returns true when it was left with "확  인", whatever was
 /// entered; the entries are in KeypadValue1 and KeypadValue2, an empty one counts as 0.
-bool askTwoNumbers(const QString& label1, const QString& label2, const KeypadTopic& topic = {});
+bool askTwoNumbers(const QString& label1, const QString& label2, const KeypadTopic& topic);
 
 /// The same on three numbers in one run; the entries are in KeypadValue1 to KeypadValue3. `present` are the
 /// numbers that are asked again.
-bool askThreeNumbers(const std::array<QString, 3>& labels, const std::array<QString, 3>& present = {},
-                     const QString& what = {});
+bool askThreeNumbers(const std::array<QString, 3>& labels, const std::array<QString, 3>& present,
+                     const QString& what);
 
 }  // namespace app

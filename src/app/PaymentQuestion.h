@@ -26,7 +26,7 @@ struct PaymentQuestion {
 PaymentQuestion askAboutPayments(const std::function<std::optional<books::JournalPayment>()>& find);
 
 /// Takes the collections back whose card payment was given up or not charged (books::takeBackUnpaid), and
-/// tells which.
+/// names them to the salesman.
 void takeBackUnpaid(const books::SlipIdentity& current = {});
 
 /// Asks so about the slips of that date and number, of one user or, with an empty id, of everybody, before

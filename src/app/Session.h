@@ -58,13 +58,14 @@ struct ActionValues {
     bool SeeksContainer = false;     ///< From the container slip to the board: open 397, not 139.
     int ContainerSearchResult = 0;   ///< 1 when 397 was left with a product; read by board and slip.
 
-    // The sums of the slip on screen, won; written by the sales slip and, before 결제, by its list.
+    // The sums of the slip on screen, won; written by the sales slip and, before 결제, by its list. Where no
+    // reader is named the value is kept for the record: the collection entry takes the slip as it was saved.
     platform::Won SupplySum;
     platform::Won VatSum;
     platform::Won CrateDepositSum;  ///< The collection entry saves it; without a sale it loads it as saved.
     platform::Won BottleDepositSum;
 
-    // What 완료 hands over to the collection entry (450), won; written with the sums.
+    // What 완료 hands over, won; written with the sums.
     platform::Won CheckoutSales;  ///< Supply and VAT.
     platform::Won CheckoutSupply;
     platform::Won CheckoutVat;

@@ -5,6 +5,7 @@
 #include "books/CollectionSlip.h"
 #include "books/ContainerBalance.h"
 #include "books/OpenPayments.h"
+#include "books/PaymentJournal.h"
 #include "books/PrintLog.h"
 #include "books/SlipNumbers.h"
 #include "books/VatSplit.h"
@@ -28,17 +29,30 @@ bool isUnapproved(CollectionSlip row, const CollectionSlip& slip) {
     return row == slip;
 }
 
-/// True when the number is another customer's by now, or carries another approval. It is given anew once its
-/// slip is deleted.
+/// True when a sale of the slip's customer stands under its number.
+bool hasOwnSale(const CollectionSlip& slip) {
+    static constexpr db::Statement<
+        u"SELECT GCode FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode = '%s'">
+        kOwnSalesSlip;
+    return db::hasRow(kOwnSalesSlip(slip.DDate, slip.JunNo, slip.UserID, slip.GCode));
+}
+
+/// True when the number is another customer's by now, carries another approval or, after its sale, money that
+/// was taken in another way. It is given anew once its slip is deleted. A simple payment shares it with
+/// nothing.
 bool isNumberTaken(const CollectionSlip& slip) {
     static constexpr db::Statement<
         u"SELECT GCode FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode <> '%s'">
         kOthersSalesSlip;
-    return std::ranges::any_of(rowsOf(slip),
-                               [&](const CollectionSlip& row) {
-                                   return row.GCode != slip.GCode || row.isApproved() ||
-                                          row.isSimplePayment();
-                               }) ||
+    const QList<CollectionSlip> rows = rowsOf(slip);
+    if (slip.isSimplePayment()) return !rows.isEmpty();
+    const bool waitsForCard = hasOwnSale(slip) || preparedPayment(slip.DDate, slip.JunNo, slip.UserID);
+    const auto isTakenBy = [&](const CollectionSlip& row) {
+        const bool isPaid = !row.CardMoney.isZero() || !row.WonMoney.isZero() || !row.MisuInMoney.isZero();
+        return row.GCode != slip.GCode || row.isApproved() || row.isSimplePayment() ||
+               (isPaid && !waitsForCard);
+    };
+    return std::ranges::any_of(rows, isTakenBy) ||
            db::hasRow(kOthersSalesSlip(slip.DDate, slip.JunNo, slip.UserID, slip.GCode));
 }
 
@@ -64,12 +78,8 @@ Won changeOfContainers(const CollectionSlip& charged, std::optional<Won> worth) 
 /// The approved slip under its number, whose rows are `before`.
 CollectionSlip slipUnder(const QList<CollectionSlip>& before, const CollectionSlip& approved,
                          const ChargedFor& chargedFor) {
-    static constexpr db::Statement<
-        u"SELECT GCode FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s' AND GCode = '%s'">
-        kOwnSalesSlip;
     if (approved.isSimplePayment()) return approved;
-    const bool hasSale =
-        db::hasRow(kOwnSalesSlip(approved.DDate, approved.JunNo, approved.UserID, approved.GCode));
+    const bool hasSale = hasOwnSale(approved);
     if (approved.Gubun == kCollectionOfSale && !hasSale) return receivedWithoutSale(approved);
     if (before.size() == 1) {
         if (const auto paid = payCredit(before.first(), approved)) return *paid;
@@ -87,7 +97,6 @@ CollectionSlip slipUnder(const QList<CollectionSlip>& before, const CollectionSl
 /// Writes the approved slip over the rows of its number, or beside them.
 bool putRow(db::Transaction& transaction, const QList<CollectionSlip>& before, const CollectionSlip& slip) {
     if (slip.isSimplePayment()) {
-        // It stays beside another of its number: each holds an approval of its own.
         return addApprovedRow(transaction, slip) && rowsOf(slip) == before + QList<CollectionSlip>{slip};
     }
     if (before.size() == 1 && isUnapproved(before.first(), slip)) {
@@ -109,8 +118,8 @@ std::optional<CollectionSlip> putApproved(db::Transaction& transaction, const Co
         kMarkPaid;
     CollectionSlip slip = approved;
     QList<CollectionSlip> before = rowsOf(slip);
-    if (!slip.isSimplePayment() && isNumberTaken(slip)) {
-        slip = receivedWithoutSale(slip);
+    if (isNumberTaken(slip)) {
+        if (!slip.isSimplePayment()) slip = receivedWithoutSale(slip);
         slip.JunNo = nextSimplePaymentNumber(slip.DDate);
         before = rowsOf(slip);
     } else {

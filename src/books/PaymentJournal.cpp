@@ -29,19 +29,25 @@ constexpr QStringView kCard = u"card";
 constexpr QStringView kCash = u"cash";
 constexpr int kOwnColumns = 5;  ///< Those in front of the slip's.
 
-constexpr PaymentState kStates[] = {PaymentState::Sent,    PaymentState::Approved, PaymentState::Refused,
-                                    PaymentState::Unknown, PaymentState::Released, PaymentState::Prepared};
+constexpr struct StateName {
+    PaymentState state;
+    QStringView name;
+} kStates[] = {
+    {PaymentState::Sent, u"sent"},         {PaymentState::Approved, u"approved"},
+    {PaymentState::Refused, u"refused"},   {PaymentState::Unknown, u"unknown"},
+    {PaymentState::Released, u"released"}, {PaymentState::Prepared, u"prepared"},
+};
+static_assert(std::size(kStates) == std::size_t(PaymentState::Prepared) + 1);
 
 JournalPayment paymentOf(db::CVORecordset& row) {
     JournalPayment payment;
     payment.number = row.GetFieldString(0);
     const QString state = row.GetFieldString(1);
     // A state that is none leaves it open whether the customer was charged.
-    const auto* const found = std::ranges::find(kStates, QStringView(state), stateName);
-    payment.state = found == std::end(kStates) ? PaymentState::Unknown : *found;
+    const auto* const found = std::ranges::find(kStates, QStringView(state), &StateName::name);
+    payment.state = found == std::end(kStates) ? PaymentState::Unknown : found->state;
     payment.isCard = row.GetFieldString(2) != kCash;
     payment.charged = platform::parseWon(row.GetFieldString(3));
-    payment.settledAt = row.GetFieldString(4);
     payment.slip = readCollection(row, kOwnColumns);
     int column = kOwnColumns + kCollectionColumns;
     for (auto* amount : {&payment.saleTotal, &payment.containerWorth}) {
@@ -102,15 +108,7 @@ std::optional<CollectionSlip> approve(db::Transaction& transaction, const Journa
 }  // namespace
 
 QStringView stateName(PaymentState state) {
-    switch (state) {
-        case PaymentState::Sent: return u"sent";
-        case PaymentState::Approved: return u"approved";
-        case PaymentState::Refused: return u"refused";
-        case PaymentState::Unknown: return u"unknown";
-        case PaymentState::Released: return u"released";
-        case PaymentState::Prepared: return u"prepared";
-    }
-    return {};
+    return std::ranges::find(kStates, state, &StateName::state)->name;
 }
 
 bool notePayment(const JournalPayment& payment) {

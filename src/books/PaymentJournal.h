@@ -36,7 +36,6 @@ struct JournalPayment {
     PaymentState state = PaymentState::Sent;
     bool isCard = true;     ///< Else cash that is entered at the host.
     platform::Won charged;  ///< What the host was asked for, in won.
-    QString settledAt;      ///< "yyyy-MM-dd HH:mm:ss" of the last change of the state; empty while sent.
     /// The slip that it pays, as it stood then. `MSGSENDTIME` is the time of sending, `BANKTRANNO` empty
     /// until the payment is approved.
     CollectionSlip slip;

@@ -109,8 +109,9 @@ void noteOpened(Working table, QStringView userId) {
     transaction.commit();
 }
 
-void noteChanged(db::Transaction& transaction, Working table) {
+bool commitChange(db::Transaction& transaction, Working table) {
     transaction.run(kMark(u"1", tableName(table)));
+    return transaction.commit();
 }
 
 void noteSaved(db::Transaction& transaction, Working table) {
@@ -123,9 +124,7 @@ void noteGivenUp(Working table) {
 
 bool changeWorkingSlip(Working table, const db::Sql& statement) {
     db::Transaction transaction(db::Survives::ProcessEnd);
-    if (!transaction.run(statement)) return false;
-    noteChanged(transaction, table);
-    return transaction.commit();
+    return transaction.run(statement) && commitChange(transaction, table);
 }
 
 bool isUnsaved(Working table) {

@@ -19,8 +19,9 @@ enum class Working { Sale, Containers };
 /// Notes that the working table is about to hold the user's slip as it is saved.
 void noteOpened(Working table, QStringView userId);
 
-/// Notes as part of `transaction` that the working slip has changed.
-void noteChanged(db::Transaction& transaction, Working table);
+/// Commits `transaction`, which has changed the working slip, with a note of that. False when it did not
+/// last.
+bool commitChange(db::Transaction& transaction, Working table);
 
 /// Notes as part of `transaction` that the working slip is saved.
 void noteSaved(db::Transaction& transaction, Working table);

@@ -103,14 +103,15 @@ class Reader {
     }
 
     bool readContainers() {
-        return db::forEachRow(
-                   kContainers(date_, junNo_, junNo_, userId_, userId_), [&](db::CVORecordset& row) {
-                       const auto text = [&](int column) { return row.GetFieldString(column); };
-                       at(text(0), text(1), text(2), text(3))
-                           .containers.append({text(4), text(5), parseInteger(text(6)), parseInteger(text(7)),
-                                               parseInteger(text(8)), parseWon(text(9)) + parseWon(text(10)),
-                                               parseWon(text(11)) + parseWon(text(12))});
-                   }) >= 0;
+        return db::forEachRow(kContainers(date_, junNo_, junNo_, userId_, userId_),
+                              [&](db::CVORecordset& row) {
+                                  const auto text = [&](int column) { return row.GetFieldString(column); };
+                                  at(text(0), text(1), text(2), text(3))
+                                      .containers.append({{text(4), text(5), parseInteger(text(6)),
+                                                           parseInteger(text(7)), parseInteger(text(8))},
+                                                          parseWon(text(9)) + parseWon(text(10)),
+                                                          parseWon(text(11)) + parseWon(text(12))});
+                              }) >= 0;
     }
 
     bool readCollections() {

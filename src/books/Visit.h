@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "books/CollectionSlip.h"
+#include "books/ContainerBalance.h"
 #include "books/PaymentJournal.h"
 #include "platform/Won.h"
 
@@ -25,13 +26,8 @@ struct SoldLine {
     platform::Won bottleDeposit;
 };
 
-/// One line of the container slip; amounts in won.
-struct ReturnedLine {
-    QString PCode;
-    QString PName;
-    std::int64_t emptyCrates = 0;
-    std::int64_t filledCrates = 0;
-    std::int64_t bottles = 0;
+/// One line of the container slip with its amounts, in won.
+struct ReturnedLine : ContainerReturn {
     platform::Won worth;  ///< Its deposits.
     platform::Won fees;
 };

@@ -12,6 +12,25 @@ using namespace Qt::Literals::StringLiterals;
 using platform::Won;
 using Kind = DifferenceKind;
 
+/// How a collection's total came about besides cash, card, unpaid and recovery, in won.
+struct CollectionParts {
+    Won creditedExcess;       ///< A recovery above the total that no cash makes up for.
+    Won receivedWithoutSale;  ///< Money of a collection that has no total.
+    Won difference;           ///< What of the total is left after all parts; 0 where they agree.
+};
+
+CollectionParts partsOf(const CollectionSlip& slip) {
+    const Won total = slip.amounts().total;
+    const Won paid = slip.WonMoney + slip.CardMoney + slip.UnderMoney;
+    CollectionParts parts;
+    const Won excess = std::max(Won(), slip.YDMoney - total);
+    // A keyed excess stands with cash below 0, which makes up for it; one that a button booked does not.
+    parts.creditedExcess = std::clamp(paid + excess, Won(), excess);
+    if (total.isZero() && excess.isZero()) parts.receivedWithoutSale = std::max(Won(), paid);
+    parts.difference = total + parts.creditedExcess + parts.receivedWithoutSale - paid - slip.YDMoney;
+    return parts;
+}
+
 /// Gathers what is not true of one visit.
 class Checks {
   public:
@@ -88,6 +107,33 @@ class Checks {
     QList<VisitDifference> found_;
 };
 
+/// What the salesman is told of a kind: the reason, and what its two amounts are called.
+constexpr struct Wording {
+    Kind kind;
+    QStringView reason;
+    QStringView expected = {};
+    QStringView found = {};
+} kWordings[] = {
+    {Kind::PaymentOpen, u"카드결제 확인중"},
+    {Kind::ApprovalNotShown, u"승인이 전표에 없음"},
+    {Kind::ApprovedAmountDiffers, u"승인금액과 다름", u"승인", u"전표"},
+    {Kind::CardNotApproved, u"카드 미승인"},
+    {Kind::SaleWithoutCollection, u"수금없는 판매"},
+    {Kind::CollectionWithoutSale, u"판매없는 입금"},
+    {Kind::TotalDiffers, u"판매합계와 다름", u"판매", u"입금"},
+    {Kind::ContainersWithoutCollection, u"입금없는 용공"},
+    {Kind::RecoveryDiffers, u"용공금액과 다름", u"용공", u"입금"},
+    {Kind::PartsDiffer, u"입금내역과 다름", u"합계", u"내역"},
+    {Kind::SeveralCollections, u"입금전표 두장"},
+    {Kind::SeveralCustomers, u"번호에 다른 거래처"},
+    {Kind::NoReceivable, u"거래처 채권 없음"},
+};
+static_assert(std::size(kWordings) == std::size_t(Kind::NoReceivable) + 1);
+
+const Wording& wordingOf(Kind kind) {
+    return *std::ranges::find(kWordings, kind, &Wording::kind);
+}
+
 using Number = std::tuple<QString, QString, QString>;
 
 Number numberOf(const Visit& visit) {
@@ -102,36 +148,14 @@ bool hasSlip(const Visit& visit) {
 }  // namespace
 
 QStringView reasonOf(DifferenceKind kind) {
-    switch (kind) {
-        case Kind::PaymentOpen: return u"카드결제 확인중";
-        case Kind::ApprovalNotShown: return u"승인이 전표에 없음";
-        case Kind::ApprovedAmountDiffers: return u"승인금액과 다름";
-        case Kind::CardNotApproved: return u"카드 미승인";
-        case Kind::SaleWithoutCollection: return u"수금없는 판매";
-        case Kind::CollectionWithoutSale: return u"판매없는 입금";
-        case Kind::TotalDiffers: return u"판매합계와 다름";
-        case Kind::ContainersWithoutCollection: return u"입금없는 용공";
-        case Kind::RecoveryDiffers: return u"용공금액과 다름";
-        case Kind::PartsDiffer: return u"입금내역과 다름";
-        case Kind::SeveralCollections: return u"입금전표 두장";
-        case Kind::SeveralCustomers: return u"번호에 다른 거래처";
-        case Kind::NoReceivable: return u"거래처 채권 없음";
-    }
-    return {};
+    return wordingOf(kind).reason;
 }
 
 QString detailOf(const VisitDifference& difference) {
-    const auto both = [&](QStringView expected, QStringView found) {
-        return u"%1 %2 %3 %4"_s.arg(expected, platform::groupThousands(difference.expected), found,
-                                    platform::groupThousands(difference.found));
-    };
-    switch (difference.kind) {
-        case Kind::ApprovedAmountDiffers: return both(u"승인", u"전표");
-        case Kind::TotalDiffers: return both(u"판매", u"입금");
-        case Kind::RecoveryDiffers: return both(u"용공", u"입금");
-        case Kind::PartsDiffer: return both(u"합계", u"내역");
-        default: return {};
-    }
+    const Wording& wording = wordingOf(difference.kind);
+    if (wording.expected.isEmpty()) return {};
+    return u"%1 %2 %3 %4"_s.arg(wording.expected, platform::groupThousands(difference.expected),
+                                wording.found, platform::groupThousands(difference.found));
 }
 
 QList<VisitDifference> differencesOf(const Visit& visit) {
@@ -164,18 +188,6 @@ QList<CheckedVisit> checkVisits(const QList<Visit>& visits) {
         if (!differences.isEmpty()) checked.append({visit, differences});
     }
     return checked;
-}
-
-CollectionParts partsOf(const CollectionSlip& slip) {
-    const Won total = slip.amounts().total;
-    const Won paid = slip.WonMoney + slip.CardMoney + slip.UnderMoney;
-    CollectionParts parts;
-    const Won excess = std::max(Won(), slip.YDMoney - total);
-    // A keyed excess stands with cash below 0, which makes up for it; one that a button booked does not.
-    parts.creditedExcess = std::clamp(paid + excess, Won(), excess);
-    if (total.isZero() && excess.isZero()) parts.receivedWithoutSale = std::max(Won(), paid);
-    parts.difference = total + parts.creditedExcess + parts.receivedWithoutSale - paid - slip.YDMoney;
-    return parts;
 }
 
 Won CrossFoot::difference() const {

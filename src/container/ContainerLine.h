@@ -45,7 +45,7 @@ struct ContainerAmounts {
 /// deposit, won below one cut off; without bottles in a full crate that share is 0.
 ContainerAmounts containerAmounts(const ContainerCounts& counts, const ContainerPrices& prices);
 
-/// What tells the lines of a slip apart.
+/// The key of a slip's line.
 struct ContainerKey {
     QString PCode;
     QString FBox;
@@ -75,6 +75,8 @@ struct ContainerLine {
     QString GMONEY;
     QString YSAMT;
     QString GSAMT;
+
+    friend bool operator==(const ContainerLine&, const ContainerLine&) = default;
 
     /// Makes the line one of `counts`.
     void setCounts(const ContainerCounts& counts);

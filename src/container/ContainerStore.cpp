@@ -1,22 +1,14 @@
 #include "container/ContainerStore.h"
 
-#include <array>
-
 #include "books/CollectionMoves.h"
 #include "books/Deletions.h"
 #include "books/PrintLog.h"
 #include "books/ReusedNumber.h"
 #include "books/UnsavedSlip.h"
-#include "db/Query.h"
-#include "db/Statement.h"
-#include "db/Transaction.h"
+#include "container/ContainerLine.h"
+#include "db/Records.h"
 
 namespace container {
-namespace {
-
-constexpr int kWorkingColumns = 13;
-
-}  // namespace
 
 SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo, QStringView gCode,
                      bool* isCollectionMoved) {
@@ -33,36 +25,33 @@ SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo
         kInsert;
     db::Transaction transaction;
     if (!books::freeNumber(transaction, workDate, junNo, userId, gCode)) return SaveOutcome::Failed;
-    const auto saved = [&] { return db::selectRows(kSavedLines(workDate, junNo, userId), kWorkingColumns); };
-    const platform::Rows before = saved();
+    const auto saved = [&] {
+        return db::selectRecords(kSavedLines(workDate, junNo, userId), kContainerLineColumns);
+    };
+    const auto before = saved();
+    const auto lines = db::selectRecords(kWorkingLines(), kContainerLineColumns);
+    if (!lines) return SaveOutcome::Failed;
     const books::ContainerChange change(workDate, junNo, userId);
     // A slip without lines is none, and no collection is left with its worth.
-    if (!db::hasRow(kWorkingLines()) &&
+    if (lines->isEmpty() &&
         (!books::noteDeletion(transaction, books::Paper::ContainerReceipt, workDate, junNo, userId, userId) ||
          !books::takeRecoveriesBack(transaction, workDate, junNo, userId))) {
         return SaveOutcome::Failed;
     }
-    if (!transaction.run(kDeleteOwn(workDate, junNo, userId))) return SaveOutcome::Failed;
-    const platform::Rows lines = db::selectRows(kWorkingLines(), kWorkingColumns);
-    if (!lines.isComplete) return SaveOutcome::Failed;
-    for (int row = 0; row < lines.count(); ++row) {
-        std::array<QStringView, decltype(kInsert)::kValues> values;
-        for (int column = 0; column < kWorkingColumns; ++column) values[column] = lines.at(row, column);
-        values[kWorkingColumns] = userId;
-        const db::Sql insert = kInsert(values);
-        // A line with a quote in it is skipped; any other failure is the database's.
-        if (!transaction.run(insert) && insert.isWellFormed()) return SaveOutcome::Failed;
+    if (!transaction.run(kDeleteOwn(workDate, junNo, userId)) ||
+        !db::insertRecords(transaction, kInsert, kContainerLineColumns, *lines, userId)) {
+        return SaveOutcome::Failed;
     }
     // A slip that is saved as it was need not be printed again.
-    if (saved().cells != before.cells &&
+    if (saved() != before &&
         !books::forgetPrints(transaction, books::Paper::ContainerReceipt, workDate, junNo, userId)) {
         return SaveOutcome::Failed;
     }
-    const auto isMoved = lines.isEmpty() ? false : change.moveCollections(transaction);
+    const auto isMoved = lines->isEmpty() ? false : change.moveCollections(transaction);
     books::noteSaved(transaction, books::Working::Containers);
     if (!isMoved || !transaction.commit()) return SaveOutcome::Failed;
     if (isCollectionMoved) *isCollectionMoved = *isMoved;
-    return lines.isEmpty() ? SaveOutcome::Empty : SaveOutcome::Saved;
+    return lines->isEmpty() ? SaveOutcome::Empty : SaveOutcome::Saved;
 }
 
 platform::Rows slipsOfDay(QStringView userId, QStringView workDate) {

@@ -45,12 +45,8 @@ bool replaceLine(const ContainerKey& key, Change&& change) {
     line.Bon = key.Bon;
     change(&line, &*amounts);
     line.setAmounts(*amounts);
-    if (!transaction.run(kDelete(key.PCode, key.FBox, key.NBox, key.Bon)) ||
-        !transaction.run(insertOf(line))) {
-        return false;
-    }
-    books::noteChanged(transaction, books::Working::Containers);
-    return transaction.commit();
+    return transaction.run(kDelete(key.PCode, key.FBox, key.NBox, key.Bon)) &&
+           transaction.run(insertOf(line)) && books::commitChange(transaction, books::Working::Containers);
 }
 
 }  // namespace

@@ -32,7 +32,7 @@ bool needsUpgrade() {
     QString error;
     const auto file = platform::adoce::DatabaseFile::shared(
         platform::device::path(platform::device::kDatabaseFile), &error);
-    // A later build adds columns at a table's end only, so the last one tells.
+    // A later build adds columns at a table's end only, so the last one decides.
     return file && !std::ranges::all_of(schema::tables(), [&](const schema::Table& table) {
                return file->sqlite().hasColumn(table.name, table.columns.back());
            });

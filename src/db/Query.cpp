@@ -17,8 +17,7 @@ class Reader {
         underWay().insert(this);
     }
     ~Reader() { underWay().remove(this); }
-    Reader(const Reader&) = delete;
-    Reader& operator=(const Reader&) = delete;
+    Q_DISABLE_COPY_MOVE(Reader)
 
     static QSet<Reader*>& underWay() {
         static QSet<Reader*> readers;

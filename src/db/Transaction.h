@@ -16,8 +16,7 @@ class Transaction {
   public:
     explicit Transaction(Survives survives = Survives::PowerLoss);
     ~Transaction();
-    Transaction(const Transaction&) = delete;
-    Transaction& operator=(const Transaction&) = delete;
+    Q_DISABLE_COPY_MOVE(Transaction)
 
     /// The connection that the statements run on; any other connection takes part as well.
     CVOConnection& connection() { return connection_; }
@@ -60,8 +59,7 @@ class ReadScope {
   public:
     ReadScope();
     ~ReadScope();
-    ReadScope(const ReadScope&) = delete;
-    ReadScope& operator=(const ReadScope&) = delete;
+    Q_DISABLE_COPY_MOVE(ReadScope)
 
     /// A connection for the look-ups; those on any other connection take part as well.
     CVOConnection& connection() { return connection_; }

@@ -16,8 +16,7 @@ class CVOConnection {
     /// The argument has no effect.
     explicit CVOConnection(int unused = 0);
     virtual ~CVOConnection();
-    CVOConnection(const CVOConnection&) = delete;
-    CVOConnection& operator=(const CVOConnection&) = delete;
+    Q_DISABLE_COPY_MOVE(CVOConnection)
 
     /// Opens the file at the handheld path `database`. `provider` has no effect: the provider is "cedb".
     /// Always 1, also when the file could not be opened.

@@ -26,8 +26,7 @@ class CVORecordset {
   public:
     explicit CVORecordset(CVOConnection& connection);
     virtual ~CVORecordset();
-    CVORecordset(const CVORecordset&) = delete;
-    CVORecordset& operator=(const CVORecordset&) = delete;
+    Q_DISABLE_COPY_MOVE(CVORecordset)
 
     /// Runs the statement and stands on its first row; `m_bOpen`, false when the statement failed.
     bool Open(const Sql& sql, int cursorType, int lockType);

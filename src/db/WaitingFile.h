@@ -8,7 +8,7 @@
 namespace db {
 
 /// A waiting file of the office while it is loaded: what is read is what is deleted. It holds a read lease on
-/// the file, which the kernel gives only while nobody has it open for writing, and which tells as soon as
+/// the file, which the kernel gives only while nobody has it open for writing, and which reports as soon as
 /// somebody wants to. Where the file system or the file's owner gives none, the open files of the processes
 /// that can be seen are looked through instead.
 class WaitingFile {
@@ -22,8 +22,7 @@ class WaitingFile {
     /// Reads the file at `path`.
     explicit WaitingFile(const QString& path);
     ~WaitingFile();
-    WaitingFile(const WaitingFile&) = delete;
-    WaitingFile& operator=(const WaitingFile&) = delete;
+    Q_DISABLE_COPY_MOVE(WaitingFile)
 
     /// True when a file waits at `path` that can be read and written; nothing is opened, which would disturb
     /// who loads or writes it.

@@ -2,8 +2,6 @@
 
 #include <iconv.h>
 
-#include <algorithm>
-
 namespace platform::codepage {
 namespace {
 
@@ -15,8 +13,7 @@ class Converter {
     ~Converter() {
         if (isOpen()) iconv_close(handle_);
     }
-    Converter(const Converter&) = delete;
-    Converter& operator=(const Converter&) = delete;
+    Q_DISABLE_COPY_MOVE(Converter)
 
     /// Number of bytes written to `out`, or -1 when the input does not convert whole.
     qsizetype convert(const char* in, qsizetype inBytes, char* out, qsizetype outBytes) {

@@ -17,8 +17,7 @@ class FolderLock {
     /// Takes the lock if it is free.
     explicit FolderLock(const QString& folder);
     ~FolderLock();
-    FolderLock(const FolderLock&) = delete;
-    FolderLock& operator=(const FolderLock&) = delete;
+    Q_DISABLE_COPY_MOVE(FolderLock)
 
     State state() const { return state_; }
 

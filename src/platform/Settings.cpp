@@ -49,7 +49,7 @@ class Values {
         }
     }
 
-    /// Gives the value to `take`, which says whether it makes sense; `wanted` tells what would.
+    /// Gives the value to `take`, which returns whether it makes sense; `wanted` names what would.
     template <typename Take>
     void use(const QString& key, const QString& wanted, Take take) {
         const auto found = values_.find(key);

@@ -3,6 +3,8 @@
 #include <sys/socket.h>
 #include <sys/un.h>
 
+#include <QtGlobal>
+
 namespace platform {
 
 /// The address of a local socket in the device folder. It goes by way of an open folder, because a device
@@ -11,8 +13,7 @@ class SocketAddress {
   public:
     explicit SocketAddress(const char* name);
     ~SocketAddress();
-    SocketAddress(const SocketAddress&) = delete;
-    SocketAddress& operator=(const SocketAddress&) = delete;
+    Q_DISABLE_COPY_MOVE(SocketAddress)
 
     /// False where there is no device folder.
     bool isValid() const { return folder_ >= 0; }

@@ -114,8 +114,7 @@ class SqliteFile {
 
     SqliteFile(const QString& path, Mode mode);
     ~SqliteFile();
-    SqliteFile(const SqliteFile&) = delete;
-    SqliteFile& operator=(const SqliteFile&) = delete;
+    Q_DISABLE_COPY_MOVE(SqliteFile)
 
     bool isOpen() const { return isOpen_; }
     void setPatience(int milliseconds);
@@ -184,8 +183,7 @@ class SqliteTransaction {
   public:
     explicit SqliteTransaction(SqliteFile& file) : file_(file) { file_.run("BEGIN IMMEDIATE"); }
     ~SqliteTransaction();
-    SqliteTransaction(const SqliteTransaction&) = delete;
-    SqliteTransaction& operator=(const SqliteTransaction&) = delete;
+    Q_DISABLE_COPY_MOVE(SqliteTransaction)
 
     void commit();
 

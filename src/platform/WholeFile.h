@@ -20,8 +20,7 @@ class WholeFile {
     explicit WholeFile(const QString& path);
     /// Removes what has not taken its name.
     ~WholeFile();
-    WholeFile(const WholeFile&) = delete;
-    WholeFile& operator=(const WholeFile&) = delete;
+    Q_DISABLE_COPY_MOVE(WholeFile)
 
     /// Puts the content on the disk beside the file, once; others who write the file wait until this object
     /// goes. False, with the reason in errorText(), when that fails.

@@ -7,12 +7,8 @@
 #include "books/CollectionSlip.h"
 #include "books/TransactionRecord.h"
 #include "print/Document.h"
-#include "print/SlipBlocks.h"
 
 namespace print {
-
-/// The customer as a receipt names him, from GARAE; texts of X where he is not found.
-Party receiptCustomer(QStringView gCode);
 
 /// What a receipt shows of the exchange beside the slip's row.
 struct CardExchange {
@@ -32,7 +28,7 @@ Document cardReceipt(const books::CollectionSlip& slip, const std::optional<Card
 std::optional<Document> cardReceipt(QStringView date, QStringView junNo, QStringView userId,
                                     const std::optional<CardExchange>& exchange, bool reprint);
 
-/// The receipt of a transaction that the terminal has no sale of: what the host tells of it. A collection
+/// The receipt of a transaction that the terminal has no sale of: what the host says of it. A collection
 /// with the transaction's number says whose it was and when; without one the customer is not named, `date` is
 /// today's and `userId` who asks.
 Document hostReceipt(QStringView date, QStringView userId, const CardExchange& exchange);

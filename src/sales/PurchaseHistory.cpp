@@ -29,6 +29,11 @@ std::int64_t saturated(std::int64_t count, std::int64_t of, std::int64_t more) {
     return (count * platform::Won(of) + platform::Won(more)).value();
 }
 
+/// All of it in bottles; a box of unknown contents counts as one.
+std::int64_t inBottles(const Quantities& quantities, std::int64_t bottlesPerBox) {
+    return saturated(quantities.boxes, std::max<std::int64_t>(bottlesPerBox, 1), quantities.bottles);
+}
+
 }  // namespace
 
 /// A line of a slip, as both statements select it.
@@ -40,10 +45,6 @@ struct PurchaseHistory::Line {
         return {parseWon(texts[7]), parseWon(texts[8]), parseWon(texts[9]), parseWon(texts[10])};
     }
 };
-
-std::int64_t inBottles(const Quantities& quantities, std::int64_t bottlesPerBox) {
-    return saturated(quantities.boxes, std::max<std::int64_t>(bottlesPerBox, 1), quantities.bottles);
-}
 
 Quantities operator+(const Quantities& a, const Quantities& b) {
     return {saturated(1, a.boxes, b.boxes), saturated(1, a.bottles, b.bottles)};

@@ -83,7 +83,4 @@ class PurchaseHistory {
     QList<PastSlip> slips_;
 };
 
-/// All of it in bottles; a box of unknown contents counts as one.
-std::int64_t inBottles(const Quantities& quantities, std::int64_t bottlesPerBox);
-
 }  // namespace sales

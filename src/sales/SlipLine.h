@@ -11,11 +11,10 @@ namespace sales {
 /// `Gubun` of a line of goods sold.
 inline constexpr QStringView kSale = u"매출";
 
-/// Print states of a slip (`WorkGubun`).
+/// Print states of a slip (`WorkGubun`), besides that of a printed one.
 inline constexpr QStringView kInEditing = u"미처리";  ///< Added on the screen, not saved yet.
 inline constexpr QStringView kUnprinted = u"미발행";  ///< Saved.
-inline constexpr QStringView kPrinted = u"발행";
-inline constexpr QStringView kPaid = u"결제";  ///< Settled by an approved card exchange.
+inline constexpr QStringView kPaid = u"결제";         ///< Settled by an approved card exchange.
 
 /// One line of a sales slip: the columns that the working table and the saved slips share, as texts and in
 /// their order.
@@ -47,7 +46,7 @@ inline constexpr std::array kSlipLineColumns{
     &SlipLine::WorkGubun, &SlipLine::PCode,  &SlipLine::PName,  &SlipLine::JGubun, &SlipLine::Box,
     &SlipLine::Bon,       &SlipLine::MMoney, &SlipLine::BMoney, &SlipLine::YMoney, &SlipLine::GMoney};
 
-/// What tells the lines of a slip apart: the same product may stand on it twice with other quantities.
+/// The key of a slip's line: the same product may stand on it twice with other quantities.
 struct LineKey {
     QString PCode;
     QString Box;

@@ -1,6 +1,6 @@
 #include "sales/SlipStore.h"
 
-#include <array>
+#include <algorithm>
 
 #include "books/CollectionMoves.h"
 #include "books/CollectionSlip.h"
@@ -12,9 +12,7 @@
 #include "books/SaleAmounts.h"
 #include "books/UndeliveredOrders.h"
 #include "books/UnsavedSlip.h"
-#include "db/Query.h"
-#include "db/Statement.h"
-#include "db/Transaction.h"
+#include "db/Records.h"
 #include "platform/Clock.h"
 #include "sales/SlipLine.h"
 
@@ -24,46 +22,32 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-constexpr int kWorkingColumns = 15;
-constexpr int kCustomerColumn = 2;
-constexpr int kWorkGubunColumn = 5;
-
 /// True when the saved slip has a customer whom none of the lines names.
-bool isOthers(const platform::Rows& lines, QStringView userId, QStringView workDate, QStringView junNo) {
+bool isOthers(const QList<SlipLine>& lines, QStringView userId, QStringView workDate, QStringView junNo) {
     static constexpr db::Statement<
         u"SELECT DISTINCT GCode FROM MTM WHERE DDate = '%s' AND JunNo = '%s' AND UserID = '%s'">
         kCustomers;
     if (lines.isEmpty()) return false;
-    QStringList customers;
-    for (int row = 0; row < lines.count(); ++row) customers << lines.at(row, kCustomerColumn);
     bool isOthers = false;
     db::forEachRow(kCustomers(workDate, junNo, userId), [&](db::CVORecordset& row) {
         const QString customer = row.GetFieldString(0);
-        if (!customer.isEmpty() && !customers.contains(customer)) isOthers = true;
+        if (!customer.isEmpty() && std::ranges::find(lines, customer, &SlipLine::GCode) == lines.end())
+            isOthers = true;
     });
     return isOthers;
 }
 
 /// Saves the lines as part of `transaction`.
-bool insertLines(db::Transaction& transaction, const platform::Rows& lines, QStringView userId) {
+bool insertLines(db::Transaction& transaction, QList<SlipLine> lines, QStringView userId) {
     static constexpr db::Statement<
         u"INSERT INTO MTM (DDate,Gubun,GCode,GName,JunNo,WorkGubun,PCode,PName,JGubun, Box,Bon,"
         u"MMoney,BMoney,YMoney,GMoney,UserID,DTime) VALUES ('%s','%s','%s','%s','%s','%s','%s',"
         u"'%s','%s','%s','%s','%s','%s','%s','%s','%s','%s')">
         kInsert;
+    // A slip that is saved again has to be printed again.
+    for (SlipLine& line : lines) line.WorkGubun = kUnprinted.toString();
     const QString savedAt = platform::clock::now().toString(u"HH:mm"_s);
-    for (int row = 0; row < lines.count(); ++row) {
-        std::array<QStringView, decltype(kInsert)::kValues> values;
-        for (int column = 0; column < kWorkingColumns; ++column) values[column] = lines.at(row, column);
-        // A slip that is saved again has to be printed again.
-        values[kWorkGubunColumn] = kUnprinted;
-        values[kWorkingColumns] = userId;
-        values[kWorkingColumns + 1] = savedAt;
-        const db::Sql insert = kInsert(values);
-        // A line with a quote in it is skipped; any other failure is the database's.
-        if (!transaction.run(insert) && insert.isWellFormed()) return false;
-    }
-    return true;
+    return db::insertRecords(transaction, kInsert, kSlipLineColumns, lines, userId, savedAt);
 }
 
 }  // namespace
@@ -82,27 +66,27 @@ SaveOutcome saveSlip(QStringView userId, QStringView workDate, QStringView junNo
         kDeleteOwn;
     static constexpr db::Statement<u" SELECT * FROM TEMP "> kWorkingLines;
     db::Transaction transaction;
-    const platform::Rows lines = db::selectRows(kWorkingLines(), kWorkingColumns);
-    if (!lines.isComplete) return SaveOutcome::Failed;
-    if (isOthers(lines, userId, workDate, junNo)) return SaveOutcome::Taken;
+    const auto lines = db::selectRecords(kWorkingLines(), kSlipLineColumns);
+    if (!lines) return SaveOutcome::Failed;
+    if (isOthers(*lines, userId, workDate, junNo)) return SaveOutcome::Taken;
     const books::SaleChange change(workDate, junNo, userId);
     // A slip that is saved without lines is gone.
-    if (lines.isEmpty() &&
+    if (lines->isEmpty() &&
         !books::noteDeletion(transaction, books::Paper::Invoice, workDate, junNo, userId, userId)) {
         return SaveOutcome::Failed;
     }
-    if (!transaction.run(kDeleteOwn(workDate, junNo, userId)) || !insertLines(transaction, lines, userId))
+    if (!transaction.run(kDeleteOwn(workDate, junNo, userId)) || !insertLines(transaction, *lines, userId))
         return SaveOutcome::Failed;
     // What stayed of an earlier customer's slip leaves the number to the sale that has it now.
     if (!books::forgetPrints(transaction, books::Paper::Invoice, workDate, junNo, userId) ||
-        !books::freeNumber(transaction, workDate, junNo, userId, lines.cell(0, kCustomerColumn))) {
+        !books::freeNumber(transaction, workDate, junNo, userId, lines->value(0).GCode)) {
         return SaveOutcome::Failed;
     }
     const auto difference = change.moveCollections(transaction);
     books::noteSaved(transaction, books::Working::Sale);
     if (!difference || !transaction.commit()) return SaveOutcome::Failed;
     if (moved) *moved = *difference;
-    return lines.isEmpty() ? SaveOutcome::Empty : SaveOutcome::Saved;
+    return lines->isEmpty() ? SaveOutcome::Empty : SaveOutcome::Saved;
 }
 
 SlipList slipsOfDay(QStringView userId, QStringView workDate) {

@@ -26,17 +26,13 @@ db::Sql insertOf(const SlipLine& line) {
 template <typename Change>
 bool replaceLine(const LineKey& key, Change&& change) {
     db::Transaction transaction(db::Survives::ProcessEnd);
-    const auto row = db::firstRow(kLine(key.PCode, key.Box, key.Bon));
+    const auto lines = db::selectRecords(kLine(key.PCode, key.Box, key.Bon), kSlipLineColumns);
     // Of two lines alike the working table cannot change one: both would make way for it.
-    if (!row || row->size() != qsizetype(kSlipLineColumns.size()) || linesOf(key) != 1) return false;
-    SlipLine line;
-    for (std::size_t i = 0; i < kSlipLineColumns.size(); ++i)
-        line.*kSlipLineColumns[i] = row->at(qsizetype(i));
+    if (!lines || lines->size() != 1) return false;
+    SlipLine line = lines->first();
     change(&line);
-    if (!transaction.run(kDelete(key.PCode, key.Box, key.Bon)) || !transaction.run(insertOf(line)))
-        return false;
-    books::noteChanged(transaction, books::Working::Sale);
-    return transaction.commit();
+    return transaction.run(kDelete(key.PCode, key.Box, key.Bon)) && transaction.run(insertOf(line)) &&
+           books::commitChange(transaction, books::Working::Sale);
 }
 
 }  // namespace
@@ -145,8 +141,7 @@ bool replaceLines(const QList<SlipLine>& lines, QStringList* refused) {
             return false;
         }
     }
-    books::noteChanged(transaction, books::Working::Sale);
-    return transaction.commit();
+    return books::commitChange(transaction, books::Working::Sale);
 }
 
 bool replaceQuantities(const LineKey& key, std::int64_t boxes, std::int64_t bottles,

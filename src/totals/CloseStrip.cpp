@@ -167,7 +167,7 @@ std::int64_t countDeletions(const QList<books::Deletion>& deletions) {
     return acts.size();
 }
 
-// A cell's first character tells a text from a number.
+// A cell's first character marks a text or a number.
 QString cellText(const Cell& cell, bool isNumber) {
     return (isNumber ? u'n' : u't') + cell.text();
 }

@@ -1,7 +1,7 @@
 #include "totals/DailyReports.h"
 
 #include <QMap>
-#include <initializer_list>
+#include <functional>
 
 #include "books/UndeliveredOrders.h"
 #include "db/Query.h"
@@ -17,7 +17,7 @@ using platform::Won;
 /// Rows of a code, a name and numbers, one for each code, in order of the codes.
 class RowsByCode {
   public:
-    void add(const QString& code, const QString& name, std::initializer_list<Won> numbers) {
+    void add(const QString& code, const QString& name, const QList<Won>& numbers) {
         Row& row = rows_[code];
         if (row.isEmpty()) {
             row = {code, name};
@@ -39,6 +39,19 @@ class RowsByCode {
 
 Won won(db::CVORecordset& row, int column) {
     return parseWon(row.GetFieldString(column));
+}
+
+/// The report with a row for each code of the SELECT, whose first columns are code and name; nothing when it
+/// could not be read to the end.
+std::optional<Report> byCode(Report report, const db::Sql& select,
+                             const std::function<QList<Won>(db::CVORecordset&)>& numbersOf) {
+    RowsByCode rows;
+    const int count = db::forEachRow(select, [&](db::CVORecordset& row) {
+        rows.add(row.GetFieldString(0), row.GetFieldString(1), numbersOf(row));
+    });
+    if (count < 0) return std::nullopt;
+    report.sections = {{{}, rows.rows()}};
+    return report;
 }
 
 const Column kCode{.title = u"코드"_s};
@@ -103,15 +116,9 @@ std::optional<Report> containers(QStringView date, QStringView user) {
                       counts(u"공병"_s, 46, 11),
                       amounts(u"회수금액"_s, 16, kNewLine),
                       amounts(u"수수료"_s, 16)};
-    RowsByCode rows;
-    const int count = db::forEachRow(kContainers(date, user, user), [&](db::CVORecordset& row) {
-        rows.add(
-            row.GetFieldString(0), row.GetFieldString(1),
-            {won(row, 2), won(row, 3), won(row, 4), won(row, 5) + won(row, 6), won(row, 7) + won(row, 8)});
+    return byCode(report, kContainers(date, user, user), [](db::CVORecordset& row) -> QList<Won> {
+        return {won(row, 2), won(row, 3), won(row, 4), won(row, 5) + won(row, 6), won(row, 7) + won(row, 8)};
     });
-    if (count < 0) return std::nullopt;
-    report.sections = {{{}, rows.rows()}};
-    return report;
 }
 
 std::optional<Report> receivables(QStringView date, QStringView user) {
@@ -188,14 +195,9 @@ std::optional<Report> collections(QStringView date, QStringView user) {
                       amounts(u"전미수"_s, 16),
                       amounts(u"용공회수"_s, 16, kNewLine),
                       amounts(u"미결제"_s, 16)};
-    RowsByCode rows;
-    const int count = db::forEachRow(kCollections(date, user, user), [&](db::CVORecordset& row) {
-        rows.add(row.GetFieldString(0), row.GetFieldString(1),
-                 {won(row, 2), won(row, 3), won(row, 4), won(row, 5), won(row, 6)});
+    return byCode(report, kCollections(date, user, user), [](db::CVORecordset& row) -> QList<Won> {
+        return {won(row, 2), won(row, 3), won(row, 4), won(row, 5), won(row, 6)};
     });
-    if (count < 0) return std::nullopt;
-    report.sections = {{{}, rows.rows()}};
-    return report;
 }
 
 constexpr DailyReport kReports[] = {

@@ -158,7 +158,7 @@ Row differenceRow(const Difference& difference) {
     Row row(5, Cell(QString()));
     const auto& named = difference.slip ? difference.slip : difference.sent;
     row[0] = named ? named->GName
-                   // The host knows no customer: the time tells which visit it was.
+                   // The host knows no customer: the time shows which visit it was.
                    : QString(difference.payment->time).insert(4, u':').insert(2, u':') + u" 승인"_s;
     if (named) row[1] = named->UserID + u' ' + named->JunNo;
     if (difference.slip) row[2] = difference.slip->CardMoney;

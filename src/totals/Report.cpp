@@ -3,6 +3,7 @@
 #include <QStringBuilder>
 #include <algorithm>
 
+#include "platform/Csv.h"
 #include "print/Layout.h"
 
 namespace totals {
@@ -86,6 +87,19 @@ void addSums(PaperRow& paper, const Report& report, const Section& section, cons
     paper.add(texts);
 }
 
+QList<QStringList> table(const Report& report) {
+    const bool isDivided = hasTitles(report);
+    QList<QStringList> lines{titles(report)};
+    if (isDivided) lines.first().prepend(u"구분"_s);
+    for (const Section& section : report.sections) {
+        for (const Row& row : section.rows) {
+            lines << texts(row);
+            if (isDivided) lines.last().prepend(section.title);
+        }
+    }
+    return lines;
+}
+
 }  // namespace
 
 bool Report::isEmpty() const {
@@ -159,17 +173,20 @@ print::Document document(const Report& report, bool isReprint) {
     return document;
 }
 
-QList<QStringList> table(const Report& report) {
-    const bool isDivided = hasTitles(report);
-    QList<QStringList> lines{titles(report)};
-    if (isDivided) lines.first().prepend(u"구분"_s);
-    for (const Section& section : report.sections) {
-        for (const Row& row : section.rows) {
-            lines << texts(row);
-            if (isDivided) lines.last().prepend(section.title);
-        }
+QString paperText(const QList<Report>& reports) {
+    QStringList texts;
+    for (const Report& report : reports) texts << document(report).text();
+    return texts.join(u'\n');
+}
+
+QString csvText(const QList<Report>& reports) {
+    QStringList texts;
+    for (const Report& report : reports) {
+        QByteArray lines;
+        for (const QStringList& line : table(report)) lines += platform::csvLine(line);
+        texts << QString::fromUtf8(lines);
     }
-    return lines;
+    return QChar(QChar::ByteOrderMark) + texts.join(u'\n');
 }
 
 }  // namespace totals

@@ -2,7 +2,6 @@
 
 #include <QList>
 #include <QString>
-#include <QStringList>
 
 #include "platform/Rows.h"
 #include "platform/Won.h"
@@ -79,8 +78,12 @@ platform::Rows listRows(const Report& report);
 /// A reprint says so under its title.
 print::Document document(const Report& report, bool isReprint = false);
 
-/// All columns of all rows as plain texts, their titles first, without the sums. With sections of a title
-/// the first column says "구분" and the section.
-QList<QStringList> table(const Report& report);
+/// The printouts with an empty line between two.
+QString paperText(const QList<Report>& reports);
+
+/// The reports as comma-separated values, with the mark by which a spreadsheet opens them as Hangul and an
+/// empty line between two: all columns of all rows as plain texts, their titles first, without the sums. With
+/// sections of a title the first column says "구분" and the section.
+QString csvText(const QList<Report>& reports);
 
 }  // namespace totals

@@ -41,7 +41,6 @@ inline constexpr ButtonBitmaps kSearch{510, 511, CaptionColour::Light};
 inline constexpr ButtonBitmaps kListAll{275, 274, CaptionColour::Light};
 inline constexpr ButtonBitmaps kPay{512, 513, CaptionColour::Light};
 inline constexpr ButtonBitmaps kDocument{514, 515};
-inline constexpr ButtonBitmaps kSaveSlip{526, 527, CaptionColour::Light};
 inline constexpr ButtonBitmaps kSearchCode{528, 529, CaptionColour::Light};
 inline constexpr ButtonBitmaps kWideAmount{530, 531};
 inline constexpr ButtonBitmaps kSettle{532, 533, CaptionColour::Light};

@@ -38,7 +38,7 @@ class DisplayScale {
     QSize window_;
     double most_ = 0;
     double scale_ = 0;
-    QSize display_;  ///< As Qt tells it at the scale.
+    QSize display_;  ///< As Qt reports it at the scale.
     bool isMeasured_ = false;
     bool isAsked_ = false;
 };

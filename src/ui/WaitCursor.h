@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QtGlobal>
+
 namespace ui {
 
 /// Shows the wait cursor as long as it lives. Work that takes longer also gets a mark that moves in the
@@ -8,8 +10,7 @@ class WaitCursor {
   public:
     WaitCursor();
     ~WaitCursor();
-    WaitCursor(const WaitCursor&) = delete;
-    WaitCursor& operator=(const WaitCursor&) = delete;
+    Q_DISABLE_COPY_MOVE(WaitCursor)
 
     /// Reports between the steps of work that it goes on. Nothing happens when nobody waits.
     static void alive();

@@ -10,8 +10,8 @@
 #include <QDir>
 #include <QFile>
 #include <cerrno>
-#include <functional>
 
+#include "db/ImportLines.h"
 #include "db/MasterLoads.h"
 #include "platform/Clock.h"
 #include "platform/CodePage.h"
@@ -97,29 +97,28 @@ TEST_F(MasterImportTest, LinesBecomeRowsWhateverTheirEnd) {
     }
 }
 
+/// Lines that just fit the buffer, or do not, at every place of it.
+TEST_F(MasterImportTest, LinesAreCountedAsTheyComeThroughTheBuffer) {
+    for (qsizetype before = 0; before < 1100; before += 7) {
+        for (const qsizetype length : {1, 511, 512, 1022, 1023, 2500}) {
+            const QByteArray content = QByteArray(before, 'x') + "\n" + QByteArray(length, 'x') + "\n" +
+                                       QByteArray("x\n").repeated(600) + "x";
+            ImportLines lines(content);
+            int walked = 0;
+            for (; !lines.atEnd(); ++walked) lines.next();
+            ASSERT_EQ(ImportLines::count(content), walked) << before << " " << length;
+        }
+    }
+}
+
 TEST_F(MasterImportTest, FillsEveryColumnOfEveryTable) {
-    struct Case {
-        QStringView file;
-        QString first;
-        QString select;
-    };
-    const Case cases[] = {
-        {u"MTM.RVN", u"2004-03-02"_s,
-         u"SELECT "
-         u"DDate,Gubun,GCode,GName,JunNo,WorkGubun,PCode,PName,JGubun,Box,Bon,MMoney,BMoney,YMoney,GMoney,"
-         "UserID FROM MTM"_s},
-        {u"GARAE.RVN", u"0012"_s, u"SELECT * FROM GARAE"_s},
-        {u"PUMMOK.RVN", u"0012"_s, u"SELECT * FROM PUMMOK"_s},
-        {u"GARAEDANGA.RVN", u"0012"_s, u"SELECT * FROM GARAEDANGA"_s},
-        {u"GARAEMAJIN.RVN", u"0012"_s, u"SELECT * FROM GARAEMAJIN"_s},
-        {u"BARCODE.RVN", u"0012"_s, u"SELECT * FROM BARCODE"_s},
-    };
-    for (const Case& c : cases) {
-        QStringList fields{c.first};
-        while (fields.size() < file(c.file).fields) fields << u"%1참"_s.arg(fields.size());
-        write(c.file, *platform::codepage::encode(fields.join(u'|') + u"|\r\n"_s));
-        EXPECT_EQ(load(c.file).outcome, Loaded);
-        EXPECT_EQ(device.rows(c.select), QList<QStringList>{fields}) << c.file.toUtf8().constData();
+    for (const ImportFile& each : importFiles()) {
+        QStringList fields{each.fileName == u"MTM.RVN" ? u"2004-03-02"_s : u"0012"_s};
+        while (fields.size() < each.fields) fields << u"%1참"_s.arg(fields.size());
+        write(each.fileName, *platform::codepage::encode(fields.join(u'|') + u"|\r\n"_s));
+        EXPECT_EQ(load(each.fileName).outcome, Loaded);
+        const auto rows = device.rows(u"SELECT * FROM "_s + each.fileName.chopped(4).toString());
+        EXPECT_EQ(rows.value(0).first(fields.size()), fields) << each.fileName.toUtf8().constData();
     }
     EXPECT_EQ(device.value(u"SELECT count(*) FROM MTM WHERE DTime IS NULL"_s), u"1"_s);
 }
@@ -216,34 +215,25 @@ TEST_F(MasterImportTest, OnlyWhatWasReadIsDeleted) {
     const QString path = onDisk(u"MTM.RVN");
     const QByteArray first = "2004-03-02|a|\n";
     const QByteArray second = "2004-03-02|b|\n2004-03-02|c|\n";
-    struct Case {
-        const char* what;
-        std::function<void()> meanwhile;
-    };
-    const Case cases[] = {
-        {"another file of the name",
-         [&] {
-             device.writeFile(u"\\My Documents\\next"_s, second);
-             ASSERT_EQ(::rename(QFile::encodeName(device.folder() + u"/My Documents/next"_s).constData(),
-                                QFile::encodeName(path).constData()),
-                       0);
-         }},
-        // Who opens it for writing waits for the load to end; this one does not want to wait.
-        {"somebody begins to write",
-         [&] {
-             EXPECT_EQ(::open(QFile::encodeName(path).constData(), O_WRONLY | O_NONBLOCK), -1);
-             EXPECT_EQ(errno, EWOULDBLOCK);
-         }},
-    };
-    for (const Case& c : cases) {
+    for (const bool isReplaced : {true, false}) {
         write(u"MTM.RVN", first);
-        const ImportResult result =
-            importFile(file(u"MTM.RVN"), kDocuments, [&](int, int) { c.meanwhile(); });
-        EXPECT_EQ(result.outcome, BeingWritten) << c.what;
-        EXPECT_EQ(device.value(u"SELECT count(*) FROM MTM"_s), u"0"_s) << c.what;
+        const auto meanwhile = [&](int, int) {
+            if (isReplaced) {
+                device.writeFile(u"\\My Documents\\next"_s, second);
+                ASSERT_EQ(::rename(QFile::encodeName(device.folder() + u"/My Documents/next"_s).constData(),
+                                   QFile::encodeName(path).constData()),
+                          0);
+            } else {
+                // Who opens it for writing waits for the load to end; this one does not want to wait.
+                EXPECT_EQ(::open(QFile::encodeName(path).constData(), O_WRONLY | O_NONBLOCK), -1);
+                EXPECT_EQ(errno, EWOULDBLOCK);
+            }
+        };
+        EXPECT_EQ(importFile(file(u"MTM.RVN"), kDocuments, meanwhile).outcome, BeingWritten) << isReplaced;
+        EXPECT_EQ(device.value(u"SELECT count(*) FROM MTM"_s), u"0"_s) << isReplaced;
         const QByteArray left = contentOf(path);
-        EXPECT_EQ(left, &c == cases ? second : first) << c.what;
-        EXPECT_EQ(load(u"MTM.RVN").loaded, left.count('\n')) << c.what;
+        EXPECT_EQ(left, isReplaced ? second : first);
+        EXPECT_EQ(load(u"MTM.RVN").loaded, left.count('\n'));
         device.execute(u"DELETE FROM MTM"_s);
     }
 }
@@ -349,23 +339,21 @@ TEST_F(MasterImportTest, OldDataIsNamedUntilNewComes) {
 // The ledger knows the file by then, so its orders are not added a second time.
 TEST_F(MasterImportTest, AFileThatCannotBeDeletedIsLoadedOnce) {
     write(u"MTM.RVN", "2004-03-02|a|\n", kCard);
-    const auto path = [](QStringView handheld) {
-        return QFile::encodeName(platform::device::path(handheld));
+    const auto allow = [](QStringView handheld, mode_t mode) {
+        return ::chmod(QFile::encodeName(platform::device::path(handheld)).constData(), mode) == 0;
     };
-    const QByteArray card = path(platform::device::kStorageCardFolder);
     // Permissions bind the superuser only without his privileges, so the loading runs as nobody then.
     const uid_t user = ::geteuid();
-    ASSERT_EQ(::chmod(QFile::encodeName(device.folder()).constData(), 0755), 0);
-    ASSERT_EQ(::chmod(path(platform::device::kDocumentsFolder).constData(), 0777), 0);
-    ASSERT_EQ(::chmod(path(platform::device::kDatabaseFile).constData(), 0666), 0);
-    ASSERT_EQ(::chmod(path(u"\\저장소카드\\MTM.RVN").constData(), 0666), 0);
-    ASSERT_EQ(::chmod(card.constData(), 0555), 0);
+    ASSERT_TRUE(allow(u"\\", 0755) && allow(platform::device::kDocumentsFolder, 0777) &&
+                allow(platform::device::kDatabaseFile, 0666) &&
+                allow(importPath(file(u"MTM.RVN"), kCard), 0666) &&
+                allow(platform::device::kStorageCardFolder, 0555));
     ASSERT_EQ(user == 0 ? ::seteuid(65534) : 0, 0);
 
     const ImportResult first = load(u"MTM.RVN", kCard);
     const ImportResult second = load(u"MTM.RVN", kCard);
     ASSERT_EQ(::seteuid(user), 0);
-    ASSERT_EQ(::chmod(card.constData(), 0755), 0);
+    ASSERT_TRUE(allow(platform::device::kStorageCardFolder, 0755));
     EXPECT_EQ(first.outcome, Loaded);
     EXPECT_FALSE(first.isDeleted);
     EXPECT_EQ(second.outcome, AlreadyLoaded);

@@ -1,7 +1,6 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
-#include <pty.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -16,6 +15,7 @@
 #include "platform/termdev/PrintQueue.h"
 #include "platform/termdev/TermDev.h"
 #include "support/PrintQt.h"
+#include "support/Pty.h"
 #include "support/Pump.h"
 #include "support/RecordedTraces.h"
 #include "support/TestDevice.h"
@@ -31,14 +31,9 @@ const QByteArray kStart("\x1B@\x1C&", 4);
 constexpr PrintQueue::Times kQuick{
     .retry = 20, .longest = 80, .look = 20, .stall = 100, .parting = 150, .leaving = 100};
 
-int call(int ordinal) {
-    return std::get<int (*)()>(operation(ordinal))();
-}
-int call(int ordinal, int argument) {
-    return std::get<int (*)(int)>(operation(ordinal))(argument);
-}
-int print(const char16_t* text) {
-    return std::get<int (*)(const char16_t*)>(operation(11))(text);
+template <typename... Arguments>
+int call(int ordinal, Arguments... arguments) {
+    return std::get<int (*)(Arguments...)>(operation(ordinal))(arguments...);
 }
 
 /// All that the descriptor has for now.
@@ -105,12 +100,10 @@ TEST_F(Printers, AJobIsTheseBytes) {
     call(1);
     call(26);
     call(10, 4);
-    print(u" 영수\n");
+    call(11, u" 영수\n");
     call(10, 0);
-    print(
-        u"가똠 \x20A9"
-        u"1\n");
-    print(u"\n");
+    call(11, u"가똠 ₩1\n");
+    call(11, u"\n");
     call(16, 2);
     call(2);
     call(1);  // Opened for the card reader only.
@@ -190,14 +183,10 @@ TEST_F(Printers, JobsWaitForAPrinterInOrder) {
 
 TEST_F(Printers, ASerialLineIsSetUpAndCarriesEveryByte) {
     test::needApplication();
-    int master = -1;
-    int slave = -1;
-    char name[64];
-    ASSERT_EQ(::openpty(&master, &slave, name, nullptr, nullptr), 0);
-    ::fcntl(master, F_SETFL, O_NONBLOCK);
+    const test::Pty pty;
     PrinterSettings settings;
     settings.kind = PrinterSettings::Kind::Serial;
-    settings.device = QString::fromLatin1(name);
+    settings.device = pty.name();
     settings.line.speed = 19200;  // A new line has 38400.
     settings.line.flow = platform::SerialMode::Flow::Software;
     auto queue = std::make_unique<PrintQueue>(settings, kQuick);
@@ -205,9 +194,9 @@ TEST_F(Printers, ASerialLineIsSetUpAndCarriesEveryByte) {
     for (int i = 0; i < 256; ++i) job += char(i);
     EXPECT_TRUE(queue->add(job));
     EXPECT_TRUE(test::pump([&] { return queue->status().state == State::Ready; }));
-    EXPECT_EQ(readAvailable(master), job) << "no byte is changed on the way";
+    EXPECT_EQ(readAvailable(pty.far()), job) << "no byte is changed on the way";
     termios mode{};
-    ::tcgetattr(slave, &mode);
+    ::tcgetattr(pty.near(), &mode);
     EXPECT_FALSE(mode.c_cflag & (HUPCL | CRTSCTS | PARENB)) << "it is not hung up at the end of a job";
     EXPECT_EQ(::cfgetospeed(&mode), speed_t(B19200)) << "an adapter may still hold the last bytes";
     queue.reset();
@@ -215,13 +204,11 @@ TEST_F(Printers, ASerialLineIsSetUpAndCarriesEveryByte) {
         settings.line.parity = parity;
         PrintQueue stuck(settings, kQuick);
         EXPECT_TRUE(stuck.add(QByteArray(100'000, 'x')));
-        ::tcgetattr(slave, &mode);
+        ::tcgetattr(pty.near(), &mode);
         return mode.c_iflag & (ICRNL | IXON | IXOFF | IXANY | IGNPAR | INPCK | PARMRK);
     };
     EXPECT_EQ(modeWhileSending(platform::SerialMode::Parity::None), tcflag_t(IXON));
     EXPECT_EQ(modeWhileSending(platform::SerialMode::Parity::Even), tcflag_t(IXON | INPCK | PARMRK));
-    ::close(slave);
-    ::close(master);
 }
 
 /// A network printer with little memory, on any free port.

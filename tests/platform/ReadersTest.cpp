@@ -1,6 +1,5 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <pty.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -10,7 +9,9 @@
 #include "platform/termdev/CardReaderLine.h"
 #include "platform/termdev/Keystrokes.h"
 #include "platform/termdev/Swipe.h"
+#include "platform/termdev/TermDev.h"
 #include "support/MemorySearch.h"
+#include "support/Pty.h"
 #include "support/Pump.h"
 #include "support/RecordedTraces.h"
 #include "support/TestDevice.h"
@@ -119,55 +120,70 @@ class Readers : public testing::Test {
     int swipes_ = 0;
 };
 
+/// By ordinal, as the screens reach it.
+template <typename... Arguments>
+int call(int ordinal, Arguments... arguments) {
+    return std::get<int (*)(Arguments...)>(operation(ordinal))(arguments...);
+}
+
+TEST_F(Readers, TheDeviceReadsOnlyWhileOpenAndEnabled) {
+    CardReader& reader = CardReader::instance();
+    call(2);
+    call(7, 1);
+    EXPECT_FALSE(reader.swipe("2", "3"));
+    call(1);
+    EXPECT_FALSE(reader.swipe("2", "3"));
+    call(7, 1);
+    EXPECT_TRUE(reader.swipe("22", "333"));
+    EXPECT_EQ(swipes_, 1);
+    // A print job inside opens and closes the device without closing the reader.
+    call(1);
+    call(2);
+    EXPECT_EQ(track(1) + track(2) + track(3), "22333");
+    reader.swipe("", QByteArray(600, '7'));
+    EXPECT_EQ(track(3), QByteArray(511, '7')) << "cut to its buffer";
+    call(7, 0);
+    EXPECT_EQ(track(3), "");
+}
+
 TEST_F(Readers, ASerialReader) {
-    int master = -1;
-    int slave = -1;
-    char name[64];
-    ASSERT_EQ(::openpty(&master, &slave, name, nullptr, nullptr), 0);
-    const auto send = [&](const QByteArray& text) {
-        EXPECT_EQ(::write(master, text, size_t(text.size())), text.size());
-    };
+    test::Pty pty;
     ReaderSettings settings;
     settings.kind = ReaderSettings::Kind::Serial;
-    settings.device = QString::fromLatin1(name);
+    settings.device = pty.name();
     test::RecordedTraces traces;
     const CardReaderLine line(settings, 20);
     EXPECT_EQ(CardReaderLine(settings, 20).status().fault, u"Device or resource busy"_s)
         << "one has the line";
     traces.take();
-    send("\x02" + kTrack2 + kTrack3 + "\r\x03");
+    pty.send("\x02" + kTrack2 + kTrack3 + "\r\x03");
     expectSwipe(1);
-    send(kTrack2 + kTrack3);  // Nothing ends it but the silence.
+    pty.send(kTrack2 + kTrack3);  // Nothing ends it but the silence.
     expectSwipe(2);
     // Half a card, silence, the other half: neither is passed on.
-    send(kTrack2 + kTrack3.first(50));
-    expectDrop(&traces);
-    send(kTrack3.mid(50) + '\r');
-    expectDrop(&traces);
-    send(QByteArray(2000, '1'));
-    expectDrop(&traces);
-    send(kTrack2 + kTrack3 + '\r');
+    for (const QByteArray& text :
+         {kTrack2 + kTrack3.first(50), kTrack3.mid(50) + '\r', QByteArray(2000, '1')}) {
+        pty.send(text);
+        expectDrop(&traces);
+    }
+    pty.send(kTrack2 + kTrack3 + '\r');
     expectSwipe(3);
     CardReader::instance().enable(false);
-    send(kTrack2 + kTrack3 + '\r');
+    pty.send(kTrack2 + kTrack3 + '\r');
     expectDrop(&traces);
-    ::close(slave);
-    ::close(master);
+    pty.hangUp();
     EXPECT_TRUE(test::pump([&] { return line.status().state == DeviceStatus::State::Fault; }));
 }
 
 TEST_F(Readers, ASerialReaderLeavesNothingInMemory) {
     if (!test::kCanSearchMemory) GTEST_SKIP();
-    int master = -1;
-    int slave = -1;
-    char name[64];
-    ASSERT_EQ(::openpty(&master, &slave, name, nullptr, nullptr), 0);
+    test::Pty pty;
     ReaderSettings settings;
     settings.kind = ReaderSettings::Kind::Serial;
-    settings.device = QString::fromLatin1(name);
+    settings.device = pty.name();
     settings.tracks = ReaderSettings::Tracks::Only3;
     const CardReaderLine line(settings);
-    const auto send = [&](char character) { EXPECT_EQ(::write(master, &character, 1), 1); };
+    const auto send = [&](char character) { EXPECT_EQ(::write(pty.far(), &character, 1), 1); };
     send('+');
     for (std::size_t at = 0; at < test::kTrack.size; ++at) send(char(test::kTrack.character(at)));
     send('?');
@@ -178,21 +194,19 @@ TEST_F(Readers, ASerialReaderLeavesNothingInMemory) {
     // What hands a swipe on goes with the event.
     QCoreApplication::processEvents();
     EXPECT_EQ(test::kTrackPiece.places(), std::vector<std::string>());
-    ::close(slave);
-    ::close(master);
 }
 
 /// The events of keys that type the text, a millisecond apart from `moment` on.
 QByteArray typed(const QByteArray& text, qint64 moment) {
-    const QByteArray plain = "1234567890\r=;";
-    const unsigned short codes[] = {KEY_1, KEY_2, KEY_3, KEY_4,     KEY_5,     KEY_6,        KEY_7,
-                                    KEY_8, KEY_9, KEY_0, KEY_ENTER, KEY_EQUAL, KEY_SEMICOLON};
+    const QByteArray plain = "1234567890\r=;?+";
+    const int codes[] = {KEY_1, KEY_2, KEY_3,     KEY_4,     KEY_5,         KEY_6,     KEY_7,    KEY_8,
+                         KEY_9, KEY_0, KEY_ENTER, KEY_EQUAL, KEY_SEMICOLON, KEY_SLASH, KEY_EQUAL};
     QByteArray bytes;
-    const auto add = [&](unsigned short type, int code, int value) {
+    const auto add = [&](int type, int code, int value) {
         input_event event{};
         event.input_event_sec = moment / 1000;
         event.input_event_usec = moment % 1000 * 1000;
-        event.type = type;
+        event.type = static_cast<unsigned short>(type);
         event.code = static_cast<unsigned short>(code);
         event.value = value;
         bytes.append(reinterpret_cast<const char*>(&event), sizeof event);
@@ -200,10 +214,8 @@ QByteArray typed(const QByteArray& text, qint64 moment) {
     for (const char c : text) {
         ++moment;
         const bool isShifted = c == '?' || c == '+';
-        const int code = c == '?' ? KEY_SLASH : c == '+' ? KEY_EQUAL : codes[plain.indexOf(c)];
         if (isShifted) add(EV_KEY, KEY_LEFTSHIFT, 1);
-        add(EV_KEY, code, 1);
-        add(EV_KEY, code, 0);
+        for (const int isDown : {1, 0}) add(EV_KEY, codes[plain.indexOf(c)], isDown);
         if (isShifted) add(EV_KEY, KEY_LEFTSHIFT, 0);
         add(EV_SYN, SYN_REPORT, 0);
     }

@@ -20,19 +20,15 @@ TEST(Settings, GoodValuesAreTakenAndBadOnesTold) {
         "track3 = ;+\ntracks = 3\n[screen]\nscale = 1.5\n[sound]\non = no\n[log]\nkilobytes = 64\n");
     Settings settings = readSettings();
     EXPECT_EQ(settings.complaints.join(u'\n').toStdString(), "");
-    EXPECT_EQ(settings.printer.kind, PrinterSettings::Kind::Serial);
-    EXPECT_EQ(settings.printer.device, u"/dev/ttyS7"_s);
-    EXPECT_EQ(settings.printer.line.speed, 19200);
-    EXPECT_EQ(settings.printer.cut, PrinterSettings::Cut::Partial);
-    EXPECT_TRUE(settings.printer.isKsx1001Only);
-    EXPECT_EQ(settings.reader.kind, ReaderSettings::Kind::Evdev);
-    EXPECT_EQ(settings.reader.device, u"/dev/input/by-id/a b"_s);
-    EXPECT_EQ(settings.reader.track2Starts, u";"_s) << "a semicolon is a value here";
-    EXPECT_EQ(settings.reader.track3Starts, u";+"_s);
-    EXPECT_EQ(settings.reader.tracks, ReaderSettings::Tracks::Only3);
-    EXPECT_EQ(settings.scale, 1.5);
-    EXPECT_EQ(settings.logKilobytes, 64);
-    EXPECT_FALSE(settings.hasSound);
+    const PrinterSettings& printer = settings.printer;
+    EXPECT_TRUE(printer.kind == PrinterSettings::Kind::Serial && printer.device == u"/dev/ttyS7" &&
+                printer.line.speed == 19200 && printer.cut == PrinterSettings::Cut::Partial &&
+                printer.isKsx1001Only);
+    const ReaderSettings& reader = settings.reader;
+    EXPECT_TRUE(reader.kind == ReaderSettings::Kind::Evdev && reader.device == u"/dev/input/by-id/a b" &&
+                reader.track3Starts == u";+" && reader.tracks == ReaderSettings::Tracks::Only3);
+    EXPECT_EQ(reader.track2Starts, u";"_s) << "a semicolon is a value here";
+    EXPECT_TRUE(settings.scale == 1.5 && settings.logKilobytes == 64 && !settings.hasSound);
 
     device.writeFile(u"\\rovana.conf", "[printer]\ntype = tcp\naddress = [fd00::2]:9101\n");
     settings = readSettings();
@@ -51,11 +47,10 @@ TEST(Settings, GoodValuesAreTakenAndBadOnesTold) {
         device.writeFile(u"\\rovana.conf", text + '\n');
         settings = readSettings();
         EXPECT_EQ(settings.complaints.size(), 1) << text.toStdString();
-        EXPECT_EQ(settings.printer.kind, PrinterSettings::Kind::Roll) << text.toStdString();
-        EXPECT_EQ(settings.reader.kind, ReaderSettings::Kind::None) << text.toStdString();
-        EXPECT_EQ(settings.printer.line.speed, 9600);
-        EXPECT_EQ(settings.printer.port, 9100);
-        EXPECT_EQ(settings.scale, 0);
+        EXPECT_TRUE(settings.printer.kind == PrinterSettings::Kind::Roll &&
+                    settings.printer.line.speed == 9600 && settings.printer.port == 9100 &&
+                    settings.reader.kind == ReaderSettings::Kind::None && settings.scale == 0)
+            << text.toStdString();
     }
 }
 

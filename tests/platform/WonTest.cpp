@@ -8,30 +8,25 @@ namespace platform {
 namespace {
 
 TEST(WonTest, ReadsLikeTheDecimalConversion) {
-    struct Case {
-        const char16_t* text;
-        std::int64_t number;
-    };
-    constexpr Case kCases[] = {
-        {u"", 0},
-        {u"-", 0},
-        {u"12500", 12500},
-        {u"  \t42", 42},
-        {u"+7", 7},
-        {u"-300", -300},
-        {u"--3", 0},
-        {u"- 3", 0},
-        {u"12,500", 12},
-        {u"3병", 3},
-        {u"９", 0},  // a full-width digit is no digit
-        {u"9223372036854775808", INT64_MAX},
-        {u"-9223372036854775809", INT64_MIN},
-        {u"99999999999999999999999999", INT64_MAX},
-        {u"-99999999999999999999999999", INT64_MIN},
-    };
-    for (const Case& c : kCases) {
-        EXPECT_EQ(parseInteger(c.text), c.number) << QString::fromUtf16(c.text).toStdString();
-        EXPECT_EQ(parseWon(c.text), Won(c.number));
+    // A full-width digit is no digit.
+    const std::pair<QStringView, std::int64_t> cases[] = {{u"", 0},
+                                                          {u"-", 0},
+                                                          {u"12500", 12500},
+                                                          {u"  \t42", 42},
+                                                          {u"+7", 7},
+                                                          {u"-300", -300},
+                                                          {u"--3", 0},
+                                                          {u"- 3", 0},
+                                                          {u"12,500", 12},
+                                                          {u"3병", 3},
+                                                          {u"９", 0},
+                                                          {u"9223372036854775808", INT64_MAX},
+                                                          {u"-9223372036854775809", INT64_MIN},
+                                                          {u"99999999999999999999999999", INT64_MAX},
+                                                          {u"-99999999999999999999999999", INT64_MIN}};
+    for (const auto& [text, number] : cases) {
+        EXPECT_EQ(parseInteger(text), number) << text.toString().toStdString();
+        EXPECT_EQ(parseWon(text), Won(number));
     }
 }
 
@@ -41,14 +36,11 @@ TEST(WonTest, WritesAndGroups) {
         const char16_t* plain;
         const char16_t* grouped;
     };
-    constexpr Case kCases[] = {
-        {1234567, u"1234567", u"1,234,567"},
-        {-100, u"-100", u"-,100"},
-        {-1000, u"-1000", u"-1,000"},
-        {-100000, u"-100000", u"-,100,000"},
-        {INT64_MIN, u"-9223372036854775808", u"-9,223,372,036,854,775,808"},
-    };
-    for (const Case& c : kCases) {
+    for (const Case& c : {Case{1234567, u"1234567", u"1,234,567"},
+                          {-100, u"-100", u"-,100"},
+                          {-1000, u"-1000", u"-1,000"},
+                          {-100000, u"-100000", u"-,100,000"},
+                          {INT64_MIN, u"-9223372036854775808", u"-9,223,372,036,854,775,808"}}) {
         EXPECT_EQ(formatWon(Won(c.won)), c.plain);
         EXPECT_EQ(groupThousands(Won(c.won)), c.grouped);
     }

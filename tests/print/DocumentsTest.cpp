@@ -53,17 +53,17 @@ class Documents : public testing::Test {
     }
 
     static print::CardExchange exchange(const QString& transaction) {
-        return {.reply = {.responseCode = u"0000"_s,
-                          .responseText = u"승인"_s,
-                          .transactionNumber = transaction,
-                          .identification = u"ID-77"_s,
-                          .balanceSign = u"0"_s,
-                          .transactionAmount = u"80000"_s,
-                          .feeAmount = u"0000000500"_s,
-                          .depositedAmount = u"79500"_s,
-                          .remainingAmount = u"1234567"_s,
-                          .accountBalance = {},
-                          .withdrawalLimit = {}},
+        return {.reply = {u"0000"_s,
+                          u"승인"_s,
+                          transaction,
+                          u"ID-77"_s,
+                          u"0"_s,
+                          u"80000"_s,
+                          u"0000000500"_s,
+                          u"79500"_s,
+                          u"1234567"_s,
+                          {},
+                          {}},
                 .maskedCardNumber = platform::maskedCardNumber(u"9410123456789012=2912101")};
     }
 
@@ -148,21 +148,15 @@ TEST_F(Documents, ThePreviousReceivableIsTheCustomersWithoutTheSlipsOwnCollectio
 }
 
 TEST(CardNumber, ShowsItsEndsOnly) {
-    const struct {
-        const char16_t* track;
-        const char16_t* shown;
-    } kCases[] = {
+    const std::pair<QStringView, QStringView> cases[] = {
         {u"9410123456789012=29121010000", u"941012******9012"},
         {u";9410123456789012=2912?", u"941012******9012"},
         {u"1234567890123", u"123456***0123"},
         {u"123456789012=1", u"************"},
         {u"12=3456789012345678", u"**"},
         {u"=", u""},
-        {u"", u""},
-    };
-    for (const auto& c : kCases) {
-        EXPECT_EQ(platform::maskedCardNumber(QStringView(c.track)), QString::fromUtf16(c.shown));
-    }
+        {u"", u""}};
+    for (const auto& [track, shown] : cases) EXPECT_EQ(platform::maskedCardNumber(track), shown);
 }
 
 }  // namespace

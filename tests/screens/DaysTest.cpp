@@ -62,16 +62,6 @@ constexpr const char* kPresses[] = {
     nullptr};
 static_assert(std::size(kPresses) == std::size_t(Tap::Count));
 
-/// The buttons that leave a screen.
-constexpr pilot::Address kWaysBack[] = {{132, 1003}, {150, 1003}, {391, 1003}, {134, 1001},
-                                        {394, 1001}, {450, 1000}, {449, 1000}, {104, 1000},
-                                        {142, 1003}, {458, 1003}, {460, 1003}};
-
-QString wayBack(int dialog) {
-    const auto* const way = std::ranges::find(kWaysBack, dialog, &pilot::Address::dialog);
-    return u"press "_s + pilot::toString(*way);
-}
-
 QString keys(const QStringList& fields) {
     QStringList keyed;
     for (const QString& field : fields)
@@ -212,16 +202,15 @@ class ScreenDays : public testing::Test {
     /// Looks again later.
     static QList<pilot::Step> wait() { return steps(u"tear"_s); }
 
-    /// What the finger does now: it answers what is asked and leaves what only tells, goes on with the step,
-    /// or begins another.
+    /// What the finger does now: it answers what is asked and leaves what only informs, goes on with the
+    /// step, or begins another.
     QList<pilot::Step> next() {
         const ui::Screen* front = terminal_.top();
         if (front != nullptr && isToDie()) die();
         if (isDying_) terminal_.closeAll();
         if (isDying_ || front == nullptr || front->id() == 459 || isPaying()) return wait();
         if (const ui::MessageBox* message = pilot::openMessage()) return steps(answer(*message));
-        if (front->id() == 142 || front->id() == 458 || front->id() == 460)
-            return steps(wayBack(front->id()));
+        if (front->id() == 142 || front->id() == 458 || front->id() == 460) return steps(u"key Esc"_s);
         if (!lines_.isEmpty()) return step(lines_.takeFirst());
         compare();
         if (isOver_ || left_-- == 0) {
@@ -365,7 +354,7 @@ class ScreenDays : public testing::Test {
                 if (hand.paid == Fate::NoLink) lines << u"!unplug"_s;
                 break;
             case KeySimple: lines << u"press 104.%1"_s.arg(1125 + action.pick % 5); break;
-            case Back: return {wayBack(dialog)};
+            case Back: return {u"key Esc"_s};
             default: break;
         }
         if (!hand.keyed.isEmpty()) lines << keys(hand.keyed);

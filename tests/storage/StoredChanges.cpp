@@ -25,12 +25,12 @@ const QString kNumber = u"5001"_s;
 const QString kUser = u"A"_s;
 const QString kPayment = u"0123456789abcdef0123456789abcdef"_s;
 
-books::CollectionSlip collection(int cash) {
+books::CollectionSlip collection(int cash, const QString& number = kNumber) {
     books::CollectionSlip slip;
     slip.DDate = kDate;
     slip.GCode = u"0016"_s;
     slip.GName = u"강나루마트"_s;
-    slip.JunNo = kNumber;
+    slip.JunNo = number;
     slip.UserID = kUser;
     slip.MMoney = slip.PMoney = slip.InMoney = platform::Won(130500);
     slip.WonMoney = platform::Won(cash);
@@ -54,12 +54,12 @@ const Change kChanges[] = {
     {"delete a container slip", [] { return container::deleteSlip(kDate, kNumber, kUser).has_value(); }},
     {"save a collection", [] { return books::saveCollection(collection(100000)); }},
     {"delete a collection", [] { return books::removeCollection(kDate, kNumber, kUser); }},
+    {"take a card's collection back", [] { return books::takeBackCollection(kDate, u"5007", kUser); }},
     {"note a payment",
      [] {
          books::JournalPayment payment;
          payment.number = u"f"_s.repeated(32);
-         payment.slip = collection(0);
-         payment.slip.JunNo = u"5002"_s;
+         payment.slip = collection(0, u"5002"_s);
          payment.slip.GCode = u"0076"_s;
          return books::notePayment(payment);
      }},
@@ -88,7 +88,8 @@ StoredChangesTest::StoredChangesTest() {
             u"INSERT INTO %1 (DDate, GCode, JunNo, NBox) VALUES ('2024-03-29', '0016', '5001', '%2')"_s.arg(
                 table, crates));
     device_.execute(u"UPDATE MTM SET UserID = 'A'; UPDATE YTM SET UserID = 'A'"_s);
-    books::saveCollection(collection(50000));
+    EXPECT_TRUE(books::saveCollection(collection(50000)) && books::saveCollection(collection(9, u"5007"_s)) &&
+                books::saveForCard(collection(0, u"5007"_s)));
     books::JournalPayment payment;
     payment.number = kPayment;
     payment.slip = collection(50000);

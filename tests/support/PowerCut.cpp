@@ -1,14 +1,17 @@
 #include "support/PowerCut.h"
 
+#include <fcntl.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 #include <algorithm>
+#include <cstdarg>
 #include <limits>
 #include <utility>
-
-#include "support/SystemCalls.h"
 
 namespace test {
 namespace {
@@ -34,6 +37,13 @@ bool isTurningPoint(const Call& call) {
 
 QByteArray folderOf(const QByteArray& path) {
     return path.left(std::max<qsizetype>(0, path.lastIndexOf('/')));
+}
+
+QByteArray pathOfDescriptor(int descriptor) {
+    QByteArray path(4096, '\0');
+    const QByteArray link = "/proc/self/fd/" + QByteArray::number(descriptor);
+    path.truncate(std::max<ssize_t>(0, ::readlink(link.constData(), path.data(), size_t(path.size()))));
+    return path;
 }
 
 QByteArray readAll(const QString& path) {
@@ -73,9 +83,10 @@ void apply(const Call& call, DiskState& state) {
 
 }  // namespace
 
-class PowerCut::Recorder : public CallObserver {
+/// Hears of every call of this process that has changed a file, databases and all, when it was made.
+class CallRecorder {
   public:
-    explicit Recorder(const QString& folder)
+    explicit CallRecorder(const QString& folder)
         : folder_(QFile::encodeName(QDir(folder).canonicalPath()) + '/') {
         QDirIterator each(QFile::decodeName(folder_), QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
                           QDirIterator::Subdirectories);
@@ -92,11 +103,11 @@ class PowerCut::Recorder : public CallObserver {
             }
         }
         now_ = {first.names, first.folders, {}, {}};
-        observeCalls(this);
+        observer = this;
     }
-    ~Recorder() override { observeCalls(nullptr); }
+    ~CallRecorder() { observer = nullptr; }
 
-    void written(int file, const void* bytes, size_t size, off_t at) override {
+    void written(int file, const void* bytes, size_t size, off_t at) {
         const int number = named(file);
         if (number < 0) return;
         // As the disk takes them, one after another.
@@ -108,11 +119,11 @@ class PowerCut::Recorder : public CallObserver {
             at += part;
         }
     }
-    void truncated(int file, off_t size) override {
+    void truncated(int file, off_t size) {
         if (const int number = named(file); number >= 0)
             add({.kind = Kind::Truncate, .file = number, .at = size});
     }
-    void synced(int file) override {
+    void synced(int file) {
         const QByteArray path = pathOfDescriptor(file);
         struct stat status = {};
         if (::fstat(file, &status) != 0 || !(path + '/').startsWith(folder_)) return;
@@ -126,15 +137,17 @@ class PowerCut::Recorder : public CallObserver {
         }
         add({.kind = isFolder ? Kind::SyncFolder : Kind::Sync, .path = within(path)});
     }
-    void renamed(const QByteArray& from, const QByteArray& to) override {
+    void renamed(const QByteArray& from, const QByteArray& to) {
         if (isRecorded(to)) add({.kind = Kind::Rename, .path = within(from), .to = within(to)});
     }
-    void removed(const QByteArray& path) override {
+    void removed(const QByteArray& path) {
         if (isRecorded(path)) add({.kind = Kind::Remove, .path = within(path)});
     }
-    void folderMade(const QByteArray& path) override {
+    void folderMade(const QByteArray& path) {
         if (isRecorded(path)) add({.kind = Kind::MakeFolder, .path = within(path)});
     }
+
+    static inline CallRecorder* observer = nullptr;
 
     DiskState first;
     std::vector<Call> calls;
@@ -181,7 +194,7 @@ class PowerCut::Recorder : public CallObserver {
     std::map<ino_t, int> numbers_;
 };
 
-PowerCut::PowerCut(const QString& folder) : recorder_(std::make_unique<Recorder>(folder)) {}
+PowerCut::PowerCut(const QString& folder) : recorder_(std::make_unique<CallRecorder>(folder)) {}
 PowerCut::~PowerCut() = default;
 
 int PowerCut::calls() const {
@@ -197,7 +210,7 @@ std::vector<int> PowerCut::turningPoints() const {
 }
 
 void PowerCut::finish() {
-    observeCalls(nullptr);
+    CallRecorder::observer = nullptr;
 }
 
 DiskState PowerCut::stateBefore(int before, int percent, std::mt19937& random) const {
@@ -229,5 +242,83 @@ void DiskState::writeTo(const QString& path) const {
         }
     }
 }
+
+/// Tells of a call that has succeeded; returns its result.
+template <auto kHeard, typename... Arguments>
+static int tell(long result, Arguments... arguments) {
+    if (result == 0 && CallRecorder::observer != nullptr) (CallRecorder::observer->*kHeard)(arguments...);
+    return int(result);
+}
+
+// The program's own definitions come before those of the C library.
+extern "C" {
+
+ssize_t write(int descriptor, const void* bytes, size_t size) {
+    if (CallRecorder::observer == nullptr) return ssize_t(::syscall(SYS_write, descriptor, bytes, size));
+    const bool isAppended = (::fcntl(descriptor, F_GETFL) & O_APPEND) != 0;
+    const off_t at = ::lseek(descriptor, 0, isAppended ? SEEK_END : SEEK_CUR);
+    const ssize_t written = ::syscall(SYS_write, descriptor, bytes, size);
+    if (written > 0 && at >= 0) tell<&CallRecorder::written>(0, descriptor, bytes, size_t(written), at);
+    return written;
+}
+ssize_t pwrite(int descriptor, const void* bytes, size_t size, off_t at) {
+    const ssize_t written = ::syscall(SYS_pwrite64, descriptor, bytes, size, at);
+    if (written > 0) tell<&CallRecorder::written>(0, descriptor, bytes, size_t(written), at);
+    return written;
+}
+ssize_t pwrite64(int descriptor, const void* bytes, size_t size, off64_t at) {
+    return pwrite(descriptor, bytes, size, at);
+}
+
+int fsync(int descriptor) {
+    return tell<&CallRecorder::synced>(::syscall(SYS_fsync, descriptor), descriptor);
+}
+int fdatasync(int descriptor) {
+    return tell<&CallRecorder::synced>(::syscall(SYS_fdatasync, descriptor), descriptor);
+}
+
+int ftruncate(int descriptor, off_t size) noexcept {
+    return tell<&CallRecorder::truncated>(::syscall(SYS_ftruncate, descriptor, size), descriptor, size);
+}
+int ftruncate64(int descriptor, off64_t size) noexcept {
+    return ftruncate(descriptor, size);
+}
+
+int open(const char* path, int flags, ...) {
+    va_list rest;
+    va_start(rest, flags);
+    const auto mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(rest, mode_t) : mode_t(0);
+    va_end(rest);
+    const int descriptor = int(::syscall(SYS_openat, AT_FDCWD, path, flags, mode));
+    if (descriptor >= 0 && (flags & O_TRUNC) != 0) tell<&CallRecorder::truncated>(0, descriptor, 0);
+    return descriptor;
+}
+int open64(const char* path, int flags, ...) {
+    va_list rest;
+    va_start(rest, flags);
+    const auto mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(rest, mode_t) : mode_t(0);
+    va_end(rest);
+    return open(path, flags, mode);
+}
+
+int renameat2(int fromFolder, const char* from, int toFolder, const char* to, unsigned flags) noexcept {
+    return tell<&CallRecorder::renamed>(::syscall(SYS_renameat2, fromFolder, from, toFolder, to, flags), from,
+                                        to);
+}
+int rename(const char* from, const char* to) noexcept {
+    return renameat2(AT_FDCWD, from, AT_FDCWD, to, 0);
+}
+
+int unlink(const char* path) noexcept {
+    return tell<&CallRecorder::removed>(::syscall(SYS_unlinkat, AT_FDCWD, path, 0), path);
+}
+int rmdir(const char* path) noexcept {
+    return tell<&CallRecorder::removed>(::syscall(SYS_unlinkat, AT_FDCWD, path, AT_REMOVEDIR), path);
+}
+int mkdir(const char* path, mode_t mode) noexcept {
+    return tell<&CallRecorder::folderMade>(::syscall(SYS_mkdirat, AT_FDCWD, path, mode), path);
+}
+
+}  // extern "C"
 
 }  // namespace test

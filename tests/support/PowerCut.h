@@ -23,10 +23,12 @@ struct DiskState {
     void writeTo(const QString& path) const;
 };
 
-/// Writes down what this process does to the files of a folder, and tells what a disk may hold of it when the
-/// power goes: whatever was synced, and any part of what was not. A file is written in sectors of 512 bytes,
-/// of which each is on the disk or not; a name is there, moved or gone once its folder was synced, and until
-/// then perhaps. The memory that processes share beside a database is gone.
+class CallRecorder;
+
+/// Writes down what this process does to the files of a folder, and works out what a disk may hold of it when
+/// the power goes: whatever was synced, and any part of what was not. A file is written in sectors of 512
+/// bytes, of which each is on the disk or not; a name is there, moved or gone once its folder was synced, and
+/// until then perhaps. The memory that processes share beside a database is gone.
 class PowerCut {
   public:
     /// From here on until finish().
@@ -46,8 +48,7 @@ class PowerCut {
     DiskState stateBefore(int before, int percent, std::mt19937& random) const;
 
   private:
-    class Recorder;
-    std::unique_ptr<Recorder> recorder_;
+    std::unique_ptr<CallRecorder> recorder_;
 };
 
 }  // namespace test

@@ -5,7 +5,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
-#include <QProcessEnvironment>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <string>
@@ -15,6 +14,7 @@
 #include "platform/Device.h"
 #include "platform/Sqlite.h"
 #include "platform/TerminalLock.h"
+#include "platform/WholeFile.h"
 #include "support/PrintQt.h"
 
 namespace {
@@ -36,11 +36,7 @@ std::vector<QString> visits() {
 }
 
 std::string caseName(const testing::TestParamInfo<QString>& visit) {
-    QString name = QFileInfo(visit.param).completeBaseName();
-    for (QChar& character : name) {
-        if (!character.isLetterOrNumber() || character.unicode() > 127) character = u'_';
-    }
-    return name.toStdString();
+    return QFileInfo(visit.param).completeBaseName().replace(u'-', u'_').toStdString();
 }
 
 struct Outcome {
@@ -50,33 +46,25 @@ struct Outcome {
 
 /// Runs one of the programs of this build without a window.
 Outcome run(const QString& program, const QStringList& arguments) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("LC_ALL", "C.UTF-8");
     QProcess process;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
-    environment.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
-    process.setProcessEnvironment(environment);
     process.setProcessChannelMode(QProcess::MergedChannels);
     process.start(QStringLiteral(ROVANA_BIN "/") + program, arguments);
-    const bool hasEnded = process.waitForFinished(kLongestVisitMs);
-    Outcome outcome;
-    outcome.output = process.readAll().toStdString();
-    if (!hasEnded) {
-        outcome.output += process.errorString().toStdString();
-        process.kill();
-        process.waitForFinished();
-    }
-    outcome.isDone = hasEnded && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
-    if (hasEnded && process.exitStatus() == QProcess::CrashExit) outcome.output += "the program crashed\n";
-    return outcome;
+    const bool hasEnded =
+        process.waitForFinished(kLongestVisitMs) && process.exitStatus() == QProcess::NormalExit;
+    const std::string output = process.readAll().toStdString();
+    process.kill();
+    process.waitForFinished();
+    return {hasEnded && process.exitCode() == 0,
+            output + (hasEnded ? "" : "the program hangs or has crashed\n")};
 }
 
 /// Runs a script of SQL statements on the device's database; returns what went wrong, else an empty text.
 std::string prepare(const QString& device, const QString& sqlFile) {
-    QFile script(sqlFile);
-    if (!script.open(QIODevice::ReadOnly)) return "cannot read " + sqlFile.toStdString();
     // The master data came on the day of the visits, not on that of the test.
-    const QByteArray statements =
-        "UPDATE MASTERLOAD SET LoadedAt = '" + kDay.toLatin1() + "T08:00:00';" + script.readAll();
+    const QByteArray statements = "UPDATE MASTERLOAD SET LoadedAt = '" + kDay.toLatin1() + "T08:00:00';" +
+                                  platform::readWholeFile(sqlFile).value_or("no file");
     platform::SqliteFile database(device + u"/My Documents/rvnclient.cdb"_s,
                                   platform::SqliteFile::Mode::Existing);
     if (database.execute(QString::fromUtf8(statements))) return {};
@@ -103,17 +91,15 @@ QStringList leaks(const QString& folder) {
     QStringList found;
     QDirIterator files(folder, QDir::Files | QDir::System | QDir::Hidden, QDirIterator::Subdirectories);
     while (files.hasNext()) {
-        QFile file(files.next());
-        constexpr auto kOthers = QFile::Permissions(0x0077);
-        if (file.permissions() & kOthers) found << u"others may read "_s + file.fileName();
-        if (!QFileInfo(file).isFile()) continue;
-        const QByteArray content = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        const QFileInfo file(files.next());
+        if (file.permissions() & QFile::Permissions(0x0077)) found << u"others may read "_s + file.filePath();
+        if (!file.isFile()) continue;
+        const QByteArray content = platform::readWholeFile(file.filePath()).value_or(QByteArray());
         for (const QByteArray& secret : std::as_const(secrets)) {
-            if (content.contains(secret)) found << u"a card's data is in "_s + file.fileName();
+            if (content.contains(secret)) found << u"a card's data is in "_s + file.filePath();
         }
-        const bool isLog = QFileInfo(file).fileName().startsWith(u"rovana.log");
-        if (isLog && QString::fromUtf8(content).contains(password))
-            found << u"a password is in "_s + file.fileName();
+        if (file.fileName().startsWith(u"rovana.log") && QString::fromUtf8(content).contains(password))
+            found << u"a password is in "_s + file.filePath();
     }
     return found;
 }

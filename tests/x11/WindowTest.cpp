@@ -20,12 +20,13 @@ constexpr int kPatienceMs = 60'000;
 /// Makes this program the terminal's own, in which the visit that follows is played.
 constexpr std::string_view kPlay = "--play";
 
-/// The real program on its real window; a visit tells the display's pointer and keyboard what to do.
+/// The real program on its real window; a visit moves the display's pointer and keyboard.
 int play(const QString& visit, int argc, char** argv) {
     bool isDone = false;
     const int exitCode = runProgram(argc, argv, [&](ui::Terminal& terminal) {
         pilot::useDisplay();
-        auto* player = new pilot::Pilot(pilot::readScript(visit), pilot::Options(), &terminal);
+        auto* player =
+            new pilot::Pilot(pilot::readScript(visit, u"2026-11-21 09:05"_s), pilot::Options(), &terminal);
         QObject::connect(player, &pilot::Pilot::missed, player, [](const QString& failure) {
             std::fprintf(stderr, "%s\n", qUtf8Printable(failure));
         });
@@ -83,15 +84,15 @@ TEST_P(Window, IsWorked) {
     terminal.setProcessEnvironment(environment);
     terminal.setProcessChannelMode(QProcess::MergedChannels);
     // Larger than the display, which it is shrunk to: else the pointer would miss half of it.
-    terminal.start(tool + u"/test_x11"_s,
-                   {QString::fromLatin1(kPlay.data()),
-                    QStringLiteral(ROVANA_TESTS_DIR "/x11/") + QString::fromLatin1(GetParam()) + u".visit"_s,
-                    u"--device"_s, device, u"--scale"_s, u"3"_s});
+    terminal.start(tool + u"/test_x11"_s, {QString::fromLatin1(kPlay.data()),
+                                           QStringLiteral(ROVANA_TESTS_DIR "/visits/") +
+                                               QString::fromLatin1(GetParam()) + u".visit"_s,
+                                           u"--device"_s, device, u"--scale"_s, u"3"_s});
     EXPECT_TRUE(terminal.waitForFinished(kPatienceMs));
     EXPECT_EQ(terminal.exitCode(), 0) << terminal.readAll().toStdString();
 }
 
-INSTANTIATE_TEST_SUITE_P(By, Window, testing::Values("pointer", "keyboard"),
+INSTANTIATE_TEST_SUITE_P(By, Window, testing::Values("hand", "keys"),
                          [](const auto& each) { return std::string(each.param); });
 
 }  // namespace

@@ -11,6 +11,8 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
+constexpr QStringView kDateFormat = u"yyyy-MM-dd";
+
 QString generalHelp(const Program& program) {
     QString help = u"Usage: %1 COMMAND [options]\n%2\n\nCommands:\n"_s.arg(program.name, program.purpose);
     for (const Command* command : program.commands) {
@@ -116,11 +118,14 @@ int run(const Program& program, const QStringList& arguments, QTextStream& in, Q
     return outcome.exitCode;
 }
 
+std::optional<QString> dateArgument(const QString& argument) {
+    const QDate date = QDate::fromString(argument, kDateFormat);
+    return date.isValid() ? std::optional(date.toString(kDateFormat)) : std::nullopt;
+}
+
 std::optional<QString> dateOption(const QCommandLineParser& options, const QString& name) {
-    constexpr QStringView kFormat = u"yyyy-MM-dd";
-    if (!options.isSet(name)) return platform::clock::now().date().toString(kFormat);
-    const QDate date = QDate::fromString(options.value(name), kFormat);
-    return date.isValid() ? std::optional(date.toString(kFormat)) : std::nullopt;
+    return options.isSet(name) ? dateArgument(options.value(name))
+                               : platform::clock::now().date().toString(kDateFormat);
 }
 
 }  // namespace tools

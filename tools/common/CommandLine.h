@@ -64,6 +64,9 @@ struct Program {
 int run(const Program& program, const QStringList& arguments, QTextStream& in, QTextStream& out,
         QTextStream& err);
 
+/// The date that an argument "yyyy-MM-dd" names; nothing when it is no date.
+std::optional<QString> dateArgument(const QString& argument);
+
 /// The date that an option "yyyy-MM-dd" names, today without the option; nothing when it is no date.
 std::optional<QString> dateOption(const QCommandLineParser& options, const QString& name);
 

@@ -9,16 +9,11 @@
 namespace cardhost {
 
 /// What the host keeps to itself: its key pair, and the key under which it digests tracks, passwords and
-/// requests, so that its database alone tells none of them.
+/// requests, so that its database alone gives none of them away.
 struct Keys {
     platform::message::KeyPair box;
     platform::SecureBytes digestKey;
 };
-
-/// The two files in the host's folder: both secrets, for the owner alone, and the public key for the
-/// terminals.
-QString secretFile(const QString& folder);
-QString publicFile(const QString& folder);
 
 /// Reads the keys of the folder, or makes them and both files when there are none. A file that is there is
 /// never replaced: terminals hold its public half. Nothing, with the reason in `error`, when that fails.

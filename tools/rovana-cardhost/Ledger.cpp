@@ -2,7 +2,6 @@
 
 #include <QDateTime>
 #include <QStringBuilder>
-#include <algorithm>
 #include <array>
 #include <cstdlib>
 
@@ -115,7 +114,7 @@ QString transactionNumber(qint64 payment) {
     return u"%1"_s.arg(payment, 12, 10, QChar(u'0'));
 }
 
-/// The host's own number of an exchange; 0 for a reply that tells of none.
+/// The host's own number of an exchange; 0 for a reply about none.
 QString identification(qint64 exchange) {
     return u"JB%1"_s.arg(exchange, 10, 10, QChar(u'0'));
 }

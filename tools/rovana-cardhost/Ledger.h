@@ -96,7 +96,7 @@ class Ledger {
         QString terminal;
         QString kind;
         qint64 exchange;
-        qint64 subject;  ///< The exchange that the answer tells of.
+        qint64 subject;  ///< The exchange that the answer is about.
         Manner manner;
         platform::message::FieldWriter& reply;
     };

@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "common/Csv.h"
 #include "rovana-office/Command.h"
 #include "rovana-office/Database.h"
 #include "rovana-office/DayCopy.h"
@@ -103,24 +102,11 @@ std::optional<QList<Report>> make(const QString& name, pqxx::connection& connect
     return one(std::ranges::find(reports, QStringView(name), &totals::DailyReport::name)->make(date, user));
 }
 
-void write(const Invocation& call, const QList<Report>& reports) {
-    if (call.options.isSet(kCsv)) call.out << QChar(QChar::ByteOrderMark);
-    bool isFirst = true;
-    for (const Report& report : reports) {
-        if (!std::exchange(isFirst, false)) call.out << u'\n';
-        if (!call.options.isSet(kCsv)) {
-            call.out << totals::document(report).text();
-            continue;
-        }
-        for (const QStringList& line : totals::table(report))
-            call.out << QString::fromUtf8(tools::csvLine(line));
-    }
-}
-
 Outcome day(const Invocation& call) {
-    const QString& date = call.arguments[0];
-    if (QDate::fromString(date, u"yyyy-MM-dd"_s).toString(u"yyyy-MM-dd"_s) != date || date.isEmpty())
-        return usageError(u"a day is written such as 2026-11-21, not \"%1\""_s.arg(date));
+    const auto given = tools::dateArgument(call.arguments[0]);
+    if (!given)
+        return usageError(u"a day is written such as 2026-11-21, not \"%1\""_s.arg(call.arguments[0]));
+    const QString& date = *given;
     const QString name = call.options.value(kReport);
     if (call.options.isSet(kReport) && !reportNames().contains(name))
         return usageError(
@@ -140,7 +126,7 @@ Outcome day(const Invocation& call) {
             call.err << u"rovana-office: the card host's list of %1 was not loaded\n"_s.arg(date);
         reports << *std::move(made);
     }
-    write(call, reports);
+    call.out << (call.options.isSet(kCsv) ? totals::csvText(reports) : totals::paperText(reports));
     return {};
 }
 

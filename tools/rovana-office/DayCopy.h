@@ -15,8 +15,7 @@ class DayCopy {
     /// `terminal` leaves out all others; empty for none.
     DayCopy(pqxx::connection& connection, const QString& date, const QString& terminal);
     ~DayCopy();
-    DayCopy(const DayCopy&) = delete;
-    DayCopy& operator=(const DayCopy&) = delete;
+    Q_DISABLE_COPY_MOVE(DayCopy)
 
     /// The salesmen of the day's slips, as they are called here.
     const QStringList& users() const { return users_; }

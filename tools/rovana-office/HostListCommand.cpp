@@ -1,8 +1,7 @@
-#include <QDate>
 #include <QSet>
 #include <array>
 
-#include "common/Csv.h"
+#include "platform/Csv.h"
 #include "platform/Digits.h"
 #include "platform/WholeFile.h"
 #include "rovana-office/Command.h"
@@ -24,12 +23,12 @@ QString faultOf(const QStringList& row) {
     return {};
 }
 
-QList<tools::CsvRow> readList(const QString& path) {
+QList<platform::CsvRow> readList(const QString& path) {
     QString error;
     const auto content = platform::readWholeFile(path, &error);
     if (!content) throw Fault(u"%1 cannot be read: %2"_s.arg(path, error));
-    QList<tools::CsvRow> rows;
-    error = tools::readCsvRows(*content, u"the host's list", kColumns, &rows);
+    QList<platform::CsvRow> rows;
+    error = platform::readCsvRows(*content, u"the host's list", kColumns, &rows);
     if (!error.isEmpty()) throw Fault(path + u": "_s + error);
     QSet<QString> numbers;
     for (const auto& [line, row] : rows) {
@@ -42,17 +41,16 @@ QList<tools::CsvRow> readList(const QString& path) {
 }
 
 Outcome hostList(const Invocation& call) {
-    const QDate day = QDate::fromString(call.arguments[0], u"yyyy-MM-dd"_s);
-    if (!day.isValid())
-        return usageError(u"a day is written such as 2026-11-21, not \"%1\""_s.arg(call.arguments[0]));
-    const QList<tools::CsvRow> rows = readList(call.arguments[1]);
+    const auto day = tools::dateArgument(call.arguments[0]);
+    if (!day) return usageError(u"a day is written such as 2026-11-21, not \"%1\""_s.arg(call.arguments[0]));
+    const QList<platform::CsvRow> rows = readList(call.arguments[1]);
     std::array<QStringList, kColumns.size()> columns;
-    for (const tools::CsvRow& row : rows) {
+    for (const platform::CsvRow& row : rows) {
         for (std::size_t i = 0; i < columns.size(); ++i) columns[i] << row.texts[qsizetype(i)];
     }
     const Connection connection = connectToOffice();
     pqxx::work work(*connection);
-    const std::string date = plain(day.toString(Qt::ISODate));
+    const std::string date = plain(*day);
     work.exec_params(
         "INSERT INTO office.host_list (day) VALUES ($1) ON CONFLICT (day) DO UPDATE SET "
         "loaded_at = now(), loaded_by = session_user",

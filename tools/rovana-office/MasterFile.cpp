@@ -4,10 +4,10 @@
 #include <QFileInfo>
 #include <algorithm>
 
-#include "common/Csv.h"
 #include "db/ImportLines.h"
 #include "db/Schema.h"
 #include "platform/CodePage.h"
+#include "platform/Csv.h"
 #include "platform/WholeFile.h"
 #include "rovana-office/Database.h"
 
@@ -75,8 +75,8 @@ bool fitsLine(const db::ImportFile& file, const QStringList& row) {
 void readTable(const QString& path, const QByteArray& content, MasterFile* master, Faults* faults) {
     const auto columns =
         db::schema::findTable(master->table)->columns.first(std::size_t(master->file->fields));
-    QList<tools::CsvRow> rows;
-    if (const QString error = tools::readCsvRows(content, master->table.toUpper(), columns, &rows);
+    QList<platform::CsvRow> rows;
+    if (const QString error = platform::readCsvRows(content, master->table.toUpper(), columns, &rows);
         !error.isEmpty())
         throw Fault(path + u": "_s + error);
     for (const auto& [line, row] : rows) {

@@ -44,7 +44,7 @@ struct Syntax {
     QStringView usage;
 };
 
-const QList<Syntax>& syntaxes() {
+const QList<Syntax>& actions() {
     using enum Operand;
     static const QList<Syntax> table = {
         {u"clock", Command::Clock, {Moment}, u"YYYY-MM-DD HH:MM"},
@@ -64,6 +64,22 @@ const QList<Syntax>& syntaxes() {
         {u"drag", Command::DragRow, {Address, Position, Position}, u"D.C N N"},
         {u"answer", Command::Answer, {Reply}, u"ok|cancel|yes|no [TEXT]"},
         {u"key", Command::Key, {Keys}, u"NAME ..."},
+        {u"count", Command::Count, {Name}, u"NAME"},
+        {u"tear", Command::Tear, {}, u""},
+        {u"host", Command::Host, {Text}, u"\"OPTIONS\""},
+        {u"swipe", Command::Swipe, {Word}, u"CARD [KEYS ...]"},
+        {u"timeout", Command::TimeOut, {Position}, u"MS"},
+        {u"remove", Command::Remove, {Text}, u"FILE"},
+        {u"shot", Command::Shot, {Name}, u"NAME"},
+        {u"paper", Command::Paper, {Name}, u"NAME"},
+        {u"quit", Command::Quit, {}, u""},
+    };
+    return table;
+}
+
+const QList<Syntax>& expectations() {
+    using enum Operand;
+    static const QList<Syntax> table = {
         {u"expect", Command::ExpectText, {Address, Text}, u"D.C TEXT"},
         {u"expect texts", Command::ExpectText, {Texts}, u"D C=TEXT ..."},
         {u"expect message", Command::ExpectMessage, {Text}, u"TEXT"},
@@ -84,15 +100,6 @@ const QList<Syntax>& syntaxes() {
         {u"expect roll", Command::ExpectRoll, {Text}, u"FILE"},
         {u"expect printed", Command::ExpectPrinted, {Number, Text}, u"N LINE"},
         {u"expect touches", Command::ExpectTouches, {Number}, u"N"},
-        {u"count", Command::Count, {Name}, u"NAME"},
-        {u"tear", Command::Tear, {}, u""},
-        {u"host", Command::Host, {Text}, u"\"OPTIONS\""},
-        {u"swipe", Command::Swipe, {Word}, u"CARD [KEYS ...]"},
-        {u"timeout", Command::TimeOut, {Position}, u"MS"},
-        {u"remove", Command::Remove, {Text}, u"FILE"},
-        {u"shot", Command::Shot, {Name}, u"NAME"},
-        {u"paper", Command::Paper, {Name}, u"NAME"},
-        {u"quit", Command::Quit, {}, u""},
     };
     return table;
 }
@@ -345,9 +352,11 @@ QList<Step> readSeveral(Operand operand, LineReader& line, const Step& base) {
 /// The command that the line starts with, taken off the line; null for none.
 const Syntax* takeCommand(LineReader& line) {
     const auto find = [](const QString& name) -> const Syntax* {
-        const auto found = std::find_if(syntaxes().begin(), syntaxes().end(),
-                                        [&](const Syntax& syntax) { return syntax.name == name; });
-        return found == syntaxes().end() ? nullptr : &*found;
+        for (const QList<Syntax>* table : {&actions(), &expectations()}) {
+            const auto found = std::ranges::find(*table, QStringView(name), &Syntax::name);
+            if (found != table->end()) return &*found;
+        }
+        return nullptr;
     };
     QString name = line.word();
     const Syntax* syntax = find(name);

@@ -11,8 +11,7 @@ class MemoryFile {
   public:
     explicit MemoryFile(QByteArrayView content);
     ~MemoryFile();
-    MemoryFile(const MemoryFile&) = delete;
-    MemoryFile& operator=(const MemoryFile&) = delete;
+    Q_DISABLE_COPY_MOVE(MemoryFile)
 
     /// Where this process opens it.
     std::string path() const { return "/proc/self/fd/" + std::to_string(descriptor_); }

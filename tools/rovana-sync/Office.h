@@ -94,8 +94,7 @@ class Office {
   public:
     explicit Office(const office::Access& access);
     ~Office();
-    Office(const Office&) = delete;
-    Office& operator=(const Office&) = delete;
+    Q_DISABLE_COPY_MOVE(Office)
 
     Greeting hello(const QString& firstDay, const DayDigests& days);
     QMap<QString, DocumentDigests> compare(const DayDigests& days);

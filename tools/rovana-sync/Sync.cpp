@@ -88,7 +88,7 @@ bool Sync::mayBeSent(const DocumentIdentity& identity) const {
                                [&](const Salesman& each) { return each.userId == identity.userId; });
 }
 
-/// Sends what the office does not have as it is, and tells what the terminal lacks.
+/// Sends what the office does not have as it is, and reports what the terminal lacks.
 void Sync::sendDay(Office& office, const QString& date, const DocumentDigests& atOffice) {
     DocumentDigests& here = days_[date];
     QSet<DocumentIdentity> wanted;

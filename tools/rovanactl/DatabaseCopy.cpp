@@ -12,7 +12,6 @@
 #include <QStringBuilder>
 #include <cerrno>
 #include <cstdio>
-#include <optional>
 #include <utility>
 
 #include "platform/Clock.h"
@@ -37,7 +36,7 @@ const QString& unfinishedMark() {
     return text;
 }
 
-/// A file opened and locked for this object's life; the lock tells that its maker lives.
+/// A file opened and locked for this object's life; the lock shows that its maker lives.
 class HeldFile {
   public:
     HeldFile() = default;
@@ -134,8 +133,7 @@ class Unfinished {
         QFile::remove(path_);
         for (const QStringView suffix : kJournalSuffixes) QFile::remove(path_ % suffix);
     }
-    Unfinished(const Unfinished&) = delete;
-    Unfinished& operator=(const Unfinished&) = delete;
+    Q_DISABLE_COPY_MOVE(Unfinished)
 
     const QString& path() const { return path_; }
     const QString& error() const { return error_; }

@@ -5,7 +5,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <array>
 
 #include "db/ImportFile.h"
 #include "db/Schema.h"
@@ -26,8 +25,7 @@ class OwnerOnly {
   public:
     OwnerOnly() : before_(::umask(077)) {}
     ~OwnerOnly() { ::umask(before_); }
-    OwnerOnly(const OwnerOnly&) = delete;
-    OwnerOnly& operator=(const OwnerOnly&) = delete;
+    Q_DISABLE_COPY_MOVE(OwnerOnly)
 
   private:
     mode_t before_;

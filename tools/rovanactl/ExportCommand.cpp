@@ -1,10 +1,10 @@
 #include <algorithm>
 
-#include "common/Csv.h"
 #include "db/ImportFile.h"
 #include "db/ImportLines.h"
 #include "db/Schema.h"
 #include "platform/CodePage.h"
+#include "platform/Csv.h"
 #include "platform/Device.h"
 #include "platform/Sqlite.h"
 #include "rovanactl/Command.h"
@@ -87,8 +87,8 @@ Written writeSlips(const SlipKind& kind, const QString& date, SqliteFile& databa
     const QStringList columns = columnsOf(kind);
     const qsizetype number = columns.indexOf(u"JunNo");
     const qsizetype user = columns.indexOf(u"UserID");
-    folder.write(csv, tools::kCsvMark);
-    folder.write(csv, tools::csvLine(columns));
+    folder.write(csv, platform::kCsvMark);
+    folder.write(csv, platform::csvLine(columns));
     Written written;
     QStringList slip;
     const bool isRead = database.forEachRow(
@@ -102,7 +102,7 @@ Written writeSlips(const SlipKind& kind, const QString& date, SqliteFile& databa
                         kind.name, row[number], row[user], columns[line.faultyColumn], line.fault);
                 return false;
             }
-            folder.write(csv, tools::csvLine(row));
+            folder.write(csv, platform::csvLine(row));
             folder.write(csv + 1, line.bytes);
             const QStringList rowSlip{row[number], row[user]};
             written.slips += rowSlip != slip;

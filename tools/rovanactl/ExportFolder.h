@@ -18,8 +18,7 @@ class ExportFolder {
 
     /// Removes what was not committed.
     ~ExportFolder();
-    ExportFolder(const ExportFolder&) = delete;
-    ExportFolder& operator=(const ExportFolder&) = delete;
+    Q_DISABLE_COPY_MOVE(ExportFolder)
 
     /// Makes the files, empty. Returns what is wrong, empty when nothing is: the folder holds anything but
     /// these files, another export is writing it, or it cannot be made.

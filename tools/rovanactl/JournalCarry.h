@@ -13,7 +13,7 @@ bool hasPayments(SqliteFile& database);
 
 /// Puts what `from` knows of payments into `to`, an older copy of it with the same tables: what was sent
 /// since, and what became of the others. One that `to` has as open stays open where `from` has it approved:
-/// the slips of `to` lack the approval, and the host tells it again. All or nothing; what is wrong, or empty.
+/// the slips of `to` lack the approval, and the host gives it again. All or nothing; what is wrong, or empty.
 QString carryPayments(SqliteFile& from, SqliteFile& to);
 
 }  // namespace admin

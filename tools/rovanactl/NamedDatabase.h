@@ -17,8 +17,7 @@ class NamedDatabase {
     /// Without the option the terminal's own stays.
     explicit NamedDatabase(const QCommandLineParser& options);
     ~NamedDatabase();
-    NamedDatabase(const NamedDatabase&) = delete;
-    NamedDatabase& operator=(const NamedDatabase&) = delete;
+    Q_DISABLE_COPY_MOVE(NamedDatabase)
 
     /// What is wrong with the file; empty when it can be read.
     const QString& error() const { return error_; }

@@ -1,8 +1,8 @@
 #include <QSet>
 #include <algorithm>
 
-#include "common/Csv.h"
 #include "db/Query.h"
+#include "platform/Csv.h"
 #include "platform/Digits.h"
 #include "platform/WholeFile.h"
 #include "rovanactl/Command.h"
@@ -12,7 +12,7 @@ namespace admin {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
-using tools::CsvRow;
+using platform::CsvRow;
 
 constexpr QStringView kNothingChanged =
     u"the database did not take the rows (disk full, or in use by another program); nothing has changed";
@@ -52,7 +52,7 @@ QString findFault(const DeliveredTable& table, const QList<CsvRow>& rows) {
 /// The file's rows in the table's column order, or an error that names the line.
 QString readRows(const DeliveredTable& table, QByteArrayView content, QList<CsvRow>* rows) {
     const std::span<const QStringView> columns = columnsOf(table);
-    if (const QString error = tools::readCsvRows(content, table.name, columns, rows); !error.isEmpty())
+    if (const QString error = platform::readCsvRows(content, table.name, columns, rows); !error.isEmpty())
         return error;
     for (const auto& [line, row] : *rows) {
         for (qsizetype i = 0; i < row.size(); ++i) {

@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "common/Csv.h"
 #include "db/Query.h"
 #include "rovanactl/Command.h"
 #include "rovanactl/NamedDatabase.h"
@@ -29,24 +28,6 @@ QString reportNames() {
     for (const totals::DailyReport& report : totals::dailyReports()) names << report.name.toString();
     names << kClose.toString();
     return names.join(u", "_s);
-}
-
-void writeCsv(QTextStream& out, const totals::Report& report) {
-    for (const QStringList& line : totals::table(report)) out << QString::fromUtf8(tools::csvLine(line));
-}
-
-/// Writes them with an empty line between two.
-void writeReports(const Invocation& call, const QList<totals::Report>& reports) {
-    bool isFirst = true;
-    if (call.options.isSet(u"csv"_s)) call.out << QChar(QChar::ByteOrderMark);
-    for (const totals::Report& report : reports) {
-        if (!std::exchange(isFirst, false)) call.out << u'\n';
-        if (call.options.isSet(u"csv"_s)) {
-            writeCsv(call.out, report);
-        } else {
-            call.out << totals::document(report).text();
-        }
-    }
 }
 
 Outcome writeTotals(const Invocation& call) {
@@ -90,7 +71,7 @@ Outcome writeTotals(const Invocation& call) {
         if (!report) return unread(daily.name);
         reports << *std::move(report);
     }
-    writeReports(call, reports);
+    call.out << (call.options.isSet(u"csv"_s) ? totals::csvText(reports) : totals::paperText(reports));
     return {};
 }
 

@@ -323,7 +323,7 @@ bool CCollectionEntryDlg::isPaymentSettled() {
 }
 
 bool CCollectionEntryDlg::isApprovalPutBack() {
-    const app::SessionValues& session = app::session();
+    app::SessionValues& session = app::session();
     const auto lost = books::approvalWithoutSlip(
         {session.WorkDate, session.action.JunNo, session.UserID, session.action.GCode});
     if (!lost || isApproved_) return false;
@@ -334,7 +334,8 @@ bool CCollectionEntryDlg::isApprovalPutBack() {
     } else if (back->JunNo == session.action.JunNo && back->UserID == session.UserID) {
         takeApproval();
     } else {
-        // It has lowered the debt; this sale is settled with that.
+        // It has lowered the debt; this sale is settled with that, not as it was keyed.
+        session.action.KeptSettlement.reset();
         load();
         showAmounts();
         ui::message(

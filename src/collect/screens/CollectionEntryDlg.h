@@ -52,8 +52,8 @@ class CCollectionEntryDlg : public ui::Screen {
     bool isPaidOnLine() const;
     /// What the heading says of the card amount: approved, not approved, or nothing.
     QString approvalState() const;
-    /// Takes over what the container slip of the visit is worth, and tells the recovery's excess after that,
-    /// once the screen shows.
+    /// Takes over what the container slip of the visit is worth, and reports the recovery's excess after
+    /// that, once the screen shows.
     void takeOverContainers(const std::optional<books::CollectionSlip>& saved);
     /// Takes the worth of the container slip over, as if keyed. Returns what exceeds the total.
     platform::Won takeOver(platform::Won recovery);

@@ -102,8 +102,7 @@ class Recordset {
   public:
     Recordset() : fields_(this) {}
     ~Recordset() { Close(); }
-    Recordset(const Recordset&) = delete;
-    Recordset& operator=(const Recordset&) = delete;
+    Q_DISABLE_COPY_MOVE(Recordset)
 
     void putActiveConnection(Connection* connection) { active_ = connection; }
 

@@ -23,8 +23,7 @@ class DatabaseFile {
     /// Forgets all shared handles; each closes when its last user lets go. For tests and file replacement.
     static void forgetAll();
 
-    DatabaseFile(const DatabaseFile&) = delete;
-    DatabaseFile& operator=(const DatabaseFile&) = delete;
+    Q_DISABLE_COPY_MOVE(DatabaseFile)
 
     /// The statement of `text`, in which every literal is a "?" already. Throws SqliteError on a text that
     /// SQLite does not accept.

@@ -65,8 +65,8 @@ bool isLinkFailure(QAbstractSocket::SocketError error) {
 
 struct Component::Operation {
     int id;
-    const char* parameters;               ///< One letter each: t text, i integer, o text to be written.
-    Status (Component::*run)(Arguments);  ///< Null for one that the card network does not offer.
+    const char* parameters;  ///< One letter each: t text, i integer, o text to be written.
+    Status (Component::*run)(Arguments);
 };
 
 struct Component::Request {
@@ -109,40 +109,21 @@ struct Component::Exchange {
 };
 
 const Component::Operation* Component::findOperation(int dispatchId) {
+    // The ids between them the card network does not offer.
     static constexpr Operation kOperations[] = {
-        {1, "ttttttt", &Component::headerReq},
-        {2, "ttttttttttt", &Component::paymentReq},
-        {3, "", &Component::setPreTradeRep},
-        {4, "tttt", &Component::balanceReq},
-        {5, "tt", nullptr},
-        {6, "tt", &Component::setSummaryReq},
-        {7, "tttttttttt", nullptr},
-        {8, "ttttttttttttt", nullptr},
-        {9, "tt", nullptr},
-        {10, "", &Component::recvHeader},
-        {11, "", &Component::recvPayment},
-        {12, "", &Component::recvPreTrade},
-        {13, "", nullptr},
-        {14, "", &Component::recvBalance},
-        {15, "", nullptr},
-        {16, "", &Component::recvSummary},
-        {17, "", nullptr},
-        {18, "", nullptr},
-        {19, "", nullptr},
-        {20, "", nullptr},
-        {21, "", nullptr},
-        {22, "io", &Component::getRecvField},
-        {23, "itiiitttttooooo", nullptr},
-        {24, "to", &Component::getSavedValue},
-        {25, "tiii", &Component::commun},
-        {26, "ooooo", nullptr},
-        {-552, "", &Component::aboutBox},
+        {1, "ttttttt", &Component::headerReq}, {2, "ttttttttttt", &Component::paymentReq},
+        {3, "", &Component::setPreTradeRep},   {4, "tttt", &Component::balanceReq},
+        {6, "tt", &Component::setSummaryReq},  {10, "", &Component::recvHeader},
+        {11, "", &Component::recvPayment},     {12, "", &Component::recvPreTrade},
+        {14, "", &Component::recvBalance},     {16, "", &Component::recvSummary},
+        {22, "io", &Component::getRecvField},  {24, "to", &Component::getSavedValue},
+        {25, "tiii", &Component::commun},      {-552, "", &Component::aboutBox},
     };
     const auto* const found = std::ranges::find(kOperations, dispatchId, &Operation::id);
     return found == std::end(kOperations) ? nullptr : found;
 }
 
-Component::Component(QObject* parent) : QObject(parent) {}
+Component::Component() = default;
 
 Component::~Component() {
     if (exchange_ && last == LastExchange::UnderWay) last = LastExchange::Failed;
@@ -167,7 +148,7 @@ Status Component::invoke(int dispatchId, Arguments arguments) {
         if (QString* const* out = std::get_if<QString*>(&argument); out && *out) (*out)->clear();
     }
     const Operation* operation = findOperation(dispatchId);
-    if (operation == nullptr || operation->run == nullptr) return kBadInput;
+    if (operation == nullptr) return kBadInput;
     if (!std::ranges::equal(arguments, std::string_view(operation->parameters), {}, letter)) return kBadInput;
     const bool hasNull = std::ranges::any_of(arguments, [](const Argument& argument) {
         QString* const* out = std::get_if<QString*>(&argument);
@@ -176,8 +157,7 @@ Status Component::invoke(int dispatchId, Arguments arguments) {
     return hasNull ? kBadInput : (this->*operation->run)(arguments);
 }
 
-// --- requests
-// -----------------------------------------------------------------------------------------------
+// --- requests ----------------------------------------------------------------------------------------------
 
 Status Component::headerReq(Arguments arguments) {
     if (exchange_) return kBadInput;
@@ -282,8 +262,7 @@ Status Component::seal(const FieldWriter& body) {
     return kDone;
 }
 
-// --- replies
-// ------------------------------------------------------------------------------------------------
+// --- replies -----------------------------------------------------------------------------------------------
 
 Status Component::replyIs(std::initializer_list<QStringView> kinds) const {
     return reply_ && std::ranges::find(kinds, QStringView(replyKind_)) != kinds.end() ? kDone : kBadInput;
@@ -324,8 +303,7 @@ Status Component::aboutBox(Arguments) {
     return kDone;  // There is no such box: a terminal shows nothing of its parts.
 }
 
-// --- the exchange
-// -------------------------------------------------------------------------------------------
+// --- the exchange ------------------------------------------------------------------------------------------
 
 Status Component::commun(Arguments arguments) {
     if (exchange_) return kLinkFailed;

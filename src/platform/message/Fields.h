@@ -11,8 +11,8 @@
 /// What a message says: numbered texts. Shared by the terminal's component and the card host.
 namespace platform::message {
 
-// Field numbers. A reply's own fields have the numbers under which the application reads them.
-inline constexpr int kHeaderFields = 7;          ///< Fields 1 to 7: the header values in their order.
+// Field numbers; 1 to 7 are the header values in their order. A reply's own fields have the numbers under
+// which the application reads them.
 inline constexpr quint16 kMessageTypeField = 6;  ///< Header value "0200" of a request, "0210" of a reply.
 inline constexpr quint16 kMessageKindField = 7;
 inline constexpr quint16 kTerminalField = 8;         ///< The terminal's saved value "101".
@@ -40,7 +40,7 @@ inline constexpr quint16 kFeeTotalField = 1121;
 inline constexpr quint16 kTransferTotalField = 1122;
 inline constexpr quint16 kListTotalField = 1123;       ///< How many payments the day has, listed or cut.
 inline constexpr quint16 kListField = 1124;            ///< The day's payments, a line each.
-inline constexpr quint16 kAnsweredNumberField = 1131;  ///< The asked number, in an answer that tells of it.
+inline constexpr quint16 kAnsweredNumberField = 1131;  ///< The asked number, in an answer about it.
 inline constexpr quint16 kResponseTextField = 1203;
 
 inline constexpr QStringView kRequestType = u"0200";

@@ -21,11 +21,7 @@ QString toText(const MessageNumber& number) {
 }
 
 std::optional<MessageNumber> parseMessageNumber(QStringView digits) {
-    MessageNumber number;
-    const auto bytes = fromHexDigits(digits.toLatin1(), qsizetype(number.size()));
-    if (!bytes) return std::nullopt;
-    std::ranges::copy(*bytes, number.begin());
-    return number;
+    return fromHexDigits<std::tuple_size_v<MessageNumber>>(digits.toLatin1());
 }
 
 QByteArray encodeFrame(const Frame& frame) {

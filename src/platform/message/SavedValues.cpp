@@ -84,11 +84,7 @@ bool writeSavedValues(const SavedValues& values) {
 }
 
 std::optional<PublicKey> parsePublicKey(QByteArrayView text) {
-    PublicKey key;
-    const auto bytes = fromHexDigits(text.trimmed(), qsizetype(key.size()));
-    if (!bytes) return std::nullopt;
-    std::ranges::copy(*bytes, key.begin());
-    return key;
+    return fromHexDigits<std::tuple_size_v<PublicKey>>(text.trimmed());
 }
 
 Status readHostKey(PublicKey* key) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QtGlobal>
 #include <memory>
 
 #include "platform/Settings.h"
@@ -17,8 +18,7 @@ class Devices {
   public:
     explicit Devices(const Settings& settings);
     ~Devices();
-    Devices(const Devices&) = delete;
-    Devices& operator=(const Devices&) = delete;
+    Q_DISABLE_COPY_MOVE(Devices)
 
   private:
     std::unique_ptr<CardReaderLine> reader_;

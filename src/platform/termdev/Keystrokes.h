@@ -15,8 +15,7 @@ class Keystrokes {
   public:
     Keystrokes() = default;
     ~Keystrokes() { wipe(); }
-    Keystrokes(const Keystrokes&) = delete;
-    Keystrokes& operator=(const Keystrokes&) = delete;
+    Q_DISABLE_COPY_MOVE(Keystrokes)
 
     /// The character of an input event; 0 for one that types nothing.
     char character(const input_event& event);

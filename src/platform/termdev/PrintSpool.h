@@ -25,8 +25,7 @@ class PrintSpool {
     /// `name` is the folder's.
     explicit PrintSpool(QStringView name = u"spool");
     ~PrintSpool();
-    PrintSpool(const PrintSpool&) = delete;
-    PrintSpool& operator=(const PrintSpool&) = delete;
+    Q_DISABLE_COPY_MOVE(PrintSpool)
 
     /// Keeps a job behind all others. False, traced, when the disk does not take it.
     bool add(QByteArrayView job);

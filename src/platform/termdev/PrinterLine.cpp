@@ -154,7 +154,7 @@ class SerialLine : public PrinterLine {
 };
 
 /// Qt connects and sends. The way to the end of the connection is its descriptor's alone: Qt cannot end one
-/// side, and tells a connection that was broken from one that was ended by nothing.
+/// side, and reports a broken connection as it does one that was ended.
 class NetworkLine : public PrinterLine {
   public:
     explicit NetworkLine(const PrinterSettings& settings) : settings_(settings) {}

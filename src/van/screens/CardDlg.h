@@ -72,7 +72,7 @@ class CCardDlg : public ui::Screen {
     bool isThisSlipOpen() const;
     /// Offers the question again while the payment of this slip is open.
     void offerQuestion();
-    /// Sends the request, or tells why what the keypad gave is no password.
+    /// Sends the request, or says why what the keypad gave is no password.
     void takePassword(bool isEntered);
     /// Tells, when it is so, that a payment of this dialog was not answered.
     void tellOpenPayment() const;

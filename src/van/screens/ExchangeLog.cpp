@@ -8,6 +8,7 @@
 namespace van {
 
 using namespace Qt::Literals::StringLiterals;
+using platform::message::Component;
 
 ExchangeLog::ExchangeLog(CKsnet_msg_lib& component, QPlainTextEdit* box, std::function<QString()> readReply)
     : box_(box) {
@@ -18,14 +19,15 @@ ExchangeLog::ExchangeLog(CKsnet_msg_lib& component, QPlainTextEdit* box, std::fu
     box_->setFont(ui::font(ui::FontHeight::Small));
     component.setObjectName(QString::number(CKsnet_msg_lib::kControlId));
     component.hide();
-    connect(&component, &CKsnet_msg_lib::communicating, this, [this] { append(u"[통신중] "_s); });
-    connect(&component, &CKsnet_msg_lib::messageSent, this, [this] { append(u"[전문송신완료] "_s); });
-    connect(&component, &CKsnet_msg_lib::receiving, this,
+    const Component* events = &component.component();
+    connect(events, &Component::communicating, this, [this] { append(u"[통신중] "_s); });
+    connect(events, &Component::messageSent, this, [this] { append(u"[전문송신완료] "_s); });
+    connect(events, &Component::receiving, this,
             [this, read = std::move(readReply)] { append(u"[전문수신중] "_s + read()); });
-    connect(&component, &CKsnet_msg_lib::errorOccurred, this, [this] { append(u"[에러발생] "_s); });
-    connect(&component, &CKsnet_msg_lib::ksnetError, this,
+    connect(events, &Component::errorOccurred, this, [this] { append(u"[에러발생] "_s); });
+    connect(events, &Component::ksnetError, this,
             [this](int code) { append(u"[KSNET에러] "_s + QString::number(code)); });
-    connect(&component, &CKsnet_msg_lib::communicationEnded, this, [this] {
+    connect(events, &Component::communicationEnded, this, [this] {
         append(u"[통신종료] "_s);
         end();
         Q_EMIT ended();

@@ -1,5 +1,7 @@
 #include "van/screens/HostRequest.h"
 
+#include <algorithm>
+
 #include "books/Charge.h"
 #include "platform/Clock.h"
 #include "platform/message/Fields.h"
@@ -16,12 +18,16 @@ constexpr short kTimeOutSeconds = 30;
 /// The card data leaves the track's first character out and has at most this many.
 constexpr qsizetype kCardDataLength = 104;
 
+/// Calls of the component whose failures are worded.
+enum class Call { SavedValue, Header, Payment, Balance, PreviousTransaction, Summary, Exchange };
+
 struct Wording {
     Call call;
     short status;
     QStringView text;
+    /// Of an exchange, when a payment or the previous transaction was asked for.
+    QStringView ofPayment = {};
 };
-// The payment request's failures go by the balance request's name.
 constexpr Wording kWordings[] = {
     {Call::SavedValue, -100, u" * Err -> 입력값이상"},
     {Call::SavedValue, -806, u" * Err -> 저장값 읽기실패"},
@@ -35,41 +41,38 @@ constexpr Wording kWordings[] = {
     {Call::Balance, -902, u" * BalanceReq -> 암호화 - KEY 생성 에러"},
     {Call::Balance, -903, u" * BalanceReq -> 암호화 - 공개키 생성 에러"},
     {Call::Summary, -100, u" * setSummaryReq -> 입력값이상"},
-};
-// The same codes of the exchange are worded by who asked.
-constexpr Wording kInquiryExchange[] = {
-    {Call::Exchange, -100, u" * Commun -> 입력값이상"},
+    {Call::Exchange, -100, u" * Commun -> 입력값이상", u" * Err -> 입력값이상"},
     {Call::Exchange, -504, u" * Commun -> 통신초기화 에러"},
     {Call::Exchange, -500, u" * Commun -> 접속에러"},
-};
-constexpr Wording kPaymentExchange[] = {
-    {Call::Exchange, -100, u" * Err -> 입력값이상"},
-    {Call::Exchange, -801, u" * Err -> 공개키 정보없음"},
-    {Call::Exchange, -804, u" * Err -> 공개키정보 읽기에러"},
-    {Call::Exchange, -901, u" * Err -> 암호화-초기화 에러"},
-    {Call::Exchange, -902, u" * Err -> 암호화Key 생성에러"},
-    {Call::Exchange, -903, u" * Err -> 암호화*공개키 생성에러"},
+    {Call::Exchange, -801, {}, u" * Err -> 공개키 정보없음"},
+    {Call::Exchange, -804, {}, u" * Err -> 공개키정보 읽기에러"},
+    {Call::Exchange, -901, {}, u" * Err -> 암호화-초기화 에러"},
+    {Call::Exchange, -902, {}, u" * Err -> 암호화Key 생성에러"},
+    {Call::Exchange, -903, {}, u" * Err -> 암호화*공개키 생성에러"},
 };
 
-bool isPayment(RequestKind kind) {
-    return kind == RequestKind::CardPayment || kind == RequestKind::CashPayment;
-}
-
-template <typename Wordings>
-QString find(const Wordings& wordings, Call call, short status) {
-    for (const Wording& wording : wordings) {
-        if (wording.call == call && wording.status == status) return wording.text.toString();
-    }
-    return {};
+/// The log text of a call's status code; empty for 0 and for a code that the call does not word.
+QString failureText(Call call, RequestKind kind, short status) {
+    if (status == 0) return {};
+    if (call == Call::PreviousTransaction) return u" * setPreTradeRep -> 직전거래요청 실패"_s;
+    const bool isInquiry = kind == RequestKind::Balance || kind == RequestKind::Summary;
+    // A missing saved value is worded for payments and the previous transaction only.
+    if (call == Call::Header && status == -807 && isInquiry) return {};
+    // The payment request's failures go by the balance request's name.
+    const Call named = call == Call::Payment ? Call::Balance : call;
+    const auto* const found = std::ranges::find_if(
+        kWordings, [&](const Wording& wording) { return wording.call == named && wording.status == status; });
+    if (found == std::end(kWordings)) return {};
+    return (call == Call::Exchange && !isInquiry ? found->ofPayment : found->text).toString();
 }
 
 QStringView messageKind(RequestKind kind) {
     switch (kind) {
-        case RequestKind::CardPayment: return u"0100";
-        case RequestKind::CashPayment: return u"0150";
-        case RequestKind::Balance: return u"0300";
-        case RequestKind::PreviousTransaction: return u"0600";
-        case RequestKind::Summary: return u"0800";
+        case RequestKind::CardPayment: return kCardPayment;
+        case RequestKind::CashPayment: return kCashPayment;
+        case RequestKind::Balance: return kBalanceInquiry;
+        case RequestKind::PreviousTransaction: return kPreviousTransaction;
+        case RequestKind::Summary: return kSummary;
     }
     return {};
 }
@@ -115,23 +118,6 @@ QString request(CKsnet_msg_lib& component, RequestKind kind, const books::Transa
 
 }  // namespace
 
-QString failureText(Call call, RequestKind kind, short status) {
-    if (status == 0) return {};
-    switch (call) {
-        case Call::Payment: return find(kWordings, Call::Balance, status);
-        case Call::PreviousTransaction: return u" * setPreTradeRep -> 직전거래요청 실패"_s;
-        case Call::Header:
-            // A missing saved value is worded for payments and the previous transaction only.
-            if (status == -807 && !isPayment(kind) && kind != RequestKind::PreviousTransaction) return {};
-            return find(kWordings, call, status);
-        case Call::Exchange:
-            return isPayment(kind) || kind == RequestKind::PreviousTransaction
-                       ? find(kPaymentExchange, call, status)
-                       : find(kInquiryExchange, call, status);
-        default: return find(kWordings, call, status);
-    }
-}
-
 QString hostAddress(QStringView savedDigits) {
     if (savedDigits.contains(u':')) return savedDigits.toString();
     QStringList octets;
@@ -150,7 +136,7 @@ QString sendRequest(CKsnet_msg_lib& component, RequestKind kind, const books::Tr
     if (kind == RequestKind::Summary) savedValue(component, u"101", kind, &failures);
     failures += failureText(
         Call::Header, kind,
-        component.HeaderReq(u"JB", u"84", u"00", u"1234567890", u"    ", u"0200", messageKind(kind)));
+        component.HeaderReq(u"JB", u"84", u"00", u"1234567890", u"    ", kRequestType, messageKind(kind)));
     failures += request(component, kind, record, day);
     // A payment that could not be sealed cannot leave; its exchange is tried all the same.
     const auto number = component.component().paymentNumber();

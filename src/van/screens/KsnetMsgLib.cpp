@@ -5,16 +5,6 @@
 namespace van {
 
 using platform::message::Argument;
-using platform::message::Component;
-
-CKsnet_msg_lib::CKsnet_msg_lib(QWidget* parent) : QWidget(parent) {
-    connect(&component_, &Component::communicating, this, &CKsnet_msg_lib::communicating);
-    connect(&component_, &Component::messageSent, this, &CKsnet_msg_lib::messageSent);
-    connect(&component_, &Component::receiving, this, &CKsnet_msg_lib::receiving);
-    connect(&component_, &Component::communicationEnded, this, &CKsnet_msg_lib::communicationEnded);
-    connect(&component_, &Component::errorOccurred, this, &CKsnet_msg_lib::errorOccurred);
-    connect(&component_, &Component::ksnetError, this, &CKsnet_msg_lib::ksnetError);
-}
 
 short CKsnet_msg_lib::InvokeHelper(int dispatchId, std::initializer_list<Argument> arguments) {
     return component_.invoke(dispatchId, std::span(arguments.begin(), arguments.size()));

@@ -14,12 +14,10 @@ namespace van {
 /// into is empty when the call fails. What an operation does is the component's business; no text is kept.
 /// The numbered operations are not offered by the card network and are here to keep the ids in step.
 class CKsnet_msg_lib : public QWidget {
-    Q_OBJECT
-
   public:
     static constexpr int kControlId = 1140;
 
-    explicit CKsnet_msg_lib(QWidget* parent = nullptr);
+    using QWidget::QWidget;
 
     void AboutBox();
     /// The values of a request's header: "JB", "84", "00", "1234567890", four blanks, "0200", message kind.
@@ -66,18 +64,8 @@ class CKsnet_msg_lib : public QWidget {
     short Commun(QStringView hostAddress, short port, short timeOut, short flag);
     short Operation26(QString* p1, QString* p2, QString* p3, QString* p4, QString* p5);
 
-    /// The component itself, for what it offers beside its operations.
+    /// The component itself, for its events and what it offers beside its operations.
     platform::message::Component& component() { return component_; }
-
-  Q_SIGNALS:
-    // The component's events, in this order unless the exchange fails; `communicationEnded` is always the
-    // last.
-    void communicating();
-    void messageSent();
-    void receiving();
-    void communicationEnded();
-    void errorOccurred();
-    void ksnetError(int code);
 
   private:
     short InvokeHelper(int dispatchId, std::initializer_list<platform::message::Argument> arguments = {});

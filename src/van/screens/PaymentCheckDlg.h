@@ -12,8 +12,8 @@
 
 namespace van {
 
-/// Asks the host at once, one after another, what became of the payments whose outcome is open, tells the
-/// salesman and closes itself. Leaving it early leaves the rest open.
+/// Asks the host at once, one after another, what became of the payments whose outcome is open, reports
+/// it to the salesman and closes itself. Leaving it early leaves the rest open.
 class CPaymentCheckDlg : public ui::Screen {
     Q_OBJECT
 

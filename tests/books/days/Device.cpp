@@ -14,80 +14,51 @@ namespace days {
 
 using namespace Qt::Literals::StringLiterals;
 
+namespace {
+
+test::StorageFaultPlan thePlan;
+
+/// The columns of a row, from the left.
+class Columns {
+  public:
+    explicit Columns(sqlite3_stmt* row) : row_(row) {}
+    Columns& operator>>(std::string& text) {
+        const auto* value = reinterpret_cast<const char*>(sqlite3_column_text(row_, at_++));
+        text = value != nullptr ? value : "";
+        return *this;
+    }
+    template <std::integral Number>
+    Columns& operator>>(Number& number) {
+        std::string text;
+        *this >> text;
+        number = text.empty() ? 0 : Number(std::stoll(text));
+        return *this;
+    }
+    Columns& operator>>(Visit& visit) {
+        return *this >> visit.key.date >> visit.key.number >> visit.key.user >> visit.customer;
+    }
+
+  private:
+    sqlite3_stmt* row_;
+    int at_ = 0;
+};
+
+}  // namespace
+
 template <typename Row, typename Read>
 std::vector<Row> Device::rows(const QByteArray& select, Read&& read) {
     std::vector<Row> found;
     sqlite3_stmt* statement = nullptr;
     EXPECT_EQ(sqlite3_prepare_v2(reader_, select.constData(), -1, &statement, nullptr), SQLITE_OK)
         << sqlite3_errmsg(reader_);
-    while (sqlite3_step(statement) == SQLITE_ROW) {
-        int column = 0;
-        const auto next = [&] {
-            const auto* value = reinterpret_cast<const char*>(sqlite3_column_text(statement, column++));
-            return std::string(value != nullptr ? value : "");
-        };
-        found.push_back(read(next));
-    }
+    while (sqlite3_step(statement) == SQLITE_ROW) read(Columns(statement), found.emplace_back());
     sqlite3_finalize(statement);
     std::ranges::sort(found);
     return found;
 }
 
-namespace {
-
-/// A salesman with his VAT mode and what follows his sales slips.
-struct User {
-    const char* id;
-    const char* vatMode;
-    const char* followOn;
-};
-constexpr User kUsers[] = {{"A", "1", ""}, {"B", "2", "Y"}, {"C", "3", "Y"}};
-
-test::StorageFaultPlan thePlan;
-
-Won won(const std::string& text) {
-    return text.empty() ? 0 : std::stoll(text);
-}
-
-template <typename Next>
-Visit readVisit(Next& next) {
-    Visit visit;
-    visit.key.date = next();
-    visit.key.number = next();
-    visit.key.user = next();
-    visit.customer = next();
-    return visit;
-}
-
-template <typename Next>
-Goods readGoods(Next& next) {
-    Goods line;
-    line.visit = readVisit(next);
-    line.product = next();
-    line.boxes = int(won(next()));
-    line.bottles = int(won(next()));
-    for (Won* amount : {&line.supply, &line.vat, &line.crates, &line.deposit}) *amount = won(next());
-    return line;
-}
-
-template <typename Next>
-Empties readEmpties(Next& next) {
-    Empties line;
-    line.visit = readVisit(next);
-    line.product = next();
-    for (int* count : {&line.full, &line.mixed, &line.bottles}) *count = int(won(next()));
-    for (Won* amount : {&line.crates, &line.deposit}) *amount = won(next());
-    return line;
-}
-
-}  // namespace
-
 const QStringList& users() {
-    static const QStringList ids = [] {
-        QStringList all;
-        for (const User& user : kUsers) all << QString::fromLatin1(user.id);
-        return all;
-    }();
+    static const QStringList ids{u"A"_s, u"B"_s, u"C"_s};
     return ids;
 }
 
@@ -102,15 +73,11 @@ const QStringList& products() {
 }
 
 std::map<std::string, std::string> vatModes() {
-    std::map<std::string, std::string> modes;
-    for (const User& user : kUsers) modes[user.id] = user.vatMode;
-    return modes;
+    return {{"A", "1"}, {"B", "2"}, {"C", "3"}};
 }
 
 bool isFollowedByContainers(const QString& user) {
-    const auto* const found =
-        std::ranges::find_if(kUsers, [&](const User& each) { return user == QLatin1StringView(each.id); });
-    return *found->followOn != '\0';
+    return user != users().first();
 }
 
 test::StorageFaultPlan& Device::faults() {
@@ -124,39 +91,22 @@ Device::Device() {
     EXPECT_EQ(sqlite3_open_v2(device_.databaseFile().toUtf8().constData(), &reader_, SQLITE_OPEN_READWRITE,
                               nullptr),
               SQLITE_OK);
-    for (int i = 0; i < products().size(); ++i) {
-        // Odd prices: what is rounded shows.
-        const auto won = [i](int base) { return QString::number(base + 37 * i); };
-        device_.insert(u"PUMMOK", {{u"Pcode", products()[i]},
-                                   {u"Pname", products()[i]},
-                                   {u"BoxBonEa", u"20"},
-                                   {u"ABoxMMoney", won(30000)},
-                                   {u"ABoxBMoney", won(3000)},
-                                   {u"ABonMMoney", won(1500)},
-                                   {u"ABonBMoney", won(150)},
-                                   {u"BBoxMMoney", won(31111)},
-                                   {u"BBoxBMoney", won(3011)},
-                                   {u"BBonMMoney", won(1601)},
-                                   {u"BBonBMoney", won(161)},
-                                   {u"YGMoney1", i % 2 == 0 ? u"4000" : u"0"},
-                                   {u"YGMoney2", i % 2 == 0 ? u"2000" : u"0"},
-                                   {u"GBoxMoney1", u"100"},
-                                   {u"GBonMoney1", u"10"},
-                                   {u"GBonMoney2", i % 2 == 0 ? u"100" : u"0"},
-                                   {u"TTT", i % 2 == 0 ? u"Y" : u""}});
-    }
-    for (const User& user : kUsers) {
-        device_.insert(u"PDAUSER", {{u"userID", QString::fromLatin1(user.id)},
-                                    {u"userPASS", u"1"},
-                                    {u"vatMode", QString::fromLatin1(user.vatMode)},
-                                    {u"followOn", QString::fromLatin1(user.followOn)}});
-    }
-    for (const QString& customer : customers()) {
-        device_.insert(u"GARAE", {{u"GCODE", customer},
-                                  {u"GNAME", customer},
-                                  {u"SEEK", u"ㄱ"},
-                                  {u"GUBUN", customer == customers()[0] ? u"일반" : u"공용"}});
-    }
+    for (const QString& code : products())
+        device_.insert(u"PUMMOK", {{u"Pcode", code}, {u"Pname", code}, {u"BoxBonEa", u"20"}});
+    for (const QString& code : customers())
+        device_.insert(u"GARAE", {{u"GCODE", code}, {u"GNAME", code}, {u"SEEK", u"ㄱ"}, {u"GUBUN", u"공용"}});
+    for (const QString& id : users()) device_.insert(u"PDAUSER", {{u"userID", id}, {u"userPASS", u"1"}});
+    // Odd prices: what is rounded shows. Every other product has deposits.
+    device_.execute(
+        uR"(
+        UPDATE PUMMOK SET ABoxMMoney = 30000 + odd, ABoxBMoney = 3000 + odd, ABonMMoney = 1500 + odd,
+            ABonBMoney = 150 + odd, BBoxMMoney = 31111 + odd, BBoxBMoney = 3011 + odd, BBonMMoney = 1601 + odd,
+            BBonBMoney = 161 + odd, YGMoney1 = 4000 * has, YGMoney2 = 2000 * has, GBoxMoney1 = 100, GBonMoney1 = 10,
+            GBonMoney2 = 100 * has, TTT = iif(has, 'Y', '')
+            FROM (SELECT Pcode AS code, 37 * (Pcode - 1001) AS odd, Pcode % 2 AS has FROM PUMMOK) WHERE Pcode = code;
+        UPDATE GARAE SET GUBUN = '일반' WHERE GCODE = '0001';
+        UPDATE PDAUSER SET vatMode = iif(userID = 'A', 1, iif(userID = 'B', 2, 3)),
+            followOn = iif(userID = 'A', '', 'Y'))"_s);
 }
 
 Device::~Device() {
@@ -186,17 +136,18 @@ void Device::execute(const char* statements) {
 
 void Device::addOrder(const Goods& order) {
     const auto words = [](const std::string& text) { return QString::fromStdString(text); };
-    const auto number = [](Won won) { return QString::number(won); };
-    device_.insert(u"MTM", {{u"DDate", words(order.visit.key.date)},
-                            {u"JunNo", words(order.visit.key.number)},
-                            {u"UserID", words(order.visit.key.user)},
+    const auto& [date, number, user] = order.visit.key;
+    const QString boxes = QString::number(order.boxes), supply = QString::number(order.supply);
+    device_.insert(u"MTM", {{u"DDate", words(date)},
+                            {u"JunNo", words(number)},
+                            {u"UserID", words(user)},
                             {u"GCode", words(order.visit.customer)},
                             {u"WorkGubun", u"미처리"},
                             {u"PCode", words(order.product)},
-                            {u"Box", number(order.boxes)},
-                            {u"Bon", number(order.bottles)},
-                            {u"MMoney", number(order.supply)},
-                            {u"BMoney", number(order.vat)},
+                            {u"Box", boxes},
+                            {u"Bon", u"0"},
+                            {u"MMoney", supply},
+                            {u"BMoney", QString::number(order.vat)},
                             {u"YMoney", u"0"},
                             {u"GMoney", u"0"}});
 }
@@ -207,38 +158,23 @@ Page Device::page(const char* paymentNumber) {
     page.empties = empties("UserID", "YTM");
     page.collections = rows<Collection>(
         "SELECT DDate,JunNo,UserID,GCode,MMoney,PMoney,BMoney,GDMoney,YGMoney,YDMoney,CardMoney,WonMoney,"
-        "UnderMoney,MisuInMoney,BANKTRANNO,Gubun FROM MTMOK",
-        [](auto& next) {
-            Collection row;
-            row.visit = readVisit(next);
-            Amounts& a = row.amounts;
-            for (Won* amount : {&a.sales, &a.supply, &a.vat, &a.other, &a.deposits, &a.recovery, &a.card,
-                                &a.cash, &a.unpaid, &a.earlier})
-                *amount = won(next());
-            row.approval = next();
-            row.isSimple = next() == "단순결제";
-            return row;
+        "UnderMoney,MisuInMoney,BANKTRANNO,Gubun = '단순결제',YMoney + GMoney = YGMoney AND WonMoney + "
+        "CardMoney = InMoney FROM MTMOK",
+        [](Columns columns, Collection& row) {
+            auto& [visit, a, approval, isSimple, isSum] = row;
+            columns >> visit >> a.sales >> a.supply >> a.vat >> a.other >> a.deposits >> a.recovery >>
+                a.card >> a.cash >> a.unpaid >> a.earlier >> approval >> isSimple >> isSum;
         });
     page.payments =
         rows<Payment>(QByteArray("SELECT ") + paymentNumber +
-                          ",DDate,JunNo,UserID,GCode,State,Charged,BANKTRANNO FROM PAYJOURNAL AS sent "
-                          "WHERE State <> 'prepared'",
-                      [](auto& next) {
-                          Payment payment;
-                          payment.message = next();
-                          payment.visit = readVisit(next);
-                          payment.state = next();
-                          payment.amount = won(next());
-                          payment.approval = next();
-                          return payment;
+                          ",DDate,JunNo,UserID,GCode,State,Charged,BANKTRANNO FROM PAYJOURNAL AS sent WHERE "
+                          "State <> 'prepared'",
+                      [](Columns columns, Payment& row) {
+                          columns >> row.message >> row.visit >> row.state >> row.amount >> row.approval;
                       });
-    for (const auto& [customer, debt] :
-         rows<std::pair<std::string, Won>>("SELECT GCODE,CJMONEY FROM GARAE", [](auto& next) {
-             std::pair<std::string, Won> balance;
-             balance.first = next();
-             balance.second = won(next());
-             return balance;
-         }))
+    using Balance = std::pair<std::string, Won>;
+    const auto read = [](Columns columns, Balance& row) { columns >> row.first >> row.second; };
+    for (const auto& [customer, debt] : rows<Balance>("SELECT GCODE,CJMONEY FROM GARAE", read))
         page.debt[customer] = debt;
     return page;
 }
@@ -246,13 +182,19 @@ Page Device::page(const char* paymentNumber) {
 std::vector<Goods> Device::goods(const QByteArray& user, const QByteArray& table) {
     return rows<Goods>(
         "SELECT DDate,JunNo," + user + ",GCode,PCode,Box,Bon,MMoney,BMoney,YMoney,GMoney FROM " + table,
-        [](auto& next) { return readGoods(next); });
+        [](Columns columns, Goods& row) {
+            columns >> row.visit >> row.product >> row.boxes >> row.bottles >> row.supply >> row.vat >>
+                row.crates >> row.deposit;
+        });
 }
 
 std::vector<Empties> Device::empties(const QByteArray& user, const QByteArray& table) {
     return rows<Empties>(
         "SELECT DDate,JunNo," + user + ",GCode,PCode,FBox,NBox,Bon,YMONEY,GMONEY FROM " + table,
-        [](auto& next) { return readEmpties(next); });
+        [](Columns columns, Empties& row) {
+            columns >> row.visit >> row.product >> row.full >> row.mixed >> row.bottles >> row.crates >>
+                row.deposit;
+        });
 }
 
 }  // namespace days

@@ -229,7 +229,8 @@ void Judge::saleSaved(Page& want, const Event& event, const Page& after) {
         return line.visit.key.date == visit.key.date && line.visit.key.number == visit.key.number &&
                line.visit.customer != visit.customer;
     });
-    if (taken) found(Rule::TakenNumber, words(visit) + " was saved");
+    // The office may have brought an order under a number that the terminal had given before.
+    if (taken && find(want.goods, visit) == nullptr) found(Rule::TakenNumber, words(visit) + " was saved");
     Won sales = payable(want, visit);
     Won deposits = depositsOf(want, visit);
     const Collection* const row = find(want.collections, visit);

@@ -7,46 +7,11 @@
 
 namespace days {
 
-/// The rules by which a page is judged. Each has a number of words in `kRuleWords`.
 enum class Rule {
-    Lines,             ///< goods
-    Empty,             ///< empties
-    Numbers,           ///< of new slips
-    Row,               ///< of a collection
-    Balance,           // 1
-    SettledTotal,      // 2
-    SaleMoves,         // 2
-    KeyedSurvives,     // 2
-    Worth,             // 3
-    CardApproved,      // 4
-    OneAmount,         // 5
-    RefuseDifference,  // 5
-    Excess,            // 5 and 6
-    ExcessOnce,        // 6
-    ApprovalTold,      // 7
-    FoundLater,        // 7
-    OneOpen,           // 8
-    DeleteOpen,        // 8
-    CardQuestion,      // 9
-    TakenNumber,       // 9
-    Vat,               // 10
-    Settle,            ///< amounts of the settling buttons
-    Kept,
-    NothingToSettle,
-    Foots,
-    Lost,
-    Doubled,
-    Journal,
-    Closing,
-    Nothing,  ///< what must not change anything
-    Count
+#define RULE(rule, words) rule,
+#include "RuleWords.h"
+#undef RULE
 };
-
-struct RuleWords {
-    Rule rule;
-    const char* words;
-};
-extern const RuleWords kRuleWords[];
 const char* words(Rule rule);
 
 /// What the hand and the host have done, as far as it bears on the books.
@@ -113,7 +78,7 @@ struct Finding {
 };
 
 /// Says after each event what must be on the page. It starts from the page as it is, so that a broken rule is
-/// told once, and remembers what no table tells: what was keyed, what a settlement replaced, what the host
+/// told once, and remembers what no table holds: what was keyed, what a settlement replaced, what the host
 /// charged.
 class Judge {
   public:

@@ -18,7 +18,10 @@ bool isOfDayAndCustomer(const Visit& a, const Visit& b) {
 
 // Supply and tax of a row are judged by the VAT rule, and follow the salesman's keys otherwise.
 std::vector<Collection> comparable(std::vector<Collection> rows) {
-    for (Collection& row : rows) row.amounts.supply = row.amounts.vat = row.amounts.other = 0;
+    for (Collection& row : rows) {
+        row.amounts.supply = row.amounts.vat = row.amounts.other = 0;
+        row.isSum = true;
+    }
     std::ranges::sort(rows);
     return rows;
 }
@@ -169,13 +172,20 @@ void Judge::compare(const Page& want, const Page& after) {
     };
     look(want.collections, after.collections);
     look(want.empties, after.empties);
-    // What was a collection work's is so under its new number.
+    // What is known of such a row is known under its new number: that it was a collection work's, and what it
+    // has taken the place of.
     for (const Collection& row : want.collections) {
-        if (!moved.contains(row.visit) || !byCollectionWork_.contains(row.visit)) continue;
+        if (!moved.contains(row.visit)) continue;
         for (const Collection& now : after.collections) {
-            if (now.visit.customer == row.visit.customer && now.amounts == row.amounts &&
-                find(want.collections, now.visit) == nullptr)
-                byCollectionWork_.insert(now.visit);
+            if (now.visit.customer != row.visit.customer || now.amounts != row.amounts ||
+                find(want.collections, now.visit) != nullptr)
+                continue;
+            if (byCollectionWork_.contains(row.visit)) byCollectionWork_.insert(now.visit);
+            if (const auto at = replacing_.find(row.visit); at != replacing_.end()) {
+                Replaced replaced = at->second;
+                if (replaced.collection) replaced.collection->visit = now.visit;
+                replacing_[now.visit] = replaced;
+            }
         }
     }
     const auto goods = difference(want.goods, after.goods);
@@ -229,9 +239,11 @@ void Judge::brokenOn(const Page& page, const Collection& row, Broken* all) const
     const Amounts& a = row.amounts;
     const bool hasSale = find(page.goods, row.visit) != nullptr;
     const std::string& number = row.visit.key.number;
-    // What was found under a number given twice stands alone, as does what outlived its sale.
-    const bool isAlone =
-        row.isSimple || (number > "4000" && number < "4999") || (!hasSale && orphans_.contains(row.visit));
+    // What was found under a number given twice stands alone, as does what outlived its sale or was received
+    // without one.
+    const bool isReceived = !row.approval.empty() && a.total() == 0 && row.effect() == -(a.card + a.cash);
+    const bool isAlone = row.isSimple || (!hasSale && isReceived) || (number > "4000" && number < "4999") ||
+                         (!hasSale && orphans_.contains(row.visit));
     const Won present = payable(page, row.visit) + depositsOf(page, row.visit);
     if (!isAlone && !keyedSales_.contains(row.visit) && a.total() != present)
         all->insert({Rule::SettledTotal, words(row) + ", the sale is " + std::to_string(present)});
@@ -242,7 +254,7 @@ void Judge::brokenOn(const Page& page, const Collection& row, Broken* all) const
         all->insert({Rule::Vat, words(row) + " VAT " + std::to_string(a.vat)});
     const Won paid = a.card + a.cash + a.unpaid;
     const bool foots = a.total() < 1 || paid == a.due() || (a.due() < 0 && paid == 0);
-    if (!foots && !row.isSimple) all->insert({Rule::Foots, words(row)});
+    if ((!foots && !row.isSimple) || !row.isSum) all->insert({Rule::Foots, words(row)});
     if (lacksApproval(page, row)) all->insert({Rule::CardApproved, words(row)});
 }
 

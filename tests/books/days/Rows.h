@@ -4,7 +4,7 @@
 
 #include "Judge.h"
 
-/// How the judge looks up rows and tells what two tables have not in common.
+/// How the judge looks up rows and reports what two tables have not in common.
 namespace days {
 
 std::string words(const Goods& row);

@@ -3,45 +3,13 @@
 
 namespace days {
 
-const RuleWords kRuleWords[] = {
-    {Rule::Lines,
-     "a save leaves the lines on the screen, and a deletion takes the number's lines of that date"},
-    {Rule::Empty, "the same of the containers taken back"},
-    {Rule::Numbers, "a new slip gets the day's highest number and one, from the first of its range on"},
-    {Rule::Row, "a collection says what its screen showed, once per number, date and user"},
-    {Rule::Balance, "1: a balance moves by what its collections say"},
-    {Rule::SettledTotal, "2: a collection has its sale's present total, wherever it is opened from"},
-    {Rule::SaleMoves, "2: saving a sale moves its collection by the difference"},
-    {Rule::KeyedSurvives, "2: keyed sales amounts survive a reopening"},
-    {Rule::Worth, "3: what was taken back is worth what the collection says, or was keyed"},
-    {Rule::CardApproved,
-     "4: a card amount of a visit has an approval, or a payment that may still become one"},
-    {Rule::OneAmount, "5: what is shown, kept, asked of the host and booked is one amount"},
-    {Rule::RefuseDifference, "5: what card or cash leave of the total is refused"},
-    {Rule::Excess, "5: keying a recovery first takes back what the last one had booked as excess"},
-    {Rule::ExcessOnce, "6: an excess moves the debt once"},
-    {Rule::ApprovalTold, "7: who pays what the journal has as approved is told so first"},
-    {Rule::FoundLater, "7: an approval found later without its sale is money received"},
-    {Rule::OneOpen, "8: one open payment per customer"},
-    {Rule::DeleteOpen, "8: a slip with an open payment is not deleted"},
-    {Rule::CardQuestion, "9: deleting asks about an approval of any row of the number"},
-    {Rule::TakenNumber, "9: a number that holds another customer's lines is refused"},
-    {Rule::Vat, "10: VAT is the payable total less the supply"},
-    {Rule::Settle, "the settling buttons and keyed amounts divide the total by their rules"},
-    {Rule::Kept, "a settlement that was left shows what was keyed when it opens again"},
-    {Rule::NothingToSettle, "where nothing is to be settled the buttons leave a keyed payment alone"},
-    {Rule::Foots, "a settlement foots: total = card, cash, unpaid and recovery"},
-    {Rule::Lost, "what the host charged, the journal has as approved or asks about"},
-    {Rule::Doubled, "an approval stands on one collection"},
-    {Rule::Journal, "the journal keeps every payment as the host answered it"},
-    {Rule::Closing, "a close says what the collections of its day and user come to"},
-    {Rule::Nothing, "what has nothing to do with a table leaves it alone"},
-};
-
-static_assert(std::size(kRuleWords) == static_cast<std::size_t>(Rule::Count));
-
 const char* words(Rule rule) {
-    return kRuleWords[static_cast<int>(rule)].words;
+    constexpr const char* kWords[] = {
+#define RULE(rule, words) words,
+#include "RuleWords.h"
+#undef RULE
+    };
+    return kWords[int(rule)];
 }
 
 std::string words(const Amounts& a) {

@@ -25,61 +25,16 @@ namespace {
 
 const QDateTime kMorning({2026, 11, 20}, {8, 0});
 
-constexpr const char* kNames[] = {"매출작업",
-                                  "입금작업",
-                                  "용공작업",
-                                  "단순결제",
-                                  "일마감",
-                                  "사무실 주문",
-                                  "로그인",
-                                  "다른날 로그인",
-                                  "꺼짐",
-                                  "디스크 고장",
-                                  "시계",
-                                  "132 추가",
-                                  "132 확인",
-                                  "132 결제",
-                                  "132 삭제",
-                                  "150 추가",
-                                  "150 확인",
-                                  "150 삭제",
-                                  "391 추가",
-                                  "391 확인",
-                                  "391 삭제",
-                                  "134 등록",
-                                  "134 수량",
-                                  "134 금액",
-                                  "134 삭제",
-                                  "134 주문서 저장",
-                                  "134 완료",
-                                  "394 등록",
-                                  "394 수량",
-                                  "394 금액",
-                                  "394 삭제",
-                                  "394 완료",
-                                  "450 주류매출액",
-                                  "450 공급가액",
-                                  "450 부가세액",
-                                  "450 비주류",
-                                  "450 용공회수액",
-                                  "450 전미수",
-                                  "450 카드입금",
-                                  "450 현금입금",
-                                  "450 외상처리",
-                                  "450 전표삭제",
-                                  "450 완료",
-                                  "449 카드",
-                                  "449 완료",
-                                  "449 결과확인",
-                                  "104 금액",
-                                  "104 완료",
-                                  "이전"};
-static_assert(std::size(kNames) == std::size_t(Tap::Count));
+constexpr Step kSteps[] = {
+#define TAP(tap, name, weight, screen) {name, weight, Screen::screen},
+#include "Taps.h"
+#undef TAP
+};
 
 }  // namespace
 
-const char* name(Tap tap) {
-    return kNames[int(tap)];
+const Step& stepOf(Tap tap) {
+    return kSteps[int(tap)];
 }
 
 const Host::Decision& Host::decide(const std::string& message, Won amount, bool charges) {
@@ -118,23 +73,8 @@ Event Terminal::event(Event::Kind kind) const {
 // --- the menu and the way through the screens
 
 bool Terminal::can(Tap tap) const {
-    using enum Tap;
-    if (tap == Kill || tap == Fault || tap == Clock) return true;
-    if (tap == Back) return !isAtMenu();
-    if (tap <= OtherDay) return isAtMenu();
-    if (tap <= DeleteSale) return isAt(Screen::SaleList);
-    if (tap <= DeleteCollection) return isAt(Screen::CollectionList);
-    if (tap <= DeleteEmpties) return isAt(Screen::EmptiesList);
-    if (tap <= FinishSale) return isAt(Screen::Sale);
-    if (tap <= FinishEmpties) return isAt(Screen::Empties);
-    if (tap <= FinishCollection) return isAt(Screen::Entry);
-    if (tap <= AskAgain) return isAt(Screen::Card);
-    return isAt(Screen::Simple);
-}
-
-int Terminal::dialog() const {
-    constexpr int kDialogs[] = {132, 150, 391, 134, 394, 450, 449, 104};
-    return isAtMenu() ? 102 : kDialogs[int(screens_.back())];
+    const Screen screen = stepOf(tap).screen;
+    return screen == Screen::Any || (screen == Screen::Open && !isAtMenu()) || isAt(screen);
 }
 
 bool Terminal::answer(QStringView caption, bool isYes) {
@@ -155,14 +95,6 @@ void Terminal::menu(int mode, Screen screen) {
     screens_ = {screen};
 }
 
-void Terminal::open(Screen screen) {
-    screens_.push_back(screen);
-}
-
-void Terminal::replace(Screen screen) {
-    screens_.back() = screen;
-}
-
 /// A list that is come back to shows no choice.
 void Terminal::back() {
     screens_.pop_back();
@@ -170,10 +102,6 @@ void Terminal::back() {
         number_.clear();
         customer_.clear();
     }
-}
-
-void Terminal::done() {
-    screens_.clear();
 }
 
 void Terminal::kill() {
@@ -329,7 +257,6 @@ std::string Terminal::listTap(const Action& action) {
         case AddSale:
         case OpenSale: openSale(); break;
         case PaySale: paySale(action.amount); break;
-        case DeleteSale: deleteSale(action.amount); break;
         case OpenCollection:
             // The list makes room for it.
             screens_.pop_back();
@@ -337,22 +264,9 @@ std::string Terminal::listTap(const Action& action) {
         case AddCollection: openEntry(action.amount); break;
         case AddEmpties:
         case OpenEmpties: openEmpties(); break;
-        case DeleteCollection: {
-            if (!mayDelete(action.pick / 8)) break;
-            kept_.reset();
-            Event deleted = event(Event::Kind::CollectionDeleted);
-            if (!mayDeletePayments(&deleted, false, action.amount)) break;
-            deleted.isRefused = !books::removeCollections(date_, number_, user_);
-            tell(deleted);
-            break;
-        }
-        default: {
-            if (!mayDelete(action.pick / 8)) break;
-            kept_.reset();
-            Event deleted = event(Event::Kind::EmptiesDeleted);
-            deleted.isRefused = !container::deleteSlip(date_, number_, user_);
-            tell(deleted);
-        }
+        case DeleteSale: deleteChosen(Event::Kind::SaleDeleted, action); break;
+        case DeleteCollection: deleteChosen(Event::Kind::CollectionDeleted, action); break;
+        default: deleteChosen(Event::Kind::EmptiesDeleted, action);
     }
     return said;
 }
@@ -364,12 +278,17 @@ void Terminal::paySale(unsigned pick) {
     openEntry(pick);
 }
 
-void Terminal::deleteSale(unsigned pick) {
-    if (!mayDelete(pick / 8)) return;
+void Terminal::deleteChosen(Event::Kind kind, const Action& action) {
+    if (!mayDelete(action.pick / 8)) return;
     kept_.reset();
-    Event deleted = event(Event::Kind::SaleDeleted);
-    const bool alsoFollowers = mayDeletePayments(&deleted, state_ == sales::kPaid, pick);
-    deleted.isRefused = !sales::deleteSlip(date_, number_, alsoFollowers, user_);
+    Event deleted = event(kind);
+    const bool alsoPayments = kind == Event::Kind::EmptiesDeleted ||
+                              mayDeletePayments(&deleted, state_ == sales::kPaid, action.amount);
+    if (kind == Event::Kind::CollectionDeleted && !alsoPayments) return;
+    deleted.isRefused =
+        kind == Event::Kind::SaleDeleted         ? !sales::deleteSlip(date_, number_, alsoPayments, user_)
+        : kind == Event::Kind::CollectionDeleted ? !books::removeCollections(date_, number_, user_)
+                                                 : !container::deleteSlip(date_, number_, user_);
     tell(deleted);
 }
 

@@ -17,65 +17,26 @@
 
 namespace days {
 
-/// What the hand, the host and bad luck can do.
 enum class Tap {
-    // The menu.
-    Sales,
-    Collections,
-    Containers,
-    Simple,
-    Close,
-    Office,  ///< The office sends an order, numbered as high as it likes.
-    Login,
-    OtherDay,
-    Kill,
-    Fault,
-    Clock,
-    // The lists 132, 150 and 391.
-    AddSale,
-    OpenSale,
-    PaySale,
-    DeleteSale,
-    AddCollection,
-    OpenCollection,
-    DeleteCollection,
-    AddEmpties,
-    OpenEmpties,
-    DeleteEmpties,
-    // The sales slip.
-    AddGoods,
-    ChangeGoods,
-    EditAmount,
-    DeleteGoods,
-    SaveSale,
-    FinishSale,
-    // The container slip.
-    AddReturn,
-    ChangeReturn,
-    EditReturn,
-    DeleteReturn,
-    FinishEmpties,
-    // The collection.
-    KeySales,
-    KeySupply,
-    KeyVat,
-    KeyOther,
-    KeyRecovery,
-    KeyEarlier,
-    ByCard,
-    InCash,
-    OnCredit,
-    ForgetCollection,
-    FinishCollection,
-    // The card.
-    Swipe,
-    FinishCard,
-    AskAgain,
-    // Simple payment.
-    KeySimple,
-    FinishSimple,
-    Back,  ///< 이전 or 취소 of whatever is in front.
+#define TAP(tap, name, weight, screen) tap,
+#include "Taps.h"
+#undef TAP
     Count
+};
+
+/// The dialogs, by their ids, and where a step can be done that none is named for.
+enum class Screen {
+    Any,
+    Open,  ///< Any dialog but the menu.
+    Menu = 102,
+    Simple = 104,
+    SaleList = 132,
+    Sale = 134,
+    CollectionList = 150,
+    EmptiesList = 391,
+    Empties = 394,
+    Card = 449,
+    Entry = 450
 };
 
 /// One step of a day. What it chooses follows from its numbers and from what is there, so a step means much
@@ -141,20 +102,16 @@ class Terminal {
     Page page() { return device_.page(); }
     bool isAtMenu() const { return screens_.empty(); }
     /// The dialog in front, by its id.
-    int dialog() const;
+    int dialog() const { return int(front()); }
     const Hand& hand() const { return hand_; }
     const QString& user() const { return user_; }
     const QString& date() const { return date_; }
 
   private:
-    enum class Screen { SaleList, CollectionList, EmptiesList, Sale, Empties, Entry, Card, Simple };
-
-    bool isAt(Screen screen) const { return !screens_.empty() && screens_.back() == screen; }
+    Screen front() const { return isAtMenu() ? Screen::Menu : screens_.back(); }
+    bool isAt(Screen screen) const { return front() == screen; }
     void menu(int mode, Screen screen);
-    void open(Screen screen);
-    void replace(Screen screen);
     void back();
-    void done();
     void login(unsigned pick, bool isOtherDay);
     void kill();
     void loadOrder(unsigned pick);
@@ -171,7 +128,7 @@ class Terminal {
     std::string cardTap(const Action& action);
     std::string simpleTap(const Action& action);
     void paySale(unsigned pick);
-    void deleteSale(unsigned pick);
+    void deleteChosen(Event::Kind kind, const Action& action);
     std::string addGoods(const Action& action, const platform::Rows& lines);
     bool saveSale();
     void finishSale();
@@ -241,7 +198,16 @@ class Terminal {
     bool isPaid_ = false;
 };
 
-const char* name(Tap tap);
+/// What is fixed for a step, see Taps.h.
+struct Step {
+    const char* name;
+    double weight;
+    Screen screen;
+};
+const Step& stepOf(Tap tap);
+inline const char* name(Tap tap) {
+    return stepOf(tap).name;
+}
 
 inline std::string text(const QString& from) {
     return from.toStdString();

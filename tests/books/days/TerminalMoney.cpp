@@ -19,20 +19,15 @@ using namespace Qt::Literals::StringLiterals;
 
 Amounts Terminal::shown() const {
     const books::SettlementAmounts& a = isAt(Screen::Card) ? charged_ : amounts_;
-    return {.sales = a.sales.value(),
-            .supply = a.supply.value(),
-            .vat = a.vat.value(),
-            .other = a.nonLiquor.value(),
-            .deposits = a.deposit.value(),
-            .recovery = a.containerRecovery.value(),
-            .card = a.card.value(),
-            .cash = a.cash.value(),
-            .unpaid = a.unpaid.value(),
-            .earlier = a.earlierReceivable.value()};
+    return {a.sales.value(),   a.supply.value(),
+            a.vat.value(),     a.nonLiquor.value(),
+            a.deposit.value(), a.containerRecovery.value(),
+            a.card.value(),    a.cash.value(),
+            a.unpaid.value(),  a.earlierReceivable.value()};
 }
 
 void Terminal::openEntry(unsigned pick) {
-    open(Screen::Entry);
+    screens_.push_back(Screen::Entry);
     loadEntry(pick);
 }
 
@@ -184,10 +179,11 @@ bool Terminal::isApprovalPutBack(unsigned pick) {
     tell(back);
     if (back.isRefused) return true;
     if (isSimple) {
-        done();
+        screens_.clear();
     } else if (row->JunNo == number_ && row->UserID == user_) {
         takeApproval(pick);
     } else {
+        kept_.reset();
         loadEntry(pick);
     }
     return true;
@@ -200,7 +196,7 @@ void Terminal::takeApproval(unsigned pick) {
         !paid->UnderMoney.isZero()) {
         loadEntry(pick);
     } else {
-        done();
+        screens_.clear();
     }
 }
 
@@ -228,7 +224,7 @@ bool Terminal::finishEntry(unsigned pick) {
         charged_ = amounts_;
         openCard();
     } else {
-        done();
+        screens_.clear();
     }
     return true;
 }
@@ -241,9 +237,9 @@ void Terminal::openCard() {
     payment_.clear();
     isPaid_ = false;
     if (mode_ == 6) {
-        open(Screen::Card);
+        screens_.push_back(Screen::Card);
     } else {
-        replace(Screen::Card);
+        screens_.back() = Screen::Card;
     }
 }
 
@@ -327,7 +323,7 @@ void Terminal::backFromCard() {
         tell(taken);
     }
     if (isPaid_) {
-        done();
+        screens_.clear();
     } else {
         back();
     }
@@ -335,7 +331,7 @@ void Terminal::backFromCard() {
 
 void Terminal::finishCard() {
     if (isPaid_ || (charged_.card <= platform::Won() && mode_ != 6)) {
-        done();
+        screens_.clear();
     } else if (charged_.card <= platform::Won()) {
         back();
     }

@@ -42,7 +42,7 @@ void Terminal::openSale() {
     if (customer_.isEmpty()) customer_ = slip->GCode;
     kind_ = books::slipCustomer(customer_).value_or(books::Customer()).Gubun;
     hasUnsavedLines_ = false;
-    open(Screen::Sale);
+    screens_.push_back(Screen::Sale);
 }
 
 bool Terminal::saveSale() {
@@ -124,7 +124,7 @@ void Terminal::openEmpties() {
     // A slip that could not be opened closes its screen at once.
     if (!container::reloadSlip(user_, date_, number_)) return;
     if (container::isOtherCustomers(customer_)) container::emptySlip();
-    open(Screen::Empties);
+    screens_.push_back(Screen::Empties);
 }
 
 void Terminal::finishEmpties() {

@@ -21,8 +21,7 @@ class Cluster {
 
     Cluster();
     ~Cluster();
-    Cluster(const Cluster&) = delete;
-    Cluster& operator=(const Cluster&) = delete;
+    Q_DISABLE_COPY_MOVE(Cluster)
 
     /// How the administrator connects to the database, through the socket.
     QString administrator(const QString& database) const;

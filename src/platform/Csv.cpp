@@ -1,4 +1,4 @@
-#include "common/Csv.h"
+#include "platform/Csv.h"
 
 #include <QStringDecoder>
 #include <algorithm>
@@ -7,7 +7,7 @@
 
 #include "platform/CodePage.h"
 
-namespace tools {
+namespace platform {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
@@ -129,10 +129,10 @@ CsvFile parseCsv(QByteArrayView content) {
     }
     // Korean spreadsheets write code page 949 unless they are told otherwise.
     std::optional<QString> text = decodeUtf8(content);
-    if (!text) text = platform::codepage::decode(content);
+    if (!text) text = codepage::decode(content);
     if (text) return Reader(*text).read();
     const int line =
-        std::max(firstBrokenLine(content, decodeUtf8), firstBrokenLine(content, platform::codepage::decode));
+        std::max(firstBrokenLine(content, decodeUtf8), firstBrokenLine(content, codepage::decode));
     return {{}, u"line %1: the text is neither UTF-8 nor code page 949"_s.arg(line)};
 }
 
@@ -168,4 +168,4 @@ QByteArray csvLine(const QStringList& fields) {
     return (line + u'\n').toUtf8();
 }
 
-}  // namespace tools
+}  // namespace platform

@@ -8,7 +8,7 @@
 #include <QStringView>
 #include <span>
 
-namespace tools {
+namespace platform {
 
 struct CsvRecord {
     int line;  ///< Line of the file, from 1, on which the record begins.
@@ -43,4 +43,4 @@ QString readCsvRows(QByteArrayView content, QStringView table, std::span<const Q
 /// them.
 QByteArray csvLine(const QStringList& fields);
 
-}  // namespace tools
+}  // namespace platform
