@@ -11,6 +11,7 @@ ui::ReportList* ProductSearchScreen::addProducts(const QRect& area, const QStrin
     list_ = addList(
         1090, area, name, {{u"코드"_s, 50}, {u"상품명"_s, nameWidth}, {u"용량"_s, 60}, {u"용도"_s, 50}},
         [this](int row) { choose(row); }, [this] { close(Accepted); });
+    list_->setEmptyText(u"찾는 상품이 없습니다."_s);
     // A row that is not shown any more is not the choice either.
     connect(list_, &ui::ReportList::narrowed, this, &ProductSearchScreen::forgetChoice);
     return list_;

@@ -67,6 +67,8 @@ CRovanaDlg::CRovanaDlg() : Screen(dialogs::kMain) {
     const QString fromSettings = defaultUserId();
     if (!fromSettings.isEmpty()) userId_->setCurrentText(fromSettings);
     userId_->setFocus();
+    // On a display without a window manager keys may come before the focus does.
+    userId_->lineEdit()->selectAll();
 }
 
 void CRovanaDlg::addLoginControls() {

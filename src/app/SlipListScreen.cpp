@@ -28,6 +28,7 @@ void SlipListScreen::addSlips(const QRect& area, const QString& name, const QLis
         1054, area.adjusted(0, 0, 0, -kTotalHeight), name, columns,
         [this](int row) { takeSlip(slips_.rows, row); }, [this] { runWork(workDialog_); });
     list_->setDetail([this](const platform::Rows&, int row) { return slips_.details.value(row); });
+    list_->setEmptyText(u"오늘 전표가 없습니다.\n[추가]를 누르면 새로 씁니다."_s);
     const int top = area.bottom() + 1 - kTotalHeight;
     if (isCounted) describe(addLabel(kCount, {}, {4, top, 52, kTotalHeight}), u"전표수"_s);
     const int left = ui::kGridLeft + (isCounted ? 1 : 2) * ui::kGridPitch;

@@ -77,7 +77,7 @@ std::optional<Report> sales(QStringView date, QStringView user) {
         kSales;
     Report report = reportHead(u"상품별 매출집계", date, user);
     report.columns = {kCode,
-                      {.title = u"상품명"_s, .pixels = 98, .paper = 20},
+                      {.title = u"상품명"_s, .pixels = 92, .paper = 20},
                       counts(u"상자"_s, 36, 6),
                       counts(u"본"_s, 32, 6),
                       amounts(u"공급가"_s, 12, kNewLine),

@@ -275,6 +275,7 @@ QSize ReportList::detailSize(int place) const {
 
 void ReportList::paintEvent(QPaintEvent* event) {
     QTableView::paintEvent(event);
+    if (rowCount() == 0) return paintEmptyText();
     if (!model_->hasDetail()) return;
     QPainter painter(viewport());
     const int first = rowAt(event->rect().top());
@@ -282,6 +283,19 @@ void ReportList::paintEvent(QPaintEvent* event) {
     for (int place = first; place < rowCount() && rowViewportPosition(place) <= event->rect().bottom();
          ++place)
         paintDetail(painter, place);
+}
+
+void ReportList::setEmptyText(const QString& text) {
+    emptyText_ = text;
+    setAccessibleDescription(text);
+    viewport()->update();
+}
+
+void ReportList::paintEmptyText() {
+    if (emptyText_.isEmpty()) return;
+    QPainter painter(viewport());
+    painter.setPen(kDetailColour);
+    painter.drawText(viewport()->rect(), Qt::AlignCenter | Qt::TextWordWrap, emptyText_);
 }
 
 void ReportList::paintDetail(QPainter& painter, int place) const {

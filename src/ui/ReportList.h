@@ -95,6 +95,8 @@ class ReportList : public QTableView {
     /// were set all the same. From then on a text that is keyed on the list is told by typed().
     void narrow(Filter filter);
     void clear() { setRows({}); }
+    /// What stands in the list while it has no row: what to do, on lines of its own.
+    void setEmptyText(const QString& text);
 
     /// Says the second line of a row among `rows`.
     using Detail = std::function<RowDetail(const platform::Rows& rows, int row)>;
@@ -138,6 +140,7 @@ class ReportList : public QTableView {
     void showRows();
     void readPieces(QDeadlineTimer until);
     void readOn(QDeadlineTimer until);
+    void paintEmptyText();
     void paintDetail(QPainter& painter, int place) const;
     QRect detailArea(int place) const;
     void choose(int row, bool isByKey);
@@ -147,6 +150,7 @@ class ReportList : public QTableView {
     int rowAtPlace(int place) const { return filter_ ? shown_.value(place, -1) : place; }
 
     RowsModel* model_;
+    QString emptyText_;
     CellDelegate* cells_;
     platform::Rows all_;
     platform::RowSource more_;  ///< What has not been read yet.

@@ -27,6 +27,7 @@ TEST(LoginScreen, TakesALetterOnceAndShowsItsCalendarWhole) {
     terminal.show(opened.get());
     QApplication::setActiveWindow(&terminal);
     auto* user = static_cast<QComboBox*>(opened->control(1005));
+    EXPECT_EQ(user->lineEdit()->selectedText(), u"A"_s);
     user->setFocus();
     QCoreApplication::processEvents();
     QTest::keyClick(user, Qt::Key_B);

@@ -56,6 +56,7 @@ CContainerSlipDlg::CContainerSlipDlg()
             showAmounts();
         },
         [this] { changeCounts(); });
+    list_->setEmptyText(u"돌려받은 것이 없으면 [완료],\n있으면 [등록]을 누르세요."_s);
     connect(list_, &ui::ReportList::emptyPartClicked, this, [this] {
         list_->clearSelection();
         selected_.reset();

@@ -79,6 +79,8 @@ CGaeaeDlg::CGaeaeDlg() : NarrowScreen(app::dialogs::kCustomerList), seek_(app::s
 void CGaeaeDlg::fill() {
     const ui::WaitCursor wait;
     today_ = customersOfDay(app::session().WorkDate);
+    list_->setEmptyText(ownOnly_ ? u"찾는 거래처가 없습니다.\n[전체]를 누르면 모두 찾습니다."_s
+                                 : u"찾는 거래처가 없습니다."_s);
     list_->readRows(customers(seek_, app::session().UserID, ownOnly_));
 }
 

@@ -78,6 +78,7 @@ void CMtmDlg::addLines() {
         1054, {0, 40, 240, 107}, u"주문서 상품"_s,
         {{u"코드"_s, 40}, {u"상품명"_s, 110}, {u"상자"_s, 34, ui::kRight}, {u"본"_s, 34, ui::kRight}},
         [this](int row) { selectLine(row); }, [this] { changeQuantities(); });
+    list_->setEmptyText(u"[등록]으로 상품을 넣거나\n[지난주문]을 누르세요."_s);
     // More of the lines shows below lower titles.
     list_->horizontalHeader()->setFixedHeight(kTitleHeight);
     list_->setCellDetails(kRowHeight, [this](const platform::Rows& rows, int row, int column) {

@@ -17,6 +17,7 @@ CUnvisitedDlg::CUnvisitedDlg()
     list_ = addList(
         1054, {0, 34, 240, 248}, u"미방문 주문 목록"_s, {{u"거래처명"_s, 188}, {u"전표"_s, 50}}, [](int) {},
         [this] { take(); });
+    list_->setEmptyText(u"미방문 주문이 없습니다."_s);
     list_->setDetail([this](const platform::Rows&, int row) {
         return ui::RowDetail{orders_[row].tel, app::wonText(orders_[row].amount)};
     });

@@ -92,6 +92,7 @@ CReportDlg::CReportDlg(int id, ShownReport shown) : Screen(id), shown_(std::move
 
     const int listBottom = addSums(kListBottom);
     list_ = addList(1054, {0, kListTop, 240, listBottom - kListTop}, report.title, {});
+    list_->setEmptyText(u"내용이 없습니다."_s);
     showRows();
     addLeaveButton(1003, u"닫  기"_s);
     addMainButton(1000, u"출  력"_s, [this] { printReport(); });

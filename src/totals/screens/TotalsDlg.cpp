@@ -155,16 +155,18 @@ void CTotalsDlg::closeDay() {
     }
     checkVisits();
     // Asked before any figure is shown that the count could be made to fit.
-    if (!app::askNumber(u"현금시재"_s)) return;
-    const platform::Won counted = platform::parseWon(app::keypadRequest().KeypadValue1);
+    const auto counted = app::askAmount(u"현금시재"_s);
+    if (!counted) return;
+    if (app::keypadRequest().KeypadValue1.isEmpty())
+        return ui::message(u"센 금액을 넣으세요..! 현금이 없으면 0을 넣으세요."_s);
     // Who paid out more for empties than he took in has laid out his own money.
-    if (counted < platform::Won() &&
+    if (*counted < platform::Won() &&
         !ui::confirm(u"현금시재가 0원보다 작습니다. 받은 현금보다 내준 현금이 많습니까?"_s, u"일마감"_s))
         return;
     std::optional<QList<DayClose>> closes;
     {
         const ui::WaitCursor cursor;
-        closes = totals::closeDay(session.WorkDate, session.UserID, counted);
+        closes = totals::closeDay(session.WorkDate, session.UserID, *counted);
     }
     if (closes) {
         showClose(*closes);

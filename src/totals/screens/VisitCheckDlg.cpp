@@ -38,6 +38,7 @@ CVisitCheckDlg::CVisitCheckDlg()
 
 CVisitCheckDlg::CVisitCheckDlg(const QStringList& days, const VisitCheck& found)
     : CReportDlg(app::dialogs::kVisitCheck, found.report), days_(days), check_(found) {
+    list()->setEmptyText(u"맞지 않는 방문이 없습니다."_s);
     list()->setDetail([this](const platform::Rows&, int row) {
         const VisitCheck::Note note = check_.notes.value(row);
         return ui::RowDetail{note.reason, note.amounts};
