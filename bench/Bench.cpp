@@ -1,5 +1,7 @@
 #include "Bench.h"
 
+#include <time.h>
+
 #include <algorithm>
 #include <chrono>
 #include <vector>
@@ -34,6 +36,12 @@ double millisecondsOf(const std::function<void()>& work) {
     const auto begin = std::chrono::steady_clock::now();
     work();
     return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
+}
+
+double processorMilliseconds() {
+    timespec time{};
+    ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return double(time.tv_sec) * 1e3 + double(time.tv_nsec) / 1e6;
 }
 
 }  // namespace bench

@@ -22,6 +22,10 @@ Result compare(int runs, const char* unit, const std::function<double()>& ours,
 /// Milliseconds that `work` takes by the steady clock.
 double millisecondsOf(const std::function<void()>& work);
 
+/// Milliseconds of the processor that all threads of this process have taken so far. For work that waits for
+/// nothing: whatever else runs does not count.
+double processorMilliseconds();
+
 // One function for each measurement, in a file of its own. They throw std::runtime_error, which says why,
 // when a side cannot run or gives a wrong result.
 Result measureImport();

@@ -277,13 +277,6 @@ class BareExchange {
     Listener listener_;
 };
 
-/// The processor's time that all threads of this process have taken.
-double processorMicroseconds() {
-    timespec time{};
-    ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-    return double(time.tv_sec) * 1e6 + double(time.tv_nsec) / 1e3;
-}
-
 /// Memory that this process has in use, in KiB. What is resident would also hold what others have let go.
 double usedKiB() {
     const struct mallinfo2 heap = ::mallinfo2();
@@ -300,7 +293,7 @@ Result measureExchange() {
     terminal.pay();
     BareExchange bare(host.requestBytes(), host.replyBytes());
     const bool isCounted = counter.count().has_value();
-    const auto now = [&] { return isCounted ? *counter.count() / 1000 : processorMicroseconds(); };
+    const auto now = [&] { return isCounted ? *counter.count() / 1000 : processorMilliseconds() * 1000; };
     const auto repeat = [&](auto&& once) {
         const double before = now();
         for (int i = 0; i < kExchangesARun; ++i) once();

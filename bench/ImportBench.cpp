@@ -4,6 +4,7 @@
 
 #include <sodium.h>
 
+#include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
@@ -78,10 +79,16 @@ double loadWithShell(const QString& databaseFile, const QString& rows) {
     return time;
 }
 
+/// Lets a file arrive. It lies on the disk already: the waits that are measured are those for the notes.
+void deliver(const QString& path, const QByteArray& lines) {
+    writeFile(path, lines);
+    if (!platform::syncToDisk(path)) throw std::runtime_error("the file is not on the disk");
+}
+
 /// Milliseconds that loading the contract prices takes, which must end so.
 double load(const QByteArray& lines, db::ImportResult::Outcome outcome) {
     const db::ImportFile& file = contractPriceFile();
-    writeFile(platform::device::path(importPath(file, db::ImportSource::Documents)), lines);
+    deliver(platform::device::path(importPath(file, db::ImportSource::Documents)), lines);
     db::ImportResult result;
     const double time = millisecondsOf([&] {
         result = db::importFile(file, db::ImportSource::Documents, [](int, int) {});
@@ -93,10 +100,11 @@ double load(const QByteArray& lines, db::ImportResult::Outcome outcome) {
     return time;
 }
 
-/// Milliseconds that it takes to read the file, to compute its digest, to note that and to delete the file,
-/// both for good.
+/// Milliseconds that it takes to read the file, to compute its digest, to note that and when, and to delete
+/// the file, both for good. Without the time the note would be the one that stands there already, and SQLite
+/// writes no page that stays the same.
 double takeNoteOf(const QByteArray& lines, const QString& path, platform::SqliteFile& notes) {
-    writeFile(path, lines);
+    deliver(path, lines);
     return millisecondsOf([&] {
         QFile file(path);
         const QByteArray content = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
@@ -104,7 +112,10 @@ double takeNoteOf(const QByteArray& lines, const QString& path, platform::Sqlite
         crypto_generichash(reinterpret_cast<unsigned char*>(digest.data()), size_t(digest.size()),
                            reinterpret_cast<const unsigned char*>(content.constData()),
                            static_cast<unsigned long long>(content.size()), nullptr, 0);
-        notes.statement("UPDATE MASTERLOAD SET Digest = ?").bind(digest.toHex()).step();
+        notes.statement("UPDATE MASTERLOAD SET Digest = ?, LoadedAt = ?")
+            .bind(digest.toHex())
+            .bind(QDateTime::currentMSecsSinceEpoch())
+            .step();
         if (content != lines || !file.remove() || !platform::syncToDisk(QFileInfo(path).path()))
             throw std::runtime_error("the file was not read and deleted");
     });

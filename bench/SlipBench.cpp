@@ -3,7 +3,6 @@
 // customers and products, and the salesman has saved as many slips on the day.
 
 #include <QDate>
-#include <algorithm>
 #include <stdexcept>
 
 #include "Bench.h"

@@ -74,6 +74,7 @@ CKeyboardDlg::CKeyboardDlg() : Screen(dialogs::kKeypad), keypad_(keypadRequest()
     addKeys();
     hideByMode();
     refresh();
+    sinceOpened_.start();
     keypadRequest().StartAnew = [this] {
         keypad_.clear();
         refresh();
@@ -165,11 +166,8 @@ void CKeyboardDlg::addKeys() {
         button->setFont(ui::font(ui::FontHeight::Title));
         button->setRepeated(true);
     }
-    ui::BitmapButton* minus = addButton(1001, u"ㅡ"_s, keyAt(2, 3), ui::bitmaps::kKeySpecial, [this] {
-        keypad_.minus();
-        refresh();
-    });
-    minus->setFont(ui::font(ui::FontHeight::Title));
+    minus_ = addButton(1001, u"ㅡ"_s, keyAt(2, 3), ui::bitmaps::kKeySpecial, [this] { negate(); });
+    minus_->setFont(ui::font(ui::FontHeight::Title));
     addButton(1002, u"다시입력"_s, keyAt(3, 0), ui::bitmaps::kEnterAgain, [this] {
         keypad_.clear();
         refresh();
@@ -195,6 +193,7 @@ void CKeyboardDlg::hideByMode() {
 }
 
 void CKeyboardDlg::refresh() {
+    minus_->setEnabled(keypad_.canNegate());
     const auto& note = keypadRequest().Topic.note;
     if (note && label(kNote)) setFittedText(kNote, note(keypad_.entries()), ui::FontHeight::Small);
     for (int field = 1; field <= kFields; ++field) {
@@ -213,6 +212,13 @@ void CKeyboardDlg::refresh() {
 
 void CKeyboardDlg::append(const QString& digits) {
     keypad_.append(digits);
+    refresh();
+}
+
+void CKeyboardDlg::negate() {
+    // Of nothing it makes 0, which is still nothing.
+    if (!keypad_.canNegate()) return;
+    keypad_.minus();
     refresh();
 }
 
@@ -235,10 +241,15 @@ bool CKeyboardDlg::focusNextPrevChild(bool) {
 void CKeyboardDlg::keyPressEvent(QKeyEvent* event) {
     const QString text = event->text();
     if (text.size() == 1 && text[0] >= u'0' && text[0] <= u'9') {
-        append(text);
-    } else if (text == u"-") {
-        keypad_.minus();
-        refresh();
+        if (keypadRequest().Topic.scanned && scanned_.add(text[0], sinceOpened_.elapsed()))
+            beforeScan_ = keypad_.state();
+        return append(text);
+    }
+    const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (isEnter && takeScan()) return;
+    scanned_ = {};
+    if (text == u"-") {
+        negate();
     } else if (event->key() == Qt::Key_Backspace) {
         keypad_.erase(keypad_.activeField());
         refresh();
@@ -250,6 +261,24 @@ void CKeyboardDlg::keyPressEvent(QKeyEvent* event) {
     } else {
         Screen::keyPressEvent(event);
     }
+}
+
+bool CKeyboardDlg::takeScan() {
+    const QString code = scanned_.take(sinceOpened_.elapsed());
+    const auto scanned = keypadRequest().Topic.scanned;
+    if (code.isEmpty() || !scanned) return false;
+    const Keypad::State keyed = keypad_.state();
+    keypad_.restore(beforeScan_);
+    refresh();
+    auto entries = keypad_.entries();
+    switch (scanned(code, &entries)) {
+        case Scan::None: keypad_.restore(keyed); return false;
+        case Scan::Counted: keypad_.count(entries); break;
+        case Scan::Next: leave(Accepted); return true;
+        case Scan::Refused: break;
+    }
+    refresh();
+    return true;
 }
 
 void CKeyboardDlg::leave(Result result) {

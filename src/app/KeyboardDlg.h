@@ -1,6 +1,9 @@
 #pragma once
 
+#include <QElapsedTimer>
+
 #include "app/Keypad.h"
+#include "app/ScannedDigits.h"
 #include "ui/Screen.h"
 
 class QCheckBox;
@@ -29,11 +32,18 @@ class CKeyboardDlg : public ui::Screen {
     void hideByMode();
     void refresh();
     void append(const QString& digits);
+    void negate();
+    /// True when Enter ended a bar code; what its digits did to the active field is taken back.
+    bool takeScan();
     void chooseNextField();
     void activate(int field);
     void leave(Result result);
 
     Keypad keypad_;
+    Keypad::State beforeScan_;
+    ScannedDigits scanned_;
+    QElapsedTimer sinceOpened_;
+    ui::BitmapButton* minus_ = nullptr;
     QCheckBox* second_ = nullptr;
     QCheckBox* third_ = nullptr;
 };

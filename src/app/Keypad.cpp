@@ -28,6 +28,24 @@ Keypad::Keypad(const KeypadRequest& request) : mode_(request.KeypadMode), presen
         fields_[i].text = fields_[i].saved = *values[i];
         if (!fields_[i].text.isEmpty()) textChanged(&fields_[i]);
     }
+    if (request.Topic.counted != std::array<QString, kFields>()) count(request.Topic.counted);
+}
+
+Keypad::State Keypad::state() const {
+    State state{.fields = {}, .isCounted = isCounted_};
+    for (size_t i = 0; i < fields_.size(); ++i) {
+        const Field& field = fields_[i];
+        state.fields[i] = {ownCopy(field.text), ownCopy(field.display), field.saved};
+    }
+    return state;
+}
+
+void Keypad::restore(const State& state) {
+    for (size_t i = 0; i < fields_.size(); ++i) {
+        fields_[i].text = ownCopy(state.fields[i].text);
+        show(&fields_[i], ownCopy(state.fields[i].display));
+    }
+    isCounted_ = state.isCounted;
 }
 
 Keypad::~Keypad() {
@@ -46,13 +64,25 @@ void Keypad::textChanged(Field* field) {
     show(field, mode_ == kTextField ? ownCopy(field->text) : groupThousands(parseWon(field->text)));
 }
 
+void Keypad::count(const std::array<QString, kFields>& numbers) {
+    isCounted_ = isCounted_ || isEmpty();
+    for (size_t i = 0; i < fields_.size(); ++i) {
+        fields_[i].text = numbers[i];
+        if (!numbers[i].isEmpty()) textChanged(&fields_[i]);
+    }
+}
+
 void Keypad::append(const QString& digits) {
+    if (std::exchange(isCounted_, false)) {
+        for (Field& field : fields_) field.text = field.display = QString();
+    }
     active().text += digits;
     textChanged(&active());
 }
 
 void Keypad::minus() {
     Field& field = active();
+    isCounted_ = false;
     if (mode_ == kTextField) {
         field.text.prepend(u'-');
         show(&field, ownCopy(field.text));
@@ -63,8 +93,13 @@ void Keypad::minus() {
     show(&field, groupThousands(negated));
 }
 
+bool Keypad::canNegate() const {
+    return mode_ == kTextField || !parseWon(active().text).isZero();
+}
+
 void Keypad::erase(int field) {
     Field& erased = fields_[size_t(field - 1)];
+    isCounted_ = false;
     if (!erased.text.isEmpty()) erased.text.back() = u'0';  // The memory beyond a text's end is not wiped.
     erased.text.chop(1);
     // Also in the text mode the display shows a grouped number after erasing.
@@ -72,6 +107,7 @@ void Keypad::erase(int field) {
 }
 
 void Keypad::clear() {
+    isCounted_ = false;
     platform::wipe(&active().text);
     platform::wipe(&active().display);
 }
@@ -94,11 +130,13 @@ std::array<QString, Keypad::kFields> Keypad::entries() const {
     return entries;
 }
 
+bool Keypad::isEmpty() const {
+    return std::ranges::all_of(fields_, [](const Field& field) { return field.display.isEmpty(); });
+}
+
 void Keypad::accept(KeypadRequest* request) const {
     std::tie(request->KeypadValue1, request->KeypadValue2, request->KeypadValue3) = std::tuple_cat(entries());
-    const bool isEmpty =
-        std::ranges::all_of(fields_, [](const Field& field) { return field.display.isEmpty(); });
-    request->KeypadResult = isEmpty ? 0 : 1;
+    request->KeypadResult = isEmpty() ? 0 : 1;
 }
 
 void Keypad::cancel(KeypadRequest* request) const {

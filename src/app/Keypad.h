@@ -21,8 +21,14 @@ class Keypad {
     /// Appends "0" to "9" or "00" to the active field.
     void append(const QString& digits);
 
+    /// Shows what a reader has counted. Where nothing was keyed by hand the next digit takes its place.
+    void count(const std::array<QString, kFields>& numbers);
+
     /// Negates the active number, or puts "-" in front of the text in the text mode.
     void minus();
+
+    /// False for the number 0, which minus() leaves as it is.
+    bool canNegate() const;
 
     /// Drops the last character of that field, active or not. The display then shows a grouped number in
     /// every mode, the text mode included.
@@ -45,24 +51,35 @@ class Keypad {
     std::array<QString, kFields> entries() const;
     const QString& present(int field) const { return present_[size_t(field - 1)]; }
 
-    /// Writes the result and the values into the record.
-    void accept(KeypadRequest* request) const;
-    void cancel(KeypadRequest* request) const;
-
-  private:
     struct Field {
         QString text;
         QString display;
         QString saved;
     };
+    /// The fields as they are, and whether a reader alone has filled them.
+    struct State {
+        std::array<Field, kFields> fields;
+        bool isCounted = false;
+    };
+    /// For restore(); to be asked for where no password is keyed.
+    State state() const;
+    void restore(const State& state);
 
+    /// Writes the result and the values into the record.
+    void accept(KeypadRequest* request) const;
+    void cancel(KeypadRequest* request) const;
+
+  private:
     Field& active() { return fields_[size_t(active_ - 1)]; }
+    bool isEmpty() const;
+    const Field& active() const { return fields_[size_t(active_ - 1)]; }
     void textChanged(Field* field);
     /// Overwrites what was displayed: it may have been a password.
     static void show(Field* field, QString display);
 
     int mode_;
     int active_ = 1;
+    bool isCounted_ = false;
     std::array<Field, kFields> fields_;
     std::array<QString, kFields> present_;
 };

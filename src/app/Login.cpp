@@ -35,6 +35,16 @@ bool logIn(const QString& userId, const QString& password, const QString& workDa
     return true;
 }
 
+QString knownUserId(const QString& keyed) {
+    static constexpr db::Statement<u"SELECT userID FROM PDAUSER"> kUserIds;
+    QStringList alike;
+    db::forEachRow(kUserIds(), [&](db::CVORecordset& row) {
+        const QString id = row.GetFieldString(0);
+        if (id.compare(keyed, Qt::CaseInsensitive) == 0 && !alike.contains(id)) alike << id;
+    });
+    return alike.size() == 1 ? alike.first() : keyed;
+}
+
 QString userName(QStringView userId) {
     static constexpr db::Statement<u"SELECT userNAME  FROM PDAUSER WHERE userID = '%s'"> kSelectUserName;
     return db::firstRow(kSelectUserName(userId)).value_or(QStringList()).value(0);

@@ -10,6 +10,10 @@ namespace app {
 /// session's user id and date are set all the same.
 bool logIn(const QString& userId, const QString& password, const QString& workDate);
 
+/// The user id that was keyed, in capitals and small letters as the terminal knows it: the id itself, else
+/// the only one that is it but for them. Unchanged when there is none or more than one.
+QString knownUserId(const QString& keyed);
+
 /// The user's name; empty for an unknown id.
 QString userName(QStringView userId);
 

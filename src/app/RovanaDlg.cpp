@@ -165,7 +165,7 @@ bool CRovanaDlg::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void CRovanaDlg::showUserName() {
-    setFittedText(kUserName, userName(userId_->currentText()), ui::FontHeight::Small);
+    setFittedText(kUserName, userName(knownUserId(userId_->currentText())), ui::FontHeight::Small);
     label(kUserName)->repaint();
 }
 
@@ -213,7 +213,7 @@ void CRovanaDlg::answerLogin() {
     QString shown = password_->text();
     QString password(shown.constData(), shown.size());
     const bool isKnown =
-        app::logIn(userId_->currentText(), password, date_->date().toString(u"yyyy-MM-dd"_s));
+        app::logIn(knownUserId(userId_->currentText()), password, date_->date().toString(u"yyyy-MM-dd"_s));
     platform::wipe(&password);
     if (!isKnown) {
         // A folder in which the database cannot be read knows nobody: that is no wrong password.

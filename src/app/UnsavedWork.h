@@ -12,10 +12,12 @@ namespace app {
 bool mayLeave(books::Working table);
 
 /// Offers to go on with the slip that a terminal which ended in the middle of it has left. One of another
-/// user or work date is only told: it goes on there.
+/// user or work date is told and kept aside until that is logged in.
 void offerUnsaved();
 
-/// What is said of it: the question to its user on its work date, else where it goes on.
-QString describeUnsaved(const books::UnsavedSlip& slip, QStringView userId, QStringView workDate);
+/// What is said of it: the question to its user on its work date, else that it was kept aside for them,
+/// or could not be.
+QString describeUnsaved(const books::UnsavedSlip& slip, QStringView userId, QStringView workDate,
+                        bool isKept = true);
 
 }  // namespace app

@@ -3,7 +3,6 @@
 #include <QList>
 #include <QString>
 #include <QStringView>
-#include <optional>
 
 #include "books/CollectionRows.h"
 #include "books/Receivable.h"

@@ -76,23 +76,22 @@ QList<ContainerBalance> ContainerFigures::list() const {
 
 ContainerHistory::ContainerHistory(QStringView gCode, QStringView date, QStringView junNo,
                                    QStringView userId) {
+    readDeliveries(gCode, date, junNo, userId);
+    readReturns(gCode, date, junNo, userId);
+}
+
+void ContainerHistory::readDeliveries(QStringView gCode, QStringView date, QStringView junNo,
+                                      QStringView userId) {
     // The two marks of the products that are taken back.
     static constexpr db::Statement<
         u"SELECT MTM.PCode, PUMMOK.PName, BoxBonEa, DDate, Box, Bon, JunNo, UserID FROM MTM, PUMMOK WHERE "
         u"MTM.GCode = '%s' AND DDate <= '%s' AND PUMMOK.PCode = MTM.PCode AND (TTT = 'Y' OR TTT = 'Z')">
         kDeliveries;
-    static constexpr db::Statement<
-        u"SELECT PCode, PName, DDate, JunNo, UserID, FBox, NBox, Bon FROM YTM WHERE GCode = '%s' "
-        u"AND DDate <= '%s'">
-        kReturns;
     // Of what was archived, by the same rules.
     static constexpr db::Statement<
         u"SELECT CONTAINERCARRY.PCode, PUMMOK.PName, BoxBonEa, Box, Bon FROM CONTAINERCARRY, PUMMOK WHERE "
         u"CONTAINERCARRY.GCode = '%s' AND PUMMOK.PCode = CONTAINERCARRY.PCode AND (TTT = 'Y' OR TTT = 'Z')">
         kCarriedDeliveries;
-    static constexpr db::Statement<
-        u"SELECT PCode, PName, FBox, NBox, BackBon FROM CONTAINERCARRY WHERE GCode = '%s'">
-        kCarriedReturns;
     const auto sold = [](db::CVORecordset& row, int boxColumn) {
         const std::int64_t boxes = count(row.GetFieldString(boxColumn));
         return Containers{boxes,
@@ -111,6 +110,17 @@ ContainerHistory::ContainerHistory(QStringView gCode, QStringView date, QStringV
         const bool isOrdered = !isSaleAtHand && orders.contains(day, number, user);
         (isOrdered ? balance.ordered : day == date ? balance.delivered : balance.before) += sold(row, 4);
     });
+}
+
+void ContainerHistory::readReturns(QStringView gCode, QStringView date, QStringView junNo,
+                                   QStringView userId) {
+    static constexpr db::Statement<
+        u"SELECT PCode, PName, DDate, JunNo, UserID, FBox, NBox, Bon FROM YTM WHERE GCode = '%s' "
+        u"AND DDate <= '%s'">
+        kReturns;
+    static constexpr db::Statement<
+        u"SELECT PCode, PName, FBox, NBox, BackBon FROM CONTAINERCARRY WHERE GCode = '%s'">
+        kCarriedReturns;
     const auto takeBack = [&](db::CVORecordset& row, int countColumn) {
         const ContainerReturn line{
             row.GetFieldString(0), row.GetFieldString(1), count(row.GetFieldString(countColumn)),

@@ -77,6 +77,9 @@ class ContainerHistory {
     QList<ContainerBalance> with(std::span<const ContainerReturn> returned);
 
   private:
+    void readDeliveries(QStringView gCode, QStringView date, QStringView junNo, QStringView userId);
+    void readReturns(QStringView gCode, QStringView date, QStringView junNo, QStringView userId);
+
     ContainerFigures saved_;
 };
 

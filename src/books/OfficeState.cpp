@@ -1,6 +1,5 @@
 #include "books/OfficeState.h"
 
-#include <QDir>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>

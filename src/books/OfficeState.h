@@ -6,7 +6,6 @@
 #include <QString>
 
 #include "books/Documents.h"
-#include "platform/Sqlite.h"
 
 /// What the terminal knows of the office: the sync keeps it in a small file of the device folder, and the
 /// menu reads it. The terminal itself never talks to the office.

@@ -13,8 +13,9 @@ bool isUnregistered(const JournalPayment& payment) {
     return payment.slip.GCode == kUnregisteredCustomer;
 }
 
-}  // namespace
-
+/// True when both may be the same customer's: he has one code, whatever number, date, user and kind of
+/// payment; or both pay one slip. One who is not registered may be anybody who has a simple payment or is
+/// charged the same amount.
 bool mayBeSameCustomers(const JournalPayment& one, const JournalPayment& other) {
     const CollectionSlip& a = one.slip;
     const CollectionSlip& b = other.slip;
@@ -23,6 +24,8 @@ bool mayBeSameCustomers(const JournalPayment& one, const JournalPayment& other) 
         return (a.isSimplePayment() && b.isSimplePayment()) || one.charged == other.charged;
     return !a.GCode.isEmpty() && a.GCode == b.GCode;
 }
+
+}  // namespace
 
 std::optional<JournalPayment> findInTheWay(const QList<JournalPayment>& open, const JournalPayment& wanted) {
     const auto found = std::ranges::find_if(

@@ -9,11 +9,6 @@
 /// What a payment of which it is open whether it was charged keeps from happening, and how it is told.
 namespace books {
 
-/// True when both may be the same customer's: he has one code, whatever number, date, user and kind of
-/// payment; or both pay one slip. One who is not registered may be anybody who has a simple payment or is
-/// charged the same amount.
-bool mayBeSameCustomers(const JournalPayment& one, const JournalPayment& other);
-
 /// The first of the open payments that may be of the customer of `wanted`, which must not be sent then.
 std::optional<JournalPayment> findInTheWay(const QList<JournalPayment>& open, const JournalPayment& wanted);
 

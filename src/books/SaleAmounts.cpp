@@ -16,13 +16,13 @@ void addLine(SaleAmounts& sale, db::CVORecordset& line) {
     sale.bottleDeposit += won(3);
 }
 
+}  // namespace
+
 QString vatMode(QStringView userId) {
     static constexpr db::Statement<u"SELECT vatMode FROM PDAUSER WHERE userID = '%s'"> kVatMode;
     const auto user = db::firstRow(kVatMode(userId));
     return user ? user->first() : QString();
 }
-
-}  // namespace
 
 SaleAmounts operator-(const SaleAmounts& after, const SaleAmounts& before) {
     return {after.supply - before.supply, after.vat - before.vat, after.crateDeposit - before.crateDeposit,

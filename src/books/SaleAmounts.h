@@ -24,6 +24,9 @@ struct SaleAmounts {
     friend bool operator==(const SaleAmounts&, const SaleAmounts&) = default;
 };
 
+/// The salesman's VAT rounding mode as payableTotal() takes it; empty for an unknown one.
+QString vatMode(QStringView userId);
+
 /// The customer's saved sale of that date, number and user, rounded as that salesman's VAT mode says; nothing
 /// without one.
 std::optional<SaleAmounts> savedSale(QStringView date, QStringView junNo, QStringView userId,

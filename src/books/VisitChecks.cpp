@@ -12,6 +12,25 @@ using namespace Qt::Literals::StringLiterals;
 using platform::Won;
 using Kind = DifferenceKind;
 
+/// How a collection's total came about besides cash, card, unpaid and recovery, in won.
+struct CollectionParts {
+    Won creditedExcess;       ///< A recovery above the total that no cash makes up for.
+    Won receivedWithoutSale;  ///< Money of a collection that has no total.
+    Won difference;           ///< What of the total is left after all parts; 0 where they agree.
+};
+
+CollectionParts partsOf(const CollectionSlip& slip) {
+    const Won total = slip.amounts().total;
+    const Won paid = slip.WonMoney + slip.CardMoney + slip.UnderMoney;
+    CollectionParts parts;
+    const Won excess = std::max(Won(), slip.YDMoney - total);
+    // A keyed excess stands with cash below 0, which makes up for it; one that a button booked does not.
+    parts.creditedExcess = std::clamp(paid + excess, Won(), excess);
+    if (total.isZero() && excess.isZero()) parts.receivedWithoutSale = std::max(Won(), paid);
+    parts.difference = total + parts.creditedExcess + parts.receivedWithoutSale - paid - slip.YDMoney;
+    return parts;
+}
+
 /// Gathers what is not true of one visit.
 class Checks {
   public:
@@ -169,18 +188,6 @@ QList<CheckedVisit> checkVisits(const QList<Visit>& visits) {
         if (!differences.isEmpty()) checked.append({visit, differences});
     }
     return checked;
-}
-
-CollectionParts partsOf(const CollectionSlip& slip) {
-    const Won total = slip.amounts().total;
-    const Won paid = slip.WonMoney + slip.CardMoney + slip.UnderMoney;
-    CollectionParts parts;
-    const Won excess = std::max(Won(), slip.YDMoney - total);
-    // A keyed excess stands with cash below 0, which makes up for it; one that a button booked does not.
-    parts.creditedExcess = std::clamp(paid + excess, Won(), excess);
-    if (total.isZero() && excess.isZero()) parts.receivedWithoutSale = std::max(Won(), paid);
-    parts.difference = total + parts.creditedExcess + parts.receivedWithoutSale - paid - slip.YDMoney;
-    return parts;
 }
 
 Won CrossFoot::difference() const {

@@ -3,7 +3,6 @@
 #include <QList>
 #include <QString>
 #include <QStringView>
-#include <optional>
 
 #include "books/Visit.h"
 #include "platform/Won.h"
@@ -54,14 +53,6 @@ struct CheckedVisit {
 /// The visits of a day that have differences: those of each, and those that only show beside the others. An
 /// approval that stands on another visit's slip is shown there.
 QList<CheckedVisit> checkVisits(const QList<Visit>& visits);
-
-/// How a collection's total came about besides cash, card, unpaid and recovery, in won.
-struct CollectionParts {
-    platform::Won creditedExcess;       ///< A recovery above the total that no cash makes up for.
-    platform::Won receivedWithoutSale;  ///< Money of a collection that has no total.
-    platform::Won difference;           ///< What of the total is left after all parts; 0 where they agree.
-};
-CollectionParts partsOf(const CollectionSlip& slip);
 
 /// The day's sales and deposits against what became of them, in won. Left: `sales` less `uncollected`, plus
 /// `keyedSales`, `creditedExcess` and `receivedWithoutSale`. Right: `cash` + `card` + `unpaid` + `recovery`.

@@ -1,23 +1,46 @@
 #include "db/ImportLines.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "platform/CodePage.h"
 
 namespace db {
+namespace {
+
+/// As many as the compiler counts side by side, which takes a number that it knows.
+constexpr qsizetype kHalfBuffer = (kLongestLineBytes + 1) / 2;
+
+int lineEndsIn(const char* half) {
+    int ends = 0;
+    for (qsizetype i = 0; i < kHalfBuffer; ++i) ends += half[i] == '\n' ? 1 : 0;
+    return ends;
+}
+
+}  // namespace
 
 QByteArrayView ImportLines::next() {
-    const QByteArrayView buffer = rest_.first(std::min(rest_.size(), kLongestLineBytes));
-    const qsizetype lineEnd = buffer.indexOf('\n');
-    const QByteArrayView line = lineEnd < 0 ? buffer : buffer.first(lineEnd + 1);
-    rest_ = rest_.sliced(line.size());
+    const qsizetype most = std::min(rest_.size(), kLongestLineBytes);
+    const void* const lineEnd = std::memchr(rest_.data(), '\n', size_t(most));
+    const auto size = lineEnd == nullptr ? most : static_cast<const char*>(lineEnd) + 1 - rest_.data();
+    const QByteArrayView line = rest_.first(size);
+    rest_ = rest_.sliced(size);
     return line;
 }
 
 int ImportLines::count(QByteArrayView content) {
-    ImportLines lines(content);
+    // While each half of the line buffer holds a line's end, no line is longer than the buffer: counting the
+    // ends is enough, and several times as quick as looking for each.
     int count = 0;
-    for (; !lines.atEnd(); ++count) lines.next();
+    qsizetype counted = 0;
+    for (; counted + kHalfBuffer <= content.size(); counted += kHalfBuffer) {
+        const int ends = lineEndsIn(content.data() + counted);
+        if (ends == 0) break;
+        count += ends;
+    }
+    // What follows is walked, from the beginning of the line that the last half ends in.
+    ImportLines rest(content.sliced(content.first(counted).lastIndexOf('\n') + 1));
+    for (; !rest.atEnd(); ++count) rest.next();
     return count;
 }
 

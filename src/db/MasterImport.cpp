@@ -109,7 +109,7 @@ class Load {
     }
 
   private:
-    ImportResult::Outcome look();
+    ImportResult::Outcome look(int rows);
     void insertLines(Transaction& transaction, const std::function<void(int, int)>& progress);
     bool keepRejected(Transaction& transaction);
 
@@ -122,8 +122,9 @@ class Load {
 };
 
 /// What became of the file before this run, or NotSaved when nothing did. Whoever loads at the same time has
-/// either committed nothing or put the file in the ledger, which it cannot leave during this transaction.
-ImportResult::Outcome Load::look() {
+/// either committed nothing or put the file in the ledger, which it cannot leave during this transaction. The
+/// table has that many rows now.
+ImportResult::Outcome Load::look(int rows) {
     // The ledger names a file whose lines are in the table but which may still be there. Loading and its
     // entry are one transaction, so a run that was stopped before deleting the file is recognised.
     static constexpr Statement<
@@ -135,7 +136,7 @@ ImportResult::Outcome Load::look() {
         return AlreadyLoaded;
     }
     if (!waiting_.isUntouched()) return WaitingFile::isAt(waiting_.path()) ? BeingWritten : NotOpened;
-    return holdsContent(file_, identity_.digest, result_.lines) ? Unchanged : NotSaved;
+    return rows == result_.lines && holdsContent(file_, identity_.digest) ? Unchanged : NotSaved;
 }
 
 ImportResult::Outcome Load::run(const std::function<void(int, int)>& progress) {
@@ -145,8 +146,9 @@ ImportResult::Outcome Load::run(const std::function<void(int, int)>& progress) {
     using enum ImportResult::Outcome;
     Transaction transaction;
     // A terminal that was not upgraded has no table for what came later: the file stays until it has.
-    if (!transaction.isAlive() || !countRows(file_)) return NotSaved;
-    const ImportResult::Outcome before = look();
+    const std::optional<int> rows = countRows(file_);
+    if (!transaction.isAlive() || !rows) return NotSaved;
+    const ImportResult::Outcome before = look(*rows);
     if (before != NotSaved && before != Unchanged) return before;
     if (before == Unchanged) {
         result_.loaded = result_.lines;

@@ -17,11 +17,11 @@ QDate dayOf(const QString& milliseconds) {
 
 }  // namespace
 
-bool holdsContent(const ImportFile& file, const QString& digest, int lines) {
+bool holdsContent(const ImportFile& file, const QString& digest) {
     static constexpr Statement<u"SELECT Digest FROM MASTERLOAD WHERE FileName = '%s'"> kSelectDigest;
     if (!file.isOnlyOffices) return false;
     const auto last = firstRow(kSelectDigest(file.fileName));
-    return last && last->value(0) == digest && countRows(file) == lines;
+    return last && last->value(0) == digest;
 }
 
 void rememberLoad(const ImportFile& file, const QString& digest, qint64 modified, Transaction& transaction) {

@@ -11,9 +11,9 @@
 /// What is remembered of the file that a master table was loaded from last.
 namespace db {
 
-/// True when the table of a file that only the office writes (products, prices, margins) holds the lines of
-/// the very content with that digest, and as many of them as `lines`.
-bool holdsContent(const ImportFile& file, const QString& digest, int lines);
+/// True when the table of a file that only the office writes (products, prices, margins) was loaded from the
+/// very content with that digest. Whether it still has as many rows as that has lines is for the caller.
+bool holdsContent(const ImportFile& file, const QString& digest);
 
 /// Remembers the file that the table was loaded from, as part of the transaction: its content's digest (empty
 /// when the table does not hold all of it) and the time of its last change in milliseconds since 1970.

@@ -65,6 +65,13 @@ constexpr Columns<9> kDeleted{u"DDate", u"Document", u"JunNo",     u"UserID",   
                               u"GName", u"Total",    u"DeletedBy", u"DeletedAt"};
 // Whose slip a working table holds, and whether it has changes that are not saved.
 constexpr Columns<3> kUnsaved{u"Slip", u"UserID", u"Changed"};
+// What is kept aside of the slips of other users and work dates: MTM's first 15 and YTM's first 13 columns.
+constexpr Columns<17> kKeptSale{u"DDate",  u"Gubun",  u"GCode",  u"GName",  u"JunNo", u"WorkGubun",
+                                u"PCode",  u"PName",  u"JGubun", u"Box",    u"Bon",   u"MMoney",
+                                u"BMoney", u"YMoney", u"GMoney", u"UserID", u"KeptAt"};
+constexpr Columns<15> kKeptContainers{u"DDate",  u"GCode", u"GName", u"JunNo",  u"PCode",
+                                      u"PName",  u"FBox",  u"NBox",  u"Bon",    u"YMONEY",
+                                      u"GMONEY", u"YSAMT", u"GSAMT", u"UserID", u"KeptAt"};
 
 // The codes that a reader reads off the products; the office sends them or not.
 constexpr Columns<2> kBarcode{u"PCode", u"Barcode"};
@@ -95,6 +102,8 @@ constexpr std::array kTables{
     Table{u"CONTAINERCARRY", kContainerCarry, false},
     Table{u"UNSAVED", kUnsaved, false},
     Table{u"BARCODE", kBarcode, false},
+    Table{u"KEPTSALE", kKeptSale, false},
+    Table{u"KEPTCONTAINERS", kKeptContainers, false},
 };
 
 constexpr std::array kIndexes{

@@ -12,6 +12,8 @@ namespace adoce = platform::adoce;
 namespace {
 
 adoce::ClassId connectionClass = adoce::ClassId::None;
+// Nothing sets the flag, so the class is resolved at every construction.
+const bool connectionClassResolved = false;
 
 /// Where the last database was found: every statement opens one, and nearly always the same.
 struct Opened {
@@ -24,6 +26,7 @@ Opened lastOpened;
 }  // namespace
 
 CVOConnection::CVOConnection(int) {
+    if (connectionClassResolved) return;
     if (!adoce::failed(adoce::initialize(0))) {
         adoce::classIdFromProgId(u"ADOCE.Connection.3.1", &connectionClass);
     }

@@ -2,8 +2,6 @@
 
 #include <iconv.h>
 
-#include <algorithm>
-
 namespace platform::codepage {
 namespace {
 

@@ -108,8 +108,10 @@ QByteArray SqliteStatement::textBytes(int column) const {
 }
 
 QString SqliteStatement::text(int column) const {
-    const auto* const data = reinterpret_cast<const char*>(sqlite3_column_text(handle_, column));
-    return QString::fromUtf8(data, sqlite3_column_bytes(handle_, column));
+    // The column is looked up once. Such a value is for one thread only, like all of the connection.
+    sqlite3_value* const value = sqlite3_column_value(handle_, column);
+    const auto* const data = reinterpret_cast<const char*>(sqlite3_value_text(value));
+    return QString::fromUtf8(data, sqlite3_value_bytes(value));
 }
 
 QStringList SqliteStatement::row() const {

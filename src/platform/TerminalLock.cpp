@@ -18,7 +18,7 @@ constexpr char kSocketName[] = "window.socket";
 
 }  // namespace
 
-TerminalLock::TerminalLock(QObject* parent) : QObject(parent), lock_(device::folder()) {
+TerminalLock::TerminalLock() : lock_(device::folder()) {
     if (lock_.state() == FolderLock::State::Held && !listen())
         trace(u"a second start will not find this window");
 }

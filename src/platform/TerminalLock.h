@@ -16,7 +16,7 @@ class TerminalLock : public QObject {
 
   public:
     /// Takes the device folder's lock, if it is free.
-    explicit TerminalLock(QObject* parent = nullptr);
+    TerminalLock();
     ~TerminalLock() override;
 
     /// True when another terminal has the folder.

@@ -2,6 +2,7 @@
 
 #include "books/Customer.h"
 #include "print/CollectionReceipt.h"
+#include "print/SlipBlocks.h"
 
 namespace print {
 namespace {
@@ -33,12 +34,13 @@ void exchangeLines(Document& document, const CardExchange& exchange) {
     document.labelText(u"식별정보", exchange.reply.identification);
 }
 
-}  // namespace
-
+/// The customer as a receipt names him, from GARAE; texts of X where he is not found.
 Party receiptCustomer(QStringView gCode) {
     const books::Customer customer = books::cardCustomer(gCode);
     return {customer.GName, customer.Sno, customer.Gupju, customer.Juso, {}};
 }
+
+}  // namespace
 
 Document cardReceipt(const books::CollectionSlip& slip, const std::optional<CardExchange>& exchange,
                      bool reprint) {

@@ -7,12 +7,8 @@
 #include "books/CollectionSlip.h"
 #include "books/TransactionRecord.h"
 #include "print/Document.h"
-#include "print/SlipBlocks.h"
 
 namespace print {
-
-/// The customer as a receipt names him, from GARAE; texts of X where he is not found.
-Party receiptCustomer(QStringView gCode);
 
 /// What a receipt shows of the exchange beside the slip's row.
 struct CardExchange {

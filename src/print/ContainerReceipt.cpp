@@ -53,6 +53,22 @@ void balanceRow(Document& document, QStringView label, const books::ContainerBal
                   count(balance.returned.*kind, 6), count(after.*kind, 6)});
 }
 
+/// What the customer holds now, product by product.
+void balanceBlock(Document& document, const QList<books::ContainerBalance>& balances) {
+    document.line(u"[용공잔액]");
+    document.row({number(u"전잔", 10), number(u"금일출고", 10), number(u"회수", 6), number(u"현잔", 6)});
+    document.rule(Document::Rule::Thin);
+    for (const books::ContainerBalance& balance : balances) {
+        document.itemName(balance.PName, {});
+        balanceRow(document, u"상자", balance, &books::Containers::crates);
+        balanceRow(document, u"병", balance, &books::Containers::bottles);
+        if (!balance.ordered.isZero()) {
+            document.line(
+                u"미배송주문 상자 %1 병 %2"_s.arg(balance.ordered.crates).arg(balance.ordered.bottles));
+        }
+    }
+}
+
 }  // namespace
 
 std::optional<Document> containerReceipt(QStringView date, QStringView junNo, QStringView userId, Copy copy,
@@ -87,20 +103,7 @@ std::optional<Document> containerReceipt(QStringView date, QStringView junNo, QS
     document.labelAmount(u"용수수", crateFees);
     document.labelAmount(u"공수수", bottleFees);
     document.rule(Document::Rule::Double);
-
-    document.line(u"[용공잔액]");
-    document.row({number(u"전잔", 10), number(u"금일출고", 10), number(u"회수", 6), number(u"현잔", 6)});
-    document.rule(Document::Rule::Thin);
-    for (const books::ContainerBalance& balance :
-         books::containerBalances(gCode, date, junNo, userId, returned)) {
-        document.itemName(balance.PName, {});
-        balanceRow(document, u"상자", balance, &books::Containers::crates);
-        balanceRow(document, u"병", balance, &books::Containers::bottles);
-        if (!balance.ordered.isZero()) {
-            document.line(
-                u"미배송주문 상자 %1 병 %2"_s.arg(balance.ordered.crates).arg(balance.ordered.bottles));
-        }
-    }
+    balanceBlock(document, books::containerBalances(gCode, date, junNo, userId, returned));
     // Here it is the salesman who receives and the customer who hands over.
     closingBlock(document, {u"인계자 서명", u"인수자 서명"});
     return document;

@@ -52,8 +52,8 @@ void Document::labelFigure(QStringView label, QStringView figure, QStringView un
     line((left > 0 ? label.toString() : QString()) + PadLeft(whole, kColumns - left));
 }
 
-void Document::labelAmount(QStringView label, platform::Won amount, QStringView unit) {
-    labelFigure(label, platform::formatWon(amount), unit);
+void Document::labelAmount(QStringView label, platform::Won amount) {
+    labelFigure(label, platform::formatWon(amount), u"원");
 }
 
 void Document::row(std::initializer_list<Cell> cells) {

@@ -53,8 +53,8 @@ class Document {
     /// The label on the left, the figure against the right edge with its unit behind it; below the label
     /// where the two would touch, never cut.
     void labelFigure(QStringView label, QStringView figure, QStringView unit);
-    /// The label on the left, the amount against the right edge with its unit behind it.
-    void labelAmount(QStringView label, platform::Won amount, QStringView unit = u"원");
+    /// The same of an amount in won.
+    void labelAmount(QStringView label, platform::Won amount);
     /// The cells side by side. A blank keeps one that fills its column apart from the one before it, at the
     /// cost of the blanks that follow; what the paper's width does not take goes on in a line of its own.
     void row(std::initializer_list<Cell> cells);

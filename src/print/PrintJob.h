@@ -37,9 +37,9 @@ QString printAgainText();
 using Progress = std::function<void()>;
 
 /// Prints the documents one after another as one job; without one nothing is opened.
-void printDocuments(std::span<const Document> documents, const Progress& progress = {});
+void printDocuments(std::span<const Document> documents, const Progress& progress);
 
 /// Prints the document as one job.
-void printDocument(const Document& document, const Progress& progress = {});
+void printDocument(const Document& document, const Progress& progress);
 
 }  // namespace print

@@ -3,7 +3,6 @@
 #include <QVarLengthArray>
 #include <charconv>
 #include <cmath>
-#include <optional>
 
 #include "db/Query.h"
 #include "db/Statement.h"

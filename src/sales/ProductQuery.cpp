@@ -34,8 +34,8 @@ platform::Rows mostUsedFirst(const platform::Rows& rows) {
     return sorted;
 }
 
-}  // namespace
-
+/// The intended use (`Gubun` of a product) that a customer of this kind is not offered; nothing for "공용",
+/// who is offered everything.
 std::optional<QStringView> excludedUse(QStringView customerKind) {
     if (customerKind == u"공용") return std::nullopt;
     return customerKind == u"일반" ? QStringView(u"유흥") : QStringView(u"일반");
@@ -87,6 +87,8 @@ db::Sql productSearch(QStringView seek, QStringView classCode, QStringView custo
     return use ? kSomeBySeekAndClass(*use, seek, classCode, kWithdrawn)
                : kAnyBySeekAndClass(seek, classCode, kWithdrawn);
 }
+
+}  // namespace
 
 platform::RowSource products(QStringView seek, QStringView classCode, QStringView customerKind) {
     return db::selectPieces(productSearch(seek, classCode, customerKind), kColumns);

@@ -11,16 +11,8 @@
 
 namespace sales {
 
-/// The intended use (`Gubun` of a product) that a customer of this kind is not offered; nothing for "공용",
-/// who is offered everything.
-std::optional<QStringView> excludedUse(QStringView customerKind);
-
-/// The statement of the product search, in four columns: code, name, size, use; withdrawn products left out.
-/// With a `seek` key names descending, without one codes descending. An empty `classCode` stands for all
-/// classes.
-db::Sql productSearch(QStringView seek, QStringView classCode, QStringView customerKind);
-
-/// Runs productSearch.
+/// The product search, in four columns: code, name, size, use; withdrawn products left out. With a `seek` key
+/// names descending, without one codes descending. An empty `classCode` stands for all classes.
 platform::RowSource products(QStringView seek, QStringView classCode, QStringView customerKind);
 
 /// The frequently sold products in the same four columns, most used first. Withdrawn ones stay in.

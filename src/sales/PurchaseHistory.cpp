@@ -29,6 +29,11 @@ std::int64_t saturated(std::int64_t count, std::int64_t of, std::int64_t more) {
     return (count * platform::Won(of) + platform::Won(more)).value();
 }
 
+/// All of it in bottles; a box of unknown contents counts as one.
+std::int64_t inBottles(const Quantities& quantities, std::int64_t bottlesPerBox) {
+    return saturated(quantities.boxes, std::max<std::int64_t>(bottlesPerBox, 1), quantities.bottles);
+}
+
 }  // namespace
 
 /// A line of a slip, as both statements select it.
@@ -36,14 +41,10 @@ struct PurchaseHistory::Line {
     QStringList texts;
 
     std::int64_t number(int column) const { return parseInteger(texts[column]); }
-    platform::Won total() const {
-        return parseWon(texts[7]) + parseWon(texts[8]) + parseWon(texts[9]) + parseWon(texts[10]);
+    LineAmounts amounts() const {
+        return {parseWon(texts[7]), parseWon(texts[8]), parseWon(texts[9]), parseWon(texts[10])};
     }
 };
-
-std::int64_t inBottles(const Quantities& quantities, std::int64_t bottlesPerBox) {
-    return saturated(quantities.boxes, std::max<std::int64_t>(bottlesPerBox, 1), quantities.bottles);
-}
 
 Quantities operator+(const Quantities& a, const Quantities& b) {
     return {saturated(1, a.boxes, b.boxes), saturated(1, a.bottles, b.bottles)};
@@ -70,7 +71,7 @@ void PurchaseHistory::add(const Line& line) {
         slips_.append(PastSlip{line.texts[0], line.texts[1], line.texts[2], {}, {}});
         slip = slips_.rbegin();
     }
-    slip->total += line.total();
+    slip->sums += line.amounts();
     const Quantities bought{line.number(5), line.number(6)};
     if (bought.boxes < 0 || bought.bottles < 0 || bought.isNothing()) return;
     const auto same = std::ranges::find(slip->products, line.texts[3], &Purchase::PCode);

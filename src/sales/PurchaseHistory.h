@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "platform/Won.h"
+#include "sales/LineAmounts.h"
 
 /// What a customer bought before.
 namespace sales {
@@ -39,7 +39,7 @@ struct PastSlip {
     QString DDate;
     QString JunNo;
     QString UserID;
-    platform::Won total;  ///< Of all its lines, returns and deposits included.
+    SlipSums sums;  ///< Of all its lines, returns included.
     QList<Purchase> products;
 };
 
@@ -82,8 +82,5 @@ class PurchaseHistory {
 
     QList<PastSlip> slips_;
 };
-
-/// All of it in bottles; a box of unknown contents counts as one.
-std::int64_t inBottles(const Quantities& quantities, std::int64_t bottlesPerBox);
 
 }  // namespace sales

@@ -2,7 +2,6 @@
 
 #include <QList>
 #include <QString>
-#include <QStringList>
 
 #include "platform/Rows.h"
 #include "platform/Won.h"

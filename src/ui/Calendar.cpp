@@ -1,8 +1,11 @@
 #include "ui/Calendar.h"
 
+#include <QBoxLayout>
 #include <QCalendarWidget>
 #include <QDateEdit>
 #include <QEvent>
+#include <QSpinBox>
+#include <QToolButton>
 #include <algorithm>
 
 #include "ui/Fonts.h"
@@ -11,7 +14,27 @@
 namespace ui {
 namespace {
 
+using namespace Qt::Literals::StringLiterals;
+
 constexpr QSize kCalendarSize(236, 216);
+
+/// The heading names the year before the month: "2026년 11월".
+void putYearFirst(QCalendarWidget* calendar) {
+    const auto part = [&](const char* name) {
+        return calendar->findChild<QWidget*>(QLatin1StringView(name));
+    };
+    auto* edit = qobject_cast<QSpinBox*>(part("qt_calendar_yearedit"));
+    auto* year = qobject_cast<QToolButton*>(part("qt_calendar_yearbutton"));
+    QWidget* month = part("qt_calendar_monthbutton");
+    QWidget* bar = part("qt_calendar_navigationbar");
+    auto* row = bar != nullptr ? qobject_cast<QBoxLayout*>(bar->layout()) : nullptr;
+    if (edit == nullptr || year == nullptr || month == nullptr || row == nullptr) return;
+    // The button shows the text of the hidden field.
+    edit->setSuffix(u"년"_s);
+    year->setText(edit->text());
+    row->removeWidget(month);
+    row->insertWidget(row->indexOf(year) + 1, month);
+}
 
 /// Puts the calendar's window on the terminal's screen as it shows: the date picker looks at the display's
 /// edges only.
@@ -39,6 +62,7 @@ void fit(QDateEdit* date) {
     calendar->setVerticalHeaderFormat(QCalendarWidget::NoVerticalHeader);
     calendar->setHorizontalHeaderFormat(QCalendarWidget::ShortDayNames);
     calendar->setFixedSize(kCalendarSize);
+    putYearFirst(calendar);
     calendar->window()->installEventFilter(new OnTerminal(calendar));
 }
 

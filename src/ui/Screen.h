@@ -64,6 +64,9 @@ class Screen : public QWidget {
     /// The control with that id, or null.
     QWidget* control(int controlId) const;
 
+    /// Shows a text in the largest type, up to `height`, that fits the label on one line.
+    static void fitText(QLabel* label, const QString& text, FontHeight height);
+
   protected:
     /// A button without `pressed` is disabled.
     BitmapButton* addButton(int controlId, const QString& caption, QPoint at, ButtonBitmaps bitmaps,
@@ -113,7 +116,6 @@ class Screen : public QWidget {
     void setAmount(int controlId, platform::Won amount);
     /// Shows a text in the largest type, up to `height`, that fits its control on one line.
     void setFittedText(int controlId, const QString& text, FontHeight height);
-    static void fitText(QLabel* label, const QString& text, FontHeight height);
 
     /// The buttons that Enter, while no focus ring shows, and Esc press.
     void setDefaultButton(BitmapButton* button) { default_ = button; }

@@ -1,8 +1,6 @@
 #include "ui/Sounds.h"
 
 #include <QApplication>
-#include <QDir>
-#include <QHash>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>

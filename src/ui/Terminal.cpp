@@ -122,22 +122,34 @@ bool Terminal::eventFilter(QObject* watched, QEvent* event) {
     if (front == nullptr || widget == this) return false;
     if (!isInFront || front->isClosing()) return true;
     if (isPress) return !isMeant(static_cast<const QMouseEvent&>(*event));
-    return isPointer && !touch_.isMeant;
+    return isPointer ? !touch_.isMeant : !isMeant(static_cast<const QKeyEvent&>(*event));
 }
 
 /// False for the second of two quick touches at one place when the first was on another dialog: the finger
 /// did not mean what has come under it. So are those that follow as quickly.
 bool Terminal::isMeant(const QMouseEvent& press) {
-    const quint64 ms = press.timestamp();
     const QPointF place = press.globalPosition();
+    return isMeant({.ms = press.timestamp(), .place = place},
+                   (place - touch_.place).manhattanLength() <= kFinger, &touch_);
+}
+
+/// The same of Enter and Esc, which answer whatever dialog is in front: a key that bounces or is struck
+/// twice.
+bool Terminal::isMeant(const QKeyEvent& press) {
+    const int key = press.key() == Qt::Key_Enter ? int(Qt::Key_Return) : press.key();
+    const bool isSame = key == key_.key && (key == Qt::Key_Return || key == Qt::Key_Escape);
+    return isMeant({.ms = press.timestamp(), .key = key}, isSame, &key_);
+}
+
+bool Terminal::isMeant(Press press, bool isSame, Press* last) const {
     // A control that does not want a press hands it on to its parent.
-    if (ms == touch_.ms && place == touch_.place) return touch_.isMeant;
+    if (press.ms == last->ms && press.place == last->place && press.key == last->key) return last->isMeant;
     const bool isQuick =
-        ms - touch_.ms <= quint64(QGuiApplication::styleHints()->mouseDoubleClickInterval()) &&
-        (place - touch_.place).manhattanLength() <= kFinger;
-    const bool isMeant = !isQuick || touch_.changes == changes_;
-    touch_ = {ms, place, isMeant ? changes_ : touch_.changes, isMeant};
-    return isMeant;
+        isSame && press.ms - last->ms <= quint64(QGuiApplication::styleHints()->mouseDoubleClickInterval());
+    press.isMeant = !isQuick || last->changes == changes_;
+    press.changes = press.isMeant ? changes_ : last->changes;
+    *last = press;
+    return press.isMeant;
 }
 
 void Terminal::keyPressEvent(QKeyEvent* event) {
@@ -149,6 +161,7 @@ void Terminal::keyPressEvent(QKeyEvent* event) {
         return QWidget::keyPressEvent(event);
     if (event->key() == Qt::Key_Tab || event->key() == Qt::Key_Backtab) return QWidget::keyPressEvent(event);
     QKeyEvent copy(event->type(), event->key(), event->modifiers(), event->text(), event->isAutoRepeat());
+    copy.setTimestamp(event->timestamp());
     const QScopedValueRollback<const QKeyEvent*> forwarding(forwarded_, &copy);
     QApplication::sendEvent(front, &copy);
 }

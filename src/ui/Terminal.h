@@ -46,10 +46,11 @@ class Terminal : public QWidget {
         QPointer<Screen> screen;
         QPointer<QWidget> focusBelow;  ///< Where the focus goes back to when the screen leaves.
     };
-    /// A touch as it began, and how often another dialog had come to the front by then.
-    struct Touch {
+    /// A touch or a key as it began, and how often another dialog had come to the front by then.
+    struct Press {
         quint64 ms = 0;
-        QPointF place;
+        QPointF place{};
+        int key = 0;
         int changes = 0;
         bool isMeant = true;
     };
@@ -57,10 +58,14 @@ class Terminal : public QWidget {
     void keepFocusInFront(QWidget* now);
     void changeTop();
     bool isMeant(const QMouseEvent& press);
+    bool isMeant(const QKeyEvent& press);
+    /// True, and the press is noted, unless it repeats the last one of its kind on another dialog.
+    bool isMeant(Press press, bool isSame, Press* last) const;
 
     QList<Entry> stack_;
     int changes_ = 0;
-    Touch touch_;
+    Press touch_;
+    Press key_;
     const QKeyEvent* forwarded_ = nullptr;  ///< The key on its way to the dialog in front.
 };
 

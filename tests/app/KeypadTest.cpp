@@ -10,12 +10,6 @@ using namespace Qt::Literals::StringLiterals;
 using app::Keypad;
 using app::KeypadRequest;
 
-KeypadRequest request(int mode) {
-    KeypadRequest result;
-    result.KeypadMode = mode;
-    return result;
-}
-
 /// Presses keys named by one character each: digits, "-", "<" erases field 1, "c" empties the active field.
 void press(Keypad* keypad, QStringView keys) {
     for (const QChar key : keys) {
@@ -31,16 +25,12 @@ void press(Keypad* keypad, QStringView keys) {
     }
 }
 
-struct KeyCase {
-    int mode;
-    QString keys;
-    QString display;
-    QString value;
-    int result;
-};
-
 TEST(Keypad, ShowsAndReturnsWhatIsKeyed) {
-    const KeyCase cases[] = {
+    const struct {
+        int mode;
+        QString keys, display, value;
+        int result;
+    } cases[] = {
         {app::kTextField, u"0042"_s, u"0042"_s, u"0042"_s, 1},
         {app::kTextField, u"12--"_s, u"--12"_s, u"--12"_s, 1},
         // Erasing shows a grouped number in the text mode as well.
@@ -57,15 +47,27 @@ TEST(Keypad, ShowsAndReturnsWhatIsKeyed) {
         {app::kOneNumber, u"99999999999999999999"_s, u"9,223,372,036,854,775,807"_s,
          u"99999999999999999999"_s, 1},
     };
-    for (const KeyCase& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.keys.toStdString());
-        KeypadRequest answer = request(c.mode);
+        KeypadRequest answer;
+        answer.KeypadMode = c.mode;
         Keypad keypad(answer);
         press(&keypad, c.keys);
         EXPECT_EQ(keypad.display(1), c.display);
         keypad.accept(&answer);
         EXPECT_EQ(answer.KeypadValue1, c.value);
         EXPECT_EQ(answer.KeypadResult, c.result);
+    }
+}
+
+TEST(Keypad, NegatesWhatIsNotZero) {
+    for (const auto& [mode, keys, can] : {std::tuple{app::kOneNumber, u"", false},
+                                          {app::kOneNumber, u"0", false},
+                                          {app::kOneNumber, u"5-", true},
+                                          {app::kTextField, u"", true}}) {
+        Keypad keypad(request(mode));
+        press(&keypad, keys);
+        EXPECT_EQ(keypad.canNegate(), can) << mode << QStringView(keys).toUtf8().constData();
     }
 }
 

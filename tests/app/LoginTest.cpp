@@ -5,9 +5,12 @@
 #include <QDir>
 #include <QFile>
 
+#include "app/ClockCheck.h"
+#include "app/DeviceProblem.h"
 #include "app/LoginWait.h"
 #include "app/Session.h"
 #include "platform/Wipe.h"
+#include "support/FullDisk.h"
 #include "support/MemorySearch.h"
 #include "support/PrintQt.h"
 #include "support/TestDevice.h"
@@ -31,6 +34,16 @@ TEST(Login, LeavesNoPasswordInMemory) {
     EXPECT_EQ(test::kRarePassword.places(), std::vector<std::string>());
 }
 
+TEST(Login, TakesAnIdInEitherCaseWhileOneUserIsMeant) {
+    test::TestDevice device;
+    device.execute(
+        u"INSERT INTO PDAUSER (userID,userPASS) VALUES ('B','1'), ('c','1'), ('D','1'), ('d','2')"_s);
+    QStringList known;
+    for (const QString& keyed : {u"b"_s, u"C"_s, u"d"_s, u"D"_s, u"e"_s, QString()})
+        known << app::knownUserId(keyed);
+    EXPECT_EQ(known, (QStringList{u"B"_s, u"c"_s, u"d"_s, u"D"_s, u"e"_s, QString()}));
+}
+
 TEST(LoginWait, GrowsToTenSecondsAndOutlivesTheProgram) {
     using namespace std::chrono_literals;
     test::TestDevice device;
@@ -50,6 +63,29 @@ TEST(LoginWait, GrowsToTenSecondsAndOutlivesTheProgram) {
     ASSERT_TRUE(QFile::remove(file) && QDir().mkdir(file));
     for (int i = 0; i < 2; ++i) EXPECT_EQ(app::enterLoginTry(), 0s);
     EXPECT_EQ(app::enterLoginTry(), 1s);
+}
+
+TEST(ClockCheck, DoubtsAClockBeforeTheLastSlipAndAnotherWorkDate) {
+    test::TestDevice device;
+    EXPECT_EQ(app::newestSlip(), QString());
+    device.execute(
+        u"INSERT INTO MTM (DDate, DTime) VALUES ('2026-11-21', '09:00'), ('2026-11-20', '23:00'), "
+        "('2026-11-22', NULL); INSERT INTO MTMOK (DDate, DTime) VALUES ('2026-11-21', '10:30')"_s);
+    EXPECT_EQ(app::newestSlip(), u"2026-11-21 10:30"_s);
+    const std::tuple<QStringView, int, int> cases[] = {
+        {u"2026-11-21", 30, 0}, {u"2026-11-21", 29, 1}, {u"2026-11-20", 30, 1}, {u"2026-11-22", 29, 2}};
+    for (const auto& [workDate, minute, problems] : cases) {
+        const QString told =
+            app::clockProblem(workDate, QDateTime({2026, 11, 21}, {10, minute}), app::newestSlip());
+        EXPECT_EQ(told.count(u"..!"), problems) << told.toStdString();
+    }
+}
+
+TEST(DeviceProblem, TellsOfADiskThatTakesNoSlip) {
+    const test::TestDevice device;
+    EXPECT_EQ(app::deviceProblem(), QString());
+    const test::FullDisk full(4096);
+    EXPECT_TRUE(app::deviceProblem().contains(u"가득"));
 }
 
 TEST(Session, ResetEmptiesTheActionAndBothWorkingTables) {

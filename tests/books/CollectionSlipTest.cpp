@@ -212,40 +212,4 @@ TEST_F(Collections, KeepEverySimplePayment) {
     EXPECT_EQ(receivable(), u"350000"_s);
 }
 
-TEST_F(Collections, TellTheCashThatChangedHands) {
-    const struct {
-        const char* what;
-        std::int64_t total, recovery, card, cash, unpaid, earlier, taken;
-        bool isSimple = false;
-    } cases[] = {
-        {"cash", 50000, 0, 0, 50000, 0, 0, 50000},
-        {"card and an old debt in cash", 50000, 0, 50000, 0, 0, 7000, 7000},
-        {"credit, the recovery below the total", 50000, 20000, 0, 0, 30000, 7000, 7000},
-        {"an old debt alone", 0, 0, 0, 0, 0, 7000, 7000},
-        {"a recovery above the total, settled by a button", 50000, 60000, 0, 0, 0, 10000, 0},
-        {"the same, then an earlier receivable keyed over it", 50000, 60000, 0, 0, -10000, 7000, 7000},
-        {"the recovery keyed", 50000, 60000, 0, -10000, 0, 10000, 0},
-        {"the same with its excess not booked: handed out", 50000, 60000, 0, -10000, 0, 0, -10000},
-        {"a recovery alone", 0, 60000, 0, 0, 0, 0, 0},
-        {"the same, settled by a button", 0, 60000, 0, 0, 0, 60000, 0},
-        {"the same with an old debt paid", 0, 60000, 0, 0, 0, 5000, 5000},
-        {"a slip that shrank below its recovery after the cash was paid", 5000, 8000, 0, 2000, -5000, 3000,
-         5000},
-        {"a simple payment in cash", 50000, 60000, 0, 40000, 0, 0, 40000, true},
-        {"a simple payment by card", 50000, 60000, 40000, 0, 0, 0, 0, true},
-    };
-    for (const auto& [what, total, recovery, card, cash, unpaid, earlier, taken, isSimple] : cases) {
-        CollectionSlip each;
-        each.Gubun = (isSimple ? books::kSimplePaymentSlip : books::kCollectionOfSale).toString();
-        each.MMoney = Won(total - total / 10);
-        each.YGMoney = Won(total / 10);
-        each.YDMoney = Won(recovery);
-        each.CardMoney = Won(card);
-        each.WonMoney = Won(cash);
-        each.UnderMoney = Won(unpaid);
-        each.MisuInMoney = Won(earlier);
-        EXPECT_EQ(each.cashTaken(), Won(taken)) << what;
-    }
-}
-
 }  // namespace

@@ -55,4 +55,32 @@ TEST(UnsavedSlip, LastsFromTheFirstChangeToTheSave) {
     EXPECT_EQ(lines(), 1);
 }
 
+// Another user's work begins, takes the number, and the slip goes on under the next one with all its lines.
+TEST(UnsavedSlip, WaitsForItsUserWhileOthersWork) {
+    test::TestDevice device;
+    device.execute(u"INSERT INTO PDAUSER (userID, vatMode) VALUES ('A', '2')"_s);
+    ASSERT_TRUE(sales::reloadSlip(u"A", kDay, u"5001"));
+    sales::SlipLine line = saleLine(u"1001"_s);
+    line.setAmounts({platform::Won(1005), platform::Won(999), platform::Won(300), platform::Won(20)});
+    ASSERT_TRUE(sales::insertLine(line) && sales::insertLine(saleLine(u"1002"_s)));
+    ASSERT_TRUE(books::keepAside(books::findUnsaved().value()));
+    EXPECT_FALSE(books::findUnsaved());
+    EXPECT_TRUE(sales::isWorkingSlipEmpty());
+    EXPECT_TRUE(books::keptSlips(u"B").isEmpty());
+    device.execute(u"INSERT INTO MTM (DDate,JunNo,UserID,GCode) VALUES ('2026-11-21','5001','B','0002')"_s);
+
+    QList<books::UnsavedSlip> kept = books::keptSlips(u"A");
+    ASSERT_EQ(kept.size(), 1);
+    EXPECT_EQ(kept[0].total, platform::Won(1110 + 320)) << "rounded as the user's VAT mode says";
+    ASSERT_TRUE(books::takeUp(&kept[0]));
+    EXPECT_EQ(kept[0].junNo, u"5002"_s);
+    EXPECT_TRUE(books::keptSlips(u"A").isEmpty());
+    const auto unsaved = books::findUnsaved().value_or(books::UnsavedSlip{});
+    EXPECT_EQ(unsaved.userId + unsaved.junNo, u"A5002"_s);
+    EXPECT_EQ(unsaved.lines, 2);
+    ASSERT_TRUE(books::keepAside(unsaved));
+    books::discardKept(books::keptSlips(u"A").value(0));
+    EXPECT_TRUE(books::keptSlips(u"A").isEmpty());
+}
+
 }  // namespace

@@ -57,7 +57,12 @@ TEST(ContainerSlip, MovesTheCollectionThatAnUnpaidCardHasReplaced) {
                    line.arg(u"YTEMP"_s, QString(), u"'1500','3500'"_s) +
                    slip.arg(u"MTMOK"_s, QString(), QString()) +
                    slip.arg(u"PAYJOURNAL"_s, u",Number,State"_s, u",'1','prepared'"_s));
+    // The fee that is keyed changes alone, though the line's own statement reads no fees.
+    ASSERT_TRUE(
+        container::replaceAmount({u"1001"_s, u"0"_s, u"0"_s, u"9"_s}, &ContainerAmounts::bottleFee, Won(40)));
+    EXPECT_EQ(container::workingSums(), (ContainerAmounts{Won(1500), Won(3500), Won(), Won(40)}));
     ASSERT_EQ(container::saveSlip(u"A", u"2026-11-21", u"6001", u"0001"), container::SaveOutcome::Saved);
+    EXPECT_EQ(device.value(u"SELECT GSAMT FROM YTM"_s), u"40"_s);
     for (const QStringView table : {u"MTMOK", u"PAYJOURNAL"}) {
         EXPECT_EQ(device.value(u"SELECT YDMoney || ',' || UnderMoney FROM %1"_s.arg(table)), u"5000,4000"_s);
     }

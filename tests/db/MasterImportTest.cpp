@@ -10,8 +10,8 @@
 #include <QDir>
 #include <QFile>
 #include <cerrno>
-#include <functional>
 
+#include "db/ImportLines.h"
 #include "db/MasterLoads.h"
 #include "platform/Clock.h"
 #include "platform/CodePage.h"
@@ -94,6 +94,20 @@ TEST_F(MasterImportTest, LinesBecomeRowsWhateverTheirEnd) {
         EXPECT_EQ(result.outcome, Loaded) << c.what;
         EXPECT_EQ(result.loaded, c.lines) << c.what;
         EXPECT_EQ(margins(), c.rows) << c.what;
+    }
+}
+
+/// Lines that just fit the buffer, or do not, at every place of it.
+TEST_F(MasterImportTest, LinesAreCountedAsTheyComeThroughTheBuffer) {
+    for (qsizetype before = 0; before < 1100; before += 7) {
+        for (const qsizetype length : {1, 511, 512, 1022, 1023, 2500}) {
+            const QByteArray content = QByteArray(before, 'x') + "\n" + QByteArray(length, 'x') + "\n" +
+                                       QByteArray("x\n").repeated(600) + "x";
+            ImportLines lines(content);
+            int walked = 0;
+            for (; !lines.atEnd(); ++walked) lines.next();
+            ASSERT_EQ(ImportLines::count(content), walked) << before << " " << length;
+        }
     }
 }
 
@@ -201,34 +215,25 @@ TEST_F(MasterImportTest, OnlyWhatWasReadIsDeleted) {
     const QString path = onDisk(u"MTM.RVN");
     const QByteArray first = "2004-03-02|a|\n";
     const QByteArray second = "2004-03-02|b|\n2004-03-02|c|\n";
-    struct Case {
-        const char* what;
-        std::function<void()> meanwhile;
-    };
-    const Case cases[] = {
-        {"another file of the name",
-         [&] {
-             device.writeFile(u"\\My Documents\\next"_s, second);
-             ASSERT_EQ(::rename(QFile::encodeName(device.folder() + u"/My Documents/next"_s).constData(),
-                                QFile::encodeName(path).constData()),
-                       0);
-         }},
-        // Who opens it for writing waits for the load to end; this one does not want to wait.
-        {"somebody begins to write",
-         [&] {
-             EXPECT_EQ(::open(QFile::encodeName(path).constData(), O_WRONLY | O_NONBLOCK), -1);
-             EXPECT_EQ(errno, EWOULDBLOCK);
-         }},
-    };
-    for (const Case& c : cases) {
+    for (const bool isReplaced : {true, false}) {
         write(u"MTM.RVN", first);
-        const ImportResult result =
-            importFile(file(u"MTM.RVN"), kDocuments, [&](int, int) { c.meanwhile(); });
-        EXPECT_EQ(result.outcome, BeingWritten) << c.what;
-        EXPECT_EQ(device.value(u"SELECT count(*) FROM MTM"_s), u"0"_s) << c.what;
+        const auto meanwhile = [&](int, int) {
+            if (isReplaced) {
+                device.writeFile(u"\\My Documents\\next"_s, second);
+                ASSERT_EQ(::rename(QFile::encodeName(device.folder() + u"/My Documents/next"_s).constData(),
+                                   QFile::encodeName(path).constData()),
+                          0);
+            } else {
+                // Who opens it for writing waits for the load to end; this one does not want to wait.
+                EXPECT_EQ(::open(QFile::encodeName(path).constData(), O_WRONLY | O_NONBLOCK), -1);
+                EXPECT_EQ(errno, EWOULDBLOCK);
+            }
+        };
+        EXPECT_EQ(importFile(file(u"MTM.RVN"), kDocuments, meanwhile).outcome, BeingWritten) << isReplaced;
+        EXPECT_EQ(device.value(u"SELECT count(*) FROM MTM"_s), u"0"_s) << isReplaced;
         const QByteArray left = contentOf(path);
-        EXPECT_EQ(left, &c == cases ? second : first) << c.what;
-        EXPECT_EQ(load(u"MTM.RVN").loaded, left.count('\n')) << c.what;
+        EXPECT_EQ(left, isReplaced ? second : first);
+        EXPECT_EQ(load(u"MTM.RVN").loaded, left.count('\n'));
         device.execute(u"DELETE FROM MTM"_s);
     }
 }

@@ -45,7 +45,7 @@ class PastOrderTest : public testing::Test {
         QStringList told;
         const PurchaseHistory bought = history();
         for (const PastSlip& slip : bought.slips()) {
-            told << u"%1 %2 %3:"_s.arg(slip.DDate.mid(5), slip.JunNo, platform::formatWon(slip.total));
+            told << u"%1 %2 %3:"_s.arg(slip.DDate.mid(5), slip.JunNo, platform::formatWon(slip.sums.total()));
             for (const Purchase& each : slip.products)
                 told.last() += u" %1 %2"_s.arg(each.PCode, shortQuantityText(each.quantities));
         }

@@ -53,19 +53,16 @@ class SlipTest : public testing::Test {
     ~SlipTest() override { platform::clock::set({}); }
 
     static SlipLine line(const QString& pcode, const QString& box, const QString& bon, LineAmounts amounts) {
-        SlipLine line{.DDate = kToday.toString(),
-                      .GCode = u"0001"_s,
-                      .GName = u"가나상회"_s,
-                      .JunNo = kNumber.toString(),
-                      .PCode = pcode,
-                      .PName = u"소주 "_s + pcode,
-                      .JGubun = u"10"_s,
-                      .Box = box,
-                      .Bon = bon,
-                      .MMoney = {},
-                      .BMoney = {},
-                      .YMoney = {},
-                      .GMoney = {}};
+        SlipLine line;
+        line.DDate = kToday.toString();
+        line.GCode = u"0001"_s;
+        line.GName = u"가나상회"_s;
+        line.JunNo = kNumber.toString();
+        line.PCode = pcode;
+        line.PName = u"소주 "_s + pcode;
+        line.JGubun = u"10"_s;
+        line.Box = box;
+        line.Bon = bon;
         line.setAmounts(amounts);
         return line;
     }
@@ -74,8 +71,7 @@ class SlipTest : public testing::Test {
                QStringView date = kToday) {
         device.execute(
             u"INSERT INTO MTM (DDate, GName, JunNo, WorkGubun, PCode, Box, Bon, MMoney, BMoney, YMoney, "
-            u"GMoney, "
-            "UserID) VALUES ('%1', '손님 %2', '%2', '%3', '%4', '1', '0', '1000', '100', '20', '3', '%5')"_s
+            "GMoney, UserID) VALUES ('%1', '손님 %2', '%2', '%3', '%4', '1', '0', '1000', '100', '20', '3', '%5')"_s
                 .arg(date, junNo, state, pcode, user));
     }
 

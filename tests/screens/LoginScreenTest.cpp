@@ -5,8 +5,10 @@
 #include <QRegularExpression>
 #include <QTableView>
 #include <QTest>
+#include <QToolButton>
 
 #include "FullScreens.h"
+#include "app/UnsavedWork.h"
 #include "books/OfficeState.h"
 #include "platform/Clock.h"
 #include "platform/adoce/DatabaseFile.h"
@@ -33,6 +35,13 @@ TEST_F(Screens, LoginTakesALetterOnceAndShowsItsCalendarWhole) {
     ASSERT_NE(calendar, nullptr);
     const QRect screen(terminal.mapToGlobal(QPoint()), terminal.size());
     EXPECT_TRUE(screen.contains(calendar->geometry())) << testing::PrintToString(calendar->width());
+    const auto heading = [&](const char* part) {
+        return calendar->findChild<QToolButton*>(QLatin1StringView(part));
+    };
+    const QToolButton* year = heading("qt_calendar_yearbutton");
+    const QToolButton* month = heading("qt_calendar_monthbutton");
+    EXPECT_EQ(year->text(), QString::number(date->date().year()) + u'년');
+    EXPECT_LE(year->geometry().right(), month->x()) << "the year comes first";
     for (const auto* view : calendar->findChildren<QTableView*>()) {
         for (int column = 0; column < view->model()->columnCount(); ++column) {
             const QString text = view->model()->index(0, column).data().toString();
@@ -86,6 +95,33 @@ TEST_F(Screens, MenuTellsOfTheClockAndTheOffice) {
     EXPECT_EQ(line->text(), u"사무실 11-20 14:05 · 대기 999"_s);
     EXPECT_THAT(faults(*opened), testing::IsEmpty());
     terminal.remove(opened.get());
+}
+
+TEST_F(Screens, LoginKeepsTheUnsavedSlipOfAnotherUser) {
+    device.execute(
+        uR"(DELETE FROM TEMP; DELETE FROM UNSAVED; DELETE FROM PDAUSER; INSERT INTO UNSAVED VALUES ('TEMP','B','1');
+            INSERT INTO PDAUSER (userID, userNAME) VALUES ('B', '박');
+            INSERT INTO TEMP VALUES ('2026-11-21','매출','0076','까치가든','5001','미처리','1001','소주','10','2','0','3000','300','0','0'))"_s);
+    QStringList seen;
+    QObject::connect(&terminal, &ui::Terminal::topChanged, &terminal, [&](ui::Screen* front) {
+        if (front == nullptr) return;
+        const auto* message = qobject_cast<ui::MessageBox*>(front);
+        seen << (message
+                     ? message->text()
+                     : QString::number(front->id()) + u' ' + device.value(u"SELECT count(*) FROM TEMP"_s));
+        QTimer::singleShot(0, front, [&] { terminal.top()->close(ui::Screen::Accepted); });
+    });
+    app::session().WorkDate = kDay.toString();
+    for (const QString& user : {u"A"_s, u"B"_s}) {
+        app::session().UserID = user;
+        app::offerUnsaved();
+        app::resetSession();
+    }
+    EXPECT_EQ(seen,
+              (QStringList{
+                  u"저장안된 주문서: 까치가든 1품목 3,300원..! 사번 B(박), 작업일자 2026-11-21의 전표라 따로 "
+                  "두었습니다. 그렇게 로그인하면 계속할 수 있습니다."_s,
+                  u"저장안된 주문서: 까치가든 1품목, 계속할까요?"_s, u"134 1"_s}));
 }
 
 }  // namespace

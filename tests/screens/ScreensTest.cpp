@@ -7,6 +7,7 @@
 
 #include "FullScreens.h"
 #include "app/ClockCheck.h"
+#include "app/UnsavedWork.h"
 #include "books/OpenPayments.h"
 #include "platform/termdev/CardReader.h"
 #include "platform/termdev/TermDev.h"
@@ -66,6 +67,7 @@ TEST_F(Screens, AreWholeAndSpokenAndLeft) {
     const auto& reader = platform::termdev::CardReader::instance();
     device.writeFile(u"\\My Documents\\BARCODE.RVN", "1001|8801234567890|\n");
     closeWhatOpens(ui::Screen::Accepted);
+    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
     for (const Case& screen : cases()) {
         SCOPED_TRACE(testing::PrintToString(screen));
         auto opened = open(screen);
@@ -73,7 +75,8 @@ TEST_F(Screens, AreWholeAndSpokenAndLeft) {
         EXPECT_THAT(unspoken(*opened), testing::IsEmpty());
         EXPECT_EQ(reader.isReading(), screen.dialog == 449);
         // Esc leaves the screen, whatever has the focus.
-        QTest::keyClick(terminal.window()->windowHandle(), Qt::Key_Escape);
+        escape.setTimestamp(escape.timestamp() + 1000);
+        QCoreApplication::sendEvent(terminal.window()->windowHandle(), &escape);
         EXPECT_EQ(opened->isClosing(), screen.dialog != 102);
         opened.reset();
         EXPECT_FALSE(reader.isReading());
@@ -128,6 +131,12 @@ QStringList longestMessages() {
             books::describePayment(payment)),
         sales::priceOrigin(price, -999, -999) + u"\n전표의 금액은 수정된 금액입니다."_s,
         app::clockProblem(u"2026-11-20", QDateTime(QDate(2026, 11, 21), QTime(9, 5)), u"2026-11-22 10:00"),
+        app::describeUnsaved({.userId = u"B"_s,
+                              .date = kDay.toString(),
+                              .gName = kLongName.toString(),
+                              .lines = 99,
+                              .total = most},
+                             u"A", kDay, false),
         app::newDay(kDay, QDateTime(QDate(2026, 11, 22), QTime(0, 5))),
         u"저장 공간이 가득 차서 저장할 수 없습니다..! 관리자에게 알려 주세요 : /home/salesman-of-the-second-"
         "branch/.local/share/rovana/second-terminal/My Documents"_s};
@@ -248,6 +257,30 @@ TEST_F(Screens, PrintingTellsOfWaitingJobsAndAsksBeforeASecondCopy) {
     EXPECT_EQ(text(1056), u"두 부 모두 2장 출력"_s);
     terminal.remove(opened.get());
     platform::termdev::setPrinter(nullptr);
+}
+
+TEST_F(Screens, TakeNoAnswerFromAKeyThatBounces) {
+    const auto opened = open({132});
+    const auto strike = [&](int key, quint64 ms) {
+        QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
+        press.setTimestamp(ms);
+        QCoreApplication::sendEvent(terminal.top(), &press);
+    };
+    QTimer::singleShot(0, opened.get(), [&] {
+        ui::Screen* slip = terminal.top();
+        for (const quint64 bounce : {1080, 1300}) strike(Qt::Key_Enter, bounce);
+        EXPECT_EQ(terminal.top(), slip) << "the slip that Enter opened was finished by its bounce";
+        EXPECT_FALSE(slip->isClosing());
+        strike(Qt::Key_Escape, 1310);
+        EXPECT_TRUE(slip->isClosing());
+    });
+    strike(Qt::Key_Return, 1000);
+    EXPECT_EQ(terminal.top(), opened.get());
+    strike(Qt::Key_Escape, 1400);
+    EXPECT_FALSE(opened->isClosing());
+    strike(Qt::Key_Escape, 2000);
+    EXPECT_TRUE(opened->isClosing());
+    terminal.remove(opened.get());
 }
 
 }  // namespace

@@ -2,9 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <QFile>
+#include <QDir>
 #include <QTemporaryDir>
-#include <QTextStream>
 
 #include "platform/Device.h"
 #include "platform/Sqlite.h"
@@ -12,23 +11,11 @@
 #include "platform/adoce/DatabaseFile.h"
 #include "rovanactl/Command.h"
 #include "rovanactl/DeviceFolder.h"
+#include "tools/Ended.h"
 
 namespace test {
 
-using namespace Qt::Literals::StringLiterals;
-
 inline const QString kDay = u"2024-03-29"_s;
-
-inline std::string narrow(const QString& text) {
-    return text.toStdString();
-}
-
-/// What a run of the command left.
-struct Ended {
-    int exitCode;
-    QString out;
-    QString err;
-};
 
 /// A device folder of the test's own, empty at first.
 class AdminTest : public ::testing::Test {
@@ -40,53 +27,63 @@ class AdminTest : public ::testing::Test {
     }
 
     QString folder() const { return folder_.path(); }
+    QString path(const QString& name) const { return folder_.filePath(name); }
     QString database() const { return platform::device::path(platform::device::kDatabaseFile); }
 
-    /// Runs the command on the test's device folder.
-    Ended run(const QStringList& arguments, QString input = {}) {
-        Ended ended;
-        QTextStream in(&input);
-        QTextStream out(&ended.out);
-        QTextStream err(&ended.err);
-        const QStringList all =
-            QStringList{u"rovanactl"_s} + arguments + QStringList{u"--device"_s, folder()};
-        ended.exitCode = admin::run(all, in, out, err);
-        return ended;
+    /// Runs the command on the test's device folder, as a process that has just begun.
+    Ended run(const QStringList& arguments, const QString& input = {}) {
+        platform::adoce::DatabaseFile::forgetAll();
+        return runHere(admin::run,
+                       QStringList(u"rovanactl"_s) + arguments + QStringList{u"--device"_s, folder()}, input);
+    }
+    /// What a run that went well has said.
+    std::string ran(const QStringList& arguments, const QString& input = {}) {
+        const Ended ended = run(arguments, input);
+        EXPECT_EQ(ended.exitCode, admin::kSuccess) << ended.err;
+        return ended.out;
+    }
+    /// The connection of a terminal that has read once: its write-ahead log stays open.
+    std::unique_ptr<platform::SqliteFile> openTerminal() const {
+        auto terminal =
+            std::make_unique<platform::SqliteFile>(database(), platform::SqliteFile::Mode::Existing);
+        EXPECT_TRUE(terminal->execute(u"PRAGMA journal_mode=WAL"_s) &&
+                    terminal->rows(u"SELECT * FROM MTM"_s));
+        return terminal;
     }
 
-    void makeDevice() { ASSERT_EQ(narrow(admin::createDevice(std::nullopt)), ""); }
-    void makeDemo(admin::demo::Options options = {}) {
-        options.date = kDay;
-        ASSERT_EQ(narrow(admin::createDevice(options)), "");
-    }
+    void makeDevice() { ASSERT_EQ(admin::createDevice(std::nullopt).toStdString(), ""); }
 
     /// The rows of a SELECT, columns joined by "|".
     QStringList rows(const QString& select) {
         platform::SqliteFile file(database(), platform::SqliteFile::Mode::Existing);
+        const auto found = file.rows(select);
+        EXPECT_TRUE(found) << file.errorText().toStdString();
         QStringList texts;
-        EXPECT_TRUE(file.forEachRow(select, {}, [&](const QStringList& row) {
-            texts << row.join(u'|');
-            return true;
-        })) << narrow(file.errorText());
+        for (const QStringList& row : found.value_or(QList<QStringList>())) texts << row.join(u'|');
         return texts;
     }
-
-    void execute(const QString& statement) {
-        platform::SqliteFile file(database(), platform::SqliteFile::Mode::Existing);
-        ASSERT_TRUE(file.execute(statement)) << narrow(file.errorText());
+    static void executeOn(const QString& database, const QString& statements) {
+        platform::SqliteFile file(database, platform::SqliteFile::Mode::Create);
+        ASSERT_TRUE(file.execute(statements)) << file.errorText().toStdString();
     }
+    void execute(const QString& statements) { executeOn(database(), statements); }
 
     QString writeFile(const QString& name, const QByteArray& content) {
-        const QString path = folder_.filePath(name);
-        QFile file(path);
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
-        return path;
+        EXPECT_TRUE(platform::writeWholeFile(path(name), content));
+        return path(name);
     }
-
     static QByteArray readFile(const QString& path) {
         const auto content = platform::readWholeFile(path);
-        EXPECT_TRUE(content) << narrow(path);
+        EXPECT_TRUE(content) << path.toStdString();
         return content.value_or(QByteArray());
+    }
+    static void expectForNobodyElse(const QString& path) {
+        EXPECT_TRUE(QFile::exists(path)) << path.toStdString();
+        EXPECT_FALSE(QFile::permissions(path) & (QFile::ReadGroup | QFile::ReadOther)) << path.toStdString();
+    }
+    /// The files of a folder, hidden ones too.
+    static QStringList filesOf(const QString& folder, const QString& name = u"*"_s) {
+        return QDir(folder).entryList({name}, QDir::Files | QDir::Hidden, QDir::Name);
     }
 
   private:

@@ -1,4 +1,3 @@
-#include <QFileInfo>
 #include <QProcess>
 
 #include "AdminTest.h"
@@ -33,38 +32,88 @@ TEST_F(CommandsTest, JournalListsPaymentsAndSettlesOpenOnes) {
         {"--settle C approved 000000000002", admin::kFailure, "on slip 5002"},
         {"--settle C released", admin::kSuccess, "paid again"},
         {"--settle C released", admin::kFailure, "released already"},
-        {"--reopen C released", admin::kUsageError, "nothing else"},
         {"--reopen D", admin::kFailure, "no payment"},
         {"--reopen C", admin::kSuccess, "is open"},
         {"--reopen C", admin::kFailure, "open already"},
         {"--settle C approved 000000000003", admin::kSuccess, "slip 7001"},
         {"--reopen C", admin::kSuccess, "is open"},
         {"--settle C released", admin::kSuccess, "paid again"},
-        {"stray", admin::kUsageError, "--settle"},
     };
     for (const auto& [options, exitCode, said] : cases) {
         QStringList arguments{u"journal"_s};
         for (const QString& word : QString::fromLatin1(options).split(u' '))
             arguments << (word.size() == 1 ? QString(32, word[0]) : word);
-        platform::adoce::DatabaseFile::forgetAll();
         const Ended ended = run(arguments);
         EXPECT_EQ(ended.exitCode, exitCode) << options;
-        EXPECT_TRUE((ended.out + ended.err).contains(QLatin1StringView(said)))
-            << narrow(ended.out + ended.err);
-        EXPECT_FALSE(ended.out.contains(u"5001"_s)) << options;
+        EXPECT_THAT(ended.out + ended.err, HasSubstr(said));
+        EXPECT_THAT(ended.out, Not(HasSubstr("5001"))) << options;
     }
     EXPECT_EQ(
         rows(u"SELECT State FROM PAYJOURNAL UNION ALL SELECT JunNo || BANKTRANNO FROM MTMOK ORDER BY 1"_s)
             .join(u' '),
         u"5002000000000002 7001 approved approved released"_s);
-    platform::SqliteFile terminal(database(), platform::SqliteFile::Mode::Existing);
-    ASSERT_TRUE(terminal.execute(u"PRAGMA journal_mode=WAL"_s) && terminal.rows(u"SELECT * FROM MTM"_s));
-    EXPECT_TRUE(
-        run({u"journal"_s, u"--settle"_s, QString(32, u'c'), u"released"_s}).err.contains(u"close the"_s));
+    const auto terminal = openTerminal();
+    EXPECT_THAT(run({u"journal"_s, u"--settle"_s, QString(32, u'c'), u"released"_s}).err,
+                HasSubstr("close the"));
+}
+
+TEST_F(CommandsTest, LoadTakesTheWholeFileOrNothing) {
+    makeDevice();
+    const QByteArray user =
+        "userID,userPASS,userNAME,vatMode,followOn,containerWork,searchSetting,userTEL,reserve1,reserve2\n";
+    const QByteArray config = "sangho,sno,name,tel,fax,juso,calltel,cardid,cardpass,cardno\n";
+    const struct {
+        QString table;
+        QByteArray content;
+        const char* said;
+    } cases[] = {
+        {u"JGUBUN"_s, "CODE,NAME\n01,소주\n02\n", "line 3"},
+        {u"JGUBUN"_s, "CODE,NAME\n01,\xBC\xD2\n02,\xFF\n", "line 3: the text is neither"},
+        {u"JGUBUN"_s,
+         "\xEF\xBB\xBF"
+         "CODE,NAME\n01,\xBC\xD2\n",
+         "line 2: the text is not UTF-8"},
+        {u"JGUBUN"_s, "CODE,NAME,PRICE\n01,소주,1\n", "PRICE"},
+        {u"JGUBUN"_s, "CODE,NAME,code\n01,소주,02\n", "CODE twice"},
+        {u"PDAUSER"_s, user + "A,1,,,,,,,,\nA,2,,,,,,,,\n", "line 3"},
+        {u"config"_s, config + "a,,,,,,,,,\nb,,,,,,,,,\n", "exactly one row"},
+    };
+    const auto contents = [this] {
+        return rows(u"SELECT CODE, NAME FROM JGUBUN ORDER BY CODE"_s) + rows(u"SELECT * FROM PDAUSER"_s) +
+               rows(u"SELECT * FROM config"_s);
+    };
+    const QStringList before = contents();
+    for (const auto& [table, content, said] : cases) {
+        const Ended ended = run({u"load"_s, table, writeFile(u"faulty.csv"_s, content)});
+        EXPECT_EQ(ended.exitCode, admin::kFailure) << said;
+        EXPECT_THAT(ended.err, HasSubstr(said));
+        EXPECT_EQ(contents(), before) << said;
+    }
+    // In UTF-8, and in code page 949, as a Korean spreadsheet writes it.
+    for (const char* good : {"\xEF\xBB\xBFname, CODE\r\n\"소, 주\",01\r\n맥주,02\r\n",
+                             "name, CODE\r\n\"\xBC\xD2, \xC1\xD6\",01\r\n\xB8\xC6\xC1\xD6,02\r\n"}) {
+        execute(u"DELETE FROM JGUBUN"_s);
+        ran({u"load"_s, u"jgubun"_s, writeFile(u"classes.csv"_s, good)});
+        EXPECT_EQ(contents().first(2), QStringList({u"01|소, 주"_s, u"02|맥주"_s}));
+    }
+}
+
+TEST_F(CommandsTest, UserIsAddedAndChanged) {
+    makeDevice();
+    const auto user = [this] { return rows(u"SELECT * FROM PDAUSER WHERE userID = 'E'"_s).join(u' '); };
+    EXPECT_EQ(run({u"user"_s, u"E"_s, u"--name"_s, u"홍길동"_s}).exitCode, admin::kUsageError);
+    const Ended added =
+        run({u"user"_s, u"E"_s, u"--password"_s, u"-"_s, u"--name"_s, u"홍길동"_s}, u"8642\n"_s);
+    EXPECT_THAT(added.out + added.err, Not(HasSubstr("8642")));
+    EXPECT_EQ(user(), u"E|8642|홍길동|1|||N|||"_s);
+    ran({u"user"_s, u"E"_s, u"--vat-mode"_s, u"3"_s, u"--follow-on"_s, u"Z"_s, u"--container"_s, u"X"_s,
+         u"--search"_s, u"Y"_s});
+    ran({u"user"_s, u"E"_s, u"--container"_s, u""_s, u"--password"_s, u"97"_s});
+    EXPECT_EQ(user(), u"E|97|홍길동|3|Z||Y|||"_s);
 }
 
 /// The program itself, in an environment that knows no UTF-8.
-Ended runProgram(const QStringList& arguments, const QByteArray& input = {}) {
+Ended runPlain(const QStringList& arguments, const QByteArray& input = {}) {
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     for (const QString& name : {u"LC_ALL"_s, u"LC_CTYPE"_s, u"LANG"_s}) environment.remove(name);
@@ -73,27 +122,42 @@ Ended runProgram(const QStringList& arguments, const QByteArray& input = {}) {
     process.write(input);
     process.closeWriteChannel();
     EXPECT_TRUE(process.waitForFinished(60'000));
-    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-            QString::fromUtf8(process.readAllStandardError())};
+    return {process.exitCode(), process.readAllStandardOutput().toStdString(),
+            process.readAllStandardError().toStdString()};
 }
 
 TEST_F(CommandsTest, TheProgramWorksInAPlainEnvironment) {
-    const QString device = folder() + u"/장치"_s;
-    const Ended made = runProgram({u"init"_s, device, u"--demo"_s, u"--date"_s, kDay});
+    const QString device = path(u"장치"_s);
+    const Ended made = runPlain({u"init"_s, device, u"--demo"_s, u"--date"_s, kDay});
     EXPECT_EQ(made.exitCode, 0);
-    EXPECT_EQ(narrow(made.err), "");
+    EXPECT_EQ(made.err, "");
     for (const QString& file : {u""_s, u"/My Documents/rvnclient.cdb"_s, u"/My Documents/GARAE.RVN"_s,
-                                u"/Flash Disk/SALE.ini"_s, u"/저장소카드"_s}) {
-        const QFileInfo info(device + file);
-        EXPECT_TRUE(info.exists()) << narrow(file);
-        EXPECT_FALSE(info.permissions() & (QFile::ReadGroup | QFile::ReadOther)) << narrow(file);
+                                u"/Flash Disk/SALE.ini"_s, u"/저장소카드"_s})
+        expectForNobodyElse(device + file);
+    EXPECT_EQ(runPlain({u"--device"_s, device, u"import"_s}).exitCode, 0);
+    const std::string slips = runPlain({u"slips"_s, u"--device"_s, device, u"--date"_s, kDay}).out;
+    EXPECT_EQ(std::ranges::count(slips, '\n'), 7);
+    const std::string price = runPlain({u"price"_s, u"-"_s, u"--device"_s, device}, "0001\t1027\t1\t0\n").out;
+    EXPECT_EQ(std::ranges::count(price, '\t'), 4);
+    EXPECT_EQ(runPlain({}).exitCode, 2);
+}
+
+TEST_F(CommandsTest, InitReplacesNeitherADatabaseNorWaitingOrders) {
+    const QString orders = u"My Documents/MTM.RVN"_s;
+    ASSERT_TRUE(QDir(folder()).mkpath(u"My Documents"_s));
+    writeFile(orders, "somebody's");
+    EXPECT_THAT(run({u"init"_s, u"--demo"_s}).err, HasSubstr("MTM.RVN"));
+    EXPECT_EQ(readFile(path(orders)), "somebody's");
+    EXPECT_FALSE(QFile::exists(database()));
+    QFile::remove(path(orders));
+    makeDevice();
+    execute(u"UPDATE PDAUSER SET userNAME = '원래'"_s);
+    const QByteArray before = readFile(database());
+    for (const QStringList& arguments : {QStringList{u"init"_s}, QStringList{u"init"_s, u"--demo"_s}}) {
+        EXPECT_EQ(run(arguments).exitCode, admin::kFailure);
+        EXPECT_EQ(readFile(database()), before);
+        EXPECT_FALSE(QFile::exists(path(orders)));
     }
-    EXPECT_EQ(runProgram({u"--device"_s, device, u"import"_s}).exitCode, 0);
-    EXPECT_EQ(runProgram({u"slips"_s, u"--device"_s, device, u"--date"_s, kDay}).out.count(u'\n'), 7);
-    EXPECT_EQ(runProgram({u"price"_s, u"-"_s, u"--device"_s, device}, "0001\t1027\t1\t0\n").out.count(u'\t'),
-              4);
-    EXPECT_EQ(runProgram({u"init"_s, device}).exitCode, 1);
-    EXPECT_EQ(runProgram({}).exitCode, 2);
 }
 
 }  // namespace

@@ -1,5 +1,3 @@
-#include <QDir>
-
 #include "AdminTest.h"
 #include "db/Health.h"
 #include "db/Schema.h"
@@ -14,22 +12,29 @@ class UpgradeTest : public AdminTest {
         QFile::remove(database());
         makeDevice();
         ASSERT_TRUE(QFile::remove(database()));
-        platform::SqliteFile made(database(), platform::SqliteFile::Mode::Create);
-        ASSERT_TRUE(made.execute(
-            QString::fromUtf8(readFile(QStringLiteral(ROVANA_TESTS_DIR "/tools/fixtures/first-build.sql")))));
+        execute(
+            QString::fromUtf8(readFile(QStringLiteral(ROVANA_TESTS_DIR "/tools/fixtures/first-build.sql"))));
         QFile::setPermissions(database(), QFile::ReadOwner | QFile::WriteOwner);
     }
 
-    QStringList kept() const {
-        return QDir(folder() + u"/My Documents"_s).entryList({u"rvnclient.cdb.*"_s}, QDir::Files);
-    }
+    QStringList kept() const { return filesOf(path(u"My Documents"_s), u"rvnclient.cdb.*"_s); }
     QStringList savedRows() {
         QStringList all;
         for (const QString& table : {u"GARAE"_s, u"MTM"_s, u"MTMOK"_s, u"YTM"_s, u"PDAUSER"_s, u"config"_s})
             all += rows(u"SELECT * FROM "_s + table);
         return all;
     }
-    QString version() { return rows(u"PRAGMA user_version"_s).value(0); }
+    QStringList version() { return rows(u"PRAGMA user_version"_s); }
+    void expectRefused(const char* reason) {
+        const auto state = [this] {
+            return rows(u"SELECT name, sql FROM sqlite_schema"_s) + version() + kept();
+        };
+        const QStringList before = state();
+        const Ended refused = run({u"upgrade"_s});
+        EXPECT_EQ(refused.exitCode, admin::kFailure) << refused.out;
+        EXPECT_THAT(refused.err, HasSubstr(reason));
+        EXPECT_EQ(state(), before);
+    }
 };
 
 TEST_F(UpgradeTest, BringsTheFirstBuildsDatabaseUpOnceAndChangesNoRow) {
@@ -40,64 +45,46 @@ TEST_F(UpgradeTest, BringsTheFirstBuildsDatabaseUpOnceAndChangesNoRow) {
         "Cash TEXT, Card TEXT, Approvals TEXT, Unpaid TEXT, EarlierPaid TEXT, Recovery TEXT, Boxes TEXT, "
         "Bottles TEXT, CratesBack TEXT, BottlesBack TEXT)"_s);
     const QStringList before = savedRows();
+    const QStringList newest{QString::number(db::schema::kVersion)};
     EXPECT_TRUE(db::needsUpgrade());
-    EXPECT_EQ(narrow(db::databaseProblem()), "") << "it works without what came later";
-    platform::adoce::DatabaseFile::forgetAll();
+    EXPECT_EQ(db::databaseProblem().toStdString(), "") << "it works without what came later";
 
-    const Ended first = run({u"upgrade"_s});
-    ASSERT_EQ(first.exitCode, admin::kSuccess) << narrow(first.err);
-    for (const QString& what : {u"table PRINTLOG"_s, u"table PAYJOURNAL"_s, u"column DAYCLOSE.OpenSlips"_s,
-                                u"index MTM_CUSTOMER"_s, u"%1, was 0"_s.arg(db::schema::kVersion)}) {
-        EXPECT_EQ(first.out.count(what), 1) << narrow(what) << narrow(first.out);
-    }
+    const std::string told = ran({u"upgrade"_s});
+    for (const char* what : {"table PRINTLOG", "table PAYJOURNAL", "column DAYCLOSE.OpenSlips", ", was 0"})
+        EXPECT_THAT(told, HasSubstr(what));
     EXPECT_EQ(savedRows(), before);
-    EXPECT_EQ(version(), QString::number(db::schema::kVersion));
-    EXPECT_EQ(run({u"check"_s}).exitCode, admin::kSuccess);
+    EXPECT_EQ(version(), newest);
+    ran({u"check"_s});
     EXPECT_FALSE(db::needsUpgrade());
-    platform::adoce::DatabaseFile::forgetAll();
 
     ASSERT_EQ(kept().size(), 1);
-    EXPECT_TRUE(first.out.contains(kept().first()));
-    EXPECT_TRUE(run({u"upgrade"_s}).out.contains(u"nothing to do"_s));
+    EXPECT_THAT(told, HasSubstr(kept().first().toStdString()));
+    EXPECT_THAT(ran({u"upgrade"_s}), HasSubstr("nothing to do"));
     EXPECT_EQ(kept().size(), 1);
     // Back to the old one, which a restore completes as well.
-    EXPECT_EQ(run({u"restore"_s, folder() + u"/My Documents/"_s + kept().first()}).exitCode, admin::kSuccess);
+    ran({u"restore"_s, path(u"My Documents/"_s + kept().first())});
     EXPECT_EQ(savedRows(), before);
-    EXPECT_EQ(version(), QString::number(db::schema::kVersion));
+    EXPECT_EQ(version(), newest);
 }
 
 TEST_F(UpgradeTest, RefusesWhatIsNotAnOlderTerminalsAndLeavesItAsItWas) {
-    const struct {
-        QString spoil;
-        QString reason;
-    } cases[] = {
-        {u"PRAGMA user_version=%1"_s.arg(db::schema::kVersion + 1), u"a newer Rovana made it"_s},
-        {u"ALTER TABLE JGUBUN ADD COLUMN more TEXT"_s, u"columns of JGUBUN"_s},
+    const std::pair<QString, const char*> cases[] = {
+        {u"PRAGMA user_version=%1"_s.arg(db::schema::kVersion + 1), "a newer Rovana made it"},
+        {u"ALTER TABLE JGUBUN ADD COLUMN more TEXT"_s, "columns of JGUBUN"},
         // Made in the transaction after others, so those have to go again.
-        {u"CREATE VIEW PAYJOURNAL_STATE AS SELECT 1"_s, u"PAYJOURNAL_STATE"_s},
+        {u"CREATE VIEW PAYJOURNAL_STATE AS SELECT 1"_s, "PAYJOURNAL_STATE"},
     };
     for (const auto& [spoil, reason] : cases) {
         SetUp();
         execute(spoil);
-        const QStringList before = rows(u"SELECT name, sql FROM sqlite_schema"_s) + QStringList{version()};
-        const Ended refused = run({u"upgrade"_s});
-        EXPECT_EQ(refused.exitCode, admin::kFailure) << narrow(refused.out);
-        EXPECT_TRUE(refused.err.contains(reason)) << narrow(refused.err);
-        EXPECT_EQ(rows(u"SELECT name, sql FROM sqlite_schema"_s) + QStringList{version()}, before);
-        EXPECT_EQ(kept(), QStringList());
+        expectRefused(reason);
     }
     QFile::remove(database());
-    platform::SqliteFile other(database(), platform::SqliteFile::Mode::Create);
-    ASSERT_TRUE(other.execute(u"CREATE TABLE t (a)"_s));
-    EXPECT_TRUE(run({u"upgrade"_s}).err.contains(u"no table of a terminal"_s));
+    execute(u"CREATE TABLE t (a)"_s);
+    expectRefused("no table of a terminal");
     SetUp();
-    // A terminal that has read once keeps the database open.
-    QString error;
-    const auto terminal = platform::adoce::DatabaseFile::shared(database(), &error);
-    ASSERT_TRUE(terminal && terminal->begin()) << narrow(error);
-    terminal->rollback();
-    const Ended refused = run({u"upgrade"_s});
-    EXPECT_TRUE(refused.err.contains(u"close the terminal first"_s)) << narrow(refused.err + refused.out);
+    const auto terminal = openTerminal();
+    expectRefused("close the terminal first");
 }
 
 }  // namespace

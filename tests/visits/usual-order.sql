@@ -1,5 +1,6 @@
 -- What three customers bought before. 강나루마트's newest slip has a return as well. 까치가든's newest has a product that
--- has left the price list since; the one before is an order of the office. Two products have bar codes.
+-- has left the price list since; the one before is an order of the office, of a salesman who rounds to hundreds. Two
+-- products have bar codes.
 INSERT INTO MTM SELECT column2, '매출', GCODE, GNAME, column3, '발행', Pcode, Pname, JGubun, column5, column6, '1000',
     '100', '0', '0', 'A', column7 FROM (VALUES
     ('0016', '2026-11-11', '5003', '1001', '3', '12', '10:15'), ('0016', '2026-11-11', '5003', '1009', '2', '0', '10:15'),
@@ -11,3 +12,4 @@ INSERT INTO MTM SELECT column2, '매출', GCODE, GNAME, column3, '발행', Pcode
     ('0031', '2026-11-09', '5001', '1020', '3', '0', '10:15'))
     JOIN GARAE ON GCODE = column1 JOIN PUMMOK ON Pcode = column4;
 INSERT INTO BARCODE VALUES ('1001', '8801234567890'), ('1024', '0123456789012');
+UPDATE MTM SET UserID = 'C', MMoney = '1040' WHERE GCode = '0076' AND DDate = '2026-11-09';

@@ -3,7 +3,6 @@
 #include <QDir>
 #include <QFile>
 #include <QStringBuilder>
-#include <algorithm>
 
 #include "platform/Digits.h"
 #include "platform/Sync.h"

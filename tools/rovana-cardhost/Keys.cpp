@@ -73,15 +73,17 @@ bool writePublic(const QString& path, const Keys& keys, QString* error) {
     return platform::readWholeFile(path) == digits || platform::writeWholeFile(path, digits, error);
 }
 
-}  // namespace
-
+/// Both secrets, for the owner alone.
 QString secretFile(const QString& folder) {
     return folder + u"/host.key"_s;
 }
 
+/// The public key, for the terminals.
 QString publicFile(const QString& folder) {
     return folder + u"/host.pub"_s;
 }
+
+}  // namespace
 
 std::optional<Keys> openKeys(const QString& folder, QString* error) {
     if (platform::message::startCipher() != platform::message::kDone) {

@@ -15,11 +15,6 @@ struct Keys {
     platform::SecureBytes digestKey;
 };
 
-/// The two files in the host's folder: both secrets, for the owner alone, and the public key for the
-/// terminals.
-QString secretFile(const QString& folder);
-QString publicFile(const QString& folder);
-
 /// Reads the keys of the folder, or makes them and both files when there are none. A file that is there is
 /// never replaced: terminals hold its public half. Nothing, with the reason in `error`, when that fails.
 std::optional<Keys> openKeys(const QString& folder, QString* error);

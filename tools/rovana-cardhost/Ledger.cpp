@@ -2,7 +2,6 @@
 
 #include <QDateTime>
 #include <QStringBuilder>
-#include <algorithm>
 #include <array>
 #include <cstdlib>
 

@@ -64,7 +64,7 @@ constinit const Command kLoadCommand{
     u"in UTF-8 with\n"
     u"the columns' names in its first line. All files are loaded, each as a version of its own, or none: a "
     u"line\n"
-    u"that no terminal would take is named. MTM adds its orders, the others replace what was there.\n"
+    u"that no terminal would take is named. MTM adds its new orders, the others replace what was there.\n"
     u"Balances in GARAE count for what the terminals have sent until now.",
     1,
     6,

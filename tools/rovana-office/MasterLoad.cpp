@@ -90,11 +90,13 @@ class Load {
         return ended;
     }
 
-    std::int64_t addRows(const std::string& which) {
+    /// Adds the rows that the table lacks, which are counted.
+    std::int64_t addNewRows() {
         return work_
             .exec_params("WITH new AS (INSERT INTO " + table_ + " (first_version, row_number, " + columns_ +
-                             ") SELECT $1, row_number, " + columns_ + " FROM loaded" + which +
-                             " RETURNING 1) SELECT count(*) FROM new",
+                             ") SELECT $1, row_number, " + columns_ +
+                             " FROM loaded WHERE row_number IN (SELECT row_number FROM compared WHERE place "
+                             "IS NULL) RETURNING 1) SELECT count(*) FROM new",
                          version_)[0][0]
             .as<std::int64_t>();
     }
@@ -162,15 +164,11 @@ MasterLoaded loadMaster(pqxx::work& work, const MasterFile& master, bool mayShri
     if (!mayShrink && !master.isOrders()) load.refuseShrinking();
     loaded.version = load.makeVersion();
     load.stage();
-    if (master.isOrders()) {
-        loaded.added = load.addRows("");
-    } else {
-        load.compare();
-        loaded.removed = load.endRows();
-        loaded.added =
-            load.addRows(" WHERE row_number IN (SELECT row_number FROM compared WHERE place IS NULL)");
-        work.exec("DROP TABLE compared");
-    }
+    load.compare();
+    // Orders stay when a later file is without them, and come once when it has them again.
+    if (!master.isOrders()) loaded.removed = load.endRows();
+    loaded.added = load.addNewRows();
+    work.exec("DROP TABLE compared");
     work.exec("DROP TABLE loaded");
     load.noteChanges();
     load.prune();

@@ -2,7 +2,6 @@
 
 #include <sodium.h>
 
-#include <array>
 #include <string_view>
 
 namespace office {

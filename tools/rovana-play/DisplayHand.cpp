@@ -53,6 +53,9 @@ void DisplayHand::point(QEvent::Type type, QPoint place, int time) {
 }
 
 void DisplayHand::strike(Qt::Key key) {
+    // Enter or Esc again is no bounce.
+    const bool isAnswer = key == Qt::Key_Return || key == Qt::Key_Escape;
+    if (std::exchange(key_, key) == key && isAnswer) add({u"sleep"_s, QString::number(kApartMs / 1000.0)}, 0);
     add({u"key"_s, keyName(key)}, 2);
 }
 

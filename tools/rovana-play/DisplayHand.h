@@ -35,6 +35,7 @@ class DisplayHand : public QObject {
     int expected_ = 0;       ///< Events that have not come yet.
     int time_ = 0;           ///< Of the last event, and its place.
     QPoint place_;
+    Qt::Key key_ = Qt::Key_unknown;  ///< That was struck last.
     QProcess tool_;
 };
 

@@ -1,6 +1,7 @@
 #include "rovana-play/Hand.h"
 
 #include <QCoreApplication>
+#include <QKeyEvent>
 #include <QQueue>
 #include <QTest>
 #include <QWindow>
@@ -110,8 +111,15 @@ void slide(QPoint from, QPoint to) {
 
 void strike(Qt::Key key) {
     if (onDisplay()) return onDisplay()->strike(key);
-    later([key](QWindow* window) { QTest::keyPress(window, key); });
-    later([key](QWindow* window) { QTest::keyRelease(window, key); });
+    now += kBetweenTouchesMs;
+    const QString text = key < Qt::Key_Escape ? QString(QChar(ushort(key))).toLower() : QString();
+    for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+        later([=, time = now](QWindow* window) {
+            QKeyEvent event(type, key, Qt::NoModifier, text);
+            event.setTimestamp(quint64(time));
+            QCoreApplication::sendEvent(window, &event);
+        });
+    }
 }
 
 }  // namespace pilot

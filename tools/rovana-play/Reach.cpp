@@ -91,6 +91,8 @@ Found reachControl(Address at) {
         return unreachable(u"is behind: "_s + inFront());
     if (!control.isVisible()) return unreachable(u"is hidden"_s);
     if (!control.isEnabled()) return unreachable(u"is disabled"_s);
+    // A list is reached where its row is.
+    if (qobject_cast<const QAbstractItemView*>(&control)) return found;
     const QString reason = obstacle(control, placeOf(control));
     return reason.isEmpty() ? found : unreachable(reason);
 }

@@ -6,7 +6,6 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <algorithm>
 
 #include "db/ImportFile.h"
 #include "db/MasterImport.h"

@@ -18,8 +18,9 @@ using namespace Qt::Literals::StringLiterals;
 
 constexpr QStringView kTables[] = {u"MTM", u"MTMOK", u"YTM", u"PAYJOURNAL", u"PRINTLOG"};
 /// What nobody reads in an archive.
-constexpr QStringView kLeftOut[] = {u"TEMP",       u"YTEMP",        u"GARAEDANGA", u"GARAEMAJIN",
-                                    u"MASTERLOAD", u"IMPORTREJECT", u"IMPORTLOG",  u"UNSAVED"};
+constexpr QStringView kLeftOut[] = {u"TEMP",       u"YTEMP",         u"GARAEDANGA", u"GARAEMAJIN",
+                                    u"MASTERLOAD", u"IMPORTREJECT",  u"IMPORTLOG",  u"UNSAVED",
+                                    u"KEPTSALE",   u"KEPTCONTAINERS"};
 
 /// The condition for a row of the table to leave.
 QString leaves(QStringView table) {

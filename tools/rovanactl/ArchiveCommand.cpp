@@ -1,5 +1,4 @@
 #include <QFileInfo>
-#include <algorithm>
 
 #include "platform/Clock.h"
 #include "platform/Device.h"

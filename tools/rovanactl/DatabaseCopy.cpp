@@ -12,7 +12,6 @@
 #include <QStringBuilder>
 #include <cerrno>
 #include <cstdio>
-#include <optional>
 #include <utility>
 
 #include "platform/Clock.h"

@@ -5,7 +5,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <array>
 
 #include "db/ImportFile.h"
 #include "db/Schema.h"

@@ -1,7 +1,5 @@
 #include "db/ImportFile.h"
 
-#include <array>
-
 #include "db/MasterImport.h"
 #include "platform/Device.h"
 #include "rovanactl/Command.h"

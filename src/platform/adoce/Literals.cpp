@@ -2,7 +2,6 @@
 
 #include <QStringConverter>
 #include <QVarLengthArray>
-#include <algorithm>
 #include <cstring>
 
 namespace platform::adoce {
@@ -92,19 +91,6 @@ void take(const Values& values, ParsedStatement* parsed) {
 
 }  // namespace
 
-bool parseStatement(QStringView sql, ParsedStatement* parsed) {
-    Values values;
-    if (!findInKnown(sql, *parsed, &values)) {
-        values.clear();
-        if (!findInNew(sql, parsed, &values)) {
-            parsed->pieceEnds.clear();
-            return false;
-        }
-    }
-    take(values, parsed);
-    return true;
-}
-
 ParsedStatement* StatementParser::parse(QStringView sql) {
     for (std::size_t i = 1; i <= remembered_.size(); ++i) {
         const std::size_t at = (last_ + i) % remembered_.size();
@@ -116,7 +102,14 @@ ParsedStatement* StatementParser::parse(QStringView sql) {
     }
     last_ = oldest_;
     oldest_ = (oldest_ + 1) % remembered_.size();
-    return parseStatement(sql, &remembered_[last_]) ? &remembered_[last_] : nullptr;
+    ParsedStatement* const parsed = &remembered_[last_];
+    Values values;
+    if (!findInNew(sql, parsed, &values)) {
+        parsed->pieceEnds.clear();
+        return nullptr;
+    }
+    take(values, parsed);
+    return parsed;
 }
 
 }  // namespace platform::adoce

@@ -20,15 +20,12 @@ struct ParsedStatement {
     std::vector<int> pieceEnds;
 };
 
-/// Takes `sql` apart into `parsed`, reusing what it holds. False when a quote is left open or two quoted
-/// values stand side by side: the provider knows no escaped quotes, so such a text is broken.
-bool parseStatement(QStringView sql, ParsedStatement* parsed);
-
 /// Takes statements apart and remembers the last few: a price looks in four tables, over and over.
 class StatementParser {
   public:
-    /// What parseStatement() gives, until the next call; null for a broken text. What it returned last time
-    /// must be wiped by then.
+    /// The statement taken apart, until the next call; what was returned last time must be wiped by then.
+    /// Null when a quote is left open or two quoted values stand side by side: the provider knows no escaped
+    /// quotes, so such a text is broken.
     ParsedStatement* parse(QStringView sql);
 
   private:

@@ -123,7 +123,7 @@ const Component::Operation* Component::findOperation(int dispatchId) {
     return found == std::end(kOperations) ? nullptr : found;
 }
 
-Component::Component(QObject* parent) : QObject(parent) {}
+Component::Component() = default;
 
 Component::~Component() {
     if (exchange_ && last == LastExchange::UnderWay) last = LastExchange::Failed;

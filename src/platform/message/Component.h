@@ -29,7 +29,7 @@ class Component : public QObject {
     Q_OBJECT
 
   public:
-    explicit Component(QObject* parent = nullptr);
+    Component();
     /// Drops an exchange that is under way, without a signal.
     ~Component() override;
 

@@ -2,7 +2,6 @@
 
 #include <QByteArray>
 #include <QList>
-#include <memory>
 
 #include "platform/Settings.h"
 #include "platform/termdev/LinePrinter.h"

@@ -52,7 +52,7 @@ bool isSameUser(int connection) {
 
 }  // namespace
 
-SwipeSocket::SwipeSocket(QObject* parent) : QObject(parent) {
+SwipeSocket::SwipeSocket() {
     const SocketAddress address(kSocketName);
     listener_ = address.isValid() ? ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0) : -1;
     int reason = errno;

@@ -18,7 +18,7 @@ class SwipeSocket : public QObject {
   public:
     /// Listens in the device folder. A socket that cannot be made, or that another terminal has, is traced;
     /// the terminal then runs without.
-    explicit SwipeSocket(QObject* parent = nullptr);
+    SwipeSocket();
     ~SwipeSocket() override;
 
     enum class Answer {

@@ -273,7 +273,7 @@ void CMtmDlg::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
         const QString barcode = scanned_.take(sinceOpened_.elapsed());
         const QString pcode = barcode.isEmpty() ? QString() : productOfBarcode(barcode);
-        if (!pcode.isEmpty()) return addProduct(pcode);
+        if (!pcode.isEmpty()) return addProduct(pcode, true);
         if (!barcode.isEmpty()) return ui::message(u"등록되지 않은 바코드입니다..! [%1]"_s.arg(barcode));
     }
     Screen::keyPressEvent(event);
@@ -285,9 +285,25 @@ SlipHead CMtmDlg::head() const {
             session.action.CustomerKind};
 }
 
-void CMtmDlg::addProduct(const QString& pcode) {
-    if (lines_.find([&](int row) { return lines_.at(row, 0) == pcode; }) >= 0) {
+void CMtmDlg::addProduct(const QString& pcode, bool isScanned) {
+    addLine(pcode, isScanned);
+    addScanned();
+}
+
+void CMtmDlg::addScanned() {
+    for (QString pcode = question_.takeScanned(); !pcode.isEmpty(); pcode = question_.takeScanned())
+        addLine(pcode, true);
+}
+
+void CMtmDlg::addLine(const QString& pcode, bool isScanned) {
+    const int present = lines_.find([&](int row) { return lines_.at(row, 0) == pcode; });
+    if (present >= 0) {
         ui::message(u"상품이 이미 등록되어있습니다..!"_s);
+        if (!isScanned) return;
+        // Who scans one bottle more finds the + at hand.
+        list_->showChosen(present);
+        selectLine(present);
+        stepper_->showAt(present, kBoxColumn + 1);
         return;
     }
     // A frequent product may have left the price list since.
@@ -296,7 +312,7 @@ void CMtmDlg::addProduct(const QString& pcode) {
         ui::message(kUnknownProduct.toString());
         return;
     }
-    const auto quantities = question_.ask(pcode, std::nullopt);
+    const auto quantities = question_.ask(pcode, std::nullopt, isScanned);
     if (!quantities) return;
     const SlipLine line = newLine(head(), pcode, *product, *quantities);
     if (insertLine(line)) markUnsaved();
@@ -340,6 +356,7 @@ void CMtmDlg::changeQuantities() {
     if (isChosenTwice()) return;
     const auto quantities = question_.ask(selected_->PCode, quantitiesOf(*selected_));
     if (quantities) changeTo(*quantities);
+    addScanned();
 }
 
 void CMtmDlg::step(int by) {

@@ -3,10 +3,10 @@
 #include <QElapsedTimer>
 #include <optional>
 
+#include "app/ScannedDigits.h"
 #include "platform/Rows.h"
 #include "sales/LineAmounts.h"
 #include "sales/PastOrder.h"
-#include "sales/ScannedDigits.h"
 #include "sales/SlipLine.h"
 #include "sales/WorkingSlip.h"
 #include "sales/screens/QuantityQuestion.h"
@@ -42,7 +42,10 @@ class CMtmDlg : public ui::Screen {
     /// A resumed search goes on where it was left with a product.
     void addFromSearch(bool isResumed);
     void addByCode();
-    void addProduct(const QString& pcode);
+    /// Adds the product, then those that are scanned while quantities are asked for.
+    void addProduct(const QString& pcode, bool isScanned = false);
+    void addLine(const QString& pcode, bool isScanned);
+    void addScanned();
     /// Fills an empty slip with the customer's last one; on any other one of the last five is chosen first.
     void addPastOrder();
     SlipHead head() const;
@@ -88,7 +91,7 @@ class CMtmDlg : public ui::Screen {
     bool hasChangedSince_ = false;  ///< Since the past order was taken.
     QuantityQuestion question_;
     QuantityStepper* stepper_ = nullptr;
-    ScannedDigits scanned_;
+    app::ScannedDigits scanned_;
     QElapsedTimer sinceOpened_;
 };
 

@@ -2,6 +2,8 @@
 
 #include "app/Dialogs.h"
 #include "app/Session.h"
+#include "books/SaleAmounts.h"
+#include "sales/Checkout.h"
 #include "ui/Messages.h"
 #include "ui/ReportList.h"
 
@@ -44,8 +46,10 @@ CPastOrdersDlg::CPastOrdersDlg() : Screen(app::dialogs::kPastOrders) {
         {{u"날짜"_s, 70}, {u"합계"_s, 78, ui::kRight}, {u"품목"_s, 86}}, [this](int row) { chosen_ = row; },
         [this] { confirm(); });
     platform::Rows rows{.columns = 3, .cells = {}};
-    for (const PastSlip& slip : history_.slips().mid(0, PurchaseHistory::kOffered))
-        rows.cells << slip.DDate << platform::groupThousands(slip.total) << productsOf(slip);
+    for (const PastSlip& slip : history_.slips().mid(0, PurchaseHistory::kOffered)) {
+        const SlipSums paid = slipSums(slip.sums, books::vatMode(slip.UserID));
+        rows.cells << slip.DDate << platform::groupThousands(paid.total()) << productsOf(slip);
+    }
     list->setCellDetails(kRowHeight, [this](const platform::Rows&, int row, int column) {
         const PastSlip& slip = history_.slips()[row];
         return ui::CellDetail{column == 0 ? weekday(slip) : column == 1 ? amountOf(slip) : QString()};

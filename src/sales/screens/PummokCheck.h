@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QHash>
-#include <QSet>
 
 #include "app/ProductSearchScreen.h"
 #include "sales/Pricing.h"

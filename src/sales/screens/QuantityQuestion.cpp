@@ -41,7 +41,7 @@ const PurchaseHistory& QuantityQuestion::history() {
 }
 
 std::optional<Quantities> QuantityQuestion::ask(const QString& pCode,
-                                                const std::optional<Quantities>& present) {
+                                                const std::optional<Quantities>& present, bool isScanned) {
     const app::ActionValues& action = app::session().action;
     const UnitCost unit = unitCost(action.GCode, action.CustomerKind, pCode);
     app::KeypadTopic topic;
@@ -53,10 +53,40 @@ std::optional<Quantities> QuantityQuestion::ask(const QString& pCode,
         const bool isPriced = !isTooMany(keyed.boxes) && !isTooMany(keyed.bottles);
         return costLine(pCode, unit, isPriced ? keyed : Quantities());
     };
+    if (isScanned) topic.counted[1] = u"1"_s;
+    topic.scanned = [&](const QString& code, std::array<QString, 3>* entries) {
+        return scan(code, pCode, entries);
+    };
+    scanned_.clear();
     if (!app::askTwoNumbers(u"박스수량"_s, u"본  수량"_s, topic)) return std::nullopt;
     const Quantities quantities{parseInteger(app::keypadRequest().KeypadValue1),
                                 parseInteger(app::keypadRequest().KeypadValue2)};
-    return isTaken(pCode, quantities) ? std::optional(quantities) : std::nullopt;
+    if (isTaken(pCode, quantities)) return quantities;
+    scanned_.clear();
+    return std::nullopt;
+}
+
+app::Scan QuantityQuestion::scan(const QString& code, const QString& pCode, std::array<QString, 3>* entries) {
+    constexpr qsizetype kShortestBarcode = 8;
+    const QString pcode = productOfBarcode(code);
+    if (pcode.isEmpty()) {
+        if (code.size() < kShortestBarcode) return app::Scan::None;
+        ui::message(u"등록되지 않은 바코드입니다..! [%1]"_s.arg(code));
+        return app::Scan::Refused;
+    }
+    QString& bottles = entries->at(1);
+    if (pcode == pCode) {
+        const std::int64_t before = parseInteger(bottles);
+        // Of what comes back it is one more that does.
+        bottles = QString::number(before < 0 ? before - 1 : before + 1);
+        return app::Scan::Counted;
+    }
+    if (Quantities{parseInteger(entries->at(0)), parseInteger(bottles)}.isNothing()) {
+        ui::message(u"이 상품의 수량을 먼저 넣으세요..! 찍은 상품은 그다음에 다시 찍으세요!!"_s);
+        return app::Scan::Refused;
+    }
+    scanned_ = pcode;
+    return app::Scan::Next;
 }
 
 bool QuantityQuestion::isTaken(const QString& pCode, const Quantities& quantities) {

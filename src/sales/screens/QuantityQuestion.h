@@ -2,8 +2,11 @@
 
 #include <QSet>
 #include <QString>
+#include <array>
 #include <optional>
+#include <utility>
 
+#include "app/KeypadRequest.h"
 #include "sales/LineAmounts.h"
 #include "sales/PurchaseHistory.h"
 #include "sales/SlipLine.h"
@@ -15,8 +18,13 @@ namespace sales {
 class QuantityQuestion {
   public:
     /// Asks on the keypad; `present` is what the line has. Nothing when the keypad was left with "취  소", or
-    /// when isTaken() is false.
-    std::optional<Quantities> ask(const QString& pCode, const std::optional<Quantities>& present);
+    /// when isTaken() is false. A product that was scanned begins with the bottle that was: scanned again it
+    /// is one more, and another product's code confirms what is shown.
+    std::optional<Quantities> ask(const QString& pCode, const std::optional<Quantities>& present,
+                                  bool isScanned = false);
+
+    /// The product whose code has confirmed the last quantities, told once; empty when none has.
+    QString takeScanned() { return std::exchange(scanned_, {}); }
 
     /// False, and told why, for quantities that make no line. Ten times of what the customer had are asked
     /// about, once for each product.
@@ -30,7 +38,10 @@ class QuantityQuestion {
     const PurchaseHistory& history();
 
   private:
+    app::Scan scan(const QString& code, const QString& pCode, std::array<QString, 3>* entries);
+
     std::optional<PurchaseHistory> history_;
+    QString scanned_;
     QSet<QString> meant_;  ///< Products whose unusual quantity was meant.
 };
 

@@ -6,6 +6,8 @@
 #include "sales/PurchaseHistory.h"
 
 class QFrame;
+class QLabel;
+class QModelIndex;
 
 namespace ui {
 class BitmapButton;
@@ -32,10 +34,14 @@ class QuantityStepper : public QObject {
     std::optional<Quantities> stepped(Quantities quantities, int by) const;
 
   private:
+    void showName(const QModelIndex& name, int width);
+
     ui::ReportList& list_;
     ui::BitmapButton& less_;
     ui::BitmapButton& more_;
     QFrame* frame_;  ///< Around the number.
+    QLabel* name_;   ///< The line's name, and below it what its second line says.
+    QLabel* detail_;
     int column_ = -1;
 };
 

@@ -157,10 +157,10 @@ void CTotalsDlg::closeDay() {
     // Asked before any figure is shown that the count could be made to fit.
     if (!app::askNumber(u"현금시재"_s)) return;
     const platform::Won counted = platform::parseWon(app::keypadRequest().KeypadValue1);
-    if (counted < platform::Won()) {
-        ui::message(u"현금시재를 다시 확인하세요..!!"_s);
+    // Who paid out more for empties than he took in has laid out his own money.
+    if (counted < platform::Won() &&
+        !ui::confirm(u"현금시재가 0원보다 작습니다. 받은 현금보다 내준 현금이 많습니까?"_s, u"일마감"_s))
         return;
-    }
     std::optional<QList<DayClose>> closes;
     {
         const ui::WaitCursor cursor;

@@ -50,6 +50,8 @@ class CCardDlg : public ui::Screen {
     void showApproval(platform::Won amount);
     /// Both copies of what the visit leaves behind, without what has been printed here.
     void printVisit();
+    /// What waits for the printer, or that both copies came out.
+    void showPrinter();
     /// The seller's copy, then the question for the buyer's, unless there is nothing to print.
     void printCopies(print::SlipPapers& papers);
     bool printSlip(print::SlipPapers& papers, int selector, books::Copy copy);
@@ -87,6 +89,7 @@ class CCardDlg : public ui::Screen {
     QString sentTime_;                         ///< When the request at hand left, "yyyyMMddHHmmss".
     QString maskedCard_;     ///< The number of the card of the request at hand, as the receipt shows it.
     QString paymentNumber_;  ///< Message number of the payment at hand.
+    bool areCopiesPrinted_ = false;  ///< By a press on both copies.
     bool isBusyWithCard_ = false;
     bool isApproved_ = false;
 };

@@ -54,8 +54,7 @@ void CCardDlg::addApprovalControls() {
          {int(kApprovedMark), int(kApprovedAmount), int(kPrintVisit), int(kToList), int(kWaitingMark)})
         control(id)->hide();
     look_.setInterval(kLookMs);
-    connect(&look_, &QTimer::timeout, this,
-            [this] { setFittedText(kWaitingMark, print::waitingText(), ui::FontHeight::Medium); });
+    connect(&look_, &QTimer::timeout, this, [this] { showPrinter(); });
 }
 
 void CCardDlg::showApproval(platform::Won amount) {
@@ -70,16 +69,25 @@ void CCardDlg::showApproval(platform::Won amount) {
     look_.start();
 }
 
+void CCardDlg::showPrinter() {
+    const QString waiting = print::waitingText();
+    const bool isDone = waiting.isEmpty() && areCopiesPrinted_;
+    setTextColour(control(kWaitingMark), isDone ? kApprovedColour : QColor(Qt::red));
+    setFittedText(kWaitingMark, isDone ? u"두 부 모두 출력하였습니다."_s : waiting, ui::FontHeight::Medium);
+}
+
 void CCardDlg::printVisit() {
     int count = 0;
     {
         const ui::WaitCursor wait;
         count = papers_->printVisit(false, ui::WaitCursor::alive);
     }
-    if (count > 0) return;
-    if (!ui::askYesNo(print::printAgainText(), u"다시 출력"_s)) return;
+    areCopiesPrinted_ = true;
+    showPrinter();
+    if (count > 0 || !ui::askYesNo(print::printAgainText(), u"다시 출력"_s)) return;
     const ui::WaitCursor wait;
     papers_->printVisit(true, ui::WaitCursor::alive);
+    showPrinter();
 }
 
 void CCardDlg::printCopies(print::SlipPapers& papers) {

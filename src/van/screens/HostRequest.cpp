@@ -18,6 +18,9 @@ constexpr short kTimeOutSeconds = 30;
 /// The card data leaves the track's first character out and has at most this many.
 constexpr qsizetype kCardDataLength = 104;
 
+/// Calls of the component whose failures are worded.
+enum class Call { SavedValue, Header, Payment, Balance, PreviousTransaction, Summary, Exchange };
+
 struct Wording {
     Call call;
     short status;
@@ -47,6 +50,21 @@ constexpr Wording kWordings[] = {
     {Call::Exchange, -902, {}, u" * Err -> 암호화Key 생성에러"},
     {Call::Exchange, -903, {}, u" * Err -> 암호화*공개키 생성에러"},
 };
+
+/// The log text of a call's status code; empty for 0 and for a code that the call does not word.
+QString failureText(Call call, RequestKind kind, short status) {
+    if (status == 0) return {};
+    if (call == Call::PreviousTransaction) return u" * setPreTradeRep -> 직전거래요청 실패"_s;
+    const bool isInquiry = kind == RequestKind::Balance || kind == RequestKind::Summary;
+    // A missing saved value is worded for payments and the previous transaction only.
+    if (call == Call::Header && status == -807 && isInquiry) return {};
+    // The payment request's failures go by the balance request's name.
+    const Call named = call == Call::Payment ? Call::Balance : call;
+    const auto* const found = std::ranges::find_if(
+        kWordings, [&](const Wording& wording) { return wording.call == named && wording.status == status; });
+    if (found == std::end(kWordings)) return {};
+    return (call == Call::Exchange && !isInquiry ? found->ofPayment : found->text).toString();
+}
 
 QStringView messageKind(RequestKind kind) {
     switch (kind) {
@@ -99,20 +117,6 @@ QString request(CKsnet_msg_lib& component, RequestKind kind, const books::Transa
 }
 
 }  // namespace
-
-QString failureText(Call call, RequestKind kind, short status) {
-    if (status == 0) return {};
-    if (call == Call::PreviousTransaction) return u" * setPreTradeRep -> 직전거래요청 실패"_s;
-    const bool isInquiry = kind == RequestKind::Balance || kind == RequestKind::Summary;
-    // A missing saved value is worded for payments and the previous transaction only.
-    if (call == Call::Header && status == -807 && isInquiry) return {};
-    // The payment request's failures go by the balance request's name.
-    const Call named = call == Call::Payment ? Call::Balance : call;
-    const auto* const found = std::ranges::find_if(
-        kWordings, [&](const Wording& wording) { return wording.call == named && wording.status == status; });
-    if (found == std::end(kWordings)) return {};
-    return (call == Call::Exchange && !isInquiry ? found->ofPayment : found->text).toString();
-}
 
 QString hostAddress(QStringView savedDigits) {
     if (savedDigits.contains(u':')) return savedDigits.toString();

@@ -35,10 +35,4 @@ QString readReply(CKsnet_msg_lib& component, books::RequestType type, books::Hos
 /// One numbered field of the last reply; empty when it has none.
 QString receivedField(CKsnet_msg_lib& component, short number);
 
-/// Calls of the component whose failures are worded.
-enum class Call { SavedValue, Header, Payment, Balance, PreviousTransaction, Summary, Exchange };
-
-/// The log text of a call's status code; empty for 0 and for a code that the call does not word.
-QString failureText(Call call, RequestKind kind, short status);
-
 }  // namespace van

@@ -158,11 +158,12 @@ Page Device::page(const char* paymentNumber) {
     page.empties = empties("UserID", "YTM");
     page.collections = rows<Collection>(
         "SELECT DDate,JunNo,UserID,GCode,MMoney,PMoney,BMoney,GDMoney,YGMoney,YDMoney,CardMoney,WonMoney,"
-        "UnderMoney,MisuInMoney,BANKTRANNO,Gubun = '단순결제' FROM MTMOK",
+        "UnderMoney,MisuInMoney,BANKTRANNO,Gubun = '단순결제',YMoney + GMoney = YGMoney AND WonMoney + "
+        "CardMoney = InMoney FROM MTMOK",
         [](Columns columns, Collection& row) {
-            auto& [visit, a, approval, isSimple] = row;
+            auto& [visit, a, approval, isSimple, isSum] = row;
             columns >> visit >> a.sales >> a.supply >> a.vat >> a.other >> a.deposits >> a.recovery >>
-                a.card >> a.cash >> a.unpaid >> a.earlier >> approval >> isSimple;
+                a.card >> a.cash >> a.unpaid >> a.earlier >> approval >> isSimple >> isSum;
         });
     page.payments =
         rows<Payment>(QByteArray("SELECT ") + paymentNumber +

@@ -18,7 +18,10 @@ bool isOfDayAndCustomer(const Visit& a, const Visit& b) {
 
 // Supply and tax of a row are judged by the VAT rule, and follow the salesman's keys otherwise.
 std::vector<Collection> comparable(std::vector<Collection> rows) {
-    for (Collection& row : rows) row.amounts.supply = row.amounts.vat = row.amounts.other = 0;
+    for (Collection& row : rows) {
+        row.amounts.supply = row.amounts.vat = row.amounts.other = 0;
+        row.isSum = true;
+    }
     std::ranges::sort(rows);
     return rows;
 }
@@ -251,7 +254,7 @@ void Judge::brokenOn(const Page& page, const Collection& row, Broken* all) const
         all->insert({Rule::Vat, words(row) + " VAT " + std::to_string(a.vat)});
     const Won paid = a.card + a.cash + a.unpaid;
     const bool foots = a.total() < 1 || paid == a.due() || (a.due() < 0 && paid == 0);
-    if (!foots && !row.isSimple) all->insert({Rule::Foots, words(row)});
+    if ((!foots && !row.isSimple) || !row.isSum) all->insert({Rule::Foots, words(row)});
     if (lacksApproval(page, row)) all->insert({Rule::CardApproved, words(row)});
 }
 

@@ -66,6 +66,7 @@ struct Collection {
     Amounts amounts;
     std::string approval;
     bool isSimple = false;  ///< sale and payment in one: no debt moves
+    bool isSum = true;      ///< its sums are those of its other columns
     auto operator<=>(const Collection&) const = default;
 
     Won effect() const { return isSimple ? 0 : amounts.effect(); }

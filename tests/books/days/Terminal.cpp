@@ -257,7 +257,6 @@ std::string Terminal::listTap(const Action& action) {
         case AddSale:
         case OpenSale: openSale(); break;
         case PaySale: paySale(action.amount); break;
-        case DeleteSale: deleteSale(action.amount); break;
         case OpenCollection:
             // The list makes room for it.
             screens_.pop_back();
@@ -265,22 +264,9 @@ std::string Terminal::listTap(const Action& action) {
         case AddCollection: openEntry(action.amount); break;
         case AddEmpties:
         case OpenEmpties: openEmpties(); break;
-        case DeleteCollection: {
-            if (!mayDelete(action.pick / 8)) break;
-            kept_.reset();
-            Event deleted = event(Event::Kind::CollectionDeleted);
-            if (!mayDeletePayments(&deleted, false, action.amount)) break;
-            deleted.isRefused = !books::removeCollections(date_, number_, user_);
-            tell(deleted);
-            break;
-        }
-        default: {
-            if (!mayDelete(action.pick / 8)) break;
-            kept_.reset();
-            Event deleted = event(Event::Kind::EmptiesDeleted);
-            deleted.isRefused = !container::deleteSlip(date_, number_, user_);
-            tell(deleted);
-        }
+        case DeleteSale: deleteChosen(Event::Kind::SaleDeleted, action); break;
+        case DeleteCollection: deleteChosen(Event::Kind::CollectionDeleted, action); break;
+        default: deleteChosen(Event::Kind::EmptiesDeleted, action);
     }
     return said;
 }
@@ -292,12 +278,17 @@ void Terminal::paySale(unsigned pick) {
     openEntry(pick);
 }
 
-void Terminal::deleteSale(unsigned pick) {
-    if (!mayDelete(pick / 8)) return;
+void Terminal::deleteChosen(Event::Kind kind, const Action& action) {
+    if (!mayDelete(action.pick / 8)) return;
     kept_.reset();
-    Event deleted = event(Event::Kind::SaleDeleted);
-    const bool alsoFollowers = mayDeletePayments(&deleted, state_ == sales::kPaid, pick);
-    deleted.isRefused = !sales::deleteSlip(date_, number_, alsoFollowers, user_);
+    Event deleted = event(kind);
+    const bool alsoPayments = kind == Event::Kind::EmptiesDeleted ||
+                              mayDeletePayments(&deleted, state_ == sales::kPaid, action.amount);
+    if (kind == Event::Kind::CollectionDeleted && !alsoPayments) return;
+    deleted.isRefused =
+        kind == Event::Kind::SaleDeleted         ? !sales::deleteSlip(date_, number_, alsoPayments, user_)
+        : kind == Event::Kind::CollectionDeleted ? !books::removeCollections(date_, number_, user_)
+                                                 : !container::deleteSlip(date_, number_, user_);
     tell(deleted);
 }
 

@@ -128,7 +128,7 @@ class Terminal {
     std::string cardTap(const Action& action);
     std::string simpleTap(const Action& action);
     void paySale(unsigned pick);
-    void deleteSale(unsigned pick);
+    void deleteChosen(Event::Kind kind, const Action& action);
     std::string addGoods(const Action& action, const platform::Rows& lines);
     bool saveSale();
     void finishSale();

@@ -19,16 +19,11 @@ using namespace Qt::Literals::StringLiterals;
 
 Amounts Terminal::shown() const {
     const books::SettlementAmounts& a = isAt(Screen::Card) ? charged_ : amounts_;
-    return {.sales = a.sales.value(),
-            .supply = a.supply.value(),
-            .vat = a.vat.value(),
-            .other = a.nonLiquor.value(),
-            .deposits = a.deposit.value(),
-            .recovery = a.containerRecovery.value(),
-            .card = a.card.value(),
-            .cash = a.cash.value(),
-            .unpaid = a.unpaid.value(),
-            .earlier = a.earlierReceivable.value()};
+    return {a.sales.value(),   a.supply.value(),
+            a.vat.value(),     a.nonLiquor.value(),
+            a.deposit.value(), a.containerRecovery.value(),
+            a.card.value(),    a.cash.value(),
+            a.unpaid.value(),  a.earlierReceivable.value()};
 }
 
 void Terminal::openEntry(unsigned pick) {

@@ -1,9 +1,8 @@
 #include "tools/office/LineCutter.h"
 
-#include <QEventLoop>
-#include <QProcess>
+#include <gtest/gtest.h>
+
 #include <QTcpSocket>
-#include <QTimer>
 #include <memory>
 
 namespace test {
@@ -39,19 +38,7 @@ void LineCutter::connectThrough() {
     QObject::connect(server, &QTcpSocket::disconnected, terminal, [=] { terminal->disconnectFromHost(); });
     // A server that is not there is one that has gone.
     QObject::connect(server, &QTcpSocket::errorOccurred, terminal, [=] { terminal->abort(); });
-    server->connectToHost(u"localhost"_s, quint16(serverPort_));
-}
-
-OfficeEnded LineCutter::run(const QString& program, const QStringList& arguments, int killAfterMs) {
-    QProcess process;
-    QEventLoop loop;
-    QObject::connect(&process, &QProcess::finished, &loop, &QEventLoop::quit);
-    if (killAfterMs >= 0) QTimer::singleShot(killAfterMs, &process, &QProcess::kill);
-    process.start(program, arguments);
-    if (!process.waitForStarted()) return {-1, "", process.errorString().toStdString()};
-    loop.exec();
-    return {process.exitCode(), process.readAllStandardOutput().toStdString(),
-            process.readAllStandardError().toStdString()};
+    server->connectToHost(QStringLiteral("localhost"), quint16(serverPort_));
 }
 
 }  // namespace test

@@ -3,14 +3,12 @@
 #include <QCoreApplication>
 #include <cstdio>
 
-#include "tools/office/Cluster.h"
+#include "rovana-office/demo/Cluster.h"
 
 int main(int argc, char* argv[]) {
     const QCoreApplication application(argc, argv);
     ::testing::InitGoogleTest(&argc, argv);
-    if (!test::Cluster::isThere()) {
-        std::puts("skipped: there are no PostgreSQL server programs here (Debian's package postgresql)");
-        return 0;
-    }
-    return RUN_ALL_TESTS();
+    if (office::Cluster::isThere()) return RUN_ALL_TESTS();
+    std::puts("skipped: there are no PostgreSQL server programs here (Debian's package postgresql)");
+    return 0;
 }

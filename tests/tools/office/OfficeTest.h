@@ -3,22 +3,16 @@
 #include <gtest/gtest.h>
 
 #include <QTemporaryDir>
-#include <QTextStream>
 #include <pqxx/pqxx>
 
+#include "platform/WholeFile.h"
 #include "rovana-office/Command.h"
-#include "support/PrintQt.h"
-#include "tools/office/Cluster.h"
+#include "rovana-office/demo/Cluster.h"
+#include "tools/Ended.h"
 
 namespace test {
 
-using namespace Qt::Literals::StringLiterals;
-
-struct OfficeEnded {
-    int exitCode;
-    std::string out;
-    std::string err;
-};
+using office::Cluster;
 
 /// An office of the test's own, with its tables and nothing in them.
 class OfficeTest : public ::testing::Test {
@@ -30,15 +24,14 @@ class OfficeTest : public ::testing::Test {
     const QString& database() const { return database_; }
 
     /// Runs rovana-office on it.
-    OfficeEnded run(const QStringList& arguments) const { return runOn(database_, arguments); }
-    static OfficeEnded runOn(const QString& database, const QStringList& arguments);
+    Ended run(const QStringList& arguments) const { return runOn(connection(), arguments); }
+    static Ended runOn(const QString& connection, const QStringList& arguments);
 
     /// Runs statements as the administrator; the rows of the last, columns joined by "|".
     QStringList sql(const QString& statements) const;
-    /// Puts one row into a table of the office, columns that are not named as they are by default.
-    void insert(const QString& table, const QList<std::pair<QString, QString>>& fields) const;
 
     QString writeFile(const QString& name, const QByteArray& content);
+    static QByteArray readFile(const QString& path) { return platform::readWholeFile(path).value_or(QByteArray()); }
     QString path(const QString& name) const { return folder_.filePath(name); }
 
   private:

@@ -1,8 +1,7 @@
 #pragma once
 
 #include <QDate>
-#include <QFile>
-#include <QProcess>
+#include <map>
 #include <memory>
 #include <vector>
 
@@ -17,124 +16,112 @@ namespace test {
 /// Terminals with an office. Each has a device folder of its own; the real rovana-sync runs on it.
 class SyncTest : public OfficeTest {
   protected:
-    SyncTest() : before_(platform::device::folder()) {}
+    static constexpr char kNothing[] = "sent 0, deleted 0, waiting 0\n";
+
     ~SyncTest() override {
         terminals_.clear();
         platform::device::setFolder(before_);
     }
 
     /// A new terminal of that number, enrolled for those users; the ones after it begin empty as well.
-    TestDevice& enrol(const QString& number, const QStringList& users = {u"A"_s}, int port = 0) {
+    TestDevice& enrol(const QString& number = u"1"_s, const QStringList& users = {u"A"_s}) {
         terminals_.push_back(std::make_unique<TestDevice>());
-        enrolFolder(terminals_.back()->folder(), number, users, port);
+        const Ended ended = enrolFolder(terminals_.back()->folder(), number, users);
+        EXPECT_EQ(ended.exitCode, 0) << ended.err;
         return *terminals_.back();
     }
-    /// Lets a device folder in; its terminal reaches the server through `port` when that is above 0.
-    void enrolFolder(const QString& folder, const QString& number, const QStringList& users, int port = 0) {
-        const QString path = folder + u"/office.conf"_s;
-        const OfficeEnded ended =
-            run({u"enrol"_s, number, u"--users"_s, users.join(u','), u"--host"_s, u"localhost"_s,
-                 u"--authority"_s, cluster().authority(), u"--out"_s, path});
-        ASSERT_EQ(ended.exitCode, 0) << ended.err;
-        if (port > 0)
-            changeAccess(folder, "port = " + QByteArray::number(cluster().port()),
-                         "port = " + QByteArray::number(port));
+    /// Lets a device folder in.
+    Ended enrolFolder(const QString& folder, const QString& number, const QStringList& users,
+                      const QStringList& more = {}) const {
+        return run(QStringList{u"enrol"_s, number, u"--users"_s, users.join(u','), u"--host"_s,
+                               u"localhost"_s, u"--authority"_s, cluster().authority(), u"--out"_s,
+                               accessOf(folder)} +
+                   more);
     }
-    static void changeAccess(const QString& folder, const QByteArray& before, const QByteArray& after) {
-        QFile file(folder + u"/office.conf"_s);
-        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
-        const QByteArray text = file.readAll().replace(before, after);
-        file.resize(0);
-        file.seek(0);
-        file.write(text);
+    static QString accessOf(const QString& folder) { return folder + u"/office.conf"_s; }
+    static void changeAccess(const TestDevice& terminal, const QByteArray& from, const QByteArray& to) {
+        const QString path = accessOf(terminal.folder());
+        EXPECT_TRUE(platform::writeWholeFile(path, readFile(path).replace(from, to)));
     }
 
-    OfficeEnded syncFolder(const QString& folder, const QStringList& arguments = {}) const {
-        QProcess process;
-        process.start(QStringLiteral(ROVANA_BIN "/rovana-sync"),
-                      QStringList{u"--device"_s, folder} + arguments);
-        if (!process.waitForFinished(120'000)) return {-1, "", "rovana-sync did not end"};
-        return {process.exitCode(), process.readAllStandardOutput().toStdString(),
-                process.readAllStandardError().toStdString()};
-    }
-    OfficeEnded sync(const TestDevice& terminal, const QStringList& arguments = {}) const {
-        return syncFolder(terminal.folder(), arguments);
+    static Ended sync(const TestDevice& terminal, const QStringList& arguments = {}) {
+        return runProgram(u"rovana-sync"_s, QStringList{u"--device"_s, terminal.folder()} + arguments);
     }
     /// What a sync that went well has said.
-    std::string synced(const TestDevice& terminal, const QStringList& arguments = {}) const {
-        const OfficeEnded ended = sync(terminal, arguments);
+    static std::string synced(const TestDevice& terminal, const QStringList& arguments = {}) {
+        const Ended ended = sync(terminal, arguments);
         EXPECT_EQ(ended.exitCode, 0) << ended.err;
         return ended.out;
     }
 
-    /// Works on the terminal's database, whichever folder is the process's.
-    static QList<QStringList> on(const TestDevice& terminal, const QString& statements) {
-        platform::SqliteFile file(terminal.folder() + u"/My Documents/rvnclient.cdb"_s,
-                                  platform::SqliteFile::Mode::Existing);
+    static QString databaseOf(const QString& folder) { return folder + u"/My Documents/rvnclient.cdb"_s; }
+    /// Works on a terminal's database, whichever folder is the process's; rows as those of `sql`.
+    static QStringList on(const QString& folder, const QString& statements) {
+        platform::SqliteFile file(databaseOf(folder), platform::SqliteFile::Mode::Existing);
         file.execute(u"PRAGMA synchronous=OFF"_s);
         const auto rows = file.rows(statements);
         EXPECT_TRUE(rows) << file.errorText().toStdString();
-        return rows.value_or(QList<QStringList>());
+        QStringList texts;
+        for (const QStringList& row : rows.value_or(QList<QStringList>())) texts << row.join(u'|');
+        return texts;
+    }
+    static QStringList on(const TestDevice& terminal, const QString& statements) {
+        return on(terminal.folder(), statements);
     }
 
-    /// The rows of a sale of one product, and of its collection on credit.
+    /// The rows of a sale of one product, of its collection and of what was deleted.
     void sell(const TestDevice& terminal, const QString& number, const QString& customer, int won,
               const QString& user = u"A"_s) const {
         on(terminal,
-           u"INSERT INTO MTM VALUES ('%1','매출','%3','상회 "
-           u"%3','%2','미발행','1001','맥주','01','1','0','%4','0',"
-           "'0','0','%5','10:00')"_s.arg(day_, number, customer)
-               .arg(won)
-               .arg(user));
+           uR"(INSERT INTO MTM VALUES ('%1','매출','%3','상회 %3','%2','미발행','1001','맥주','01','1','0',
+            '%4','0','0','0','%5','10:00'))"_s.arg(day_, number, customer, QString::number(won), user));
     }
     void collect(const TestDevice& terminal, const QString& number, const QString& customer, int won,
                  int cash = 0, const QString& user = u"A"_s) const {
         on(terminal,
-           u"INSERT INTO MTMOK VALUES ('%1','매출','%3','상회 "
-           u"%3','%2','10:01','%5','%4','%4','0','0','0','0','%6',"
-           "'%6','0','0','%7','0','0','','')"_s.arg(day_, number, customer)
-               .arg(won)
-               .arg(user)
+           uR"(INSERT INTO MTMOK VALUES ('%1','매출','%3','상회 %3','%2','10:01','%5','%4','%4','0','0','0',
+            '0','%6','%6','0','0','%7','0','0','',''))"_s
+               .arg(day_, number, customer, QString::number(won), user)
                .arg(cash)
                .arg(won - cash));
     }
     void noteDeletion(const TestDevice& terminal, const QString& paper, const QString& number,
-                      const QString& customer) const {
+                      const QString& customer = u"0001"_s) const {
         on(terminal,
            u"INSERT INTO DELETED VALUES ('%1','%2','%3','A','%4','상회','0','A','%1 11:00:00')"_s.arg(
                day_, paper, number, customer));
     }
 
     /// Each document at the office: "kind number user state revision", those that are deleted included.
-    QStringList documents(const QString& terminal = u"1"_s) const {
+    QStringList documents() const {
         return sql(
-            u"SELECT kind || ' ' || number || ' ' || userid || ' ' || state || ' ' || revision FROM "
-            "office.document WHERE terminal = '%1' ORDER BY kind, number, userid"_s.arg(terminal));
+            u"SELECT concat_ws(' ', kind, number, userid, state, revision) FROM office.document "
+            "WHERE terminal = '1' ORDER BY kind, number, userid"_s);
     }
-    /// The terminal's rows of a table and the office's of it, to be compared.
-    void expectSameRows(const TestDevice& terminal, const QString& number) const {
+    /// Compares the terminal's rows with the office's; how many are lost, and how many there too often.
+    std::pair<int, int> expectSameRows(const QString& folder, const QString& number = u"1"_s) const {
+        std::pair<int, int> wrong;
         for (const QString& table :
              {u"MTM"_s, u"YTM"_s, u"MTMOK"_s, u"PAYJOURNAL"_s, u"PRINTLOG"_s, u"DELETED"_s, u"DAYCLOSE"_s}) {
-            QStringList here;
-            for (const QStringList& row :
-                 on(terminal, u"SELECT * FROM %1 "_s.arg(table) +
-                                  (table == u"PAYJOURNAL" ? u"WHERE State <> 'prepared'"_s : u""_s)))
-                here << row.join(u'|');
-            QStringList there =
-                sql(u"SELECT t.* FROM office.%1 AS t WHERE terminal = '%2'"_s.arg(table.toLower(), number));
+            std::map<QString, int> rows;
+            for (const QString& row : on(folder, u"SELECT * FROM "_s + table)) ++rows[row];
             // Without month, terminal and row number.
-            for (QString& row : there) row = row.section(u'|', 3);
-            here.sort();
-            there.sort();
-            EXPECT_EQ(here, there) << table.toStdString();
+            for (const QString& row :
+                 sql(u"SELECT t.* FROM office.%1 AS t WHERE terminal = '%2'"_s.arg(table.toLower(), number)))
+                --rows[row.section(u'|', 3)];
+            for (const auto& [row, count] : rows) {
+                EXPECT_EQ(count, 0) << table.toStdString() << ": " << row.toStdString();
+                (count > 0 ? wrong.first : wrong.second) += std::abs(count);
+            }
         }
+        return wrong;
     }
 
     QString day_ = QDate::currentDate().toString(Qt::ISODate);
 
   private:
     std::vector<std::unique_ptr<TestDevice>> terminals_;
-    QString before_;
+    QString before_ = platform::device::folder();
 };
 
 }  // namespace test

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <initializer_list>
 #include <random>
-#include <span>
 
 #include "rovanactl/demo/Demo.h"
 

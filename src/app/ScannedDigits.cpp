@@ -1,8 +1,8 @@
-#include "sales/ScannedDigits.h"
+#include "app/ScannedDigits.h"
 
 #include <utility>
 
-namespace sales {
+namespace app {
 namespace {
 
 /// A reader leaves a few milliseconds between two digits. Who keys a code by hand, briskly, is heard as well.
@@ -11,10 +11,11 @@ constexpr qsizetype kFewestDigits = 4;
 
 }  // namespace
 
-void ScannedDigits::add(QChar digit, qint64 now) {
+bool ScannedDigits::add(QChar digit, qint64 now) {
     if (now - last_ > kLongestPauseMs) digits_.clear();
     digits_ += digit;
     last_ = now;
+    return digits_.size() == 1;
 }
 
 QString ScannedDigits::take(qint64 now) {
@@ -22,4 +23,4 @@ QString ScannedDigits::take(qint64 now) {
     return now - last_ <= kLongestPauseMs && digits.size() >= kFewestDigits ? digits : QString();
 }
 
-}  // namespace sales
+}  // namespace app

@@ -1,0 +1,302 @@
+#include <QFile>
+
+#include "db/ImportFile.h"
+#include "db/MasterImport.h"
+#include "platform/CodePage.h"
+#include "platform/adoce/DatabaseFile.h"
+#include "tools/office/SyncTest.h"
+
+namespace test {
+namespace {
+
+class MasterTest : public SyncTest {
+  protected:
+    /// Lines of GARAE.RVN for customers, each "code salesman balance".
+    static QString customers(const QStringList& customers) {
+        QString lines;
+        for (const QString& each : customers) {
+            const QStringList is = each.split(u' ');
+            lines += u"%1|상회 %1|대표|||0||%3||서울|1|02|1|ㅅ|%2||\r\n"_s.arg(is[0], is[1], is[2]);
+        }
+        return lines;
+    }
+    QString file(const QString& name, const QString& lines) {
+        return writeFile(name, *platform::codepage::encode(lines));
+    }
+    void load(const QString& name, const QString& lines, const QStringList& more = {u"--shrink"_s}) {
+        const Ended ended = run(QStringList{u"load"_s, file(name, lines)} + more);
+        ASSERT_EQ(ended.exitCode, 0) << ended.err;
+    }
+    void loadCustomers(const QStringList& each) { load(u"GARAE.RVN"_s, customers(each)); }
+
+    static QString waiting(const TestDevice& terminal, const QString& name = u"GARAE.RVN"_s) {
+        return *platform::codepage::decode(readFile(terminal.folder() + u"/My Documents/"_s + name));
+    }
+    /// What a login does with the waiting files.
+    static void logIn(const TestDevice& terminal) {
+        platform::device::setFolder(terminal.folder());
+        for (const db::ImportFile& file : db::importFiles()) {
+            const auto source = db::findImportFile(file);
+            EXPECT_TRUE(source == db::ImportSource::None || db::importFile(file, source, {}).isInTable());
+        }
+        platform::adoce::DatabaseFile::forgetAll();
+    }
+    static void syncAndLogIn(const TestDevice& terminal) {
+        synced(terminal);
+        logIn(terminal);
+    }
+};
+
+TEST_F(MasterTest, TheyComeWholeAndOnce) {
+    const TestDevice& terminal = enrol(u"1"_s, {u"A"_s, u"B"_s});
+    const QString product =
+        u"1001|맥주|1|500|20|1|2|3|4|5|6|7|8|9|10|11|12|13|14|15|16|17|18|%1|1||ㅁ|\r\n"_s;
+    loadCustomers({u"0001 A 5000"_s, u"0002 B 0"_s, u"0003 C 9"_s});
+    load(u"PUMMOK.RVN"_s, product.arg(u"01"));
+    load(u"GARAEMAJIN.RVN"_s, u"0001|01|5|\r\n0003|01|7|\r\n"_s);
+    load(u"BARCODE.RVN"_s, u"1001|8801234567890|\r\n"_s);
+    EXPECT_THAT(synced(terminal), HasSubstr("fetched BARCODE.RVN, GARAE.RVN, GARAEMAJIN.RVN, PUMMOK.RVN"));
+    EXPECT_EQ(waiting(terminal, u"BARCODE.RVN"_s), u"1001|8801234567890|\r\n"_s);
+    EXPECT_EQ(waiting(terminal), customers({u"0001 A 5000"_s, u"0002 B 0"_s}));
+    EXPECT_EQ(waiting(terminal, u"GARAEMAJIN.RVN"_s), u"0001|01|5|\r\n"_s);
+    EXPECT_EQ(synced(terminal), kNothing);
+    logIn(terminal);
+    EXPECT_EQ(synced(terminal), kNothing);
+    EXPECT_EQ(on(terminal, u"SELECT COUNT(*), SUM(CJMONEY) FROM GARAE"_s), QStringList(u"2|5000"_s));
+    // Another's data are no reason to fetch; one's own are, and so is a table that was not loaded from the
+    // file.
+    load(u"GARAEMAJIN.RVN"_s, u"0001|01|5|\r\n0003|01|8|\r\n"_s);
+    EXPECT_EQ(synced(terminal), kNothing);
+    load(u"PUMMOK.RVN"_s, product.arg(u"02"));
+    on(terminal, u"UPDATE MASTERLOAD SET Modified = '1' WHERE FileName = 'GARAEMAJIN.RVN'"_s);
+    EXPECT_THAT(synced(terminal), HasSubstr("fetched GARAEMAJIN.RVN, PUMMOK.RVN"));
+    logIn(terminal);
+    EXPECT_EQ(on(terminal, u"SELECT JGubun FROM PUMMOK"_s), QStringList(u"02"_s));
+}
+
+TEST_F(MasterTest, ANewerFileThatWaitsStays) {
+    const TestDevice& terminal = enrol();
+    loadCustomers({u"0001 A 5000"_s});
+    const auto put = [&](const QString& folder, int days) {
+        QFile file(terminal.folder() + folder + u"/GARAE.RVN"_s);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write("0001|") == 5 && file.flush());
+        file.setFileTime(QDateTime::currentDateTime().addDays(days), QFile::FileModificationTime);
+    };
+    put(u"/My Documents"_s, 1);
+    const Ended ended = sync(terminal);
+    EXPECT_THAT(ended.out, Not(HasSubstr("fetched")));
+    EXPECT_THAT(ended.err, HasSubstr("GARAE.RVN waits"));
+    EXPECT_EQ(waiting(terminal), u"0001|"_s);
+    put(u"/My Documents"_s, -1);
+    {
+        platform::device::setFolder(terminal.folder());
+        const db::ImportLock loading;
+        EXPECT_THAT(synced(terminal), Not(HasSubstr("fetched")));
+    }
+    put(u"/저장소카드"_s, -1);
+    EXPECT_THAT(synced(terminal), Not(HasSubstr("fetched")));
+    QFile::remove(terminal.folder() + u"/저장소카드/GARAE.RVN"_s);
+    EXPECT_THAT(synced(terminal), HasSubstr("fetched GARAE.RVN"));
+    EXPECT_EQ(waiting(terminal), customers({u"0001 A 5000"_s}));
+}
+
+TEST_F(MasterTest, BalancesAreTheOfficesAndWhatAllHaveSent) {
+    const TestDevice& mine = enrol();
+    const TestDevice& colleagues = enrol(u"2"_s, {u"B"_s});
+    loadCustomers({u"0001 A 5000"_s});
+    syncAndLogIn(mine);
+    synced(mine);
+    // One's own slips are in one's own balances.
+    collect(mine, u"5001"_s, u"0001"_s, 100);
+    EXPECT_THAT(synced(mine), Not(HasSubstr("fetched")));
+    collect(colleagues, u"5001"_s, u"0001"_s, 7000, 0, u"B"_s);
+    synced(colleagues);
+    EXPECT_THAT(synced(mine), HasSubstr("fetched GARAE.RVN"));
+    EXPECT_EQ(waiting(mine), customers({u"0001 A 12100"_s}));
+    // A slip that is saved before the login is not in the file, which would take its balance back: it goes,
+    // also when the office cannot be reached.
+    collect(mine, u"5002"_s, u"0001"_s, 30);
+    const QByteArray port = "port = " + QByteArray::number(cluster().port());
+    changeAccess(mine, port, "port = 1");
+    EXPECT_EQ(sync(mine).exitCode, 1);
+    EXPECT_EQ(waiting(mine), QString());
+    changeAccess(mine, "port = 1", port);
+    synced(mine);
+    EXPECT_EQ(waiting(mine), customers({u"0001 A 12130"_s}));
+    // The load of new balances has all that was sent, or only what was sent until then.
+    loadCustomers({u"0001 A 12130"_s});
+    synced(mine);
+    EXPECT_EQ(waiting(mine), customers({u"0001 A 12130"_s}));
+    collect(mine, u"5003"_s, u"0001"_s, 7);
+    synced(mine);
+    load(u"GARAE.RVN"_s, customers({u"0001 A 1"_s}), {u"--sent-until"_s, u"2020-01-01 00:00"_s});
+    synced(mine);
+    EXPECT_EQ(waiting(mine), customers({u"0001 A 8"_s}));
+}
+
+TEST_F(MasterTest, BalancesThatAreTheirOwnNoMoreComeAnew) {
+    const TestDevice& mine = enrol();
+    loadCustomers({u"0001 A 5000"_s, u"0002 B 0"_s});
+    synced(mine);
+    // Saved and taken back by a login before the next sync: nobody can tell which of them was first.
+    collect(mine, u"5001"_s, u"0001"_s, 100);
+    logIn(mine);
+    EXPECT_THAT(synced(mine), HasSubstr("fetched GARAE.RVN"));
+    EXPECT_EQ(waiting(mine), customers({u"0001 A 5100"_s}));
+    logIn(mine);
+    EXPECT_EQ(synced(mine), kNothing);
+    collect(mine, u"5002"_s, u"0001"_s, 30);
+    EXPECT_THAT(synced(mine), Not(HasSubstr("fetched")));
+    // The customer has paid the office what he owed for both: his line is the one of before.
+    const QStringList same{u"0001 A 5000"_s, u"0002 B 1"_s};
+    loadCustomers(same);
+    EXPECT_THAT(synced(mine), HasSubstr("fetched GARAE.RVN"));
+    EXPECT_EQ(waiting(mine), customers({u"0001 A 5000"_s}));
+    logIn(mine);
+    EXPECT_EQ(synced(mine), kNothing);
+    // All lines are those of before: a cron job may load one file often, so what was sent goes on counting
+    // unless it is said to be in the balances.
+    collect(mine, u"5003"_s, u"0001"_s, 7);
+    synced(mine);
+    EXPECT_THAT(run({u"load"_s, file(u"GARAE.RVN"_s, customers(same))}).out, HasSubstr("--sent-until"));
+    EXPECT_EQ(sql(u"SELECT sum(balance) FROM report.receivable"_s), QStringList(u"5008"_s));
+    const QStringList now = sql(u"SELECT to_char(now(), 'YYYY-MM-DD HH24:MI:SS.US')"_s);
+    load(u"GARAE.RVN"_s, customers(same), {u"--sent-until"_s, now.first()});
+    synced(mine);
+    EXPECT_EQ(waiting(mine), customers({u"0001 A 5000"_s}));
+}
+
+TEST_F(MasterTest, ASalesmanWhoComesBringsHisCustomers) {
+    const TestDevice& terminal = enrol();
+    loadCustomers({u"0001 A 5000"_s, u"0002 B 7"_s});
+    syncAndLogIn(terminal);
+    enrolFolder(terminal.folder(), u"1"_s, {u"A"_s, u"B"_s});
+    synced(terminal);
+    EXPECT_EQ(waiting(terminal), customers({u"0001 A 5000"_s, u"0002 B 7"_s}));
+    logIn(terminal);
+    enrolFolder(terminal.folder(), u"1"_s, {u"B"_s});
+    synced(terminal);
+    EXPECT_EQ(waiting(terminal), customers({u"0002 B 7"_s}));
+}
+
+TEST_F(MasterTest, RecoveredSlipsAreInTheBalancesOnce) {
+    const TestDevice& terminal = enrol();
+    const TestDevice& colleagues = enrol(u"2"_s, {u"B"_s});
+    loadCustomers({u"0001 A 5000"_s});
+    syncAndLogIn(terminal);
+    collect(terminal, u"5001"_s, u"0001"_s, 100);
+    synced(terminal);
+    // An older copy has come back, and balances with what it has lost.
+    on(terminal, u"DELETE FROM MTMOK"_s);
+    collect(colleagues, u"5001"_s, u"0001"_s, 7000, 0, u"B"_s);
+    synced(colleagues);
+    synced(terminal);
+    EXPECT_EQ(waiting(terminal), customers({u"0001 A 12100"_s}));
+    logIn(terminal);
+    EXPECT_THAT(synced(terminal, {u"--recover"_s}), HasSubstr("gave back 1 documents"));
+    logIn(terminal);
+    EXPECT_EQ(on(terminal, u"SELECT CJMONEY FROM GARAE"_s), QStringList(u"12100"_s));
+}
+
+TEST_F(MasterTest, WhatChangesInAnOldDayIsInTheBalances) {
+    const TestDevice& mine = enrol();
+    const TestDevice& colleagues = enrol(u"2"_s, {u"B"_s});
+    loadCustomers({u"0001 A 5000"_s});
+    const QString today = std::exchange(day_, QDate::currentDate().addDays(-40).toString(Qt::ISODate));
+    collect(mine, u"5001"_s, u"0001"_s, 100);
+    synced(mine);
+    // The old days have been looked at today.
+    on(mine, u"DELETE FROM MTMOK"_s);
+    noteDeletion(mine, u"입금표"_s, u"5001"_s);
+    day_ = today;
+    collect(colleagues, u"5001"_s, u"0001"_s, 7000, 0, u"B"_s);
+    synced(colleagues);
+    synced(mine);
+    EXPECT_EQ(waiting(mine), customers({u"0001 A 12000"_s}));
+}
+
+TEST_F(MasterTest, AnOrderComesOnce) {
+    const TestDevice& terminal = enrol();
+    const auto order = [&](const QString& number, const QString& user = u"A"_s) {
+        return u"%1|매출|0001|상회|%2|미처리|1001|맥주|01|1|0|10|1|0|0|%3|\r\n"_s.arg(day_, number, user);
+    };
+    sell(terminal, u"5003"_s, u"0001"_s, 1);
+    noteDeletion(terminal, u"거래명세서"_s, u"5002"_s);
+    // A file may have the orders of the one before again.
+    load(u"MTM.RVN"_s, order(u"5001"_s));
+    load(u"MTM.RVN"_s, order(u"5001"_s) + order(u"5002"_s) + order(u"5003"_s) + order(u"5001"_s, u"B"_s));
+    EXPECT_THAT(synced(terminal), HasSubstr("fetched MTM.RVN"));
+    EXPECT_EQ(waiting(terminal, u"MTM.RVN"_s), order(u"5001"_s));
+    load(u"MTM.RVN"_s, order(u"5004"_s));
+    // One that waits is left alone, whether it is loaded before the next sync or not.
+    EXPECT_THAT(synced(terminal), Not(HasSubstr("fetched")));
+    logIn(terminal);
+    synced(terminal);
+    EXPECT_EQ(waiting(terminal, u"MTM.RVN"_s), order(u"5004"_s));
+    logIn(terminal);
+    for (int i = 0; i < 2; ++i) EXPECT_THAT(synced(terminal), Not(HasSubstr("fetched")));
+    EXPECT_EQ(on(terminal, u"SELECT JunNo, COUNT(*) FROM MTM GROUP BY 1 ORDER BY 1"_s),
+              QStringList({u"5001|1"_s, u"5003|1"_s, u"5004|1"_s}));
+}
+
+TEST_F(MasterTest, AVersionTellsEachSalesmanWhetherItConcernsHim) {
+    // The version that each salesman has of GARAE and GARAEDANGA.
+    const auto expectVersions = [&](const QStringList& expected) {
+        EXPECT_EQ(sql(u"SELECT userid, string_agg(version::text, ',' ORDER BY file_name) "
+                      "FROM office.master_change GROUP BY 1 ORDER BY 1"_s),
+                  expected);
+    };
+    loadCustomers({u"0001 A 1000"_s, u"0002 B 2000"_s, u"0003 B 3000"_s});
+    load(u"GARAEDANGA.RVN"_s, u"0001|2001|0|9000|0|900|0|0|0|0|\n0003|2001|0|9000|0|900|0|0|0|0|\n"_s);
+    expectVersions({u"A|1,2"_s, u"B|1,2"_s});
+    // Another balance concerns one salesman, and no price with it.
+    loadCustomers({u"0001 A 1000"_s, u"0002 B 2500"_s, u"0003 B 3000"_s});
+    expectVersions({u"A|1,2"_s, u"B|3,2"_s});
+    // A customer moves to another salesman, prices and all.
+    loadCustomers({u"0001 A 1000"_s, u"0002 B 2500"_s, u"0003 A 3000"_s});
+    expectVersions({u"A|4,4"_s, u"B|4,4"_s});
+    EXPECT_EQ(sql(u"SELECT cjmoney, first_version, last_version FROM office.master_garae "
+                  "WHERE gcode = '0002' ORDER BY first_version"_s),
+              QStringList({u"2000|1|2"_s, u"2500|3|"_s}));
+}
+
+TEST_F(MasterTest, WhatNoTerminalWouldTakeIsNamedAndNothingIsLoaded) {
+    // Equal rows stand as often as in the file.
+    const auto standing = [&] {
+        return sql(
+            u"SELECT string_agg(gcode, ' ' ORDER BY row_number) FROM office.master_garae "
+            "WHERE last_version IS NULL"_s);
+    };
+    loadCustomers({u"0001 A 1"_s, u"0001 A 1"_s, u"0002 A 2"_s, u"0003 A 3"_s, u"0004 A 4"_s});
+    loadCustomers({u"0002 A 2"_s, u"0001 A 1"_s, u"0003 A 3"_s, u"0004 A 4"_s});
+    const auto refused = [&](const QString& name, const QByteArray& content, const char* reason) {
+        const QString good = file(u"BARCODE.RVN"_s, u"1001|8801234567890|\r\n"_s);
+        const Ended ended = run({u"load"_s, good, writeFile(name, content)});
+        EXPECT_EQ(ended.exitCode, 1) << reason;
+        EXPECT_THAT(ended.err, HasSubstr(reason));
+    };
+    const QByteArray line = "0001|A|||||2026-11-20|1000|0|||||A|A||\n";
+    refused(u"GARAE.RVN"_s, line + "0002|\xFF\xFF|\n", "line 2 is not code page 949");
+    refused(u"GARAE.RVN"_s, line + "0002|O'Neill|||||2026-11-20|0|0|||||A|A||\n", "line 2 holds a single");
+    refused(u"GARAE.RVN"_s, line + "0002|B|||", "line 2 breaks off");
+    const QByteArray heading =
+        "GCODE,GNAME,GUPJU,ENDDATE,SNO,MAJIN,CJDATE,CJMONEY,TTMONEY,JUSO,GUBUN,TEL,BGGUBUN,SEEK,USERID,"
+        "CARDNO\n";
+    refused(u"garae.csv"_s, heading + "1,A,,,,,,0,,,,,,A,A,\n", "line 2 does not fit into a line");
+    refused(u"garae.csv"_s, heading + "0001,\"A|B\",,,,,,0,,,,,,A,A,\n", "line 2 does not fit");
+    refused(u"garae.csv"_s, "GCODE\n0001\n", "GNAME is missing");
+    // One that would nearly empty its table has to be meant.
+    refused(u"GARAE.RVN"_s, line, "--shrink");
+    EXPECT_EQ(standing(), QStringList(u"0002 0001 0003 0004"_s));
+    EXPECT_EQ(sql(u"SELECT max(version) FROM office.master_version"_s), QStringList(u"2"_s));
+
+    EXPECT_EQ(run({u"load"_s, u"--shrink"_s,
+                   writeFile(u"garae.csv"_s, heading + "0001,A,,,,,2026-11-20,1000,0,,,,,A,A,\n")})
+                  .exitCode,
+              0);
+    EXPECT_EQ(standing(), QStringList(u"0001"_s));
+    EXPECT_THAT(run({u"load"_s, writeFile(u"GARAE.RVN"_s, line)}).out, HasSubstr("has these lines already"));
+}
+
+}  // namespace
+}  // namespace test
