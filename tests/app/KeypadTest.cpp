@@ -65,7 +65,9 @@ TEST(Keypad, NegatesWhatIsNotZero) {
                                           {app::kOneNumber, u"0", false},
                                           {app::kOneNumber, u"5-", true},
                                           {app::kTextField, u"", true}}) {
-        Keypad keypad(request(mode));
+        KeypadRequest request;
+        request.KeypadMode = mode;
+        Keypad keypad(request);
         press(&keypad, keys);
         EXPECT_EQ(keypad.canNegate(), can) << mode << QStringView(keys).toUtf8().constData();
     }
