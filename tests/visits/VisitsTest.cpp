@@ -126,7 +126,7 @@ TEST_P(Visit, Plays) {
     if (QFileInfo::exists(earlierRows)) call << u"--rows"_s << earlierRows;
     const Outcome played = run(u"rovana-play"_s, call);
     EXPECT_TRUE(played.isDone) << played.output;
-    if (visit.completeBaseName() == u"day") {
+    if (visit.completeBaseName() == u"guide") {
         for (const QStringList& keep :
              {QStringList{u"backup"_s, folder.filePath(u"kept"_s)},
               {u"export"_s, u"--out"_s, folder.filePath(u"exported"_s), u"--date"_s, kDay.toString()}}) {
