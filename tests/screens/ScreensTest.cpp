@@ -335,7 +335,9 @@ TEST_F(Screens, AreWholeAndSpokenAndLeft) {
         EXPECT_THAT(faults(*opened), testing::IsEmpty());
         EXPECT_THAT(unspoken(*opened), testing::IsEmpty());
         EXPECT_EQ(reader.isReading(), screen.dialog == 449);
-        // Esc leaves the screen, whatever has the focus.
+        // Esc leaves the screen, whatever has the focus. Behind another key it is not the one before that
+        // bounces.
+        QTest::keyClick(terminal.window()->windowHandle(), Qt::Key_Shift);
         QTest::keyClick(terminal.window()->windowHandle(), Qt::Key_Escape);
         EXPECT_EQ(opened->isClosing(), screen.dialog != 102);
         opened.reset();
