@@ -44,7 +44,7 @@ class Days {
   private:
     bool isDeletedHere(const QString& date, const DocumentIdentity& identity);
     void insert(const Document& document);
-    void moveReceivable(const QHash<QString, QString>& row);
+    void moveBalance(const QHash<QString, QString>& row);
 
     SqliteFile& database_;
     books::DocumentReader reader_;
@@ -103,12 +103,12 @@ void Days::insert(const Document& document) {
             if (names.contains(name)) row.bind(texts[name]);
         }
         row.step();
-        if (document.identity.kind == DocumentKind::Collection) moveReceivable(texts);
+        if (document.identity.kind == DocumentKind::Collection) moveBalance(texts);
     }
 }
 
 /// What the collection slip has made of its customer's balance. One who is not there has none.
-void Days::moveReceivable(const QHash<QString, QString>& row) {
+void Days::moveBalance(const QHash<QString, QString>& row) {
     const auto won = [&](const QString& column) { return platform::parseWon(row[column]); };
     books::CollectionSlip slip;
     slip.Gubun = row[u"Gubun"_s];
