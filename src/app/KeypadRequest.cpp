@@ -2,9 +2,13 @@
 
 #include "app/Dialogs.h"
 #include "app/Session.h"
+#include "ui/Messages.h"
 #include "ui/Terminal.h"
 
 namespace app {
+
+using namespace Qt::Literals::StringLiterals;
+
 namespace {
 
 /// True when the keypad was left with "확  인", also without an entry.
@@ -53,7 +57,15 @@ bool askNumber(const QString& label, const QString& start, const QString& what) 
 }
 
 std::optional<platform::Won> askAmount(const QString& label, const QString& start) {
-    if (!isConfirmed(numberRequest(label, start))) return std::nullopt;
+    // No amount has as many digits as a product's bar code.
+    constexpr qsizetype kShortestBarcode = 12;
+    KeypadRequest request = numberRequest(label, start);
+    request.Topic.scanned = [](const QString& code, std::array<QString, 3>*) {
+        if (code.size() < kShortestBarcode) return Scan::None;
+        ui::message(u"바코드는 금액이 아닙니다..! [%1]"_s.arg(code));
+        return Scan::Refused;
+    };
+    if (!isConfirmed(request)) return std::nullopt;
     return platform::parseWon(keypadRequest().KeypadValue1);
 }
 
