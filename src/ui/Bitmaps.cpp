@@ -6,7 +6,6 @@
 #include <QPainter>
 #include <QPixmapCache>
 #include <QSvgRenderer>
-#include <QXmlStreamReader>
 
 namespace ui {
 namespace {
@@ -17,15 +16,17 @@ QString resourcePath(int number) {
     return u":/bitmaps/%1.svg"_s.arg(number);
 }
 
-/// The size that the picture's outermost element gives, without reading on: a screen asks for the size of all
-/// its buttons before it draws the first.
+/// The size that the picture's outermost element, its first line, gives. No more is read: a screen asks for
+/// the size of all its buttons before it draws the first.
 QSize readSize(int number) {
     QFile file(resourcePath(number));
     if (!file.open(QIODevice::ReadOnly)) return {};
-    QXmlStreamReader reader(&file);
-    if (!reader.readNextStartElement()) return {};
-    const QXmlStreamAttributes attributes = reader.attributes();
-    return {attributes.value("width"_L1).toInt(), attributes.value("height"_L1).toInt()};
+    const QByteArray line = file.readLine();
+    const auto attribute = [&](QByteArrayView name) {
+        const qsizetype value = line.indexOf(name) + name.size();
+        return line.sliced(value, line.indexOf('"', value) - value).toInt();
+    };
+    return {attribute(" width=\""), attribute(" height=\"")};
 }
 
 class PictureIcon : public QIconEngine {
