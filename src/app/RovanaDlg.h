@@ -21,9 +21,11 @@ class CRovanaDlg : public ui::Screen {
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
 
   private:
     void addLoginControls();
+    /// Hidden ones; nothing when there are some.
     void addMenuControls();
     void logIn();
     void answerLogin();
