@@ -34,8 +34,8 @@ constexpr const char* kEnlarge = R"(
     INSERT INTO MTM (DDate,Gubun,GCode,GName,JunNo,WorkGubun,PCode,PName,JGubun,Box,Bon,MMoney,BMoney,YMoney,GMoney,
         UserID,DTime) SELECT day,'매출',customer,'가람상회',number,'미발행',product,'소주','01','3','5','68500','6850',
         '3000','6000',user,'10:30' FROM S;
-    INSERT INTO MTMOK (DDate,Gubun,GCode,GName,JunNo,UserID,PMoney,WonMoney,CardMoney,MisuInMoney,UnderMoney)
-        SELECT day,'매출',customer,'가람상회',number,user,'84350','84350','0','0','0' FROM S;
+    INSERT INTO MTMOK (DDate,Gubun,GCode,GName,JunNo,UserID,PMoney,WonMoney,CardMoney,MisuInMoney,UnderMoney,DTime)
+        SELECT day,'매출',customer,'가람상회',number,user,'84350','84350','0','0','0','10:31' FROM S;
     DROP TABLE N; DROP TABLE P; DROP TABLE M; DROP TABLE G; DROP TABLE S;
     COMMIT;)";
 

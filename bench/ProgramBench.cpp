@@ -20,7 +20,7 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int kRuns = 15;
+constexpr int kRuns = 41;
 constexpr int kMemoryRuns = 3;
 constexpr double kKibibytesPerMebibyte = 1024;
 /// The display of Qt's offscreen platform has 800 by 800 pixels: 240 by 320 fill it at this scale.

@@ -91,17 +91,16 @@ Result compareWork(int runs, const std::function<Work()>& ours, const std::funct
 
 Result compareCounted(int runs, const char* unit, const std::function<double()>& ours,
                       const std::function<double()>& peer) {
+    Result result = compare(runs, unit, ours, peer);
+    // Afterwards: a counter follows every process and thread that begins, which takes time of its own.
     const InstructionCounter counter;
-    const auto counted = [&](double* instructions, const std::function<double()>& side) {
+    const auto counted = [&](const std::function<double()>& side) {
         const double before = counter.count().value_or(0);
-        const double figure = side();
-        *instructions += counter.count().value_or(0) - before;
-        return figure;
+        side();
+        return counter.count().value_or(0) - before;
     };
-    double oursCounted = 0;
-    double peerCounted = 0;
-    Result result = compare(
-        runs, unit, [&] { return counted(&oursCounted, ours); }, [&] { return counted(&peerCounted, peer); });
+    const double oursCounted = counted(ours);
+    const double peerCounted = counted(peer);
     if (peerCounted > 0)
         result.note =
             QString::asprintf(" (%.2f of its instructions)", oursCounted / peerCounted).toStdString();

@@ -58,7 +58,6 @@ QPoint tileAt(int index) {
 
 CRovanaDlg::CRovanaDlg() : Screen(dialogs::kMain) {
     addLoginControls();
-    addMenuControls();
     loadCompany();
     setFittedText(1007, session().sangho, ui::FontHeight::Title);
     setText(1008, session().calltel.isEmpty() ? QString() : u"콜센터 "_s + session().calltel);
@@ -122,7 +121,14 @@ void CRovanaDlg::addLoginControls() {
     password_->setFont(ui::font(ui::FontHeight::Medium));
 }
 
+void CRovanaDlg::paintEvent(QPaintEvent* event) {
+    Screen::paintEvent(event);
+    // The menu is made when the login can be seen: the first screen shows the sooner.
+    if (menuControls_.isEmpty()) QTimer::singleShot(0, this, &CRovanaDlg::addMenuControls);
+}
+
 void CRovanaDlg::addMenuControls() {
+    if (!menuControls_.isEmpty()) return;
     struct Tile {
         int control;
         QString text;
@@ -279,6 +285,7 @@ void CRovanaDlg::checkEarlierDays() {
 
 void CRovanaDlg::showMenu() {
     for (QWidget* control : std::as_const(loginControls_)) control->hide();
+    addMenuControls();
     for (QWidget* control : std::as_const(menuControls_)) control->show();
     if (session().UserField5 == u"X") control(kContainerButton)->hide();
     auto* first = static_cast<ui::BitmapButton*>(menuControls_.first());
