@@ -1,6 +1,5 @@
 // The least that a Qt program with a dialog of twelve buttons does that fills the display, up to its first
-// paint. It loads the libraries of a database, a network, a seal and a serial line, without which no terminal
-// can do its work, and uses none.
+// paint.
 
 #include <QApplication>
 #include <QDialog>
