@@ -485,42 +485,44 @@ $$;
 
 -- --- fetching ------------------------------------------------------------------------------------------------------------
 
--- A master file's lines, as many as there are, a line feed after each: the customers of the terminal's salesmen with the
--- office's balances and what all terminals have sent since, their prices and margins, and all products and bar codes.
-CREATE FUNCTION terminal.master(file_name text) RETURNS text
+-- The master files with the statement for a file's lines, a line feed after each: the customers of the terminal's salesmen
+-- with the office's balances and what all terminals have sent since, their prices and margins, and all products and bar codes.
+CREATE TABLE office.master_file (file_name text PRIMARY KEY, selection text NOT NULL);
+INSERT INTO office.master_file
+SELECT upper(name) || '.RVN', format(
+    'SELECT coalesce(string_agg(concat_ws(''|'', %s) || E''|\n'', '''' ORDER BY r.row_number), '''')
+     FROM office.master_%s AS r WHERE r.last_version IS NULL %s', columns, name, condition)
+FROM (VALUES ('pummok', ''), ('barcode', ''), ('garae', 'AND r.userid = ANY ($1)'),
+    ('garaedanga', 'AND r.gcode = ANY ($2)'), ('garaemajin', 'AND r.gcode = ANY ($2)')) AS file (name, condition)
+CROSS JOIN LATERAL (
+    -- A balance that nobody has moved stays the text that it is.
+    SELECT string_agg(CASE WHEN name = 'garae' AND attname = 'cjmoney'
+        THEN 'coalesce((SELECT (office.won(r.cjmoney) + sum(m.amount))::text FROM office.movement AS m WHERE m.gcode = r.gcode
+                        HAVING sum(m.amount) <> 0), r.cjmoney)'
+        ELSE 'r.' || quote_ident(attname) END, ', ' ORDER BY attnum)
+    FROM pg_attribute WHERE attrelid = format('office.master_%s', name)::regclass AND attnum > 0 AND NOT attisdropped
+        AND attname NOT IN ('first_version', 'last_version', 'row_number')) AS c (columns);
+
+CREATE FUNCTION terminal.masters(file_names text[]) RETURNS TABLE (file_name text, lines text)
 LANGUAGE plpgsql STABLE SECURITY DEFINER SET search_path = pg_catalog, pg_temp AS $$
+#variable_conflict use_column
 DECLARE
     me CONSTANT office.terminal := office.caller();
-    name CONSTANT text := lower(split_part(file_name, '.', 1));
-    columns text;
-    lines text;
+    customers text[];
+    file office.master_file;
 BEGIN
-    IF file_name NOT IN ('GARAE.RVN', 'PUMMOK.RVN', 'GARAEDANGA.RVN', 'GARAEMAJIN.RVN', 'BARCODE.RVN') THEN
-        RAISE EXCEPTION 'there is no master file "%"', file_name USING ERRCODE = 'invalid_parameter_value';
+    IF EXISTS (SELECT FROM unnest(file_names) AS name WHERE name NOT IN (SELECT f.file_name FROM office.master_file AS f)) THEN
+        RAISE EXCEPTION 'there is no master file "%"', array_to_string(file_names, '", "')
+            USING ERRCODE = 'invalid_parameter_value';
     END IF;
-    SELECT string_agg(CASE WHEN name = 'garae' AND attname = 'cjmoney' THEN office.balance_expression()
-                           ELSE 'r.' || quote_ident(attname) END, ', ' ORDER BY attnum)
-    INTO columns FROM pg_attribute
-    WHERE attrelid = format('office.master_%s', name)::regclass AND attnum > 0 AND NOT attisdropped
-        AND attname NOT IN ('first_version', 'last_version', 'row_number');
-    EXECUTE format(
-        'SELECT string_agg(concat_ws(''|'', %s) || E''|\n'', '''' ORDER BY r.row_number) FROM office.master_%s AS r
-         WHERE r.last_version IS NULL %s',
-        columns, name, CASE name
-            WHEN 'pummok' THEN ''
-            WHEN 'barcode' THEN ''
-            WHEN 'garae' THEN 'AND r.userid = ANY ($1)'
-            ELSE 'AND r.gcode IN (SELECT g.gcode FROM office.master_garae AS g
-                                  WHERE g.userid = ANY ($1) AND g.last_version IS NULL)' END)
-        INTO lines USING me.users;
-    RETURN coalesce(lines, '');
+    customers := ARRAY(SELECT g.gcode FROM office.master_garae AS g WHERE g.userid = ANY (me.users) AND g.last_version IS NULL);
+    FOR file IN SELECT f.* FROM office.master_file AS f WHERE f.file_name = ANY (file_names) LOOP
+        file_name := file.file_name;
+        EXECUTE file.selection INTO lines USING me.users, customers;
+        RETURN NEXT;
+    END LOOP;
 END
 $$;
-
--- A balance that nobody has moved stays the text that it is.
-CREATE FUNCTION office.balance_expression() RETURNS text LANGUAGE sql IMMUTABLE
-RETURN 'coalesce((SELECT (office.won(r.cjmoney) + sum(m.amount))::text FROM office.movement AS m WHERE m.gcode = r.gcode
-                  HAVING sum(m.amount) <> 0), r.cjmoney)';
 
 -- The open orders as lines of MTM.RVN, with what tells whether the terminal has them.
 CREATE FUNCTION terminal.orders(first_day text) RETURNS TABLE (ddate text, junno text, userid text, line text)

@@ -229,7 +229,7 @@ TEST_F(SendTest, WhoMayNotIsToldAndChangesNothing) {
     EXPECT_NE(send(u"2024-02-31"_s, u"A"_s, own, right.arg(own)), "");
     EXPECT_NE(refusal(u"SELECT terminal.salesmen('{B}','{x}','{1}')"_s).find("not enrolled"),
               std::string::npos);
-    EXPECT_NE(refusal(u"SELECT terminal.master('PDAUSER')"_s).find("no master file"), std::string::npos);
+    EXPECT_NE(refusal(u"SELECT terminal.masters('{PDAUSER}')"_s).find("no master file"), std::string::npos);
     EXPECT_EQ(documents(), QStringList());
     EXPECT_EQ(send(day_, u"A"_s, own, right.arg(own)), "");
     EXPECT_EQ(documents(), QStringList(u"sale 5001 A present 1"_s));
