@@ -131,6 +131,7 @@ CREATE INDEX ON office.master_garaemajin (gcode) WHERE last_version IS NULL;
 
 -- A document is what has one identity: rows of one table under a day, number and user, or a payment under its message
 -- number. All tables from here on are divided by `month`, that of the document's day.
+CREATE SEQUENCE office.document_id;
 CREATE TABLE office.document (
     month date NOT NULL,
     terminal text NOT NULL,
@@ -143,10 +144,12 @@ CREATE TABLE office.document (
     state text NOT NULL DEFAULT 'present' CHECK (state IN ('present', 'missing', 'deleted')),
     first_sent timestamptz NOT NULL DEFAULT now(),
     sent_at timestamptz NOT NULL DEFAULT now(),
-    PRIMARY KEY (month, terminal, ddate, kind, number, userid)
+    id bigint NOT NULL DEFAULT nextval('office.document_id'),
+    PRIMARY KEY (terminal, ddate, kind, number, userid, month)
 ) PARTITION BY LIST (month);
 CREATE INDEX ON office.document (terminal) WHERE state = 'missing';
 COMMENT ON COLUMN office.document.digest IS 'SHA-256 of its kind and rows (office.digest)';
+COMMENT ON COLUMN office.document.id IS 'By it the lines of a sale know their document; each content has another';
 COMMENT ON COLUMN office.document.state IS
     'missing: the terminal has it no more and no deletion tells why; deleted: its rows are in office.history alone';
 
@@ -171,7 +174,8 @@ COMMENT ON COLUMN office.history.after_close IS 'It was superseded after its use
 COMMENT ON COLUMN office.history.is_deleted IS 'The terminal deleted the document; else a later revision followed';
 
 -- The rows, each table with the terminal's own columns and texts; row_number counts them within their document from 1. What
--- is read most is a day of all terminals.
+-- is read most is a day of all terminals. Most of all rows are lines of sales: their key is two numbers that grow, since a key
+-- of texts cost more to write than the line itself, and their days are found by where they lie.
 CREATE TABLE office.mtm (
     month date NOT NULL, terminal text NOT NULL, row_number integer NOT NULL,
     ddate text NOT NULL DEFAULT '', gubun text NOT NULL DEFAULT '', gcode text NOT NULL DEFAULT '',
@@ -180,7 +184,8 @@ CREATE TABLE office.mtm (
     box text NOT NULL DEFAULT '', bon text NOT NULL DEFAULT '', mmoney text NOT NULL DEFAULT '',
     bmoney text NOT NULL DEFAULT '', ymoney text NOT NULL DEFAULT '', gmoney text NOT NULL DEFAULT '',
     userid text NOT NULL DEFAULT '', dtime text NOT NULL DEFAULT '',
-    PRIMARY KEY (ddate, terminal, junno, userid, row_number, month)
+    document_id bigint NOT NULL DEFAULT nextval('office.document_id'),
+    PRIMARY KEY (document_id, row_number, month)
 ) PARTITION BY LIST (month);
 COMMENT ON TABLE office.mtm IS 'Lines of the sales slips';
 CREATE TABLE office.ytm (
@@ -249,6 +254,7 @@ CREATE TABLE office.dayclose (
 ) PARTITION BY LIST (month);
 COMMENT ON TABLE office.dayclose IS 'Closes of the days';
 CREATE INDEX ON office.mtm (gcode);
+CREATE INDEX ON office.mtm USING brin (ddate) WITH (autosummarize = on);
 CREATE INDEX ON office.ytm (gcode);
 CREATE INDEX ON office.mtmok (gcode);
 

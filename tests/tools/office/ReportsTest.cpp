@@ -98,13 +98,15 @@ class ReportsTest : public OfficeTest {
             work.exec_params("SELECT office.make_month($1::date)", month);
             std::string values;
             for (const QString& text : row) values += ", " + work.quote(text.toStdString());
-            work.exec("INSERT INTO office." + table.name.toString().toStdString() + " VALUES ('" + month +
-                      "', '" + terminal.toStdString() + "', " + std::to_string(++lines[key]) + values + ")");
-            work.exec_params(
+            const pqxx::result document = work.exec_params(
                 "INSERT INTO office.document (month, terminal, kind, ddate, number, userid, digest) VALUES "
-                "($1::date, $2, $3, $4, $5, $6, '') ON CONFLICT DO NOTHING",
+                "($1::date, $2, $3, $4, $5, $6, '') ON CONFLICT (month, terminal, ddate, kind, number, "
+                "userid) DO UPDATE SET digest = '' RETURNING id",
                 month, terminal.toStdString(), kind.toStdString(), key[0].toStdString(), key[1].toStdString(),
                 key[2].toStdString());
+            if (kind == u"sale") values += std::string(", ") + document[0][0].c_str();
+            work.exec("INSERT INTO office." + table.name.toString().toStdString() + " VALUES ('" + month +
+                      "', '" + terminal.toStdString() + "', " + std::to_string(++lines[key]) + values + ")");
         }
         work.commit();
     }
