@@ -126,9 +126,7 @@ class SyncTorture : public SyncTest {
                                   platform::SqliteFile::Mode::ReadOnly);
         const auto here = file.rows(u"SELECT * FROM "_s + table);
         for (const QStringList& row : *here) ++rows[row.join(u'|')];
-        for (const QString& row :
-             sql(u"SELECT t.* FROM office.%1 AS t WHERE terminal = '%2'"_s.arg(table.toLower(), worker.name)))
-            --rows[row.section(u'|', 3, 2 + qsizetype(db::schema::findTable(table)->columns.size()))];
+        for (const QString& row : officeRows(table, worker.name)) --rows[row];
         std::pair<int, int> wrong;
         for (const auto& [row, count] : rows) {
             (count > 0 ? wrong.first : wrong.second) += std::abs(count);
