@@ -257,17 +257,18 @@ Result measureOfficeFull() {
         "day, "
         "to_char(day, 'YYYY-MM-DD') AS d, generate_series(5001, 5100) AS n, unnest(ARRAY['sale', "
         "'collection']) AS kind;"
-        "INSERT INTO office.mtm (month, terminal, row_number, ddate, gcode, junno, userid, mmoney, document_id) "
+        "INSERT INTO office.mtm (month, terminal, row_number, ddate, gcode, junno, userid, mmoney, "
+        "document_id) "
         "SELECT month, terminal, r, ddate, '0001', number, userid, '32000', id FROM office.document, "
         "generate_series(1, 6) AS r "
         "WHERE kind = 'sale'; ANALYZE");
     const auto day = [](Office& office) {
         office.folder().use();
         office.writeDay(QDate::currentDate().toString(Qt::ISODate));
-        // Each time as if the day had never been sent.
+        // Each time as if the day had never been sent, without a look at the year.
         office.sql(
-            "DELETE FROM office.document WHERE ddate = to_char(now(), 'YYYY-MM-DD'); DELETE FROM office.mtm "
-            "WHERE ddate = "
+            "DELETE FROM office.document WHERE month = date_trunc('month', now()) AND ddate = to_char(now(), "
+            "'YYYY-MM-DD'); DELETE FROM office.mtm WHERE month = date_trunc('month', now()) AND ddate = "
             "to_char(now(), 'YYYY-MM-DD'); DELETE FROM office.mtmok; DELETE FROM office.movement");
         return millisecondsOf([&] { check(office.sync(0).sent == 2 * kSlips, "not all was sent"); });
     };

@@ -80,13 +80,25 @@ RETURN CASE
 
 -- The months from that of `first_day` to the next one, and those of the days: what a statement names so that it looks at no
 -- other partition.
-CREATE FUNCTION office.months(first_day text, days text[]) RETURNS date[] LANGUAGE sql STABLE
-RETURN (SELECT array_agg(DISTINCT month) FROM (
-    SELECT office.month(day) FROM unnest(days) AS day
-    UNION ALL
-    SELECT m::date FROM generate_series(greatest(office.month(first_day)::timestamp, now()::timestamp - interval '10 years'),
-        now()::timestamp + interval '1 month', interval '1 month') AS m
-    ) AS all_months (month));
+CREATE FUNCTION office.months(first_day text, days text[]) RETURNS date[] LANGUAGE plpgsql STABLE AS $$
+DECLARE
+    month date := CASE WHEN first_day < '9999'
+        THEN greatest(office.month(first_day), date_trunc('month', now() - interval '10 years')::date) END;
+    months date[] := '{}';
+    day text;
+BEGIN
+    WHILE month <= now() + interval '1 month' LOOP
+        months := months || month;
+        month := month + interval '1 month';
+    END LOOP;
+    FOREACH day IN ARRAY days LOOP
+        IF office.month(day) <> ALL (months) THEN
+            months := months || office.month(day);
+        END IF;
+    END LOOP;
+    RETURN months;
+END
+$$;
 
 -- The days whose documents differ from the terminal's (its days with their digests): with an empty kind each such day, then
 -- what the office has of it. From `first_day` on a day that the terminal does not name has nothing there.
