@@ -64,13 +64,14 @@ constexpr std::array kMeasurements{
 #ifdef ROVANA_OFFICE
     Measurement{
         "office-day", 2.0, bench::measureOfficeDay,
-        "bare COPY of the same rows over connections of the same kind: the least that any sender needs"},
+        "bare COPY of the same rows, read from the terminal's database, over connections of the same kind"},
     Measurement{"office-idle", 1.0, bench::measureOfficeIdle,
                 "one round trip after the connection: nothing less can tell that nothing changed"},
     Measurement{"office-full", 1.1, bench::measureOfficeFull,
                 "the same day sent to an empty office: a year must not show"},
-    Measurement{"office-morning", 2.0, bench::measureOfficeMorning,
-                "bare COPY TO of the same rows over the same connections: the least that any fetch needs"},
+    Measurement{
+        "office-morning", 2.0, bench::measureOfficeMorning,
+        "bare COPY TO of the same rows into files that outlive a loss of power: what no fetch is without"},
 #endif
 };
 

@@ -131,6 +131,7 @@ CREATE INDEX ON office.master_garaemajin (gcode) WHERE last_version IS NULL;
 
 -- A document is what has one identity: rows of one table under a day, number and user, or a payment under its message
 -- number. All tables from here on are divided by `month`, that of the document's day.
+CREATE SEQUENCE office.document_id;
 CREATE TABLE office.document (
     month date NOT NULL,
     terminal text NOT NULL,
@@ -143,10 +144,12 @@ CREATE TABLE office.document (
     state text NOT NULL DEFAULT 'present' CHECK (state IN ('present', 'missing', 'deleted')),
     first_sent timestamptz NOT NULL DEFAULT now(),
     sent_at timestamptz NOT NULL DEFAULT now(),
-    PRIMARY KEY (month, terminal, ddate, kind, number, userid)
+    id bigint NOT NULL DEFAULT nextval('office.document_id'),
+    PRIMARY KEY (terminal, ddate, kind, number, userid, month)
 ) PARTITION BY LIST (month);
 CREATE INDEX ON office.document (terminal) WHERE state = 'missing';
 COMMENT ON COLUMN office.document.digest IS 'SHA-256 of its kind and rows (office.digest)';
+COMMENT ON COLUMN office.document.id IS 'By it the lines of a sale know their document; each content has another';
 COMMENT ON COLUMN office.document.state IS
     'missing: the terminal has it no more and no deletion tells why; deleted: its rows are in office.history alone';
 
@@ -171,7 +174,8 @@ COMMENT ON COLUMN office.history.after_close IS 'It was superseded after its use
 COMMENT ON COLUMN office.history.is_deleted IS 'The terminal deleted the document; else a later revision followed';
 
 -- The rows, each table with the terminal's own columns and texts; row_number counts them within their document from 1. What
--- is read most is a day of all terminals.
+-- is read most is a day of all terminals. Most of all rows are lines of sales: their key is two numbers that grow, since a key
+-- of texts cost more to write than the line itself, and their days are found by where they lie.
 CREATE TABLE office.mtm (
     month date NOT NULL, terminal text NOT NULL, row_number integer NOT NULL,
     ddate text NOT NULL DEFAULT '', gubun text NOT NULL DEFAULT '', gcode text NOT NULL DEFAULT '',
@@ -180,7 +184,8 @@ CREATE TABLE office.mtm (
     box text NOT NULL DEFAULT '', bon text NOT NULL DEFAULT '', mmoney text NOT NULL DEFAULT '',
     bmoney text NOT NULL DEFAULT '', ymoney text NOT NULL DEFAULT '', gmoney text NOT NULL DEFAULT '',
     userid text NOT NULL DEFAULT '', dtime text NOT NULL DEFAULT '',
-    PRIMARY KEY (ddate, terminal, junno, userid, row_number, month)
+    document_id bigint NOT NULL DEFAULT nextval('office.document_id'),
+    PRIMARY KEY (document_id, row_number, month)
 ) PARTITION BY LIST (month);
 COMMENT ON TABLE office.mtm IS 'Lines of the sales slips';
 CREATE TABLE office.ytm (
@@ -249,6 +254,7 @@ CREATE TABLE office.dayclose (
 ) PARTITION BY LIST (month);
 COMMENT ON TABLE office.dayclose IS 'Closes of the days';
 CREATE INDEX ON office.mtm (gcode);
+CREATE INDEX ON office.mtm USING brin (ddate) WITH (autosummarize = on);
 CREATE INDEX ON office.ytm (gcode);
 CREATE INDEX ON office.mtmok (gcode);
 
@@ -288,19 +294,25 @@ SELECT office.make_month(DATE '0001-01-01');
 
 -- --- receivables ---------------------------------------------------------------------------------------------------------
 
+-- What a slip has taken in against older debt beside its total. A recovery above the total that a settling button has booked is
+-- in the recovery already and counts once. In plpgsql, which is not worked into each statement: few slips have any.
+CREATE FUNCTION office.earlier_paid(slip office.mtmok) RETURNS numeric LANGUAGE plpgsql IMMUTABLE PARALLEL SAFE AS $$
+DECLARE
+    paid CONSTANT numeric := office.won(slip.misuinmoney);
+    excess CONSTANT numeric := office.won(slip.ydmoney)::numeric - office.won(slip.mmoney) - office.won(slip.ygmoney);
+BEGIN
+    RETURN CASE WHEN excess > 0 AND paid = excess AND office.won(slip.wonmoney) = 0 AND office.won(slip.cardmoney) = 0
+        AND office.won(slip.undermoney) = 0 THEN 0 ELSE paid END;
+END
+$$;
+
 -- What a collection slip adds to its customer's receivable: its total less all that was paid against it. What came in is the
--- sum that the slip has, whatever its parts are. A recovery above the total that a settling button has booked is in the
--- recovery already and counts once. A simple payment adds nothing.
+-- sum that the slip has, whatever its parts are. A simple payment adds nothing.
 CREATE FUNCTION office.receivable_effect(slip office.mtmok) RETURNS numeric LANGUAGE sql IMMUTABLE PARALLEL SAFE
 -- One expression, which is worked out where the function stands.
 RETURN CASE WHEN (slip).gubun = '단순결제' THEN 0 ELSE
     office.won((slip).mmoney)::numeric + office.won((slip).ygmoney) - office.won((slip).ydmoney) - office.won((slip).inmoney)
-    - CASE WHEN (slip).misuinmoney IN ('', '0') THEN 0
-        WHEN office.won((slip).ydmoney)::numeric > office.won((slip).mmoney)::numeric + office.won((slip).ygmoney)
-            AND office.won((slip).misuinmoney)::numeric
-                = office.won((slip).ydmoney)::numeric - office.won((slip).mmoney) - office.won((slip).ygmoney)
-            AND office.won((slip).wonmoney) = 0 AND office.won((slip).cardmoney) = 0 AND office.won((slip).undermoney) = 0
-        THEN 0 ELSE office.won((slip).misuinmoney) END
+    - CASE WHEN (slip).misuinmoney IN ('', '0') THEN 0 ELSE office.earlier_paid(slip) END
     END;
 
 -- What has moved a customer's receivable since GARAE.RVN was loaded. Only added to, so that terminals that send at the
@@ -381,5 +393,5 @@ END
 $$;
 
 -- Whoever reads a view runs its functions himself.
-GRANT EXECUTE ON FUNCTION office.odd_won, office.won, office.month, office.session_terminal, office.receivable_effect
-    TO rovana_reader;
+GRANT EXECUTE ON FUNCTION office.odd_won, office.won, office.month, office.session_terminal, office.earlier_paid,
+    office.receivable_effect TO rovana_reader;

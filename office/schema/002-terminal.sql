@@ -12,8 +12,11 @@ CREATE TABLE office.kind (
     number_at integer,
     userid_at integer,
     gcode_at integer,
+    condition text,
     insertion text
 );
+COMMENT ON COLUMN office.kind.condition IS
+    'Which rows are a document''s: $1 its terminal, $2 its day, $3 its user, $4 its number and $5 its id';
 COMMENT ON COLUMN office.kind.insertion IS 'The statement by which office.store writes rows of the kind';
 INSERT INTO office.kind (kind, table_name, number_column) VALUES
     ('sale', 'mtm', 'junno'), ('containers', 'ytm', 'junno'), ('collection', 'mtmok', 'junno'),
@@ -22,27 +25,30 @@ INSERT INTO office.kind (kind, table_name, number_column) VALUES
 UPDATE office.kind AS k SET columns = (
     SELECT array_agg(attname::text ORDER BY attnum) FROM pg_attribute
     WHERE attrelid = format('office.%I', k.table_name)::regclass AND attnum > 0 AND NOT attisdropped
-        AND attname NOT IN ('month', 'terminal', 'row_number'));
+        AND attname NOT IN ('month', 'terminal', 'row_number', 'document_id'));
 UPDATE office.kind SET ddate_at = array_position(columns, 'ddate'), userid_at = array_position(columns, 'userid'),
     number_at = array_position(columns, number_column::text),
     gcode_at = CASE WHEN kind IN ('sale', 'containers', 'collection') THEN array_position(columns, 'gcode') END;
 
 -- Texts are taken apart by SELECT lists, which hand on each row: a function in FROM would keep all of them first.
 UPDATE office.kind AS k SET insertion = format(
-    'INSERT INTO office.%I (month, terminal, row_number, %s)
-     SELECT $1, $2, n, %s
-     FROM (SELECT number, userid, n, string_to_array(line, E''\x1f'') AS f
-           FROM (SELECT number, userid, unnest(lines) AS line, generate_subscripts(lines, 1) AS n
-                 FROM (SELECT number, userid, string_to_array(content, E''\x1e'') AS lines
+    'INSERT INTO office.%I (month, terminal, row_number, %s%s)
+     SELECT $1, $2, n, %s%s
+     FROM (SELECT number, userid, id, n, string_to_array(line, E''\x1f'') AS f
+           FROM (SELECT number, userid, id, unnest(lines) AS line, generate_subscripts(lines, 1) AS n
+                 FROM (SELECT number, userid, id, string_to_array(content, E''\x1e'') AS lines
                        FROM (SELECT unnest($3) AS kind, unnest($4) AS number, unnest($5) AS userid, unnest($6) AS content,
-                                 unnest($7) AS known) AS d
+                                 unnest($7) AS known, unnest($9) AS id) AS d
                        WHERE kind = %L AND NOT known OFFSET 0) AS d) AS l OFFSET 0) AS r',
-    k.table_name, array_to_string(k.columns, ', '),
+    k.table_name, CASE kind WHEN 'sale' THEN 'document_id, ' END, array_to_string(k.columns, ', '),
+    CASE kind WHEN 'sale' THEN 'id, ' END,
     (SELECT string_agg(CASE i WHEN k.ddate_at THEN format(
         'CASE WHEN cardinality(f) = %s AND f[%s] = $8 AND f[%s] = userid AND %s = number THEN $8
               ELSE office.refuse_row(%L, number, userid) END', cardinality(k.columns), k.ddate_at, k.userid_at,
         coalesce('f[' || k.number_at || ']', ''''''), k.kind) ELSE format('f[%s]', i) END, ', ')
      FROM generate_subscripts(k.columns, 1) AS i), k.kind);
+UPDATE office.kind AS k SET condition = CASE kind WHEN 'sale' THEN 'document_id = $5'
+    ELSE format('terminal = $1 AND ddate = $2 AND userid = $3 AND %s = $4', coalesce(quote_ident(number_column), '''''')) END;
 
 -- The terminal that calls; an error for anybody else.
 CREATE FUNCTION office.caller() RETURNS office.terminal LANGUAGE plpgsql STABLE AS $$
@@ -74,13 +80,25 @@ RETURN CASE
 
 -- The months from that of `first_day` to the next one, and those of the days: what a statement names so that it looks at no
 -- other partition.
-CREATE FUNCTION office.months(first_day text, days text[]) RETURNS date[] LANGUAGE sql STABLE
-RETURN (SELECT array_agg(DISTINCT month) FROM (
-    SELECT office.month(day) FROM unnest(days) AS day
-    UNION ALL
-    SELECT m::date FROM generate_series(greatest(office.month(first_day)::timestamp, now()::timestamp - interval '10 years'),
-        now()::timestamp + interval '1 month', interval '1 month') AS m
-    ) AS all_months (month));
+CREATE FUNCTION office.months(first_day text, days text[]) RETURNS date[] LANGUAGE plpgsql STABLE AS $$
+DECLARE
+    month date := CASE WHEN first_day < '9999'
+        THEN greatest(office.month(first_day), date_trunc('month', now() - interval '10 years')::date) END;
+    months date[] := '{}';
+    day text;
+BEGIN
+    WHILE month <= now() + interval '1 month' LOOP
+        months := months || month;
+        month := month + interval '1 month';
+    END LOOP;
+    FOREACH day IN ARRAY days LOOP
+        IF office.month(day) <> ALL (months) THEN
+            months := months || office.month(day);
+        END IF;
+    END LOOP;
+    RETURN months;
+END
+$$;
 
 -- The days whose documents differ from the terminal's (its days with their digests): with an empty kind each such day, then
 -- what the office has of it. From `first_day` on a day that the terminal does not name has nothing there.
@@ -225,13 +243,13 @@ BEGIN
     SELECT * INTO k FROM office.kind AS each WHERE each.kind = doc.kind;
     EXECUTE format(
         'SELECT string_agg(concat_ws(E''\x1f'', %s), E''\x1e'' ORDER BY row_number) FROM office.%I
-         WHERE month = %L AND terminal = $1 AND ddate = $2 AND userid = $3 AND %s = $4',
+         WHERE month = %L AND %s',
         -- A slip that was put aside has its own number in the rows only.
         (SELECT string_agg(CASE WHEN name = k.number_column THEN format('split_part(%I, ''~'', 1)', name)
                                 ELSE quote_ident(name) END, ', ' ORDER BY i)
          FROM unnest(k.columns) WITH ORDINALITY AS c (name, i)),
-        k.table_name, doc.month, coalesce(quote_ident(k.number_column), ''''''))
-        INTO content USING doc.terminal, doc.ddate, doc.userid, doc.number;
+        k.table_name, doc.month, k.condition)
+        INTO content USING doc.terminal, doc.ddate, doc.userid, doc.number, doc.id;
     RETURN content;
 END
 $$;
@@ -249,9 +267,8 @@ BEGIN
         EXISTS (SELECT FROM office.dayclose AS c WHERE c.month = doc.month AND c.terminal = doc.terminal
                     AND c.ddate = doc.ddate AND c.userid = doc.userid),
         deleted);
-    EXECUTE format('DELETE FROM office.%I WHERE month = %L AND terminal = $1 AND ddate = $2 AND userid = $3 AND %s = $4',
-        k.table_name, doc.month, coalesce(quote_ident(k.number_column), ''''''))
-        USING doc.terminal, doc.ddate, doc.userid, doc.number;
+    EXECUTE format('DELETE FROM office.%I WHERE month = %L AND %s', k.table_name, doc.month, k.condition)
+        USING doc.terminal, doc.ddate, doc.userid, doc.number, doc.id;
 END
 $$;
 
@@ -272,12 +289,11 @@ BEGIN
         PERFORM office.retire(doc, false);
         RETURN;
     END IF;
-    EXECUTE format('UPDATE office.%I SET %I = $5 WHERE month = %L AND terminal = $1 AND ddate = $2 AND userid = $3 AND %I = $4',
-        k.table_name, k.number_column, doc.month, k.number_column)
-        USING doc.terminal, doc.ddate, doc.userid, doc.number, aside;
-    INSERT INTO office.document (month, terminal, kind, ddate, number, userid, digest, revision, state, first_sent, sent_at)
+    EXECUTE format('UPDATE office.%I SET %I = $6 WHERE month = %L AND %s', k.table_name, k.number_column, doc.month, k.condition)
+        USING doc.terminal, doc.ddate, doc.userid, doc.number, doc.id, aside;
+    INSERT INTO office.document (month, terminal, kind, ddate, number, userid, digest, revision, state, first_sent, sent_at, id)
     VALUES (doc.month, doc.terminal, doc.kind, doc.ddate, aside, doc.userid, doc.digest, doc.revision, 'missing',
-        doc.first_sent, doc.sent_at);
+        doc.first_sent, doc.sent_at, doc.id);
 END
 $$;
 
@@ -400,6 +416,8 @@ DECLARE
     -- Of each document whether it has a row already, and whether its rows are there.
     noted boolean[];
     known boolean[];
+    -- By which its rows know it: what has been kept aside, or not retired yet, keeps the one of before.
+    ids bigint[];
     superseded boolean;
     wrong text;
     each record;
@@ -408,9 +426,10 @@ DECLARE
 BEGIN
     SELECT array_agg(n.kind), array_agg(n.number), array_agg(n.userid), array_agg(n.content), array_agg(n.digest),
         array_agg(d.digest IS NOT NULL), array_agg(d.digest IS NOT DISTINCT FROM n.digest AND d.state = 'missing'),
+        array_agg(CASE WHEN d.digest = n.digest AND d.state = 'missing' THEN d.id ELSE nextval('office.document_id') END),
         bool_or(d.digest <> n.digest AND d.state <> 'deleted'),
         min(CASE WHEN n.is_wrong THEN concat_ws(' ', n.kind, n.number, 'of user', n.userid) END)
-    INTO kinds, numbers, userids, contents, digests, noted, known, superseded, wrong
+    INTO kinds, numbers, userids, contents, digests, noted, known, ids, superseded, wrong
     FROM (SELECT *, kind IS NULL OR number IS NULL OR userid IS NULL OR content IS NULL OR strpos(number, '~') > 0
             -- office.digest, written out: it is worked out for every document.
             OR digest IS DISTINCT FROM sha256(convert_to(kind || E'\x1e' || content, 'UTF8')) AS is_wrong
@@ -439,8 +458,8 @@ BEGIN
     IF true = ANY (noted) THEN
         UPDATE office.document AS d
         SET revision = d.revision + (d.digest <> n.digest OR d.state = 'deleted')::integer, digest = n.digest,
-            state = 'present', sent_at = now()
-        FROM unnest(kinds, numbers, userids, digests) AS n (kind, number, userid, digest)
+            state = 'present', sent_at = now(), id = n.id
+        FROM unnest(kinds, numbers, userids, digests, ids) AS n (kind, number, userid, digest, id)
         WHERE d.month = the_month AND d.terminal = me AND d.ddate = the_day AND d.kind = n.kind AND d.number = n.number
             AND d.userid = n.userid;
         GET DIAGNOSTICS changed = ROW_COUNT;
@@ -449,14 +468,14 @@ BEGIN
         END IF;
     END IF;
     IF false = ANY (noted) THEN
-        INSERT INTO office.document (month, terminal, kind, ddate, number, userid, digest)
-        SELECT the_month, me, n.kind, the_day, n.number, n.userid, n.digest
+        INSERT INTO office.document (month, terminal, kind, ddate, number, userid, digest, id)
+        SELECT the_month, me, n.kind, the_day, n.number, n.userid, n.digest, n.id
         FROM (SELECT unnest(kinds) AS kind, unnest(numbers) AS number, unnest(userids) AS userid, unnest(digests) AS digest,
-                  unnest(noted) AS noted OFFSET 0) AS n
+                  unnest(noted) AS noted, unnest(ids) AS id OFFSET 0) AS n
         WHERE NOT n.noted;
     END IF;
     FOR statement IN SELECT k.insertion FROM office.kind AS k WHERE k.kind = ANY (kinds) LOOP
-        EXECUTE statement USING the_month, me, kinds, numbers, userids, contents, known, the_day;
+        EXECUTE statement USING the_month, me, kinds, numbers, userids, contents, known, the_day, ids;
     END LOOP;
     RETURN cardinality(kinds);
 END
@@ -485,42 +504,44 @@ $$;
 
 -- --- fetching ------------------------------------------------------------------------------------------------------------
 
--- A master file's lines, as many as there are, a line feed after each: the customers of the terminal's salesmen with the
--- office's balances and what all terminals have sent since, their prices and margins, and all products and bar codes.
-CREATE FUNCTION terminal.master(file_name text) RETURNS text
+-- The master files with the statement for a file's lines, a line feed after each: the customers of the terminal's salesmen
+-- with the office's balances and what all terminals have sent since, their prices and margins, and all products and bar codes.
+CREATE TABLE office.master_file (file_name text PRIMARY KEY, selection text NOT NULL);
+INSERT INTO office.master_file
+SELECT upper(name) || '.RVN', format(
+    'SELECT coalesce(string_agg(concat_ws(''|'', %s) || E''|\n'', '''' ORDER BY r.row_number), '''')
+     FROM office.master_%s AS r WHERE r.last_version IS NULL %s', columns, name, condition)
+FROM (VALUES ('pummok', ''), ('barcode', ''), ('garae', 'AND r.userid = ANY ($1)'),
+    ('garaedanga', 'AND r.gcode = ANY ($2)'), ('garaemajin', 'AND r.gcode = ANY ($2)')) AS file (name, condition)
+CROSS JOIN LATERAL (
+    -- A balance that nobody has moved stays the text that it is.
+    SELECT string_agg(CASE WHEN name = 'garae' AND attname = 'cjmoney'
+        THEN 'coalesce((SELECT (office.won(r.cjmoney) + sum(m.amount))::text FROM office.movement AS m WHERE m.gcode = r.gcode
+                        HAVING sum(m.amount) <> 0), r.cjmoney)'
+        ELSE 'r.' || quote_ident(attname) END, ', ' ORDER BY attnum)
+    FROM pg_attribute WHERE attrelid = format('office.master_%s', name)::regclass AND attnum > 0 AND NOT attisdropped
+        AND attname NOT IN ('first_version', 'last_version', 'row_number')) AS c (columns);
+
+CREATE FUNCTION terminal.masters(file_names text[]) RETURNS TABLE (file_name text, lines text)
 LANGUAGE plpgsql STABLE SECURITY DEFINER SET search_path = pg_catalog, pg_temp AS $$
+#variable_conflict use_column
 DECLARE
     me CONSTANT office.terminal := office.caller();
-    name CONSTANT text := lower(split_part(file_name, '.', 1));
-    columns text;
-    lines text;
+    customers text[];
+    file office.master_file;
 BEGIN
-    IF file_name NOT IN ('GARAE.RVN', 'PUMMOK.RVN', 'GARAEDANGA.RVN', 'GARAEMAJIN.RVN', 'BARCODE.RVN') THEN
-        RAISE EXCEPTION 'there is no master file "%"', file_name USING ERRCODE = 'invalid_parameter_value';
+    IF EXISTS (SELECT FROM unnest(file_names) AS name WHERE name NOT IN (SELECT f.file_name FROM office.master_file AS f)) THEN
+        RAISE EXCEPTION 'there is no master file "%"', array_to_string(file_names, '", "')
+            USING ERRCODE = 'invalid_parameter_value';
     END IF;
-    SELECT string_agg(CASE WHEN name = 'garae' AND attname = 'cjmoney' THEN office.balance_expression()
-                           ELSE 'r.' || quote_ident(attname) END, ', ' ORDER BY attnum)
-    INTO columns FROM pg_attribute
-    WHERE attrelid = format('office.master_%s', name)::regclass AND attnum > 0 AND NOT attisdropped
-        AND attname NOT IN ('first_version', 'last_version', 'row_number');
-    EXECUTE format(
-        'SELECT string_agg(concat_ws(''|'', %s) || E''|\n'', '''' ORDER BY r.row_number) FROM office.master_%s AS r
-         WHERE r.last_version IS NULL %s',
-        columns, name, CASE name
-            WHEN 'pummok' THEN ''
-            WHEN 'barcode' THEN ''
-            WHEN 'garae' THEN 'AND r.userid = ANY ($1)'
-            ELSE 'AND r.gcode IN (SELECT g.gcode FROM office.master_garae AS g
-                                  WHERE g.userid = ANY ($1) AND g.last_version IS NULL)' END)
-        INTO lines USING me.users;
-    RETURN coalesce(lines, '');
+    customers := ARRAY(SELECT g.gcode FROM office.master_garae AS g WHERE g.userid = ANY (me.users) AND g.last_version IS NULL);
+    FOR file IN SELECT f.* FROM office.master_file AS f WHERE f.file_name = ANY (file_names) LOOP
+        file_name := file.file_name;
+        EXECUTE file.selection INTO lines USING me.users, customers;
+        RETURN NEXT;
+    END LOOP;
 END
 $$;
-
--- A balance that nobody has moved stays the text that it is.
-CREATE FUNCTION office.balance_expression() RETURNS text LANGUAGE sql IMMUTABLE
-RETURN 'coalesce((SELECT (office.won(r.cjmoney) + sum(m.amount))::text FROM office.movement AS m WHERE m.gcode = r.gcode
-                  HAVING sum(m.amount) <> 0), r.cjmoney)';
 
 -- The open orders as lines of MTM.RVN, with what tells whether the terminal has them.
 CREATE FUNCTION terminal.orders(first_day text) RETURNS TABLE (ddate text, junno text, userid text, line text)

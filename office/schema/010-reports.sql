@@ -74,11 +74,10 @@ SELECT month, terminal, ddate AS day, office.own_number(junno) AS number, junno 
     row_number AS line, pcode, pname, jgubun AS class, office.won(box) AS boxes, office.won(bon) AS bottles,
     office.won(mmoney) AS supply, office.won(bmoney) AS vat,
     office.won(ymoney)::numeric AS crate_deposit, office.won(gmoney)::numeric AS bottle_deposit,
-    workgubun AS state, dtime AS saved_at,
+    workgubun AS state, dtime AS saved_at, document_id,
     -- Nobody saved, printed or paid a line of it, and nothing was collected or taken back for it.
     NOT (dtime <> '' OR workgubun IN ('발행', '결제')
-        OR EXISTS (SELECT FROM office.mtm AS o WHERE o.month = l.month AND o.terminal = l.terminal AND o.ddate = l.ddate
-            AND o.junno = l.junno AND o.userid = l.userid AND (o.dtime <> '' OR o.workgubun IN ('발행', '결제')))
+        OR EXISTS (SELECT FROM office.mtm AS o WHERE o.month = l.month AND o.document_id = l.document_id AND (o.dtime <> '' OR o.workgubun IN ('발행', '결제')))
         OR EXISTS (SELECT FROM office.mtmok AS c WHERE c.month = l.month AND c.terminal = l.terminal AND c.ddate = l.ddate
             AND c.junno = l.junno AND c.userid = l.userid)
         OR EXISTS (SELECT FROM office.ytm AS y WHERE y.month = l.month AND y.terminal = l.terminal AND y.ddate = l.ddate
@@ -87,6 +86,7 @@ FROM office.mtm AS l LEFT JOIN office.salesman AS s USING (terminal, userid);
 COMMENT ON VIEW report.sale IS 'The lines of the sales slips of all terminals';
 COMMENT ON COLUMN report.sale.month IS 'First day of the month of the day';
 COMMENT ON COLUMN report.sale.kept_number IS 'With "~" where the number was given to another customer since';
+COMMENT ON COLUMN report.sale.document_id IS 'The same for all lines of a slip, and for no other''s';
 COMMENT ON COLUMN report.sale.state IS '미처리, 미발행, 발행 or 결제';
 COMMENT ON COLUMN report.sale.is_undelivered IS 'An order of the office that nobody has delivered; no sale yet';
 
@@ -171,8 +171,8 @@ UNION ALL
 SELECT d.month, d.terminal, d.ddate, d.userid, d.kind, office.own_number(d.number), 'added', d.first_sent, d.revision, c.closedat
 FROM closed AS c JOIN office.document AS d USING (month, terminal, ddate, userid)
 CROSS JOIN LATERAL (
-    SELECT gcode FROM report.sale AS s WHERE d.kind = 'sale' AND s.month = d.month AND s.terminal = d.terminal
-        AND s.day = d.ddate AND s.kept_number = d.number AND s.userid = d.userid AND NOT s.is_undelivered
+    SELECT gcode FROM report.sale AS s WHERE d.kind = 'sale' AND s.month = d.month AND s.document_id = d.id
+        AND NOT s.is_undelivered
     UNION SELECT gcode FROM office.ytm AS y WHERE d.kind = 'containers' AND y.month = d.month AND y.terminal = d.terminal
         AND y.ddate = d.ddate AND y.junno = d.number AND y.userid = d.userid
     UNION SELECT gcode FROM office.mtmok AS o WHERE d.kind = 'collection' AND o.month = d.month AND o.terminal = d.terminal

@@ -22,6 +22,9 @@ struct Kind {
     QStringView number;  ///< Its column; empty for none.
 };
 
+/// Bytes of a slip of some lines: a content does not grow piece by piece.
+constexpr qsizetype kUsualContent = 1024;
+
 constexpr Kind kKinds[] = {
     {DocumentKind::Sale, u"sale", u"MTM", u"JunNo"},
     {DocumentKind::Containers, u"containers", u"YTM", u"JunNo"},
@@ -58,30 +61,33 @@ bool isSeparator(char each) {
     return each == kRowSeparator || each == kFieldSeparator || each == '\0';
 }
 
-/// The column's text in UTF-8, without what would be taken for a separator and what the office's database
-/// cannot hold.
-QByteArray fieldBytes(const SqliteStatement& row, int column) {
-    const QByteArray bytes = row.textBytes(column);
-    if (bytes.isValidUtf8() && std::ranges::none_of(bytes, isSeparator)) return bytes;
+/// Adds the column's text in UTF-8, without what would be taken for a separator and what the office's
+/// database cannot hold.
+void addField(const SqliteStatement& row, int column, QByteArray* content) {
+    const QByteArrayView bytes = row.textView(column);
+    if (bytes.isValidUtf8() && std::ranges::none_of(bytes, isSeparator)) {
+        content->append(bytes);
+        return;
+    }
     QString text = QString::fromUtf8(bytes);
     for (QChar& each : text) {
         if (each.unicode() < 0x80 && isSeparator(char(each.unicode()))) each = QChar::ReplacementCharacter;
     }
-    return text.toUtf8();
+    content->append(text.toUtf8());
 }
 
 QString field(const SqliteStatement& row, int column) {
-    return QString::fromUtf8(fieldBytes(row, column));
+    QByteArray bytes;
+    addField(row, column, &bytes);
+    return QString::fromUtf8(bytes);
 }
 
-/// `count` columns of the row from `first` on, as they stand in a content.
-QByteArray rowContent(const SqliteStatement& row, int first, int count) {
-    QByteArray content;
+/// Adds `count` columns of the row from `first` on, as they stand in a content.
+void addRow(const SqliteStatement& row, int first, int count, QByteArray* content) {
     for (int i = 0; i < count; ++i) {
-        if (i > 0) content += kFieldSeparator;
-        content += fieldBytes(row, first + i);
+        if (i > 0) content->append(kFieldSeparator);
+        addField(row, first + i, content);
     }
-    return content;
 }
 
 bool isDate(const QString& text) {
@@ -163,8 +169,9 @@ DocumentReader::Prepared DocumentReader::preparedCollections(const QString& date
     rows.bind(date);
     while (rows.step()) {
         const bool hasReplaced = !rows.text(2).isEmpty();
-        prepared[{DocumentKind::Collection, field(rows, 0), field(rows, 1)}] =
-            hasReplaced ? rowContent(rows, 3, kCollectionColumns) : QByteArray();
+        QByteArray& replaced = prepared[{DocumentKind::Collection, field(rows, 0), field(rows, 1)}];
+        replaced.clear();
+        if (hasReplaced) addRow(rows, 3, kCollectionColumns, &replaced);
     }
     return prepared;
 }
@@ -189,16 +196,18 @@ bool DocumentReader::readKind(DocumentKind kind, const QString& date,
     };
     SqliteStatement rows = database_.statement(select);
     rows.bind(date);
+    const int columns = rows.columns() - 2;
     Document document;
     while (rows.step()) {
         const DocumentIdentity identity{kind, field(rows, 0), field(rows, 1)};
         if (!document.content.isEmpty() && document.identity != identity) {
             if (!give(document)) return false;
-            document.content.clear();
+            document.content = {};
+            document.content.reserve(kUsualContent);
         }
         document.identity = identity;
         if (!document.content.isEmpty()) document.content += kRowSeparator;
-        document.content += rowContent(rows, 2, rows.columns() - 2);
+        addRow(rows, 2, columns, &document.content);
     }
     return document.content.isEmpty() || give(document);
 }

@@ -85,8 +85,9 @@ bool writeOfficeState(const OfficeState& state) {
     const QByteArray text = QJsonDocument(json).toJson(QJsonDocument::Compact);
     // A sync that changes nothing does not wait for the disk every time.
     if (QFile before(statePath()); before.open(QIODevice::ReadOnly) && before.readAll() == text) return true;
+    // Nor one that changes something: what a loss of power takes of it, the next sync finds anew.
     platform::WholeFile file(statePath());
-    return file.write(text) && file.takeName();
+    return file.begin(text) && file.takeNameOnly();
 }
 
 DocumentDigests digestsOfDay(const DocumentReader& reader, const QString& date) {

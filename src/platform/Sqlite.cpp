@@ -103,6 +103,10 @@ QByteArray SqliteStatement::bytes(int column) const {
 }
 
 QByteArray SqliteStatement::textBytes(int column) const {
+    return textView(column).toByteArray();
+}
+
+QByteArrayView SqliteStatement::textView(int column) const {
     const auto* const data = reinterpret_cast<const char*>(sqlite3_column_text(handle_, column));
     return {data, sqlite3_column_bytes(handle_, column)};
 }

@@ -71,6 +71,8 @@ class SqliteStatement {
     QByteArray bytes(int column) const;
     /// The text in UTF-8 as it is stored.
     QByteArray textBytes(int column) const;
+    /// The same until the next step.
+    QByteArrayView textView(int column) const;
     /// NULL reads as a null text.
     QString text(int column) const;
     QStringList row() const;

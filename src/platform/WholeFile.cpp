@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
 #include <cerrno>
@@ -64,20 +65,31 @@ WholeFile::~WholeFile() {
     close();
 }
 
-bool WholeFile::write(QByteArrayView content) {
+bool WholeFile::begin(QByteArrayView content) {
     if (!open()) return fail();
     const bool isWritten = ::fchmod(descriptor_, kOwnerOnly) == 0 && ::ftruncate(descriptor_, 0) == 0 &&
-                           writeAll(descriptor_, content) && ::fsync(descriptor_) == 0;
+                           writeAll(descriptor_, content);
     return isWritten || fail();
 }
 
-bool WholeFile::takeName(IfThere ifThere) {
+bool WholeFile::sync() {
+    return ::fsync(descriptor_) == 0 || fail();
+}
+
+qint64 WholeFile::modified() const {
+    return QFileInfo(QFile::decodeName(unfinished_)).lastModified().toMSecsSinceEpoch();
+}
+
+bool WholeFile::takeNameOnly(IfThere ifThere) {
     if (descriptor_ < 0) return false;
     if (!rename(unfinished_, path_, ifThere)) return fail();
     ::close(descriptor_);
     descriptor_ = -1;
-    const QString folder = QFileInfo(QFile::decodeName(path_)).absolutePath();
-    return syncToDisk(folder) || fail();
+    return true;
+}
+
+bool WholeFile::syncFolder() {
+    return syncToDisk(QFileInfo(QFile::decodeName(path_)).absolutePath()) || fail();
 }
 
 /// Opens the file beside and locks it, so that nobody else writes into it.

@@ -24,12 +24,22 @@ class WholeFile {
 
     /// Puts the content on the disk beside the file, once; others who write the file wait until this object
     /// goes. False, with the reason in errorText(), when that fails.
-    bool write(QByteArrayView content);
+    bool write(QByteArrayView content) { return begin(content) && sync(); }
+    /// The same in two steps, so that the disk may work on several files at once. A file that takes its name
+    /// without sync() is whole after a kill; a loss of power may leave an empty one.
+    bool begin(QByteArrayView content);
+    bool sync();
+
+    /// When the content was written, as the file will tell, in milliseconds since 1970.
+    qint64 modified() const;
 
     /// Gives what was written the file's name and puts the folder on the disk. False, with the reason in
     /// errorText(), when that fails; the file is as it was then. Only when the folder alone cannot be put on
     /// the disk the new file stands, and a loss of power may bring the old one back.
-    bool takeName(IfThere ifThere = IfThere::Replace);
+    bool takeName(IfThere ifThere = IfThere::Replace) { return takeNameOnly(ifThere) && syncFolder(); }
+    /// The same in two steps: files of one folder need it on the disk once.
+    bool takeNameOnly(IfThere ifThere = IfThere::Replace);
+    bool syncFolder();
 
     /// The system's reason for the failure, such as "No space left on device".
     const QString& errorText() const { return error_; }

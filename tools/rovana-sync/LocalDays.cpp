@@ -1,5 +1,7 @@
 #include "rovana-sync/LocalDays.h"
 
+#include <utility>
+
 #include "platform/Device.h"
 
 namespace terminal_sync {
@@ -62,12 +64,35 @@ QStringList LocalDays::daysBefore(const QString& end) {
 
 DocumentDigests LocalDays::day(const QString& date) {
     DocumentDigests digests;
-    read([&] { digests = books::digestsOfDay(reader_, date); });
+    QList<Document> kept;
+    qsizetype bytes = 0;
+    const auto hasRoom = [&] { return bytes <= kMostBytes && digests.size() <= kMostDocuments; };
+    keptDate_.clear();
+    kept_.clear();
+    read([&] {
+        reader_.forEachDocument(date, [&](const Document& document) {
+            digests[document.identity] = document.digest;
+            bytes += document.content.size();
+            if (hasRoom()) kept << document;
+            return true;
+        });
+    });
+    if (hasRoom()) {
+        keptDate_ = date;
+        kept_ = kept;
+    }
     return digests;
 }
 
 QList<Document> LocalDays::take(const QString& date, QSet<DocumentIdentity>* wanted) {
     QList<Document> taken;
+    if (date == keptDate_) {
+        taken = std::exchange(kept_, {});
+        keptDate_.clear();
+        taken.removeIf([&](const Document& each) { return !wanted->contains(each.identity); });
+        wanted->clear();
+        return taken;
+    }
     qsizetype bytes = 0;
     bool isThrough = true;
     read([&] {

@@ -31,8 +31,8 @@ class LocalDays {
     QStringList daysBefore(const QString& end);
     books::DocumentDigests day(const QString& date);
 
-    /// The wanted documents of the day as they are now, up to a bounded size; they are taken out of `wanted`,
-    /// and when all was looked through, `wanted` is empty.
+    /// The wanted documents of the day as they are now, or as they were when the day was read last, up to a
+    /// bounded size; they are taken out of `wanted`, and when all was looked through, `wanted` is empty.
     QList<books::Document> take(const QString& date, QSet<books::DocumentIdentity>* wanted);
 
     /// The first day whose slips have not left for an archive.
@@ -45,6 +45,9 @@ class LocalDays {
 
     platform::SqliteFile database_;
     books::DocumentReader reader_;
+    // The day that was read last, while it fits into one call to the office: it is mostly the one to send.
+    QString keptDate_;
+    QList<books::Document> kept_;
 };
 
 }  // namespace terminal_sync

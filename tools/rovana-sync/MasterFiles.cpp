@@ -6,6 +6,9 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <algorithm>
+#include <memory>
+#include <vector>
 
 #include "db/ImportFile.h"
 #include "db/MasterImport.h"
@@ -41,8 +44,9 @@ QByteArray digestOf(const QByteArray& content) {
     return QCryptographicHash::hash(content, QCryptographicHash::Sha256);
 }
 
-/// The lines in code page 949; a character that it does not hold is "?".
-QByteArray encode(const QString& lines) {
+/// The lines in code page 949, with the line ends of its files; a character that it does not hold is "?".
+QByteArray encode(QString lines) {
+    lines.replace(u'\n', u"\r\n"_s);
     if (const auto whole = platform::codepage::encode(lines)) return *whole;
     QByteArray bytes;
     for (const QChar each : lines) bytes += platform::codepage::encode(QString(each)).value_or("?");
@@ -124,25 +128,42 @@ void MasterFiles::forgetBalances() {
     write();
 }
 
-MasterFiles::Put MasterFiles::put(const MasterVersion& version, const QString& lines,
+bool MasterFiles::isInTheWay(const MasterVersion& version) const {
+    // Loaded after ours, it would bring the older data back.
+    if (QFile::exists(cardPath(version.fileName))) return true;
+    const QString path = documentsPath(version.fileName);
+    const bool isAnothers = QFile::exists(path) && !isOurs(path, entries_.value(version.fileName));
+    return isAnothers && modifiedOf(path) > version.loadedAt.toMSecsSinceEpoch();
+}
+
+MasterFiles::Put MasterFiles::put(const QList<MasterVersion>& versions, const QMap<QString, QString>& lines,
                                   const QByteArray& balances) {
     const db::ImportLock lock;
-    if (lock.isTaken()) return Put::Later;
-    // Loaded after ours, it would bring the older data back.
-    if (QFile::exists(cardPath(version.fileName))) return Put::InTheWay;
-    const QString path = documentsPath(version.fileName);
-    Entry& entry = entries_[version.fileName];
-    const bool isAnothers = QFile::exists(path) && !isOurs(path, entry);
-    if (isAnothers && modifiedOf(path) > version.loadedAt.toMSecsSinceEpoch()) return Put::InTheWay;
-    const QByteArray content = encode(QString(lines).replace(u'\n', u"\r\n"_s));
+    if (lock.isTaken()) return {};
+    Put put;
+    std::vector<std::unique_ptr<platform::WholeFile>> files;
+    const auto require = [&](const platform::WholeFile& file, bool isDone) {
+        if (!isDone) throw LocalError("a master file: " + file.errorText().toStdString());
+    };
+    for (const MasterVersion& version : versions) {
+        if (isInTheWay(version)) {
+            put.inTheWay << version.fileName;
+            continue;
+        }
+        const QByteArray content = encode(lines.value(version.fileName));
+        files.push_back(std::make_unique<platform::WholeFile>(documentsPath(version.fileName)));
+        require(*files.back(), files.back()->begin(content));
+        entries_[version.fileName] = {version.token, digestOf(content), files.back()->modified(), false};
+        if (version.fileName == kCustomers) balances_ = balances;
+        put.done << version.fileName;
+    }
+    if (files.empty()) return put;
+    for (const auto& file : files) require(*file, file->sync());
     // Noted first: a waiting file of ours has to be known as such whenever this ends.
-    entry = {version.token, digestOf(content), 0, false};
-    if (version.fileName == kCustomers) balances_ = balances;
     write();
-    putFile(path, content);
-    entry.modified = modifiedOf(path);
-    write();
-    return Put::Done;
+    for (const auto& file : files) require(*file, file->takeNameOnly());
+    require(*files.back(), files.back()->syncFolder());
+    return put;
 }
 
 bool MasterFiles::withdrawOldBalances(const QByteArray& balances) {
@@ -181,7 +202,7 @@ void MasterFiles::putOrders(const QList<Order>& orders) {
     if (lock.isTaken() || areOrdersWaiting()) return;
     QString lines;
     for (const Order& order : orders) {
-        if (!hasSlip(order)) lines += order.line + u"\r\n"_s;
+        if (!hasSlip(order)) lines += order.line + u'\n';
     }
     if (!lines.isEmpty()) putFile(documentsPath(kOrders), encode(lines));
 }

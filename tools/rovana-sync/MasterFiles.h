@@ -23,14 +23,15 @@ class MasterFiles {
     /// before.
     bool isHere(const MasterVersion& version, const std::function<QByteArray()>& balancesNow);
 
-    enum class Put {
-        Done,
-        Later,     ///< Files are being loaded.
-        InTheWay,  ///< A file that came by another way waits, and is newer or would be loaded after ours.
+    /// File names.
+    struct Put {
+        QStringList done;
+        QStringList inTheWay;  ///< One that came by another way waits, and is newer or would be loaded later.
     };
-    /// Puts a file of those lines. `balances` is what the lines' balances include of this terminal
-    /// (balancesOf). Throws LocalError when it cannot be written.
-    Put put(const MasterVersion& version, const QString& lines, const QByteArray& balances);
+    /// Puts files of those lines; none while files are being loaded. `balances` is what the lines' balances
+    /// include of this terminal (balancesOf). Throws LocalError when one cannot be written.
+    Put put(const QList<MasterVersion>& versions, const QMap<QString, QString>& lines,
+            const QByteArray& balances);
 
     /// Takes away a waiting GARAE.RVN of ours when the terminal has moved balances since: it would take them
     /// back. False when files are being loaded.
@@ -54,6 +55,7 @@ class MasterFiles {
         qint64 modified = 0;  ///< Of the file, in milliseconds since 1970.
         bool isSure = false;  ///< Loaded before any collection that is not in its balances.
     };
+    bool isInTheWay(const MasterVersion& version) const;
     void read();
     void write() const;
     bool isLoaded(const QString& fileName, const Entry& entry);

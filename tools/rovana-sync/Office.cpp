@@ -219,8 +219,13 @@ void Office::tellSalesmen(const QList<Salesman>& salesmen) {
     call("SELECT terminal.salesmen($1, $2, $3)", {users.text(), names.text(), vatModes.text()});
 }
 
-QString Office::master(const QString& fileName) {
-    return text(call("SELECT terminal.master($1)", {utf8(fileName)})[0][0]);
+QMap<QString, QString> Office::masters(const QStringList& fileNames) {
+    ArrayText names;
+    for (const QString& each : fileNames) names.add(each);
+    QMap<QString, QString> masters;
+    for (const pqxx::row& row : call("SELECT * FROM terminal.masters($1)", {names.text()}))
+        masters[text(row["file_name"])] = text(row["lines"]);
+    return masters;
 }
 
 QList<Order> Office::orders(const QString& firstDay) {

@@ -100,8 +100,8 @@ class Office {
     QMap<QString, DocumentDigests> compare(const DayDigests& days);
     Sent send(const Parcel& parcel);
     void tellSalesmen(const QList<Salesman>& salesmen);
-    /// The lines of a master file, each with a line feed.
-    QString master(const QString& fileName);
+    /// The lines of master files by their names, each with a line feed.
+    QMap<QString, QString> masters(const QStringList& fileNames);
     QList<Order> orders(const QString& firstDay);
     QStringList days(const QString& firstDay);
     QList<KeptDocument> documents(const QString& date);

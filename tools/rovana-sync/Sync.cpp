@@ -3,6 +3,7 @@
 #include <QDate>
 #include <QFile>
 #include <algorithm>
+#include <future>
 #include <ranges>
 
 #include "platform/Clock.h"
@@ -51,11 +52,15 @@ office::Access readAccessFile() {
 Sync::Sync(const office::Access& access) : access_(access), masters_(local_) {}
 
 Outcome Sync::run() {
+    // The line waits for the office most of the time; the days are read meanwhile.
+    std::future<std::unique_ptr<Office>> line =
+        std::async(std::launch::async, [this] { return std::make_unique<Office>(access_); });
     readDays();
     try {
-        // Before the line is tried: a login may be near, with or without an office.
+        // Whether there is a line or none: a login may be near.
         masters_.withdrawOldBalances(MasterFiles::balancesOf(days_));
-        Office office(access_);
+        const std::unique_ptr<Office> connected = line.get();
+        Office& office = *connected;
         greeting_ = office.hello(firstDay_, dayDigests(days_));
         for (const QString& date : days_.keys()) {
             if (!greeting_.differing.contains(date)) agreed_.insert(date);
@@ -156,15 +161,20 @@ void Sync::tellSalesmen(Office& office) {
 void Sync::fetch(Office& office) {
     const QByteArray balances = MasterFiles::balancesOf(days_);
     const auto balancesNow = [&] { return MasterFiles::balancesOf(local_.digests(firstDay_)); };
+    QList<MasterVersion> wanted;
+    QStringList names;
     for (const MasterVersion& version : std::as_const(greeting_.masters)) {
         if (masters_.isHere(version, balancesNow)) continue;
         // What was changed in an old day since it was looked at would be taken back by balances without it.
         if (version.fileName == u"GARAE.RVN") sendOldDays(office, true);
-        const auto put = masters_.put(version, office.master(version.fileName), balances);
-        if (put == MasterFiles::Put::Done) outcome_.fetched << version.fileName;
-        if (put == MasterFiles::Put::InTheWay)
-            outcome_.remarks << u"the office's %1 waits: another one is to be loaded first"_s.arg(
-                version.fileName);
+        wanted << version;
+        names << version.fileName;
+    }
+    if (!wanted.isEmpty()) {
+        const MasterFiles::Put put = masters_.put(wanted, office.masters(names), balances);
+        outcome_.fetched = put.done;
+        for (const QString& name : put.inTheWay)
+            outcome_.remarks << u"the office's %1 waits: another one is to be loaded first"_s.arg(name);
     }
     if (greeting_.hasOrders && !MasterFiles::areOrdersWaiting()) {
         masters_.putOrders(office.orders(firstDay_));
