@@ -123,7 +123,7 @@ TEST_F(EnrolTest, ATerminalsRoleReachesNoTableAndNoOther) {
           u"CREATE ROLE other"_s, u"ALTER ROLE terminal_8 PASSWORD 'x'"_s,
           u"GRANT rovana_owner TO terminal_7"_s, u"SELECT pg_read_file('/etc/passwd')"_s,
           u"SELECT office.won('1')"_s, u"SELECT office.settle(NULL)"_s, u"SELECT * FROM pg_authid"_s,
-          u"SELECT terminal.master('PDAUSER')"_s, u"SELECT terminal.salesmen('{B}','{x}','{1}')"_s,
+          u"SELECT terminal.masters('{PDAUSER}')"_s, u"SELECT terminal.salesmen('{B}','{x}','{1}')"_s,
           // By them it would hold up all others, or fill the disk.
           u"SELECT pg_advisory_lock(hashtext('office.balances'))"_s,
           u"SELECT pg_try_advisory_xact_lock_shared(1)"_s, u"SELECT lo_create(0)"_s,
