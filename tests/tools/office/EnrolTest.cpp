@@ -5,7 +5,6 @@
 namespace test {
 namespace {
 
-/// Terminal 7 with its salesman A.
 class EnrolTest : public SyncTest {
   protected:
     Ended enrolAgain(const QStringList& users, const QStringList& more = {}) {
@@ -15,9 +14,7 @@ class EnrolTest : public SyncTest {
         const QString path = accessOf(terminal_.folder());
         EXPECT_FALSE(QFile::permissions(path) & (QFile::ReadGroup | QFile::ReadOther));
         QString error;
-        auto read = office::readAccess(readFile(path), &error);
-        EXPECT_TRUE(read) << error.toStdString();
-        return read ? *std::move(read) : office::Access();
+        return office::readAccess(readFile(path), &error).value();
     }
 
     /// How the terminal connects; `change` replaces settings.
@@ -34,14 +31,13 @@ class EnrolTest : public SyncTest {
     }
     std::string connectionNow() { return connectionOf(access()); }
 
-    /// Why a statement of the session fails; empty when it does not.
+    /// Why a statement fails, or why nobody can log in like that; empty when it does not.
     static std::string faultOf(pqxx::connection& connected, const QString& statement) try {
         pqxx::nontransaction(connected).exec(statement.toStdString());
         return {};
     } catch (const std::exception& fault) {
         return fault.what();
     }
-    /// Why nobody can log in like that; empty when one can.
     static std::string loginFaultOf(const std::string& connection) try {
         pqxx::connection connected(connection);
         return {};

@@ -98,7 +98,7 @@ TEST_F(RecoveryTest, ANewDiskGetsEverythingButWhatWasDeleted) {
     EXPECT_EQ(synced(terminal), kNothing);
 }
 
-TEST_F(RecoveryTest, WhatGoesBackToAnEarlierRevisionIsNamed) {
+TEST_F(RecoveryTest, WhatGoesBackIsNamedAndAnArchiveIsNotGivenBack) {
     const TestDevice& terminal = enrol();
     sell(terminal, u"5001"_s, u"0001"_s, 1000);
     sell(terminal, u"5002"_s, u"0001"_s, 1000);
@@ -112,18 +112,13 @@ TEST_F(RecoveryTest, WhatGoesBackToAnEarlierRevisionIsNamed) {
     EXPECT_EQ(sql(u"SELECT terminal, day, kind, number, userid, revision, earlier FROM report.went_back"_s),
               QStringList(u"1|%1|sale|5001|A|3|1"_s.arg(day_)));
     EXPECT_THAT(run({u"status"_s}).out, HasSubstr("sale  5001"));
-}
-
-TEST_F(RecoveryTest, WhatHasLeftForAnArchiveStaysThere) {
-    const TestDevice& terminal = enrol();
-    sell(terminal, u"5001"_s, u"0001"_s, 1000);
-    synced(terminal);
+    // What has left for an archive stays there.
     on(terminal,
        u"DELETE FROM MTM; INSERT INTO CONTAINERCARRY "
        "VALUES ('0001','1001','맥주','1','0','0','0','0','%1')"_s.arg(
            QDate::currentDate().addDays(1).toString(Qt::ISODate)));
     synced(terminal, {u"--recover"_s});
-    EXPECT_EQ(documents(), QStringList(u"sale 5001 A present 1"_s));
+    EXPECT_EQ(documents(), QStringList({u"sale 5001 A present 3"_s, u"sale 5002 A present 1"_s}));
     EXPECT_EQ(on(terminal, u"SELECT COUNT(*) FROM MTM"_s), QStringList(u"0"_s));
 }
 
