@@ -156,14 +156,6 @@ TEST_F(HostTest, EveryFaultIsADefinedEventAndLeavesNothingBehind) {
     }
 }
 
-TEST_F(HostTest, ALateAnswerDoesNotReachTheNextExchange) {
-    Component::setTimeOutUnit(std::chrono::milliseconds(100));
-    host.start({u"--fault"_s, u"late 0.4@1"_s, u"--fault"_s, u"late 0.6@2"_s});
-    EXPECT_EQ(pay(u"good", u"1000", 1), QString::fromLatin1(kBroken));
-    EXPECT_EQ(pay(u"second", u"2000", 20), QString::fromLatin1(kGood)) << "sent before the first answer came";
-    EXPECT_EQ(terminal.field(1104), u"2000");
-}
-
 /// A request as another terminal program might make it.
 struct Request {
     Request(QStringView kind, QStringView terminalNumber, const QList<QStringView>& parameters = {}) {

@@ -42,6 +42,17 @@ class AdminTest : public ::testing::Test {
         EXPECT_EQ(ended.exitCode, admin::kSuccess) << ended.err;
         return ended.out;
     }
+    /// Runs what has to be refused for that reason and leaves every file and the database as they were.
+    void expectRefused(const QStringList& arguments, const char* reason) {
+        const QString documents = path(u"My Documents"_s);
+        const QStringList before = filesOf(folder()) + filesOf(documents, u"*.cdb*"_s);
+        const QByteArray content = readFile(database());
+        const Ended ended = run(arguments);
+        EXPECT_NE(ended.exitCode, admin::kSuccess) << reason;
+        EXPECT_THAT(ended.err, HasSubstr(reason));
+        EXPECT_EQ(filesOf(folder()) + filesOf(documents, u"*.cdb*"_s), before);
+        EXPECT_TRUE(readFile(database()) == content) << reason;
+    }
     /// The connection of a terminal that has read once: its write-ahead log stays open.
     std::unique_ptr<platform::SqliteFile> openTerminal() const {
         auto terminal =

@@ -25,17 +25,6 @@ class BackupTest : public AdminTest {
         ran({u"check"_s});
         return path;
     }
-
-    /// Whether the command refused for that reason and left every file as it was.
-    void expectRefused(const QStringList& call, const char* reason) {
-        const QStringList before = filesOf(folder()) + filesOf(documents());
-        const QByteArray content = readFile(database());
-        const Ended ended = run(call);
-        EXPECT_EQ(ended.exitCode, admin::kFailure) << reason;
-        EXPECT_THAT(ended.err, HasSubstr(reason));
-        EXPECT_EQ(filesOf(folder()) + filesOf(documents()), before);
-        EXPECT_TRUE(readFile(database()) == content) << reason;
-    }
 };
 
 TEST_F(BackupTest, CopiesWhatIsSavedWhileATerminalIsInTheMiddleOfAChange) {
