@@ -42,16 +42,21 @@ class AdminTest : public ::testing::Test {
         EXPECT_EQ(ended.exitCode, admin::kSuccess) << ended.err;
         return ended.out;
     }
-    /// Runs what has to be refused for that reason and leaves every file and the database as they were.
+    /// Runs what has to be refused for that reason and leaves all files and rows as they were.
     void expectRefused(const QStringList& arguments, const char* reason) {
-        const QString documents = path(u"My Documents"_s);
-        const QStringList before = filesOf(folder()) + filesOf(documents, u"*.cdb*"_s);
-        const QByteArray content = readFile(database());
+        const auto state = [this] {
+            platform::adoce::DatabaseFile::forgetAll();
+            QStringList all = filesOf(folder()) + filesOf(path(u"My Documents"_s), u"*.cdb*"_s) +
+                              rows(u"SELECT name, sql FROM sqlite_schema"_s) + rows(u"PRAGMA user_version"_s);
+            for (const QString& table : rows(u"SELECT name FROM sqlite_schema WHERE type = 'table'"_s))
+                all += rows(u"SELECT * FROM "_s + table);
+            return all;
+        };
+        const QStringList before = state();
         const Ended ended = run(arguments);
         EXPECT_NE(ended.exitCode, admin::kSuccess) << reason;
         EXPECT_THAT(ended.err, HasSubstr(reason));
-        EXPECT_EQ(filesOf(folder()) + filesOf(documents, u"*.cdb*"_s), before);
-        EXPECT_TRUE(readFile(database()) == content) << reason;
+        EXPECT_EQ(state(), before) << reason;
     }
     /// The connection of a terminal that has read once: its write-ahead log stays open.
     std::unique_ptr<platform::SqliteFile> openTerminal() const {

@@ -48,7 +48,7 @@ TEST(Reconciliation, NamesEveryDifference) {
         {"each", u"2/A/1000"_s, u"1"_s, u"1000"_s, u"1"_s, one, u"other 1 1000, +01 host 1000, -02 A1000"_s},
         {"amount", u"1/A/900"_s, u"1"_s, u"1000"_s, u"1"_s, one, u"other 1 900, !01 A900 host 1000"_s},
         {"twice", u"1/A/9 1/B/9"_s, u"1"_s, u"1000"_s, u"1"_s, one,
-         u"other 2 18, !01 A9 host 1000, -01 B9"_s},
+         u"other 2 18, !01 A9 host 1000, -01 B9 alike 2"_s},
         {"cash has a number", u"1/A/1000 2/A/0"_s, u"1"_s, u"1000"_s, u"1"_s, one, u"same 1 1000"_s},
         {"across midnight", night, u"2"_s, u"3000"_s, u"2"_s, one + two, u"same 2 3000"_s},
         {"other days", days, u"1"_s, u"1000"_s, u"1"_s, one, u"other 0 0, +01 host 1000"_s},

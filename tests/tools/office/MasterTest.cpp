@@ -239,7 +239,6 @@ TEST_F(MasterTest, WhatNoTerminalWouldTakeIsNamedAndNothingIsLoaded) {
         "GCODE,GNAME,GUPJU,ENDDATE,SNO,MAJIN,CJDATE,CJMONEY,TTMONEY,JUSO,GUBUN,TEL,BGGUBUN,SEEK,USERID,"
         "CARDNO\n";
     refused(u"garae.csv"_s, heading + "1,A,,,,,,0,,,,,,A,A,\n", "line 2 does not fit into a line");
-    refused(u"garae.csv"_s, heading + "0001,\"A|B\",,,,,,0,,,,,,A,A,\n", "line 2 does not fit");
     refused(u"garae.csv"_s, "GCODE\n0001\n", "GNAME is missing");
     // One that would nearly empty its table has to be meant.
     refused(u"GARAE.RVN"_s, line, "--shrink");

@@ -110,13 +110,11 @@ class ReportsTest : public SyncTest {
                                                        {u"판매·회수 회수 공병"_s, Won(each.bottlesBack)}};
             for (const auto& [name, figure] : figures)
                 EXPECT_EQ(figure, platform::parseWon(strip[name])) << name.toStdString();
-            EXPECT_EQ(each.name, u"이름"_s + each.userId);
             sales += each.sales;
         }
         Won hours = board.untimed;
         for (const office::BoardBar& bar : board.hours) hours += bar.amount;
         EXPECT_EQ(hours, sales);
-        EXPECT_FALSE(sales.isZero());
         EXPECT_EQ(board.hours.first().label + board.hours.last().label, u"0914"_s);
         EXPECT_EQ(board.disagreements.lines.size(),
                   sql(u"SELECT FROM report.disagreements('%1', '%1')"_s.arg(day_)).size());

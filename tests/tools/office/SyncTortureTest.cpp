@@ -98,11 +98,9 @@ class SyncTorture : public SyncTest {
 
     unsigned upTo(unsigned bound) { return unsigned(random_()) % bound; }
 
-    void takeTurn(const Worker& worker) { platform::device::setFolder(worker.folder); }
-
     /// A finger's steps, wherever they lead.
     void work(const Worker& worker, int taps) {
-        takeTurn(worker);
+        platform::device::setFolder(worker.folder);
         while (taps > 0) {
             const auto tap = days::Tap(upTo(unsigned(days::Tap::Count)));
             // The storage's faults are tried where they strike.
@@ -120,7 +118,7 @@ class SyncTorture : public SyncTest {
     }
     /// No payment is open any more, and nothing on the way to the card.
     void settle(const Worker& worker) {
-        takeTurn(worker);
+        platform::device::setFolder(worker.folder);
         leave(worker);
         for (int i = 0; i < 500 && books::hasUnsettledPayments(); ++i)
             worker.terminal->tap({days::Tap::Login, upTo(9973), 0});
