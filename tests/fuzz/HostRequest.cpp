@@ -48,7 +48,6 @@ struct Host {
                               platform::SqliteFile::Mode::Existing};
 };
 
-/// The host's answer, checked. What it has charged is `charged` in won.
 SecureBytes answer(Host& host, const OpenedRequest& request, qint64* charged) {
     const qint64 before = host.money();
     const SecureBytes bytes = host.ledger.answer(request);

@@ -17,7 +17,6 @@ namespace test {
 
 inline const QString kDay = u"2024-03-29"_s;
 
-/// A device folder of the test's own, empty at first.
 class AdminTest : public ::testing::Test {
   protected:
     AdminTest() : before_(platform::device::folder()) { platform::device::setFolder(folder_.path()); }
@@ -36,7 +35,6 @@ class AdminTest : public ::testing::Test {
         return runHere(admin::run,
                        QStringList(u"rovanactl"_s) + arguments + QStringList{u"--device"_s, folder()}, input);
     }
-    /// What a run that went well has said.
     std::string ran(const QStringList& arguments, const QString& input = {}) {
         const Ended ended = run(arguments, input);
         EXPECT_EQ(ended.exitCode, admin::kSuccess) << ended.err;
@@ -97,7 +95,6 @@ class AdminTest : public ::testing::Test {
         EXPECT_TRUE(QFile::exists(path)) << path.toStdString();
         EXPECT_FALSE(QFile::permissions(path) & (QFile::ReadGroup | QFile::ReadOther)) << path.toStdString();
     }
-    /// The files of a folder, hidden ones too.
     static QStringList filesOf(const QString& folder, const QString& name = u"*"_s) {
         return QDir(folder).entryList({name}, QDir::Files | QDir::Hidden, QDir::Name);
     }

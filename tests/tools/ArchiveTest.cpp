@@ -42,7 +42,6 @@ class ArchiveTest : public AdminTest {
         return run(QStringList{u"archive"_s, file(), u"--before"_s, kDay} + more);
     }
 
-    /// The visits that a table holds.
     QString visits(const QString& table) {
         return rows(u"SELECT DISTINCT substr(DDate, 9), JunNo FROM %1 ORDER BY 1, 2"_s.arg(table)).join(u' ');
     }
@@ -61,7 +60,6 @@ class ArchiveTest : public AdminTest {
         platform::adoce::DatabaseFile::forgetAll();
         return all.toStdString();
     }
-    /// All that can be read of an old day.
     std::string readings(const QStringList& more = {}) {
         std::string all;
         for (const QString& day : {u"2024-03-27"_s, u"2024-03-28"_s}) {

@@ -117,7 +117,6 @@ TEST_F(BackupTest, RestoringForgetsNoPayment) {
 
 class UpgradeTest : public AdminTest {
   protected:
-    /// The device with the database that the first build made.
     void SetUp() override {
         QFile::remove(database());
         makeDevice();
@@ -138,7 +137,6 @@ class UpgradeTest : public AdminTest {
 };
 
 TEST_F(UpgradeTest, BringsTheFirstBuildsDatabaseUpOnceAndChangesNoRow) {
-    // The day's close came without its last column.
     execute(
         uR"(CREATE TABLE DAYCLOSE (DDate TEXT, UserID TEXT, ClosedAt TEXT, CountedCash TEXT, ExpectedCash TEXT,
             Cash TEXT, Card TEXT, Approvals TEXT, Unpaid TEXT, EarlierPaid TEXT, Recovery TEXT, Boxes TEXT,

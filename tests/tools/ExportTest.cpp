@@ -10,7 +10,6 @@ class ExportTest : public AdminTest {
         return ran({u"export"_s, u"--date"_s, date, u"--out"_s, path(u"office/day"_s)});
     }
     QByteArray exported(const QString& name) const { return readFile(path(u"office/day/"_s + name)); }
-    /// The files with their contents, in order of name.
     QByteArray exported() const {
         QByteArray all;
         for (const QString& name : filesOf(path(u"office/day"_s)))

@@ -57,7 +57,6 @@ TEST_F(DayClosing, CrossFootsAndKeepsItsStrip) {
     EXPECT_EQ(cell(strip, u"판매 상자"_s), u"판매·회수 5"_s);
     EXPECT_EQ(cell(strip, u"미배송 주문"_s), u"판매·회수 1"_s);
     EXPECT_EQ(cell(strip, u"부족"_s), u"현금 100"_s);
-    // Whatever becomes of the day, the paper stays.
     const QString paper = document(strip).text();
     device.execute(u"UPDATE MTMOK SET WonMoney = '5'; UPDATE PDAUSER SET userNAME = '다른'"_s);
     const auto closes = closesOfDay(kDay, u"A");

@@ -68,16 +68,21 @@ TEST_F(MasterTest, TheyComeWholeAndOnce) {
     EXPECT_THAT(synced(terminal), HasSubstr("fetched GARAEMAJIN.RVN, PUMMOK.RVN"));
     logIn(terminal);
     EXPECT_EQ(on(terminal, u"SELECT JGubun FROM PUMMOK"_s), QStringList(u"02"_s));
-    // A customer who moves to its salesman comes with his prices; a salesman goes and comes with all of his.
-    const QStringList all{u"0001 A 5000"_s, u"0002 B 0"_s, u"0003 B 9"_s};
-    loadCustomers(all);
-    EXPECT_THAT(synced(terminal), HasSubstr("fetched GARAE.RVN, GARAEMAJIN.RVN"));
-    EXPECT_EQ(waiting(terminal, u"GARAEMAJIN.RVN"_s), u"0001|01|5|\r\n0003|01|8|\r\n"_s);
-    for (const auto& [users, theirs] : {std::pair{u"B"_s, all.mid(1)}, {u"A,B"_s, all}}) {
+    // A customer who moves to its salesman comes with his prices, and goes with them to another's.
+    const QStringList ours{u"0001 A 5000"_s, u"0002 B 0"_s};
+    for (const QString& salesman : {u"B"_s, u"C"_s}) {
+        loadCustomers(ours + QStringList(u"0003 %1 9"_s.arg(salesman)));
+        EXPECT_THAT(synced(terminal), HasSubstr("fetched GARAE.RVN, GARAEMAJIN.RVN"));
+        for (const QString& name : {u"GARAE.RVN"_s, u"GARAEMAJIN.RVN"_s})
+            EXPECT_EQ(waiting(terminal, name).contains(u"0003"), salesman == u"B");
         logIn(terminal);
+    }
+    // A salesman goes and comes with his customers.
+    for (const auto& [users, theirs] : {std::pair{u"B"_s, ours.mid(1)}, {u"A,B"_s, ours}}) {
         enrolFolder(terminal.folder(), u"1"_s, {users});
         synced(terminal);
         EXPECT_EQ(waiting(terminal), customers(theirs));
+        logIn(terminal);
     }
 }
 

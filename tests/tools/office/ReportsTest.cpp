@@ -78,7 +78,6 @@ class ReportsTest : public SyncTest {
         EXPECT_EQ(ended.exitCode, 0) << ended.err;
         return QString::fromStdString(ended.out);
     }
-    /// What the terminal itself prints.
     QString totalsOf(const TestDevice& terminal, const QStringList& more) const {
         const Ended ended =
             runProgram(u"rovanactl"_s,

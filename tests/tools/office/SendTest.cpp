@@ -37,7 +37,6 @@ TEST_F(SendTest, ADayIsSentOnceInAllItsKinds) {
     on(terminal, u"UPDATE MTM SET WorkGubun = '발행' WHERE UserID = 'A'"_s);
     EXPECT_EQ(synced(terminal), "sent 1, deleted 0, waiting 0\n");
     EXPECT_EQ(sql(kHistory), QStringList(u"sale|5001|1|f|t"_s));
-    // Many go in several parcels.
     on(terminal,
        uR"(WITH RECURSIVE n (n) AS (SELECT 6001 UNION ALL SELECT n + 1 FROM n WHERE n < 8500)
         INSERT INTO MTM SELECT '%1','매출','0001','%2',n,'미발행','1001','맥주','01','1','0','10','0','0','0','A',
@@ -175,7 +174,6 @@ TEST_F(SendTest, TheMenuTellsWhatWaitsAndASyncGivesWay) {
 
 class RecoveryTest : public SyncTest {
   protected:
-    /// Puts an earlier copy in the place of the terminal's database.
     static void replaceDatabase(const TestDevice& terminal, const QString& copy) {
         const QString database = databaseOf(terminal.folder());
         for (const QString& suffix : {u""_s, u"-wal"_s, u"-shm"_s}) QFile::remove(database + suffix);

@@ -98,7 +98,6 @@ class SyncTorture : public SyncTest {
 
     unsigned upTo(unsigned bound) { return unsigned(random_()) % bound; }
 
-    /// A finger's steps, wherever they lead.
     void work(const Worker& worker, int taps) {
         platform::device::setFolder(worker.folder);
         while (taps > 0) {
@@ -131,7 +130,6 @@ class SyncTorture : public SyncTest {
         return runProgram(u"rovana-sync"_s, {u"--device"_s, worker.folder, u"--clock"_s, clock}, killAfterMs);
     }
 
-    /// One sync, and what befalls it.
     void syncBadly(const Worker& worker) {
         QTimer death;
         bool isDead = false;
