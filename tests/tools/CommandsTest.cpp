@@ -1,4 +1,5 @@
 #include "AdminTest.h"
+#include "support/Pump.h"
 
 namespace test {
 namespace {
@@ -108,6 +109,7 @@ TEST_F(CommandsTest, UserIsAddedAndChanged) {
 }
 
 TEST_F(CommandsTest, TheProgramWorksInAPlainEnvironment) {
+    needApplication();
     const QString device = path(u"장치"_s);
     const auto runPlain = [](const QStringList& arguments) {
         return runProgram(u"/usr/bin/env"_s, QStringList{u"-u"_s, u"LC_ALL"_s, u"-u"_s, u"LC_CTYPE"_s,
