@@ -42,9 +42,9 @@ class HostTest : public ::testing::Test {
     HostTest() { EXPECT_TRUE(writeSavedValues({{u"101"_s, u"4711"_s}})); }
     ~HostTest() override { Component::setTimeOutUnit(std::chrono::seconds(1)); }
 
-    QString pay(QStringView card, QStringView amount = u"11000", int timeOut = 30) {
+    QString pay(QStringView card, QStringView amount = u"11000") {
         EXPECT_EQ(terminal.payment(cardData(card), password(card), amount), kDone);
-        return terminal.run(host.port(), timeOut);
+        return terminal.run(host.port());
     }
     std::string told() {
         return test::told([this](quint16 field) { return terminal.field(field); });
@@ -68,7 +68,6 @@ TEST_F(HostTest, AnApprovedPaymentIsToldChargedAndFoundAgain) {
     const char approved[] = "0000 정상처리 000000000001 JB0000000001 0 11000 16 10984 99989000";
     ASSERT_EQ(pay(u"good"), QString::fromLatin1(kGood));
     EXPECT_EQ(told(), approved);
-    EXPECT_EQ(terminal.call(11), kDone);
     EXPECT_EQ(balance(u"good"), u"99989000");
 
     // The balance inquiry made the host's second exchange; the answer is still about the first.
@@ -118,7 +117,6 @@ TEST_F(HostTest, RefusalsChargeNothingAndTheNextPaymentIsApproved) {
     EXPECT_EQ(balance(u"good"), u"100000000");
 }
 
-// What the terminal reports, whether an answer counts, and whether the host has charged.
 TEST_F(HostTest, EveryFaultIsADefinedEventAndLeavesNothingBehind) {
     Component::setTimeOutUnit(std::chrono::milliseconds(20));
     const struct {
@@ -156,15 +154,6 @@ TEST_F(HostTest, EveryFaultIsADefinedEventAndLeavesNothingBehind) {
     }
 }
 
-TEST_F(HostTest, ALateAnswerDoesNotReachTheNextExchange) {
-    Component::setTimeOutUnit(std::chrono::milliseconds(100));
-    host.start({u"--fault"_s, u"late 0.4@1"_s, u"--fault"_s, u"late 0.6@2"_s});
-    EXPECT_EQ(pay(u"good", u"1000", 1), QString::fromLatin1(kBroken));
-    EXPECT_EQ(pay(u"second", u"2000", 20), QString::fromLatin1(kGood)) << "sent before the first answer came";
-    EXPECT_EQ(terminal.field(1104), u"2000");
-}
-
-/// A request as another terminal program might make it.
 struct Request {
     Request(QStringView kind, QStringView terminalNumber, const QList<QStringView>& parameters = {}) {
         EXPECT_EQ(readHostKey(&hostKey), kDone);
@@ -185,7 +174,6 @@ struct Request {
         return {
             kind, terminalNumber, {u"123", u"", card, u"1234", u"39", u"0", u"0", u"0", u"0", u"0", amount}};
     }
-    /// What became of a payment.
     static Request question(QStringView asked, QStringView terminalNumber = u"99") {
         Request request(u"0600", terminalNumber);
         request.fields.add(kAskedNumberField, asked);

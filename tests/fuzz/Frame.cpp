@@ -1,9 +1,6 @@
 #include "platform/message/Frame.h"
 
-#include <QtEndian>
-
 #include "fuzz/Target.h"
-#include "platform/message/Fields.h"
 
 using namespace platform::message;
 using fuzz::require;
@@ -33,30 +30,15 @@ QList<QByteArray> read(QByteArrayView stream, qsizetype piece, Result* last) {
     return frames;
 }
 
-void readFields(QByteArrayView bytes) {
-    const std::optional<Fields> fields = Fields::parse(platform::SecureBytes(bytes.begin(), bytes.end()));
-    if (!fields) return;
-    FieldWriter writer;
-    for (qsizetype at = 0; at < bytes.size();) {
-        const auto number = qFromBigEndian<quint16>(bytes.data() + at);
-        require(fields->has(number), "every field can be asked for");
-        writer.add(number, fields->text(number));
-        at += 4 + fields->bytes(number)->size();
-    }
-    const QByteArrayView written(writer.bytes().data(), qsizetype(writer.bytes().size()));
-    require(written == bytes, "fields that are read and written are the same bytes");
-}
-
 }  // namespace
 
 FUZZ_TARGET(Frame, input) {
-    const int piece = 1 + fuzz::choose(&input, 64);
+    const int piece = 1 + (input.isEmpty() ? 0 : uchar(input.front()) % 64);
     Result whole{};
     Result inPieces{};
+    input = input.sliced(std::min<qsizetype>(1, input.size()));
     const QList<QByteArray> frames = read(input, kFrameLimit, &whole);
     require(input.startsWith(frames.join()), "a frame that is read encodes to the same bytes");
     require(read(input, piece, &inPieces) == frames && inPieces == whole, "pieces give the same frames");
     require(!describe(whole).isEmpty(), "every result has words");
-    readFields(input);
-    for (const QByteArray& frame : frames) readFields(QByteArrayView(frame).sliced(22));
 }

@@ -1,6 +1,7 @@
 #include "fuzz/Target.h"
 
 #include <QByteArray>
+#include <cstddef>
 #include <stdexcept>
 
 namespace fuzz {
@@ -20,11 +21,10 @@ void require(bool isKept, const char* promise) {
     if (!isKept) throw std::logic_error(promise);
 }
 
-int choose(QByteArrayView* input, int choices) {
-    if (input->isEmpty()) return 0;
-    const int choice = uchar(input->front()) % choices;
-    *input = input->sliced(1);
-    return choice;
-}
-
 }  // namespace fuzz
+
+/// What libFuzzer calls in a program of one target.
+extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, size_t size) {
+    fuzz::targets().front().run(QByteArrayView(data, qsizetype(size)));
+    return 0;
+}

@@ -23,23 +23,9 @@ struct Registered {
 /// Throws std::logic_error with `promise` when it is broken.
 void require(bool isKept, const char* promise);
 
-/// Takes a number from 0 to `choices` - 1 off the input's front; 0 when the input is empty.
-int choose(QByteArrayView* input, int choices);
-
 }  // namespace fuzz
 
-#ifdef ROVANA_LIBFUZZER
-#define FUZZ_TARGET(name, input)                                                    \
-    static void run(QByteArrayView input);                                          \
-    extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, size_t size);  \
-    extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, size_t size) { \
-        run(QByteArrayView(data, qsizetype(size)));                                 \
-        return 0;                                                                   \
-    }                                                                               \
-    static void run(QByteArrayView input)
-#else
 #define FUZZ_TARGET(name, input)                          \
     static void run(QByteArrayView input);                \
     static const fuzz::Registered registered(#name, run); \
     static void run(QByteArrayView input)
-#endif

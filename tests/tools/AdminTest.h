@@ -17,7 +17,6 @@ namespace test {
 
 inline const QString kDay = u"2024-03-29"_s;
 
-/// A device folder of the test's own, empty at first.
 class AdminTest : public ::testing::Test {
   protected:
     AdminTest() : before_(platform::device::folder()) { platform::device::setFolder(folder_.path()); }
@@ -36,11 +35,26 @@ class AdminTest : public ::testing::Test {
         return runHere(admin::run,
                        QStringList(u"rovanactl"_s) + arguments + QStringList{u"--device"_s, folder()}, input);
     }
-    /// What a run that went well has said.
     std::string ran(const QStringList& arguments, const QString& input = {}) {
         const Ended ended = run(arguments, input);
         EXPECT_EQ(ended.exitCode, admin::kSuccess) << ended.err;
         return ended.out;
+    }
+    /// Runs what has to be refused for that reason and leaves all files and rows as they were.
+    void expectRefused(const QStringList& arguments, const char* reason) {
+        const auto state = [this] {
+            platform::adoce::DatabaseFile::forgetAll();
+            QStringList all = filesOf(folder()) + filesOf(path(u"My Documents"_s), u"*.cdb*"_s) +
+                              rows(u"SELECT name, sql FROM sqlite_schema"_s) + rows(u"PRAGMA user_version"_s);
+            for (const QString& table : rows(u"SELECT name FROM sqlite_schema WHERE type = 'table'"_s))
+                all += rows(u"SELECT * FROM "_s + table);
+            return all;
+        };
+        const QStringList before = state();
+        const Ended ended = run(arguments);
+        EXPECT_NE(ended.exitCode, admin::kSuccess) << reason;
+        EXPECT_THAT(ended.err, HasSubstr(reason));
+        EXPECT_EQ(state(), before) << reason;
     }
     /// The connection of a terminal that has read once: its write-ahead log stays open.
     std::unique_ptr<platform::SqliteFile> openTerminal() const {
@@ -81,7 +95,6 @@ class AdminTest : public ::testing::Test {
         EXPECT_TRUE(QFile::exists(path)) << path.toStdString();
         EXPECT_FALSE(QFile::permissions(path) & (QFile::ReadGroup | QFile::ReadOther)) << path.toStdString();
     }
-    /// The files of a folder, hidden ones too.
     static QStringList filesOf(const QString& folder, const QString& name = u"*"_s) {
         return QDir(folder).entryList({name}, QDir::Files | QDir::Hidden, QDir::Name);
     }

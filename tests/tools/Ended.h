@@ -16,7 +16,6 @@ using namespace Qt::Literals::StringLiterals;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-/// What a run of a program left.
 struct Ended {
     int exitCode;
     std::string out;

@@ -6,6 +6,7 @@
 #include "sales/SlipStore.h"
 #include "support/PrintQt.h"
 #include "support/TestDevice.h"
+#include "totals/DailyReports.h"
 
 namespace totals {
 namespace {
@@ -56,7 +57,6 @@ TEST_F(DayClosing, CrossFootsAndKeepsItsStrip) {
     EXPECT_EQ(cell(strip, u"판매 상자"_s), u"판매·회수 5"_s);
     EXPECT_EQ(cell(strip, u"미배송 주문"_s), u"판매·회수 1"_s);
     EXPECT_EQ(cell(strip, u"부족"_s), u"현금 100"_s);
-    // Whatever becomes of the day, the paper stays.
     const QString paper = document(strip).text();
     device.execute(u"UPDATE MTMOK SET WonMoney = '5'; UPDATE PDAUSER SET userNAME = '다른'"_s);
     const auto closes = closesOfDay(kDay, u"A");
@@ -100,16 +100,29 @@ TEST_F(DayClosing, NamesWhatChangedAfterIt) {
     EXPECT_EQ(cell(dayCloseReports(kDay, u"A")->last(), u"삭제 전표"_s), u"판매·회수 1"_s);
 }
 
-TEST_F(DayClosing, NamesAnApprovalThatNoSlipShows) {
+TEST(DailyReports, AreOfOneUserOrEverybodyAndNeverShort) {
+    test::TestDevice device;
     device.execute(
-        uR"(INSERT INTO PAYJOURNAL (DDate, JunNo, UserID, GCode, GName, Number, State, Charged, BANKTRANNO) VALUES
-            ('2026-11-21', '7001', 'A', '0001', '이상회', '1', 'approved', '400', '9'),
-            ('2026-11-21', '5010', 'A', '0009', '아홉', '2', 'approved', '700', '10'))"_s);
-    ASSERT_TRUE(closeDay(kDay, u"A", Won(1100)));
-    const Report strip = dayCloseReports(kDay, u"A")->first();
-    EXPECT_EQ(cell(strip, u"5010 아홉"_s), u"승인이 전표에 없음 700"_s);
-    EXPECT_EQ(cell(strip, u"7001 이상회"_s), QString());
-    EXPECT_EQ(cell(strip, u"차액"_s), u"대조 0"_s);
+        uR"(
+        INSERT INTO GARAE (GCODE, USERID, CJMONEY) VALUES ('A', 'A', '5'), ('B', 'B', '5');
+        INSERT INTO MTM (DDate, UserID, PCode, MMoney, WorkGubun) SELECT '2024-03-29', USERID, '1', '5', '발행' FROM
+            GARAE;
+        INSERT INTO YTM (DDate, UserID, PCode, FBox) SELECT '2024-03-29', USERID, '1', '5' FROM GARAE;
+        INSERT INTO MTMOK (DDate, UserID, GCode, CardMoney, BANKTRANNO) SELECT '2024-03-29', USERID, '1', '5', '9' FROM
+            GARAE)"_s);
+    const auto sumOf = [](const DailyReport& daily, QStringView user) {
+        Won sum;
+        for (const Sum& each : sums(daily.make(u"2024-03-29", user).value_or(Report()))) sum += each.value;
+        return sum.value();
+    };
+    for (const DailyReport& daily : dailyReports()) {
+        SCOPED_TRACE(daily.name.toUtf8().toStdString());
+        EXPECT_EQ(sumOf(daily, u"A"), 5);
+        EXPECT_EQ(sumOf(daily, u""), 10);
+        EXPECT_EQ(sumOf(daily, u"C"), 0);
+    }
+    device.execute(u"DROP TABLE MTM; DROP TABLE YTM; DROP TABLE MTMOK; DROP TABLE GARAE"_s);
+    for (const DailyReport& daily : dailyReports()) EXPECT_FALSE(daily.make(u"2024-03-29", u"A"));
 }
 
 }  // namespace

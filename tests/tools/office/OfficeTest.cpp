@@ -1,5 +1,8 @@
 #include "tools/office/OfficeTest.h"
 
+#include <QCoreApplication>
+#include <cstdio>
+
 #include "rovana-office/Database.h"
 
 namespace test {
@@ -39,3 +42,11 @@ QString OfficeTest::writeFile(const QString& name, const QByteArray& content) {
 }
 
 }  // namespace test
+
+int main(int argc, char* argv[]) {
+    const QCoreApplication application(argc, argv);
+    ::testing::InitGoogleTest(&argc, argv);
+    if (office::Cluster::isThere()) return RUN_ALL_TESTS();
+    std::puts("skipped: there are no PostgreSQL server programs here (Debian's package postgresql)");
+    return 0;
+}

@@ -14,7 +14,6 @@ namespace test {
 
 using office::Cluster;
 
-/// An office of the test's own, with its tables and nothing in them.
 class OfficeTest : public ::testing::Test {
   protected:
     OfficeTest();
@@ -23,7 +22,6 @@ class OfficeTest : public ::testing::Test {
     QString connection() const { return cluster().administrator(database_); }
     const QString& database() const { return database_; }
 
-    /// Runs rovana-office on it.
     Ended run(const QStringList& arguments) const { return runOn(connection(), arguments); }
     static Ended runOn(const QString& connection, const QStringList& arguments);
 

@@ -21,16 +21,11 @@ TEST_F(SchemaTest, IsBroughtUpOnceAndRefusesANewerOne) {
     sql(u"INSERT INTO office.migration (number, name, program_version) VALUES (900, 'later', '9')"_s);
     for (const QString& command : {u"init"_s, u"upgrade"_s})
         EXPECT_THAT(run({command}).err, HasSubstr("newer program (schema 900"));
-}
-
-TEST_F(SchemaTest, AMigrationThatFailsLeavesNothing) {
-    const QString name = cluster().administrator(cluster().createDatabase());
-    pqxx::connection connected(name.toStdString());
-    pqxx::nontransaction work(connected);
-    work.exec("CREATE SCHEMA office; CREATE FUNCTION office.won(text) RETURNS int LANGUAGE sql RETURN 1");
-    EXPECT_EQ(runOn(name, {u"upgrade"_s}).exitCode, 1);
-    EXPECT_THAT(runOn(name, {u"init"_s}).err, HasSubstr("001-tables.sql"));
-    EXPECT_TRUE(work.exec("SELECT to_regclass('office.migration')")[0][0].is_null());
+    // One that fails leaves nothing.
+    sql(u"DROP SCHEMA office CASCADE; CREATE SCHEMA office; "
+        "CREATE FUNCTION office.won(text) RETURNS int LANGUAGE sql RETURN 1"_s);
+    EXPECT_THAT(run({u"init"_s}).err, HasSubstr("001-tables.sql"));
+    EXPECT_EQ(sql(u"SELECT to_regclass('office.migration') IS NULL"_s), QStringList(u"t"_s));
 }
 
 TEST_F(SchemaTest, AReaderSeesEveryViewAndNothingElse) {

@@ -1,7 +1,6 @@
 #include <QFile>
 
 #include "books/OfficeState.h"
-#include "tools/office/LineCutter.h"
 #include "tools/office/SyncTest.h"
 
 namespace test {
@@ -9,11 +8,8 @@ namespace {
 
 class SendTest : public SyncTest {
   protected:
-    QStringList history() const {
-        return sql(
-            u"SELECT kind, number, revision, is_deleted, after_close FROM office.history "
-            "ORDER BY kind, number, revision"_s);
-    }
+    const QString kHistory =
+        u"SELECT kind, number, revision, is_deleted, after_close FROM office.history ORDER BY 1, 2"_s;
 };
 
 TEST_F(SendTest, ADayIsSentOnceInAllItsKinds) {
@@ -38,26 +34,23 @@ TEST_F(SendTest, ADayIsSentOnceInAllItsKinds) {
     EXPECT_EQ(sql(u"SELECT userid, username, vatmode FROM office.salesman"_s), QStringList(u"A|김|2"_s));
 
     EXPECT_EQ(synced(terminal), kNothing);
-    EXPECT_TRUE(history().isEmpty());
     on(terminal, u"UPDATE MTM SET WorkGubun = '발행' WHERE UserID = 'A'"_s);
     EXPECT_EQ(synced(terminal), "sent 1, deleted 0, waiting 0\n");
-    EXPECT_EQ(history(), QStringList(u"sale|5001|1|f|t"_s));
-    expectSameRows(terminal.folder());
-}
-
-TEST_F(SendTest, ALargeDayGoesInSeveralParcels) {
-    const TestDevice& terminal = enrol();
+    EXPECT_EQ(sql(kHistory), QStringList(u"sale|5001|1|f|t"_s));
     on(terminal,
-       uR"(WITH RECURSIVE n (n) AS (SELECT 5001 UNION ALL SELECT n + 1 FROM n WHERE n < 7500)
+       uR"(WITH RECURSIVE n (n) AS (SELECT 6001 UNION ALL SELECT n + 1 FROM n WHERE n < 8500)
         INSERT INTO MTM SELECT '%1','매출','0001','%2',n,'미발행','1001','맥주','01','1','0','10','0','0','0','A',
             '10:00' FROM n)"_s.arg(day_, QString(100, u'가')));
     EXPECT_EQ(synced(terminal), "sent 2500, deleted 0, waiting 0\n");
-    EXPECT_EQ(sql(u"SELECT count(*), sum(office.won(mmoney)) FROM office.mtm"_s),
-              QStringList(u"2500|25000"_s));
+    expectSameRows(terminal.folder());
 }
 
 TEST_F(SendTest, WhatGoesWithATraceIsDeletedAndWithoutOneKept) {
     const TestDevice& terminal = enrol();
+    const QString ofOldDay = u" SET DDate = '%1' WHERE JunNo < '5000'"_s.arg(
+        QDate::currentDate().addDays(-70).toString(Qt::ISODate));
+    for (const QString& number : {u"4001"_s, u"4002"_s}) sell(terminal, number, u"0001"_s, 1000);
+    on(terminal, u"UPDATE MTM"_s + ofOldDay);
     for (const QString& number : {u"5001"_s, u"5002"_s, u"5003"_s}) {
         sell(terminal, number, u"0001"_s, 1000);
         collect(terminal, number, u"0001"_s, 1000);
@@ -69,7 +62,8 @@ TEST_F(SendTest, WhatGoesWithATraceIsDeletedAndWithoutOneKept) {
     on(terminal,
        u"DELETE FROM MTM WHERE JunNo <> '5003'; DELETE FROM MTMOK WHERE JunNo <> '5003'; "
        "DELETE FROM PRINTLOG"_s);
-    noteDeletion(terminal, u"거래명세서"_s, u"5001"_s);
+    for (const QString& number : {u"4001"_s, u"5001"_s}) noteDeletion(terminal, u"거래명세서"_s, number);
+    on(terminal, u"UPDATE DELETED"_s + ofOldDay);
     // Traces of another paper, and of another customer.
     noteDeletion(terminal, u"용공인수증"_s, u"5004"_s);
     noteDeletion(terminal, u"거래명세서"_s, u"5005"_s, u"0002"_s);
@@ -79,13 +73,19 @@ TEST_F(SendTest, WhatGoesWithATraceIsDeletedAndWithoutOneKept) {
     EXPECT_EQ(documents(), QStringList({u"collection 5001 A deleted 1"_s, u"collection 5002 A missing 1"_s,
                                         u"collection 5003 A present 1"_s, u"deletion 5001 A present 1"_s,
                                         u"deletion 5004 A present 1"_s, u"deletion 5005 A present 1"_s,
-                                        u"prints 5003 A deleted 1"_s, u"sale 5001 A deleted 1"_s,
+                                        u"prints 5003 A deleted 1"_s, u"sale 4001 A present 1"_s,
+                                        u"sale 4002 A present 1"_s, u"sale 5001 A deleted 1"_s,
                                         u"sale 5002 A missing 1"_s, u"sale 5003 A present 1"_s,
                                         u"sale 5004 A missing 1"_s, u"sale 5005 A missing 1"_s}));
     EXPECT_EQ(
         sql(u"SELECT (SELECT sum(office.won(mmoney)) FROM office.mtm), sum(amount) FROM office.movement"_s),
-        QStringList(u"2010|2000"_s));
+        QStringList(u"4010|2000"_s));
     EXPECT_EQ(synced(terminal), kNothing);
+    // Old days are looked at once a day, and lose what was deleted only.
+    QFile::remove(terminal.folder() + u"/office/swept"_s);
+    EXPECT_EQ(synced(terminal), "sent 1, deleted 1, waiting 0\n");
+    EXPECT_TRUE(documents().contains(u"sale 4001 A deleted 1"_s) &&
+                documents().contains(u"sale 4002 A present 1"_s));
     // The same slip once more is another revision of it.
     sell(terminal, u"5001"_s, u"0001"_s, 1000);
     synced(terminal);
@@ -95,21 +95,6 @@ TEST_F(SendTest, WhatGoesWithATraceIsDeletedAndWithoutOneKept) {
     on(terminal, u"DELETE FROM MTM WHERE JunNo = '5001'"_s);
     synced(terminal);
     EXPECT_TRUE(documents().contains(u"sale 5001 A missing 2"_s));
-}
-
-TEST_F(SendTest, AnOldDayLosesWhatWasDeletedOnly) {
-    const TestDevice& terminal = enrol();
-    day_ = QDate::currentDate().addDays(-70).toString(Qt::ISODate);
-    for (const QString& number : {u"5001"_s, u"5002"_s}) sell(terminal, number, u"0001"_s, 1000);
-    synced(terminal);
-    on(terminal, u"DELETE FROM MTM"_s);
-    noteDeletion(terminal, u"거래명세서"_s, u"5001"_s);
-    // Looked at once a day.
-    EXPECT_EQ(synced(terminal), kNothing);
-    QFile::remove(terminal.folder() + u"/office/swept"_s);
-    EXPECT_EQ(synced(terminal), "sent 1, deleted 1, waiting 0\n");
-    EXPECT_EQ(documents(), QStringList({u"deletion 5001 A present 1"_s, u"sale 5001 A deleted 1"_s,
-                                        u"sale 5002 A present 1"_s}));
 }
 
 TEST_F(SendTest, ANumberThatIsGivenAgainTakesNothingAway) {
@@ -130,7 +115,7 @@ TEST_F(SendTest, ANumberThatIsGivenAgainTakesNothingAway) {
     EXPECT_EQ(documents(), QStringList({u"collection 4001 A present 1"_s, u"collection 5001 A present 2"_s,
                                         u"deletion 5001 A present 1"_s, u"sale 5001 A present 2"_s,
                                         u"sale 5002 A present 2"_s, u"sale 5002~1 A missing 1"_s}));
-    EXPECT_EQ(history(), QStringList({u"collection|5001|1|t|f"_s, u"sale|5001|1|t|f"_s}));
+    EXPECT_EQ(sql(kHistory), QStringList({u"collection|5001|1|t|f"_s, u"sale|5001|1|t|f"_s}));
     EXPECT_EQ(sql(u"SELECT sum(office.won(mmoney)) FROM office.mtm"_s), QStringList(u"324"_s));
     EXPECT_EQ(
         sql(u"SELECT gcode, sum(amount) FROM office.movement GROUP BY 1 HAVING sum(amount) <> 0 ORDER BY 1"_s),
@@ -156,28 +141,10 @@ TEST_F(SendTest, ASlipOnTheWayToTheCardIsNotSent) {
     expectSameRows(terminal.folder());
 }
 
-TEST_F(SendTest, TheLineIsLostAtAnyByte) {
-    LineCutter cutter(cluster().port());
-    const TestDevice& terminal = enrol();
-    enrolFolder(terminal.folder(), u"1"_s, {u"A"_s}, {u"--port"_s, cutter.port()});
-    for (int i = 0; i < 40; ++i) {
-        const QString number = QString::number(5001 + i);
-        sell(terminal, number, u"0001"_s, 1000);
-        collect(terminal, number, u"0001"_s, 1000);
-        // The answer's end is lost as well as the request's.
-        cutter.cutAfter(500 + 230 * i);
-        EXPECT_NE(sync(terminal).exitCode, -1);
-    }
-    cutter.cutAfter(-1);
-    synced(terminal);
-    expectSameRows(terminal.folder());
-    EXPECT_EQ(sql(u"SELECT count(*), max(revision) FROM office.document"_s), QStringList(u"80|1"_s));
-    EXPECT_EQ(sql(u"SELECT sum(amount) FROM office.movement"_s), QStringList(u"40000"_s));
-}
-
-TEST_F(SendTest, GivesWayToTheTerminalAndToAnotherSync) {
+TEST_F(SendTest, TheMenuTellsWhatWaitsAndASyncGivesWay) {
     const TestDevice& terminal = enrol();
     sell(terminal, u"5001"_s, u"0001"_s, 500);
+    collect(terminal, u"5001"_s, u"0001"_s, 500);
     const QString database = databaseOf(terminal.folder());
     {
         platform::SqliteFile restoring(database, platform::SqliteFile::Mode::Existing);
@@ -186,31 +153,139 @@ TEST_F(SendTest, GivesWayToTheTerminalAndToAnotherSync) {
         EXPECT_EQ(ended.exitCode, 1);
         EXPECT_THAT(ended.err, HasSubstr("locked"));
     }
+    EXPECT_EQ(books::officeLine(day_), u"사무실 - · 대기 1"_s);
     {
         platform::SqliteFile saving(database, platform::SqliteFile::Mode::Existing);
         saving.execute(u"PRAGMA journal_mode=WAL"_s);
         ASSERT_TRUE(saving.execute(u"BEGIN IMMEDIATE; UPDATE MTM SET MMoney = '1'"_s));
-        EXPECT_EQ(synced(terminal), "sent 1, deleted 0, waiting 0\n");
+        EXPECT_EQ(synced(terminal), "sent 2, deleted 0, waiting 0\n");
         EXPECT_EQ(sql(u"SELECT mmoney FROM office.mtm"_s), QStringList(u"500"_s));
     }
-    const platform::FolderLock lock(terminal.folder() + u"/office"_s);
-    EXPECT_THAT(sync(terminal).err, HasSubstr("another rovana-sync"));
-}
-
-TEST_F(SendTest, TheMenuTellsWhatWaits) {
-    const TestDevice& terminal = enrol();
-    EXPECT_EQ(books::officeLine(day_), u"사무실 -"_s);
-    sell(terminal, u"5001"_s, u"0001"_s, 500);
-    collect(terminal, u"5001"_s, u"0001"_s, 500);
-    EXPECT_EQ(books::officeLine(day_), u"사무실 - · 대기 1"_s);
-    synced(terminal);
-    const QString now = books::readOfficeState().syncedAt.toString(u"HH:mm"_s);
-    EXPECT_EQ(books::officeLine(day_), u"사무실 "_s + now);
+    const QString line = u"사무실 "_s + books::readOfficeState().syncedAt.toString(u"HH:mm"_s);
+    EXPECT_EQ(books::officeLine(day_), line);
     sell(terminal, u"5002"_s, u"0001"_s, 500);
     on(terminal, u"UPDATE MTMOK SET InMoney = '1'"_s);
-    EXPECT_EQ(books::officeLine(day_), u"사무실 %1 · 대기 2"_s.arg(now));
+    EXPECT_EQ(books::officeLine(day_), line + u" · 대기 2"_s);
+    const platform::FolderLock lock(terminal.folder() + u"/office"_s);
+    EXPECT_THAT(sync(terminal).err, HasSubstr("another rovana-sync"));
     QFile::remove(accessOf(terminal.folder()));
     EXPECT_EQ(books::officeLine(day_), QString());
+}
+
+class RecoveryTest : public SyncTest {
+  protected:
+    static void replaceDatabase(const TestDevice& terminal, const QString& copy) {
+        const QString database = databaseOf(terminal.folder());
+        for (const QString& suffix : {u""_s, u"-wal"_s, u"-shm"_s}) QFile::remove(database + suffix);
+        ASSERT_TRUE(QFile::copy(copy, database));
+    }
+    QString copyOf(const TestDevice& terminal, const QString& name) {
+        on(terminal, u"PRAGMA wal_checkpoint(TRUNCATE)"_s);
+        EXPECT_TRUE(QFile::copy(databaseOf(terminal.folder()), path(name)));
+        return path(name);
+    }
+    static QString balance(const TestDevice& terminal) {
+        return on(terminal, u"SELECT CJMONEY FROM GARAE WHERE GCODE = '0001'"_s).value(0);
+    }
+
+    /// A visit with all that belongs to it, on the books with what it makes of the balance.
+    void visit(const TestDevice& terminal, const QString& number, int won) {
+        sell(terminal, number, u"0001"_s, won);
+        sell(terminal, number, u"0001"_s, 1);
+        collect(terminal, number, u"0001"_s, won + 1, 1);
+        on(terminal,
+           uR"(
+            INSERT INTO YTM VALUES ('%1','0001','상회','%2','1001','맥주','1','2','3','0','0','0','500','A');
+            INSERT INTO PRINTLOG VALUES ('%1','%2','A','거래명세서','공급자용','x');
+            INSERT INTO PAYJOURNAL (Number,State,DDate,JunNo,UserID) VALUES ('m%2','unknown','%1','%2','A');
+            INSERT INTO DAYCLOSE (DDate,UserID,ClosedAt) VALUES ('%1','A','%2');
+            UPDATE GARAE SET CJMONEY = CJMONEY + %3)"_s.arg(day_, number)
+               .arg(won));
+    }
+};
+
+TEST_F(RecoveryTest, ARestoredBackupGetsItsDaysBackAndKeepsWhatIsNewer) {
+    const TestDevice& terminal = enrol();
+    on(terminal, u"INSERT INTO GARAE (GCODE, CJMONEY) VALUES ('0001', '100000')"_s);
+    visit(terminal, u"5001"_s, 1000);
+    const QString backup = copyOf(terminal, u"backup"_s);
+    visit(terminal, u"5002"_s, 2000);
+    visit(terminal, u"5003"_s, 4000);
+    on(terminal, u"DELETE FROM MTM WHERE JunNo = '5003'"_s);
+    noteDeletion(terminal, u"거래명세서"_s, u"5003"_s);
+    synced(terminal);
+    sql(u"UPDATE office.printlog SET copy = 'x' WHERE junno = '5003'"_s);
+
+    replaceDatabase(terminal, backup);
+    // What is written after it, under one of the lost numbers.
+    sell(terminal, u"5002"_s, u"0009"_s, 77);
+    on(terminal, u"UPDATE MTM SET MMoney = '1500' WHERE JunNo = '5001' AND MMoney = '1000'"_s);
+    {
+        const platform::FolderLock running(terminal.folder());
+        EXPECT_THAT(sync(terminal, {u"--recover"_s}).err, HasSubstr("close the terminal"));
+    }
+    const Ended ended = sync(terminal, {u"--recover"_s});
+    EXPECT_EQ(ended.exitCode, 0) << ended.err;
+    EXPECT_THAT(ended.err, HasSubstr("sale 5002~1 of user A: its number was given"));
+    EXPECT_THAT(ended.err, HasSubstr("prints 5003 of user A: the office's copy is damaged"));
+    EXPECT_EQ(balance(terminal), u"107000"_s);
+    EXPECT_EQ(on(terminal, u"SELECT JunNo, MMoney FROM MTM ORDER BY JunNo, rowid"_s),
+              QStringList({u"5001|1500"_s, u"5001|1"_s, u"5002|77"_s}));
+    EXPECT_EQ(on(terminal,
+                 u"SELECT (SELECT COUNT(*) FROM MTMOK), (SELECT COUNT(*) FROM PAYJOURNAL), "
+                 "(SELECT COUNT(*) FROM DELETED), (SELECT COUNT(*) FROM PRINTLOG)"_s),
+              QStringList(u"3|3|1|1"_s));
+    EXPECT_EQ(sql(u"SELECT count(*) FROM office.document WHERE state = 'missing'"_s), QStringList(u"1"_s));
+
+    EXPECT_THAT(synced(terminal, {u"--recover"_s}), HasSubstr("gave back 0 documents"));
+    EXPECT_EQ(balance(terminal), u"107000"_s);
+}
+
+TEST_F(RecoveryTest, ANewDiskGetsEverythingButWhatWasDeleted) {
+    const TestDevice& terminal = enrol();
+    const QString empty = copyOf(terminal, u"empty"_s);
+    visit(terminal, u"5001"_s, 1000);
+    visit(terminal, u"5002"_s, 2000);
+    // A day from before those that each sync compares.
+    on(terminal,
+       uR"(INSERT INTO MTM SELECT * FROM MTM WHERE JunNo = '5001';
+        UPDATE MTM SET DDate = '%1' WHERE rowid > (SELECT MAX(rowid) - 2 FROM MTM);
+        DELETE FROM MTMOK WHERE JunNo = '5002')"_s.arg(
+           QDate::currentDate().addDays(-70).toString(Qt::ISODate)));
+    noteDeletion(terminal, u"입금표"_s, u"5002"_s);
+    synced(terminal);
+    synced(terminal);
+    replaceDatabase(terminal, empty);
+    EXPECT_THAT(synced(terminal, {u"--recover"_s}), HasSubstr("gave back"));
+    expectSameRows(terminal.folder());
+    EXPECT_EQ(on(terminal, u"SELECT COUNT(*) FROM MTM"_s), QStringList(u"6"_s));
+    EXPECT_EQ(sql(u"SELECT kind, ddate, number FROM office.document WHERE state <> 'present'"_s),
+              QStringList());
+    EXPECT_EQ(synced(terminal), kNothing);
+}
+
+TEST_F(RecoveryTest, WhatGoesBackIsNamedAndAnArchiveIsNotGivenBack) {
+    const TestDevice& terminal = enrol();
+    sell(terminal, u"5001"_s, u"0001"_s, 1000);
+    sell(terminal, u"5002"_s, u"0001"_s, 1000);
+    synced(terminal);
+    const QString backup = copyOf(terminal, u"backup"_s);
+    on(terminal, u"UPDATE MTM SET MMoney = '2000' WHERE JunNo = '5001'"_s);
+    synced(terminal);
+    EXPECT_EQ(sql(u"SELECT * FROM report.went_back"_s), QStringList());
+    replaceDatabase(terminal, backup);
+    synced(terminal);
+    EXPECT_EQ(sql(u"SELECT terminal, day, kind, number, userid, revision, earlier FROM report.went_back"_s),
+              QStringList(u"1|%1|sale|5001|A|3|1"_s.arg(day_)));
+    EXPECT_THAT(run({u"status"_s}).out, HasSubstr("sale  5001"));
+    // What has left for an archive stays there.
+    on(terminal,
+       u"DELETE FROM MTM; INSERT INTO CONTAINERCARRY "
+       "VALUES ('0001','1001','맥주','1','0','0','0','0','%1')"_s.arg(
+           QDate::currentDate().addDays(1).toString(Qt::ISODate)));
+    synced(terminal, {u"--recover"_s});
+    EXPECT_EQ(documents(), QStringList({u"sale 5001 A present 3"_s, u"sale 5002 A present 1"_s}));
+    EXPECT_EQ(on(terminal, u"SELECT COUNT(*) FROM MTM"_s), QStringList(u"0"_s));
 }
 
 }  // namespace

@@ -31,7 +31,6 @@ class SyncTest : public OfficeTest {
         EXPECT_EQ(ended.exitCode, 0) << ended.err;
         return *terminals_.back();
     }
-    /// Lets a device folder in.
     Ended enrolFolder(const QString& folder, const QString& number, const QStringList& users,
                       const QStringList& more = {}) const {
         return run(QStringList{u"enrol"_s, number, u"--users"_s, users.join(u','), u"--host"_s,
@@ -48,7 +47,6 @@ class SyncTest : public OfficeTest {
     static Ended sync(const TestDevice& terminal, const QStringList& arguments = {}) {
         return runProgram(u"rovana-sync"_s, QStringList{u"--device"_s, terminal.folder()} + arguments);
     }
-    /// What a sync that went well has said.
     static std::string synced(const TestDevice& terminal, const QStringList& arguments = {}) {
         const Ended ended = sync(terminal, arguments);
         EXPECT_EQ(ended.exitCode, 0) << ended.err;
