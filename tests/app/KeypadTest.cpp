@@ -60,17 +60,4 @@ TEST(Keypad, ShowsAndReturnsWhatIsKeyed) {
     }
 }
 
-TEST(Keypad, NegatesWhatIsNotZero) {
-    for (const auto& [mode, keys, can] : {std::tuple{app::kOneNumber, u"", false},
-                                          {app::kOneNumber, u"0", false},
-                                          {app::kOneNumber, u"5-", true},
-                                          {app::kTextField, u"", true}}) {
-        KeypadRequest request;
-        request.KeypadMode = mode;
-        Keypad keypad(request);
-        press(&keypad, keys);
-        EXPECT_EQ(keypad.canNegate(), can) << mode << QStringView(keys).toUtf8().constData();
-    }
-}
-
 }  // namespace

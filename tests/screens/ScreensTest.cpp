@@ -51,18 +51,6 @@ QStringList unspoken(ui::Screen& screen) {
     return missed;
 }
 
-TEST_F(Screens, BoardsTakeTheirConsonant) {
-    closeWhatOpens(ui::Screen::Cancelled);
-    for (const int board : {138, 143}) {
-        const auto opened = open({board});
-        QKeyEvent key(QEvent::KeyPress, 0, Qt::NoModifier, u"ㄴ"_s);
-        QCoreApplication::sendEvent(opened.get(), &key);
-        EXPECT_EQ(app::session().action.SeekValue, u"ㄴ"_s);
-        static_cast<QAbstractButton*>(opened->control(1049))->click();
-        EXPECT_EQ(app::session().action.SeekValue, u"00"_s) << "names that begin with none of them";
-    }
-}
-
 TEST_F(Screens, AreWholeAndSpokenAndLeft) {
     const auto& reader = platform::termdev::CardReader::instance();
     device.writeFile(u"\\My Documents\\BARCODE.RVN", "1001|8801234567890|\n");
