@@ -5,8 +5,10 @@
 #include <QDir>
 #include <QFile>
 
+#include "app/ClockCheck.h"
 #include "app/DeviceProblem.h"
 #include "app/LoginWait.h"
+#include "app/Session.h"
 #include "platform/Wipe.h"
 #include "support/FullDisk.h"
 #include "support/MemorySearch.h"
@@ -63,11 +65,29 @@ TEST(LoginWait, GrowsToTenSecondsAndOutlivesTheProgram) {
     EXPECT_EQ(app::enterLoginTry(), 1s);
 }
 
+TEST(ClockCheck, DoubtsAClockBeforeTheLastSlip) {
+    test::TestDevice device;
+    device.execute(
+        u"INSERT INTO MTM (DDate, DTime) VALUES ('2026-11-21', '10:30'), ('2026-11-20', '23:00'), "
+        "('2026-11-22', NULL); INSERT INTO MTMOK (DDate, DTime) VALUES ('2026-11-21', '09:00')"_s);
+    EXPECT_EQ(app::newestSlip(), u"2026-11-21 10:30"_s);
+    EXPECT_EQ(app::clockProblem(u"2026-11-21", {{2026, 11, 21}, {10, 30}}, app::newestSlip()), QString());
+}
+
 TEST(DeviceProblem, TellsOfADiskThatTakesNoSlip) {
     const test::TestDevice device;
     EXPECT_EQ(app::deviceProblem(), QString());
     const test::FullDisk full(4096);
     EXPECT_TRUE(app::deviceProblem().contains(u"가득"));
+}
+
+TEST(Session, ResetEmptiesTheActionAndBothWorkingTables) {
+    test::TestDevice device;
+    device.execute(u"INSERT INTO TEMP (PCode) VALUES ('0001'); INSERT INTO YTEMP (PCode) VALUES ('0001')"_s);
+    app::session().action.GCode = u"0012"_s;
+    app::resetSession();
+    EXPECT_EQ(app::session().action.GCode, QString());
+    EXPECT_EQ(device.value(u"SELECT (SELECT COUNT(*) FROM TEMP) + (SELECT COUNT(*) FROM YTEMP)"_s), u"0"_s);
 }
 
 }  // namespace

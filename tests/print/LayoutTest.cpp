@@ -28,8 +28,8 @@ TEST(Layout, BlocksFillThePaper) {
          u"합계                     -1200원\n"_s},
         {added([&] { document.labelAmount(u"열두글자나되는긴라벨임다", wide); }), 0,
          u"열두글자나되는긴라벨임다\n          -9223372036854775808원\n"_s},
-        {added([&] { document.labelText(u"주소", u" 서울시 중구 을지로 12길 34 "); }), 0,
-         u"주소       서울시 중구 을지로\n           12길 34\n"_s},
+        {added([&] { document.labelText(u"주소", u" 서울시 중구 을지로입a 12길 34 "); }), 0,
+         u"주소       서울시 중구 을지로입a\n           12길 34\n"_s},  // a blank after a full line ends it
         {added([&] { document.itemName(u"a참이슬후레쉬오리지널진로이즈백소주", {}); }), 31,
          u"a참이슬후레쉬오리지널진로이즈백\n"_s},
         {added([&] {
