@@ -10,15 +10,13 @@ using namespace Qt::Literals::StringLiterals;
 using app::Keypad;
 using app::KeypadRequest;
 
-/// Presses keys named by one character each: digits, "-", "<" erases field 1, "c" empties the active field.
+/// Presses keys named by one character each: digits, "-", "<" erases field 1.
 void press(Keypad* keypad, QStringView keys) {
     for (const QChar key : keys) {
         if (key == u'-') {
             keypad->minus();
         } else if (key == u'<') {
             keypad->erase(1);
-        } else if (key == u'c') {
-            keypad->clear();
         } else {
             keypad->append(QString(key));
         }
@@ -35,12 +33,10 @@ TEST(Keypad, ShowsAndReturnsWhatIsKeyed) {
         {app::kTextField, u"12--"_s, u"--12"_s, u"--12"_s, 1},
         // Erasing shows a grouped number in the text mode as well.
         {app::kTextField, u"12345<"_s, u"1,234"_s, u"1234"_s, 1},
-        {app::kTextField, u"7c"_s, u""_s, u""_s, 0},
         {app::kOneNumber, u"1234567"_s, u"1,234,567"_s, u"1234567"_s, 1},
         {app::kOneNumber, u"007"_s, u"7"_s, u"007"_s, 1},
         // The sign counts as a character of the grouping.
         {app::kOneNumber, u"123456-"_s, u"-,123,456"_s, u"-123456"_s, 1},
-        {app::kOneNumber, u"12345--"_s, u"12,345"_s, u"12345"_s, 1},
         {app::kOneNumber, u""_s, u""_s, u""_s, 0},
         // Erasing an empty field shows "0", which counts as an entry.
         {app::kOneNumber, u"<"_s, u"0"_s, u""_s, 1},
@@ -57,19 +53,6 @@ TEST(Keypad, ShowsAndReturnsWhatIsKeyed) {
         keypad.accept(&answer);
         EXPECT_EQ(answer.KeypadValue1, c.value);
         EXPECT_EQ(answer.KeypadResult, c.result);
-    }
-}
-
-TEST(Keypad, NegatesWhatIsNotZero) {
-    for (const auto& [mode, keys, can] : {std::tuple{app::kOneNumber, u"", false},
-                                          {app::kOneNumber, u"0", false},
-                                          {app::kOneNumber, u"5-", true},
-                                          {app::kTextField, u"", true}}) {
-        KeypadRequest request;
-        request.KeypadMode = mode;
-        Keypad keypad(request);
-        press(&keypad, keys);
-        EXPECT_EQ(keypad.canNegate(), can) << mode << QStringView(keys).toUtf8().constData();
     }
 }
 

@@ -43,8 +43,6 @@ TEST_F(AdoceTest, SpeaksTheDialectOfTheHandheld) {
         {u"delete temp where PCODE = '3'"_s, true, u"1,2"_s},
         {u" SELECT * FROM TEMP "_s, true, u"1,2,3"_s},
         {u"DELETE TEMP WHERE PCode = '1'; DELETE TEMP"_s, false, u"1,2,3"_s},
-        {u"DELETE NOTABLE"_s, false, u"1,2,3"_s},
-        {{}, false, u"1,2,3"_s},
         {u"DELETE TEMP WHERE PCode = '1"_s, false, u"1,2,3"_s},
         {u"DELETE TEMP WHERE PCode = '0''1' OR '1'='1'"_s, false, u"1,2,3"_s},
     };

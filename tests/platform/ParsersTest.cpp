@@ -1,32 +1,11 @@
 #include <gtest/gtest.h>
 
-#include "platform/Address.h"
 #include "platform/Csv.h"
 
 namespace platform {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
-
-TEST(Address, IsReadWithItsPort) {
-    const std::pair<QStringView, QStringView> cases[] = {{u"10.0.0.9", u"10.0.0.9:0"},
-                                                         {u"10.0.0.9:9", u"10.0.0.9:9"},
-                                                         {u"fd00::2", u"[fd00::2]:0"},
-                                                         {u"[fd00::2]:91", u"[fd00::2]:91"},
-                                                         {u"[fd00::2]", u"[fd00::2]:0"},
-                                                         {u"[fd00::2", u""},
-                                                         {u"[fd00::2]x:91", u""},
-                                                         {u"10.0.0.9:0", u""},
-                                                         {u"10.0.0.9:99999", u""},
-                                                         {u"127.1", u""},
-                                                         {u"0.0.0.0", u""},
-                                                         {u"a.b", u""}};
-    for (const auto& [text, read] : cases) {
-        const auto endpoint = parseEndpoint(text);
-        const QString shown = endpoint ? endpointText(endpoint->address, endpoint->port) : QString();
-        EXPECT_EQ(shown.toStdString(), read.toString().toStdString()) << text.toString().toStdString();
-    }
-}
 
 TEST(Csv, WhatIsWrittenReadsBack) {
     const QStringList fields{u"소주"_s, u"a,b"_s, u"say \"yes\""_s, u"두\n줄"_s, u""_s, u" 1"_s};

@@ -199,16 +199,6 @@ TEST_F(Printers, ASerialLineIsSetUpAndCarriesEveryByte) {
     ::tcgetattr(pty.near(), &mode);
     EXPECT_FALSE(mode.c_cflag & (HUPCL | CRTSCTS | PARENB)) << "it is not hung up at the end of a job";
     EXPECT_EQ(::cfgetospeed(&mode), speed_t(B19200)) << "an adapter may still hold the last bytes";
-    queue.reset();
-    const auto modeWhileSending = [&](platform::SerialMode::Parity parity) {
-        settings.line.parity = parity;
-        PrintQueue stuck(settings, kQuick);
-        EXPECT_TRUE(stuck.add(QByteArray(100'000, 'x')));
-        ::tcgetattr(pty.near(), &mode);
-        return mode.c_iflag & (ICRNL | IXON | IXOFF | IXANY | IGNPAR | INPCK | PARMRK);
-    };
-    EXPECT_EQ(modeWhileSending(platform::SerialMode::Parity::None), tcflag_t(IXON));
-    EXPECT_EQ(modeWhileSending(platform::SerialMode::Parity::Even), tcflag_t(IXON | INPCK | PARMRK));
 }
 
 /// A network printer with little memory, on any free port.

@@ -38,6 +38,9 @@ TEST(Settings, GoodValuesAreTakenAndBadOnesTold) {
 
     const QByteArray bad[] = {"[printer]\nspeed = 9601",        "[printer]\ntype = laser",
                               "[printer]\nport = 70000",        "[printer]\naddress = a.b",
+                              "[printer]\naddress = 0.0.0.0",   "[printer]\naddress = 10.0.0.9:0",
+                              "[printer]\naddress = [fd00::2",  "[printer]\naddress = [fd00::2]x:91",
+                              "[printer]\naddress = 127.1",     "[printer]\naddress = 10.0.0.9:99999",
                               "[printer]\ntype = tcp",          "[reader]\ntype = serial",
                               "[reader]\ntrack3 = 12",          "[screen]\nscale = nan",
                               "[log]\nkilobytes = -1",          "[log]\nsize = 5",

@@ -13,17 +13,11 @@ TEST(WonTest, ReadsLikeTheDecimalConversion) {
                                                           {u"-", 0},
                                                           {u"12500", 12500},
                                                           {u"  \t42", 42},
-                                                          {u"+7", 7},
-                                                          {u"-300", -300},
-                                                          {u"--3", 0},
-                                                          {u"- 3", 0},
                                                           {u"12,500", 12},
                                                           {u"3병", 3},
                                                           {u"９", 0},
                                                           {u"9223372036854775808", INT64_MAX},
-                                                          {u"-9223372036854775809", INT64_MIN},
-                                                          {u"99999999999999999999999999", INT64_MAX},
-                                                          {u"-99999999999999999999999999", INT64_MIN}};
+                                                          {u"-9223372036854775809", INT64_MIN}};
     for (const auto& [text, number] : cases) {
         EXPECT_EQ(parseInteger(text), number) << text.toString().toStdString();
         EXPECT_EQ(parseWon(text), Won(number));

@@ -14,42 +14,6 @@ struct Case {
     QString field;
 };
 
-TEST(Layout, PadsAndWrapsByColumns) {
-    struct LengthCase {
-        QString text;
-        int length;
-        int width;
-        QString field;
-    };
-    const LengthCase left[] = {
-        {u"1200"_s, 4, 8, u"    1200"_s}, {u"소주"_s, 2, 6, u"  소주"_s}, {u"12"_s, 2, 2, u"12"_s},
-        {u"123456"_s, 6, 4, u"123456"_s},  // wider than its column: printed whole
-        {u"12원"_s, 2, 4, u"  12원"_s},    // only the counted characters are measured
-        {u"12"_s, 9, 4, u"  12"_s},        // a length beyond the text is the text's
-        {u""_s, 0, 3, u"   "_s},
-    };
-    for (const LengthCase& entry : left)
-        EXPECT_EQ(print::PadLeft(entry.text, entry.length, entry.width).toStdString(),
-                  entry.field.toStdString());
-    const Case right[] = {
-        {u"참이슬후"_s, 8, u"참이슬후"_s},  // exactly the column
-        {u"참이슬후"_s, 7, u"참이슬"_s},    // the fourth would end in column 8: one column short
-        {u"a참이슬"_s, 4, u"a참"_s},
-        {u"참이슬a"_s, 5, u"참이"_s},  // what follows the dropped one is dropped too
-    };
-    for (const Case& entry : right)
-        EXPECT_EQ(print::PadRight(entry.text, entry.width).toStdString(), entry.field.toStdString());
-    const Case pieces[] = {
-        {u"서울시 중구"_s, 6, u"서울시|중구"_s},
-        {u"가나다라마"_s, 5, u"가나|다라|마"_s},
-        {u"abc  def"_s, 4, u"abc|def"_s},
-        {u"가나"_s, 1, u"가|나"_s},  // a character wider than the column still makes progress
-    };
-    for (const Case& entry : pieces)
-        EXPECT_EQ(print::wrapped(entry.text, entry.width).join(u'|').toStdString(),
-                  entry.field.toStdString());
-}
-
 TEST(Layout, BlocksFillThePaper) {
     print::Document document(u"제목");
     EXPECT_EQ(document.title(), u"      제목\n"_s) << "centred in the 16 columns of the enlarged size";
@@ -64,8 +28,8 @@ TEST(Layout, BlocksFillThePaper) {
          u"합계                     -1200원\n"_s},
         {added([&] { document.labelAmount(u"열두글자나되는긴라벨임다", wide); }), 0,
          u"열두글자나되는긴라벨임다\n          -9223372036854775808원\n"_s},
-        {added([&] { document.labelText(u"주소", u" 서울시 중구 을지로 12길 34 "); }), 0,
-         u"주소       서울시 중구 을지로\n           12길 34\n"_s},
+        {added([&] { document.labelText(u"주소", u" 서울시 중구 을지로입a 12길 34 "); }), 0,
+         u"주소       서울시 중구 을지로입a\n           12길 34\n"_s},  // a blank after a full line ends it
         {added([&] { document.itemName(u"a참이슬후레쉬오리지널진로이즈백소주", {}); }), 31,
          u"a참이슬후레쉬오리지널진로이즈백\n"_s},
         {added([&] {

@@ -10,6 +10,7 @@
 #include "app/UnsavedWork.h"
 #include "books/OpenPayments.h"
 #include "platform/termdev/CardReader.h"
+#include "platform/termdev/LinePrinter.h"
 #include "platform/termdev/TermDev.h"
 #include "sales/PriceOrigin.h"
 #include "totals/DailyReports.h"
@@ -49,18 +50,6 @@ QStringList unspoken(ui::Screen& screen) {
     }
     for (const QWidget* control : std::as_const(wanted)) missed << nameOf(*control) + u" is not reached"_s;
     return missed;
-}
-
-TEST_F(Screens, BoardsTakeTheirConsonant) {
-    closeWhatOpens(ui::Screen::Cancelled);
-    for (const int board : {138, 143}) {
-        const auto opened = open({board});
-        QKeyEvent key(QEvent::KeyPress, 0, Qt::NoModifier, u"ㄴ"_s);
-        QCoreApplication::sendEvent(opened.get(), &key);
-        EXPECT_EQ(app::session().action.SeekValue, u"ㄴ"_s);
-        static_cast<QAbstractButton*>(opened->control(1049))->click();
-        EXPECT_EQ(app::session().action.SeekValue, u"00"_s) << "names that begin with none of them";
-    }
 }
 
 TEST_F(Screens, AreWholeAndSpokenAndLeft) {
@@ -201,21 +190,16 @@ TEST_F(Screens, ImportAsksBeforeATableIsLostAndTellsWhatBecameOfEachFile) {
 }
 
 /// Keeps every job, as one without paper does.
-class EmptyPrinter : public platform::termdev::Printer {
+class EmptyPrinter : public platform::termdev::LinePrinter {
   public:
     explicit EmptyPrinter(int* jobs) : jobs_(*jobs) {}
-    int open() override { return 1; }
-    int close() override { return ++jobs_; }
-    int initialise() override { return 1; }
-    int setSize(int) override { return 1; }
-    int print(QStringView) override { return 1; }
-    int feed(int) override { return 1; }
     platform::termdev::DeviceStatus status() const override {
         using Status = platform::termdev::DeviceStatus;
         return {Status::State::Fault, jobs_, u"out of paper"_s, Status::Cause::NoPaper};
     }
 
   private:
+    bool putOut(const QList<platform::termdev::PaperLine>&) override { return ++jobs_ > 0; }
     int& jobs_;
 };
 

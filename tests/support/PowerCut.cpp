@@ -266,9 +266,7 @@ ssize_t pwrite(int descriptor, const void* bytes, size_t size, off_t at) {
     if (written > 0) tell<&CallRecorder::written>(0, descriptor, bytes, size_t(written), at);
     return written;
 }
-ssize_t pwrite64(int descriptor, const void* bytes, size_t size, off64_t at) {
-    return pwrite(descriptor, bytes, size, at);
-}
+[[gnu::alias("pwrite")]] ssize_t pwrite64(int descriptor, const void* bytes, size_t size, off64_t at);
 
 int fsync(int descriptor) {
     return tell<&CallRecorder::synced>(::syscall(SYS_fsync, descriptor), descriptor);
@@ -280,9 +278,7 @@ int fdatasync(int descriptor) {
 int ftruncate(int descriptor, off_t size) noexcept {
     return tell<&CallRecorder::truncated>(::syscall(SYS_ftruncate, descriptor, size), descriptor, size);
 }
-int ftruncate64(int descriptor, off64_t size) noexcept {
-    return ftruncate(descriptor, size);
-}
+[[gnu::alias("ftruncate")]] int ftruncate64(int descriptor, off64_t size) noexcept;
 
 int open(const char* path, int flags, ...) {
     va_list rest;
@@ -293,13 +289,7 @@ int open(const char* path, int flags, ...) {
     if (descriptor >= 0 && (flags & O_TRUNC) != 0) tell<&CallRecorder::truncated>(0, descriptor, 0);
     return descriptor;
 }
-int open64(const char* path, int flags, ...) {
-    va_list rest;
-    va_start(rest, flags);
-    const auto mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(rest, mode_t) : mode_t(0);
-    va_end(rest);
-    return open(path, flags, mode);
-}
+[[gnu::alias("open")]] int open64(const char* path, int flags, ...);
 
 int renameat2(int fromFolder, const char* from, int toFolder, const char* to, unsigned flags) noexcept {
     return tell<&CallRecorder::renamed>(::syscall(SYS_renameat2, fromFolder, from, toFolder, to, flags), from,

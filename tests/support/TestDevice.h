@@ -24,7 +24,6 @@ class TestDevice {
 
     QString folder() const { return folder_.path(); }
 
-    /// The database file on disk.
     QString databaseFile() const;
 
     /// Adds one row; columns that are not named are empty texts.

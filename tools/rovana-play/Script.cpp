@@ -27,6 +27,7 @@ enum class Operand {
     Reply,     ///< ok, cancel, yes or no: 1 for the first button, 0 for the other.
     Key,       ///< A key of the keyboard.
     KeypadKeys,
+    Touches,    ///< Controls, rows and keys of the keypad, a step for each.
     Keys,       ///< One or more keys of the keyboard, a step for each.
     Addresses,  ///< One or more, a step for each.
     Texts,      ///< A dialog and "CONTROL=TEXT" for each of its controls, a step for each.
@@ -52,8 +53,8 @@ const QList<Syntax>& actions() {
         {u"login", Command::Type, {Login}, u"ID PASSWORD"},
         {u"import", Command::Answer, {Import}, u""},
         {u"sale", Command::Press, {Sale}, u"CUSTOMER [CODE BOXES BOTTLES ...]"},
-        {u"settle", Command::Press, {Settling}, u"cash|card|credit"},
-        {u"press", Command::Press, {Addresses}, u"D.C ... [keys KEY ...]"},
+        {u"settle", Command::Press, {Settling}, u"cash|card|credit [D.C ...]"},
+        {u"press", Command::Press, {Touches}, u"D.C|D.C=TEXT|keys KEY ...|shot NAME ..."},
         {u"press2", Command::DoublePress, {Addresses}, u"D.C ..."},
         {u"slide", Command::Slide, {Address, Goal}, u"D.C D.C"},
         {u"type", Command::Type, {Address, Text}, u"D.C TEXT"},
@@ -232,6 +233,7 @@ void readOperand(Operand operand, LineReader& line, Step* step) {
         case Operand::Key: return readKey(line, step);
         case Operand::Moment: return readMoment(line, step);
         case Operand::KeypadKeys:
+        case Operand::Touches:
         case Operand::Keys:
         case Operand::Addresses:
         case Operand::Texts:
@@ -242,7 +244,7 @@ void readOperand(Operand operand, LineReader& line, Step* step) {
     }
 }
 
-/// The steps of "keys": the words that follow it, key by key.
+/// The steps of "keys": the words that follow it, key by key, up to another touch.
 QList<Step> readKeypadKeys(LineReader& line, const Step& base) {
     if (line.atEnd()) line.fail(u"something is missing"_s);
     QList<Step> steps;
@@ -252,7 +254,8 @@ QList<Step> readKeypadKeys(LineReader& line, const Step& base) {
         step.at = {kKeypadDialog, control};
         steps << step;
     };
-    while (!line.atEnd() && line.error().isEmpty()) {
+    while (!line.atEnd() && line.error().isEmpty() && !line.nextWord().contains(u'.') &&
+           line.nextWord() != u"shot") {
         const QString word = line.word();
         const auto* named = std::find_if(std::begin(kKeypadWords), std::end(kKeypadWords),
                                          [&](const KeypadWord& entry) { return entry.word == word; });
@@ -266,6 +269,35 @@ QList<Step> readKeypadKeys(LineReader& line, const Step& base) {
                 if (control == 0) line.fail(u"the keypad has no key for: %1"_s.arg(word));
                 add(Command::KeypadKey, control);
             }
+        }
+    }
+    return steps;
+}
+
+/// The steps of "press": its touches and pictures, one after another.
+QList<Step> readTouches(LineReader& line, const Step& base) {
+    QList<Step> steps;
+    while (!line.atEnd() && line.error().isEmpty()) {
+        const QString word = line.word();
+        if (word == u"keys") {
+            steps += readKeypadKeys(line, base);
+            continue;
+        }
+        steps << base;
+        Step& step = steps.last();
+        step.command = Command::Press;
+        step.texts.clear();
+        if (word == u"shot") {
+            step.command = Command::Shot;
+            readName(line, &step);
+        } else if (const auto at = address(word.section(u'=', 0, 0))) {
+            step.at = *at;
+            if (!word.contains(u'=')) continue;
+            step.command = Command::DoubleRow;
+            step.numbers << 0;
+            step.texts << word.section(u'=', 1);
+        } else {
+            line.fail(u"no touch: %1"_s.arg(word));
         }
     }
     return steps;
@@ -308,11 +340,18 @@ QList<Step> readSeveral(Operand operand, LineReader& line, const Step& base) {
         steps.last().at = at;
         steps.last().texts = texts;
     };
-    if (operand == Operand::KeypadKeys) return readKeypadKeys(line, base);
+    if (operand == Operand::KeypadKeys) {
+        steps = readKeypadKeys(line, base);
+        return steps + readTouches(line, base);
+    }
     if (operand == Operand::Sale || operand == Operand::Settling) {
         steps = operand == Operand::Sale ? readSale(line, base.line) : readSettling(line, base.line);
         for (Step& step : steps) step.source = base.source;
-        return steps;
+        return operand == Operand::Sale ? steps : steps + readTouches(line, base);
+    }
+    if (operand == Operand::Touches) {
+        if (line.atEnd()) line.fail(u"something is missing"_s);
+        return readTouches(line, base);
     }
     if (operand == Operand::Login) {
         const QString id = line.word();
@@ -332,10 +371,6 @@ QList<Step> readSeveral(Operand operand, LineReader& line, const Step& base) {
     if (!line.error().isEmpty()) return steps;
     do {
         Step step = base;
-        if (base.command == Command::Press && !steps.isEmpty() && line.nextWord() == u"keys") {
-            line.word();
-            return steps + readKeypadKeys(line, base);
-        }
         if (operand == Operand::Addresses || operand == Operand::Keys) {
             readOperand(operand == Operand::Keys ? Operand::Key : Operand::Address, line, &step);
             steps << step;
@@ -391,6 +426,7 @@ QList<Step> parseLine(QStringView text, int number, QString* error) {
             steps = {step};
             if (step.command == Command::Swipe && !line.atEnd()) {
                 steps += readKeypadKeys(line, step);
+                steps += readTouches(line, step);
             } else if (step.command == Command::ExpectCell && line.error().isEmpty()) {
                 // One step for each column from the named one on.
                 steps.clear();
