@@ -135,8 +135,8 @@ void Terminal::finishEmpties() {
     saved.isRefused = outcome == container::SaveOutcome::Failed;
     tell(saved);
     if (saved.isRefused || (outcome == container::SaveOutcome::Empty && mode_ != 1)) return;
-    handedOver_ = container::workingSums().recovery();
-    isRecoveryMoved_ = isMoved;
+    handover_.recovery = container::workingSums().recovery();
+    handover_.isRecoveryMoved = isMoved;
     openEntry(0);
 }
 
