@@ -58,19 +58,5 @@ TEST_F(RecordsetTest, NoPasswordOpensTheDoorByItsQuotes) {
     EXPECT_TRUE(hasRow(kLogin(u"7", u"1234")));
 }
 
-TEST_F(RecordsetTest, AWalkGoesOnWhileEachRowRunsStatementsOfItsOwn) {
-    QStringList names;
-    // Each row's statements run beside the walk, as the slip deletion's do.
-    EXPECT_EQ(forEachRow(kCustomers(u""),
-                         [&](CVORecordset& row) {
-                             names << row.GetFieldString(1);
-                             execute(kInsert(u"0000", names.last()));
-                             EXPECT_TRUE(hasRow(kCustomers(u"0000")));
-                         }),
-              2);
-    EXPECT_EQ(names, QStringList({u"서울상회"_s, u"부산상회"_s}));
-    EXPECT_EQ(device.value(u"SELECT count(*) FROM GARAE"_s), u"4"_s);
-}
-
 }  // namespace
 }  // namespace db

@@ -5,6 +5,7 @@
 #include <QString>
 
 #include "PrintAmounts.h"
+#include "books/PayableTotal.h"
 #include "sales/PriceOrigin.h"
 #include "support/PrintQt.h"
 #include "support/TestDevice.h"
@@ -124,6 +125,8 @@ TEST(Amounts, SaturateOnAbsurdFigures) {
     const LineAmounts raised = marginAmounts(prices, 1e6, INT64_MAX, 0);
     EXPECT_EQ(raised, won(INT64_MAX, INT64_MIN, INT64_MAX, INT64_MAX));
     EXPECT_EQ(tierAmounts(prices, 999, 999).supply, kMost);
+    EXPECT_EQ(books::payableTotal(kMost, Won(), u"2"), kMost);
+    EXPECT_EQ(books::payableTotal(Won(INT64_MIN), Won(), u"3"), Won(INT64_MIN));
     const ContractPrices contract{kMost, kMost, kMost, kMost, kMost, kMost, kMost};
     EXPECT_EQ(contractAmounts(contract, 999, 999).total(), kMost);
     EXPECT_EQ(contractAmounts(contract, -999, 0).supply, Won(INT64_MIN));
