@@ -80,6 +80,12 @@ TEST(Settlement, SplitsTheTotal) {
         {"taken over after a button", visit, button, 40000, {50000, 40000, 0, 0, 10000, 0}, 0},
         {"taken over, above", visit, {50000, 0, 0, 0, 0, 0}, 50001, {50000, 50001, 0, -1, 0, 1}, 1},
         {"card held, above", held, button, 50000, {50000, 60000, 50000, -10000, -50000, 10000}, 0},
+        {"the sale keyed, what the excess booked is gone",
+         keySales,
+         keyed,
+         100000,
+         {105000, 60000, 0, 0, 45000, 0},
+         0},
         {"alone", alone, {0, 0, 0, 0, 0, 7}, 8000, {0, 8000, 0, 0, 0, 7}, 0},
         {"alone, a visit's", alone, {50000, 0, 0, 50000, 0, 0}, 8000, {50000, 8000, 0, 42000, 0, 0}, 0},
         {"earlier, no total", earlier, {0, 0, 2000, 0, 9, 4}, 7000, {0, 0, 2000, 0, 0, 7000}, 0},
@@ -89,30 +95,6 @@ TEST(Settlement, SplitsTheTotal) {
         EXPECT_EQ(c.rule(amounts, Won(c.keyed)).value(), c.excess) << c.name;
         EXPECT_EQ(split(amounts), c.to) << c.name;
     }
-}
-
-TEST(Settlement, AmountsOfTheSaleFollowEachOther) {
-    SettlementAmounts amounts;
-    amounts.deposit = Won(500);
-    EXPECT_EQ(keySales(amounts, Won(10000)), Won());
-    EXPECT_EQ(amounts.supply, Won(9091));
-    EXPECT_EQ(amounts.vat, Won(909));
-    EXPECT_EQ(amounts.total, Won(10500));
-    EXPECT_EQ(amounts.unpaid, Won(10500));
-    settleByCard(amounts);
-    EXPECT_EQ(keySupply(amounts, Won(20000)), Won());
-    EXPECT_EQ(amounts.sales, Won(20909));
-    EXPECT_EQ(amounts.card, Won(21409)) << "stays settled by card";
-    EXPECT_EQ(keyVat(amounts, Won(0)), Won());
-    EXPECT_EQ(amounts.sales, Won(20000));
-    keyNonLiquor(amounts, Won(3000));
-    EXPECT_EQ(split(amounts), (Split{20500, 0, 20500, 0, 0, 0}));
-    EXPECT_EQ(amounts.nonLiquor, Won(3000));
-    keyRecovery(amounts, Won(500));
-    EXPECT_EQ(keySales(amounts, Won(-100)), Won(100)) << "recovery of 500 against a total of 400";
-    EXPECT_EQ(amounts.supply, Won(-91));
-    keySales(amounts, Won(10000));
-    EXPECT_EQ(split(amounts), (Split{10500, 500, 10000, 0, 0, 0})) << "what the excess booked is gone";
 }
 
 TEST(Settlement, IsOutdatedWhenWhatWasPaidIsNotWhatIsDue) {

@@ -11,7 +11,6 @@
 #include <QFile>
 #include <cerrno>
 
-#include "db/ImportLines.h"
 #include "db/MasterLoads.h"
 #include "platform/Clock.h"
 #include "platform/CodePage.h"
@@ -103,20 +102,6 @@ TEST_F(MasterImportTest, LinesBecomeRowsWhateverTheirEnd) {
         EXPECT_EQ(result.outcome, Loaded) << c.what;
         EXPECT_EQ(result.loaded, c.lines) << c.what;
         EXPECT_EQ(margins(), c.rows) << c.what;
-    }
-}
-
-/// Lines that just fit the buffer, or do not, at every place of it.
-TEST_F(MasterImportTest, LinesAreCountedAsTheyComeThroughTheBuffer) {
-    for (qsizetype before = 0; before < 1100; before += 7) {
-        for (const qsizetype length : {1, 511, 512, 1022, 1023, 2500}) {
-            const QByteArray content = QByteArray(before, 'x') + "\n" + QByteArray(length, 'x') + "\n" +
-                                       QByteArray("x\n").repeated(600) + "x";
-            ImportLines lines(content);
-            int walked = 0;
-            for (; !lines.atEnd(); ++walked) lines.next();
-            ASSERT_EQ(ImportLines::count(content), walked) << before << " " << length;
-        }
     }
 }
 
