@@ -52,6 +52,8 @@ class CollectionEntry {
 
     /// The slip that is settled.
     const books::SlipIdentity& slip() const { return kept_.slip; }
+    /// The amounts that it opened with, before anything was gone on with or taken over.
+    const books::SettlementAmounts& opened() const { return kept_.opened; }
     books::SettlementAmounts& amounts() { return amounts_; }
     const books::SettlementAmounts& amounts() const { return amounts_; }
     platform::Won crateDeposit() const { return crateDeposit_; }

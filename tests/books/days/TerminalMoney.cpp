@@ -17,13 +17,16 @@ using books::PaymentAnswer;
 
 // --- the collection
 
-Amounts Terminal::shown() const {
-    const books::SettlementAmounts& a = isAt(Screen::Card) ? charged_ : entry_.amounts();
+static Amounts told(const books::SettlementAmounts& a) {
     return {a.sales.value(),   a.supply.value(),
             a.vat.value(),     a.nonLiquor.value(),
             a.deposit.value(), a.containerRecovery.value(),
             a.card.value(),    a.cash.value(),
             a.unpaid.value(),  a.earlierReceivable.value()};
+}
+
+Amounts Terminal::shown() const {
+    return told(isAt(Screen::Card) ? charged_ : entry_.amounts());
 }
 
 void Terminal::openEntry(unsigned pick) {
@@ -36,10 +39,12 @@ void Terminal::loadEntry(unsigned pick) {
     const auto opening = entry_.open({date_, number_, user_, customer_}, mode_ == 1, handover);
     customer_ = entry_.slip().gCode;
     isTold_ = false;
-    tell(event(Event::Kind::OpenCollection));
+    Event opened = event(Event::Kind::OpenCollection);
+    if (opening.isGoneOn) opened.shown = told(entry_.opened());
+    tell(opened);
     if (opening.isGoneOn) {
         Event shownAgain = event(Event::Kind::GoneOn);
-        shownAgain.isSame = handover.kept->opened == entry_.kept()->opened;
+        shownAgain.isSame = handover.kept->opened == entry_.opened();
         tell(shownAgain);
     }
     const bool isTaken = opening.asked && answer(u"용공회수액", pick % 2 == 0);
@@ -282,14 +287,8 @@ void Terminal::inquire(unsigned pick) {
         books::HostReply reply;
         reply.responseCode = decision.isCharged ? u"0000"_s : decision.isRefused ? u"0099"_s : u"0019"_s;
         reply.transactionNumber = QString::fromStdString(decision.approval);
-        const bool isTold =
-            van::judge(payment, reply, payment.number) == van::PaymentVerdict::Approved
-                ? books::approvePayment(payment.number, reply.transactionNumber).has_value()
-                : books::settlePayment(payment.number, decision.isRefused ? books::PaymentState::Refused
-                                                                          : books::PaymentState::Released);
-        if (isTold) {
+        if (van::settle(payment, reply, payment.number).isKept)
             asked.answers[message] = decision.isCharged ? Event::Answer::Approved : Event::Answer::NotCharged;
-        }
     }
     tell(asked);
 }
