@@ -10,14 +10,8 @@ namespace app {
 
 using namespace Qt::Literals::StringLiterals;
 
-PaymentQuestion askAboutPayments(const std::function<std::optional<books::JournalPayment>()>& find) {
-    const auto before = find();
-    if (!before) return {};
+void askHost() {
     ui::runScreen(dialogs::kPaymentCheck);
-    if (auto open = find()) return {PaymentAnswer::Open, std::move(open)};
-    auto settled = books::findPayment(before->number);
-    const bool isApproved = settled && settled->state == books::PaymentState::Approved;
-    return {isApproved ? PaymentAnswer::Approved : PaymentAnswer::Free, std::move(settled)};
 }
 
 void takeBackUnpaid(const books::SlipIdentity& current) {
@@ -28,11 +22,11 @@ void takeBackUnpaid(const books::SlipIdentity& current) {
 }
 
 bool mayDelete(QStringView date, QStringView junNo, QStringView userId) {
-    const PaymentQuestion question =
-        askAboutPayments([&] { return books::unsettledPayment(date, junNo, userId); });
-    if (question.answer == PaymentAnswer::Open) ui::message(books::refuseToDelete(*question.inTheWay));
+    const auto question =
+        books::askAboutPayments([&] { return books::unsettledPayment(date, junNo, userId); }, askHost);
+    if (question.answer == books::PaymentAnswer::Open) ui::message(books::refuseToDelete(*question.inTheWay));
     if (question.inTheWay) takeBackUnpaid();
-    return question.answer == PaymentAnswer::Free;
+    return question.answer == books::PaymentAnswer::Free;
 }
 
 }  // namespace app

@@ -2,6 +2,7 @@
 
 #include <QDateTime>
 #include <algorithm>
+#include <utility>
 
 namespace books {
 namespace {
@@ -31,6 +32,27 @@ std::optional<JournalPayment> findInTheWay(const QList<JournalPayment>& open, co
     const auto found = std::ranges::find_if(
         open, [&](const JournalPayment& each) { return mayBeSameCustomers(each, wanted); });
     return found == open.end() ? std::nullopt : std::optional(*found);
+}
+
+PaymentQuestion askAboutPayments(const FindPayment& find, const std::function<void()>& ask) {
+    const auto before = find();
+    if (!before) return {};
+    ask();
+    if (auto open = find()) return {PaymentAnswer::Open, std::move(open)};
+    auto settled = findPayment(before->number);
+    const bool isApproved = settled && settled->state == PaymentState::Approved;
+    return {isApproved ? PaymentAnswer::Approved : PaymentAnswer::Free, std::move(settled)};
+}
+
+PaymentQuestion askBeforePaying(const JournalPayment& wanted, const std::function<void()>& ask) {
+    const auto inTheWay = [&] { return findInTheWay(unsettledPayments(), wanted); };
+    if (!inTheWay() && hasUnsettledPayments()) ask();
+    PaymentQuestion question = askAboutPayments(inTheWay, ask);
+    if (question.answer == PaymentAnswer::Approved) {
+        const auto last = lastPayment(wanted.slip.DDate, wanted.slip.JunNo, wanted.slip.UserID);
+        question.isPaid = last && last->number == question.inTheWay->number;
+    }
+    return question;
 }
 
 QString describePayment(const JournalPayment& payment) {

@@ -2,6 +2,7 @@
 
 #include <QList>
 #include <QString>
+#include <functional>
 #include <optional>
 
 #include "books/PaymentJournal.h"
@@ -11,6 +12,28 @@ namespace books {
 
 /// The first of the open payments that may be of the customer of `wanted`, which must not be sent then.
 std::optional<JournalPayment> findInTheWay(const QList<JournalPayment>& open, const JournalPayment& wanted);
+
+/// What becomes of a payment that was in the way of something.
+enum class PaymentAnswer {
+    Free,      ///< Nothing was in the way, or it was not charged.
+    Approved,  ///< What was in the way is charged.
+    Open,      ///< It stays open.
+};
+
+struct PaymentQuestion {
+    PaymentAnswer answer = PaymentAnswer::Free;
+    std::optional<JournalPayment> inTheWay;  ///< As it stands now; nothing where nothing was in the way.
+    bool isPaid = false;                     ///< It has paid the slip that was to be paid.
+};
+
+/// Calls `ask`, which asks the host about every open payment of the terminal, when `find` finds one in the
+/// way, and looks again.
+using FindPayment = std::function<std::optional<JournalPayment>()>;
+PaymentQuestion askAboutPayments(const FindPayment& find, const std::function<void()>& ask);
+
+/// The same before `wanted` is sent. Every open payment is asked about then, whoever's it is: the line is
+/// needed anyway.
+PaymentQuestion askBeforePaying(const JournalPayment& wanted, const std::function<void()>& ask);
 
 /// Customer, time of sending, kind and amount, as a message names a payment.
 QString describePayment(const JournalPayment& payment);

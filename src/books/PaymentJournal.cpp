@@ -4,6 +4,7 @@
 #include <array>
 
 #include "books/Approvals.h"
+#include "books/Charge.h"
 #include "books/ContainerBalance.h"
 #include "books/OpenPayments.h"
 #include "db/Health.h"
@@ -109,6 +110,33 @@ std::optional<CollectionSlip> approve(db::Transaction& transaction, const Journa
 
 QStringView stateName(PaymentState state) {
     return std::ranges::find(kStates, state, &StateName::state)->name;
+}
+
+CollectionSlip simplePaymentSlip(const SlipIdentity& slip, const QString& gName,
+                                 const SettlementAmounts& amounts, const QString& sentTime) {
+    CollectionSlip simple;
+    simple.Gubun = kSimplePaymentSlip.toString();
+    simple.DTime = timeOfSaving();
+    simple.DDate = slip.date;
+    simple.GCode = slip.gCode;
+    simple.GName = gName;
+    simple.JunNo = slip.junNo;
+    simple.UserID = slip.userId;
+    simple.setAmounts(amounts, {});
+    simple.MSGSENDTIME = sentTime;
+    return simple;
+}
+
+JournalPayment paymentToSend(const SlipIdentity& slip, const QString& gName, const SettlementAmounts& amounts,
+                             int cardPaymentFlag, bool isVisit, const QString& sentTime) {
+    JournalPayment payment;
+    payment.isCard = chargeKind(amounts, cardPaymentFlag) == ChargeKind::Card;
+    payment.charged = amountToCharge(amounts, cardPaymentFlag);
+    const auto saved = isVisit ? loadCollection(slip.date, slip.junNo, slip.userId) : std::nullopt;
+    payment.slip = saved.value_or(simplePaymentSlip(slip, gName, amounts, sentTime));
+    payment.slip.MSGSENDTIME = sentTime;
+    payment.slip.BANKTRANNO.clear();
+    return payment;
 }
 
 bool notePayment(const JournalPayment& payment) {

@@ -47,6 +47,15 @@ struct JournalPayment {
     bool isUnsettled() const { return state == PaymentState::Sent || state == PaymentState::Unknown; }
 };
 
+/// The payment of that slip as it is asked for at `sentTime`, without a number: of the saved collection of a
+/// visit, else a simple payment. `cardPaymentFlag` as in books::chargeKind.
+JournalPayment paymentToSend(const SlipIdentity& slip, const QString& gName, const SettlementAmounts& amounts,
+                             int cardPaymentFlag, bool isVisit, const QString& sentTime);
+
+/// A simple payment with those amounts, before its approval.
+CollectionSlip simplePaymentSlip(const SlipIdentity& slip, const QString& gName,
+                                 const SettlementAmounts& amounts, const QString& sentTime);
+
 /// Notes a payment that is about to be sent, safe on disk on return. False when it could not be noted (no
 /// table, disk full, a single quote in a text) or when an unsettled payment may be the same customer's; it
 /// must not be sent then.

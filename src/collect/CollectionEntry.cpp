@@ -1,5 +1,9 @@
 #include "collect/CollectionEntry.h"
 
+#include <utility>
+
+#include "books/Charge.h"
+#include "books/ContainerBalance.h"
 #include "collect/Settlement.h"
 
 namespace collect {
@@ -56,6 +60,91 @@ std::optional<books::SettlementAmounts> goOn(const books::KeptSettlement& kept,
         settleOnCredit(amounts);
     }
     return amounts;
+}
+
+CollectionEntry::Opening CollectionEntry::open(const books::SlipIdentity& slip, bool isSalesWork,
+                                               const Handover& handover) {
+    const OpenedEntry entry = openEntry(slip);
+    amounts_ = entry.amounts;
+    crateDeposit_ = entry.crateDeposit;
+    isSalesWork_ = isSalesWork;
+    isOthers_ = entry.isOthers;
+    isApproved_ = entry.saved && entry.saved->isApproved();
+    isSimplePayment_ = entry.saved && entry.saved->isSimplePayment();
+    approvedCard_ = amounts_.card;
+    // Where the way here passes the containers by, their slip says what it is worth.
+    auto recovery = handover.recovery;
+    if (!recovery && !isSimplePayment_)
+        recovery = books::savedRecovery(slip.date, slip.junNo, slip.userId, entry.gCode);
+    kept_ = {{slip.date, slip.junNo, slip.userId, entry.gCode}, entry.amounts, {}, recovery};
+
+    Opening opening;
+    const bool isToGoOn = handover.kept && !isApproved_ && !isSimplePayment_;
+    if (const auto goneOn = isToGoOn ? goOn(*handover.kept, kept_.slip, entry, recovery) : std::nullopt) {
+        amounts_ = *goneOn;
+        opening.isGoneOn = true;
+    }
+    // What the saving of the containers has left unpaid is settled as if the recovery had been keyed.
+    if (handover.isRecoveryMoved && !amounts_.total.isZero())
+        opening.excess = keyRecovery(amounts_, amounts_.containerRecovery);
+    // In what is gone on with the containers are already, or another amount was keyed for them.
+    const bool isNew = recovery && recovery != amounts_.containerRecovery && !opening.isGoneOn;
+    if (isNew && !handover.recovery && entry.saved) {
+        opening.asked = recovery;
+    } else if (isNew) {
+        opening.hasTakenOver = true;
+        opening.excess = takeOver(*recovery);
+    }
+    holdApprovedCard();
+    return opening;
+}
+
+bool CollectionEntry::isToSettleAgain() const {
+    if (isPaidOnLine() && !books::isChargeOneAmount(amounts_)) return true;
+    return !isApproved_ && (hasCardBesideExcess(amounts_) || isOutdated(amounts_));
+}
+
+bool CollectionEntry::isPaidAsShown() const {
+    const auto paid = books::loadCollection(slip().date, slip().junNo, slip().userId);
+    return paid && paid->amounts().total == amounts_.total && paid->YDMoney == amounts_.containerRecovery &&
+           paid->UnderMoney.isZero();
+}
+
+Won CollectionEntry::takeOver(Won recovery) {
+    const Won excess = takeOverRecovery(amounts_, recovery, !isSalesWork_);
+    holdApprovedCard();
+    return excess;
+}
+
+void CollectionEntry::holdApprovedCard() {
+    if (isApproved_) holdCard(amounts_, approvedCard_);
+}
+
+std::optional<books::KeptSettlement> CollectionEntry::kept() const {
+    if (isApproved_ || isSimplePayment_) return std::nullopt;
+    books::KeptSettlement kept = kept_;
+    kept.keyed = amounts_;
+    return kept;
+}
+
+bool CollectionEntry::save(const QString& gName) const {
+    books::CollectionSlip saved;
+    saved.DDate = slip().date;
+    saved.GCode = slip().gCode;
+    saved.GName = gName;
+    saved.JunNo = slip().junNo;
+    saved.UserID = slip().userId;
+    saved.setAmounts(amounts_, crateDeposit_);
+    return isPaidOnLine() && amounts_.card > Won() ? books::saveForCard(saved) : books::saveCollection(saved);
+}
+
+bool CollectionEntry::remove() {
+    if (!isOthers_ && !books::removeCollection(slip().date, slip().junNo, slip().userId)) return false;
+    isApproved_ = false;
+    if (std::exchange(isSimplePayment_, false)) amounts_ = {};
+    amounts_.previousReceivable =
+        books::previousReceivable(slip().gCode, slip().date, slip().junNo, slip().userId);
+    return true;
 }
 
 }  // namespace collect

@@ -1,6 +1,7 @@
 #include "container/WorkingContainers.h"
 
 #include "books/UnsavedSlip.h"
+#include "container/ContainerProduct.h"
 #include "db/Records.h"
 
 namespace container {
@@ -119,6 +120,27 @@ std::optional<ContainerAmounts> lineAmounts(const ContainerKey& key) {
 
 bool insertLine(const ContainerLine& line) {
     return books::changeWorkingSlip(books::Working::Containers, insertOf(line));
+}
+
+bool addProduct(const books::SlipIdentity& slip, const QString& gName, const QString& pCode,
+                const ContainerCounts& counts) {
+    const ContainerProduct product = containerProduct(pCode).value_or(ContainerProduct{});
+    ContainerLine line;
+    line.DDate = slip.date;
+    line.GCode = slip.gCode;
+    line.GName = gName;
+    line.JunNo = slip.junNo;
+    line.PCode = pCode;
+    line.PName = product.pname;
+    line.setCounts(counts);
+    line.setAmounts(containerAmounts(counts, product.prices));
+    return insertLine(line);
+}
+
+bool recount(const ContainerKey& key, const ContainerCounts& counts) {
+    const auto product = containerProduct(key.PCode);
+    // Without its prices the line would be worth nothing.
+    return product && replaceCounts(key, counts, containerAmounts(counts, product->prices));
 }
 
 bool replaceCounts(const ContainerKey& key, const ContainerCounts& counts, const ContainerAmounts& amounts) {

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "books/ContainerBalance.h"
+#include "books/TransactionRecord.h"
 #include "container/ContainerLine.h"
 #include "platform/Rows.h"
 
@@ -42,6 +43,13 @@ std::optional<ContainerAmounts> lineAmounts(const ContainerKey& key);
 
 /// Adds a line. False when the database did not take it, as with a single quote in one of its texts.
 bool insertLine(const ContainerLine& line);
+
+/// Adds a line of the product, priced, for that slip and customer.
+bool addProduct(const books::SlipIdentity& slip, const QString& gName, const QString& pCode,
+                const ContainerCounts& counts);
+
+/// Gives the line other counts and prices it anew. False also when the product is gone.
+bool recount(const ContainerKey& key, const ContainerCounts& counts);
 
 /// Changes the line's counts and with them its amounts. False, and the line stays as it was, when there is
 /// no such line or the database does not take the change.

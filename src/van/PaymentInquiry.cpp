@@ -12,6 +12,7 @@ using platform::parseWon;
 using platform::Won;
 
 constexpr QStringView kApproved = u"0000";
+constexpr QStringView kNeverReceived = u"0019";
 constexpr qint64 kSecondsOfDay = 24 * 60 * 60;
 
 bool isSurely(const books::JournalPayment& payment, const books::HostReply& reply) {
@@ -37,6 +38,20 @@ PaymentVerdict judge(const books::JournalPayment& payment, const books::HostRepl
     }
     return answeredNumber.isEmpty() && isApproved && isSurely(payment, reply) ? PaymentVerdict::Approved
                                                                               : PaymentVerdict::Open;
+}
+
+SettledPayment settle(const books::JournalPayment& payment, const books::HostReply& reply,
+                      QStringView answeredNumber) {
+    SettledPayment settled{judge(payment, reply, answeredNumber), false, std::nullopt};
+    if (settled.verdict == PaymentVerdict::Approved) {
+        settled.slip = books::approvePayment(payment.number, reply.transactionNumber);
+        settled.isKept = settled.slip.has_value();
+    } else if (settled.verdict == PaymentVerdict::NotCharged) {
+        settled.isKept = books::settlePayment(payment.number, reply.responseCode == kNeverReceived
+                                                                  ? books::PaymentState::Released
+                                                                  : books::PaymentState::Refused);
+    }
+    return settled;
 }
 
 QString tellApprovedAmount(const books::HostReply& reply, Won asked) {

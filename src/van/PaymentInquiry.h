@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <QStringView>
+#include <optional>
 
 #include "books/PaymentJournal.h"
 #include "books/TransactionRecord.h"
@@ -22,6 +23,16 @@ enum class PaymentVerdict {
 /// and the transaction number is on no slip and on no other payment.
 PaymentVerdict judge(const books::JournalPayment& payment, const books::HostReply& reply,
                      QStringView answeredNumber);
+
+/// What the answer has made of the payment.
+struct SettledPayment {
+    PaymentVerdict verdict = PaymentVerdict::Open;
+    bool isKept = false;                        ///< The journal has it; an open payment stays as it is.
+    std::optional<books::CollectionSlip> slip;  ///< With its approval, as it stands.
+};
+/// Judges the answer and settles the payment with it.
+SettledPayment settle(const books::JournalPayment& payment, const books::HostReply& reply,
+                      QStringView answeredNumber);
 
 /// What to tell when an approval speaks of another amount than the host was asked for, in won; empty when it
 /// names that one or none.

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "sales/PastOrder.h"
 #include "sales/SlipStore.h"
 #include "sales/WorkingSlip.h"
 #include "support/TestDevice.h"
@@ -13,15 +14,7 @@ using namespace Qt::Literals::StringLiterals;
 const QString kDay = u"2026-11-21"_s;
 
 sales::SlipLine saleLine(const QString& product) {
-    sales::SlipLine line;
-    line.DDate = kDay;
-    line.GCode = u"0001"_s;
-    line.GName = u"가람"_s;
-    line.JunNo = u"5001"_s;
-    line.PCode = product;
-    line.Box = u"1"_s;
-    line.Bon = u"0"_s;
-    return line;
+    return sales::newLine({kDay, u"5001"_s, u"0001"_s, u"가람"_s, {}}, product, {}, {1, 0});
 }
 
 // A terminal may end after each of these steps: what it finds then is what the last one left.

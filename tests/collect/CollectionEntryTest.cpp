@@ -29,36 +29,13 @@ class CollectionEntryTest : public testing::Test {
     test::TestDevice device_;
 };
 
-TEST_F(CollectionEntryTest, OpensWhatTheSavedSaleComesTo) {
-    const OpenedEntry entry = open();
-    EXPECT_FALSE(entry.saved || entry.isOthers);
-    EXPECT_EQ(entry.amounts.sales, Won(22020)) << "rounded as the salesman's VAT mode says";
-    EXPECT_EQ(entry.amounts.supply + entry.amounts.vat, entry.amounts.sales);
-    EXPECT_EQ(entry.amounts.total, Won(23140));
-    EXPECT_EQ(entry.crateDeposit, Won(1000));
-    EXPECT_EQ(entry.amounts.previousReceivable, Won(9000));
+TEST_F(CollectionEntryTest, OpensWhatIsTheCustomers) {
+    EXPECT_EQ(open().crateDeposit, Won(1000));
     EXPECT_EQ(open(u"0002"_s).amounts.total, Won()) << "it is another customer's";
-}
-
-TEST_F(CollectionEntryTest, OpensWhatIsSavedAsItIs) {
-    books::CollectionSlip slip;
-    slip.DDate = u"2024-05-10"_s;
-    slip.JunNo = u"5001"_s;
-    slip.UserID = u"A"_s;
-    slip.GCode = u"0001"_s;
-    books::SettlementAmounts keyed;
-    keyed.sales = keyed.unpaid = Won(20000);
-    slip.setAmounts(keyed, {});
-    ASSERT_TRUE(books::saveCollection(slip));
-    for (const QString& gCode : {u"0001"_s, QString()}) {
-        const OpenedEntry entry = open(gCode);
-        EXPECT_TRUE(entry.saved);
-        EXPECT_EQ(entry.gCode, u"0001"_s);
-        EXPECT_EQ(entry.amounts.total, Won(20000));
-        EXPECT_EQ(entry.amounts.previousReceivable, Won(9000));
-    }
-    const OpenedEntry others = open(u"0002"_s);
-    EXPECT_TRUE(others.isOthers && !others.saved);
+    device_.execute(
+        u"INSERT INTO MTMOK (DDate, JunNo, UserID, GCode) VALUES ('2024-05-10', '5001', 'A', '0001')"_s);
+    EXPECT_TRUE(open().saved);
+    EXPECT_TRUE(open(u"0002"_s).isOthers && !open(u"0002"_s).saved);
 }
 
 TEST_F(CollectionEntryTest, GoesOnWithWhatWasKeyed) {

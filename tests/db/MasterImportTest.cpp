@@ -11,7 +11,6 @@
 #include <QFile>
 #include <cerrno>
 
-#include "db/ImportLines.h"
 #include "db/MasterLoads.h"
 #include "platform/Clock.h"
 #include "platform/CodePage.h"
@@ -77,12 +76,21 @@ TEST_F(MasterImportTest, LinesBecomeRowsWhateverTheirEnd) {
     };
     const QString one = u"0012/01/5"_s;
     const QString two = u"0013/02/-7"_s;
+    const auto x = [](int count) { return QByteArray(count, 'x'); };
     const Case cases[] = {
         {"empty", "", 0, {}},
         {"CRLF", "0012|01|5|\r\n0013|02|-7|\r\n", 2, {one, two}},
         {"no end of the last", "0012|01|5|\n0013|02|-7|", 2, {one, two}},
         {"no | at the end", "0012|01|5\r\n0013|02|-7|\r\n", 2, {u"0012/01/"_s, two}},
         {"blank line", "0012|01|5|\n\n0013|02|-7|\n", 3, {one, u"//"_s, two}},
+        {"what is over", "0012|01|5|9|9|\n0013x02|-7|\n", 2, {one, two}},
+        {"a short first field", "12|1|5|\n0012|01| 5 |\n", 2, {u"12|1/5/"_s, u"0012/01/ 5 "_s}},
+        // After the first field and its separator 200 characters count, closing "|" included.
+        {"200 characters",
+         "0012|" + x(197) + "|5|\n0012|" + x(198) + "|5|\n",
+         2,
+         {u"0012/"_s + QString::fromLatin1(x(197)) + u"/5"_s,
+          u"0012/"_s + QString::fromLatin1(x(198)) + u'/'}},
         {"the buffer's length", longLine, 2, {u"0009/01/5"_s, u"xxxx//"_s}},
     };
     for (const Case& c : cases) {
@@ -97,20 +105,6 @@ TEST_F(MasterImportTest, LinesBecomeRowsWhateverTheirEnd) {
     }
 }
 
-/// Lines that just fit the buffer, or do not, at every place of it.
-TEST_F(MasterImportTest, LinesAreCountedAsTheyComeThroughTheBuffer) {
-    for (qsizetype before = 0; before < 1100; before += 7) {
-        for (const qsizetype length : {1, 511, 512, 1022, 1023, 2500}) {
-            const QByteArray content = QByteArray(before, 'x') + "\n" + QByteArray(length, 'x') + "\n" +
-                                       QByteArray("x\n").repeated(600) + "x";
-            ImportLines lines(content);
-            int walked = 0;
-            for (; !lines.atEnd(); ++walked) lines.next();
-            ASSERT_EQ(ImportLines::count(content), walked) << before << " " << length;
-        }
-    }
-}
-
 TEST_F(MasterImportTest, FillsEveryColumnOfEveryTable) {
     for (const ImportFile& each : importFiles()) {
         QStringList fields{each.fileName == u"MTM.RVN" ? u"2004-03-02"_s : u"0012"_s};
@@ -121,6 +115,11 @@ TEST_F(MasterImportTest, FillsEveryColumnOfEveryTable) {
         EXPECT_EQ(rows.value(0).first(fields.size()), fields) << each.fileName.toUtf8().constData();
     }
     EXPECT_EQ(device.value(u"SELECT count(*) FROM MTM WHERE DTime IS NULL"_s), u"1"_s);
+    // Of an order's line 140 characters count after the date.
+    for (const int count : {137, 138})
+        write(u"MTM.RVN", "2004-03-03|" + QByteArray(count, 'x') + "|5|\n"), load(u"MTM.RVN");
+    EXPECT_EQ(device.value(u"SELECT group_concat(GCode, '/') FROM MTM WHERE DDate = '2004-03-03'"_s),
+              u"5/"_s);
 }
 
 TEST_F(MasterImportTest, LinesThatBecomeNoRowAreKeptAside) {

@@ -5,6 +5,7 @@
 #include <QString>
 
 #include "PrintAmounts.h"
+#include "books/PayableTotal.h"
 #include "sales/PriceOrigin.h"
 #include "support/PrintQt.h"
 #include "support/TestDevice.h"
@@ -46,12 +47,16 @@ TEST_F(PricingTest, UsesTheFirstSourceThatApplies) {
         std::int64_t boxes, bottles;
         PriceSource source;
         LineAmounts amounts;
+        const char16_t* origin = u"";
     } kCases[] = {
         {"contract before all margins", u"K", u"일반", u"0001", 2, 3, PriceSource::Contract,
-         won(10753, 1075, 14, 27)},
+         won(10753, 1075, 14, 27),
+         u"계약단가\n상자 2 × 5,000 (세 500)\n본 3 × 251 (세 25)\n공급가 10,753\n부가세 1,075\n용기 14, 공병 "
+         u"27"},
         {"contract, bottles only", u"K", u"일반", u"0001", 0, 3, PriceSource::Contract, won(753, 75, 0, 9)},
         // VAT of boxes from the bottle column: ceil(2 * 110) whatever BoxBMoney holds.
-        {"class margin", u"C", u"일반", u"0001", 2, 0, PriceSource::ClassMargin, won(2203, 220, 22, 26)},
+        {"class margin", u"C", u"일반", u"0001", 2, 0, PriceSource::ClassMargin, won(2203, 220, 22, 26),
+         u"주류구분마진 : 원가 + 10%\n상자 2 × 1,001 (세 100)\n"},
         {"class margin, both", u"C", u"일반", u"0001", 1, 3, PriceSource::ClassMargin,
          won(1102 + 169, 110 + 330, 11, 13 + 51)},
         {"class margin of 0 is one", u"Z", u"일반", u"0001", 1, 1, PriceSource::ClassMargin,
@@ -60,9 +65,11 @@ TEST_F(PricingTest, UsesTheFirstSourceThatApplies) {
          won(0, 0, 0, 0)},
         // ceil(1151.15) + ceil(58.65); VAT of boxes from its own column: ceil(813.05) + 115.
         {"customer margin", u"M", u"일반", u"0001", 1, 1, PriceSource::CustomerMargin,
-         won(1152 + 59, 814 + 115, 11, 30)},
-        {"margin empty, tier A", u"A", u"일반", u"0001", 2, 3, PriceSource::Tier, won(4630, 463, 22, 77)},
-        {"margin 0, tier B", u"B", u"유흥", u"0001", 2, 3, PriceSource::Tier, won(6930, 693, 22, 77)},
+         won(1152 + 59, 814 + 115, 11, 30), u"거래처마진 : 원가 + 15%\n상자 1 × 1,001 (세 707)\n"},
+        {"margin empty, tier A", u"A", u"일반", u"0001", 2, 3, PriceSource::Tier, won(4630, 463, 22, 77),
+         u"판매단가 A\n상자 2 × 2,000 (세 200)\n본 3 × 210 (세 21)\n"},
+        {"margin 0, tier B", u"B", u"유흥", u"0001", 2, 3, PriceSource::Tier, won(6930, 693, 22, 77),
+         u"판매단가 B\n"},
         {"no kind is tier B", u"A", u"", u"0001", 0, 1, PriceSource::Tier, won(310, 31, 0, 17)},
         {"unknown customer", u"X", u"일반", u"0001", 1, 0, PriceSource::Tier, won(2000, 200, 11, 13)},
         {"unknown product", u"M", u"일반", u"9999", 5, 5, PriceSource::CustomerMargin, won(0, 0, 0, 0)},
@@ -72,24 +79,7 @@ TEST_F(PricingTest, UsesTheFirstSourceThatApplies) {
         const PricedLine line = priceLine(c.gcode, c.kind, c.pcode, c.boxes, c.bottles);
         EXPECT_EQ(line.source, c.source);
         EXPECT_EQ(line.amounts, c.amounts);
-    }
-}
-
-TEST_F(PricingTest, TellsWhereAPriceComesFrom) {
-    const struct {
-        QStringView gcode, kind;
-        const char16_t* origin;
-    } kCases[] = {
-        {u"K", u"일반",
-         u"계약단가\n상자 2 × 5,000 (세 500)\n본 3 × 251 (세 25)\n공급가 10,753\n부가세 1,075\n용기 14, 공병 "
-         u"27"},
-        {u"C", u"일반", u"주류구분마진 : 원가 + 10%\n상자 2 × 1,001 (세 100)\n"},
-        {u"M", u"일반", u"거래처마진 : 원가 + 15%\n상자 2 × 1,001 (세 707)\n"},
-        {u"A", u"일반", u"판매단가 A\n상자 2 × 2,000 (세 200)\n본 3 × 210 (세 21)\n"},
-        {u"A", u"유흥", u"판매단가 B\n"},
-    };
-    for (const auto& c : kCases) {
-        const QString origin = priceOrigin(priceLine(c.gcode, c.kind, u"0001", 2, 3), 2, 3);
+        const QString origin = priceOrigin(line, c.boxes, c.bottles);
         EXPECT_TRUE(origin.startsWith(c.origin)) << origin.toStdString();
     }
 }
@@ -124,6 +114,8 @@ TEST(Amounts, SaturateOnAbsurdFigures) {
     const LineAmounts raised = marginAmounts(prices, 1e6, INT64_MAX, 0);
     EXPECT_EQ(raised, won(INT64_MAX, INT64_MIN, INT64_MAX, INT64_MAX));
     EXPECT_EQ(tierAmounts(prices, 999, 999).supply, kMost);
+    EXPECT_EQ(books::payableTotal(kMost, Won(), u"2"), kMost);
+    EXPECT_EQ(books::payableTotal(Won(INT64_MIN), Won(), u"3"), Won(INT64_MIN));
     const ContractPrices contract{kMost, kMost, kMost, kMost, kMost, kMost, kMost};
     EXPECT_EQ(contractAmounts(contract, 999, 999).total(), kMost);
     EXPECT_EQ(contractAmounts(contract, -999, 0).supply, Won(INT64_MIN));

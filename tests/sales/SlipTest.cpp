@@ -9,6 +9,7 @@
 #include "platform/Clock.h"
 #include "sales/CustomerQuery.h"
 #include "sales/LineAmounts.h"
+#include "sales/PastOrder.h"
 #include "sales/SlipStore.h"
 #include "sales/UnvisitedOrders.h"
 #include "sales/WorkingSlip.h"
@@ -53,16 +54,8 @@ class SlipTest : public testing::Test {
     ~SlipTest() override { platform::clock::set({}); }
 
     static SlipLine line(const QString& pcode, const QString& box, const QString& bon, LineAmounts amounts) {
-        SlipLine line;
-        line.DDate = kToday.toString();
-        line.GCode = u"0001"_s;
-        line.GName = u"가나상회"_s;
-        line.JunNo = kNumber.toString();
-        line.PCode = pcode;
-        line.PName = u"소주 "_s + pcode;
-        line.JGubun = u"10"_s;
-        line.Box = box;
-        line.Bon = bon;
+        SlipLine line = newLine({kToday.toString(), kNumber.toString(), u"0001"_s, u"가나상회"_s, {}}, pcode,
+                                {u"소주 "_s + pcode, u"10"_s}, {box.toInt(), bon.toInt()});
         line.setAmounts(amounts);
         return line;
     }

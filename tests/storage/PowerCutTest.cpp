@@ -14,7 +14,7 @@
 #include "platform/WholeFile.h"
 #include "platform/adoce/DatabaseFile.h"
 #include "rovanactl/Command.h"
-#include "sales/SlipLine.h"
+#include "sales/PastOrder.h"
 #include "sales/SlipStore.h"
 #include "sales/WorkingSlip.h"
 #include "storage/StoredChanges.h"
@@ -131,30 +131,17 @@ TEST_F(PowerCutTest, ChangesOfTheDatabaseAreWhole) {
     }
 }
 
-sales::SlipLine lineOf(int number) {
-    sales::SlipLine line;
-    line.DDate = u"2024-03-29"_s;
-    line.GCode = u"0016"_s;
-    line.JunNo = u"5003"_s;
-    line.PCode = QString::number(1000 + number);
-    line.Box = u"3"_s;
-    return line;
-}
-
 void writeSlips(const std::function<void()>& mark) {
     EXPECT_TRUE(sales::openSlip(u"A", u"2024-03-29", u"5003"));
-    for (int line = 0; line < 10; ++line) EXPECT_TRUE(sales::insertLine(lineOf(line)));
-    EXPECT_TRUE(sales::replaceQuantities({u"1003"_s, u"3"_s, QString()}, 4, 5, {}));
+    for (int line = 0; line < 10; ++line)
+        EXPECT_TRUE(sales::insertLine(sales::newLine({u"2024-03-29"_s, u"5003"_s, u"0016"_s, {}, {}},
+                                                     QString::number(1000 + line), {}, {3, 0})));
+    EXPECT_TRUE(sales::replaceQuantities({u"1003"_s, u"3"_s, u"0"_s}, 4, 5, {}));
     EXPECT_EQ(sales::saveSlip(u"A", u"2024-03-29", u"5003"), sales::SaveOutcome::Saved);
     mark();
     EXPECT_TRUE(container::reloadSlip(u"A", u"2024-03-29", u"5003"));
-    container::ContainerLine line;
-    line.DDate = u"2024-03-29"_s;
-    line.GCode = u"0016"_s;
-    line.JunNo = u"5003"_s;
-    line.PCode = u"1001"_s;
-    line.NBox = u"2"_s;
-    EXPECT_TRUE(container::insertLine(line));
+    EXPECT_TRUE(container::addProduct({u"2024-03-29"_s, u"5003"_s, u"A"_s, u"0016"_s}, {}, u"1001"_s,
+                                      {.bottles = 0, .emptyCrates = 2, .filledCrates = 0}));
     EXPECT_EQ(container::saveSlip(u"A", u"2024-03-29", u"5003", u"0016"), container::SaveOutcome::Saved);
     mark();
     EXPECT_TRUE(sales::openSlip(u"A", u"2024-03-29", u"5001"));

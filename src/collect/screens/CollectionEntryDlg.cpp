@@ -3,16 +3,13 @@
 #include <QLabel>
 #include <QTimer>
 #include <functional>
-#include <optional>
 #include <utility>
 
 #include "app/Dialogs.h"
 #include "app/KeypadRequest.h"
+#include "app/PaymentQuestion.h"
 #include "app/Session.h"
 #include "books/Charge.h"
-#include "books/ContainerBalance.h"
-#include "books/OpenPayments.h"
-#include "collect/CollectionEntry.h"
 #include "collect/Settlement.h"
 #include "ui/AmountTable.h"
 #include "ui/Messages.h"
@@ -128,74 +125,20 @@ void CCollectionEntryDlg::addPaymentRows() {
 void CCollectionEntryDlg::load() {
     app::SessionValues& session = app::session();
     app::ActionValues& action = session.action;
-    const OpenedEntry entry = openEntry(identity());
-    amounts_ = entry.amounts;
-    action.GCode = entry.gCode;
-    action.CrateDepositSum = entry.crateDeposit;
-    isOthers_ = entry.isOthers;
-    isApproved_ = entry.saved && entry.saved->isApproved();
-    if (isApproved_) approvedCard_ = amounts_.card;
-    setSimplePayment(entry.saved && entry.saved->isSimplePayment());
-    goOnWithKept(entry);
-    takeOverContainers(entry.saved);
-}
-
-books::SlipIdentity CCollectionEntryDlg::identity() {
-    const app::SessionValues& session = app::session();
-    return {session.WorkDate, session.action.JunNo, session.UserID, session.action.GCode};
-}
-
-void CCollectionEntryDlg::goOnWithKept(const OpenedEntry& entry) {
-    kept_ = {identity(), entry.amounts, {}, std::nullopt};
-    keptRecovery_.reset();
-    app::ActionValues& action = app::session().action;
-    const auto before = std::exchange(action.KeptSettlement, std::nullopt);
-    if (isSimplePayment_) return;
-    kept_.recovery = action.ContainerRecovery ? action.ContainerRecovery
-                                              : books::savedRecovery(kept_.slip.date, kept_.slip.junNo,
-                                                                     kept_.slip.userId, kept_.slip.gCode);
-    if (!before || isApproved_) return;
-    const auto goneOn = goOn(*before, identity(), entry, kept_.recovery);
-    if (!goneOn) return;
-    amounts_ = *goneOn;
-    // The containers are in it already, or another amount was keyed for them.
-    keptRecovery_ = before->recovery;
-}
-
-void CCollectionEntryDlg::keep() {
-    if (isApproved_ || isSimplePayment_) return;
-    kept_.keyed = amounts_;
-    app::session().action.KeptSettlement = kept_;
-}
-
-void CCollectionEntryDlg::takeOverContainers(const std::optional<books::CollectionSlip>& saved) {
-    app::SessionValues& session = app::session();
-    Won excess;
-    // What the container slip handed over is used up here. Where the way here passes the containers by, their
-    // slip says what it is worth.
-    auto recovery = std::exchange(session.action.ContainerRecovery, std::nullopt);
-    const bool isHandedOver = recovery.has_value();
-    const bool isMoved = std::exchange(session.action.IsRecoveryMoved, false);
-    if (!isHandedOver && !(saved && saved->isSimplePayment())) {
-        recovery = books::savedRecovery(session.WorkDate, session.action.JunNo, session.UserID,
-                                        session.action.GCode);
-    }
-    // What the saving of the containers has left unpaid is settled as if the recovery had been keyed.
-    if (isMoved && !amounts_.total.isZero()) excess = keyRecovery(amounts_, amounts_.containerRecovery);
-    if (recovery == amounts_.containerRecovery || recovery == keptRecovery_) recovery.reset();
-    // Another amount on the saved collection may have been keyed.
-    const bool isAsked = recovery && !isHandedOver && saved;
-    if (recovery && !isAsked) excess = takeOver(*recovery);
-    holdApprovedCard();
-    if (excess.isZero() && !isAsked) return;
-    QTimer::singleShot(0, this, [this, excess, recovery, isAsked] {
-        if (!excess.isZero()) tellExcess(excess);
-        if (isAsked) askToTakeOver(*recovery);
+    const auto opening = entry_.open({session.WorkDate, action.JunNo, session.UserID, action.GCode},
+                                     session.WorkMode == app::kSalesWork,
+                                     // What the container slip handed over is used up here.
+                                     {.recovery = std::exchange(action.ContainerRecovery, std::nullopt),
+                                      .isRecoveryMoved = std::exchange(action.IsRecoveryMoved, false),
+                                      .kept = std::exchange(action.KeptSettlement, std::nullopt)});
+    action.GCode = entry_.slip().gCode;
+    action.CrateDepositSum = entry_.crateDeposit();
+    setSimplePayment(entry_.isSimplePayment());
+    if (opening.excess.isZero() && !opening.asked) return;
+    QTimer::singleShot(0, this, [this, opening] {
+        if (!opening.excess.isZero()) tellExcess(opening.excess);
+        if (opening.asked) askToTakeOver(*opening.asked);
     });
-}
-
-Won CCollectionEntryDlg::takeOver(Won recovery) {
-    return takeOverRecovery(amounts_, recovery, app::session().WorkMode != app::kSalesWork);
 }
 
 void CCollectionEntryDlg::askToTakeOver(Won recovery) {
@@ -204,40 +147,36 @@ void CCollectionEntryDlg::askToTakeOver(Won recovery) {
             u"용공회수액"_s)) {
         return;
     }
-    const Won excess = takeOver(recovery);
-    holdApprovedCard();
+    const Won excess = entry_.takeOver(recovery);
     if (!excess.isZero()) tellExcess(excess);
     showAmounts();
 }
 
 void CCollectionEntryDlg::showAmounts() {
+    const books::SettlementAmounts& amounts = entry_.amounts();
     for (const Value& value : kValues)
-        setFittedText(value.control, groupThousands(amounts_.*value.amount), ui::FontHeight::Small);
+        setFittedText(value.control, groupThousands(amounts.*value.amount), ui::FontHeight::Small);
     // A simple payment has nothing to do with the debt.
     setFittedText(
         kResultingReceivable,
-        groupThousands(isSimplePayment_ ? amounts_.previousReceivable : resultingReceivable(amounts_)),
+        groupThousands(isSimplePayment_ ? amounts.previousReceivable : resultingReceivable(amounts)),
         ui::FontHeight::Small);
     for (const int button : kSettlingButtons)
-        control(button)->setEnabled(!isSimplePayment_ && hasSomethingToSettle(amounts_));
+        control(button)->setEnabled(!isSimplePayment_ && hasSomethingToSettle(amounts));
     setFittedText(kState, approvalState(), ui::FontHeight::Small);
 }
 
 QString CCollectionEntryDlg::approvalState() const {
-    if (isApproved_) return u"결제"_s;
-    return !isPaidOnLine() && amounts_.card > Won() ? books::kNotApproved.toString() : QString();
-}
-
-bool CCollectionEntryDlg::isPaidOnLine() const {
-    const int mode = app::session().WorkMode;
-    return mode != app::kCollectionWork && mode != app::kContainerWork && !isApproved_;
+    if (entry_.isApproved()) return u"결제"_s;
+    return !entry_.isPaidOnLine() && entry_.amounts().card > Won() ? books::kNotApproved.toString()
+                                                                   : QString();
 }
 
 void CCollectionEntryDlg::keyAmount(const QString& title, Key key) {
     const auto keyed = app::askAmount(title);
     if (!keyed) return;
-    const Won excess = key(amounts_, *keyed);
-    holdApprovedCard();
+    const Won excess = key(entry_.amounts(), *keyed);
+    entry_.holdApprovedCard();
     if (!excess.isZero()) tellExcess(excess);
     showAmounts();
 }
@@ -249,70 +188,58 @@ void CCollectionEntryDlg::setSimplePayment(bool isSimplePayment) {
         control(button)->setEnabled(!isSimplePayment);
 }
 
-void CCollectionEntryDlg::holdApprovedCard() {
-    if (approvedCard_) holdCard(amounts_, *approvedCard_);
-}
-
 void CCollectionEntryDlg::settle(void (*rule)(books::SettlementAmounts&)) {
-    if (approvedCard_ && rule == settleByCard) {
+    if (entry_.isApproved() && rule == settleByCard) {
         ui::message(u"카드결제된 전표의 카드금액은 바꿀수 없습니다..!"_s);
         return;
     }
-    rule(amounts_);
-    holdApprovedCard();
+    rule(entry_.amounts());
+    entry_.holdApprovedCard();
     showAmounts();
 }
 
 void CCollectionEntryDlg::keyEarlierReceivable() {
     const auto keyed = app::askAmount(u"전미수"_s);
     if (!keyed) return;
-    collect::keyEarlierReceivable(amounts_, *keyed);
+    collect::keyEarlierReceivable(entry_.amounts(), *keyed);
     showAmounts();
 }
 
 void CCollectionEntryDlg::deletePrevious() {
-    const app::SessionValues& session = app::session();
     const auto question = askAboutPayment();
-    if (question.answer == app::PaymentAnswer::Open) {
+    if (question.answer == books::PaymentAnswer::Open) {
         ui::message(books::refuseToDelete(*question.inTheWay));
         return;
     }
-    if (question.answer == app::PaymentAnswer::Approved) return takeApproval();
-    if (isApproved_ ? !ui::confirm(u"카드결제된 입금표를 삭제할까요?"_s, u"카드결제된 입금표삭제"_s)
-                    : !ui::confirm(u"입금전표내역을 삭제할까요?"_s, u"입금전표삭제"_s,
-                                   ui::MessageIcon::Information)) {
+    if (question.answer == books::PaymentAnswer::Approved) return takeApproval();
+    if (entry_.isApproved() ? !ui::confirm(u"카드결제된 입금표를 삭제할까요?"_s, u"카드결제된 입금표삭제"_s)
+                            : !ui::confirm(u"입금전표내역을 삭제할까요?"_s, u"입금전표삭제"_s,
+                                           ui::MessageIcon::Information)) {
         return;
     }
-    // Another customer's collection is not this one's to delete.
-    if (!isOthers_ && !books::removeCollection(session.WorkDate, session.action.JunNo, session.UserID)) {
+    if (!entry_.remove()) {
         ui::message(u"입금전표를 삭제하지 못했습니다..!"_s);
         return;
     }
     ui::message(u"이전입금전표내역을 삭제하였습니다.."_s);
-    isApproved_ = false;
-    approvedCard_.reset();
-    if (isSimplePayment_) amounts_ = {};
     setSimplePayment(false);
-    amounts_.previousReceivable = books::previousReceivable(session.action.GCode, session.WorkDate,
-                                                            session.action.JunNo, session.UserID);
     showAmounts();
 }
 
-app::PaymentQuestion CCollectionEntryDlg::askAboutPayment() {
-    return app::askAboutPayments([] {
-        const app::SessionValues& session = app::session();
-        return books::unsettledPayment(session.WorkDate, session.action.JunNo, session.UserID);
-    });
+books::PaymentQuestion CCollectionEntryDlg::askAboutPayment() {
+    const books::SlipIdentity& slip = entry_.slip();
+    return books::askAboutPayments(
+        [&] { return books::unsettledPayment(slip.date, slip.junNo, slip.userId); }, app::askHost);
 }
 
 bool CCollectionEntryDlg::isPaymentSettled() {
-    const app::PaymentQuestion question = askAboutPayment();
-    if (question.answer == app::PaymentAnswer::Approved) takeApproval();
-    if (question.answer == app::PaymentAnswer::Free) return !isApprovalPutBack();
-    if (question.answer != app::PaymentAnswer::Open) return false;
+    const books::PaymentQuestion question = askAboutPayment();
+    if (question.answer == books::PaymentAnswer::Approved) takeApproval();
+    if (question.answer == books::PaymentAnswer::Free) return !isApprovalPutBack();
+    if (question.answer != books::PaymentAnswer::Open) return false;
     // Credit asks nobody for money twice: the visit ends, and an approval that is found turns it into the
     // card amount.
-    if (amounts_.card.isZero() && amounts_.cash.isZero()) {
+    if (entry_.amounts().card.isZero() && entry_.amounts().cash.isZero()) {
         return ui::confirm(
             u"%1의 결과를 확인하는 중입니다. 외상으로 저장하고, 승인이 확인되면 그 결제로 바꿀까요?"_s.arg(
                 books::describePayment(*question.inTheWay)),
@@ -323,19 +250,17 @@ bool CCollectionEntryDlg::isPaymentSettled() {
 }
 
 bool CCollectionEntryDlg::isApprovalPutBack() {
-    app::SessionValues& session = app::session();
-    const auto lost = books::approvalWithoutSlip(
-        {session.WorkDate, session.action.JunNo, session.UserID, session.action.GCode});
-    if (!lost || isApproved_) return false;
+    const auto lost = books::approvalWithoutSlip(entry_.slip());
+    if (!lost || entry_.isApproved()) return false;
     if (!ui::askYesNo(books::askToPutBack(*lost), u"승인된 결제"_s)) return false;
     const auto back = books::putApprovalBack(lost->number);
     if (!back) {
         ui::message(u"결제를 되돌리지 못했습니다..!"_s);
-    } else if (back->JunNo == session.action.JunNo && back->UserID == session.UserID) {
+    } else if (back->JunNo == entry_.slip().junNo && back->UserID == entry_.slip().userId) {
         takeApproval();
     } else {
         // It has lowered the debt; this sale is settled with that, not as it was keyed.
-        session.action.KeptSettlement.reset();
+        app::session().action.KeptSettlement.reset();
         load();
         showAmounts();
         ui::message(
@@ -346,10 +271,7 @@ bool CCollectionEntryDlg::isApprovalPutBack() {
 }
 
 void CCollectionEntryDlg::takeApproval() {
-    app::SessionValues& session = app::session();
-    const auto paid = books::loadCollection(session.WorkDate, session.action.JunNo, session.UserID);
-    if (!paid || paid->amounts().total != amounts_.total || paid->YDMoney != amounts_.containerRecovery ||
-        !paid->UnderMoney.isZero()) {
+    if (!entry_.isPaidAsShown()) {
         // The slip was changed meanwhile: what it is worth more or less is unpaid, which the screen has to
         // show first.
         load();
@@ -357,51 +279,43 @@ void CCollectionEntryDlg::takeApproval() {
         return;
     }
     // The visit is paid already, by what the card was charged then.
-    session.SlipDone = 1;
+    app::session().SlipDone = 1;
     close(Accepted);
 }
 
 void CCollectionEntryDlg::finish() {
-    if (nothingToSettle(amounts_)) {
+    const books::SettlementAmounts& amounts = entry_.amounts();
+    if (nothingToSettle(amounts)) {
         ui::message(
             u"카드결제&현금결제&전미수입금&미결제액&용공회수액 중에서  금액이 0원 이상이여야 합니다.."_s);
         return;
     }
-    if ((isPaidOnLine() && !books::isChargeOneAmount(amounts_)) ||
-        (!isApproved_ && (hasCardBesideExcess(amounts_) || isOutdated(amounts_)))) {
-        const bool isCard = books::chargeKind(amounts_) == books::ChargeKind::Card;
+    if (entry_.isToSettleAgain()) {
+        const bool isCard = books::chargeKind(amounts) == books::ChargeKind::Card;
         ui::message(u"%1금액이 결제할 금액 ['%2'원]과 다릅니다..! [%1입금]을 다시 누르세요!!"_s.arg(
-            isCard ? u"카드"_s : u"현금"_s, groupThousands(books::amountToSettle(amounts_))));
+            isCard ? u"카드"_s : u"현금"_s, groupThousands(books::amountToSettle(amounts))));
         return;
     }
     if (!isPaymentSettled()) return;
     // The card screen may come back without a payment.
-    keep();
+    app::session().action.KeptSettlement = entry_.kept();
     // Without its row an approval would have no place, so the way to the card ends here.
     if (!save()) {
         ui::message(u"입금전표를 저장하지 못했습니다..!"_s);
         return;
     }
     books::resetTransactionRecord();
-    books::transactionRecord().amounts = amounts_;
-    closeAndOpen(isPaidOnLine() ? app::dialogs::kCard : app::dialogs::kSlipPrinting);
+    books::transactionRecord().amounts = amounts;
+    closeAndOpen(entry_.isPaidOnLine() ? app::dialogs::kCard : app::dialogs::kSlipPrinting);
 }
 
 bool CCollectionEntryDlg::save() const {
-    const app::SessionValues& session = app::session();
-    books::CollectionSlip slip;
-    slip.DDate = session.WorkDate;
-    slip.GCode = session.action.GCode;
-    slip.GName = session.action.GName;
-    slip.JunNo = session.action.JunNo;
-    slip.UserID = session.UserID;
-    slip.setAmounts(amounts_, session.action.CrateDepositSum);
     const ui::WaitCursor wait;
-    return isPaidOnLine() && amounts_.card > Won() ? books::saveForCard(slip) : books::saveCollection(slip);
+    return entry_.save(app::session().action.GName);
 }
 
 void CCollectionEntryDlg::goBack() {
-    keep();
+    app::session().action.KeptSettlement = entry_.kept();
     // A card payment that was not made, and that the host was asked about here.
     app::takeBackUnpaid();
     close(Cancelled);

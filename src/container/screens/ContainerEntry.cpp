@@ -77,24 +77,13 @@ std::optional<ContainerCounts> ContainerEntry::askCounts(const QString& pCode, c
 
 bool ContainerEntry::addLine(const QString& pCode, const ContainerCounts& counts) {
     const app::SessionValues& session = app::session();
-    const ContainerProduct product = containerProduct(pCode).value_or(ContainerProduct{});
-    ContainerLine line;
-    line.DDate = session.WorkDate;
-    line.GCode = session.action.GCode;
-    line.GName = session.action.GName;
-    line.JunNo = session.action.JunNo;
-    line.PCode = pCode;
-    line.PName = product.pname;
-    line.setCounts(counts);
-    line.setAmounts(containerAmounts(counts, product.prices));
-    return insertLine(line);
+    return addProduct({session.WorkDate, session.action.JunNo, session.UserID, session.action.GCode},
+                      session.action.GName, pCode, counts);
 }
 
 bool ContainerEntry::recount(const ContainerKey& key, const ContainerCounts& counts) {
-    const auto product = containerProduct(key.PCode);
-    // Without its prices the line would be worth nothing.
-    if (!product) ui::message(u"품목코드에서 해당품목이 없습니다..!"_s);
-    return product && replaceCounts(key, counts, containerAmounts(counts, product->prices));
+    if (!containerProduct(key.PCode)) ui::message(u"품목코드에서 해당품목이 없습니다..!"_s);
+    return container::recount(key, counts);
 }
 
 void ContainerEntry::finish() {

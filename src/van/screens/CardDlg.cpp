@@ -156,24 +156,15 @@ void CCardDlg::cardSwiped() {
 }
 
 bool CCardDlg::isPaymentFree() {
-    // Every open payment is asked about, whoever's it is: the line is needed anyway.
-    const books::JournalPayment wanted = journalPayment({});
-    const auto inTheWay = [&] { return books::findInTheWay(books::unsettledPayments(), wanted); };
-    if (!inTheWay() && books::hasUnsettledPayments()) ui::runScreen(app::dialogs::kPaymentCheck);
-    const app::PaymentQuestion question = app::askAboutPayments(inTheWay);
-    if (question.answer == app::PaymentAnswer::Open) {
-        ui::message(books::refuseToPay(*question.inTheWay));
-    } else if (question.answer == app::PaymentAnswer::Approved) {
-        const books::SlipIdentity& slip = books::transactionRecord().slip;
-        const auto last = books::lastPayment(slip.date, slip.junNo, slip.userId);
-        isApproved_ = last && last->number == question.inTheWay->number;
-    }
+    const auto question = books::askBeforePaying(journalPayment({}), app::askHost);
+    if (question.answer == books::PaymentAnswer::Open) ui::message(books::refuseToPay(*question.inTheWay));
+    isApproved_ |= question.isPaid;
     if (isApproved_) {
         showApproval(question.inTheWay->charged);
         ReaderEnable(false);
     }
     // After an approval that nobody expected the salesman decides anew, with another swipe.
-    return question.answer == app::PaymentAnswer::Free;
+    return question.answer == books::PaymentAnswer::Free;
 }
 
 bool CCardDlg::isThisSlipOpen() const {
@@ -249,17 +240,10 @@ void CCardDlg::send(RequestKind kind, books::RequestType type) {
 
 books::JournalPayment CCardDlg::journalPayment(const QString& number) const {
     const books::TransactionRecord& record = books::transactionRecord();
-    books::JournalPayment payment;
+    books::JournalPayment payment =
+        books::paymentToSend(record.slip, app::session().action.GName, record.amounts, record.cardPaymentFlag,
+                             isVisit(), sentTime_);
     payment.number = number;
-    payment.isCard = books::chargeKind(record.amounts, record.cardPaymentFlag) == books::ChargeKind::Card;
-    payment.charged = books::amountToCharge(record.amounts, record.cardPaymentFlag);
-    payment.slip = simplePayment();
-    if (isVisit()) {
-        const auto saved = books::loadCollection(record.slip.date, record.slip.junNo, record.slip.userId);
-        if (saved) payment.slip = *saved;
-    }
-    payment.slip.MSGSENDTIME = sentTime_;
-    payment.slip.BANKTRANNO.clear();
     return payment;
 }
 
@@ -308,16 +292,7 @@ bool CCardDlg::recordApproval() {
 
 books::CollectionSlip CCardDlg::simplePayment() const {
     const books::TransactionRecord& record = books::transactionRecord();
-    books::CollectionSlip slip;
-    slip.Gubun = books::kSimplePaymentSlip.toString();
-    slip.DTime = platform::clock::now().toString(u"HH:mm"_s);
-    slip.DDate = record.slip.date;
-    slip.GCode = record.slip.gCode;
-    slip.GName = app::session().action.GName;
-    slip.JunNo = record.slip.junNo;
-    slip.UserID = record.slip.userId;
-    slip.setAmounts(record.amounts, {});
-    slip.MSGSENDTIME = sentTime_;
+    auto slip = books::simplePaymentSlip(record.slip, app::session().action.GName, record.amounts, sentTime_);
     slip.BANKTRANNO = record.reply.transactionNumber;
     return slip;
 }

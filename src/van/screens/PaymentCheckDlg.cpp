@@ -19,7 +19,6 @@ using namespace Qt::Literals::StringLiterals;
 
 enum Control { kCustomer = 1059, kSlip = 1088, kAmount = 1084 };
 constexpr short kAnsweredNumberField = 1131;
-constexpr QStringView kNeverReceived = u"0019";
 
 QString won(platform::Won amount) {
     return platform::groupDigits(platform::formatWon(amount)) + u"원"_s;
@@ -80,12 +79,13 @@ void CPaymentCheckDlg::answered() {
         close(Cancelled);
         return;
     }
-    switch (judge(asked_, reply_, answeredNumber_)) {
-        case PaymentVerdict::Approved: approved(); break;
+    // Looked up before the approval makes the slip "결제", which would pass for printed.
+    const print::SlipPapers papers(asked_.slip.DDate, asked_.slip.JunNo, asked_.slip.UserID);
+    const SettledPayment settled = settle(asked_, reply_, answeredNumber_);
+    switch (settled.verdict) {
+        case PaymentVerdict::Approved: approved(settled.slip, papers); break;
         case PaymentVerdict::NotCharged:
-            if (books::settlePayment(asked_.number, reply_.responseCode == kNeverReceived
-                                                        ? books::PaymentState::Released
-                                                        : books::PaymentState::Refused)) {
+            if (settled.isKept) {
                 ui::message(u"결제되지 않았습니다..! %1은 청구되지 않았습니다."_s.arg(named(asked_)));
             } else {
                 ui::message(u"결제결과를 저장하지 못했습니다..! "_s + named(asked_));
@@ -99,10 +99,8 @@ void CPaymentCheckDlg::answered() {
     QTimer::singleShot(0, this, [this] { askNext(); });
 }
 
-void CPaymentCheckDlg::approved() {
-    // Looked up before the approval makes the slip "결제", which would pass for printed.
-    const print::SlipPapers papers(asked_.slip.DDate, asked_.slip.JunNo, asked_.slip.UserID);
-    const auto slip = books::approvePayment(asked_.number, reply_.transactionNumber);
+void CPaymentCheckDlg::approved(const std::optional<books::CollectionSlip>& slip,
+                                const print::SlipPapers& papers) {
     if (!slip) {
         ui::message(
             u"승인되었으나 전표에 저장하지 못했습니다..! 거래번호 : %1"_s.arg(reply_.transactionNumber));

@@ -24,7 +24,8 @@ class CPaymentCheckDlg : public ui::Screen {
     void show(const books::JournalPayment& payment);
     void askNext();
     void answered();
-    void approved();
+    /// Tells of the approval, with the slip as it stands, and offers its papers.
+    void approved(const std::optional<books::CollectionSlip>& slip, const print::SlipPapers& papers);
     void print(print::SlipPapers papers, const books::CollectionSlip& slip);
 
     CKsnet_msg_lib component_;

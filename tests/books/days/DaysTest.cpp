@@ -245,10 +245,5 @@ TEST_F(Days, KnownOnes) {
     }
 }
 
-/// The same seed makes the same days.
-TEST_F(Days, RepeatThemselves) {
-    EXPECT_EQ(random(7, 300).words, random(7, 300).words);
-}
-
 }  // namespace
 }  // namespace days

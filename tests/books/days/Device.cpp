@@ -135,21 +135,13 @@ void Device::execute(const char* statements) {
 }
 
 void Device::addOrder(const Goods& order) {
-    const auto words = [](const std::string& text) { return QString::fromStdString(text); };
     const auto& [date, number, user] = order.visit.key;
-    const QString boxes = QString::number(order.boxes), supply = QString::number(order.supply);
-    device_.insert(u"MTM", {{u"DDate", words(date)},
-                            {u"JunNo", words(number)},
-                            {u"UserID", words(user)},
-                            {u"GCode", words(order.visit.customer)},
-                            {u"WorkGubun", u"미처리"},
-                            {u"PCode", words(order.product)},
-                            {u"Box", boxes},
-                            {u"Bon", u"0"},
-                            {u"MMoney", supply},
-                            {u"BMoney", QString::number(order.vat)},
-                            {u"YMoney", u"0"},
-                            {u"GMoney", u"0"}});
+    const std::string values = date + "','" + number + "','" + user + "','" + order.visit.customer + "','" +
+                               order.product + "'," + std::to_string(order.boxes) + "," +
+                               std::to_string(order.supply) + "," + std::to_string(order.vat);
+    device_.execute(
+        u"INSERT INTO MTM (DDate,JunNo,UserID,GCode,PCode,Box,MMoney,BMoney,WorkGubun,Bon,YMoney,GMoney) "
+        "VALUES ('%1,'미처리','0','0','0')"_s.arg(QString::fromStdString(values)));
 }
 
 Page Device::page(const char* paymentNumber) {

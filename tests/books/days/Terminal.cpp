@@ -87,10 +87,7 @@ void Terminal::menu(int mode, Screen screen) {
     customer_.clear();
     number_.clear();
     state_.clear();
-    handedOver_.reset();
-    kept_.reset();
-    isRecoveryMoved_ = false;
-    crateDeposit_ = {};
+    handover_ = {};
     device_.execute("DELETE FROM TEMP; DELETE FROM YTEMP");
     screens_ = {screen};
 }
@@ -168,7 +165,7 @@ std::string Terminal::backTap() {
         return {};
     }
     if (isAt(Screen::Entry)) {
-        keepSettlement();
+        handover_.kept = entry_.kept();
         takeBackUnpaid();
     }
     back();
@@ -197,7 +194,7 @@ std::string Terminal::menuTap(const Action& action) {
 
 void Terminal::openSimple(unsigned pick) {
     menu(6, Screen::Simple);
-    amounts_ = {};
+    entry_ = {};
     isTold_ = false;
     customer_ = pick % 3 == 0 ? u"XXXX"_s : customers()[pick / 3 % 3];
     number_ = books::nextSimplePaymentNumber(date_);
@@ -218,7 +215,7 @@ void Terminal::closeDay(unsigned pick) {
 }
 
 Won Terminal::amountFrom(const Action& action) const {
-    const Won total = (amounts_.sales + amounts_.deposit).value();
+    const Won total = (entry_.amounts().sales + entry_.amounts().deposit).value();
     const Won choices[] = {0,     total,         total + 10000, 5000 * Won(action.pick % 8),
                            30000, total - 30000, 35000,         -5000};
     return choices[action.amount % std::size(choices)];
@@ -281,7 +278,7 @@ void Terminal::paySale(unsigned pick) {
 
 void Terminal::deleteChosen(Event::Kind kind, const Action& action) {
     if (!mayDelete(action.pick / 8)) return;
-    kept_.reset();
+    handover_.kept.reset();
     Event deleted = event(kind);
     const bool alsoPayments = kind == Event::Kind::EmptiesDeleted ||
                               mayDeletePayments(&deleted, state_ == sales::kPaid, action.amount);

@@ -8,8 +8,7 @@
 
 #include "Device.h"
 #include "Judge.h"
-#include "books/CollectionSlip.h"
-#include "books/PaymentJournal.h"
+#include "books/OpenPayments.h"
 #include "books/TransactionRecord.h"
 #include "collect/CollectionEntry.h"
 #include "platform/Rows.h"
@@ -137,27 +136,19 @@ class Terminal {
     void finishEmpties();
     void openEntry(unsigned pick);
     void loadEntry(unsigned pick);
-    void goOnWithKept(const collect::OpenedEntry& entry);
-    void keepSettlement();
-    void holdCard();
     bool finishEntry(unsigned pick);
     bool forgetCollection(unsigned pick);
     bool isPaymentSettled(unsigned pick);
     bool isApprovalPutBack(unsigned pick);
     void takeApproval(unsigned pick);
-    bool isPaidOnLine() const;
     void openCard();
     bool isPaymentFree(unsigned pick);
     void swipe(unsigned pick);
-    books::JournalPayment journalPayment(const QString& number) const;
+    books::JournalPayment journalPayment() const;
     void backFromCard();
     void finishCard();
     void inquire(unsigned pick);
-    /// What becomes of a payment that is in the way of something.
-    enum class Answer { Free, Approved, Open };
-    using Find = std::function<std::optional<books::JournalPayment>()>;
-    Answer ask(unsigned pick, const Find& find, QString* found = nullptr);
-    Answer askAboutSlip(unsigned pick, const QString& user);
+    books::PaymentAnswer askAboutSlip(unsigned pick, const QString& user);
     void takeBackUnpaid();
     bool mayDelete(unsigned pick);
     bool mayDeletePayments(Event* deleted, bool isPaid, unsigned pick);
@@ -183,16 +174,9 @@ class Terminal {
     QString user_, date_;
     int mode_ = 0;
     QString customer_, number_, state_, kind_;
-    platform::Won crateDeposit_;
-    std::optional<platform::Won> handedOver_;
-    bool isRecoveryMoved_ = false, hasUnsavedLines_ = false;
-    books::SettlementAmounts amounts_;
-    std::optional<platform::Won> approvedCard_;
-    /// What the entry was opened with, what was kept of the one before, and the containers that are in it.
-    books::KeptSettlement opened_;
-    std::optional<books::KeptSettlement> kept_;
-    std::optional<platform::Won> keptRecovery_;
-    bool isOthers_ = false, isApproved_ = false, isSimple_ = false, isTold_ = false;
+    collect::CollectionEntry::Handover handover_;
+    collect::CollectionEntry entry_;  ///< Its amounts are the simple payment's, too.
+    bool hasUnsavedLines_ = false, isTold_ = false;
     books::SettlementAmounts charged_;  ///< The record of the card dialog.
     std::string payment_;               ///< The number of its exchange.
     bool isPaid_ = false;

@@ -4,7 +4,6 @@
 
 #include "Terminal.h"
 #include "books/Charge.h"
-#include "books/ContainerBalance.h"
 #include "books/OpenPayments.h"
 #include "collect/Settlement.h"
 #include "collect/SimplePayment.h"
@@ -14,11 +13,11 @@
 namespace days {
 
 using namespace Qt::Literals::StringLiterals;
+using books::PaymentAnswer;
 
 // --- the collection
 
-Amounts Terminal::shown() const {
-    const books::SettlementAmounts& a = isAt(Screen::Card) ? charged_ : amounts_;
+static Amounts told(const books::SettlementAmounts& a) {
     return {a.sales.value(),   a.supply.value(),
             a.vat.value(),     a.nonLiquor.value(),
             a.deposit.value(), a.containerRecovery.value(),
@@ -26,66 +25,32 @@ Amounts Terminal::shown() const {
             a.unpaid.value(),  a.earlierReceivable.value()};
 }
 
+Amounts Terminal::shown() const {
+    return told(isAt(Screen::Card) ? charged_ : entry_.amounts());
+}
+
 void Terminal::openEntry(unsigned pick) {
     screens_.push_back(Screen::Entry);
     loadEntry(pick);
 }
 
-/// What the dialog of the collection does when it is made.
 void Terminal::loadEntry(unsigned pick) {
-    const collect::OpenedEntry entry = collect::openEntry({date_, number_, user_, customer_});
-    const auto& saved = entry.saved;
-    amounts_ = entry.amounts;
-    customer_ = entry.gCode;
-    crateDeposit_ = entry.crateDeposit;
-    isOthers_ = entry.isOthers;
-    isApproved_ = saved && saved->isApproved();
-    isSimple_ = saved && saved->isSimplePayment();
+    const auto handover = std::exchange(handover_, {});
+    const auto opening = entry_.open({date_, number_, user_, customer_}, mode_ == 1, handover);
+    customer_ = entry_.slip().gCode;
     isTold_ = false;
-    approvedCard_.reset();
-    if (isApproved_) approvedCard_ = amounts_.card;
-    auto recovery = std::exchange(handedOver_, std::nullopt);
-    const bool isHandedOver = recovery.has_value();
-    const bool isMoved = std::exchange(isRecoveryMoved_, false);
-    if (!isHandedOver && !isSimple_) recovery = books::savedRecovery(date_, number_, user_, customer_);
-    if (isMoved && !amounts_.total.isZero()) collect::keyRecovery(amounts_, amounts_.containerRecovery);
-    tell(event(Event::Kind::OpenCollection));
-    opened_ = {{date_, number_, user_, customer_}, entry.amounts, {}, std::nullopt};
-    opened_.recovery = recovery;
-    goOnWithKept(entry);
-    if (recovery == amounts_.containerRecovery || recovery == keptRecovery_) recovery.reset();
-    const bool isAsked = recovery && !isHandedOver && saved;
-    if (recovery && (!isAsked || answer(u"용공회수액", pick % 2 == 0))) {
-        collect::takeOverRecovery(amounts_, *recovery, mode_ != 1);
-        tell(event(Event::Kind::TookWorth));
-    } else if (recovery) {
-        tell(event(Event::Kind::KeptRecovery));
+    Event opened = event(Event::Kind::OpenCollection);
+    if (opening.isGoneOn) opened.shown = told(entry_.opened());
+    tell(opened);
+    if (opening.isGoneOn) {
+        Event shownAgain = event(Event::Kind::GoneOn);
+        shownAgain.isSame = handover.kept->opened == entry_.opened();
+        tell(shownAgain);
     }
-    holdCard();
-}
-
-/// What the dialog shows of the settlement that was left before.
-void Terminal::goOnWithKept(const collect::OpenedEntry& entry) {
-    const auto before = std::exchange(kept_, std::nullopt);
-    keptRecovery_.reset();
-    if (!before || isApproved_ || isSimple_) return;
-    const auto goneOn = collect::goOn(*before, opened_.slip, entry, opened_.recovery);
-    if (!goneOn) return;
-    amounts_ = *goneOn;
-    keptRecovery_ = before->recovery;
-    Event shownAgain = event(Event::Kind::GoneOn);
-    shownAgain.isSame = before->opened == entry.amounts;
-    tell(shownAgain);
-}
-
-void Terminal::keepSettlement() {
-    if (isApproved_ || isSimple_) return;
-    opened_.keyed = amounts_;
-    kept_ = opened_;
-}
-
-void Terminal::holdCard() {
-    if (approvedCard_) collect::holdCard(amounts_, *approvedCard_);
+    const bool isTaken = opening.asked && answer(u"용공회수액", pick % 2 == 0);
+    if (isTaken) entry_.takeOver(*opening.asked);
+    if (isTaken || opening.hasTakenOver) tell(event(Event::Kind::TookWorth));
+    if (opening.asked && !isTaken) tell(event(Event::Kind::KeptRecovery));
 }
 
 std::string Terminal::entryTap(const Action& action) {
@@ -93,22 +58,22 @@ std::string Terminal::entryTap(const Action& action) {
     const Won keyed = amountFrom(action);
     Event done = event(Event::Kind::Screen);
     done.keyed = keyed;
-    done.isApproved = approvedCard_.has_value();
+    done.isApproved = entry_.isApproved();
     const auto key = [&](Event::Kind kind, auto rule) {
         done.kind = kind;
-        rule(amounts_, platform::Won(keyed));
-        holdCard();
+        rule(entry_.amounts(), platform::Won(keyed));
+        entry_.holdApprovedCard();
     };
     const auto settle = [&](Event::Kind kind, auto rule) {
         // The buttons are disabled.
-        if (!collect::hasSomethingToSettle(amounts_)) return;
+        if (!collect::hasSomethingToSettle(entry_.amounts())) return;
         done.kind = kind;
-        done.isRefused = approvedCard_ && kind == Event::Kind::Card;
+        done.isRefused = entry_.isApproved() && kind == Event::Kind::Card;
         if (done.isRefused) return;
-        rule(amounts_);
-        holdCard();
+        rule(entry_.amounts());
+        entry_.holdApprovedCard();
     };
-    if (isSimple_ && action.tap <= OnCredit) return "(disabled)";
+    if (entry_.isSimplePayment() && action.tap <= OnCredit) return "(disabled)";
     if (action.tap <= KeyEarlier) hand_.keyed << QString::number(keyed);
     switch (action.tap) {
         case KeySales: key(Event::Kind::KeySales, collect::keySales); break;
@@ -118,7 +83,7 @@ std::string Terminal::entryTap(const Action& action) {
         case KeyRecovery: key(Event::Kind::KeyRecovery, collect::keyRecovery); break;
         case KeyEarlier:
             done.kind = Event::Kind::KeyEarlier;
-            collect::keyEarlierReceivable(amounts_, platform::Won(keyed));
+            collect::keyEarlierReceivable(entry_.amounts(), platform::Won(keyed));
             break;
         case ByCard: settle(Event::Kind::Card, collect::settleByCard); break;
         case InCash: settle(Event::Kind::Cash, collect::settleInCash); break;
@@ -132,44 +97,36 @@ std::string Terminal::entryTap(const Action& action) {
 }
 
 bool Terminal::forgetCollection(unsigned pick) {
-    const Answer asked = askAboutSlip(pick / 8, user_);
-    if (asked == Answer::Approved) takeApproval(pick);
-    if (asked != Answer::Free || (isApproved_ && !answer(u"카드결제된 입금표삭제", pick % 3 != 0)))
+    const PaymentAnswer asked = askAboutSlip(pick / 8, user_);
+    if (asked == PaymentAnswer::Approved) takeApproval(pick);
+    if (asked != PaymentAnswer::Free ||
+        (entry_.isApproved() && !answer(u"카드결제된 입금표삭제", pick % 3 != 0)))
         return false;
     Event forgotten = event(Event::Kind::CollectionForgotten);
-    forgotten.hasCardQuestion = isApproved_;
-    forgotten.isRefused = isOthers_ || !books::removeCollection(date_, number_, user_);
-    if (!forgotten.isRefused || isOthers_) {
-        isApproved_ = false;
-        approvedCard_.reset();
-        if (std::exchange(isSimple_, false)) amounts_ = {};
-        amounts_.previousReceivable = books::previousReceivable(customer_, date_, number_, user_);
-    }
+    forgotten.hasCardQuestion = entry_.isApproved();
+    forgotten.isRefused = !entry_.remove() || entry_.isOthers();
     forgotten.shown = shown();
     tell(forgotten);
     return !forgotten.isRefused;
 }
 
-bool Terminal::isPaidOnLine() const {
-    return mode_ != 2 && mode_ != 3 && !isApproved_;
-}
-
 /// False when the slip may not be settled: its payment is open, or has become known meanwhile.
 bool Terminal::isPaymentSettled(unsigned pick) {
     switch (askAboutSlip(pick / 8, user_)) {
-        case Answer::Free: return !isApprovalPutBack(pick);
-        case Answer::Approved: takeApproval(pick); return false;
-        case Answer::Open: break;
+        case PaymentAnswer::Free: return !isApprovalPutBack(pick);
+        case PaymentAnswer::Approved: takeApproval(pick); return false;
+        case PaymentAnswer::Open: break;
     }
     // Credit asks nobody for money twice.
-    return amounts_.card.isZero() && amounts_.cash.isZero() && answer(u"카드결제 확인중", pick % 4 != 0);
+    return entry_.amounts().card.isZero() && entry_.amounts().cash.isZero() &&
+           answer(u"카드결제 확인중", pick % 4 != 0);
 }
 
 bool Terminal::isApprovalPutBack(unsigned pick) {
     const books::SlipIdentity slip{date_, number_, user_, customer_};
     const bool isSimple = isAt(Screen::Simple);
     const auto lost = isSimple ? books::deletedPayment(slip) : books::approvalWithoutSlip(slip);
-    if (!lost || (!isSimple && isApproved_)) return false;
+    if (!lost || (!isSimple && entry_.isApproved())) return false;
     isTold_ = true;
     if (!answer(u"승인된 결제", pick % 2 != 0)) return false;
     Event back = event(Event::Kind::ApprovalBack);
@@ -183,7 +140,7 @@ bool Terminal::isApprovalPutBack(unsigned pick) {
     } else if (row->JunNo == number_ && row->UserID == user_) {
         takeApproval(pick);
     } else {
-        kept_.reset();
+        handover_.kept.reset();
         loadEntry(pick);
     }
     return true;
@@ -191,37 +148,20 @@ bool Terminal::isApprovalPutBack(unsigned pick) {
 
 /// The visit is paid already. Where it was changed meanwhile the screen has to show it first.
 void Terminal::takeApproval(unsigned pick) {
-    const auto paid = books::loadCollection(date_, number_, user_);
-    if (!paid || paid->amounts().total != amounts_.total || paid->YDMoney != amounts_.containerRecovery ||
-        !paid->UnderMoney.isZero()) {
-        loadEntry(pick);
-    } else {
-        screens_.clear();
-    }
+    entry_.isPaidAsShown() ? screens_.clear() : loadEntry(pick);
 }
 
 bool Terminal::finishEntry(unsigned pick) {
-    if (collect::nothingToSettle(amounts_)) return false;
-    if (isPaidOnLine() && !books::isChargeOneAmount(amounts_)) return false;
-    if (!isApproved_ && (collect::hasCardBesideExcess(amounts_) || collect::isOutdated(amounts_)))
+    if (collect::nothingToSettle(entry_.amounts()) || entry_.isToSettleAgain() || !isPaymentSettled(pick))
         return false;
-    if (!isPaymentSettled(pick)) return false;
-    keepSettlement();
-    books::CollectionSlip slip;
-    slip.DDate = date_;
-    slip.GCode = slip.GName = customer_;
-    slip.JunNo = number_;
-    slip.UserID = user_;
-    slip.setAmounts(amounts_, crateDeposit_);
+    handover_.kept = entry_.kept();
     Event saved = event(Event::Kind::CollectionSaved);
-    saved.isApproved = isApproved_;
-    const bool isOnLine = isPaidOnLine();
-    saved.isRefused = !(isOnLine && amounts_.card > platform::Won() ? books::saveForCard(slip)
-                                                                    : books::saveCollection(slip));
+    saved.isApproved = entry_.isApproved();
+    saved.isRefused = !entry_.save(customer_);
     tell(saved);
     if (saved.isRefused) return false;
-    if (isOnLine) {
-        charged_ = amounts_;
+    if (entry_.isPaidOnLine()) {
+        charged_ = entry_.amounts();
         openCard();
     } else {
         screens_.clear();
@@ -244,36 +184,17 @@ void Terminal::openCard() {
 }
 
 bool Terminal::isPaymentFree(unsigned pick) {
-    const books::JournalPayment wanted = journalPayment({});
-    const auto inTheWay = [&] { return books::findInTheWay(books::unsettledPayments(), wanted); };
-    if (!inTheWay() && books::hasUnsettledPayments()) inquire(pick);
-    QString found;
-    const Answer asked = ask(pick / 3, inTheWay, &found);
-    if (asked == Answer::Approved) {
-        const auto last = books::lastPayment(date_, number_, user_);
-        isPaid_ = last && last->number == found;
-    }
-    return asked == Answer::Free;
+    const books::JournalPayment wanted = journalPayment();
+    bool isOthersFirst = !books::findInTheWay(books::unsettledPayments(), wanted);
+    const auto question = books::askBeforePaying(
+        wanted, [&] { inquire(std::exchange(isOthersFirst, false) ? pick : pick / 3); });
+    isPaid_ = question.isPaid;
+    return question.answer == PaymentAnswer::Free;
 }
 
-books::JournalPayment Terminal::journalPayment(const QString& number) const {
-    books::JournalPayment payment;
-    payment.number = number;
-    payment.isCard = books::chargeKind(charged_) == books::ChargeKind::Card;
-    payment.charged = books::amountToCharge(charged_);
-    books::CollectionSlip& slip = payment.slip;
-    slip.Gubun = books::kSimplePaymentSlip.toString();
-    slip.DDate = date_;
-    slip.GCode = slip.GName = customer_;
-    slip.JunNo = number_;
-    slip.UserID = user_;
-    slip.setAmounts(charged_, {});
-    if (mode_ != 6) {
-        if (const auto saved = books::loadCollection(date_, number_, user_)) slip = *saved;
-    }
-    slip.MSGSENDTIME = platform::clock::now().toString(u"yyyyMMddHHmmss"_s);
-    slip.BANKTRANNO.clear();
-    return payment;
+books::JournalPayment Terminal::journalPayment() const {
+    return books::paymentToSend({date_, number_, user_, customer_}, customer_, charged_, 0, mode_ != 6,
+                                platform::clock::now().toString(u"yyyyMMddHHmmss"_s));
 }
 
 void Terminal::swipe(unsigned pick) {
@@ -283,7 +204,9 @@ void Terminal::swipe(unsigned pick) {
     hand_.keyed << u"1234"_s;
     if (books::chargeKind(charged_) == books::ChargeKind::Nothing) return;
     const QString number = QStringLiteral("%1").arg(++messages_, 32, 10, QLatin1Char('0'));
-    if (!books::notePayment(journalPayment(number))) return;
+    books::JournalPayment payment = journalPayment();
+    payment.number = number;
+    if (!books::notePayment(payment)) return;
     Event sent = event(Event::Kind::PaymentSent);
     payment_ = number.toStdString();
     sent.asked = books::amountToCharge(charged_).value();
@@ -364,31 +287,16 @@ void Terminal::inquire(unsigned pick) {
         books::HostReply reply;
         reply.responseCode = decision.isCharged ? u"0000"_s : decision.isRefused ? u"0099"_s : u"0019"_s;
         reply.transactionNumber = QString::fromStdString(decision.approval);
-        const bool isTold =
-            van::judge(payment, reply, payment.number) == van::PaymentVerdict::Approved
-                ? books::approvePayment(payment.number, reply.transactionNumber).has_value()
-                : books::settlePayment(payment.number, decision.isRefused ? books::PaymentState::Refused
-                                                                          : books::PaymentState::Released);
-        if (isTold) {
+        if (van::settle(payment, reply, payment.number).isKept)
             asked.answers[message] = decision.isCharged ? Event::Answer::Approved : Event::Answer::NotCharged;
-        }
     }
     tell(asked);
 }
 
-Terminal::Answer Terminal::ask(unsigned pick, const Find& find, QString* found) {
-    const auto before = find();
-    if (!before) return Answer::Free;
-    if (found != nullptr) *found = before->number;
-    inquire(pick);
-    if (find()) return Answer::Open;
-    const auto settled = books::findPayment(before->number);
-    const bool isApproved = settled && settled->state == books::PaymentState::Approved;
-    return isApproved ? Answer::Approved : Answer::Free;
-}
-
-Terminal::Answer Terminal::askAboutSlip(unsigned pick, const QString& user) {
-    return ask(pick, [&] { return books::unsettledPayment(date_, number_, user); });
+books::PaymentAnswer Terminal::askAboutSlip(unsigned pick, const QString& user) {
+    return books::askAboutPayments([&] { return books::unsettledPayment(date_, number_, user); },
+                                   [&] { inquire(pick); })
+        .answer;
 }
 
 void Terminal::takeBackUnpaid() {
@@ -402,9 +310,9 @@ void Terminal::takeBackUnpaid() {
 
 bool Terminal::mayDelete(unsigned pick) {
     const bool isOpen = books::hasUnsettledPayment(date_, number_, {});
-    const Answer asked = askAboutSlip(pick, {});
+    const PaymentAnswer asked = askAboutSlip(pick, {});
     if (isOpen) takeBackUnpaid();
-    return asked == Answer::Free;
+    return asked == PaymentAnswer::Free;
 }
 
 /// Asks the question of a number that carries an approval; true without one.
@@ -419,13 +327,13 @@ bool Terminal::mayDeletePayments(Event* deleted, bool isPaid, unsigned pick) {
 std::string Terminal::simpleTap(const Action& action) {
     if (action.tap == Tap::FinishSimple) {
         if (isApprovalPutBack(action.pick)) return "(put back)";
-        charged_ = amounts_;
+        charged_ = entry_.amounts();
         openCard();
         return words(shown());
     }
     const Won keyed = action.amount % 4 == 3 ? 2000 : 11000 * Won(action.amount % 4);
     hand_.keyed << QString::number(keyed);
-    collect::keySimpleAmount(amounts_, collect::SimpleAmount(action.pick % 5), platform::Won(keyed));
+    collect::keySimpleAmount(entry_.amounts(), collect::SimpleAmount(action.pick % 5), platform::Won(keyed));
     return std::to_string(keyed);
 }
 

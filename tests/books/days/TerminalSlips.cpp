@@ -4,9 +4,9 @@
 
 #include "Terminal.h"
 #include "books/Customer.h"
-#include "container/ContainerProduct.h"
 #include "container/ContainerStore.h"
 #include "container/WorkingContainers.h"
+#include "sales/PastOrder.h"
 #include "sales/Pricing.h"
 #include "sales/SlipStore.h"
 #include "sales/WorkingSlip.h"
@@ -17,10 +17,14 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-/// Boxes and bottles; never none of both.
-std::pair<int, int> quantities(const Action& action) {
+/// Never none of both; what comes back is written with a minus.
+sales::Quantities quantities(const Action& action, int sign = 1) {
     const int boxes = int(action.amount % 4);
-    return {boxes, boxes == 0 ? 7 : int(action.amount / 4 % 3)};
+    return {sign * boxes, sign * (boxes == 0 ? 7 : int(action.amount / 4 % 3))};
+}
+
+bool hasProduct(const platform::Rows& lines, QStringView code) {
+    return lines.find([&](int row) { return lines.at(row, 0) == code; }) >= 0;
 }
 
 }  // namespace
@@ -65,22 +69,12 @@ void Terminal::finishSale() {
 }
 
 std::string Terminal::addGoods(const Action& action, const platform::Rows& lines) {
-    sales::SlipLine line;
-    line.PCode = hand_.code = products()[action.pick % unsigned(products().size())];
-    for (int at = 0; at < lines.count(); ++at) {
-        if (lines.cell(at, 0) == line.PCode) return "(there already)";
-    }
-    line.DDate = date_;
-    line.GCode = line.GName = customer_;
-    line.JunNo = number_;
-    line.PName = line.PCode;
-    // What comes back is written with a minus.
-    const int sign = action.amount % 16 == 15 ? -1 : 1;
-    const auto [boxes, bottles] = quantities(action);
-    line.Box = QString::number(sign * boxes);
-    line.Bon = QString::number(sign * bottles);
+    hand_.code = products()[action.pick % unsigned(products().size())];
+    if (hasProduct(lines, hand_.code)) return "(there already)";
+    const sales::SlipLine line =
+        sales::newLine({date_, number_, customer_, customer_, kind_}, hand_.code, {hand_.code, {}},
+                       quantities(action, action.amount % 16 == 15 ? -1 : 1));
     hand_.keyed << line.Box << line.Bon;
-    line.setAmounts(sales::priceLine(customer_, kind_, line.PCode, sign * boxes, sign * bottles).amounts);
     hasUnsavedLines_ |= sales::insertLine(line);
     return text(line.PCode + u' ' + line.Box + u'/' + line.Bon);
 }
@@ -96,8 +90,7 @@ std::string Terminal::goodsTap(const Action& action) {
     if (lines.count() == 0) return "(no line)";
     const int row = int(action.pick % unsigned(lines.count()));
     hand_.row = row + 1;
-    const sales::LineKey key{lines.cell(row, 0), lines.cell(row, 2), lines.cell(row, 3)};
-    const sales::LineAmounts now = sales::lineAmounts(key).value_or(sales::LineAmounts{});
+    const sales::LineKey key = sales::keyAt(lines, row);
     if (action.tap == Tap::ChangeGoods) {
         const auto [boxes, bottles] = quantities(action);
         hand_.keyed << QString::number(boxes) << QString::number(bottles);
@@ -107,6 +100,7 @@ std::string Terminal::goodsTap(const Action& action) {
     }
     if (action.tap == Tap::EditAmount) {
         constexpr std::array kEdits{sales::withSupply, sales::withVat, sales::withSubtotal, sales::withTotal};
+        const auto now = sales::lineAmounts(key).value_or(sales::LineAmounts{});
         const platform::Won keyed =
             now.subtotal() + platform::Won(1000 * std::int64_t(action.amount % 5) - 1700);
         hand_.keyed << platform::formatWon(keyed);
@@ -135,8 +129,8 @@ void Terminal::finishEmpties() {
     saved.isRefused = outcome == container::SaveOutcome::Failed;
     tell(saved);
     if (saved.isRefused || (outcome == container::SaveOutcome::Empty && mode_ != 1)) return;
-    handedOver_ = container::workingSums().recovery();
-    isRecoveryMoved_ = isMoved;
+    handover_.recovery = container::workingSums().recovery();
+    handover_.isRecoveryMoved = isMoved;
     openEntry(0);
 }
 
@@ -152,29 +146,19 @@ std::string Terminal::emptiesTap(const Action& action) {
         return "";
     }
     if (action.tap == Tap::AddReturn) {
-        container::ContainerLine line;
-        line.PCode = hand_.code = products()[2 * (action.pick % 2)];
-        for (int at = 0; at < lines.count(); ++at) {
-            if (lines.cell(at, 0) == line.PCode) return "(there already)";
-        }
+        hand_.code = products()[2 * (action.pick % 2)];
+        if (hasProduct(lines, hand_.code)) return "(there already)";
         hand_.keyed = keyed;
-        line.DDate = date_;
-        line.GCode = line.GName = customer_;
-        line.JunNo = number_;
-        const auto product = container::containerProduct(line.PCode).value_or(container::ContainerProduct{});
-        line.setCounts(counts);
-        line.setAmounts(container::containerAmounts(counts, product.prices));
-        container::insertLine(line);
-        return text(line.PCode + u' ' + line.NBox);
+        container::addProduct({date_, number_, user_, customer_}, customer_, hand_.code, counts);
+        return text(hand_.code + u' ' + keyed[1]);
     }
     if (lines.count() == 0) return "(no line)";
     const int row = int(action.pick % unsigned(lines.count()));
     hand_.row = row + 1;
     const auto key = container::keyAt(lines, row);
-    const auto product = container::containerProduct(key.PCode).value_or(container::ContainerProduct{});
     if (action.tap == Tap::ChangeReturn) {
         hand_.keyed = keyed;
-        container::replaceCounts(key, counts, container::containerAmounts(counts, product.prices));
+        container::recount(key, counts);
     } else if (action.tap == Tap::EditReturn) {
         const platform::Won keyedAmount(amountFrom(action));
         hand_.keyed << platform::formatWon(keyedAmount);
