@@ -4,8 +4,6 @@
 #include "db/Transaction.h"
 
 namespace app {
-namespace {}  // namespace
-
 SessionValues& session() {
     static SessionValues values;
     return values;
