@@ -62,7 +62,7 @@ struct ActionValues {
     // reader is named the value is kept for the record: the collection entry takes the slip as it was saved.
     platform::Won SupplySum;
     platform::Won VatSum;
-    platform::Won CrateDepositSum;  ///< The collection entry saves it; without a sale it loads it as saved.
+    platform::Won CrateDepositSum;  ///< Also as the collection entry opens.
     platform::Won BottleDepositSum;
 
     // What 완료 hands over, won; written with the sums.

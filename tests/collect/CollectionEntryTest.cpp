@@ -12,6 +12,8 @@ using platform::Won;
 
 namespace {
 
+const books::SlipIdentity kSlip{u"2024-05-10"_s, u"5001"_s, u"A"_s, u"0001"_s};
+
 class CollectionEntryTest : public testing::Test {
   protected:
     CollectionEntryTest() {
@@ -23,23 +25,32 @@ class CollectionEntryTest : public testing::Test {
             "(VALUES ('1001'), ('1002'))"_s);
     }
     static OpenedEntry open(const QString& gCode = u"0001"_s) {
-        return openEntry({u"2024-05-10"_s, u"5001"_s, u"A"_s, gCode});
+        return openEntry({kSlip.date, kSlip.junNo, kSlip.userId, gCode});
     }
 
     test::TestDevice device_;
 };
 
-TEST_F(CollectionEntryTest, OpensWhatIsTheCustomers) {
-    EXPECT_EQ(open().crateDeposit, Won(1000));
+TEST_F(CollectionEntryTest, TakesContainersOverAndLeavesOthersAlone) {
     EXPECT_EQ(open(u"0002"_s).amounts.total, Won()) << "it is another customer's";
-    device_.execute(
-        u"INSERT INTO MTMOK (DDate, JunNo, UserID, GCode) VALUES ('2024-05-10', '5001', 'A', '0001')"_s);
-    EXPECT_TRUE(open().saved);
-    EXPECT_TRUE(open(u"0002"_s).isOthers && !open(u"0002"_s).saved);
+    CollectionEntry entry;
+    const auto opening =
+        entry.open(kSlip, true, {.recovery = Won(140), .isRecoveryMoved = false, .kept = {}});
+    EXPECT_TRUE(opening.hasTakenOver && !opening.asked && entry.kept());
+    EXPECT_EQ(entry.crateDeposit(), Won(1000));
+    settleInCash(entry.amounts());
+    ASSERT_TRUE(entry.save(u"가람"_s) && entry.isPaidAsShown());
+    device_.execute(u"UPDATE MTMOK SET YDMoney = '200', UnderMoney = '-60'"_s);
+    entry.open(kSlip, true, {.recovery = {}, .isRecoveryMoved = true, .kept = {}});
+    EXPECT_EQ(entry.amounts().cash, Won(22940)) << "settled anew";
+    EXPECT_FALSE(entry.isPaidAsShown());
+    entry.open({kSlip.date, kSlip.junNo, kSlip.userId, u"0002"_s}, true, {});
+    EXPECT_TRUE(entry.isOthers() && !open(u"0002"_s).saved && entry.remove());
+    EXPECT_EQ(device_.value(u"SELECT count(*) FROM MTMOK"_s), u"1"_s);
 }
 
 TEST_F(CollectionEntryTest, GoesOnWithWhatWasKeyed) {
-    const books::SlipIdentity slip{u"2024-05-10"_s, u"5001"_s, u"A"_s, u"0001"_s};
+    const books::SlipIdentity& slip = kSlip;
     books::KeptSettlement kept{slip, open().amounts, open().amounts, std::nullopt};
     keySales(kept.keyed, Won(20000));
     settleInCash(kept.keyed);
