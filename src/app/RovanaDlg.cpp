@@ -1,5 +1,6 @@
 #include "app/RovanaDlg.h"
 
+#include <malloc.h>
 #include <QApplication>
 #include <QComboBox>
 #include <QDateEdit>
@@ -354,6 +355,9 @@ void CRovanaDlg::runMenuAction(int button, int workMode, int dialog, bool isNext
             session().SlipDone = 0;
             session().WorkMode = workMode;
             ui::runScreen(dialog);
+            // The lists of the visit are closed: what they held goes back to the system, whose other programs
+            // need it.
+            malloc_trim(0);
             isNext = session().ReturnsToList;
             if (isNext) takeBackUnpaid();
         } while (isNext);
