@@ -13,7 +13,6 @@
 
 #include "Screens.h"
 #include "app/RovanaApp.h"
-#include "app/RovanaDlg.h"
 #include "desk/Desk.h"
 #include "platform/Device.h"
 #include "platform/OwnerOnly.h"
@@ -177,7 +176,6 @@ int runProgram(int argc, char** argv, const std::function<void(ui::Terminal&)>& 
     ui::useOwnFontList();
     ui::DisplayScale scale = chooseScale(options, settings);
     const std::unique_ptr<QApplication> application = makeFitting(scale, argc, argv);
-    ui::drawAhead(app::CRovanaDlg::kFirstPictures, application->devicePixelRatio());
     // The caret stands still: blinking, it would wake a handheld twice a second all day.
     QApplication::setCursorFlashTime(0);
     // Before anything in the folder is touched.

@@ -2,7 +2,6 @@
 
 #include <QDate>
 #include <QList>
-#include <array>
 #include <functional>
 
 #include "ui/Screen.h"
@@ -19,11 +18,6 @@ class CRovanaDlg : public ui::Screen {
 
   public:
     CRovanaDlg();
-
-    /// The pictures that it shows first, in that order.
-    static constexpr std::array kFirstPictures{
-        ui::bitmaps::kLogo,           ui::bitmaps::kFooter,        ui::bitmaps::kPassword.normal,
-        ui::bitmaps::kConfirm.normal, ui::bitmaps::kCancel.normal, ui::bitmaps::kBlank.normal};
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

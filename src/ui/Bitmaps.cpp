@@ -3,14 +3,9 @@
 #include <QFile>
 #include <QHash>
 #include <QIconEngine>
-#include <QImage>
 #include <QPainter>
 #include <QPixmapCache>
 #include <QSvgRenderer>
-#include <future>
-#include <system_error>
-#include <utility>
-#include <vector>
 
 namespace ui {
 namespace {
@@ -32,26 +27,6 @@ QSize readSize(int number) {
         return line.sliced(value, line.indexOf('"', value) - value).toInt();
     };
     return {attribute(" width=\""), attribute(" height=\"")};
-}
-
-QString keyOf(int number, qreal pixelRatio) {
-    return u"bitmap-%1-%2"_s.arg(number).arg(pixelRatio);
-}
-
-QImage draw(int number, qreal pixelRatio) {
-    QSvgRenderer renderer(resourcePath(number));
-    if (!renderer.isValid()) return {};
-    QImage picture(renderer.defaultSize() * pixelRatio, QImage::Format_ARGB32_Premultiplied);
-    picture.fill(Qt::transparent);
-    QPainter painter(&picture);
-    renderer.render(&painter);
-    return picture;
-}
-
-/// What drawAhead() was asked for and nobody has asked for since.
-QHash<QString, std::shared_future<QImage>>& ahead() {
-    static QHash<QString, std::shared_future<QImage>> pictures;
-    return pictures;
 }
 
 class PictureIcon : public QIconEngine {
@@ -83,28 +58,17 @@ QSize bitmapSize(int number) {
     return *known;
 }
 
-void drawAhead(std::span<const int> numbers, qreal pixelRatio) try {
-    std::vector<std::pair<int, std::promise<QImage>>> drawn;
-    QHash<QString, std::shared_future<QImage>> waiting;
-    for (const int number : numbers)
-        waiting[keyOf(number, pixelRatio)] =
-            drawn.emplace_back(number, std::promise<QImage>()).second.get_future();
-    static std::future<void> drawing;
-    drawing = std::async(std::launch::async, [drawn = std::move(drawn), pixelRatio]() mutable {
-        for (auto& [number, picture] : drawn) picture.set_value(draw(number, pixelRatio));
-    });
-    ahead() = waiting;
-} catch (const std::system_error&) {
-    // No further thread is to be had: each is drawn when it is asked for.
-}
-
 QPixmap bitmap(int number, qreal pixelRatio) {
-    const QString key = keyOf(number, pixelRatio);
+    const QString key = u"bitmap-%1-%2"_s.arg(number).arg(pixelRatio);
     QPixmap picture;
     if (QPixmapCache::find(key, &picture)) return picture;
-    const std::shared_future<QImage> waiting = ahead().take(key);
-    picture = QPixmap::fromImage(waiting.valid() ? waiting.get() : draw(number, pixelRatio));
-    if (picture.isNull()) return {};
+    QSvgRenderer renderer(resourcePath(number));
+    if (!renderer.isValid()) return {};
+    picture = QPixmap(renderer.defaultSize() * pixelRatio);
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    renderer.render(&painter);
+    painter.end();
     picture.setDevicePixelRatio(pixelRatio);
     QPixmapCache::insert(key, picture);
     return picture;

@@ -3,7 +3,6 @@
 #include <QIcon>
 #include <QPixmap>
 #include <QSize>
-#include <span>
 
 namespace ui {
 
@@ -64,9 +63,6 @@ QSize bitmapSize(int number);
 
 /// The picture drawn sharp for the display's `pixelRatio`; null for a number without a picture.
 QPixmap bitmap(int number, qreal pixelRatio);
-
-/// Lets another thread draw pictures that bitmap() will be asked for soon. Once, at the start.
-void drawAhead(std::span<const int> numbers, qreal pixelRatio);
 
 /// The picture as an icon, drawn when the desktop asks for it and in the size that it asks for.
 QIcon icon(int number);
