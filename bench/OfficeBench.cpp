@@ -189,6 +189,31 @@ class BareConnection {
     PGconn* line_;
 };
 
+/// A salesman's customers with their prices, and the products, which terminals may read bare.
+void loadMasters(Office& office) {
+    QString customers, products, prices, margins;
+    for (int i = 0; i < 150; ++i) {
+        const QString number = code(i);
+        customers +=
+            number +
+            u"|거래처 상회 이름|대표자 이름||123-45-67890|||150000||서울시 어느구 어느길 12|1|02-123-4567|1|ㄱ|A||\r\n"_s;
+        prices += number + u"|0001|5|32000|3200|1600|160|0|0|0|\r\n"_s;
+        margins += number + u"|01|5|\r\n"_s;
+    }
+    for (int i = 0; i < 500; ++i) {
+        products +=
+            u"%1|상품 이름 500ml|1|500|20|30000|3000|1500|150|31000|3100|1600|160|29000|2900|1400|140|4000|2000|100|10|100|100|01|1||ㅅ|\r\n"_s
+                .arg(code(i));
+    }
+    office.load(u"GARAE.RVN"_s, customers);
+    office.load(u"PUMMOK.RVN"_s, products);
+    office.load(u"GARAEDANGA.RVN"_s, prices);
+    office.load(u"GARAEMAJIN.RVN"_s, margins);
+    office.sql(
+        "GRANT USAGE ON SCHEMA office TO rovana_terminal; GRANT SELECT ON ALL TABLES IN SCHEMA office TO "
+        "rovana_terminal");
+}
+
 }  // namespace
 
 Result measureOfficeDay() {
@@ -278,27 +303,7 @@ Result measureOfficeFull() {
 Result measureOfficeMorning() {
     const int count = terminals(1000);
     Office office(1);
-    QString customers, products, prices, margins;
-    for (int i = 0; i < 150; ++i) {
-        const QString number = code(i);
-        customers +=
-            number +
-            u"|거래처 상회 이름|대표자 이름||123-45-67890|||150000||서울시 어느구 어느길 12|1|02-123-4567|1|ㄱ|A||\r\n"_s;
-        prices += number + u"|0001|5|32000|3200|1600|160|0|0|0|\r\n"_s;
-        margins += number + u"|01|5|\r\n"_s;
-    }
-    for (int i = 0; i < 500; ++i) {
-        products +=
-            u"%1|상품 이름 500ml|1|500|20|30000|3000|1500|150|31000|3100|1600|160|29000|2900|1400|140|4000|2000|100|10|100|100|01|1||ㅅ|\r\n"_s
-                .arg(code(i));
-    }
-    office.load(u"GARAE.RVN"_s, customers);
-    office.load(u"PUMMOK.RVN"_s, products);
-    office.load(u"GARAEDANGA.RVN"_s, prices);
-    office.load(u"GARAEMAJIN.RVN"_s, margins);
-    office.sql(
-        "GRANT USAGE ON SCHEMA office TO rovana_terminal; GRANT SELECT ON ALL TABLES IN SCHEMA office TO "
-        "rovana_terminal");
+    loadMasters(office);
     const auto filePath = [&](const char* name) {
         return office.folder().path(u"My Documents/%1.RVN"_s.arg(QLatin1StringView(name)));
     };

@@ -340,15 +340,11 @@ QList<Step> readSeveral(Operand operand, LineReader& line, const Step& base) {
         steps.last().at = at;
         steps.last().texts = texts;
     };
-    if (operand == Operand::KeypadKeys) {
-        steps = readKeypadKeys(line, base);
-        return steps + readTouches(line, base);
-    }
-    if (operand == Operand::Sale || operand == Operand::Settling) {
-        steps = operand == Operand::Sale ? readSale(line, base.line) : readSettling(line, base.line);
-        for (Step& step : steps) step.source = base.source;
-        return operand == Operand::Sale ? steps : steps + readTouches(line, base);
-    }
+    if (operand == Operand::KeypadKeys) steps = readKeypadKeys(line, base);
+    if (operand == Operand::Sale) steps = readSale(line, base.line);
+    if (operand == Operand::Settling) steps = readSettling(line, base.line);
+    for (Step& step : steps) step.source = base.source;
+    if (!steps.isEmpty()) return operand == Operand::Sale ? steps : steps + readTouches(line, base);
     if (operand == Operand::Touches) {
         if (line.atEnd()) line.fail(u"something is missing"_s);
         return readTouches(line, base);
@@ -469,11 +465,9 @@ Script parseScript(const QString& text) {
         const QStringView content = line.trimmed();
         if (content.isEmpty() || content.startsWith(u'#')) continue;
         QString error;
-        if (!script.steps.isEmpty() && script.steps.last().command == Command::Quit) {
-            error = u"nothing can follow \"quit\""_s;
-        } else {
-            script.steps += parseLine(content, number, &error);
-        }
+        const bool isOver = !script.steps.isEmpty() && script.steps.last().command == Command::Quit;
+        if (isOver) error = u"nothing can follow \"quit\""_s;
+        if (!isOver) script.steps += parseLine(content, number, &error);
         if (!error.isEmpty()) script.errors << u"line %1: %2"_s.arg(number).arg(error);
     }
     return script;
