@@ -47,6 +47,7 @@ TEST_F(BoardTest, NothingOnThePageIsMoreThanATextAndABrowserShowsAllOfIt) {
     const QString hostile = u"<img src=http://x/y onerror=alert(1)>\"'&%1</style><script>x()</script>"_s;
     office::Board board;
     board.day = u"2026-11-21"_s;
+    EXPECT_TRUE(office::boardPage(board).contains("이 날의 전표를 보낸 단말기가 없습니다."));
     board.salesmen.resize(2);
     board.salesmen[0].name = hostile;
     board.salesmen[1].over = board.salesmen[1].sales = Won(-123456789);
@@ -56,7 +57,6 @@ TEST_F(BoardTest, NothingOnThePageIsMoreThanATextAndABrowserShowsAllOfIt) {
     for (int hour = 0; hour < 24; ++hour)
         board.hours.append({QString::number(10 + hour), u"전표 3장"_s, Won(hour * 12'345'678)});
     for (int i = 0; i < 13; ++i) board.products.append({hostile, u"1,200상자 30본"_s, Won(123456789 - i)});
-    EXPECT_TRUE(office::boardPage({}).contains("이 날의 전표를 보낸 단말기가 없습니다."));
     const QByteArray html = office::boardPage(board);
     const QString page = QString::fromUtf8(html);
     const QRegularExpression forbidden(
