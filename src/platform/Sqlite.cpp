@@ -183,7 +183,7 @@ SqliteStatement SqliteFile::statement(const QByteArray& text) {
     }
     if (std::unique_ptr<Prepared> idle{idle_.take(text)}) return {this, std::move(idle)};
     const char* tail = nullptr;
-    SqliteStatement made(this, std::unique_ptr<Prepared>(new Prepared{{}, prepare(text, &tail)}));
+    SqliteStatement made(this, std::make_unique<Prepared>(prepare(text, &tail)));
     if (made.isEmpty() || !QByteArrayView(tail, text.constEnd()).trimmed().isEmpty())
         throw SqliteError(SQLITE_ERROR, "not one statement");
     made.prepared_->key = text;
@@ -225,7 +225,7 @@ bool SqliteFile::forEachRow(const QString& statements, const QStringList& values
     bool isFirst = true;
     while (!left.isEmpty()) {
         const char* tail = nullptr;
-        SqliteStatement each(this, std::make_unique<Prepared>(QByteArray(), prepare(left, &tail)));
+        SqliteStatement each(this, std::make_unique<Prepared>(prepare(left, &tail)));
         left.remove(0, tail - left.constData());
         if (each.isEmpty()) continue;
         if (std::exchange(isFirst, false)) {

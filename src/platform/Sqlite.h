@@ -81,6 +81,7 @@ class SqliteStatement {
     friend class SqliteFile;
     /// SQLite's statement and the text that the file keeps it under; null for one that is not kept.
     struct Prepared {
+        explicit Prepared(sqlite3_stmt* statement) : handle(statement) {}
         QByteArray key;
         sqlite3_stmt* handle;
     };
