@@ -154,4 +154,22 @@ TEST_F(Collections, KeepTheirApprovalWhenSavedAgain) {
     EXPECT_EQ(device_.value(u"SELECT group_concat(JunNo) FROM PAYJOURNAL"_s), u"4001,7001"_s);
 }
 
+TEST_F(Collections, GiveNoNumberToTwoPayments) {
+    CollectionSlip simple = slip(115000, 0);
+    simple.JunNo = u"7001"_s;
+    simple.Gubun = books::kSimplePaymentSlip.toString();
+    EXPECT_EQ(approve(simple, u"T1", u"140000"_s)->JunNo, u"7001"_s);
+    EXPECT_EQ(approve(simple, u"T2", u"141000"_s)->JunNo, u"7002"_s);
+    // Two of one number, as an older terminal has left them, cannot become one row.
+    device_.execute(u"UPDATE MTMOK SET JunNo = '7001'"_s);
+    EXPECT_FALSE(books::saveCollection(simple));
+    EXPECT_TRUE(books::findByTransactionNumber(u"T1") && books::findByTransactionNumber(u"T2"));
+
+    // Under the number another customer owes by now.
+    ASSERT_TRUE(books::saveCollection(slip(0, 0)));
+    device_.execute(u"UPDATE MTMOK SET GCode = '0002' WHERE JunNo = '5001'"_s);
+    EXPECT_EQ(approve(slip(115000, 0), u"T3", u"150000"_s)->JunNo, u"7002"_s);
+    EXPECT_EQ(books::loadCollection(kDate, kNumber, kUser)->GCode, u"0002"_s);
+}
+
 }  // namespace
