@@ -24,9 +24,8 @@ OpenedEntry openEntry(const books::SlipIdentity& slip);
 
 /// What the entry that opens again shows in place of the amounts of `entry`: what was keyed, when the slip is
 /// as it was. Where its sale has changed since, what does not depend on it stays, and the rest is settled the
-/// way it was. `recovery` is what the
-/// container slip is worth now, nothing without one. Nothing for another slip, other containers, a changed
-/// collection, or a recovery above the total.
+/// way it was. `recovery` is what the container slip is worth now, nothing without one. Nothing for another
+/// slip, other containers, a changed collection, or a recovery above the total.
 std::optional<books::SettlementAmounts> goOn(const books::KeptSettlement& kept,
                                              const books::SlipIdentity& slip, const OpenedEntry& entry,
                                              std::optional<platform::Won> recovery);
