@@ -43,6 +43,7 @@ TEST_F(CollectionEntryTest, TakesContainersOverAndLeavesOthersAlone) {
     device_.execute(u"UPDATE MTMOK SET YDMoney = '200', UnderMoney = '-60'"_s);
     entry.open(kSlip, true, {.recovery = {}, .isRecoveryMoved = true, .kept = {}});
     EXPECT_EQ(entry.amounts().cash, Won(22940)) << "settled anew";
+    EXPECT_EQ(entry.crateDeposit(), Won(1000));
     EXPECT_FALSE(entry.isPaidAsShown());
     entry.open({kSlip.date, kSlip.junNo, kSlip.userId, u"0002"_s}, true, {});
     EXPECT_TRUE(entry.isOthers() && !open(u"0002"_s).saved && entry.remove());
