@@ -73,6 +73,8 @@ TEST_F(ComponentTest, WhatTheSystemHasNotTakenHasNotLeft) {
 
 TEST_F(ComponentTest, OneExchangeRunsAtATimeAndARefusedConnectionIsAnEvent) {
     Component::setTimeOutUnit(std::chrono::milliseconds(20));
+    for (const QString& track : {QString(), QString(105, u'0')})
+        EXPECT_EQ(terminal.payment(track, u"1234"), kBadInput);
     ASSERT_EQ(terminal.payment(kCardData, u"1234"), kDone);
     ASSERT_EQ(terminal.commun(port(), 2), kDone);
     EXPECT_EQ(terminal.call(25, {u"127.0.0.1", qint16(port()), qint16(1), qint16(0)}), kLinkFailed);
