@@ -15,6 +15,7 @@
 #include "app/RovanaApp.h"
 #include "desk/Desk.h"
 #include "platform/Device.h"
+#include "platform/Lines.h"
 #include "platform/OwnerOnly.h"
 #include "platform/Settings.h"
 #include "platform/TerminalLock.h"
@@ -36,6 +37,8 @@ using namespace Qt::Literals::StringLiterals;
 
 /// What a desktop's title bar and panel take of the display, in pixels at scale 1.
 constexpr QSize kAroundWindow(0, 40);
+/// The first screen stands by then.
+constexpr int kLoadLinesMs = 300;
 
 struct Options {
     QString device;
@@ -206,6 +209,8 @@ int runProgram(int argc, char** argv, const std::function<void(ui::Terminal&)>& 
         } else {
             window.show();
         }
+        // Nobody waits for it now; whoever needs a line earlier loads it himself.
+        QTimer::singleShot(kLoadLinesMs, &window, [] { platform::loadLines(); });
         exitCode = app::CRovanaApp().run();
         QCoreApplication::quit();
     });
