@@ -29,6 +29,21 @@ void speak(QLabel* label) {
     if (!name.isEmpty()) label->setAccessibleName(name + u' ' + label->text());
 }
 
+/// Painted anew each time: a large picture is seldom seen, and its pixels would be most of a screen's memory.
+class Picture : public QLabel {
+  public:
+    Picture(int number, QWidget* parent) : QLabel(parent), number_(number) {}
+
+  protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        drawBitmap(&painter, number_, rect());
+    }
+
+  private:
+    int number_;
+};
+
 constexpr int kEntryHeight = 24;
 
 class EntryDelegate : public QStyledItemDelegate {
@@ -159,9 +174,7 @@ void Screen::addAmountRow(const AmountTable& table, const AmountRow& row) {
 }
 
 QLabel* Screen::addPicture(int controlId, int bitmapNumber, QPoint at) {
-    auto* result = place(controlId, new QLabel(this), QRect(at, bitmapSize(bitmapNumber)));
-    result->setPixmap(bitmap(bitmapNumber, devicePixelRatioF()));
-    return result;
+    return place(controlId, new Picture(bitmapNumber, this), QRect(at, bitmapSize(bitmapNumber)));
 }
 
 void Screen::addHeading(int pictureId, int bitmapNumber, const QString& title) {
