@@ -8,6 +8,7 @@
 #include <QStyledItemDelegate>
 
 #include "ui/AmountTable.h"
+#include "ui/Picture.h"
 #include "ui/PressableText.h"
 #include "ui/ReportList.h"
 #include "ui/Terminal.h"
@@ -28,21 +29,6 @@ void speak(QLabel* label) {
     const QString name = label->property(kSpokenName).toString();
     if (!name.isEmpty()) label->setAccessibleName(name + u' ' + label->text());
 }
-
-/// Painted anew each time: a large picture is seldom seen, and its pixels would be most of a screen's memory.
-class Picture : public QLabel {
-  public:
-    Picture(int number, QWidget* parent) : QLabel(parent), number_(number) {}
-
-  protected:
-    void paintEvent(QPaintEvent*) override {
-        QPainter painter(this);
-        drawBitmap(&painter, number_, rect());
-    }
-
-  private:
-    int number_;
-};
 
 constexpr int kEntryHeight = 24;
 
