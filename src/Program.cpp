@@ -29,6 +29,7 @@
 #include "ui/KoreanTexts.h"
 #include "ui/Messages.h"
 #include "ui/Sounds.h"
+#include "ui/Style.h"
 #include "ui/Terminal.h"
 
 namespace {
@@ -122,6 +123,7 @@ int refuseSecondStart() {
     std::fprintf(stderr, "rovana: another terminal works on %s\n",
                  qUtf8Printable(platform::device::folder()));
     platform::TerminalLock::callHolder();
+    ui::prepareStyle();
     ui::prepareFonts();
     ui::Terminal terminal;
     terminal.setWindowTitle(u"Rovana"_s);
@@ -186,6 +188,7 @@ int runProgram(int argc, char** argv, const std::function<void(ui::Terminal&)>& 
     if (lock.isTaken()) return refuseSecondStart();
     openFolder(settings);
     scale.keep();
+    ui::prepareStyle();
     ui::prepareFonts();
     ui::speakKorean();
     // Played visits are silent.
