@@ -30,9 +30,8 @@ class ComponentTest : public ::testing::Test {
         EXPECT_TRUE(writeHostKey(host.publicKey));
         SigningKey own;
         EXPECT_EQ(makeSigningKey(&own), kDone);
-        EXPECT_TRUE(writeSavedValues({{u"101"_s, u"4711"_s},
-                                      {u"221"_s, savedAddress(QHostAddress(QHostAddress::LocalHost))},
-                                      {u"222"_s, u"8480"_s}}));
+        EXPECT_TRUE(writeSavedValues(
+            {{u"101"_s, u"4711"_s}, {u"221"_s, savedAddress(u"127.0.0.1"_s)}, {u"222"_s, u"8480"_s}}));
         EXPECT_TRUE(listener.listen(QHostAddress::LocalHost));
     }
 
