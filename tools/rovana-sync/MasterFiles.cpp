@@ -166,10 +166,10 @@ MasterFiles::Put MasterFiles::put(const QList<MasterVersion>& versions, const QM
     return put;
 }
 
-bool MasterFiles::withdrawOldBalances(const QByteArray& balances) {
+bool MasterFiles::withdrawOldBalances(const std::function<QByteArray()>& balances) {
     const Entry entry = entries_.value(kCustomers.toString());
     const QString path = documentsPath(kCustomers);
-    if (entry.digest.isEmpty() || balances == balances_ || !QFile::exists(path)) return true;
+    if (entry.digest.isEmpty() || !QFile::exists(path) || balances() == balances_) return true;
     const db::ImportLock lock;
     if (lock.isTaken()) return false;
     if (isOurs(path, entry)) QFile::remove(path);

@@ -214,7 +214,7 @@ TEST_F(RecoveryTest, ARestoredBackupGetsItsDaysBackAndKeepsWhatIsNewer) {
     on(terminal, u"DELETE FROM MTM WHERE JunNo = '5003'"_s);
     noteDeletion(terminal, u"거래명세서"_s, u"5003"_s);
     synced(terminal);
-    sql(u"UPDATE office.printlog SET copy = 'x' WHERE junno = '5003'"_s);
+    sql(u"UPDATE office.document SET content = content || 'x' WHERE kind = 'prints' AND number = '5003'"_s);
 
     replaceDatabase(terminal, backup);
     // What is written after it, under one of the lost numbers.
