@@ -29,69 +29,49 @@ RETURN CASE
 
 -- --- comparing -----------------------------------------------------------------------------------------------------------
 
--- The months from that of `first_day` to the next one, and those of the days: what a statement names so that it looks at no
--- other partition.
-CREATE FUNCTION office.months(first_day text, days text[]) RETURNS date[] LANGUAGE plpgsql STABLE AS $$
-DECLARE
-    month date := CASE WHEN first_day < '9999'
-        THEN greatest(office.month(first_day), date_trunc('month', now() - interval '10 years')::date) END;
-    months date[] := '{}';
-    day text;
-BEGIN
-    WHILE month <= now() + interval '1 month' LOOP
-        months := months || month;
-        month := month + interval '1 month';
-    END LOOP;
-    FOREACH day IN ARRAY days LOOP
-        IF office.month(day) <> ALL (months) THEN
-            months := months || office.month(day);
-        END IF;
-    END LOOP;
-    RETURN months;
-END
-$$;
-
--- The days whose documents differ from the terminal's (its days with their digests): with an empty kind each such day, then
--- what the office has of it. From `first_day` on a day that the terminal does not name has nothing there.
+-- The days whose documents differ from the terminal's (its days in their order, with their digests): with an empty kind each
+-- such day, then what the office has of it. From `first_day` to the end of the next month a day that the terminal does not name
+-- has nothing there.
 CREATE FUNCTION office.differences(me text, first_day text, their_days text[], their_digests bytea[])
 RETURNS TABLE (day text, kind text, number text, userid text, digest bytea) LANGUAGE plpgsql STABLE AS $$
 #variable_conflict use_column
 DECLARE
-    months CONSTANT date[] := office.months(first_day, their_days);
+    -- What is looked at, months and days as ranges: a list of them is longer in planning than in reading.
+    begin_day CONSTANT text := least(first_day, their_days[1]);
+    end_day CONSTANT text := CASE WHEN first_day < '9999' THEN '9999' ELSE their_days[cardinality(their_days)] END;
+    begin_month CONSTANT date := left(begin_day, 7) || '-01';
+    end_month CONSTANT date := greatest(left(their_days[cardinality(their_days)], 7) || '-01',
+        CASE WHEN first_day < '9999' THEN (current_date + 31)::text END);
     -- Days that the office knows, and those of them that differ.
     known text[] := '{}';
     differing text[] := '{}';
     ours record;
-    each text;
 BEGIN
     FOR ours IN
         SELECT d.ddate, sha256(string_agg(d.digest, '' ORDER BY d.digest)) AS digest FROM office.document AS d
-        WHERE d.month = ANY (months) AND d.terminal = me AND d.state = 'present'
-            AND (d.ddate >= first_day OR d.ddate = ANY (their_days))
+        WHERE d.month BETWEEN begin_month AND end_month AND d.terminal = me AND d.ddate BETWEEN begin_day AND end_day
+            AND d.state = 'present'
         GROUP BY d.ddate
     LOOP
         known := known || ours.ddate;
-        IF ours.digest IS DISTINCT FROM their_digests[array_position(their_days, ours.ddate)] THEN
+        IF ours.digest IS DISTINCT FROM their_digests[array_position(their_days, ours.ddate)]
+            AND (ours.ddate >= first_day OR ours.ddate = ANY (their_days)) THEN
             differing := differing || ours.ddate;
         END IF;
     END LOOP;
     kind := '';
     number := '';
     userid := '';
-    FOREACH each IN ARRAY their_days LOOP
-        IF each <> ALL (known) THEN
-            day := each;
+    FOREACH day IN ARRAY their_days LOOP
+        IF day <> ALL (known) THEN
             RETURN NEXT;
         END IF;
     END LOOP;
-    IF differing = '{}' THEN
-        RETURN;
-    END IF;
     FOREACH day IN ARRAY differing LOOP
         RETURN NEXT;
+        RETURN QUERY SELECT d.ddate, d.kind, d.number, d.userid, d.digest FROM office.document AS d
+            WHERE d.month = office.month(differences.day) AND d.terminal = me AND d.ddate = differences.day AND d.state = 'present';
     END LOOP;
-    RETURN QUERY SELECT d.ddate, d.kind, d.number, d.userid, d.digest FROM office.document AS d
-        WHERE d.month = ANY (months) AND d.terminal = me AND d.state = 'present' AND d.ddate = ANY (differing);
 END
 $$;
 
@@ -139,7 +119,7 @@ BEGIN
     IF me.terminal IS NULL THEN
         PERFORM office.caller();
     END IF;
-    IF their_schema <> 3 OR abs(extract(epoch FROM me.clock_offset)) > 86400 THEN
+    IF their_schema <> 3 OR me.clock_offset NOT BETWEEN '-1 day' AND '1 day' THEN
         refusal := office.refusal(their_schema, their_clock);
     END IF;
     day := '';
@@ -380,27 +360,30 @@ BEGIN
             PERFORM office.make_month(the_month);
         END IF;
         BEGIN
-            INSERT INTO office.document (month, terminal, kind, ddate, number, userid, digest, gcode, content)
-            SELECT the_month, me.terminal, kind, the_day, number, userid, office.proven(kind, number, userid, content, digest),
-                office.only_customer(kind, content), content
-            FROM (SELECT unnest(kinds) AS kind, unnest(numbers) AS number, unnest(userids) AS userid,
-                      unnest(string_to_array(contents, E'\x1e\x1e')) AS content, unnest(digests) AS digest) AS n;
             IF 'collection' = ANY (kinds) THEN
                 PERFORM office.hold_balances();
+            END IF;
+            -- One statement, and what it need not look up is written out: a session plans it for this one day.
+            WITH n AS MATERIALIZED (
+                SELECT unnest(kinds) AS kind, unnest(numbers) AS number, unnest(userids) AS userid, unnest(digests) AS digest,
+                    unnest(string_to_array(contents, E'\x1e\x1e')) AS content
+            ), moved AS (
                 INSERT INTO office.movement (gcode, amount, terminal, ddate, junno, userid)
                 SELECT f[2], effect, me.terminal, the_day, number, userid
                 FROM (SELECT number, userid, f, CASE
                         -- What most slips are is read at a glance.
-                        WHEN f[1] = '매출' AND f[14] = '0' AND octet_length(f[5] || f[10] || f[11] || f[16]) < 19
-                            AND concat_ws(',', f[5], f[10], f[11], f[16]) ~ '^[0-9]+,[0-9]+,[0-9]+,[0-9]+$'
-                            THEN f[5]::bigint + f[10]::bigint - f[11]::bigint - f[16]::bigint
+                        WHEN f[1] <> '단순결제' AND f[14] = '0' AND octet_length(f[5] || f[10] || f[11] || f[16]) < 19
+                            AND translate(f[5] || f[10] || f[11] || f[16], '0123456789', '') = ''
+                            THEN ('0' || f[5])::bigint + ('0' || f[10])::bigint - ('0' || f[11])::bigint - ('0' || f[16])::bigint
                         ELSE office.receivable_effect(f) END AS effect
                       FROM (SELECT number, userid, string_to_array(unnest(string_to_array(content, E'\x1e')), E'\x1f') AS f
-                            FROM (SELECT unnest(kinds) AS kind, unnest(numbers) AS number, unnest(userids) AS userid,
-                                      unnest(string_to_array(contents, E'\x1e\x1e')) AS content) AS n
-                            WHERE kind = 'collection') AS r OFFSET 0) AS r
-                WHERE effect <> 0;
-            END IF;
+                            FROM n WHERE kind = 'collection') AS r OFFSET 0) AS r
+                WHERE effect <> 0
+            )
+            INSERT INTO office.document (month, terminal, kind, ddate, number, userid, digest, gcode, content)
+            SELECT the_month, me.terminal, kind, the_day, number, userid, office.proven(kind, number, userid, content, digest),
+                office.only_customer(kind, content), content
+            FROM n;
             stored := cardinality(kinds);
         EXCEPTION WHEN unique_violation THEN
             stored := office.store_each(me.terminal, the_month, the_day, kinds, numbers, userids, contents, digests);
