@@ -168,12 +168,14 @@ TEST_F(EnrolTest, WhatIsNotItsOwnOrNotWhatItSaysIsRefused) {
     EXPECT_THAT(skewed.err, HasSubstr("set the clock"));
     const auto hello = [&](int schema) {
         const std::string call = "SELECT what || note FROM terminal.hello(" + std::to_string(schema) +
-                                 ",'',now(),'2026-01-01','{}','{}','')";
+                                 ",'',now(),'2026-01-01','{}','{}',E'\\x1eA\\x1fx\\x1f1\\x1eB\\x1fy\\x1f2')";
         return pqxx::nontransaction(line).exec(call)[0][0].as<std::string>();
     };
     EXPECT_THAT(hello(db::schema::kVersion + 1), HasSubstr("upgrade the office"));
     EXPECT_THAT(hello(db::schema::kVersion - 1), HasSubstr("upgrade the terminal"));
     EXPECT_EQ(hello(db::schema::kVersion), "office");
+    // Of the salesmen that it told of, its own.
+    EXPECT_EQ(sql(u"SELECT userid, username, vatmode FROM office.salesman"_s), QStringList(u"A|x|1"_s));
 }
 
 TEST(OfficeAccess, AFileThatIsNoneSaysWhyAndHoldsNothingOfIt) {
