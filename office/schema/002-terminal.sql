@@ -331,7 +331,7 @@ BEGIN
 END
 $$;
 
--- The document's digest, or an error unless that is the digest of the rest, and the rows have the fields of their kind.
+-- The document's digest, or an error unless that is the digest of the rest, and the rows have together the fields of their kind.
 CREATE FUNCTION office.proven(kind text, number text, userid text, content text, digest bytea) RETURNS bytea LANGUAGE sql
 RETURN CASE
     -- office.digest, written out: it is worked out for every document, and only so where this stands.
