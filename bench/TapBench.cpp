@@ -25,6 +25,7 @@
 #include "rovana-play/Pilot.h"
 #include "ui/Fonts.h"
 #include "ui/ReportList.h"
+#include "ui/Style.h"
 #include "ui/Terminal.h"
 
 namespace bench {
@@ -182,6 +183,7 @@ const std::pair<Player, Player>& played() {
         auto both = std::make_unique<std::pair<Player, Player>>(
             std::piecewise_construct, std::tuple(kManySlips), std::tuple(kFewSlips));
         const QString before = platform::device::folder();
+        ui::prepareStyle();
         ui::prepareFonts();
         registerScreens();
         ui::Terminal terminal;

@@ -3,6 +3,7 @@
 BEGIN {
     # What a room may include besides itself. The rules of a work, and of print, know no widget; their screens/ stand above.
     may["platform"] = " "
+    may["lines"] = " platform "
     may["db"] = " platform "
     may["books"] = may["db"] "db "
     may["print"] = may["books"] "books "

@@ -15,6 +15,7 @@
 #include "app/RovanaApp.h"
 #include "desk/Desk.h"
 #include "platform/Device.h"
+#include "platform/Lines.h"
 #include "platform/OwnerOnly.h"
 #include "platform/Settings.h"
 #include "platform/TerminalLock.h"
@@ -28,6 +29,7 @@
 #include "ui/KoreanTexts.h"
 #include "ui/Messages.h"
 #include "ui/Sounds.h"
+#include "ui/Style.h"
 #include "ui/Terminal.h"
 
 namespace {
@@ -36,6 +38,8 @@ using namespace Qt::Literals::StringLiterals;
 
 /// What a desktop's title bar and panel take of the display, in pixels at scale 1.
 constexpr QSize kAroundWindow(0, 40);
+/// The first screen stands by then.
+constexpr int kLoadLinesMs = 300;
 
 struct Options {
     QString device;
@@ -119,6 +123,7 @@ int refuseSecondStart() {
     std::fprintf(stderr, "rovana: another terminal works on %s\n",
                  qUtf8Printable(platform::device::folder()));
     platform::TerminalLock::callHolder();
+    ui::prepareStyle();
     ui::prepareFonts();
     ui::Terminal terminal;
     terminal.setWindowTitle(u"Rovana"_s);
@@ -183,6 +188,7 @@ int runProgram(int argc, char** argv, const std::function<void(ui::Terminal&)>& 
     if (lock.isTaken()) return refuseSecondStart();
     openFolder(settings);
     scale.keep();
+    ui::prepareStyle();
     ui::prepareFonts();
     ui::speakKorean();
     // Played visits are silent.
@@ -206,6 +212,8 @@ int runProgram(int argc, char** argv, const std::function<void(ui::Terminal&)>& 
         } else {
             window.show();
         }
+        // Nobody waits for it now; whoever needs a line earlier loads it himself.
+        QTimer::singleShot(kLoadLinesMs, &window, [] { platform::loadLines(); });
         exitCode = app::CRovanaApp().run();
         QCoreApplication::quit();
     });

@@ -6,6 +6,7 @@
 
 #include "PrivateMemory.h"
 #include "Program.h"
+#include "platform/Lines.h"
 #include "rovana-play/Pilot.h"
 #include "ui/Terminal.h"
 
@@ -16,6 +17,8 @@ int main(int argc, char** argv) {
     const int exitCode = runProgram(argc - 1, argv + 1, [&](ui::Terminal& terminal) {
         pilot::Options options;
         options.more = [] {
+            // A visit that fingers make takes longer than this module is waited with.
+            platform::loadLines();
             bench::tellPrivateMemory();
             return QList<pilot::Step>();
         };

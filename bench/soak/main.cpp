@@ -33,6 +33,7 @@
 #include "totals/DailyReports.h"
 #include "ui/FontList.h"
 #include "ui/Fonts.h"
+#include "ui/Style.h"
 #include "ui/Terminal.h"
 
 // Qt calls these places of its table whenever an object comes or goes.
@@ -199,6 +200,7 @@ int main(int argc, char* argv[]) {
                                u"/rovana-soak-XXXXXX"_s);
     if (const QString error = prepare(folder.filePath(u"device"_s)); !error.isEmpty()) return fail(error);
     platform::openLog();
+    ui::prepareStyle();
     ui::prepareFonts();
     registerScreens();
     // The first login takes its work date from the clock before the first day's script has set it.

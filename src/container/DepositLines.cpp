@@ -6,7 +6,6 @@
 #include "platform/Rows.h"
 
 namespace container {
-namespace {}  // namespace
 
 QList<DepositLine> depositLines() {
     static constexpr db::Statement<u"SELECT PCode,PName,Box,Bon,YMoney,GMoney FROM TEMP ORDER BY PCode DESC">

@@ -1,17 +1,31 @@
 #include "platform/Address.h"
 
+#include <arpa/inet.h>
+
+#include <QByteArray>
+#include <array>
+#include <cstring>
+
 namespace platform {
 
 using namespace Qt::Literals::StringLiterals;
 
-std::optional<QHostAddress> parseAddress(QStringView text) {
-    const QHostAddress address(text.toString());
-    if (address.isNull() || address == QHostAddress::AnyIPv4 || address == QHostAddress::AnyIPv6)
+std::optional<QString> parseAddress(QStringView text) {
+    const bool isVersion6 = text.contains(u':');
+    const int family = isVersion6 ? AF_INET6 : AF_INET;
+    // An address of the link names the interface that it is reached by.
+    const qsizetype zone = isVersion6 ? text.indexOf(u'%') : -1;
+    const QByteArray number = (zone < 0 ? text : text.first(zone)).toLatin1();
+    in6_addr address{};
+    static constexpr in6_addr kAll{};
+    if (::inet_pton(family, number.constData(), &address) != 1 ||
+        std::memcmp(&address, &kAll, sizeof address) == 0 || zone + 1 == text.size()) {
         return std::nullopt;
-    // Qt also takes "127.1" and a plain number.
-    const bool isVersion4 = address.protocol() == QAbstractSocket::IPv4Protocol;
-    if (isVersion4 && address.toString() != text) return std::nullopt;
-    return address;
+    }
+    std::array<char, INET6_ADDRSTRLEN> written{};
+    ::inet_ntop(family, &address, written.data(), socklen_t(written.size()));
+    const QString name = QString::fromLatin1(written.data());
+    return zone < 0 ? name : name + text.sliced(zone).toString();
 }
 
 std::optional<Endpoint> parseEndpoint(QStringView text) {
@@ -22,7 +36,7 @@ std::optional<Endpoint> parseEndpoint(QStringView text) {
     if (bracket > 0 && bracket + 1 != (colon < 0 ? text.size() : colon)) return std::nullopt;
     const QStringView name =
         bracket > 0 ? text.sliced(1, bracket - 1) : text.first(colon < 0 ? text.size() : colon);
-    const std::optional<QHostAddress> address = parseAddress(name);
+    const std::optional<QString> address = parseAddress(name);
     if (!address) return std::nullopt;
     if (colon < 0) return Endpoint{*address};
     bool isNumber = false;
@@ -30,9 +44,8 @@ std::optional<Endpoint> parseEndpoint(QStringView text) {
     return isNumber && port > 0 ? std::optional(Endpoint{*address, port}) : std::nullopt;
 }
 
-QString endpointText(const QHostAddress& address, quint16 port) {
-    const bool isVersion6 = address.protocol() == QAbstractSocket::IPv6Protocol;
-    return (isVersion6 ? u"[%1]:%2"_s : u"%1:%2"_s).arg(address.toString()).arg(port);
+QString endpointText(const QString& address, quint16 port) {
+    return (address.contains(u':') ? u"[%1]:%2"_s : u"%1:%2"_s).arg(address).arg(port);
 }
 
 }  // namespace platform

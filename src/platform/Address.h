@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QHostAddress>
 #include <QString>
 #include <QStringView>
 #include <optional>
@@ -10,19 +9,19 @@
 namespace platform {
 
 struct Endpoint {
-    QHostAddress address;
+    QString address;   ///< As parseAddress returns it.
     quint16 port = 0;  ///< 0 where none is named.
 };
 
-/// An IPv4 address of four dotted numbers or an IPv6 address; nothing for any other text and for the address
-/// that stands for all.
-std::optional<QHostAddress> parseAddress(QStringView text);
+/// An IPv4 address of four dotted numbers or an IPv6 address, in the way it is always written; nothing for
+/// any other text and for the address that stands for all.
+std::optional<QString> parseAddress(QStringView text);
 
 /// The same with a port behind it or not: "10.1.2.3:9100", "[fe80::1%eth0]:9100", "::1". Nothing for a wrong
 /// port.
 std::optional<Endpoint> parseEndpoint(QStringView text);
 
 /// Address and port as parseEndpoint reads them.
-QString endpointText(const QHostAddress& address, quint16 port);
+QString endpointText(const QString& address, quint16 port);
 
 }  // namespace platform

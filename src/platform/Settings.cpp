@@ -146,7 +146,7 @@ void readPrinter(Values* values, Settings* settings) {
                 [&](const QString& text) {
                     const std::optional<Endpoint> endpoint = parseEndpoint(text);
                     if (!endpoint) return false;
-                    printer.address = endpoint->address.toString();
+                    printer.address = endpoint->address;
                     if (endpoint->port > 0) printer.port = endpoint->port;
                     return true;
                 });

@@ -16,6 +16,7 @@ QString causeText(Cause cause) {
         case Cause::TakesNothing: return u": 용지·덮개·전원 확인"_s;
         case Cause::Away: return u": 프린터 연결 안됨"_s;
         case Cause::NoRoom: return u": 저장공간 확인"_s;
+        case Cause::Incomplete: return u": 프로그램 재설치 필요"_s;
         case Cause::None: break;
     }
     return {};

@@ -9,7 +9,6 @@
 #include "db/Statement.h"
 
 namespace sales {
-namespace {}  // namespace
 
 QList<UnvisitedOrder> unvisitedOrders(QStringView userId, QStringView workDate) {
     // The import adds the lines of a file in their order.

@@ -79,7 +79,7 @@ void BitmapButton::mouseDoubleClickEvent(QMouseEvent* event) {
 void BitmapButton::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     if (!isEnabled()) painter.setOpacity(kDisabledOpacity);
-    painter.drawPixmap(0, 0, bitmap(isDown() ? bitmaps_.pressed : bitmaps_.normal, devicePixelRatioF()));
+    drawKeptBitmap(&painter, isDown() ? bitmaps_.pressed : bitmaps_.normal);
     painter.setOpacity(1);
     painter.setFont(font());
     painter.setPen(!isEnabled()                               ? kDisabledCaption

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <QIcon>
-#include <QPixmap>
+#include <QRectF>
 #include <QSize>
+
+class QPainter;
 
 namespace ui {
 
@@ -61,8 +63,11 @@ inline constexpr int kAskForCard = 360;
 /// Size of a picture in pixels at scale 1; empty for a number without a picture.
 QSize bitmapSize(int number);
 
-/// The picture drawn sharp for the display's `pixelRatio`; null for a number without a picture.
-QPixmap bitmap(int number, qreal pixelRatio);
+/// Draws the picture to fill `area`, and nothing for a number without a picture.
+void drawBitmap(QPainter* painter, int number, const QRectF& area);
+
+/// Draws the picture in its own size at the painter's origin, and keeps its pixels for the next time.
+void drawKeptBitmap(QPainter* painter, int number);
 
 /// The picture as an icon, drawn when the desktop asks for it and in the size that it asks for.
 QIcon icon(int number);

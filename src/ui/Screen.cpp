@@ -8,6 +8,7 @@
 #include <QStyledItemDelegate>
 
 #include "ui/AmountTable.h"
+#include "ui/Picture.h"
 #include "ui/PressableText.h"
 #include "ui/ReportList.h"
 #include "ui/Terminal.h"
@@ -159,9 +160,7 @@ void Screen::addAmountRow(const AmountTable& table, const AmountRow& row) {
 }
 
 QLabel* Screen::addPicture(int controlId, int bitmapNumber, QPoint at) {
-    auto* result = place(controlId, new QLabel(this), QRect(at, bitmapSize(bitmapNumber)));
-    result->setPixmap(bitmap(bitmapNumber, devicePixelRatioF()));
-    return result;
+    return place(controlId, new Picture(bitmapNumber, this), QRect(at, bitmapSize(bitmapNumber)));
 }
 
 void Screen::addHeading(int pictureId, int bitmapNumber, const QString& title) {

@@ -7,6 +7,8 @@
 namespace sales {
 namespace {
 
+using namespace Qt::Literals::StringLiterals;
+
 constexpr QStringView kToday = u"2024-05-07";
 
 TEST(SlipNumber, FollowsTheHighest) {
@@ -38,6 +40,13 @@ TEST(SlipNumber, FollowsTheHighest) {
                   c.next.toString())
             << "mode " << c.workMode;
     }
+    // A payment that may yet be found approved keeps its number.
+    device.execute(
+        u"DELETE FROM MTMOK; INSERT INTO PAYJOURNAL (Number, DDate, JunNo, State) VALUES "
+        "('a', '2024-05-07', '7001', 'sent'), ('b', '2024-05-07', '7002', 'unknown'), "
+        "('c', '2024-05-07', '7003', 'refused')"_s);
+    EXPECT_EQ(books::nextSlipNumber(kCollection, kToday), u"7003"_s);
+    EXPECT_EQ(books::nextSimplePaymentNumber(kToday), u"7003"_s);
 }
 
 }  // namespace

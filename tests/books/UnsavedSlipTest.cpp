@@ -76,4 +76,24 @@ TEST(UnsavedSlip, WaitsForItsUserWhileOthersWork) {
     EXPECT_TRUE(books::keptSlips(u"A").isEmpty());
 }
 
+TEST(UnsavedSlip, BringsTheSaleOfItsContainersWithIt) {
+    test::TestDevice device;
+    ASSERT_TRUE(sales::reloadSlip(u"A", kDay, u"5001") && sales::insertLine(saleLine(u"1001"_s)));
+    ASSERT_EQ(sales::saveSlip(u"A", kDay, u"5001"), sales::SaveOutcome::Saved);
+    // The number of a visit's containers is that of its sale, whoever else brought some back under it.
+    device.execute(
+        u"INSERT INTO YTM (DDate, GCode, JunNo, UserID) VALUES ('2026-11-21', '0002', '5001', 'B')"_s);
+    for (const QString& junNo : {u"5001"_s, u"6001"_s}) {
+        device.execute(
+            u"DELETE FROM TEMP; DELETE FROM UNSAVED; INSERT INTO UNSAVED VALUES ('YTEMP', 'A', '1'); INSERT "
+            u"INTO "
+            "YTEMP (DDate, GCode, JunNo, PCode) VALUES ('2026-11-21', '0001', '%1', '9001')"_s.arg(junNo));
+        ASSERT_TRUE(books::keepAside(books::findUnsaved().value()));
+        auto kept = books::keptSlips(u"A");
+        ASSERT_TRUE(kept.size() == 1 && books::takeUp(&kept[0]));
+        EXPECT_EQ(kept[0].junNo, junNo);
+        EXPECT_EQ(sales::isWorkingSlipEmpty(), junNo == u"6001") << "only a visit's have a sale";
+    }
+}
+
 }  // namespace

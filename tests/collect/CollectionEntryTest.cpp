@@ -43,10 +43,14 @@ TEST_F(CollectionEntryTest, TakesContainersOverAndLeavesOthersAlone) {
     device_.execute(u"UPDATE MTMOK SET YDMoney = '200', UnderMoney = '-60'"_s);
     entry.open(kSlip, true, {.recovery = {}, .isRecoveryMoved = true, .kept = {}});
     EXPECT_EQ(entry.amounts().cash, Won(22940)) << "settled anew";
+    EXPECT_EQ(entry.crateDeposit(), Won(1000));
     EXPECT_FALSE(entry.isPaidAsShown());
     entry.open({kSlip.date, kSlip.junNo, kSlip.userId, u"0002"_s}, true, {});
     EXPECT_TRUE(entry.isOthers() && !open(u"0002"_s).saved && entry.remove());
     EXPECT_EQ(device_.value(u"SELECT count(*) FROM MTMOK"_s), u"1"_s);
+    device_.execute(u"UPDATE MTMOK SET Gubun = '단순결제', JunNo = '7001', GDMoney = '500'"_s);
+    const auto simple = openEntry({kSlip.date, u"7001"_s, kSlip.userId, {}});
+    EXPECT_EQ(simple.amounts.total, simple.saved->amounts().total) << "that of a simple payment holds more";
 }
 
 TEST_F(CollectionEntryTest, GoesOnWithWhatWasKeyed) {
@@ -60,6 +64,7 @@ TEST_F(CollectionEntryTest, GoesOnWithWhatWasKeyed) {
     EXPECT_FALSE(goOn(kept, slip, open(), Won(6000))) << "containers came back meanwhile";
 
     // A line less: what was keyed of the sale goes with it, and cash pays what there is now.
+    const OpenedEntry before = open();
     device_.execute(u"DELETE FROM MTM WHERE PCode = '1002'"_s);
     const OpenedEntry changed = open();
     const auto amounts = goOn(kept, slip, changed, std::nullopt);
@@ -67,9 +72,31 @@ TEST_F(CollectionEntryTest, GoesOnWithWhatWasKeyed) {
     EXPECT_EQ(amounts->total, changed.amounts.total);
     EXPECT_EQ(amounts->cash, changed.amounts.total);
     EXPECT_EQ(amounts->earlierReceivable, Won(700));
-    // What exceeds the total was worked out from the old one.
-    keyRecovery(kept.keyed, kept.keyed.total + Won(1));
-    EXPECT_FALSE(goOn(kept, slip, changed, std::nullopt));
+    for (void (*const settle)(books::SettlementAmounts&) : {settleByCard, settleInCash, settleOnCredit}) {
+        for (const Won recovery : {Won(), Won(100), changed.amounts.total}) {
+            books::SettlementAmounts due = changed.amounts;
+            kept.keyed = before.amounts;
+            for (books::SettlementAmounts* each : {&kept.keyed, &due}) {
+                keyNonLiquor(*each, Won(30));
+                keyRecovery(*each, recovery);
+                settle(*each);
+                if (!recovery.isZero()) keyEarlierReceivable(*each, Won(700));
+            }
+            EXPECT_EQ(goOn(kept, slip, changed, std::nullopt), due);
+        }
+    }
+    // What exceeds one of the totals was worked out from the old one, and a saved settlement stands.
+    for (const auto& [from, to] : {std::pair(before, changed), std::pair(changed, before)}) {
+        kept.opened = kept.keyed = from.amounts;
+        keyRecovery(kept.keyed, changed.amounts.total + Won(1));
+        EXPECT_FALSE(goOn(kept, slip, to, std::nullopt));
+    }
+    kept.opened = kept.keyed = before.amounts;
+    OpenedEntry saved = changed;
+    saved.saved.emplace();
+    EXPECT_FALSE(goOn(kept, slip, saved, std::nullopt));
+    kept.recovery = Won(100);
+    EXPECT_FALSE(goOn(kept, slip, changed, kept.recovery)) << "its containers are to be taken over anew";
 
     // Containers worth all of the sale leave nothing to pay, until a line is added.
     kept = {slip, changed.amounts, changed.amounts, std::nullopt};

@@ -79,12 +79,37 @@ TEST(Settlement, SplitsTheTotal) {
          {105000, 60000, 0, 0, 45000, 0},
          0},
         {"alone", alone, {0, 0, 0, 0, 0, 7}, 8000, {0, 8000, 0, 0, 0, 7}, 0},
+        {"alone, smaller than what was keyed",
+         alone,
+         {0, 8000, 0, -8000, 0, 8000},
+         5000,
+         {0, 5000, 0, 0, 0, 0},
+         0},
         {"alone, a visit's", alone, {50000, 0, 0, 50000, 0, 0}, 8000, {50000, 8000, 0, 42000, 0, 0}, 0},
     };
     for (const auto& c : kCases) {
         SettlementAmounts amounts = amountsOf(c.from);
         EXPECT_EQ(c.rule(amounts, Won(c.keyed)).value(), c.excess) << c.name;
         EXPECT_EQ(split(amounts), c.to) << c.name;
+    }
+}
+
+// What a button has booked of the excess moves the customer's receivable once.
+TEST(Settlement, OwesWhatItLeaves) {
+    const struct {
+        Split amounts;
+        std::int64_t effect;
+    } cases[] = {
+        {{50000, 10000, 5000, 6000, 29000, 700}, 28300}, {{50000, 60000, 0, 0, 0, 10000}, -10000},
+        {{50000, 60000, 0, -10000, 0, 10000}, -10000},   {{50000, 60000, 0, 0, 0, 9000}, -19000},
+        {{50000, 60000, 50000, 0, 0, 10000}, -70000},    {{50000, 60000, 0, 3000, 0, 10000}, -23000},
+        {{50000, 60000, 0, 0, -10000, 10000}, -20000},   {{50000, 50000, 0, 0, 0, 0}, 0},
+        {{50000, 40000, 0, 0, 0, -10000}, 20000},
+    };
+    for (const auto& c : cases) {
+        SettlementAmounts amounts = amountsOf(c.amounts);
+        recomputeTotal(amounts);
+        EXPECT_EQ(resultingReceivable(amounts), Won(1000 + c.effect)) << testing::PrintToString(c.amounts);
     }
 }
 

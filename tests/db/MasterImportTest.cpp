@@ -17,6 +17,7 @@
 #include "platform/Device.h"
 #include "platform/adoce/DatabaseFile.h"
 #include "support/PrintQt.h"
+#include "support/RecordedTraces.h"
 #include "support/TestDevice.h"
 
 namespace db {
@@ -242,7 +243,9 @@ TEST_F(MasterImportTest, AFileThatIsBeingWrittenWaits) {
     QFile writer(onDisk(u"MTM.RVN"));
     ASSERT_TRUE(writer.open(QIODevice::WriteOnly | QIODevice::Append));
     EXPECT_EQ(findImportFile(file(u"MTM.RVN")), kDocuments);
+    test::RecordedTraces traces;
     EXPECT_EQ(load(u"MTM.RVN").outcome, BeingWritten);
+    EXPECT_TRUE(traces.take().join(u' ').contains(u"another program writes"));
     EXPECT_EQ(device.value(u"SELECT count(*) FROM MTM"_s), u"0"_s);
     writer.write("-02|b|\n");
     writer.close();

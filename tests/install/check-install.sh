@@ -19,6 +19,7 @@ expected='bin/rovana
 bin/rovana-cardhost
 bin/rovana-play
 bin/rovanactl
+lib/rovana/lines.so
 share/applications/rovana.desktop
 share/doc/rovana/README.ko.md
 share/doc/rovana/README.md

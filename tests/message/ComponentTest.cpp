@@ -30,9 +30,8 @@ class ComponentTest : public ::testing::Test {
         EXPECT_TRUE(writeHostKey(host.publicKey));
         SigningKey own;
         EXPECT_EQ(makeSigningKey(&own), kDone);
-        EXPECT_TRUE(writeSavedValues({{u"101"_s, u"4711"_s},
-                                      {u"221"_s, savedAddress(QHostAddress(QHostAddress::LocalHost))},
-                                      {u"222"_s, u"8480"_s}}));
+        EXPECT_TRUE(writeSavedValues(
+            {{u"101"_s, u"4711"_s}, {u"221"_s, savedAddress(u"127.0.0.1"_s)}, {u"222"_s, u"8480"_s}}));
         EXPECT_TRUE(listener.listen(QHostAddress::LocalHost));
     }
 
@@ -73,6 +72,8 @@ TEST_F(ComponentTest, WhatTheSystemHasNotTakenHasNotLeft) {
 
 TEST_F(ComponentTest, OneExchangeRunsAtATimeAndARefusedConnectionIsAnEvent) {
     Component::setTimeOutUnit(std::chrono::milliseconds(20));
+    for (const QString& track : {QString(), QString(105, u'0')})
+        EXPECT_EQ(terminal.payment(track, u"1234"), kBadInput);
     ASSERT_EQ(terminal.payment(kCardData, u"1234"), kDone);
     ASSERT_EQ(terminal.commun(port(), 2), kDone);
     EXPECT_EQ(terminal.call(25, {u"127.0.0.1", qint16(port()), qint16(1), qint16(0)}), kLinkFailed);

@@ -7,6 +7,7 @@
 
 #include "platform/termdev/CardReader.h"
 #include "platform/termdev/CardReaderLine.h"
+#include "platform/termdev/Devices.h"
 #include "platform/termdev/Keystrokes.h"
 #include "platform/termdev/Swipe.h"
 #include "platform/termdev/TermDev.h"
@@ -168,6 +169,13 @@ TEST_F(Readers, ASerialReader) {
     CardReader::instance().enable(false);
     pty.send(kTrack2 + kTrack3 + '\r');
     expectDrop(&traces);
+    platform::Settings both;
+    both.reader = settings;
+    for (const auto kind : {ReaderSettings::Kind::Serial, ReaderSettings::Kind::None}) {
+        both.reader.kind = kind;
+        const Devices devices(both);
+        EXPECT_EQ(readerStatus().fault.isEmpty(), kind == ReaderSettings::Kind::None) << "the line is taken";
+    }
     pty.hangUp();
     EXPECT_TRUE(test::pump([&] { return line.status().state == DeviceStatus::State::Fault; }));
 }

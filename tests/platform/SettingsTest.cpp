@@ -30,22 +30,33 @@ TEST(Settings, GoodValuesAreTakenAndBadOnesTold) {
     EXPECT_EQ(reader.track2Starts, u";"_s) << "a semicolon is a value here";
     EXPECT_TRUE(settings.scale == 1.5 && settings.logKilobytes == 64 && !settings.hasSound);
 
-    device.writeFile(u"\\rovana.conf", "[printer]\ntype = tcp\naddress = [fd00::2]:9101\n");
+    device.writeFile(u"\\rovana.conf", "[printer]\ntype = tcp\naddress = [FD00:0::2%eth0]:9101\n");
     settings = readSettings();
     EXPECT_EQ(settings.complaints.join(u'\n').toStdString(), "");
-    EXPECT_EQ(settings.printer.address, u"fd00::2"_s);
+    EXPECT_EQ(settings.printer.address, u"fd00::2%eth0"_s);
     EXPECT_EQ(settings.printer.port, 9101);
 
-    const QByteArray bad[] = {"[printer]\nspeed = 9601",        "[printer]\ntype = laser",
-                              "[printer]\nport = 70000",        "[printer]\naddress = a.b",
-                              "[printer]\naddress = 0.0.0.0",   "[printer]\naddress = 10.0.0.9:0",
-                              "[printer]\naddress = [fd00::2",  "[printer]\naddress = [fd00::2]x:91",
-                              "[printer]\naddress = 127.1",     "[printer]\naddress = 10.0.0.9:99999",
-                              "[printer]\ntype = tcp",          "[reader]\ntype = serial",
-                              "[reader]\ntrack3 = 12",          "[screen]\nscale = nan",
-                              "[log]\nkilobytes = -1",          "[log]\nsize = 5",
-                              "[printer]\ndevice = lp0",        "[printer]\nport = 9100\nport = 9100",
-                              '#' + QByteArray(64 * 1024, '-'), "nonsense"};
+    const QByteArray bad[] = {"[printer]\nspeed = 9601",
+                              "[printer]\ntype = laser",
+                              "[printer]\nport = 70000",
+                              "[printer]\naddress = a.b",
+                              "[printer]\naddress = 0.0.0.0",
+                              "[printer]\naddress = 10.0.0.9:0",
+                              "[printer]\naddress = [fd00::2",
+                              "[printer]\naddress = [fd00::2]x:91",
+                              "[printer]\naddress = fd00::2%",
+                              "[printer]\naddress = 127.1",
+                              "[printer]\naddress = 10.0.0.9:99999",
+                              "[printer]\ntype = tcp",
+                              "[reader]\ntype = serial",
+                              "[reader]\ntrack3 = 12",
+                              "[screen]\nscale = nan",
+                              "[log]\nkilobytes = -1",
+                              "[log]\nsize = 5",
+                              "[printer]\ndevice = lp0",
+                              "[printer]\nport = 9100\nport = 9100",
+                              '#' + QByteArray(64 * 1024, '-'),
+                              "nonsense"};
     for (const QByteArray& text : bad) {
         device.writeFile(u"\\rovana.conf", text + '\n');
         settings = readSettings();

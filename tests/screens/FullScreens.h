@@ -24,6 +24,7 @@
 #include "ui/BitmapButton.h"
 #include "ui/Messages.h"
 #include "ui/NarrowScreen.h"
+#include "ui/Picture.h"
 #include "ui/ReportList.h"
 #include "ui/Terminal.h"
 
@@ -146,11 +147,6 @@ inline QStringList cutTexts(QWidget& control) {
     return fits ? QStringList() : QStringList{text};
 }
 
-inline bool isPicture(const QWidget* control) {
-    const auto* label = qobject_cast<const QLabel*>(control);
-    return label != nullptr && !label->pixmap(Qt::ReturnByValue).isNull();
-}
-
 /// What a finger, an eye or a reader of the screen would miss on it.
 inline QStringList faults(const ui::Screen& screen) {
     QStringList found;
@@ -164,7 +160,8 @@ inline QStringList faults(const ui::Screen& screen) {
         for (const QWidget* other : shown) {
             if (other == control) break;
             // A heading's text lies on its picture.
-            if (!isPicture(other) && other->geometry().intersects(control->geometry()))
+            if (qobject_cast<const ui::Picture*>(other) == nullptr &&
+                other->geometry().intersects(control->geometry()))
                 found << nameOf(*control) + u" covers "_s + nameOf(*other);
         }
     }

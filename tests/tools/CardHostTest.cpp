@@ -44,8 +44,9 @@ TEST_F(CardHostTest, WritesWhatTheTerminalReads) {
     EXPECT_EQ(hostKey()[31], 0xB1);
 
     // Another host keeps the terminal's number and what else is saved.
-    expected[u"301"_s] = u"kept"_s;
+    expected[u"301"_s] = u"kept as it is"_s;
     ASSERT_TRUE(writeSavedValues(expected));
+    EXPECT_FALSE(writeSavedValues({{u"4 1"_s, u""_s}}) || writeSavedValues({{u"401"_s, u"a\nb"_s}}));
     writeFile(u"host.key"_s, "the host's own folder");
     EXPECT_EQ(set(u"127.0.0.1"_s, u"1"_s).exitCode, admin::kSuccess);
     EXPECT_EQ(cardhost::enrolledKey(folder(), u"4711"_s), own.publicKey) << "with the key of before";

@@ -54,6 +54,21 @@ TEST_F(CommandsTest, JournalListsPaymentsAndSettlesOpenOnes) {
                 HasSubstr("close the"));
 }
 
+TEST_F(CommandsTest, AnInstallationWithoutItsModuleSaysSoWhenALineIsNeeded) {
+    makeDevice();
+    const QTemporaryDir elsewhere;
+    const QString alone = elsewhere.filePath(u"rovanactl"_s);
+    ASSERT_TRUE(QFile::copy(QStringLiteral(ROVANACTL), alone));
+    platform::writeWholeFile(path(u"rovana.conf"_s), "[reader]\ntype = serial\ndevice = /dev/null\n");
+    for (const auto& [program, said] : {std::pair{alone, "lines.so"}, {QStringLiteral(ROVANACTL), "ioctl"}}) {
+        QProcess process;
+        process.start(program, {u"swipe-test"_s, u"--device"_s, folder()});
+        ASSERT_TRUE(process.waitForFinished());
+        EXPECT_EQ(process.exitCode(), admin::kFailure);
+        EXPECT_THAT(process.readAllStandardError().toStdString(), HasSubstr(said));
+    }
+}
+
 TEST_F(CommandsTest, LoadTakesTheWholeFileOrNothing) {
     makeDevice();
     const QByteArray user =

@@ -98,6 +98,8 @@ TEST_F(DayClosing, NamesWhatChangedAfterIt) {
     ASSERT_TRUE(closeDay(kDay, u"A", Won(0)));
     EXPECT_TRUE(changes().isEmpty());
     EXPECT_EQ(cell(dayCloseReports(kDay, u"A")->last(), u"삭제 전표"_s), u"판매·회수 1"_s);
+    device.execute(u"UPDATE DAYCLOSE SET Strip = NULL"_s);
+    EXPECT_EQ(cell(dayCloseReports(kDay, u"A")->last(), u"1차 현금시재"_s), u"현금 1100"_s);
 }
 
 TEST(DailyReports, AreOfOneUserOrEverybodyAndNeverShort) {

@@ -62,6 +62,34 @@ TEST(PaymentInquiry, BelievesOnlyWhatTellsOfThisPayment) {
     platform::clock::set({});
 }
 
+TEST(PaymentInquiry, IsKeptInTheJournal) {
+    test::TestDevice device;
+    const struct {
+        QString code, answered, state;
+        bool isKept;
+    } cases[] = {
+        {u"0000"_s, u"A"_s, u"approved"_s, true},
+        {u"0012"_s, u"A"_s, u"refused"_s, true},
+        {u"0019"_s, u"A"_s, u"released"_s, true},
+        {u"0012"_s, u"B"_s, u"sent"_s, false},
+    };
+    for (const auto& c : cases) {
+        device.execute(u"DELETE FROM PAYJOURNAL; DELETE FROM MTMOK"_s);
+        books::JournalPayment payment;
+        payment.number = u"A"_s;
+        payment.slip.Gubun = books::kSimplePaymentSlip.toString();
+        ASSERT_TRUE(books::notePayment(payment));
+        books::HostReply reply;
+        reply.responseCode = c.code;
+        reply.transactionNumber = u"7"_s;
+        const SettledPayment settled = settle(payment, reply, c.answered);
+        EXPECT_EQ(settled.isKept, c.isKept) << c.state.toStdString();
+        EXPECT_EQ(settled.slip.has_value(), c.state == u"approved");
+        EXPECT_EQ(device.value(u"SELECT State FROM PAYJOURNAL"_s), c.state);
+        EXPECT_EQ(device.value(u"SELECT BANKTRANNO FROM MTMOK"_s), settled.slip ? u"7"_s : QString());
+    }
+}
+
 TEST(PaymentInquiry, TellsAnotherAmountThanWasAsked) {
     books::HostReply reply;
     reply.transactionAmount = u"000130500"_s;

@@ -1,7 +1,5 @@
 #include "rovana-play/CardHost.h"
 
-#include <QHostAddress>
-
 #include "platform/Device.h"
 #include "platform/message/SavedValues.h"
 
@@ -15,10 +13,9 @@ QString CardHost::start(const QStringList& options) {
     if (const QString error = host_.start(platform::device::folder() + u"/cardhost"_s, options);
         !error.isEmpty())
         return error;
-    const SavedValues values{
-        {kHostAddressKey.toString(), savedAddress(QHostAddress(QHostAddress::LocalHost))},
-        {kHostPortKey.toString(), QString::number(host_.port())},
-        {kTerminalKey.toString(), terminal}};
+    const SavedValues values{{kHostAddressKey.toString(), savedAddress(u"127.0.0.1"_s)},
+                             {kHostPortKey.toString(), QString::number(host_.port())},
+                             {kTerminalKey.toString(), terminal}};
     return writeSavedValues(values) ? host_.enrol({terminal}) : u"the saved values could not be written"_s;
 }
 

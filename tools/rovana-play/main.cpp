@@ -20,6 +20,7 @@
 #include "rovana-play/Script.h"
 #include "ui/FontList.h"
 #include "ui/Fonts.h"
+#include "ui/Style.h"
 #include "ui/Terminal.h"
 
 namespace {
@@ -166,6 +167,7 @@ int main(int argc, char* argv[]) {
     platform::openLog();
     platform::tightenFiles(platform::device::folder());
     QApplication::setCursorFlashTime(0);  // Screenshots of the same screen are the same.
+    ui::prepareStyle();
     ui::prepareFonts();
     registerScreens();
     const std::unique_ptr<QWidget> window = makeWindow(new ui::Terminal, call.isOnDesk);

@@ -34,7 +34,7 @@ QString newTerminal() {
 
 /// What a call asks for.
 struct Wanted {
-    QHostAddress address;
+    QString address;
     quint16 port = 0;
     QString terminal;  ///< Empty when none is named.
     QString keyFile;

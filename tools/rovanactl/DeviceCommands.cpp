@@ -3,6 +3,7 @@
 
 #include <QDir>
 #include <QEventLoop>
+#include <QHostAddress>
 #include <QNetworkProxy>
 #include <QTcpSocket>
 #include <QTimer>
@@ -49,10 +50,10 @@ QString faultOfFile(const QString& path, int flags) {
 }
 
 /// Why the printer's address does not answer; empty when it does.
-QString faultOfAddress(const QHostAddress& address, int port) {
+QString faultOfAddress(const QString& address, int port) {
     QTcpSocket socket;
     socket.setProxy(QNetworkProxy::NoProxy);
-    socket.connectToHost(address, quint16(port));
+    socket.connectToHost(QHostAddress(address), quint16(port));
     return socket.waitForConnected(kConnectMilliseconds) ? QString() : socket.errorString();
 }
 
@@ -75,9 +76,8 @@ Outcome listDevices(const Invocation& call) {
             tell(u"printer", u"serial", printer.device, faultOfFile(printer.device, O_RDWR));
             break;
         case PrinterSettings::Kind::Tcp:
-            tell(u"printer", u"tcp",
-                 platform::endpointText(QHostAddress(printer.address), quint16(printer.port)),
-                 faultOfAddress(QHostAddress(printer.address), printer.port));
+            tell(u"printer", u"tcp", platform::endpointText(printer.address, quint16(printer.port)),
+                 faultOfAddress(printer.address, printer.port));
             break;
     }
     call.out << u"spool\t"_s << PrintSpool().count() << u" jobs wait\n"_s;

@@ -1,9 +1,8 @@
 #include "platform/message/Component.h"
 
 #include <QDate>
+#include <QIODevice>
 #include <QMetaObject>
-#include <QNetworkProxy>
-#include <QTcpSocket>
 #include <QTimer>
 #include <algorithm>
 #include <array>
@@ -55,12 +54,6 @@ bool isDate(QStringView text) {
     return text.size() == 8 && areDigits(text) && QDate::fromString(text, u"yyyyMMdd").isValid();
 }
 
-/// Whether it is the system that gives no socket, rather than the network no way.
-bool isLinkFailure(QAbstractSocket::SocketError error) {
-    return error == QAbstractSocket::SocketAccessError || error == QAbstractSocket::SocketResourceError ||
-           error == QAbstractSocket::UnsupportedSocketOperationError;
-}
-
 }  // namespace
 
 struct Component::Operation {
@@ -79,7 +72,7 @@ struct Component::Request {
 
 struct Component::Exchange {
     std::unique_ptr<Request> request;  ///< Null once the exchange has failed to start.
-    QTcpSocket* socket = nullptr;
+    std::unique_ptr<Connection> connection;
     QTimer* timer = nullptr;
     FrameReader reader;
     Stage stage = Stage::Starting;
@@ -88,8 +81,8 @@ struct Component::Exchange {
 
     ~Exchange() { hangUp(); }
 
-    /// Drops the connection and what the socket still holds. The objects go later, since it is their signals
-    /// that this is called from.
+    /// Drops the connection and what it still holds. The timer goes later, since it is its signal that this
+    /// may be called from.
     void hangUp() {
         if (timer) {
             timer->stop();
@@ -97,14 +90,7 @@ struct Component::Exchange {
             timer->deleteLater();
             timer = nullptr;
         }
-        if (socket) {
-            socket->disconnect(socket->parent());
-            // Unlike close(), which would send what waits.
-            socket->abort();
-            socket->setParent(nullptr);
-            socket->deleteLater();
-            socket = nullptr;
-        }
+        connection.reset();
     }
 };
 
@@ -320,7 +306,7 @@ Status Component::commun(Arguments arguments) {
         [this, status] {
             if (status != kDone) {
                 failWith(status);
-            } else if (exchange_ && exchange_->socket) {
+            } else if (exchange_ && exchange_->connection) {
                 reach(Stage::Communicating);
             }
         },
@@ -337,19 +323,18 @@ Status Component::start(QStringView host, quint16 port, int timeOut) {
     const Status ready = std::exchange(requestStatus_, kBadInput);
     header_.reset();
     if (ready != kDone) return ready;
-    const std::optional<QHostAddress> address = parseAddress(host);
+    const std::optional<QString> address = parseAddress(host);
     if (timeOut <= 0 || port == 0 || !address) return kBadInput;
 
-    auto* const socket = exchange_->socket = new QTcpSocket(this);
-    socket->setProxy(QNetworkProxy::NoProxy);
-    socket->setReadBufferSize(kFrameLimit);
-    connect(socket, &QTcpSocket::connected, this, &Component::sendRequest);
-    connect(socket, &QTcpSocket::bytesWritten, this, &Component::requestLeft);
-    connect(socket, &QTcpSocket::readyRead, this, &Component::readReply);
-    socket->connectToHost(*address, port);
-    if (socket->state() == QTcpSocket::UnconnectedState)
-        return isLinkFailure(socket->error()) ? kLinkFailed : kConnectionFailed;
-    connect(socket, &QTcpSocket::errorOccurred, this, &Component::connectionLost);
+    exchange_->connection = makeConnection(kFrameLimit);
+    if (!exchange_->connection) return kLinkFailed;
+    QIODevice* const device = exchange_->connection->device();
+    device->setParent(this);
+    connect(device, &QIODevice::bytesWritten, this, &Component::requestLeft);
+    connect(device, &QIODevice::readyRead, this, &Component::readReply);
+    const std::optional<Connection::Fault> fault = exchange_->connection->open(
+        *address, port, [this] { sendRequest(); }, [this](Connection::Fault of) { connectionLost(of); });
+    if (fault) return *fault == Connection::Fault::NoSocket ? kLinkFailed : kConnectionFailed;
 
     auto* const timer = exchange_->timer = new QTimer(this);
     timer->setSingleShot(true);
@@ -369,13 +354,13 @@ void Component::sendRequest() {
     exchange_->isHanded = true;
     hasSent_ = true;
     // A request is one frame, which nothing follows before the reply.
-    exchange_->socket->setSocketOption(QTcpSocket::LowDelayOption, 1);
-    exchange_->socket->write(exchange_->request->frame);
+    exchange_->connection->sendWithoutDelay();
+    exchange_->connection->device()->write(exchange_->request->frame);
 }
 
 void Component::requestLeft() {
     exchange_->hasLeft = true;
-    if (exchange_->socket->bytesToWrite() == 0) reach(Stage::Sent);
+    if (exchange_->connection->device()->bytesToWrite() == 0) reach(Stage::Sent);
 }
 
 void Component::hangUp() {
@@ -384,7 +369,7 @@ void Component::hangUp() {
 }
 
 void Component::readReply() {
-    exchange_->reader.add(exchange_->socket->readAll());
+    exchange_->reader.add(exchange_->connection->device()->readAll());
     for (;;) {
         Frame frame;
         const FrameReader::Result result = exchange_->reader.next(&frame);
@@ -417,9 +402,9 @@ void Component::takeReply(const Frame& frame) {
     if (!current.expired()) endExchange();
 }
 
-void Component::connectionLost(QAbstractSocket::SocketError error) {
+void Component::connectionLost(Connection::Fault fault) {
     // Qt gives up connecting after 30 seconds by itself; how long to wait is for the exchange's own timer.
-    if (error == QAbstractSocket::SocketTimeoutError) return;
+    if (fault == Connection::Fault::TimedOut) return;
     const std::weak_ptr<Exchange> current = exchange_;
     if (!exchange_->isHanded) {
         hangUp();
@@ -427,7 +412,7 @@ void Component::connectionLost(QAbstractSocket::SocketError error) {
         return;
     }
     readReply();
-    if (!current.expired() && exchange_->socket) breakOff(u"the card host closed the connection");
+    if (!current.expired() && exchange_->connection) breakOff(u"the card host closed the connection");
 }
 
 /// Emits the signals that lead to `stage`, as far as they are due. False when a receiver has let the

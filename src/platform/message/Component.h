@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QAbstractSocket>
 #include <QObject>
 #include <QString>
 #include <QStringView>
@@ -10,6 +9,7 @@
 #include <span>
 #include <variant>
 
+#include "platform/Lines.h"
 #include "platform/message/Fields.h"
 #include "platform/message/Frame.h"
 #include "platform/message/Seal.h"
@@ -101,7 +101,7 @@ class Component : public QObject {
     void hangUp();
     void readReply();
     void takeReply(const Frame& frame);
-    void connectionLost(QAbstractSocket::SocketError error);
+    void connectionLost(Connection::Fault fault);
     bool reach(Stage stage);
     void breakOff(QStringView reason);
     void failWith(Status status);

@@ -155,11 +155,10 @@ Status makeSigningKey(SigningKey* key, QString* error) {
     return status == kKeyFileMissing ? kKeyFileUnreadable : status;
 }
 
-QString savedAddress(const QHostAddress& address) {
-    if (address.protocol() != QAbstractSocket::IPv4Protocol) return address.toString();
+QString savedAddress(const QString& address) {
+    if (address.contains(u':')) return address;
     QString digits;
-    for (int shift = 24; shift >= 0; shift -= 8)
-        digits += u"%1"_s.arg((address.toIPv4Address() >> shift) & 0xFF, 3, 10, QChar(u'0'));
+    for (const QString& octet : address.split(u'.')) digits += octet.rightJustified(3, u'0');
     return digits;
 }
 

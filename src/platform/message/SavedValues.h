@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QHostAddress>
 #include <QMap>
 #include <QString>
 #include <QStringView>
@@ -52,8 +51,8 @@ Status readSigningKey(SigningKey* key);
 /// Why none could be written stands in `error`, if that is given.
 Status makeSigningKey(SigningKey* key, QString* error = nullptr);
 
-/// An address as saved value "221" has it: an IPv4 address as 12 digits, first octet first, an IPv6 address
-/// as its text.
-QString savedAddress(const QHostAddress& address);
+/// An address that parseAddress has read as saved value "221" has it: an IPv4 address as 12 digits, first
+/// octet first, an IPv6 address as its text.
+QString savedAddress(const QString& address);
 
 }  // namespace platform::message

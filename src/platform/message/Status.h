@@ -9,7 +9,7 @@ enum Status : qint16 {
     kDone = 0,
     kBadInput = -100,           ///< A wrong parameter, a call out of order, an operation that is not offered.
     kConnectionFailed = -500,   ///< No way to the host, or it refuses the connection.
-    kLinkFailed = -504,         ///< No socket, or an exchange is under way already.
+    kLinkFailed = -504,         ///< No socket, no module of lines, or an exchange is under way already.
     kKeyFileMissing = -801,     ///< The file with the host's or the terminal's key is missing.
     kKeyFileUnreadable = -804,  ///< Such a file cannot be read or holds no key.
     kSavedUnreadable = -806,    ///< The saved values are missing or cannot be read.

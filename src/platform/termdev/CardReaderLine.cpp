@@ -8,7 +8,7 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QSerialPort>
+#include <QIODevice>
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -58,7 +58,7 @@ CardReaderLine::CardReaderLine(const ReaderSettings& settings, int retry, int lo
     connect(&quiet_, &QTimer::timeout, this, [this] {
         // What came while the program was busy is no break.
         const auto before = received_.size();
-        while (serial_ && serial_->waitForReadyRead(0)) {
+        while (serial_ && serial_->device()->waitForReadyRead(0)) {
         }
         if (!serial_) read();
         if (received_.size() == before) swipeEnded(true);
@@ -103,15 +103,11 @@ QString CardReaderLine::openAndTake() {
 }
 
 QString CardReaderLine::openSerialLine() {
-    serial_ = std::make_unique<QSerialPort>();
     // Qt does not wipe its buffer. So it never holds more than one character, which the next one overwrites.
-    serial_->setReadBufferSize(1);
-    connect(serial_.get(), &QSerialPort::readyRead, this, &CardReaderLine::readSerial);
-    const QString fault = openSerial(serial_.get(), settings_.device, settings_.line);
-    connect(serial_.get(), &QSerialPort::errorOccurred, this, [this](QSerialPort::SerialPortError error) {
-        if (error != QSerialPort::TimeoutError && error != QSerialPort::NoError) lose(u"it was taken away"_s);
-    });
-    return fault;
+    serial_ = makeSerialLine(1);
+    if (!serial_) return loadLines();
+    connect(serial_->device(), &QIODevice::readyRead, this, &CardReaderLine::readSerial);
+    return serial_->open(settings_.device, settings_.line, [this] { lose(u"it was taken away"_s); });
 }
 
 void CardReaderLine::open() {
@@ -136,11 +132,7 @@ void CardReaderLine::close() {
         readable_->setEnabled(false);
         readable_.release()->deleteLater();
     }
-    if (serial_) {
-        serial_->disconnect(this);
-        closeSerial(serial_.get());
-        serial_.release()->deleteLater();
-    }
+    serial_.reset();
     for (int* descriptor : {&line_, &sibling_}) {
         if (*descriptor >= 0) ::close(std::exchange(*descriptor, -1));
     }
@@ -149,7 +141,7 @@ void CardReaderLine::close() {
 void CardReaderLine::readSerial() {
     // Asked for more than there is, the port goes on to the next character.
     std::array<char, 2> buffer;
-    const qint64 count = serial_->read(buffer.data(), qint64(buffer.size()));
+    const qint64 count = serial_->device()->read(buffer.data(), qint64(buffer.size()));
     for (qint64 at = 0; at < count; ++at) take(buffer[size_t(at)]);
     sodium_memzero(buffer.data(), buffer.size());
 }

@@ -5,12 +5,11 @@
 #include <QTimer>
 #include <memory>
 
+#include "platform/Lines.h"
 #include "platform/SecureBytes.h"
 #include "platform/Settings.h"
 #include "platform/termdev/DeviceStatus.h"
 #include "platform/termdev/Keystrokes.h"
-
-class QSerialPort;
 
 namespace platform::termdev {
 
@@ -53,7 +52,7 @@ class CardReaderLine : public QObject {
     QString fault_;
     QTimer opening_;
     QTimer quiet_;
-    std::unique_ptr<QSerialPort> serial_;
+    std::unique_ptr<SerialLine> serial_;
     int line_ = -1;     ///< A device that is no serial line.
     int sibling_ = -1;  ///< The input device of a hidraw keyboard, held so that its keys reach nobody.
     std::unique_ptr<QSocketNotifier> readable_;

@@ -20,6 +20,7 @@ struct DeviceStatus {
         TakesNothing,  ///< Out of paper, open or switched off: the line does not tell which.
         Away,          ///< It does not answer, or its line broke.
         NoRoom,        ///< The jobs' folder cannot be used.
+        Incomplete,    ///< The program lacks a part of itself.
     };
 
     State state = State::Ready;

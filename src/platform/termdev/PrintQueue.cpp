@@ -102,7 +102,7 @@ void PrintQueue::step() {
     takeNote();
     if (!line_->failure().isEmpty()) {
         if (phase_ == Phase::Parting) spool_.mark(&*job_, PrintSpool::Stage::Begun);
-        return fail(line_->failure());
+        return fail(line_->failure(), line_->cause());
     }
     if (phase_ == Phase::Sending && line_->isSent()) {
         untransmitted_ = line_->untransmitted();

@@ -10,16 +10,15 @@
 #include <termios.h>
 #include <unistd.h>
 
-#include <QNetworkProxy>
-#include <QSerialPort>
+#include <QIODevice>
 #include <QSocketNotifier>
-#include <QTcpSocket>
 #include <QThread>
 #include <array>
 #include <cerrno>
 #include <csignal>
 
 #include "platform/Address.h"
+#include "platform/Lines.h"
 #include "platform/SystemReason.h"
 #include "platform/termdev/DeviceLine.h"
 
@@ -105,52 +104,53 @@ class FileLine : public PrinterLine {
     std::unique_ptr<QSocketNotifier> writable_;
 };
 
-class SerialLine : public PrinterLine {
+class SerialPrinterLine : public PrinterLine {
   public:
-    explicit SerialLine(const PrinterSettings& settings) : settings_(settings) {}
-    ~SerialLine() override {
-        port_.disconnect(this);
+    explicit SerialPrinterLine(const PrinterSettings& settings) : settings_(settings) {}
+    ~SerialPrinterLine() override {
+        if (!port_) return;
+        port_->device()->disconnect(this);
         // What the line still holds would keep its closing waiting for the printer, half a minute under flow
         // control; the job is sent anew.
-        if (port_.isOpen() && (!isSent() || untransmitted() > 0)) {
-            port_.clear();
-            port_.setFlowControl(QSerialPort::NoFlowControl);
-        }
-        closeSerial(&port_);
+        if (port_->device()->isOpen() && (!isSent() || untransmitted() > 0)) port_->drop();
     }
 
     void send(const QByteArray& job) override {
         job_ = job;
-        if (const QString reason = openSerial(&port_, settings_.device, settings_.line); !reason.isEmpty())
-            return fail(reason);
-        connect(&port_, &QSerialPort::bytesWritten, this, &SerialLine::changed);
-        connect(&port_, &QSerialPort::readyRead, this, [this] { port_.readAll(); });
-        connect(&port_, &QSerialPort::errorOccurred, this, [this](QSerialPort::SerialPortError error) {
-            if (error == QSerialPort::TimeoutError || error == QSerialPort::NoError) return;
-            fail(port_.errorString());
+        port_ = makeSerialLine(kMostAnswers);
+        if (!port_) return fail(loadLines(), DeviceStatus::Cause::Incomplete);
+        QIODevice* const device = port_->device();
+        const QString reason = port_->open(settings_.device, settings_.line, [this, device] {
+            fail(device->errorString());
             Q_EMIT changed();
         });
-        port_.setReadBufferSize(kMostAnswers);
-        port_.write(job);
+        if (!reason.isEmpty()) return fail(reason);
+        connect(device, &QIODevice::bytesWritten, this, &SerialPrinterLine::changed);
+        connect(device, &QIODevice::readyRead, this, [device] { device->readAll(); });
+        device->write(job);
     }
     qsizetype untransmitted() const override {
-        const qsizetype bytes = bytesBelow(port_.handle(), TIOCOUTQ);
+        const int line = port_->descriptor();
+        const qsizetype bytes = bytesBelow(line, TIOCOUTQ);
         unsigned int status = TIOCSER_TEMT;
         // The last bytes are in the line's own memory, where a printer that is not ready holds them as well.
-        const bool isInMemory = bytes == 0 && ::ioctl(port_.handle(), TIOCSERGETLSR, &status) == 0 &&
-                                (status & TIOCSER_TEMT) == 0;
-        return isInMemory ? 1 : orBusy(bytes, port_.handle());
+        const bool isInMemory =
+            bytes == 0 && ::ioctl(line, TIOCSERGETLSR, &status) == 0 && (status & TIOCSER_TEMT) == 0;
+        return isInMemory ? 1 : orBusy(bytes, line);
     }
     void work(int milliseconds) override {
-        isSent() ? QThread::msleep(unsigned(milliseconds)) : void(port_.waitForBytesWritten(milliseconds));
+        isSent() ? QThread::msleep(unsigned(milliseconds))
+                 : void(port_->device()->waitForBytesWritten(milliseconds));
     }
 
   protected:
-    qsizetype unsent() const override { return port_.isOpen() ? port_.bytesToWrite() : job_.size(); }
+    qsizetype unsent() const override {
+        return port_ && port_->device()->isOpen() ? port_->device()->bytesToWrite() : job_.size();
+    }
 
   private:
     const PrinterSettings settings_;
-    QSerialPort port_;
+    std::unique_ptr<SerialLine> port_;
 };
 
 /// Qt connects and sends. The way to the end of the connection is its descriptor's alone: Qt cannot end one
@@ -159,8 +159,7 @@ class NetworkLine : public PrinterLine {
   public:
     explicit NetworkLine(const PrinterSettings& settings) : settings_(settings) {}
     ~NetworkLine() override {
-        socket_.disconnect(this);
-        socket_.abort();
+        connection_.reset();
         readable_.reset();
         if (line_ >= 0) ::close(line_);
     }
@@ -168,20 +167,21 @@ class NetworkLine : public PrinterLine {
     void send(const QByteArray& job) override {
         job_ = job;
         unsent_ = job.size();
-        const std::optional<QHostAddress> address = parseAddress(settings_.address);
+        const std::optional<QString> address = parseAddress(settings_.address);
         if (!address) return fail(systemReason(EINVAL));
-        socket_.setProxy(QNetworkProxy::NoProxy);
-        socket_.setReadBufferSize(kMostAnswers);
-        connect(&socket_, &QTcpSocket::connected, this, [this] { socket_.write(job_); });
-        connect(&socket_, &QTcpSocket::bytesWritten, this, &NetworkLine::written);
-        connect(&socket_, &QTcpSocket::readyRead, this, [this] { socket_.readAll(); });
-        socket_.connectToHost(*address, quint16(settings_.port));
-        if (socket_.state() == QTcpSocket::UnconnectedState) return fail(socket_.errorString());
-        connect(&socket_, &QTcpSocket::errorOccurred, this, &NetworkLine::broken);
+        connection_ = makeConnection(kMostAnswers);
+        if (!connection_) return fail(loadLines(), DeviceStatus::Cause::Incomplete);
+        QIODevice* const device = connection_->device();
+        connect(device, &QIODevice::bytesWritten, this, &NetworkLine::written);
+        connect(device, &QIODevice::readyRead, this, [device] { device->readAll(); });
+        const auto fault = connection_->open(
+            *address, quint16(settings_.port), [this, device] { device->write(job_); },
+            [this](Connection::Fault of) { broken(of); });
+        if (fault) fail(device->errorString());
     }
     qsizetype untransmitted() const override { return bytesBelow(line_, TIOCOUTQ); }
     bool isSilent() const override {
-        const int line = line_ >= 0 ? line_ : int(socket_.socketDescriptor());
+        const int line = line_ >= 0 || !connection_ ? line_ : connection_->descriptor();
         tcp_info info{};
         socklen_t size = sizeof info;
         ::getsockopt(line, IPPROTO_TCP, TCP_INFO, &info, &size);
@@ -194,7 +194,7 @@ class NetworkLine : public PrinterLine {
     bool hasEnded() const override { return hasEnded_; }
     void work(int milliseconds) override {
         if (line_ < 0) {
-            socket_.waitForBytesWritten(milliseconds);
+            if (connection_) connection_->device()->waitForBytesWritten(milliseconds);
             return;
         }
         pollfd state{line_, short(hasEnded_ ? 0 : POLLIN), 0};
@@ -208,10 +208,9 @@ class NetworkLine : public PrinterLine {
     void written(qint64 bytes) {
         unsent_ -= bytes;
         if (unsent_ == 0) {
-            line_ = ::fcntl(int(socket_.socketDescriptor()), F_DUPFD_CLOEXEC, 0);
+            line_ = ::fcntl(connection_->descriptor(), F_DUPFD_CLOEXEC, 0);
             if (line_ < 0) return fail(systemReason());
-            socket_.disconnect(this);
-            socket_.abort();
+            connection_.reset();
             readable_ = std::make_unique<QSocketNotifier>(line_, QSocketNotifier::Read);
             connect(readable_.get(), &QSocketNotifier::activated, this, &NetworkLine::readAnswers);
         }
@@ -229,15 +228,15 @@ class NetworkLine : public PrinterLine {
         readable_->setEnabled(!hasEnded_ && failure().isEmpty());
         Q_EMIT changed();
     }
-    void broken(QAbstractSocket::SocketError error) {
+    void broken(Connection::Fault fault) {
         // That of work(), while the connection stands.
-        if (error == QTcpSocket::SocketTimeoutError && socket_.state() == QTcpSocket::ConnectedState) return;
-        fail(socket_.errorString());
+        if (fault == Connection::Fault::TimedOut && connection_->isConnected()) return;
+        fail(connection_->device()->errorString());
         Q_EMIT changed();
     }
 
     const PrinterSettings settings_;
-    QTcpSocket socket_;
+    std::unique_ptr<Connection> connection_;
     int line_ = -1;  ///< The same connection, once all of the job is sent.
     std::unique_ptr<QSocketNotifier> readable_;
     qsizetype unsent_ = 0;
@@ -248,7 +247,7 @@ class NetworkLine : public PrinterLine {
 
 std::unique_ptr<PrinterLine> PrinterLine::make(const PrinterSettings& settings) {
     switch (settings.kind) {
-        case PrinterSettings::Kind::Serial: return std::make_unique<SerialLine>(settings);
+        case PrinterSettings::Kind::Serial: return std::make_unique<SerialPrinterLine>(settings);
         case PrinterSettings::Kind::Tcp: return std::make_unique<NetworkLine>(settings);
         case PrinterSettings::Kind::File:
         case PrinterSettings::Kind::Roll: break;
@@ -256,8 +255,10 @@ std::unique_ptr<PrinterLine> PrinterLine::make(const PrinterSettings& settings) 
     return std::make_unique<FileLine>(settings.device);
 }
 
-void PrinterLine::fail(const QString& reason) {
-    if (failure_.isEmpty()) failure_ = reason;
+void PrinterLine::fail(const QString& reason, DeviceStatus::Cause cause) {
+    if (!failure_.isEmpty()) return;
+    failure_ = reason;
+    cause_ = cause;
 }
 
 }  // namespace platform::termdev

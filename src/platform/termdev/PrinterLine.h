@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "platform/Settings.h"
+#include "platform/termdev/DeviceStatus.h"
 
 namespace platform::termdev {
 
@@ -22,6 +23,8 @@ class PrinterLine : public QObject {
     virtual void send(const QByteArray& job) = 0;
     /// Why the line is of no use any more; empty while it is.
     QString failure() const { return failure_; }
+    /// What kind of failure it is.
+    DeviceStatus::Cause cause() const { return cause_; }
     /// Bytes of the job that have left this program. None has while this is 0.
     qsizetype sent() const { return job_.size() - unsent(); }
     bool isSent() const { return unsent() == 0; }
@@ -41,12 +44,13 @@ class PrinterLine : public QObject {
   protected:
     /// Bytes of the job that are still in this program.
     virtual qsizetype unsent() const = 0;
-    void fail(const QString& reason);
+    void fail(const QString& reason, DeviceStatus::Cause cause = DeviceStatus::Cause::Away);
 
     QByteArray job_;
 
   private:
     QString failure_;
+    DeviceStatus::Cause cause_ = DeviceStatus::Cause::None;
 };
 
 }  // namespace platform::termdev
