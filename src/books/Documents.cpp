@@ -4,9 +4,9 @@
 
 #include <QDate>
 #include <algorithm>
+#include <array>
 #include <set>
 
-#include "books/CollectionRows.h"
 #include "db/Schema.h"
 
 namespace books {
@@ -25,6 +25,9 @@ struct Kind {
 /// Bytes of a slip of some lines: a content does not grow piece by piece.
 constexpr qsizetype kUsualContent = 1024;
 
+/// More than any table of a kind has.
+constexpr std::size_t kMostColumns = 32;
+
 constexpr Kind kKinds[] = {
     {DocumentKind::Sale, u"sale", u"MTM", u"JunNo"},
     {DocumentKind::Containers, u"containers", u"YTM", u"JunNo"},
@@ -39,54 +42,68 @@ const Kind& find(DocumentKind kind) {
     return *std::ranges::find(kKinds, kind, &Kind::kind);
 }
 
-/// SHA-256. Not Qt's, which a measured sync spent a tenth of its work in.
-class Sha256 {
-  public:
-    Sha256() { crypto_hash_sha256_init(&state_); }
-    void add(QByteArrayView bytes) {
-        crypto_hash_sha256_update(&state_, reinterpret_cast<const unsigned char*>(bytes.data()),
-                                  static_cast<unsigned long long>(bytes.size()));
+/// Not Qt's, which a measured sync spent a tenth of its work in.
+void sodiumSha256(std::span<const QByteArrayView> parts, uchar* digest) {
+    crypto_hash_sha256_state state;
+    crypto_hash_sha256_init(&state);
+    for (const QByteArrayView part : parts) {
+        crypto_hash_sha256_update(&state, reinterpret_cast<const uchar*>(part.data()),
+                                  static_cast<unsigned long long>(part.size()));
     }
-    QByteArray result() {
-        QByteArray digest(crypto_hash_sha256_BYTES, Qt::Uninitialized);
-        crypto_hash_sha256_final(&state_, reinterpret_cast<unsigned char*>(digest.data()));
-        return digest;
-    }
+    crypto_hash_sha256_final(&state, digest);
+}
 
-  private:
-    crypto_hash_sha256_state state_;
-};
+Sha256 sha256 = sodiumSha256;
+
+QByteArray digestOf(std::span<const QByteArrayView> parts) {
+    QByteArray digest(crypto_hash_sha256_BYTES, Qt::Uninitialized);
+    sha256(parts, reinterpret_cast<uchar*>(digest.data()));
+    return digest;
+}
 
 bool isSeparator(char each) {
     return each == kRowSeparator || each == kFieldSeparator || each == '\0';
 }
 
-/// Adds the column's text in UTF-8, without what would be taken for a separator and what the office's
-/// database cannot hold.
-void addField(const SqliteStatement& row, int column, QByteArray* content) {
-    const QByteArrayView bytes = row.textView(column);
-    if (bytes.isValidUtf8() && std::ranges::none_of(bytes, isSeparator)) {
-        content->append(bytes);
-        return;
-    }
+/// A field's text in UTF-8, without what would be taken for a separator and what the office's database cannot
+/// hold.
+QByteArray withoutSeparators(QByteArrayView bytes) {
     QString text = QString::fromUtf8(bytes);
     for (QChar& each : text) {
         if (each.unicode() < 0x80 && isSeparator(char(each.unicode()))) each = QChar::ReplacementCharacter;
     }
-    content->append(text.toUtf8());
+    return text.toUtf8();
 }
 
-QString field(const SqliteStatement& row, int column) {
-    QByteArray bytes;
-    addField(row, column, &bytes);
-    return QString::fromUtf8(bytes);
+QString field(QByteArrayView bytes) {
+    return QString::fromUtf8(withoutSeparators(bytes));
+}
+
+/// True when no field needs its separators taken out. All of a row is looked at at once.
+bool isPlain(QByteArrayView row, int fields) {
+    qsizetype separators = 0;
+    for (const char each : row) separators += isSeparator(each);
+    return separators == fields - 1 && row.isValidUtf8();
 }
 
 /// Adds `count` columns of the row from `first` on, as they stand in a content.
 void addRow(const SqliteStatement& row, int first, int count, QByteArray* content) {
+    std::array<QByteArrayView, kMostColumns> fields;
+    const qsizetype begin = content->size();
+    qsizetype size = count - 1;
+    for (int i = 0; i < count; ++i) size += (fields[std::size_t(i)] = row.textView(first + i)).size();
+    // Each field at its place: a content that is told to append makes sure of its room every time.
+    content->resize(begin + size);
+    char* at = content->data() + begin;
+    for (int i = 0; i < count; ++i) {
+        if (i > 0) *at++ = kFieldSeparator;
+        at = std::ranges::copy(fields[std::size_t(i)], at).out;
+    }
+    if (isPlain(QByteArrayView(*content).sliced(begin), count)) return;
+    content->truncate(begin);
     for (int i = 0; i < count; ++i) {
         if (i > 0) content->append(kFieldSeparator);
-        addField(row, first + i, content);
+        content->append(withoutSeparators(fields[std::size_t(i)]));
     }
 }
 
@@ -104,31 +121,40 @@ QStringView kindTable(DocumentKind kind) {
     return find(kind).table;
 }
 
-QByteArray documentDigest(DocumentKind kind, const QByteArray& content) {
-    Sha256 hash;
-    hash.add(kindName(kind).toUtf8());
-    hash.add(QByteArrayView(&kRowSeparator, 1));
-    hash.add(content);
-    return hash.result();
+bool isContentColumn(DocumentKind kind, QStringView column) {
+    return column != u"DDate" && column.compare(u"UserID", Qt::CaseInsensitive) != 0 &&
+           column.compare(find(kind).number, Qt::CaseInsensitive) != 0;
+}
+
+void useSha256(Sha256 other) {
+    sha256 = other;
+}
+
+QByteArray documentDigest(const DocumentIdentity& identity, const QByteArray& content) {
+    const QByteArray name = kindName(identity.kind).toUtf8() + kRowSeparator + identity.number.toUtf8() +
+                            kFieldSeparator + identity.userId.toUtf8() + kRowSeparator;
+    return digestOf(std::array<QByteArrayView, 2>{name, content});
 }
 
 QByteArray dayDigest(QList<QByteArray> digests) {
     std::ranges::sort(digests);
-    Sha256 hash;
-    for (const QByteArray& digest : std::as_const(digests)) hash.add(digest);
-    return hash.result();
+    const QByteArray all = digests.join();
+    return digestOf(std::array<QByteArrayView, 1>{all});
 }
 
 DocumentReader::DocumentReader(platform::SqliteFile& database) : database_(database) {
     for (const Kind& kind : kKinds) {
-        if (database_.hasColumn(kind.table)) columns_[kind.kind] = columnsOf(kind.table);
+        if (database_.hasColumn(kind.table)) columns_[kind.kind] = columnsOf(kind.kind);
     }
 }
 
-QByteArray DocumentReader::columnsOf(QStringView table) const {
+QByteArray DocumentReader::columnsOf(DocumentKind kind) const {
+    const db::schema::Table& table = *db::schema::findTable(kindTable(kind));
     QStringList columns;
-    for (const QStringView column : db::schema::findTable(table)->columns)
-        columns << (database_.hasColumn(table, column) ? column.toString() : u"''"_s);
+    for (const QStringView column : table.columns) {
+        if (isContentColumn(kind, column))
+            columns << (database_.hasColumn(table.name, column) ? column.toString() : u"''"_s);
+    }
     return columns.join(u',').toUtf8();
 }
 
@@ -164,48 +190,69 @@ void DocumentReader::forEachDocument(const QString& date,
 DocumentReader::Prepared DocumentReader::preparedCollections(const QString& date) const {
     Prepared prepared;
     if (!columns_.contains(DocumentKind::Payment)) return prepared;
-    SqliteStatement rows = database_.statement("SELECT JunNo, UserID, Gubun, " + columnsOf(u"MTMOK") +
-                                               " FROM PAYJOURNAL WHERE State = 'prepared' AND DDate = ?");
+    SqliteStatement rows =
+        database_.statement("SELECT JunNo, UserID, Gubun, " + columnsOf(DocumentKind::Collection) +
+                            " FROM PAYJOURNAL WHERE State = 'prepared' AND DDate = ?");
     rows.bind(date);
     while (rows.step()) {
         const bool hasReplaced = !rows.text(2).isEmpty();
-        QByteArray& replaced = prepared[{DocumentKind::Collection, field(rows, 0), field(rows, 1)}];
+        QByteArray& replaced =
+            prepared[{DocumentKind::Collection, field(rows.textView(0)), field(rows.textView(1))}];
         replaced.clear();
-        if (hasReplaced) addRow(rows, 3, kCollectionColumns, &replaced);
+        if (hasReplaced) addRow(rows, 3, rows.columns() - 3, &replaced);
     }
     return prepared;
+}
+
+/// The statement for the kind's rows of a day, those of a document together and in their stored order: its
+/// number, its user and the columns.
+QByteArray DocumentReader::selection(DocumentKind kind, const QString& date) const {
+    const QByteArray table = find(kind).table.toUtf8();
+    const QByteArray number = kind == DocumentKind::Close ? "''" : find(kind).number.toUtf8();
+    // Where each row has both, as ever, an index brings them in order; nothing else counts as an empty text.
+    SqliteStatement without = database_.statement("SELECT 1 FROM " + table + " WHERE DDate = ? AND (" +
+                                                  number + " IS NULL OR UserID IS NULL) LIMIT 1");
+    without.bind(date);
+    const bool isWhole = !without.step();
+    const auto order = [&](const QByteArray& column) {
+        return isWhole ? column : "IFNULL(" + column + ",'')";
+    };
+    const QByteArray condition = kind == DocumentKind::Payment ? " AND State <> 'prepared'" : "";
+    return "SELECT " + order(number) + ", " + order("UserID") + ", " + columns_[kind] + " FROM " + table +
+           " WHERE DDate = ?" + condition + " ORDER BY " + order(number) + ", " + order("UserID") + ", rowid";
 }
 
 /// False when `use` wants no more.
 bool DocumentReader::readKind(DocumentKind kind, const QString& date,
                               const std::function<bool(const Document&)>& use) const {
-    const QByteArray number =
-        kind == DocumentKind::Close ? "''" : "IFNULL(" + find(kind).number.toUtf8() + ",'')";
-    const QByteArray user = "IFNULL(UserID,'')";
-    const QByteArray condition = kind == DocumentKind::Payment ? " AND State <> 'prepared'" : "";
-    const QByteArray select = "SELECT " + number + ", " + user + ", " + columns_[kind] + " FROM " +
-                              find(kind).table.toUtf8() + " WHERE DDate = ?" + condition + " ORDER BY " +
-                              number + ", " + user + ", rowid";
     const Prepared prepared = kind == DocumentKind::Collection ? preparedCollections(date) : Prepared();
     const auto give = [&](Document& document) {
         const auto replaced = prepared.constFind(document.identity);
         if (replaced != prepared.cend()) document.content = *replaced;
         if (document.content.isEmpty()) return true;
-        document.digest = documentDigest(kind, document.content);
+        document.digest = documentDigest(document.identity, document.content);
         return use(document);
     };
-    SqliteStatement rows = database_.statement(select);
+    SqliteStatement rows = database_.statement(selection(kind, date));
     rows.bind(date);
     const int columns = rows.columns() - 2;
     Document document;
+    QByteArray number;
+    QByteArray user;
     while (rows.step()) {
-        const DocumentIdentity identity{kind, field(rows, 0), field(rows, 1)};
-        if (!document.content.isEmpty() && document.identity != identity) {
-            if (!give(document)) return false;
-            document.content = {};
-            document.content.reserve(kUsualContent);
+        const QByteArrayView numberNow = rows.textView(0);
+        const QByteArrayView userNow = rows.textView(1);
+        if (document.content.isEmpty() || numberNow != number || userNow != user) {
+            number = numberNow.toByteArray();
+            user = userNow.toByteArray();
+            const DocumentIdentity identity{kind, field(number), field(user)};
+            if (!document.content.isEmpty() && document.identity != identity) {
+                if (!give(document)) return false;
+                document.content = {};
+                document.content.reserve(kUsualContent);
+            }
+            document.identity = identity;
         }
-        document.identity = identity;
         if (!document.content.isEmpty()) document.content += kRowSeparator;
         addRow(rows, 2, columns, &document.content);
     }

@@ -1,12 +1,14 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QHash>
 #include <QList>
 #include <QString>
 #include <QStringList>
 #include <QStringView>
 #include <functional>
+#include <span>
 #include <tuple>
 
 #include "platform/Sqlite.h"
@@ -51,8 +53,9 @@ struct DocumentIdentity {
 
 struct Document {
     DocumentIdentity identity;
-    /// Its rows in their stored order, U+001E between them, and the table's columns, U+001F between them, in
-    /// UTF-8. A control character of a text that would be taken for one of those is U+FFFD here.
+    /// Its rows in their stored order, U+001E between them, and their fields, U+001F between them, in UTF-8:
+    /// the table's columns without those of the day, the number and the user. A control character of a text
+    /// that would be taken for one of those is U+FFFD here.
     QByteArray content;
     QByteArray digest;  ///< documentDigest.
 };
@@ -60,8 +63,17 @@ struct Document {
 inline constexpr char kRowSeparator = '\x1e';
 inline constexpr char kFieldSeparator = '\x1f';
 
-/// SHA-256 of the kind's name, a row separator and the content.
-QByteArray documentDigest(DocumentKind kind, const QByteArray& content);
+/// Whether the kind's contents have that column of its table.
+bool isContentColumn(DocumentKind kind, QStringView column);
+
+/// How the digests below are worked out: SHA-256 of the parts in their order, into 32 bytes. libsodium does
+/// it unless a program brings something faster, before its first digest.
+using Sha256 = void (*)(std::span<const QByteArrayView> parts, uchar* digest);
+void useSha256(Sha256 sha256);
+
+/// SHA-256 of the kind's name, the number and user with a field separator between them, and the content, a
+/// row separator before each but the first.
+QByteArray documentDigest(const DocumentIdentity& identity, const QByteArray& content);
 
 /// SHA-256 of the documents' digests in their order as bytes; that of nothing for a day without documents.
 QByteArray dayDigest(QList<QByteArray> digests);
@@ -82,12 +94,13 @@ class DocumentReader {
   private:
     using Prepared = QHash<DocumentIdentity, QByteArray>;
     Prepared preparedCollections(const QString& date) const;
+    QByteArray selection(DocumentKind kind, const QString& date) const;
     bool readKind(DocumentKind kind, const QString& date,
                   const std::function<bool(const Document&)>& use) const;
-    QByteArray columnsOf(QStringView table) const;
+    QByteArray columnsOf(DocumentKind kind) const;
 
     platform::SqliteFile& database_;
-    QHash<DocumentKind, QByteArray> columns_;  ///< The SELECT list of each table that is there.
+    QHash<DocumentKind, QByteArray> columns_;  ///< The SELECT list for each table's contents that is there.
 };
 
 }  // namespace books

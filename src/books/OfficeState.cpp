@@ -1,7 +1,6 @@
 #include "books/OfficeState.h"
 
 #include <QFile>
-#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSet>
@@ -33,15 +32,15 @@ QByteArray bytes(const QJsonValue& value) {
 }
 
 QJsonObject toJson(const OfficeState::Day& day) {
-    QJsonArray agreed;
-    for (const QByteArray& each : day.agreed) agreed.append(hex(each));
-    return {{u"digest"_s, hex(day.digest)}, {u"agreed"_s, agreed}, {u"waiting"_s, day.waiting}};
+    return {
+        {u"digest"_s, hex(day.digest)}, {u"agreed"_s, hex(day.agreed.join())}, {u"waiting"_s, day.waiting}};
 }
 
 OfficeState::Day dayOf(const QJsonObject& json) {
     OfficeState::Day day;
     day.digest = bytes(json[u"digest"_s]);
-    for (const QJsonValue each : json[u"agreed"_s].toArray()) day.agreed << bytes(each);
+    const QByteArray agreed = bytes(json[u"agreed"_s]);
+    for (qsizetype at = 0; at < agreed.size(); at += kShortBytes) day.agreed << agreed.mid(at, kShortBytes);
     day.waiting = json[u"waiting"_s].toInt();
     return day;
 }

@@ -107,15 +107,14 @@ QByteArray SqliteStatement::textBytes(int column) const {
 }
 
 QByteArrayView SqliteStatement::textView(int column) const {
-    const auto* const data = reinterpret_cast<const char*>(sqlite3_column_text(handle_, column));
-    return {data, sqlite3_column_bytes(handle_, column)};
-}
-
-QString SqliteStatement::text(int column) const {
     // The column is looked up once. Such a value is for one thread only, like all of the connection.
     sqlite3_value* const value = sqlite3_column_value(handle_, column);
     const auto* const data = reinterpret_cast<const char*>(sqlite3_value_text(value));
-    return QString::fromUtf8(data, sqlite3_value_bytes(value));
+    return {data, sqlite3_value_bytes(value)};
+}
+
+QString SqliteStatement::text(int column) const {
+    return QString::fromUtf8(textView(column));
 }
 
 QStringList SqliteStatement::row() const {

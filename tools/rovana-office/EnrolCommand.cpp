@@ -163,7 +163,7 @@ Outcome enrol(const Invocation& call) {
     makeRole(work, access);
     work.exec_params(
         "INSERT INTO office.terminal (terminal, role_name, users) VALUES ($1, $2, $3::text[]) "
-        "ON CONFLICT (terminal) DO UPDATE SET users = excluded.users, enrolled_at = now()",
+        "ON CONFLICT (terminal) DO UPDATE SET users = excluded.users, enrolled_at = now(), salesmen = NULL",
         plain(terminal), plain(access.user), textArray(users));
     // On the disk before the credentials of before are gone.
     if (!file.write(QByteArrayView(text.data(), qsizetype(text.size()))))

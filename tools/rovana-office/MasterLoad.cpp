@@ -107,6 +107,7 @@ class Load {
             " FROM " + table_ + " WHERE first_version = $1::bigint OR last_version = $1::bigint - 1";
         if (master_.table == u"pummok" || master_.table == u"barcode") {
             noteFor("SELECT '' AS userid WHERE EXISTS (SELECT" + changed + ")", master_.name);
+            work_.exec_params("SELECT office.keep_lines($1)", plain(master_.name));
         } else if (master_.table == u"mtm" || master_.table == u"garae") {
             noteFor("SELECT userid" + changed, master_.name);
         } else {

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "platform/Device.h"
+#include "rovana-sync/Digests.h"
 
 namespace terminal_sync {
 
@@ -32,6 +33,7 @@ SqliteFile& looked(SqliteFile& database) {
 LocalDays::LocalDays() try
     : database_(platform::device::path(platform::device::kDatabaseFile), SqliteFile::Mode::ReadOnly),
       reader_(looked(database_)) {
+    useProcessorsDigests();
 } catch (const platform::SqliteError& error) {
     throw LocalError("the terminal's database: " + std::string(error.what()));
 }

@@ -1,6 +1,5 @@
 #include "rovana-sync/MasterFiles.h"
 
-#include <QCryptographicHash>
 #include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
@@ -15,6 +14,7 @@
 #include "platform/CodePage.h"
 #include "platform/Device.h"
 #include "platform/WholeFile.h"
+#include "rovana-sync/Digests.h"
 
 namespace terminal_sync {
 namespace {
@@ -38,10 +38,6 @@ QString cardPath(QStringView fileName) {
 
 qint64 modifiedOf(const QString& path) {
     return QFileInfo(path).lastModified().toMSecsSinceEpoch();
-}
-
-QByteArray digestOf(const QByteArray& content) {
-    return QCryptographicHash::hash(content, QCryptographicHash::Sha256);
 }
 
 /// The lines in code page 949, with the line ends of its files; a character that it does not hold is "?".
@@ -94,7 +90,7 @@ void MasterFiles::write() const {
 bool MasterFiles::isOurs(const QString& path, const Entry& entry) const {
     QFile file(path);
     return !entry.digest.isEmpty() && file.open(QIODevice::ReadOnly) &&
-           digestOf(file.readAll()) == entry.digest;
+           sha256(file.readAll()) == entry.digest;
 }
 
 /// Whether the table was loaded from the very file that was put.
@@ -153,7 +149,7 @@ MasterFiles::Put MasterFiles::put(const QList<MasterVersion>& versions, const QM
         const QByteArray content = encode(lines.value(version.fileName));
         files.push_back(std::make_unique<platform::WholeFile>(documentsPath(version.fileName)));
         require(*files.back(), files.back()->begin(content));
-        entries_[version.fileName] = {version.token, digestOf(content), files.back()->modified(), false};
+        entries_[version.fileName] = {version.token, sha256(content), files.back()->modified(), false};
         if (version.fileName == kCustomers) balances_ = balances;
         put.done << version.fileName;
     }
@@ -166,10 +162,10 @@ MasterFiles::Put MasterFiles::put(const QList<MasterVersion>& versions, const QM
     return put;
 }
 
-bool MasterFiles::withdrawOldBalances(const QByteArray& balances) {
+bool MasterFiles::withdrawOldBalances(const std::function<QByteArray()>& balances) {
     const Entry entry = entries_.value(kCustomers.toString());
     const QString path = documentsPath(kCustomers);
-    if (entry.digest.isEmpty() || balances == balances_ || !QFile::exists(path)) return true;
+    if (entry.digest.isEmpty() || !QFile::exists(path) || balances() == balances_) return true;
     const db::ImportLock lock;
     if (lock.isTaken()) return false;
     if (isOurs(path, entry)) QFile::remove(path);

@@ -35,7 +35,7 @@ class MasterFiles {
 
     /// Takes away a waiting GARAE.RVN of ours when the terminal has moved balances since: it would take them
     /// back. False when files are being loaded.
-    bool withdrawOldBalances(const QByteArray& balances);
+    bool withdrawOldBalances(const std::function<QByteArray()>& balances);
 
     /// Has the balances fetched anew. Throws LocalError when files are being loaded.
     void forgetBalances();

@@ -71,6 +71,20 @@ std::string utf8(const QString& text) {
     return text.toStdString();
 }
 
+/// Each after a row separator, its fields with a field separator between.
+std::string salesmenText(const QList<Salesman>& salesmen) {
+    QString text;
+    for (const Salesman& each : salesmen) {
+        QStringList fields{each.userId, each.name, each.vatMode};
+        for (QString& field : fields) {
+            for (const char separator : {books::kRowSeparator, books::kFieldSeparator, '\0'})
+                field.replace(QLatin1Char(separator), QChar::ReplacementCharacter);
+        }
+        text += QLatin1Char(books::kRowSeparator) + fields.join(QLatin1Char(books::kFieldSeparator));
+    }
+    return utf8(text);
+}
+
 }  // namespace
 
 struct Office::Connection {
@@ -156,19 +170,18 @@ int Office::roundTrips() {
     return calls;
 }
 
-Greeting Office::hello(const QString& firstDay, const DayDigests& days) {
+Greeting Office::hello(const QString& firstDay, const DayDigests& days, const QList<Salesman>& salesmen) {
     const auto [names, digests] = arrays(days);
-    const pqxx::result rows = call(
-        "SELECT * FROM terminal.hello($1, $2, $3, $4, $5, $6)",
-        {std::to_string(db::schema::kVersion), ROVANA_VERSION,
-         utf8(platform::clock::now().toUTC().toString(Qt::ISODateWithMs)), utf8(firstDay), names, digests});
+    const pqxx::result rows = call("SELECT * FROM terminal.hello($1, $2, $3, $4, $5, $6, $7)",
+                                   {std::to_string(db::schema::kVersion), ROVANA_VERSION,
+                                    utf8(platform::clock::now().toUTC().toString(Qt::ISODateWithMs)),
+                                    utf8(firstDay), names, digests, salesmenText(salesmen)});
     Greeting greeting;
     for (const pqxx::row& row : rows) {
         const QString what = text(row["what"]);
         if (what == u"refused") throw OfficeError(OfficeError::Reason::Refused, row["note"].c_str());
         if (what == u"office") greeting.terminal = text(row["number"]);
-        if (what == u"user")
-            greeting.salesmen << Salesman{text(row["userid"]), text(row["note"]), text(row["number"])};
+        if (what == u"user") greeting.users << text(row["userid"]);
         if (what == u"day" || what == u"document") addDifference(row, &greeting.differing);
         if (what == u"master") {
             greeting.masters << MasterVersion{text(row["kind"]), text(row["note"]),
@@ -188,12 +201,15 @@ QMap<QString, DocumentDigests> Office::compare(const DayDigests& days) {
 }
 
 Sent Office::send(const Parcel& parcel) {
-    ArrayText kinds, numbers, users, contents, digests, absentKinds, absentNumbers, absentUsers;
+    ArrayText kinds, numbers, users, digests, absentKinds, absentNumbers, absentUsers;
+    std::string contents;
     for (const books::Document& document : parcel.documents) {
         kinds.add(books::kindName(document.identity.kind).toString());
         numbers.add(document.identity.number);
         users.add(document.identity.userId);
-        contents.add(QByteArrayView(document.content));
+        // No row is empty, so two row separators stand in no content.
+        if (!contents.empty()) contents.append(2, books::kRowSeparator);
+        contents.append(document.content.constData(), std::size_t(document.content.size()));
         digests.addBytes(document.digest);
     }
     for (const DocumentIdentity& absent : parcel.absent) {
@@ -203,20 +219,10 @@ Sent Office::send(const Parcel& parcel) {
     }
     const pqxx::result rows =
         call("SELECT * FROM terminal.send($1, $2, $3, $4, $5, $6, $7, $8, $9, $10, $11)",
-             {utf8(parcel.date), kinds.text(), numbers.text(), users.text(), contents.text(), digests.text(),
+             {utf8(parcel.date), kinds.text(), numbers.text(), users.text(), contents, digests.text(),
               absentKinds.text(), absentNumbers.text(), absentUsers.text(), parcel.isLast ? "true" : "false",
               parcel.isArchived ? "true" : "false"});
     return {rows[0]["stored"].as<int>(), rows[0]["deleted"].as<int>(), rows[0]["missing"].as<int>()};
-}
-
-void Office::tellSalesmen(const QList<Salesman>& salesmen) {
-    ArrayText users, names, vatModes;
-    for (const Salesman& each : salesmen) {
-        users.add(each.userId);
-        names.add(each.name);
-        vatModes.add(each.vatMode);
-    }
-    call("SELECT terminal.salesmen($1, $2, $3)", {users.text(), names.text(), vatModes.text()});
 }
 
 QMap<QString, QString> Office::masters(const QStringList& fileNames) {

@@ -43,8 +43,6 @@ struct Salesman {
     QString userId;
     QString name;
     QString vatMode;
-
-    friend bool operator==(const Salesman&, const Salesman&) = default;
 };
 
 struct MasterVersion {
@@ -56,7 +54,7 @@ struct MasterVersion {
 /// What the office answers to a terminal's days.
 struct Greeting {
     QString terminal;                          ///< Its number.
-    QList<Salesman> salesmen;                  ///< Whose slips it may send, as the office knows them.
+    QStringList users;                         ///< Whose slips it may send.
     QMap<QString, DocumentDigests> differing;  ///< The days that differ, and what the office has of them.
     QList<MasterVersion> masters;
     bool hasOrders = false;
@@ -96,10 +94,10 @@ class Office {
     ~Office();
     Q_DISABLE_COPY_MOVE(Office)
 
-    Greeting hello(const QString& firstDay, const DayDigests& days);
+    /// `salesmen` are those of the terminal, of whom the office takes those that are enrolled.
+    Greeting hello(const QString& firstDay, const DayDigests& days, const QList<Salesman>& salesmen);
     QMap<QString, DocumentDigests> compare(const DayDigests& days);
     Sent send(const Parcel& parcel);
-    void tellSalesmen(const QList<Salesman>& salesmen);
     /// The lines of master files by their names, each with a line feed.
     QMap<QString, QString> masters(const QStringList& fileNames);
     QList<Order> orders(const QString& firstDay);

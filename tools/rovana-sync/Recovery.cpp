@@ -1,6 +1,7 @@
 #include "rovana-sync/Recovery.h"
 
 #include <QHash>
+#include <algorithm>
 
 #include "books/CollectionRows.h"
 #include "books/OfficeState.h"
@@ -43,7 +44,7 @@ class Days {
 
   private:
     bool isDeletedHere(const QString& date, const DocumentIdentity& identity);
-    void insert(const Document& document);
+    void insert(const QString& date, const Document& document);
     void moveBalance(const QHash<QString, QString>& row);
 
     SqliteFile& database_;
@@ -61,11 +62,11 @@ void Days::giveBack(const QString& date, const QList<KeptDocument>& kept, Recove
             continue;
         }
         if (here.contains(id) || isDeletedHere(date, id)) continue;
-        if (books::documentDigest(id.kind, document.content) != document.digest) {
+        if (books::documentDigest(id, document.content) != document.digest) {
             recovered->left << describe(date, id) + u": the office's copy is damaged"_s;
             continue;
         }
-        insert(document);
+        insert(date, document);
         ++documents;
     }
     if (documents == 0) return;
@@ -83,27 +84,33 @@ bool Days::isDeletedHere(const QString& date, const DocumentIdentity& identity) 
     return trace.step();
 }
 
-void Days::insert(const Document& document) {
-    const db::schema::Table& table = *db::schema::findTable(books::kindTable(document.identity.kind));
+void Days::insert(const QString& date, const Document& document) {
+    const DocumentIdentity& id = document.identity;
+    const db::schema::Table& table = *db::schema::findTable(books::kindTable(id.kind));
     QStringList names;
     for (const QStringView column : table.columns) {
         if (database_.hasColumn(table.name, column)) names << column.toString();
     }
     const QString statement = u"INSERT INTO %1 (%2) VALUES (%3)"_s.arg(
         table.name, names.join(u','), QStringList(names.size(), u"?"_s).join(u','));
+    const qsizetype count = std::ranges::count_if(
+        table.columns, [&](QStringView column) { return books::isContentColumn(id.kind, column); });
     for (const QByteArray& line : document.content.split(books::kRowSeparator)) {
         const QByteArrayList fields = line.split(books::kFieldSeparator);
-        if (fields.size() != qsizetype(table.columns.size()))
-            throw LocalError("the office's rows have other columns");
+        if (fields.size() != count) throw LocalError("the office's rows have other columns");
         SqliteStatement row = database_.statement(statement.toUtf8());
         QHash<QString, QString> texts;
-        for (qsizetype i = 0; i < fields.size(); ++i) {
-            const QString name = table.columns[std::size_t(i)].toString();
-            texts[name] = QString::fromUtf8(fields[i]);
-            if (names.contains(name)) row.bind(texts[name]);
+        auto field = fields.begin();
+        for (const QStringView column : table.columns) {
+            QString& text = texts[column.toString()];
+            if (books::isContentColumn(id.kind, column))
+                text = QString::fromUtf8(*field++);
+            else
+                text = column == u"DDate" ? date : column == u"UserID" ? id.userId : id.number;
+            if (names.contains(column)) row.bind(text);
         }
         row.step();
-        if (document.identity.kind == DocumentKind::Collection) moveBalance(texts);
+        if (id.kind == DocumentKind::Collection) moveBalance(texts);
     }
 }
 

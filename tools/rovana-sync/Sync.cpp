@@ -58,17 +58,16 @@ Outcome Sync::run() {
     readDays();
     try {
         // Whether there is a line or none: a login may be near.
-        masters_.withdrawOldBalances(MasterFiles::balancesOf(days_));
+        masters_.withdrawOldBalances([&] { return MasterFiles::balancesOf(days_); });
         const std::unique_ptr<Office> connected = line.get();
         Office& office = *connected;
-        greeting_ = office.hello(firstDay_, dayDigests(days_));
+        greeting_ = office.hello(firstDay_, dayDigests(days_), salesmen());
         for (const QString& date : days_.keys()) {
             if (!greeting_.differing.contains(date)) agreed_.insert(date);
         }
         for (auto day = greeting_.differing.cbegin(); day != greeting_.differing.cend(); ++day)
             sendDay(office, day.key(), *day);
         sendOldDays(office);
-        tellSalesmen(office);
         fetch(office);
     } catch (...) {
         noteState(!greeting_.terminal.isEmpty());
@@ -88,9 +87,7 @@ void Sync::readDays() {
 
 bool Sync::mayBeSent(const DocumentIdentity& identity) const {
     // The office sets aside under "~" what had a number that was given again.
-    return !identity.number.contains(u'~') &&
-           std::ranges::any_of(greeting_.salesmen,
-                               [&](const Salesman& each) { return each.userId == identity.userId; });
+    return !identity.number.contains(u'~') && greeting_.users.contains(identity.userId);
 }
 
 /// Sends what the office does not have as it is, and reports what the terminal lacks.
@@ -144,22 +141,15 @@ void Sync::sendOldDays(Office& office, bool isAnew) {
 }
 
 /// The office reads a salesman's slips by what he is set to.
-void Sync::tellSalesmen(Office& office) {
+QList<Salesman> Sync::salesmen() {
+    QList<Salesman> salesmen;
     const auto rows = local_.database().rows(u"SELECT userID, userNAME, vatMode FROM PDAUSER"_s);
-    if (!rows) return;
-    QList<Salesman> changed;
-    for (const Salesman& known : std::as_const(greeting_.salesmen)) {
-        const auto row =
-            std::ranges::find(*rows, known.userId, [](const QStringList& each) { return each[0]; });
-        if (row == rows->end()) continue;
-        const Salesman here{(*row)[0], (*row)[1], (*row)[2]};
-        if (here != known) changed << here;
-    }
-    if (!changed.isEmpty()) office.tellSalesmen(changed);
+    for (const QStringList& row : rows.value_or(QList<QStringList>()))
+        salesmen << Salesman{row[0], row[1], row[2]};
+    return salesmen;
 }
 
 void Sync::fetch(Office& office) {
-    const QByteArray balances = MasterFiles::balancesOf(days_);
     const auto balancesNow = [&] { return MasterFiles::balancesOf(local_.digests(firstDay_)); };
     QList<MasterVersion> wanted;
     QStringList names;
@@ -171,7 +161,8 @@ void Sync::fetch(Office& office) {
         names << version.fileName;
     }
     if (!wanted.isEmpty()) {
-        const MasterFiles::Put put = masters_.put(wanted, office.masters(names), balances);
+        const MasterFiles::Put put =
+            masters_.put(wanted, office.masters(names), MasterFiles::balancesOf(days_));
         outcome_.fetched = put.done;
         for (const QString& name : put.inTheWay)
             outcome_.remarks << u"the office's %1 waits: another one is to be loaded first"_s.arg(name);
@@ -181,10 +172,10 @@ void Sync::fetch(Office& office) {
         if (MasterFiles::areOrdersWaiting()) outcome_.fetched << u"MTM.RVN"_s;
     }
     // What the salesman has saved meanwhile is not in the balances that were put.
-    if (!outcome_.fetched.isEmpty()) masters_.withdrawOldBalances(balancesNow());
+    if (!outcome_.fetched.isEmpty()) masters_.withdrawOldBalances(balancesNow);
 }
 
-/// The day as the office has it now: without the slips of those who are not enrolled.
+/// The day as the office has it now: without the slips of those who are not enrolled, which wait.
 OfficeState::Day Sync::agreedDay(const QString& date, bool isCounted) const {
     OfficeState::Day day;
     QList<QByteArray> digests;
@@ -195,6 +186,7 @@ OfficeState::Day Sync::agreedDay(const QString& date, bool isCounted) const {
         if (isCounted) day.agreed << books::shortDigest(*each);
     }
     day.digest = books::dayDigest(digests);
+    if (digests.size() < here.size()) day.waiting = books::waitingVisits(day, here);
     return day;
 }
 
@@ -207,9 +199,13 @@ void Sync::noteState(bool isReached) {
     const QStringList dates = days_.keys();
     const QString counted = dates.value(std::max<qsizetype>(0, dates.size() - kCountedDays));
     for (const QString& date : dates) {
-        OfficeState::Day day = before.days.value(date);
-        if (agreed_.contains(date)) day = agreedDay(date, date >= counted);
-        day.waiting = books::waitingVisits(day, days_[date]);
+        OfficeState::Day day;
+        if (agreed_.contains(date)) {
+            day = agreedDay(date, date >= counted);
+        } else {
+            day = before.days.value(date);
+            day.waiting = books::waitingVisits(day, days_[date]);
+        }
         outcome_.waiting += day.waiting;
         state.days[date] = day;
     }

@@ -35,7 +35,7 @@ class Sync {
     void readDays();
     void sendDay(Office& office, const QString& date, const books::DocumentDigests& atOffice);
     void sendOldDays(Office& office, bool isAnew = false);
-    void tellSalesmen(Office& office);
+    QList<Salesman> salesmen();
     void fetch(Office& office);
     bool mayBeSent(const books::DocumentIdentity& identity) const;
     void noteState(bool isReached);

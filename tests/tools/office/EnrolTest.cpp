@@ -114,7 +114,7 @@ TEST_F(EnrolTest, ATerminalsRoleReachesNoTableAndNoOther) {
           u"CREATE ROLE other"_s, u"ALTER ROLE terminal_8 PASSWORD 'x'"_s,
           u"GRANT rovana_owner TO terminal_7"_s, u"SELECT pg_read_file('/etc/passwd')"_s,
           u"SELECT office.won('1')"_s, u"SELECT office.settle(NULL)"_s, u"SELECT * FROM pg_authid"_s,
-          u"SELECT terminal.masters('{PDAUSER}')"_s, u"SELECT terminal.salesmen('{B}','{x}','{1}')"_s,
+          u"SELECT terminal.masters('{PDAUSER}')"_s,
           // By them it would hold up all others, or fill the disk.
           u"SELECT pg_advisory_lock(hashtext('office.balances'))"_s,
           u"SELECT pg_try_advisory_xact_lock_shared(1)"_s, u"SELECT lo_create(0)"_s,
@@ -122,13 +122,13 @@ TEST_F(EnrolTest, ATerminalsRoleReachesNoTableAndNoOther) {
         EXPECT_NE(faultOf(terminal, statement), "") << statement.toStdString();
 
     // Even the owner's functions see nothing of another.
-    sql(uR"(INSERT INTO office.mtm (month, terminal, row_number)
-            VALUES ('0001-01-01', '7', 1), ('0001-01-01', '8', 1);
+    sql(uR"(INSERT INTO office.document (month, terminal, kind, ddate, number, userid, digest, content)
+            VALUES ('0001-01-01', '7', '', '', '', '', '', ''), ('0001-01-01', '8', '', '', '', '', '', '');
         CREATE FUNCTION terminal.careless() RETURNS bigint LANGUAGE sql SECURITY DEFINER
-            RETURN (SELECT sum(terminal::int) FROM office.mtm);
+            RETURN (SELECT sum(terminal::int) FROM office.document);
         ALTER FUNCTION terminal.careless OWNER TO rovana_owner;
         CREATE FUNCTION terminal.forge() RETURNS void LANGUAGE sql SECURITY DEFINER BEGIN ATOMIC
-            UPDATE office.mtm SET terminal = '8'; END;
+            UPDATE office.document SET terminal = '8'; END;
         ALTER FUNCTION terminal.forge OWNER TO rovana_owner;
         GRANT EXECUTE ON ALL FUNCTIONS IN SCHEMA terminal TO rovana_terminal)"_s);
     EXPECT_EQ(pqxx::nontransaction(terminal).exec("SELECT terminal.careless()")[0][0].as<int>(), 7);
@@ -137,25 +137,23 @@ TEST_F(EnrolTest, ATerminalsRoleReachesNoTableAndNoOther) {
 
 TEST_F(EnrolTest, WhatIsNotItsOwnOrNotWhatItSaysIsRefused) {
     pqxx::connection line(connectionNow());
-    const auto send = [&](const QString& day, const QString& user, const QString& rowsUser,
-                          bool isForged = false) {
-        const QString row =
-            u"ARRAY['%1','','0001','','5001','','','','','1','0','10','0','0','0','%2','']"_s.arg(day_,
-                                                                                                  rowsUser);
-        const QString digest =
-            u"sha256(convert_to(E'sale\\x1e%1' || array_to_string(%2, E'\\x1f'), 'UTF8'))"_s;
+    // Sends a document of one row, whose digest is that of what is said.
+    const auto send = [&](const QString& day, const QString& user, const QString& said, int fields = 14) {
+        const QString content = u"array_to_string(array_fill('1'::text, ARRAY[%1]), E'\\x1f')"_s.arg(fields);
         return faultOf(
             line,
-            u"SELECT * FROM terminal.send('%1','{sale}','{5001}','{%2}',ARRAY[array_to_string(%3, E'\\x1f')],"
-            "ARRAY[%4],'{}','{}','{}',true,false)"_s.arg(day, user, row,
-                                                         digest.arg(isForged ? u"x"_s : u""_s, row)));
+            u"SELECT * FROM terminal.send('%1','{sale}','{5001}','{%2}',%3,"
+            "ARRAY[sha256(convert_to(E'sale\\x1e%4\\x1e' || %3, 'UTF8'))],'{}','{}','{}',true,false)"_s.arg(
+                day, user, content, said));
     };
-    EXPECT_THAT(send(day_, u"A"_s, u"A"_s, true), HasSubstr("digest"));
-    EXPECT_THAT(send(day_, u"B"_s, u"B"_s), HasSubstr("not enrolled for user B"));
-    EXPECT_THAT(send(day_, u"A"_s, u"B"_s), HasSubstr("rows"));
-    EXPECT_NE(send(u"2024-02-31"_s, u"A"_s, u"A"_s), "");
+    const QString own = u"5001\\x1fA"_s;
+    for (const QString& forged : {u"5002\\x1fA"_s, u"5001\\x1fB"_s, u"5001\\x1fA\\x1e1"_s})
+        EXPECT_THAT(send(day_, u"A"_s, forged), HasSubstr("digest"));
+    EXPECT_THAT(send(day_, u"B"_s, u"5001\\x1fB"_s), HasSubstr("not enrolled for user B"));
+    EXPECT_THAT(send(day_, u"A"_s, own, 13), HasSubstr("rows"));
+    EXPECT_NE(send(u"2024-02-31"_s, u"A"_s, own), "");
     EXPECT_EQ(sql(u"SELECT count(*) FROM office.document"_s), QStringList(u"0"_s));
-    EXPECT_EQ(send(day_, u"A"_s, u"A"_s), "");
+    EXPECT_EQ(send(day_, u"A"_s, own), "");
 
     // A slip of a salesman who is not enrolled stays, and is named; the others' go.
     sell(terminal_, u"5002"_s, u"0001"_s, 500, u"B"_s);
@@ -170,12 +168,14 @@ TEST_F(EnrolTest, WhatIsNotItsOwnOrNotWhatItSaysIsRefused) {
     EXPECT_THAT(skewed.err, HasSubstr("set the clock"));
     const auto hello = [&](int schema) {
         const std::string call = "SELECT what || note FROM terminal.hello(" + std::to_string(schema) +
-                                 ",'',now(),'2026-01-01','{}','{}')";
+                                 ",'',now(),'2026-01-01','{}','{}',E'\\x1eA\\x1fx\\x1f1\\x1eB\\x1fy\\x1f2')";
         return pqxx::nontransaction(line).exec(call)[0][0].as<std::string>();
     };
     EXPECT_THAT(hello(db::schema::kVersion + 1), HasSubstr("upgrade the office"));
     EXPECT_THAT(hello(db::schema::kVersion - 1), HasSubstr("upgrade the terminal"));
     EXPECT_EQ(hello(db::schema::kVersion), "office");
+    // Of the salesmen that it told of, its own.
+    EXPECT_EQ(sql(u"SELECT userid, username, vatmode FROM office.salesman"_s), QStringList(u"A|x|1"_s));
 }
 
 TEST(OfficeAccess, AFileThatIsNoneSaysWhyAndHoldsNothingOfIt) {

@@ -154,6 +154,7 @@ TEST_F(ReportsTest, OddDaysAreWhatTheTerminalsNameAndPrint) {
             }
         }
         synced(*terminals.last());
+        expectSameRows(terminals.last()->folder(), number);
     }
     QStringList named =
         sql(u"SELECT terminal, day, userid || ' ' || number, reason, amount FROM "

@@ -24,10 +24,15 @@ TEST_F(SendTest, ADayIsSentOnceInAllItsKinds) {
         INSERT INTO PAYJOURNAL (Number,State,DDate,JunNo,UserID,GName)
             VALUES ('ab12','approved','%1','5001','A',char(31)||'x');
         INSERT INTO PRINTLOG VALUES ('%1','5001','A','입금표','공급자용','10:05');
+        INSERT INTO MTM (DDate, JunNo, UserID, PName)
+            VALUES ('%1',NULL,'B','1'), ('%1','','B','2'), ('%1',NULL,'B','3');
         INSERT INTO DAYCLOSE (DDate,UserID,Strip) VALUES ('%1','A','줄1
 줄2'))"_s.arg(day_));
     noteDeletion(terminal, u"입금표"_s, u"5003"_s);
-    EXPECT_EQ(synced(terminal), "sent 8, deleted 0, waiting 0\n");
+    // No number at all is an empty one.
+    EXPECT_EQ(synced(terminal), "sent 9, deleted 0, waiting 0\n");
+    EXPECT_EQ(sql(u"SELECT string_agg(pname, '' ORDER BY row_number) FROM office.mtm WHERE junno = ''"_s),
+              QStringList(u"123"_s));
     // A control character that separates rows or fields is another one at the office.
     on(terminal, u"UPDATE PAYJOURNAL SET GName = char(0xFFFD) || 'x'"_s);
     expectSameRows(terminal.folder());
@@ -214,7 +219,7 @@ TEST_F(RecoveryTest, ARestoredBackupGetsItsDaysBackAndKeepsWhatIsNewer) {
     on(terminal, u"DELETE FROM MTM WHERE JunNo = '5003'"_s);
     noteDeletion(terminal, u"거래명세서"_s, u"5003"_s);
     synced(terminal);
-    sql(u"UPDATE office.printlog SET copy = 'x' WHERE junno = '5003'"_s);
+    sql(u"UPDATE office.document SET content = content || 'x' WHERE kind = 'prints' AND number = '5003'"_s);
 
     replaceDatabase(terminal, backup);
     // What is written after it, under one of the lost numbers.
