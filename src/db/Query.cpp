@@ -2,17 +2,55 @@
 
 #include <QSet>
 
+#include "platform/adoce/DatabaseFile.h"
+
 namespace db {
 namespace {
 
 /// More than a screen shows.
 constexpr int kPiece = 64;
 
+/// Enough for the largest table of a list, in KiB.
+constexpr int kWideRoom = 8192;
+
+/// Watches a long reading. Rows whose order is not that of the file have the same page fetched over and over:
+/// they get room to keep it, until the reading ends.
+class Room {
+  public:
+    explicit Room(const CVOConnection& connection)
+        : file_(connection.m_pConnection ? connection.m_pConnection->file() : nullptr),
+          fetchedBefore_(file_ ? file_->sqlite().pagesFetched() : 0) {}
+    ~Room() { narrow(); }
+    Q_DISABLE_COPY_MOVE(Room)
+
+    void noteRows(int rows) {
+        constexpr int kPagesOfNarrowRoom = 500;
+        rows_ += rows;
+        if (!file_ || isWide_) return;
+        const int fetched = file_->sqlite().pagesFetched() - fetchedBefore_;
+        // The first pages are fetched in any case; after those in order, one holds many rows.
+        if (fetched < kPagesOfNarrowRoom || fetched < rows_ / 2) return;
+        file_->sqlite().setRoom(kWideRoom);
+        isWide_ = true;
+    }
+    void narrow() {
+        if (isWide_) file_->sqlite().setRoom(platform::SqliteFile::kRoom);
+        isWide_ = false;
+    }
+
+  private:
+    std::shared_ptr<platform::adoce::DatabaseFile> file_;
+    int fetchedBefore_;
+    int rows_ = 0;
+    bool isWide_ = false;
+};
+
 /// A SELECT under way.
 class Reader {
   public:
     Reader(const Sql& select, int columns) : recordset_(connection_), columns_(columns) {
         openDatabase(connection_);
+        room_.emplace(connection_);
         recordset_.Open(select, kKeyset, kReadOnly);
         underWay().insert(this);
     }
@@ -53,11 +91,14 @@ class Reader {
         }
         rows->cells.resize(cell - rows->cells.data());
         rows->isComplete = !recordset_.IsBroken();
-        return recordset_.m_bOpen && !recordset_.EOF();
+        const bool hasMore = recordset_.m_bOpen && !recordset_.EOF();
+        hasMore ? room_->noteRows(kPiece) : room_->narrow();
+        return hasMore;
     }
 
     CVOConnection connection_;
     CVORecordset recordset_;
+    std::optional<Room> room_;
     int columns_;
     platform::Rows ahead_;
 };

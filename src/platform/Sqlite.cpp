@@ -159,6 +159,17 @@ void SqliteFile::setPatience(int milliseconds) {
     sqlite3_busy_timeout(handle_, milliseconds);
 }
 
+int SqliteFile::pagesFetched() const {
+    int pages = 0;
+    int unused = 0;
+    sqlite3_db_status(handle_, SQLITE_DBSTATUS_CACHE_MISS, &pages, &unused, 0);
+    return pages;
+}
+
+void SqliteFile::setRoom(int kibibytes) {
+    execute(u"PRAGMA cache_size=-%1"_s.arg(kibibytes));
+}
+
 QString SqliteFile::errorText() const {
     return QString::fromUtf8(sqlite3_errmsg(handle_));
 }

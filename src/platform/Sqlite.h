@@ -122,6 +122,12 @@ class SqliteFile {
     bool isOpen() const { return isOpen_; }
     void setPatience(int milliseconds);
 
+    /// How many pages the statements have fetched from the file so far.
+    int pagesFetched() const;
+    /// How much of the file is kept in memory, in KiB, until this is called again. What is more goes at once.
+    void setRoom(int kibibytes);
+    static constexpr int kRoom = 2000;  ///< Of a new connection.
+
     /// What went wrong last.
     QString errorText() const;
 

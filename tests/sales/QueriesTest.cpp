@@ -3,6 +3,8 @@
 #include <QStringList>
 
 #include "db/Query.h"
+#include "platform/Device.h"
+#include "platform/adoce/DatabaseFile.h"
 #include "sales/CustomerQuery.h"
 #include "sales/ProductQuery.h"
 #include "support/TestDevice.h"
@@ -90,6 +92,24 @@ TEST(Products, AreReadInPiecesAsTheyStoodBeforeAChange) {
     }
     device.execute(u"DROP TABLE PUMMOK"_s);
     EXPECT_FALSE(platform::readAll(products(u"", u"", u"공용")).isComplete);
+}
+
+TEST(Products, HaveEachPageFetchedOnceInWhateverOrder) {
+    test::TestDevice device;
+    device.execute(
+        u"WITH RECURSIVE N(n) AS (SELECT 1 UNION ALL SELECT n + 1 FROM N WHERE n < 20000) "
+        u"INSERT INTO PUMMOK (Pcode, Pname, Size, seek) "
+        u"SELECT n, n * 7919 % 20000, printf('%0200d', n), 'ㄱ' FROM N"_s);
+    QString error;
+    auto& file =
+        platform::adoce::DatabaseFile::shared(platform::device::path(platform::device::kDatabaseFile), &error)
+            ->sqlite();
+    const int before = file.pagesFetched();
+    const platform::RowSource source = products(u"ㄱ", u"", u"공용");
+    EXPECT_EQ(platform::readAll(source).count(), 20000);
+    EXPECT_LT(file.pagesFetched() - before, 3000);
+    // What was read holds no room, even before its source goes.
+    EXPECT_EQ(file.rows(u"PRAGMA cache_size"_s)->value(0).value(0), u"-2000"_s);
 }
 
 TEST(Products, StandMostUsedFirst) {
