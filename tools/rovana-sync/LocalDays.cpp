@@ -1,7 +1,5 @@
 #include "rovana-sync/LocalDays.h"
 
-#include <utility>
-
 #include "platform/Device.h"
 #include "rovana-sync/Digests.h"
 
@@ -66,31 +64,42 @@ QStringList LocalDays::daysBefore(const QString& end) {
 
 DocumentDigests LocalDays::day(const QString& date) {
     DocumentDigests digests;
-    QList<Document> kept;
-    qsizetype bytes = 0;
-    const auto hasRoom = [&] { return bytes <= kMostBytes && digests.size() <= kMostDocuments; };
-    keptDate_.clear();
-    kept_.clear();
+    KeptDay kept;
+    const auto hasRoom = [&] { return kept.bytes <= kMostBytes && digests.size() <= kMostDocuments; };
+    kept_.remove(date);
     read([&] {
         reader_.forEachDocument(date, [&](const Document& document) {
             digests[document.identity] = document.digest;
-            bytes += document.content.size();
-            if (hasRoom()) kept << document;
+            kept.bytes += document.content.size();
+            if (hasRoom()) kept.documents << document;
             return true;
         });
     });
     if (hasRoom()) {
-        keptDate_ = date;
-        kept_ = kept;
+        kept_[date] = kept;
+        limitKept();
     }
     return digests;
 }
 
+void LocalDays::limitKept() {
+    qsizetype bytes = 0;
+    qsizetype documents = 0;
+    for (const KeptDay& each : std::as_const(kept_)) {
+        bytes += each.bytes;
+        documents += each.documents.size();
+    }
+    while (bytes > kMostBytes || documents > kMostDocuments) {
+        bytes -= kept_.first().bytes;
+        documents -= kept_.first().documents.size();
+        kept_.erase(kept_.begin());
+    }
+}
+
 QList<Document> LocalDays::take(const QString& date, QSet<DocumentIdentity>* wanted) {
     QList<Document> taken;
-    if (date == keptDate_) {
-        taken = std::exchange(kept_, {});
-        keptDate_.clear();
+    if (kept_.contains(date)) {
+        taken = kept_.take(date).documents;
         taken.removeIf([&](const Document& each) { return !wanted->contains(each.identity); });
         wanted->clear();
         return taken;

@@ -45,9 +45,14 @@ class LocalDays {
 
     platform::SqliteFile database_;
     books::DocumentReader reader_;
-    // The day that was read last, while it fits into one call to the office: it is mostly the one to send.
-    QString keptDate_;
-    QList<books::Document> kept_;
+    struct KeptDay {
+        QList<books::Document> documents;
+        qsizetype bytes = 0;
+    };
+    /// Drops the earliest days until the rest fits into one call to the office.
+    void limitKept();
+    // The last days as they were read: they are mostly the ones to send.
+    QMap<QString, KeptDay> kept_;
 };
 
 }  // namespace terminal_sync

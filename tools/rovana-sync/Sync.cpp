@@ -3,7 +3,6 @@
 #include <QDate>
 #include <QFile>
 #include <algorithm>
-#include <future>
 #include <ranges>
 
 #include "platform/Clock.h"
@@ -49,17 +48,16 @@ office::Access readAccessFile() {
     return std::move(*access);
 }
 
-Sync::Sync(const office::Access& access) : access_(access), masters_(local_) {}
+Sync::Sync(const office::Access& access)
+    : line_(std::async(std::launch::async, [&access] { return std::make_unique<Office>(access); })),
+      masters_(local_) {}
 
 Outcome Sync::run() {
-    // The line waits for the office most of the time; the days are read meanwhile.
-    std::future<std::unique_ptr<Office>> line =
-        std::async(std::launch::async, [this] { return std::make_unique<Office>(access_); });
     readDays();
     try {
         // Whether there is a line or none: a login may be near.
         masters_.withdrawOldBalances([&] { return MasterFiles::balancesOf(days_); });
-        const std::unique_ptr<Office> connected = line.get();
+        const std::unique_ptr<Office> connected = line_.get();
         Office& office = *connected;
         greeting_ = office.hello(firstDay_, dayDigests(days_), salesmen());
         for (const QString& date : days_.keys()) {
@@ -193,10 +191,12 @@ OfficeState::Day Sync::agreedDay(const QString& date, bool isCounted) const {
 void Sync::noteState(bool isReached) {
     // Days whose documents the menu can count one by one.
     constexpr int kCountedDays = 3;
-    const OfficeState before = books::readOfficeState();
+    const QStringList dates = days_.keys();
+    const bool isWhole =
+        isReached && std::ranges::all_of(dates, [&](const QString& each) { return agreed_.contains(each); });
+    const OfficeState before = isWhole ? OfficeState() : books::readOfficeState();
     OfficeState state;
     state.syncedAt = isReached ? platform::clock::now() : before.syncedAt;
-    const QStringList dates = days_.keys();
     const QString counted = dates.value(std::max<qsizetype>(0, dates.size() - kCountedDays));
     for (const QString& date : dates) {
         OfficeState::Day day;

@@ -4,6 +4,7 @@
 #include <QSet>
 #include <QString>
 #include <QStringList>
+#include <future>
 
 #include "books/OfficeState.h"
 #include "rovana-sync/LocalDays.h"
@@ -41,7 +42,8 @@ class Sync {
     void noteState(bool isReached);
     books::OfficeState::Day agreedDay(const QString& date, bool isCounted) const;
 
-    const office::Access& access_;
+    // The line waits for the office most of the time; the database is opened and the days are read meanwhile.
+    std::future<std::unique_ptr<Office>> line_;
     LocalDays local_;
     MasterFiles masters_;
     QString firstDay_;
