@@ -52,11 +52,10 @@ constexpr double kMebibyte = 1024 * 1024;
 
 qint64 objects = 0;
 
-/// What the process holds. Bytes in use tell a leak before the allocator asks for more, those of its own also
-/// what it cannot give back; pages of libraries come and go as the machine needs its memory. SQLite's page
-/// cache is bounded and takes weeks to fill, so both leave it out.
-constexpr const char* kHeld[] = {"MiB in use", "MiB of its own", "files", "objects", "statements"};
-constexpr std::size_t kOwn = 1;
+/// What the process holds. Bytes in use tell a leak before the allocator asks for more, resident ones also
+/// what it cannot give back. SQLite's page cache is bounded and takes weeks to fill, so both leave it out.
+constexpr const char* kHeld[] = {"MiB in use", "MiB resident", "files", "objects", "statements"};
+constexpr std::size_t kResident = 1;
 using Holdings = std::array<double, std::size(kHeld)>;
 
 Holdings holdings() {
@@ -70,9 +69,8 @@ Holdings holdings() {
     for (sqlite3_stmt* each = nullptr; (each = sqlite3_next_stmt(database, each)) != nullptr;) ++statements;
     const struct mallinfo2 memory = mallinfo2();
     QFile status(u"/proc/self/statm"_s);
-    const QByteArrayList resident =
-        status.open(QIODevice::ReadOnly) ? status.readAll().split(' ') : QByteArrayList();
-    const double pages = resident.value(1).toDouble() - resident.value(2).toDouble();
+    const double pages =
+        status.open(QIODevice::ReadOnly) ? status.readAll().split(' ').value(1).toDouble() : 0;
     return {(double(memory.uordblks + memory.hblkhd) - cached) / kMebibyte,
             (pages * double(::sysconf(_SC_PAGESIZE)) - cached) / kMebibyte,
             double(QDir(u"/proc/self/fd"_s).entryList(QDir::AllEntries | QDir::System).size()),
@@ -142,9 +140,9 @@ QString prepare(const QString& folder) {
 bool report(int visits, double seconds, const Holdings& warm, const Holdings& most) {
     // What the machine has to give counts. The bytes in use are told beside it: a twentieth of those is less
     // than the pictures that a style keeps.
-    const double growth = most[kOwn] / warm[kOwn];
+    const double growth = most[kResident] / warm[kResident];
     bool isGood = growth <= kMostGrowth;
-    for (std::size_t i = kOwn + 1; i < warm.size(); ++i) isGood &= most[i] <= warm[i];
+    for (std::size_t i = kResident + 1; i < warm.size(); ++i) isGood &= most[i] <= warm[i];
     std::printf("soak %d visits in %.0f s: %.1f visits/s, growth %.2f %%, totals right%s\n", visits, seconds,
                 visits / seconds, (growth - 1) * 100, isGood ? "" : ", NOT flat");
     std::printf("after %d visits, and at most later:", kWarmVisits);
