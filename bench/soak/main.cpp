@@ -14,6 +14,7 @@
 #include <QTimer>
 #include <algorithm>
 #include <cstdio>
+#include <deque>
 
 #include "Day.h"
 #include "Screens.h"
@@ -44,6 +45,7 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 
 constexpr int kVisits = 10'000;
+constexpr std::size_t kLastDays = 5;  ///< What a leak has taken is missing at the end of each of them.
 constexpr int kWarmVisits = 500;      ///< By then every screen has been open, and every cache is in use.
 constexpr double kMostGrowth = 1.05;  ///< Of the memory.
 constexpr int kAddObject = 3;         ///< Places in Qt's table.
@@ -137,16 +139,16 @@ QString prepare(const QString& folder) {
 }
 
 /// Prints what came of it; true when it is as good as it must be.
-bool report(int visits, double seconds, const Holdings& warm, const Holdings& most) {
+bool report(int visits, double seconds, const Holdings& warm, const Holdings& held) {
     // What the machine has to give counts. The bytes in use are told beside it: a twentieth of those is less
     // than the pictures that a style keeps.
-    const double growth = most[kResident] / warm[kResident];
+    const double growth = held[kResident] / warm[kResident];
     bool isGood = growth <= kMostGrowth;
-    for (std::size_t i = kResident + 1; i < warm.size(); ++i) isGood &= most[i] <= warm[i];
+    for (std::size_t i = kResident + 1; i < warm.size(); ++i) isGood &= held[i] <= warm[i];
     std::printf("soak %d visits in %.0f s: %.1f visits/s, growth %.2f %%, totals right%s\n", visits, seconds,
                 visits / seconds, (growth - 1) * 100, isGood ? "" : ", NOT flat");
-    std::printf("after %d visits, and at most later:", kWarmVisits);
-    for (std::size_t i = 0; i < warm.size(); ++i) std::printf(" %s %.6g %.6g;", kHeld[i], warm[i], most[i]);
+    std::printf("after %d visits, and in the end:", kWarmVisits);
+    for (std::size_t i = 0; i < warm.size(); ++i) std::printf(" %s %.6g %.6g;", kHeld[i], warm[i], held[i]);
     std::printf("\n");
     return isGood;
 }
@@ -157,16 +159,27 @@ struct Days {
     int begun = 0;
     bool isOver = false;
     Holdings warm{};
-    Holdings most{};
+    std::deque<Holdings> last{};
     QString problem{};
+
+    /// The least that the last days ended with: at the end of a single one the paper's picture may just be
+    /// drawn.
+    Holdings least() const {
+        Holdings least = last.front();
+        for (const Holdings& each : last) {
+            for (std::size_t i = 0; i < least.size(); ++i) least[i] = std::min(least[i], each[i]);
+        }
+        return least;
+    }
 
     /// The steps of the next day, none after the last. Asked for at the first login, and at the menu after
     /// each close.
     QList<pilot::Step> next() {
         if (begun > 0) {
             const Holdings now = holdings();
-            if (begun * soak::kVisitsADay <= kWarmVisits) warm = most = now;
-            for (std::size_t i = 0; i < now.size(); ++i) most[i] = std::max(most[i], now[i]);
+            if (begun * soak::kVisitsADay <= kWarmVisits) warm = now;
+            last.push_back(now);
+            if (last.size() > kLastDays) last.pop_front();
         }
         isOver = begun == count || !problem.isEmpty();
         if (isOver) return {};
@@ -230,5 +243,5 @@ int main(int argc, char* argv[]) {
     for (int day = 0; day < days.count; ++day)
         days.problem += wrongReports(soak::dateOf(day), soak::userOf(day));
     if (!days.problem.isEmpty()) return fail(days.problem);
-    return report(days.count * soak::kVisitsADay, seconds, days.warm, days.most) ? 0 : 1;
+    return report(days.count * soak::kVisitsADay, seconds, days.warm, days.least()) ? 0 : 1;
 }
