@@ -51,6 +51,7 @@ TEST_F(AdoceTest, SpeaksTheDialectOfTheHandheld) {
         EXPECT_EQ(!failed(run(c.sql)), c.runs) << c.sql.toStdString();
         EXPECT_EQ(device.value(u"SELECT group_concat(PCode) FROM TEMP"_s), c.left) << c.sql.toStdString();
     }
+    EXPECT_FALSE(failed(run(u"SELECT 1 AS "_s + QString(100'000, u'술')))) << "three bytes for each";
 }
 
 TEST_F(AdoceTest, OnlyAnExistingDatabaseOpens) {

@@ -4,12 +4,16 @@
 #include <unistd.h>
 
 #include <QFile>
+#include <QLocalSocket>
+#include <memory>
+#include <vector>
 
 #include "platform/termdev/CardReader.h"
 #include "platform/termdev/CardReaderLine.h"
 #include "platform/termdev/Devices.h"
 #include "platform/termdev/Keystrokes.h"
 #include "platform/termdev/Swipe.h"
+#include "platform/termdev/SwipeSocket.h"
 #include "platform/termdev/TermDev.h"
 #include "support/MemorySearch.h"
 #include "support/Pty.h"
@@ -142,6 +146,19 @@ TEST_F(Readers, TheDeviceReadsOnlyWhileOpenAndEnabled) {
     EXPECT_EQ(track(3), QByteArray(511, '7')) << "cut to its buffer";
     call(7, 0);
     EXPECT_EQ(track(3), "");
+}
+
+TEST_F(Readers, SwipesGoToTheFirstTerminalOfAFolder) {
+    const SwipeSocket first;
+    // Those who wait there leave no place in the queue.
+    std::vector<std::unique_ptr<QLocalSocket>> waiting;
+    for (int i = 0; i < 4; ++i) {
+        waiting.push_back(std::make_unique<QLocalSocket>());
+        waiting.back()->connectToServer(device_.folder() + u"/card.socket"_s);
+    }
+    test::RecordedTraces traces;
+    const SwipeSocket second;
+    EXPECT_TRUE(traces.take().join(u' ').contains(u"another terminal on this device folder"));
 }
 
 TEST_F(Readers, ASerialReader) {
