@@ -67,6 +67,11 @@ TEST_F(DayClosing, CrossFootsAndKeepsItsStrip) {
     device.execute(u"UPDATE DAYCLOSE SET Strip = NULL, Visits = NULL"_s);
     EXPECT_EQ(cell(dayCloseReports(kDay, u"A")->first(), u"부족"_s), u"현금 100"_s);
     EXPECT_TRUE(changes().isEmpty());
+    device.execute(
+        u"DELETE FROM DAYCLOSE; INSERT INTO MTMOK (DDate, Gubun, GCode, JunNo, UserID, MMoney) VALUES "
+        "('2026-11-21', '단순결제', '0001', '7002', 'A', '700')"_s);
+    ASSERT_TRUE(closeDay(kDay, u"A", Won(1000)));
+    EXPECT_EQ(cell(dayCloseReports(kDay, u"A")->first(), u"전표없는 매출"_s), u"대조 700"_s);
 }
 
 TEST_F(DayClosing, NamesWhatChangedAfterIt) {
