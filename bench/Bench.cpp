@@ -32,6 +32,21 @@ Result compare(int runs, const char* unit, const std::function<double()>& ours,
     return {.ours = median(oursEach), .peer = median(peerEach), .unit = unit};
 }
 
+Result compareSums(int turns, const char* unit, const std::function<double(int)>& ours,
+                   const std::function<double(int)>& peer) {
+    Result sums{.unit = unit};
+    for (const bool isCounted : {false, true}) {
+        for (int turn = 0; turn < turns; ++turn) {
+            const double oursNow = ours(turn);
+            const double peerNow = peer(turn);
+            if (!isCounted) continue;
+            sums.ours += oursNow;
+            sums.peer += peerNow;
+        }
+    }
+    return sums;
+}
+
 double millisecondsOf(const std::function<void()>& work) {
     const auto begin = std::chrono::steady_clock::now();
     work();

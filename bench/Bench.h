@@ -6,7 +6,7 @@
 /// The measurements of rovana-bench: each runs what the system does beside what it is held against.
 namespace bench {
 
-/// The medians of both sides, in `unit`.
+/// What both sides took, in `unit`.
 struct Result {
     double ours = 0;
     double peer = 0;
@@ -18,6 +18,10 @@ struct Result {
 /// of what they return. An even number of runs takes the upper middle one.
 Result compare(int runs, const char* unit, const std::function<double()>& ours,
                const std::function<double()>& peer);
+
+/// The sums over `turns` of both sides, which take turns, after a pass over all turns that does not count.
+Result compareSums(int turns, const char* unit, const std::function<double(int turn)>& ours,
+                   const std::function<double(int turn)>& peer);
 
 /// Milliseconds that `work` takes by the steady clock.
 double millisecondsOf(const std::function<void()>& work);

@@ -221,27 +221,22 @@ Result measureOfficeDay() {
     Office office(count);
     makeBareTables(office);
     QString day;
-    const auto sendAll = [&] {
-        office.writeDay(day = nextDay());
+    const auto send = [&](int terminal) {
+        if (terminal == 0) office.writeDay(day = nextDay());
+        return millisecondsOf([&] { check(office.sync(terminal).sent == 2 * kSlips, "not all was sent"); });
+    };
+    const auto copy = [&](int terminal) {
         return millisecondsOf([&] {
-            for (int i = 0; i < count; ++i) check(office.sync(i).sent == 2 * kSlips, "not all was sent");
+            // The day of a terminal lies in its database, for either side.
+            platform::SqliteFile file(office.folder().databaseFile(), platform::SqliteFile::Mode::ReadOnly);
+            BareConnection connection(office.bareConnection(terminal));
+            connection.run("BEGIN");
+            connection.copyIn("COPY bare.mtm FROM STDIN", Office::copyText(file, "MTM", day));
+            connection.copyIn("COPY bare.mtmok FROM STDIN", Office::copyText(file, "MTMOK", day));
+            connection.run("COMMIT");
         });
     };
-    const auto copyAll = [&] {
-        return millisecondsOf([&] {
-            for (int i = 0; i < count; ++i) {
-                // The day of a terminal lies in its database, for either side.
-                platform::SqliteFile file(office.folder().databaseFile(),
-                                          platform::SqliteFile::Mode::ReadOnly);
-                BareConnection connection(office.bareConnection(i));
-                connection.run("BEGIN");
-                connection.copyIn("COPY bare.mtm FROM STDIN", Office::copyText(file, "MTM", day));
-                connection.copyIn("COPY bare.mtmok FROM STDIN", Office::copyText(file, "MTMOK", day));
-                connection.run("COMMIT");
-            }
-        });
-    };
-    Result result = compare(1, "ms", sendAll, copyAll);
+    Result result = compareSums(count, "ms", send, copy);
     result.note = " (" + std::to_string(count) + " terminals)";
     return result;
 }
@@ -306,33 +301,27 @@ Result measureOfficeMorning() {
         QFile::remove(office.folder().path(u"office/fetched.json"_s));
         for (const char* name : kFiles) QFile::remove(filePath(name));
     };
-    const auto forEachTerminal = [&](const std::function<void()>& fetch) {
-        double milliseconds = 0;
-        for (int i = 0; i < count; ++i) {
-            forget();
-            milliseconds += millisecondsOf(fetch);
-        }
-        return milliseconds;
-    };
-    const auto fetchAll = [&] {
-        return forEachTerminal([&] { check(office.sync(0).fetched.size() == 4, "not all was fetched"); });
+    const auto fetch = [&](int) {
+        forget();
+        return millisecondsOf([&] { check(office.sync(0).fetched.size() == 4, "not all was fetched"); });
     };
     // What is not on the terminal's disk was not fetched: the files are written side by side, and the disk is
     // waited for once each.
-    const auto copyAll = [&] {
-        return forEachTerminal([&] {
+    const auto copy = [&](int) {
+        forget();
+        return millisecondsOf([&] {
             BareConnection connection(office.bareConnection(0));
             std::vector<std::unique_ptr<platform::WholeFile>> files;
             for (const char* name : kFiles) {
-                const std::string copy = std::string("COPY office.master_") + name + " TO STDOUT";
+                const std::string copyFile = std::string("COPY office.master_") + name + " TO STDOUT";
                 files.push_back(std::make_unique<platform::WholeFile>(filePath(name)));
-                check(files.back()->begin(connection.copyOut(copy.c_str())), "a file was not written");
+                check(files.back()->begin(connection.copyOut(copyFile.c_str())), "a file was not written");
             }
             for (const auto& file : files) check(file->sync() && file->takeNameOnly(), "a file was not kept");
             check(files.back()->syncFolder(), "the folder was not kept");
         });
     };
-    Result result = compare(1, "ms", fetchAll, copyAll);
+    Result result = compareSums(count, "ms", fetch, copy);
     result.note = " (" + std::to_string(count) + " terminals)";
     return result;
 }

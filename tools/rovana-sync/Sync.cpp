@@ -122,7 +122,8 @@ void Sync::sendOldDays(Office& office, bool isAnew) {
     // Days that are compared in one call.
     constexpr qsizetype kDaysAtOnce = 31;
     QFile swept(sweepPath());
-    if (!isAnew && swept.open(QIODevice::ReadOnly) && swept.readAll() == today().toLatin1()) return;
+    const bool isSwept = swept.open(QIODevice::ReadOnly) && swept.readAll() == today().toLatin1();
+    if (isSwept && !isAnew) return;
     swept.close();
     const QStringList old = local_.daysBefore(firstDay_);
     for (qsizetype first = 0; first < old.size(); first += kDaysAtOnce) {
@@ -135,7 +136,8 @@ void Sync::sendOldDays(Office& office, bool isAnew) {
             days_.remove(day.key());
         }
     }
-    if (swept.open(QIODevice::WriteOnly)) swept.write(today().toLatin1());
+    // A file that is written over waits for the disk.
+    if (!isSwept && swept.open(QIODevice::WriteOnly)) swept.write(today().toLatin1());
 }
 
 /// The office reads a salesman's slips by what he is set to.
