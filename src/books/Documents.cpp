@@ -1,13 +1,12 @@
 #include "books/Documents.h"
 
-#include <sodium.h>
-
 #include <QDate>
 #include <algorithm>
 #include <array>
 #include <set>
 
 #include "db/Schema.h"
+#include "platform/Sha256.h"
 
 namespace books {
 namespace {
@@ -40,25 +39,6 @@ constexpr Kind kKinds[] = {
 
 const Kind& find(DocumentKind kind) {
     return *std::ranges::find(kKinds, kind, &Kind::kind);
-}
-
-/// Not Qt's, which a measured sync spent a tenth of its work in.
-void sodiumSha256(std::span<const QByteArrayView> parts, uchar* digest) {
-    crypto_hash_sha256_state state;
-    crypto_hash_sha256_init(&state);
-    for (const QByteArrayView part : parts) {
-        crypto_hash_sha256_update(&state, reinterpret_cast<const uchar*>(part.data()),
-                                  static_cast<unsigned long long>(part.size()));
-    }
-    crypto_hash_sha256_final(&state, digest);
-}
-
-Sha256 sha256 = sodiumSha256;
-
-QByteArray digestOf(std::span<const QByteArrayView> parts) {
-    QByteArray digest(crypto_hash_sha256_BYTES, Qt::Uninitialized);
-    sha256(parts, reinterpret_cast<uchar*>(digest.data()));
-    return digest;
 }
 
 bool isSeparator(char each) {
@@ -126,20 +106,16 @@ bool isContentColumn(DocumentKind kind, QStringView column) {
            column.compare(find(kind).number, Qt::CaseInsensitive) != 0;
 }
 
-void useSha256(Sha256 other) {
-    sha256 = other;
-}
-
 QByteArray documentDigest(const DocumentIdentity& identity, const QByteArray& content) {
     const QByteArray name = kindName(identity.kind).toUtf8() + kRowSeparator + identity.number.toUtf8() +
                             kFieldSeparator + identity.userId.toUtf8() + kRowSeparator;
-    return digestOf(std::array<QByteArrayView, 2>{name, content});
+    return platform::sha256({name, content});
 }
 
 QByteArray dayDigest(QList<QByteArray> digests) {
     std::ranges::sort(digests);
     const QByteArray all = digests.join();
-    return digestOf(std::array<QByteArrayView, 1>{all});
+    return platform::sha256({all});
 }
 
 DocumentReader::DocumentReader(platform::SqliteFile& database) : database_(database) {

@@ -8,7 +8,6 @@
 #include <QStringList>
 #include <QStringView>
 #include <functional>
-#include <span>
 #include <tuple>
 
 #include "platform/Sqlite.h"
@@ -65,11 +64,6 @@ inline constexpr char kFieldSeparator = '\x1f';
 
 /// Whether the kind's contents have that column of its table.
 bool isContentColumn(DocumentKind kind, QStringView column);
-
-/// How the digests below are worked out: SHA-256 of the parts in their order, into 32 bytes. libsodium does
-/// it unless a program brings something faster, before its first digest.
-using Sha256 = void (*)(std::span<const QByteArrayView> parts, uchar* digest);
-void useSha256(Sha256 sha256);
 
 /// SHA-256 of the kind's name, the number and user with a field separator between them, and the content, a
 /// row separator before each but the first.

@@ -1,6 +1,5 @@
 #include "totals/CloseStrip.h"
 
-#include <QCryptographicHash>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -9,6 +8,7 @@
 
 #include "books/ContainerBalance.h"
 #include "books/VisitChecks.h"
+#include "platform/Sha256.h"
 #include "totals/DailyReports.h"
 
 namespace totals {
@@ -214,7 +214,7 @@ QString digestOf(const Visit& visit) {
         if (payment.isUnsettled() || payment.state == books::PaymentState::Approved)
             parts << payment.number << QString::number(int(payment.state));
     }
-    const QByteArray digest = QCryptographicHash::hash(parts.join(u'|').toUtf8(), QCryptographicHash::Sha256);
+    const QByteArray digest = platform::sha256({parts.join(u'|').toUtf8()});
     return QString::fromLatin1(digest.first(8).toHex());
 }
 

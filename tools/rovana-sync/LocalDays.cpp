@@ -1,7 +1,6 @@
 #include "rovana-sync/LocalDays.h"
 
 #include "platform/Device.h"
-#include "rovana-sync/Digests.h"
 
 namespace terminal_sync {
 
@@ -31,7 +30,6 @@ SqliteFile& looked(SqliteFile& database) {
 LocalDays::LocalDays() try
     : database_(platform::device::path(platform::device::kDatabaseFile), SqliteFile::Mode::ReadOnly),
       reader_(looked(database_)) {
-    useProcessorsDigests();
 } catch (const platform::SqliteError& error) {
     throw LocalError("the terminal's database: " + std::string(error.what()));
 }

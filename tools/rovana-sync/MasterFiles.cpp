@@ -13,8 +13,8 @@
 #include "db/MasterImport.h"
 #include "platform/CodePage.h"
 #include "platform/Device.h"
+#include "platform/Sha256.h"
 #include "platform/WholeFile.h"
-#include "rovana-sync/Digests.h"
 
 namespace terminal_sync {
 namespace {
@@ -90,7 +90,7 @@ void MasterFiles::write() const {
 bool MasterFiles::isOurs(const QString& path, const Entry& entry) const {
     QFile file(path);
     return !entry.digest.isEmpty() && file.open(QIODevice::ReadOnly) &&
-           sha256(file.readAll()) == entry.digest;
+           platform::sha256({file.readAll()}) == entry.digest;
 }
 
 /// Whether the table was loaded from the very file that was put.
@@ -149,7 +149,8 @@ MasterFiles::Put MasterFiles::put(const QList<MasterVersion>& versions, const QM
         const QByteArray content = encode(lines.value(version.fileName));
         files.push_back(std::make_unique<platform::WholeFile>(documentsPath(version.fileName)));
         require(*files.back(), files.back()->begin(content));
-        entries_[version.fileName] = {version.token, sha256(content), files.back()->modified(), false};
+        entries_[version.fileName] = {version.token, platform::sha256({content}), files.back()->modified(),
+                                      false};
         if (version.fileName == kCustomers) balances_ = balances;
         put.done << version.fileName;
     }
