@@ -49,8 +49,8 @@ office::Access readAccessFile() {
 }
 
 Sync::Sync(const office::Access& access)
-    : line_(std::async(std::launch::async, [&access] { return std::make_unique<Office>(access); })),
-      masters_(local_) {}
+    : masters_(local_),
+      line_(std::async(std::launch::async, [&access] { return std::make_unique<Office>(access); })) {}
 
 Outcome Sync::run() {
     readDays();

@@ -42,10 +42,11 @@ class Sync {
     void noteState(bool isReached);
     books::OfficeState::Day agreedDay(const QString& date, bool isCounted) const;
 
-    // The line waits for the office most of the time; the database is opened and the days are read meanwhile.
-    std::future<std::unique_ptr<Office>> line_;
     LocalDays local_;
     MasterFiles masters_;
+    // The line waits for the office most of the time; the days are read meanwhile. It begins when the database
+    // is open: whoever cannot read that says so at once.
+    std::future<std::unique_ptr<Office>> line_;
     QString firstDay_;
     QMap<QString, books::DocumentDigests> days_;
     Greeting greeting_;

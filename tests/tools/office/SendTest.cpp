@@ -42,10 +42,12 @@ TEST_F(SendTest, ADayIsSentOnceInAllItsKinds) {
     on(terminal, u"UPDATE MTM SET WorkGubun = '발행' WHERE UserID = 'A'"_s);
     EXPECT_EQ(synced(terminal), "sent 1, deleted 0, waiting 0\n");
     EXPECT_EQ(sql(kHistory), QStringList(u"sale|5001|1|f|t"_s));
+    // One day that does not fit into a call, and three that do, but no two of them together.
     on(terminal,
        uR"(WITH RECURSIVE n (n) AS (SELECT 6001 UNION ALL SELECT n + 1 FROM n WHERE n < 8500)
-        INSERT INTO MTM SELECT '%1','매출','0001','%2',n,'미발행','1001','맥주','01','1','0','10','0','0','0','A',
-            '10:00' FROM n)"_s.arg(day_, QString(100, u'가')));
+        INSERT INTO MTM SELECT date('%1', '-' || max(0, (n - 7000) / 500) || ' day'),'매출','0001','%2',n,'미발행',
+            '1001','맥주','01','1','0','10','0','0','0','A','10:00' FROM n)"_s.arg(day_,
+                                                                                   QString(100, u'가')));
     EXPECT_EQ(synced(terminal), "sent 2500, deleted 0, waiting 0\n");
     expectSameRows(terminal.folder());
 }
