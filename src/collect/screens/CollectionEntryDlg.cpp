@@ -57,6 +57,7 @@ constexpr Value kValues[] = {
 };
 constexpr int kResultingReceivable = 1091;
 constexpr int kState = 1110;
+constexpr int kKeyButtons[] = {1092, 1093, 1094, 1104, 1096, 1013};
 constexpr int kSettlingButtons[] = {1097, 1098, 1083};
 
 void tellExcess(Won excess) {
@@ -133,7 +134,6 @@ void CCollectionEntryDlg::load() {
                                       .kept = std::exchange(action.KeptSettlement, std::nullopt)});
     action.GCode = entry_.slip().gCode;
     action.CrateDepositSum = entry_.crateDeposit();
-    setSimplePayment(entry_.isSimplePayment());
     if (opening.excess.isZero() && !opening.asked) return;
     QTimer::singleShot(0, this, [this, opening] {
         if (!opening.excess.isZero()) tellExcess(opening.excess);
@@ -156,13 +156,14 @@ void CCollectionEntryDlg::showAmounts() {
     const books::SettlementAmounts& amounts = entry_.amounts();
     for (const Value& value : kValues)
         setFittedText(value.control, groupThousands(amounts.*value.amount), ui::FontHeight::Small);
-    // A simple payment has nothing to do with the debt.
-    setFittedText(
-        kResultingReceivable,
-        groupThousands(isSimplePayment_ ? amounts.previousReceivable : resultingReceivable(amounts)),
-        ui::FontHeight::Small);
+    // A simple payment was charged as it stands and moves no debt: nothing of it is changed here.
+    const bool isSimple = entry_.isSimplePayment();
+    setFittedText(kResultingReceivable,
+                  groupThousands(isSimple ? amounts.previousReceivable : resultingReceivable(amounts)),
+                  ui::FontHeight::Small);
+    for (const int button : kKeyButtons) control(button)->setEnabled(!isSimple);
     for (const int button : kSettlingButtons)
-        control(button)->setEnabled(!isSimplePayment_ && hasSomethingToSettle(amounts));
+        control(button)->setEnabled(!isSimple && hasSomethingToSettle(amounts));
     setFittedText(kState, approvalState(), ui::FontHeight::Small);
 }
 
@@ -179,13 +180,6 @@ void CCollectionEntryDlg::keyAmount(const QString& title, Key key) {
     entry_.holdApprovedCard();
     if (!excess.isZero()) tellExcess(excess);
     showAmounts();
-}
-
-void CCollectionEntryDlg::setSimplePayment(bool isSimplePayment) {
-    if (isSimplePayment == isSimplePayment_) return;
-    isSimplePayment_ = isSimplePayment;
-    for (const int button : {1092, 1093, 1094, 1104, 1096, 1097, 1098, 1083, 1013})
-        control(button)->setEnabled(!isSimplePayment);
 }
 
 void CCollectionEntryDlg::settle(void (*rule)(books::SettlementAmounts&)) {
@@ -222,7 +216,6 @@ void CCollectionEntryDlg::deletePrevious() {
         return;
     }
     ui::message(u"이전입금전표내역을 삭제하였습니다.."_s);
-    setSimplePayment(false);
     showAmounts();
 }
 

@@ -45,13 +45,9 @@ class CCollectionEntryDlg : public ui::Screen {
     QString approvalState() const;
     /// The container slip is worth another amount than the saved collection has for it.
     void askToTakeOver(platform::Won recovery);
-    /// The amounts of a simple payment, which was charged as it stands and moves no debt, are not changed
-    /// here.
-    void setSimplePayment(bool isSimplePayment);
     void showAmounts();
 
     CollectionEntry entry_;
-    bool isSimplePayment_ = false;  ///< Its buttons are disabled.
 };
 
 }  // namespace collect
