@@ -44,8 +44,8 @@ class Sync {
 
     LocalDays local_;
     MasterFiles masters_;
-    // The line waits for the office most of the time; the days are read meanwhile. It begins when the database
-    // is open: whoever cannot read that says so at once.
+    // The line waits for the office most of the time; the days are read meanwhile. It begins when the
+    // database is open: whoever cannot read that says so at once.
     std::future<std::unique_ptr<Office>> line_;
     QString firstDay_;
     QMap<QString, books::DocumentDigests> days_;
