@@ -2,6 +2,7 @@
 
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QMetaMethod>
 #include <QPainter>
 #include <QScrollBar>
 #include <algorithm>
@@ -372,14 +373,15 @@ void ReportList::keyPressEvent(QKeyEvent* event) {
     const QString text = event->text();
     if (!text.isEmpty() && text[0].isPrint() && !text[0].isSpace()) {
         // The list's own search would go to a row without choosing it.
-        filter_ ? Q_EMIT typed(text) : event->ignore();
+        isSignalConnected(QMetaMethod::fromSignal(&ReportList::typed)) ? Q_EMIT typed(text) : event->ignore();
         return;
     }
     readToEnd();
-    const int before = currentIndex().row();
+    // A key along a row chooses it too, where the focus alone stood on it.
+    const int before = selectedRow();
     QTableView::keyPressEvent(event);
-    if (currentIndex().isValid() && currentIndex().row() != before)
-        Q_EMIT rowClicked(rowAtPlace(currentIndex().row()));
+    const int now = selectedRow();
+    if (now >= 0 && now != before) Q_EMIT rowClicked(now);
 }
 
 }  // namespace ui

@@ -92,7 +92,7 @@ class ReportList : public QTableView {
     /// Says whether a row of the rows that were set is shown.
     using Filter = std::function<bool(const platform::Rows& rows, int row)>;
     /// Shows only the rows that go through `filter`, and takes the selection away. Rows are counted as they
-    /// were set all the same. From then on a text that is keyed on the list is told by typed().
+    /// were set all the same.
     void narrow(Filter filter);
     void clear() { setRows({}); }
     /// What stands in the list while it has no row: what to do, on lines of its own.
@@ -125,7 +125,7 @@ class ReportList : public QTableView {
     void rowDoubleClicked(int row);
     /// The list was tapped where no row is.
     void emptyPartClicked();
-    /// A text was keyed on a list that can be narrowed.
+    /// A text was keyed on the list. Where nobody hears of it the text falls through.
     void typed(const QString& text);
     /// narrow() has taken the choice away.
     void narrowed();

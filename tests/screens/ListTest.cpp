@@ -48,4 +48,32 @@ TEST(ReportList, ReadsOnWhileIdleAndBeforeItIsNarrowed) {
     EXPECT_TRUE(list.rows().isEmpty());
 }
 
+TEST(ReportList, TellsOfAKeyWhatItShows) {
+    ui::ReportList list(nullptr);
+    list.setColumns(std::array{ui::ListColumn{u"수"_s, 50}, ui::ListColumn{u"이름"_s, 50}});
+    list.setRows({.columns = 2, .cells = {u"1"_s, u"하나"_s, u"2"_s, u"둘"_s}});
+    QList<int> chosen;
+    QString text;
+    QObject::connect(&list, &ui::ReportList::rowClicked, [&](int row) { chosen << row; });
+    for (const Qt::Key key : {Qt::Key_Right, Qt::Key_End, Qt::Key_Home}) {
+        list.setRows(list.rows());
+        // Where the focus alone puts it.
+        list.selectionModel()->setCurrentIndex(list.model()->index(0, key == Qt::Key_Home ? 1 : 0),
+                                               QItemSelectionModel::NoUpdate);
+        QTest::keyClick(&list, key);
+        EXPECT_EQ(list.selectedRow(), 0);
+    }
+    EXPECT_EQ(chosen, QList({0, 0, 0}));
+    QTest::keyClick(&list, Qt::Key_Right);
+    QTest::keyClick(&list, Qt::Key_Down);
+    EXPECT_EQ(chosen, QList({0, 0, 0, 1}));
+
+    // Before the first narrowing as well.
+    QTest::keyClick(&list, '4');
+    QObject::connect(&list, &ui::ReportList::typed, [&](const QString& typed) { text += typed; });
+    QTest::keyClick(&list, '9');
+    EXPECT_EQ(text, u"9");
+    EXPECT_EQ(list.selectedRow(), 1);
+}
+
 }  // namespace
