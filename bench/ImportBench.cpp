@@ -54,13 +54,16 @@ const db::ImportFile& contractPriceFile() {
     throw std::runtime_error("no import file of contract prices");
 }
 
-/// A digest of what the table holds, so that both sides are known to have done the same.
-QString tableContent(const QString& databaseFile) {
+/// Throws unless both tables hold the same rows, and as many as the file has lines.
+void checkSameRows(const QString& databaseFile, const QString& other) {
     platform::SqliteFile file(databaseFile, platform::SqliteFile::Mode::Existing);
-    const auto rows = file.rows(
-        u"SELECT count(*) || ' ' || sum(boxmoney + bonbmoney) || ' ' || sum(ysmoney) || ' ' || "
-        "min(ysbonmoney) FROM GARAEDANGA"_s);
-    return rows ? rows->first().first() : QString();
+    file.run((u"ATTACH '"_s + other + u"' AS peer"_s).toUtf8());
+    const auto counted = file.rows(
+        u"SELECT (SELECT count(*) FROM GARAEDANGA), (SELECT count(*) FROM peer.GARAEDANGA), "
+        "(SELECT count(*) FROM (SELECT * FROM GARAEDANGA EXCEPT SELECT * FROM peer.GARAEDANGA))"_s);
+    const QString lines = QString::number(kLines);
+    if (!counted || counted->first() != QStringList{lines, lines, u"0"_s})
+        throw std::runtime_error("the two tables differ");
 }
 
 double loadWithShell(const QString& databaseFile, const QString& rows) {
@@ -139,9 +142,7 @@ Result measureImport() {
         return loadWithShell(peerDatabase, rows);
     };
     const Result result = compare(kRuns, kUnit, ours, peer);
-    if (tableContent(folder.databaseFile()) != tableContent(peerDatabase)) {
-        throw std::runtime_error("the two tables differ");
-    }
+    checkSameRows(folder.databaseFile(), peerDatabase);
     return result;
 }
 

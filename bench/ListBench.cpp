@@ -74,6 +74,16 @@ double processorTimeOf(const std::function<void()>& work) {
     return processorMilliseconds() - before;
 }
 
+/// Every hundredth row as it is shown.
+QStringList shownBy(const QTableView& view) {
+    QStringList texts;
+    for (int row = 0; row < view.model()->rowCount(); row += 100) {
+        for (int column = 0; column < view.model()->columnCount(); ++column)
+            texts << view.model()->index(row, column).data().toString();
+    }
+    return texts;
+}
+
 /// The rows of a list that is gone are freed when nothing else is to do.
 void letIdleWorkEnd() {
     while (!QCoreApplication::instance()->findChildren<QObject*>(u"discarded"_s).isEmpty())
@@ -99,6 +109,7 @@ Result measureList() {
     app::session().action.SeekValue = kConsonant.toString();
     registerScreens();
 
+    QStringList shown[2];
     const auto ours = [&] {
         std::unique_ptr<ui::Screen> screen;
         const double time = processorTimeOf([&] {
@@ -107,6 +118,7 @@ Result measureList() {
             terminal.show(screen.get());
             watch.wait();
         });
+        shown[0] = shownBy(*screen->findChild<ui::ReportList*>());
         screen.reset();
         letIdleWorkEnd();
         return time;
@@ -126,10 +138,12 @@ Result measureList() {
             view->show();
             watch.wait();
         });
+        shown[1] = shownBy(*view);
         return time;
     };
     const Result result = compareCounted(kRuns, "ms", ours, peer);
     app::session() = {};
+    if (shown[0] != shown[1]) throw std::runtime_error("the two lists differ");
     return result;
 }
 

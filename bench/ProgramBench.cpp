@@ -7,7 +7,6 @@
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QTemporaryDir>
-#include <QThread>
 #include <stdexcept>
 
 #include "Bench.h"
@@ -25,8 +24,8 @@ constexpr int kMemoryRuns = 3;
 constexpr double kKibibytesPerMebibyte = 1024;
 /// The display of Qt's offscreen platform has 800 by 800 pixels: 240 by 320 fill it at this scale.
 constexpr QStringView kFullScale = u"2.5";
-constexpr unsigned long kSettleSeconds = 2;
-constexpr unsigned long kIdleSeconds = 5;
+constexpr int kSettleSeconds = 2;
+constexpr int kIdleSeconds = 5;
 
 QString program(const QString& name) {
     return QCoreApplication::applicationDirPath() + u'/' + name;
@@ -82,11 +81,16 @@ double idleWakeups(const QString& view) {
     const QString device = folder.filePath(u"device"_s);
     makeDemonstration(device);
     QProcess terminal;
+    terminal.setProcessChannelMode(QProcess::MergedChannels);
     terminal.start(program(u"rovana"_s), {view, u"--device"_s, device});
-    QThread::sleep(kSettleSeconds);
-    const qint64 before = sleepsOf(terminal.processId());
-    QThread::sleep(kIdleSeconds);
-    const qint64 after = sleepsOf(terminal.processId());
+    const auto leaveAlone = [&terminal](int seconds) {
+        // One that has ended sleeps best.
+        if (!terminal.waitForStarted() || terminal.waitForFinished(seconds * 1000))
+            throw std::runtime_error("the terminal has ended: " + terminal.readAll().toStdString());
+        return sleepsOf(terminal.processId());
+    };
+    const qint64 before = leaveAlone(kSettleSeconds);
+    const qint64 after = leaveAlone(kIdleSeconds);
     terminal.terminate();
     terminal.waitForFinished();
     return double(after - before) / kIdleSeconds;

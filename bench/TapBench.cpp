@@ -42,12 +42,17 @@ constexpr int kLinesOfLogin = 2;
 /// Between two touches; the first one's work is done by then.
 constexpr int kPaceMs = 20;
 
+double millisecondsSince(Clock::time_point begin) {
+    return std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
+}
+
 double median(std::vector<double> values) {
     std::ranges::sort(values);
     return values[values.size() / 2];
 }
 
-/// By the step's place in the script: its line and the milliseconds that it took in each play.
+/// By the step's place in the script: its line and the milliseconds that it took in each play, or that it let
+/// the next touch wait.
 struct Tap {
     QString what;
     std::vector<double> times;
@@ -56,14 +61,17 @@ struct Tap {
 };
 
 /// Measures how long the program is at work after each step: from the step to when the event loop rests, or
-/// has nothing left but the rows of a list to read on, which every touch comes before. What the loop waits
-/// for in between, such as the finger to be lifted, does not count.
+/// has nothing left but the rows of a list to read on, which every touch comes before; of that it takes the
+/// longest piece, which a touch may have to wait for. What the loop waits for in between, such as the finger
+/// to be lifted, does not count.
 class Watch : public QObject {
   public:
     explicit Watch(pilot::Pilot& player) {
         connect(&player, &pilot::Pilot::begun, this, [this](const pilot::Step& step) { begin(step); });
-        connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
-                [this] { rest(); });
+        connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this, [this] {
+            endPiece();
+            rest();
+        });
         qApp->installEventFilter(this);
     }
 
@@ -75,7 +83,9 @@ class Watch : public QObject {
         const bool isIdle =
             event->type() == QEvent::Timer &&
             (qobject_cast<ui::ReportList*>(watched) != nullptr || watched->objectName() == u"discarded");
+        endPiece();
         isIdle ? rest() : work();
+        if (isIdle && isOpen_) pieceSince_ = Clock::now();
         return false;
     }
 
@@ -91,6 +101,7 @@ class Watch : public QObject {
         if (!kTouches.contains(step.command) || step.line <= kLinesOfLogin) return;
         what_ = step.source;
         spent_ = 0;
+        longestPiece_ = 0;
         isOpen_ = true;
         since_ = Clock::now();
     }
@@ -99,24 +110,31 @@ class Watch : public QObject {
     }
     void rest() {
         if (!isOpen_ || !since_) return;
-        spent_ += std::chrono::duration<double, std::milli>(Clock::now() - *since_).count();
+        spent_ += millisecondsSince(*since_);
         since_.reset();
+    }
+    void endPiece() {
+        if (pieceSince_) longestPiece_ = std::max(longestPiece_, millisecondsSince(*pieceSince_));
+        pieceSince_.reset();
     }
     void end() {
         if (!isOpen_) return;
+        endPiece();
         rest();
         isOpen_ = false;
         Tap& tap = taps_[step_];
         tap.what = what_;
-        tap.times.push_back(spent_);
+        tap.times.push_back(std::max(spent_, longestPiece_));
     }
 
     std::map<int, Tap> taps_;
     int step_ = 0;
     QString what_;
     double spent_ = 0;
+    double longestPiece_ = 0;
     bool isOpen_ = false;
     std::optional<Clock::time_point> since_;
+    std::optional<Clock::time_point> pieceSince_;
 };
 
 /// Plays the visit on a device, each time with a login of its own, and keeps what its taps took.
