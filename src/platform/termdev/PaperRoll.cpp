@@ -19,8 +19,6 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-/// The picture costs as much for one slip as for all of this time.
-constexpr int kDrawingMs = 3000;
 constexpr int kQuickCompression = 85;  // of 100, where 100 does not compress: white paper packs well anyway
 
 QString textFile() {
@@ -99,9 +97,9 @@ QByteArray readLines(QFile& file, qint64 most, qint64* place) {
 
 }  // namespace
 
-PaperRoll::PaperRoll(qint64 limitBytes) : limit_(limitBytes) {
+PaperRoll::PaperRoll(qint64 limitBytes, int drawingMs) : limit_(limitBytes) {
     drawing_.setSingleShot(true);
-    drawing_.setInterval(kDrawingMs);
+    drawing_.setInterval(drawingMs);
     QObject::connect(&drawing_, &QTimer::timeout, &drawing_, [this] { draw(); });
     if (hasFonts()) {
         QObject::connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, &drawing_, [this] {

@@ -13,14 +13,17 @@ namespace platform::termdev {
 
 inline constexpr qint64 kRollBytes = 1024 * 1024;
 inline constexpr int kRollDots = 8000;  ///< roll.png keeps this much of the paper's end, about 1 m.
+/// The picture costs as much for one slip as for all of this time.
+inline constexpr int kDrawingMs = 3000;
 
 /// The printer of a machine without one: the paper goes on in two files of the device folder. roll.txt is
 /// written when the device closes, roll.png a few seconds later and by a thread of its own, for nobody waits
 /// for a picture. That needs a QGuiApplication; without one there is only the text.
 class PaperRoll : public LinePrinter {
   public:
-    /// roll.txt is kept under `limitBytes`: a full one becomes roll.txt.1, replacing the one before.
-    explicit PaperRoll(qint64 limitBytes = kRollBytes);
+    /// roll.txt is kept under `limitBytes`: a full one becomes roll.txt.1, replacing the one before. The
+    /// picture is drawn so many milliseconds after the first paper that it lacks.
+    explicit PaperRoll(qint64 limitBytes = kRollBytes, int drawingMs = kDrawingMs);
     ~PaperRoll() override;
 
   protected:
