@@ -1,6 +1,7 @@
 #include "platform/Lines.h"
 
 #include <dlfcn.h>
+#include <link.h>
 
 #include <QCoreApplication>
 #include <QFile>
@@ -17,8 +18,19 @@ struct Loaded {
     QString fault;
 };
 
+/// False when the end of a library is missing, as a full disk or a loss of power leaves it: loading it would
+/// end the program. What ends a library is the table of its sections.
+bool isWhole(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) return true;  // The loader says why not.
+    ElfW(Ehdr) header{};
+    return file.read(reinterpret_cast<char*>(&header), sizeof header) == sizeof header &&
+           header.e_shoff + quint64(header.e_shnum) * header.e_shentsize <= quint64(file.size());
+}
+
 Loaded load() {
     const QString path = QCoreApplication::applicationDirPath() + u"/" ROVANA_MODULES "/lines.so"_s;
+    if (!isWhole(path)) return {nullptr, path + u" is not whole"_s};
     void* const library = ::dlopen(QFile::encodeName(path).constData(), RTLD_NOW | RTLD_NODELETE);
     if (library == nullptr) return {nullptr, QString::fromLocal8Bit(::dlerror())};
     const auto lines = reinterpret_cast<const LinesModule* (*)()>(::dlsym(library, "rovanaLines"));

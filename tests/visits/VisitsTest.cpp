@@ -50,7 +50,8 @@ Outcome run(const QString& program, const QStringList& arguments) {
     qputenv("LC_ALL", "C.UTF-8");
     QProcess process;
     process.setProcessChannelMode(QProcess::MergedChannels);
-    process.start(QStringLiteral(ROVANA_BIN "/") + program, arguments);
+    // One that stands elsewhere has its whole path.
+    process.start(QDir(QStringLiteral(ROVANA_BIN)).filePath(program), arguments);
     const bool hasEnded =
         process.waitForFinished(kLongestVisitMs) && process.exitStatus() == QProcess::NormalExit;
     const std::string output = process.readAll().toStdString();
@@ -153,6 +154,35 @@ TEST(Start, OneTerminalWorksOnAFolder) {
     EXPECT_TRUE(said.contains("another terminal works on")) << said.constData();
     second.kill();
     second.waitForFinished();
+}
+
+TEST(Start, AnInstallationWithABrokenModuleGoesOnAndSaysSoWhenItIsToPay) {
+    const QTemporaryDir folder;
+    const QString device = folder.filePath(u"device"_s);
+    const QString module = QStringLiteral(ROVANA_BIN "/../lib/rovana/lines.so");
+    const QString program = folder.filePath(u"bin/rovana-play"_s);
+    ASSERT_TRUE(QDir(folder.path()).mkdir(u"bin"_s) && QDir(folder.path()).mkpath(u"lib/rovana"_s));
+    ASSERT_TRUE(QFile::copy(QStringLiteral(ROVANA_BIN "/rovana-play"), program));
+    ASSERT_TRUE(QFile::link(QStringLiteral(ROVANA_BIN "/rovana-cardhost"),
+                            folder.filePath(u"bin/rovana-cardhost"_s)));
+    const QString cut = folder.filePath(u"lib/rovana/lines.so"_s);
+    ASSERT_TRUE(QFile::copy(module, cut) && QFile::resize(cut, 5000));
+    ASSERT_TRUE(run(u"rovanactl"_s, {u"init"_s, device, u"--demo"_s, u"--date"_s, kDay.toString()}).isDone);
+    const QString script = folder.filePath(u"pay.visit"_s);
+    ASSERT_TRUE(platform::writeWholeFile(script, R"(
+        host ""
+        login A 1111
+        import
+        sale 강나루마트 1001 3 12
+        press 134.1003 450.1097 450.1003
+        swipe good 1234 ok
+        expect 449.1142 "주류CARD를 읽었습니다.![KSNET에러] -504[프로그램 재설치 필요] [통신종료] "
+        answer ok
+        expect sql "SELECT State FROM PAYJOURNAL WHERE State <> 'prepared'" released
+    )"));
+    const Outcome played =
+        run(program, {script, u"--device"_s, device, u"--clock"_s, kDay.toString() + u" 09:05"_s});
+    EXPECT_TRUE(played.isDone) << played.output;
 }
 
 INSTANTIATE_TEST_SUITE_P(Tests, Visit, testing::ValuesIn(visits()), caseName);

@@ -2,6 +2,7 @@
 
 #include <QPlainTextEdit>
 
+#include "platform/Lines.h"
 #include "ui/FlickScroll.h"
 #include "ui/Fonts.h"
 
@@ -25,8 +26,11 @@ ExchangeLog::ExchangeLog(CKsnet_msg_lib& component, QPlainTextEdit* box, std::fu
     connect(events, &Component::receiving, this,
             [this, read = std::move(readReply)] { append(u"[전문수신중] "_s + read()); });
     connect(events, &Component::errorOccurred, this, [this] { append(u"[에러발생] "_s); });
-    connect(events, &Component::ksnetError, this,
-            [this](int code) { append(u"[KSNET에러] "_s + QString::number(code)); });
+    connect(events, &Component::ksnetError, this, [this](int code) {
+        append(u"[KSNET에러] "_s + QString::number(code));
+        // Trying again does not help then.
+        if (!platform::loadLines().isEmpty()) append(u"[프로그램 재설치 필요] "_s);
+    });
     connect(events, &Component::communicationEnded, this, [this] {
         append(u"[통신종료] "_s);
         end();
