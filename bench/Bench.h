@@ -43,7 +43,8 @@ Result measureStartup();
 Result measureMemory();
 /// A list of 50,000 rows, read and painted, against a bare table view.
 Result measureList();
-/// The longest tap of the commonest visit against one frame of the display.
+/// The longest tap of the commonest visit, or what it lets the next one wait, against one frame of the
+/// display.
 Result measureTap();
 /// That visit among 100,000 slips against the same among 1,000.
 Result measureTapGrowth();
@@ -73,7 +74,7 @@ Result measureOfficeFull();
 Result measureOfficeMorning();
 /// How many terminals those have; 0 for their own numbers.
 extern int officeTerminals;
-/// Memory in use after 1,000 payments against that after 100.
+/// What 1,000 payments leave in memory against what 100 do.
 Result measurePayments();
 
 }  // namespace bench

@@ -57,7 +57,7 @@ constexpr std::array kMeasurements{
     Measurement{"exchange", 1.25, bench::measureExchange,
                 "bare sockets and libsodium with the same bytes: any payment needs these"},
     Measurement{"payments", 1.05, bench::measurePayments,
-                "memory after 100 payments: the 900 that follow must leave nothing"},
+                "what 100 payments left in memory: the 900 that follow must leave nothing"},
     Measurement{"soak", 1.05, bench::measureSoak,
                 "what it held after 500 visits: 1,000 more must leave nothing"},
     Measurement{"taps", 1.0, bench::measureTaps,
