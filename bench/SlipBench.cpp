@@ -114,9 +114,9 @@ QString writeSlip() {
 Work workOfSlip(const Folder& folder) {
     folder.use();
     QString junNo;
-    const Work work = workOf([&] { junNo = writeSlip(); });
-    check(sales::deleteSlip(kDay, junNo, true, kSalesman), "the slip was not deleted");
-    return work;
+    return workOf(
+        [&] { junNo = writeSlip(); },
+        [&] { check(sales::deleteSlip(kDay, junNo, true, kSalesman), "the slip was not deleted"); });
 }
 
 }  // namespace

@@ -51,7 +51,10 @@ std::optional<double> InstructionCounter::count() const {
     return double(instructions);
 }
 
-Work workOf(const std::function<void()>& work) {
+Work workOf(const std::function<void()>& work, const std::function<void()>& undo) {
+    platform::adoce::DatabaseFile::forgetAll();
+    work();
+    undo();
     QString error;
     const auto file = platform::adoce::DatabaseFile::shared(
         platform::device::path(platform::device::kDatabaseFile), &error);
@@ -63,6 +66,7 @@ Work workOf(const std::function<void()>& work) {
     const auto after = counter.count();
     Work done{takeSteps(file->sqlite().handle()), std::nullopt};
     if (before && after) done.instructions = *after - *before;
+    undo();
     return done;
 }
 
@@ -78,7 +82,6 @@ Result compareWork(int runs, const std::function<Work()>& ours, const std::funct
         };
     };
     const Result instructions = compare(runs, "k instructions", side(ours, &steps[0]), side(peer, &steps[1]));
-    // The statements were prepared in the first run; the last one has but the steps of the work.
     const Result inSteps{.ours = steps[0].back(), .peer = steps[1].back(), .unit = " steps"};
     if (!isCounted) return inSteps;
     char note[80];
