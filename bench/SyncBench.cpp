@@ -8,6 +8,7 @@
 #include <QFile>
 #include <algorithm>
 #include <functional>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -17,7 +18,11 @@
 #include "app/Session.h"
 #include "books/CollectionSlip.h"
 #include "books/PaymentJournal.h"
+#include "books/PrintLog.h"
+#include "container/ContainerStore.h"
+#include "container/WorkingContainers.h"
 #include "platform/Sqlite.h"
+#include "print/SlipPapers.h"
 #include "sales/SlipLine.h"
 #include "sales/SlipStore.h"
 #include "sales/WorkingSlip.h"
@@ -86,12 +91,33 @@ void notePayment() {
     check(books::notePayment(payment));
 }
 
+void writeContainers() {
+    check(container::reloadSlip(u"A", kDay, kNumber));
+    container::ContainerLine line;
+    line.DDate = kDay;
+    line.GCode = u"C001"_s;
+    line.JunNo = kNumber;
+    line.PCode = u"P1"_s;
+    line.setCounts({.bottles = 3, .emptyCrates = 1, .filledCrates = 2});
+    check(container::insertLine(line));
+    check(container::saveSlip(u"A", kDay, kNumber, u"C001") == container::SaveOutcome::Saved);
+}
+
+/// All papers, on a device without a printer: what goes to one waits in a folder of its own.
+void notePapers() {
+    const QList<books::Paper> printed =
+        print::SlipPapers(kDay, kNumber, u"A").print(books::kPapers, books::Copy::Seller);
+    check(printed.size() == std::ssize(books::kPapers));
+}
+
 /// What is changed on the way of a visit, in its order.
 constexpr std::pair<const char*, void (*)()> kChanges[] = {
     {"slip", [] { writeSlip(kNumber); }},
+    {"containers", writeContainers},
     {"collection", [] { check(books::saveCollection(collection())); }},
     {"payment", notePayment},
     {"approval", [] { check(books::approvePayment(kPayment, u"000000000001").has_value()); }},
+    {"papers", notePapers},
     {"close", [] { check(totals::closeDay(kDay, u"A", platform::Won(0)).has_value()); }},
     {"deletion", [] { check(sales::deleteSlip(kDay, kNumber, true, u"A")); }},
 };
