@@ -29,6 +29,8 @@ void NarrowScreen::addNarrowing(ReportList* list, int top, Match match, int line
     line_->setClearButtonEnabled(true);
     describe(line_, u"이름이나 초성으로 좁히기"_s);
     connect(line_, &QLineEdit::textChanged, list, [list, match](const QString& typed) {
+        // All rows again, and a new list shows its first ones before it is read to its end.
+        if (typed.isEmpty()) return list->narrow({});
         list->narrow([match, typed](const platform::Rows& rows, int row) {
             return match(rows.at(row, 1), typed) || rows.at(row, 0).startsWith(typed);
         });

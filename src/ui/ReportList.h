@@ -91,8 +91,8 @@ class ReportList : public QTableView {
     const platform::Rows& rows() const { return all_; }
     /// Says whether a row of the rows that were set is shown.
     using Filter = std::function<bool(const platform::Rows& rows, int row)>;
-    /// Shows only the rows that go through `filter`, and takes the selection away. Rows are counted as they
-    /// were set all the same.
+    /// Shows only the rows that go through `filter`, all without one, and takes the selection away. Rows are
+    /// counted as they were set all the same.
     void narrow(Filter filter);
     void clear() { setRows({}); }
     /// What stands in the list while it has no row: what to do, on lines of its own.

@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <QLineEdit>
 #include <QTest>
 #include <array>
 
 #include "support/PrintQt.h"
+#include "ui/NarrowScreen.h"
 #include "ui/ReportList.h"
 
 namespace {
@@ -74,6 +76,35 @@ TEST(ReportList, TellsOfAKeyWhatItShows) {
     QTest::keyClick(&list, '9');
     EXPECT_EQ(text, u"9");
     EXPECT_EQ(list.selectedRow(), 1);
+}
+
+class Search : public ui::NarrowScreen {
+  public:
+    Search() : NarrowScreen(1) {
+        list = addList(
+            2, {0, 40, 240, 100}, u"수"_s, {{u"수"_s, 50}, {u"이름"_s, 50}}, [](int) {}, [] {});
+        addNarrowing(list, 2, [](QStringView name, QStringView typed) { return name.contains(typed); });
+    }
+    ui::ReportList* list;
+};
+
+TEST(NarrowScreen, ReadsAListPieceByPieceOnceItsLineIsEmptyAgain) {
+    Search search;
+    const auto pairs = [next = 0](platform::Rows* rows) mutable {
+        rows->columns = 2;
+        for (int i = 0; i < kPiece; ++i) rows->cells << QString::number(next++) << u"소주"_s;
+        return next < kRows;
+    };
+    auto* line = search.findChild<QLineEdit*>();
+    search.list->readRows(pairs);
+    line->setText(u"4"_s);
+    EXPECT_EQ(search.list->rowCount(), 11);
+    search.list->readRows(pairs);
+    EXPECT_EQ(search.list->rowCount(), 11);
+    line->clear();
+    EXPECT_EQ(search.list->rowCount(), kRows);
+    search.list->readRows(pairs);
+    EXPECT_EQ(search.list->rowCount(), kPiece);
 }
 
 }  // namespace
