@@ -280,11 +280,11 @@ DECLARE
     own_number CONSTANT text := split_part(doc.number, '~', 1);
     paper text;
 BEGIN
-    -- The prints of a slip are forgotten whenever it changes.
+    -- The prints of a slip are forgotten whenever it changes, and go with it.
     IF doc.kind = 'prints' THEN
-        RETURN EXISTS (SELECT FROM office.document AS d WHERE d.month = doc.month AND d.terminal = doc.terminal
-            AND d.ddate = doc.ddate AND d.number = doc.number AND d.userid = doc.userid AND d.state = 'present'
-            AND d.kind IN ('sale', 'containers', 'collection'));
+        RETURN coalesce((SELECT bool_or(d.state = 'present') OR bool_and(d.state = 'deleted') FROM office.document AS d
+            WHERE d.month = doc.month AND d.terminal = doc.terminal AND d.ddate = doc.ddate AND d.number = doc.number
+                AND d.userid = doc.userid AND d.kind IN ('sale', 'containers', 'collection')), false);
     END IF;
     paper := CASE doc.kind WHEN 'sale' THEN '거래명세서' WHEN 'containers' THEN '용공인수증' WHEN 'collection' THEN '입금표' END;
     IF paper IS NULL THEN
