@@ -262,6 +262,8 @@ TEST_F(RecoveryTest, ANewDiskGetsEverythingButWhatWasDeleted) {
         DELETE FROM MTMOK WHERE JunNo = '5002')"_s.arg(
            QDate::currentDate().addDays(-70).toString(Qt::ISODate)));
     noteDeletion(terminal, u"입금표"_s, u"5002"_s);
+    // A number whose slip was deleted is given again.
+    noteDeletion(terminal, u"거래명세서"_s, u"5001"_s);
     synced(terminal);
     synced(terminal);
     replaceDatabase(terminal, empty);
