@@ -258,12 +258,18 @@ RETURN CASE
                 || CASE kind WHEN 'containers' THEN '' ELSE split_part(content, E'\x1f', 2) || E'\x1f' END, ''), E'\x1e') = 0
     THEN split_part(content, E'\x1f', CASE kind WHEN 'containers' THEN 1 ELSE 2 END) END;
 
--- Makes room for what comes under the identity of `doc`. Another customer's slip under its number is no later revision: the
--- number was given again, and what the terminal may have lost of it stands aside, under the number with "~" and its
+-- The customers of a document's rows; null for a kind without customers.
+CREATE FUNCTION office.customers(kind text, content text) RETURNS text[] LANGUAGE sql IMMUTABLE
+RETURN CASE WHEN kind IN ('sale', 'containers', 'collection') THEN (
+    SELECT array_agg(split_part(line, E'\x1f', CASE kind WHEN 'containers' THEN 1 ELSE 2 END))
+    FROM unnest(string_to_array(content, E'\x1e')) AS line) END;
+
+-- Makes room for what comes under the identity of `doc`. A slip of other customers alone under its number is no later revision:
+-- the number was given again, and what the terminal may have lost of it stands aside, under the number with "~" and its
 -- revision, until a trace of its deletion is seen.
 CREATE FUNCTION office.supersede(doc office.document, new_content text) RETURNS void LANGUAGE plpgsql AS $$
 BEGIN
-    IF office.customer(doc.kind, doc.content) IS NOT DISTINCT FROM office.customer(doc.kind, new_content) THEN
+    IF coalesce(office.customers(doc.kind, doc.content) && office.customers(doc.kind, new_content), true) THEN
         PERFORM office.retire(doc, false);
         RETURN;
     END IF;
