@@ -39,7 +39,9 @@ DECLARE
     -- What is looked at, months and days as ranges: a list of them is longer in planning than in reading.
     begin_day CONSTANT text := least(first_day, their_days[1]);
     end_day CONSTANT text := CASE WHEN first_day < '9999' THEN '9999' ELSE their_days[cardinality(their_days)] END;
-    begin_month CONSTANT date := left(begin_day, 7) || '-01';
+    -- A day that a clock gone wrong has written lies with those that are none.
+    begin_month CONSTANT date := CASE WHEN begin_day < '2000' OR their_days[cardinality(their_days)] >= '2100' THEN '0001-01'
+        ELSE left(begin_day, 7) END || '-01';
     end_month CONSTANT date := greatest(left(their_days[cardinality(their_days)], 7) || '-01',
         CASE WHEN first_day < '9999' THEN (current_date + 31)::text END);
     -- Days that the office knows, and those of them that differ.
@@ -369,7 +371,7 @@ BEGIN
     deleted := 0;
     missing := 0;
     IF cardinality(kinds) > 0 THEN
-        IF the_month < DATE '2000-01-01' OR the_day::date IS NULL THEN
+        IF the_day::date IS NULL OR (the_month < DATE '2000-01-01' AND to_char(the_day::date, 'YYYY-MM-DD') <> the_day) THEN
             RAISE EXCEPTION '"%" is no day', the_day USING ERRCODE = 'invalid_parameter_value';
         END IF;
         IF NOT userids <@ me.users THEN

@@ -132,6 +132,35 @@ TEST_F(SendTest, ANumberThatIsGivenAgainTakesNothingAway) {
     EXPECT_EQ(synced(terminal), kNothing);
 }
 
+TEST_F(SendTest, ANumberOfTwoCustomersIsNotKeptTwiceWhenOneLeaves) {
+    const TestDevice& terminal = enrol();
+    for (const QString& customer : {u"0001"_s, u"0002"_s}) collect(terminal, u"5001"_s, customer, 1000);
+    synced(terminal);
+    on(terminal, u"UPDATE MTMOK SET JunNo = '4001', Gubun = '입금' WHERE GCode = '0001'"_s);
+    synced(terminal);
+    EXPECT_EQ(documents(), QStringList({u"collection 4001 A present 1"_s, u"collection 5001 A present 2"_s}));
+    EXPECT_EQ(sql(u"SELECT gcode, sum(amount) FROM office.movement GROUP BY 1 ORDER BY 1"_s),
+              QStringList({u"0001|1000"_s, u"0002|1000"_s}));
+}
+
+TEST_F(SendTest, TheSlipsOfAClockGoneWrongAreSentLikeOthers) {
+    const TestDevice& terminal = enrol();
+    sell(terminal, u"5001"_s, u"0001"_s, 1000);
+    on(terminal,
+       u"INSERT INTO MTM SELECT day, Gubun, GCode, GName, JunNo, WorkGubun, PCode, PName, JGubun, Box, Bon, "
+       u"MMoney, "
+       "BMoney, YMoney, GMoney, UserID, DTime FROM MTM, (SELECT '1970-01-01' AS day UNION SELECT '2100-02-28')"_s);
+    EXPECT_EQ(synced(terminal), "sent 3, deleted 0, waiting 0\n");
+    expectSameRows(terminal.folder());
+    QFile::remove(terminal.folder() + u"/office/swept"_s);
+    EXPECT_EQ(synced(terminal), kNothing);
+    on(terminal, u"UPDATE MTM SET MMoney = '7'"_s);
+    QFile::remove(terminal.folder() + u"/office/swept"_s);
+    synced(terminal);
+    EXPECT_EQ(sql(u"SELECT ddate, state, revision FROM office.document ORDER BY 1"_s),
+              QStringList({u"1970-01-01|present|2"_s, day_ + u"|present|2"_s, u"2100-02-28|present|2"_s}));
+}
+
 TEST_F(SendTest, ASlipOnTheWayToTheCardIsNotSent) {
     const TestDevice& terminal = enrol();
     collect(terminal, u"5001"_s, u"0001"_s, 1000, 400);
