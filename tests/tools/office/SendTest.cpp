@@ -294,13 +294,16 @@ TEST_F(RecoveryTest, ANewDiskGetsEverythingButWhatWasDeleted) {
     // A number whose slip was deleted is given again.
     noteDeletion(terminal, u"거래명세서"_s, u"5001"_s);
     synced(terminal);
+    // A collection stays when its containers go.
+    on(terminal, u"DELETE FROM YTM WHERE JunNo = '5001'"_s);
+    noteDeletion(terminal, u"용공인수증"_s, u"5001"_s);
     synced(terminal);
     replaceDatabase(terminal, empty);
     EXPECT_THAT(synced(terminal, {u"--recover"_s}), HasSubstr("gave back"));
     expectSameRows(terminal.folder());
     EXPECT_EQ(on(terminal, u"SELECT COUNT(*) FROM MTM"_s), QStringList(u"6"_s));
-    EXPECT_EQ(sql(u"SELECT kind, ddate, number FROM office.document WHERE state <> 'present'"_s),
-              QStringList());
+    EXPECT_EQ(sql(u"SELECT kind, number, state FROM office.document WHERE state <> 'present'"_s),
+              QStringList(u"containers|5001|deleted"_s));
     EXPECT_EQ(synced(terminal), kNothing);
 }
 
