@@ -371,7 +371,7 @@ BEGIN
     deleted := 0;
     missing := 0;
     IF cardinality(kinds) > 0 THEN
-        IF the_day::date IS NULL OR (the_month < DATE '2000-01-01' AND to_char(the_day::date, 'YYYY-MM-DD') <> the_day) THEN
+        IF the_day::date IS NULL OR (the_month < DATE '2000-01-01' AND the_day !~ '^[0-9]{4}-[0-9]{2}-[0-9]{2}$') THEN
             RAISE EXCEPTION '"%" is no day', the_day USING ERRCODE = 'invalid_parameter_value';
         END IF;
         IF NOT userids <@ me.users THEN

@@ -151,7 +151,8 @@ TEST_F(EnrolTest, WhatIsNotItsOwnOrNotWhatItSaysIsRefused) {
         EXPECT_THAT(send(day_, u"A"_s, forged), HasSubstr("digest"));
     EXPECT_THAT(send(day_, u"B"_s, u"5001\\x1fB"_s), HasSubstr("not enrolled for user B"));
     EXPECT_THAT(send(day_, u"A"_s, own, 13), HasSubstr("rows"));
-    EXPECT_NE(send(u"2024-02-31"_s, u"A"_s, own), "");
+    for (const QString& none : {u"2024-02-31"_s, u"-infinity"_s, u"12024-02-01"_s, u"1970-1-1"_s})
+        EXPECT_NE(send(none, u"A"_s, own), "") << none.toStdString();
     EXPECT_EQ(sql(u"SELECT count(*) FROM office.document"_s), QStringList(u"0"_s));
     EXPECT_EQ(send(day_, u"A"_s, own), "");
 
