@@ -307,12 +307,17 @@ BEGIN
                 AND t.userid = doc.userid AND d.sent_at > doc.sent_at
                 AND t.gcode = replace(office.customer(doc.kind, doc.content), '''', '’')
                 AND (t.document = paper OR doc.kind = 'collection'))
-        -- It has another number now: what another customer left under a number that was given again goes to 4001 and up.
+        -- It has another number now: what another customer left under a number that was given again goes to 4001 and up. It may
+        -- have been changed there since.
         OR (doc.kind <> 'sale' AND EXISTS (
             SELECT FROM office.document AS d WHERE d.month = doc.month AND d.terminal = doc.terminal AND d.ddate = doc.ddate
                 AND d.kind = doc.kind AND d.userid = doc.userid AND d.state = 'present' AND d.number <> own_number
                 AND d.number ~ '^4[0-9]{3}$'
-                AND office.unnumbered(d.kind, d.content) = office.unnumbered(doc.kind, doc.content)));
+                AND (office.unnumbered(d.kind, d.content) = office.unnumbered(doc.kind, doc.content)
+                    OR (d.first_sent > doc.sent_at AND office.customer(d.kind, d.content) = office.customer(doc.kind, doc.content)
+                        AND EXISTS (SELECT FROM office.document AS o WHERE o.month = doc.month AND o.terminal = doc.terminal
+                            AND o.ddate = doc.ddate AND o.number = own_number AND o.userid = doc.userid AND o.state = 'present'
+                            AND office.customer(o.kind, o.content) <> office.customer(doc.kind, doc.content))))));
 END
 $$;
 

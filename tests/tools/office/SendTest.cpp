@@ -111,9 +111,15 @@ TEST_F(SendTest, ANumberThatIsGivenAgainTakesNothingAway) {
     sell(terminal, u"5001"_s, u"0001"_s, 1000);
     collect(terminal, u"5001"_s, u"0001"_s, 1000);
     sell(terminal, u"5002"_s, u"0001"_s, 20);
+    collect(terminal, u"5003"_s, u"0004"_s, 50);
+    noteDeletion(terminal, u"거래명세서"_s, u"5003"_s, u"0004"_s);
     synced(terminal);
     // Deleted and given to another customer; the earlier one's collection gets another number.
-    on(terminal, u"DELETE FROM MTM WHERE JunNo = '5001'; UPDATE MTMOK SET JunNo = '4001', Gubun = '입금'"_s);
+    on(terminal,
+       u"DELETE FROM MTM WHERE JunNo = '5001'; UPDATE MTMOK SET JunNo = JunNo - 1000, Gubun = '입금'"_s);
+    // One is changed under that number before it is sent.
+    on(terminal, u"UPDATE MTMOK SET MMoney = '60' WHERE JunNo = '4003'"_s);
+    sell(terminal, u"5003"_s, u"0002"_s, 5);
     noteDeletion(terminal, u"거래명세서"_s, u"5001"_s);
     sell(terminal, u"5001"_s, u"0002"_s, 300);
     collect(terminal, u"5001"_s, u"0002"_s, 300);
@@ -121,14 +127,17 @@ TEST_F(SendTest, ANumberThatIsGivenAgainTakesNothingAway) {
     on(terminal, u"DELETE FROM MTM WHERE JunNo = '5002'"_s);
     sell(terminal, u"5002"_s, u"0003"_s, 4);
     synced(terminal);
-    EXPECT_EQ(documents(), QStringList({u"collection 4001 A present 1"_s, u"collection 5001 A present 2"_s,
-                                        u"deletion 5001 A present 1"_s, u"sale 5001 A present 2"_s,
-                                        u"sale 5002 A present 2"_s, u"sale 5002~1 A missing 1"_s}));
-    EXPECT_EQ(sql(kHistory), QStringList({u"collection|5001|1|t|f"_s, u"sale|5001|1|t|f"_s}));
-    EXPECT_EQ(sql(u"SELECT sum(office.won(mmoney)) FROM office.mtm"_s), QStringList(u"324"_s));
+    EXPECT_EQ(documents(), QStringList({u"collection 4001 A present 1"_s, u"collection 4003 A present 1"_s,
+                                        u"collection 5001 A present 2"_s, u"collection 5003 A deleted 1"_s,
+                                        u"deletion 5001 A present 1"_s, u"deletion 5003 A present 1"_s,
+                                        u"sale 5001 A present 2"_s, u"sale 5002 A present 2"_s,
+                                        u"sale 5002~1 A missing 1"_s, u"sale 5003 A present 1"_s}));
+    EXPECT_EQ(sql(kHistory),
+              QStringList({u"collection|5001|1|t|f"_s, u"collection|5003|1|t|f"_s, u"sale|5001|1|t|f"_s}));
+    EXPECT_EQ(sql(u"SELECT sum(office.won(mmoney)) FROM office.mtm"_s), QStringList(u"329"_s));
     EXPECT_EQ(
         sql(u"SELECT gcode, sum(amount) FROM office.movement GROUP BY 1 HAVING sum(amount) <> 0 ORDER BY 1"_s),
-        QStringList({u"0001|1000"_s, u"0002|300"_s}));
+        QStringList({u"0001|1000"_s, u"0002|300"_s, u"0004|60"_s}));
     EXPECT_EQ(synced(terminal), kNothing);
 }
 
