@@ -509,6 +509,12 @@ BEGIN
         -- What has become of a slip decides about its prints.
         ORDER BY d.kind = 'prints'
     LOOP
+        -- The prints of a slip that may be in an archive are there, too.
+        CONTINUE WHEN is_archived AND doc.kind = 'prints' AND EXISTS (
+            SELECT FROM unnest(absent_kinds, absent_numbers, absent_userids) AS a (kind, number, userid)
+            JOIN office.document AS d USING (kind, number, userid)
+            WHERE d.month = doc.month AND d.terminal = me AND d.ddate = the_day AND d.number = doc.number AND d.userid = doc.userid
+                AND d.kind IN ('sale', 'containers', 'collection') AND d.state = 'present');
         IF office.settle(doc, is_archived) THEN
             deleted := deleted + 1;
         ELSIF NOT is_archived THEN

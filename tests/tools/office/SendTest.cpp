@@ -57,7 +57,8 @@ TEST_F(SendTest, WhatGoesWithATraceIsDeletedAndWithoutOneKept) {
     const QString ofOldDay = u" SET DDate = '%1' WHERE JunNo < '5000'"_s.arg(
         QDate::currentDate().addDays(-70).toString(Qt::ISODate));
     for (const QString& number : {u"4001"_s, u"4002"_s}) sell(terminal, number, u"0001"_s, 1000);
-    on(terminal, u"UPDATE MTM"_s + ofOldDay);
+    on(terminal, u"INSERT INTO PRINTLOG SELECT DDate,JunNo,'A','거래명세서','공급자용','x' FROM MTM"_s);
+    for (const QString& table : {u"MTM"_s, u"PRINTLOG"_s}) on(terminal, u"UPDATE "_s + table + ofOldDay);
     for (const QString& number : {u"5001"_s, u"5002"_s, u"5003"_s}) {
         sell(terminal, number, u"0001"_s, 1000);
         collect(terminal, number, u"0001"_s, 1000);
@@ -78,23 +79,26 @@ TEST_F(SendTest, WhatGoesWithATraceIsDeletedAndWithoutOneKept) {
     const Ended ended = sync(terminal);
     EXPECT_EQ(ended.out, "sent 3, deleted 4, waiting 0\n") << ended.err;
     EXPECT_THAT(ended.err, HasSubstr("keeps 5 documents"));
-    EXPECT_EQ(documents(), QStringList({u"collection 5001 A deleted 1"_s, u"collection 5002 A missing 1"_s,
-                                        u"collection 5003 A present 1"_s, u"deletion 5001 A present 1"_s,
-                                        u"deletion 5004 A present 1"_s, u"deletion 5005 A present 1"_s,
-                                        u"prints 5001 A deleted 1"_s, u"prints 5002 A missing 1"_s,
-                                        u"prints 5003 A deleted 1"_s, u"sale 4001 A present 1"_s,
-                                        u"sale 4002 A present 1"_s, u"sale 5001 A deleted 1"_s,
-                                        u"sale 5002 A missing 1"_s, u"sale 5003 A present 1"_s,
-                                        u"sale 5004 A missing 1"_s, u"sale 5005 A missing 1"_s}));
+    EXPECT_EQ(
+        documents(),
+        QStringList({u"collection 5001 A deleted 1"_s, u"collection 5002 A missing 1"_s,
+                     u"collection 5003 A present 1"_s, u"deletion 5001 A present 1"_s,
+                     u"deletion 5004 A present 1"_s, u"deletion 5005 A present 1"_s,
+                     u"prints 4001 A present 1"_s, u"prints 4002 A present 1"_s, u"prints 5001 A deleted 1"_s,
+                     u"prints 5002 A missing 1"_s, u"prints 5003 A deleted 1"_s, u"sale 4001 A present 1"_s,
+                     u"sale 4002 A present 1"_s, u"sale 5001 A deleted 1"_s, u"sale 5002 A missing 1"_s,
+                     u"sale 5003 A present 1"_s, u"sale 5004 A missing 1"_s, u"sale 5005 A missing 1"_s}));
     EXPECT_EQ(
         sql(u"SELECT (SELECT sum(office.won(mmoney)) FROM office.mtm), sum(amount) FROM office.movement"_s),
         QStringList(u"4010|2000"_s));
     EXPECT_EQ(synced(terminal), kNothing);
     // Old days are looked at once a day, and lose what was deleted only.
     QFile::remove(terminal.folder() + u"/office/swept"_s);
-    EXPECT_EQ(synced(terminal), "sent 1, deleted 1, waiting 0\n");
-    EXPECT_TRUE(documents().contains(u"sale 4001 A deleted 1"_s) &&
-                documents().contains(u"sale 4002 A present 1"_s));
+    EXPECT_EQ(synced(terminal), "sent 1, deleted 2, waiting 0\n");
+    for (const QString& kind : {u"sale"_s, u"prints"_s}) {
+        EXPECT_TRUE(documents().contains(kind + u" 4001 A deleted 1"_s)) << kind.toStdString();
+        EXPECT_TRUE(documents().contains(kind + u" 4002 A present 1"_s)) << kind.toStdString();
+    }
     // The same slip once more is another revision of it.
     sell(terminal, u"5001"_s, u"0001"_s, 1000);
     synced(terminal);
