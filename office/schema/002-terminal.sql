@@ -298,15 +298,22 @@ BEGIN
     IF paper IS NULL THEN
         RETURN false;
     END IF;
-    -- A trace of its deletion that came after it. A collection of which nothing is left goes with its sale or its
-    -- containers, under their trace; a trace has a name's quote as it could be stored.
+    -- A trace of its deletion that came after it: one that stood there already when it was sent is of a slip before. A collection
+    -- of which nothing is left goes with its sale or its containers, under their trace; a trace has a name's quote as it
+    -- could be stored.
     RETURN EXISTS (
-            SELECT FROM office.deleted AS t JOIN office.document AS d ON d.month = t.month AND d.terminal = t.terminal
-                AND d.kind = 'deletion' AND d.ddate = t.ddate AND d.number = t.junno AND d.userid = t.userid
-            WHERE t.month = doc.month AND t.terminal = doc.terminal AND t.ddate = doc.ddate AND t.junno = own_number
-                AND t.userid = doc.userid AND d.sent_at > doc.sent_at
-                AND t.gcode = replace(office.customer(doc.kind, doc.content), '''', '’')
-                AND (t.document = paper OR doc.kind = 'collection'))
+            SELECT FROM office.document AS t, unnest(string_to_array(t.content, E'\x1e')) AS line
+            WHERE t.month = doc.month AND t.terminal = doc.terminal AND t.ddate = doc.ddate AND t.kind = 'deletion'
+                AND t.number = own_number AND t.userid = doc.userid
+                AND split_part(line, E'\x1f', 2) = replace(office.customer(doc.kind, doc.content), '''', '’')
+                AND (split_part(line, E'\x1f', 1) = paper OR doc.kind = 'collection')
+                AND NOT coalesce((
+                    SELECT line = ANY (string_to_array(was.content, E'\x1e'))
+                    FROM (SELECT h.revision, h.sent_at, h.content FROM office.history AS h
+                          WHERE h.month = t.month AND h.terminal = t.terminal AND h.ddate = t.ddate AND h.kind = t.kind
+                              AND h.number = t.number AND h.userid = t.userid
+                          UNION ALL SELECT t.revision, t.sent_at, t.content) AS was
+                    WHERE was.sent_at <= doc.sent_at ORDER BY was.revision DESC LIMIT 1), false))
         -- It has another number now: what another customer left under a number that was given again goes to 4001 and up. It may
         -- have been changed there since.
         OR (doc.kind <> 'sale' AND EXISTS (

@@ -320,6 +320,32 @@ TEST_F(RecoveryTest, ANewDiskGetsEverythingButWhatWasDeleted) {
     EXPECT_EQ(synced(terminal), kNothing);
 }
 
+TEST_F(RecoveryTest, ASlipThatCameAfterADeletionIsLostWithTheCopyAndNotDeleted) {
+    const TestDevice& terminal = enrol();
+    const auto deleteSlip = [&](const QString& number) {
+        on(terminal, u"DELETE FROM MTM WHERE JunNo = "_s + number);
+        noteDeletion(terminal, u"거래명세서"_s, number);
+    };
+    for (const QString& number : {u"5001"_s, u"5002"_s}) sell(terminal, number, u"0001"_s, 1000);
+    deleteSlip(u"5001"_s);
+    synced(terminal);
+    const QString backup = copyOf(terminal, u"backup"_s);
+    sell(terminal, u"5001"_s, u"0001"_s, 2000);
+    // The traces under the number become fewer with the backup, and come back with the newer copy.
+    noteDeletion(terminal, u"용공인수증"_s, u"5001"_s);
+    deleteSlip(u"5002"_s);
+    synced(terminal);
+    const QString newer = copyOf(terminal, u"newer"_s);
+    replaceDatabase(terminal, backup);
+    synced(terminal);
+    EXPECT_TRUE(documents().contains(u"sale 5001 A missing 1"_s));
+    EXPECT_TRUE(documents().contains(u"sale 5002 A present 2"_s));
+    replaceDatabase(terminal, newer);
+    synced(terminal);
+    EXPECT_TRUE(documents().contains(u"sale 5001 A present 1"_s));
+    EXPECT_TRUE(documents().contains(u"sale 5002 A deleted 2"_s));
+}
+
 TEST_F(RecoveryTest, WhatGoesBackIsNamedAndAnArchiveIsNotGivenBack) {
     const TestDevice& terminal = enrol();
     sell(terminal, u"5001"_s, u"0001"_s, 1000);
