@@ -365,7 +365,7 @@ COMMENT ON VIEW report.disagreement IS
 -- --- the terminals -------------------------------------------------------------------------------------------------------
 
 CREATE VIEW report.number_conflict AS
-SELECT month, ddate AS day, kind, office.own_number(number) AS number, userid, array_agg(terminal ORDER BY terminal) AS terminals
+SELECT month, ddate AS day, kind, office.own_number(number) AS number, userid, array_agg(DISTINCT terminal ORDER BY terminal) AS terminals
 FROM office.document WHERE kind IN ('sale', 'containers', 'collection') AND state <> 'deleted'
 GROUP BY month, ddate, kind, office.own_number(number), userid HAVING count(DISTINCT terminal) > 1;
 COMMENT ON VIEW report.number_conflict IS

@@ -70,7 +70,7 @@ COMMENT ON COLUMN report.terminal_day.missing IS 'Sent once, and gone from the t
 
 -- An order that nobody has delivered lies on each terminal of its salesman, and is nobody's slip.
 CREATE OR REPLACE VIEW report.number_conflict AS
-SELECT month, ddate AS day, kind, office.own_number(number) AS number, userid, array_agg(terminal ORDER BY terminal) AS terminals
+SELECT month, ddate AS day, kind, office.own_number(number) AS number, userid, array_agg(DISTINCT terminal ORDER BY terminal) AS terminals
 FROM office.document AS d WHERE kind IN ('sale', 'containers', 'collection') AND state <> 'deleted'
     AND (kind <> 'sale' OR EXISTS (SELECT FROM report.sale AS s WHERE s.month = d.month AND s.terminal = d.terminal
         AND s.day = d.ddate AND s.kept_number = d.number AND s.userid = d.userid AND NOT s.is_undelivered))

@@ -219,6 +219,10 @@ TEST_F(ReportsTest, TwoTerminalsWithOneUserAndNumberAreKeptApart) {
               QStringList({u"0001|1001|0|-3"_s, u"0002|1001|1|30"_s}));
     EXPECT_EQ(sql(u"SELECT gcode, loaded, moved, balance FROM report.receivable WHERE moved <> 0"_s),
               QStringList(u"0001|1000|1100|2100"_s));
+    // A slip that stands aside under the number makes no third terminal of it.
+    on(one, u"UPDATE MTM SET GCode = '0003' WHERE JunNo = '5'"_s);
+    synced(one);
+    EXPECT_EQ(sql(u"SELECT terminals FROM report.number_conflict"_s), QStringList(u"{1,2}"_s));
     EXPECT_THAT(run({u"status"_s}).out, HasSubstr("numbers used twice"));
 }
 
