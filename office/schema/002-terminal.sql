@@ -226,7 +226,9 @@ BEGIN
     VALUES (doc.month, doc.terminal, doc.kind, doc.ddate, split_part(doc.number, '~', 1), doc.userid, doc.revision, doc.digest,
         doc.content, doc.sent_at,
         EXISTS (SELECT FROM office.document AS c WHERE c.month = doc.month AND c.terminal = doc.terminal
-                    AND c.ddate = doc.ddate AND c.kind = 'close' AND c.userid = doc.userid AND c.state <> 'deleted'),
+                    AND c.ddate = doc.ddate AND c.kind = 'close' AND c.userid = doc.userid AND c.state <> 'deleted'
+                    -- A close that comes with the change came after it.
+                    AND c.first_sent < now()),
         deleted);
     PERFORM office.move(doc, -1);
 END

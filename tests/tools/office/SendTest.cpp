@@ -192,6 +192,24 @@ TEST_F(SendTest, ASlipOnTheWayToTheCardIsNotSent) {
     expectSameRows(terminal.folder());
 }
 
+TEST_F(SendTest, WhatWentBeforeTheCloseIsNoChangeAfterIt) {
+    const TestDevice& terminal = enrol();
+    for (const QString& number : {u"5001"_s, u"5002"_s, u"5003"_s}) sell(terminal, number, u"0001"_s, 1000);
+    synced(terminal);
+    const auto deleteSlip = [&](const QString& number) {
+        on(terminal, u"DELETE FROM MTM WHERE JunNo = "_s + number);
+        noteDeletion(terminal, u"거래명세서"_s, number);
+    };
+    deleteSlip(u"5001"_s);
+    on(terminal,
+       u"UPDATE MTM SET MMoney = '5' WHERE JunNo = '5003'; INSERT INTO DAYCLOSE (DDate,UserID) VALUES ('%1','A')"_s
+           .arg(day_));
+    synced(terminal);
+    deleteSlip(u"5002"_s);
+    synced(terminal);
+    EXPECT_EQ(sql(kHistory), QStringList({u"sale|5001|1|t|f"_s, u"sale|5002|1|t|t"_s, u"sale|5003|1|f|f"_s}));
+}
+
 TEST_F(SendTest, TheMenuTellsWhatWaitsAndASyncGivesWay) {
     const TestDevice& terminal = enrol();
     sell(terminal, u"5001"_s, u"0001"_s, 500);
