@@ -188,6 +188,8 @@ CREATE TABLE office.document (
 ) PARTITION BY LIST (month);
 CREATE INDEX ON office.document (terminal) WHERE state = 'missing';
 CREATE INDEX ON office.document (gcode);
+-- The payments of which it is open whether they were charged: a close names those of all days before it.
+CREATE INDEX ON office.document (ddate) WHERE kind = 'payment' AND split_part(content, E'\x1f', 1) IN ('sent', 'unknown');
 -- What is read most is a day of all terminals, which lies together.
 CREATE INDEX ON office.document USING brin (ddate) WITH (autosummarize = on);
 COMMENT ON COLUMN office.document.digest IS 'SHA-256 of its kind, number, user and content (office.digest)';

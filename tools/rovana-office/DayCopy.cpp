@@ -32,10 +32,15 @@ constexpr QStringView kOfDay = u"month = office.month($1) AND ddate = $1";
 constexpr QStringView kAround =
     u"month BETWEEN office.month(($1::date - 1)::text) AND office.month(($1::date + 1)::text) "
     u"AND ddate BETWEEN ($1::date - 1)::text AND ($1::date + 1)::text";
+// Of a payment of a day before them the close says as long as it is open whether the customer was charged. An
+// index has these of all months; its words are these.
+constexpr QStringView kOpenBefore =
+    u"ddate < ($1::date - 1)::text AND split_part(content, E'\\x1f', 1) IN ('sent', 'unknown')";
 constexpr Source kSources[] = {
     {u"MTM", kOfDay, u"terminal, junno, row_number"},
     {u"YTM", kOfDay, u"terminal, junno, row_number"},
     {u"MTMOK", kAround, u"terminal, junno, row_number"},
+    {u"PAYJOURNAL", kOpenBefore, u"terminal, msgsendtime, number, row_number"},
     {u"PAYJOURNAL", kAround, u"terminal, msgsendtime, number, row_number"},
     {u"PRINTLOG", kOfDay, u"terminal, printedat, junno, row_number"},
     {u"DELETED", kOfDay, u"terminal, deletedat, junno, row_number"},

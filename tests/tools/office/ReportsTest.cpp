@@ -63,13 +63,14 @@ class ReportsTest : public SyncTest {
             const QStringList slip = random_() % 2 == 0
                                          ? slips[qsizetype(random_() % unsigned(slips.size()))]
                                          : QStringList{customer(), number(), user(), approval()};
-            add(u"PAYJOURNAL"_s, QStringList{QString::number(random_()),
-                                             any({u"approved"_s, u"approved"_s, u"sent"_s, u"refused"_s,
-                                                  u"unknown"_s, u"released"_s, u"?"_s}),
-                                             any({u"card"_s, u"card"_s, u"cash"_s}), amounts(1)[0], u""_s,
-                                             day, u""_s, slip[0], u"가게"_s, slip[1], u""_s, slip[2]} +
-                                     QStringList(13) +
-                                     QStringList{u"0900%1"_s.arg(10 + i), slip[3], u""_s, u""_s});
+            add(u"PAYJOURNAL"_s,
+                QStringList{QString::number(random_()),
+                            any({u"approved"_s, u"approved"_s, u"sent"_s, u"refused"_s, u"unknown"_s,
+                                 u"released"_s, u"?"_s}),
+                            any({u"card"_s, u"card"_s, u"cash"_s}), amounts(1)[0], u""_s, day, u""_s, slip[0],
+                            u"가게"_s, slip[1], u""_s, slip[2]} +
+                    QStringList(13) +
+                    QStringList{QString(day).remove(u'-') + u"0900%1"_s.arg(10 + i), slip[3], u""_s, u""_s});
         }
     }
 
@@ -180,7 +181,11 @@ TEST_F(ReportsTest, OddDaysAreWhatTheTerminalsNameAndPrint) {
             const QString reports = dayOf(form + QStringList{u"--terminal"_s, number});
             const QString printed = totalsOf(terminal, form);
             EXPECT_EQ(reports.first(printed.size()), printed);
-            EXPECT_TRUE(reports.contains(totalsOf(terminal, form + QStringList{u"--report"_s, u"close"_s})));
+            for (const QString& user : {u"A"_s, u"B"_s}) {
+                const QString closed =
+                    totalsOf(terminal, form + QStringList{u"--report"_s, u"close"_s, u"--user"_s, user});
+                EXPECT_TRUE(reports.contains(closed)) << closed.toStdString();
+            }
         }
     }
     const QString closes = dayOf({u"--report"_s, u"close"_s});
