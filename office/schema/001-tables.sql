@@ -215,7 +215,8 @@ CREATE TABLE office.history (
     is_deleted boolean NOT NULL DEFAULT false,
     PRIMARY KEY (month, terminal, ddate, kind, number, userid, revision)
 ) PARTITION BY LIST (month);
-COMMENT ON COLUMN office.history.after_close IS 'It was superseded after its user had closed the day';
+COMMENT ON COLUMN office.history.after_close IS
+    'It was superseded after its user had closed the day; a change that came together with the close counts as one before it';
 COMMENT ON COLUMN office.history.is_deleted IS 'The terminal deleted the document; else a later revision followed';
 
 -- The terminal's tables as views, each with the terminal's own columns and texts; row_number counts the rows of a document from

@@ -227,8 +227,13 @@ BEGIN
         doc.content, doc.sent_at,
         EXISTS (SELECT FROM office.document AS c WHERE c.month = doc.month AND c.terminal = doc.terminal
                     AND c.ddate = doc.ddate AND c.kind = 'close' AND c.userid = doc.userid AND c.state <> 'deleted'
-                    -- A close that comes with the change came after it.
-                    AND c.first_sent < now()),
+                    -- A close that comes with the change came after it, unless a deletion's trace is later.
+                    AND (c.first_sent < now() OR deleted AND EXISTS (
+                        SELECT FROM office.deleted AS t JOIN office.dayclose AS w USING (month, terminal, ddate, userid)
+                        WHERE t.month = doc.month AND t.terminal = doc.terminal AND t.ddate = doc.ddate AND t.userid = doc.userid
+                            AND t.junno = split_part(doc.number, '~', 1)
+                            AND t.gcode = replace(office.customer(doc.kind, doc.content), '''', '’')
+                            AND t.deletedat > w.closedat))),
         deleted);
     PERFORM office.move(doc, -1);
 END

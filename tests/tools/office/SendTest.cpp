@@ -194,20 +194,25 @@ TEST_F(SendTest, ASlipOnTheWayToTheCardIsNotSent) {
 
 TEST_F(SendTest, WhatWentBeforeTheCloseIsNoChangeAfterIt) {
     const TestDevice& terminal = enrol();
-    for (const QString& number : {u"5001"_s, u"5002"_s, u"5003"_s}) sell(terminal, number, u"0001"_s, 1000);
+    for (const QString& number : {u"5001"_s, u"5002"_s, u"5003"_s, u"5004"_s})
+        sell(terminal, number, u"0001"_s, 1000);
     synced(terminal);
     const auto deleteSlip = [&](const QString& number) {
         on(terminal, u"DELETE FROM MTM WHERE JunNo = "_s + number);
         noteDeletion(terminal, u"거래명세서"_s, number);
     };
     deleteSlip(u"5001"_s);
+    // One that was deleted after it comes together with it.
+    deleteSlip(u"5004"_s);
     on(terminal,
-       u"UPDATE MTM SET MMoney = '5' WHERE JunNo = '5003'; INSERT INTO DAYCLOSE (DDate,UserID) VALUES ('%1','A')"_s
-           .arg(day_));
+       uR"(UPDATE DELETED SET DeletedAt = '%1 12:00:00' WHERE JunNo = '5004';
+        UPDATE MTM SET MMoney = '5' WHERE JunNo = '5003';
+        INSERT INTO DAYCLOSE (DDate,UserID,ClosedAt) VALUES ('%1','A','%1 11:30:00'))"_s.arg(day_));
     synced(terminal);
     deleteSlip(u"5002"_s);
     synced(terminal);
-    EXPECT_EQ(sql(kHistory), QStringList({u"sale|5001|1|t|f"_s, u"sale|5002|1|t|t"_s, u"sale|5003|1|f|f"_s}));
+    EXPECT_EQ(sql(kHistory), QStringList({u"sale|5001|1|t|f"_s, u"sale|5002|1|t|t"_s, u"sale|5003|1|f|f"_s,
+                                          u"sale|5004|1|t|t"_s}));
 }
 
 TEST_F(SendTest, TheMenuTellsWhatWaitsAndASyncGivesWay) {
