@@ -289,49 +289,62 @@ BEGIN
 END
 $$;
 
--- Whether a document that the terminal has no more is deleted rather than lost.
-CREATE FUNCTION office.is_deleted(doc office.document) RETURNS boolean LANGUAGE plpgsql STABLE AS $$
+-- Whether a trace tells of the slip's deletion. One that stood there already when the slip was sent is of a slip before. A
+-- collection of which nothing is left goes with its sale or its containers, under their trace; a trace has a name's quote as it
+-- could be stored.
+CREATE FUNCTION office.has_trace(doc office.document) RETURNS boolean LANGUAGE plpgsql STABLE AS $$
 DECLARE
     own_number CONSTANT text := split_part(doc.number, '~', 1);
-    paper text;
+    customer CONSTANT text := replace(office.customer(doc.kind, doc.content), '''', '’');
+    paper CONSTANT text := CASE doc.kind WHEN 'sale' THEN '거래명세서' WHEN 'containers' THEN '용공인수증' END;
 BEGIN
-    -- The prints of a slip are forgotten whenever it changes, and go with it.
-    IF doc.kind = 'prints' THEN
-        RETURN coalesce((SELECT bool_or(d.state = 'present') OR bool_and(d.state = 'deleted') FROM office.document AS d
-            WHERE d.month = doc.month AND d.terminal = doc.terminal AND d.ddate = doc.ddate AND d.number = doc.number
-                AND d.userid = doc.userid AND d.kind IN ('sale', 'containers', 'collection')), false);
-    END IF;
-    paper := CASE doc.kind WHEN 'sale' THEN '거래명세서' WHEN 'containers' THEN '용공인수증' WHEN 'collection' THEN '입금표' END;
-    IF paper IS NULL THEN
-        RETURN false;
-    END IF;
-    -- A trace of its deletion that came after it: one that stood there already when it was sent is of a slip before. A collection
-    -- of which nothing is left goes with its sale or its containers, under their trace; a trace has a name's quote as it
-    -- could be stored.
     RETURN EXISTS (
-            SELECT FROM office.document AS t, unnest(string_to_array(t.content, E'\x1e')) AS line
-            WHERE t.month = doc.month AND t.terminal = doc.terminal AND t.ddate = doc.ddate AND t.kind = 'deletion'
-                AND t.number = own_number AND t.userid = doc.userid
-                AND split_part(line, E'\x1f', 2) = replace(office.customer(doc.kind, doc.content), '''', '’')
-                AND (split_part(line, E'\x1f', 1) = paper OR doc.kind = 'collection')
-                AND NOT coalesce((
-                    SELECT line = ANY (string_to_array(was.content, E'\x1e'))
-                    FROM (SELECT h.revision, h.sent_at, h.content FROM office.history AS h
-                          WHERE h.month = t.month AND h.terminal = t.terminal AND h.ddate = t.ddate AND h.kind = t.kind
-                              AND h.number = t.number AND h.userid = t.userid
-                          UNION ALL SELECT t.revision, t.sent_at, t.content) AS was
-                    WHERE was.sent_at <= doc.sent_at ORDER BY was.revision DESC LIMIT 1), false))
-        -- It has another number now: what another customer left under a number that was given again goes to 4001 and up. It may
-        -- have been changed there since.
-        OR (doc.kind <> 'sale' AND EXISTS (
-            SELECT FROM office.document AS d WHERE d.month = doc.month AND d.terminal = doc.terminal AND d.ddate = doc.ddate
-                AND d.kind = doc.kind AND d.userid = doc.userid AND d.state = 'present' AND d.number <> own_number
-                AND d.number ~ '^4[0-9]{3}$'
-                AND (office.unnumbered(d.kind, d.content) = office.unnumbered(doc.kind, doc.content)
-                    OR (d.first_sent > doc.sent_at AND office.customer(d.kind, d.content) = office.customer(doc.kind, doc.content)
-                        AND EXISTS (SELECT FROM office.document AS o WHERE o.month = doc.month AND o.terminal = doc.terminal
-                            AND o.ddate = doc.ddate AND o.number = own_number AND o.userid = doc.userid AND o.state = 'present'
-                            AND office.customer(o.kind, o.content) <> office.customer(doc.kind, doc.content))))));
+        SELECT FROM office.document AS t, unnest(string_to_array(t.content, E'\x1e')) AS line
+        WHERE t.month = doc.month AND t.terminal = doc.terminal AND t.ddate = doc.ddate AND t.kind = 'deletion'
+            AND t.number = own_number AND t.userid = doc.userid
+            AND split_part(line, E'\x1f', 2) = customer AND (split_part(line, E'\x1f', 1) = paper OR doc.kind = 'collection')
+            AND NOT coalesce((
+                SELECT line = ANY (string_to_array(was.content, E'\x1e'))
+                FROM (SELECT h.revision, h.sent_at, h.content FROM office.history AS h
+                      WHERE h.month = t.month AND h.terminal = t.terminal AND h.ddate = t.ddate AND h.kind = t.kind
+                          AND h.number = t.number AND h.userid = t.userid
+                      UNION ALL SELECT t.revision, t.sent_at, t.content) AS was
+                WHERE was.sent_at <= doc.sent_at ORDER BY was.revision DESC LIMIT 1), false));
+END
+$$;
+
+-- Whether the slip has another number now: what another customer left under a number that was given again goes to 4001 and up. It
+-- may have been changed there since.
+CREATE FUNCTION office.has_moved(doc office.document) RETURNS boolean LANGUAGE plpgsql STABLE AS $$
+DECLARE
+    own_number CONSTANT text := split_part(doc.number, '~', 1);
+    customer CONSTANT text := office.customer(doc.kind, doc.content);
+    is_given_again CONSTANT boolean := EXISTS (
+        SELECT FROM office.document AS o WHERE o.month = doc.month AND o.terminal = doc.terminal AND o.ddate = doc.ddate
+            AND o.number = own_number AND o.userid = doc.userid AND o.state = 'present'
+            AND office.customer(o.kind, o.content) <> customer);
+BEGIN
+    RETURN EXISTS (
+        SELECT FROM office.document AS d WHERE d.month = doc.month AND d.terminal = doc.terminal AND d.ddate = doc.ddate
+            AND d.kind = doc.kind AND d.userid = doc.userid AND d.state = 'present' AND d.number <> own_number
+            AND d.number ~ '^4[0-9]{3}$'
+            AND (office.unnumbered(d.kind, d.content) = office.unnumbered(doc.kind, doc.content)
+                OR (is_given_again AND d.first_sent > doc.sent_at AND office.customer(d.kind, d.content) = customer)));
+END
+$$;
+
+-- Whether a document that the terminal has no more is deleted rather than lost.
+CREATE FUNCTION office.is_deleted(doc office.document) RETURNS boolean LANGUAGE plpgsql STABLE AS $$
+BEGIN
+    RETURN CASE
+        WHEN doc.kind = 'sale' THEN office.has_trace(doc)
+        WHEN doc.kind IN ('containers', 'collection') THEN office.has_trace(doc) OR office.has_moved(doc)
+        -- The prints of a slip are forgotten whenever it changes, and go with it.
+        WHEN doc.kind = 'prints' THEN coalesce((
+            SELECT bool_or(d.state = 'present') OR bool_and(d.state = 'deleted') FROM office.document AS d
+            WHERE d.month = doc.month AND d.terminal = doc.terminal AND d.ddate = doc.ddate AND d.number = doc.number
+                AND d.userid = doc.userid AND d.kind IN ('sale', 'containers', 'collection')), false)
+        ELSE false END;
 END
 $$;
 
