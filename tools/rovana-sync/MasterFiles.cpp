@@ -10,11 +10,13 @@
 #include <vector>
 
 #include "db/ImportFile.h"
+#include "db/ImportLines.h"
 #include "db/MasterImport.h"
 #include "platform/CodePage.h"
 #include "platform/Device.h"
 #include "platform/Sha256.h"
 #include "platform/WholeFile.h"
+#include "platform/Won.h"
 
 namespace terminal_sync {
 namespace {
@@ -55,6 +57,31 @@ void putFile(const QString& path, const QByteArray& content) {
         throw LocalError((path + u": "_s + file.errorText()).toStdString());
 }
 
+/// Of customers with their balances, in whatever order.
+QByteArray digestOf(QStringList balances) {
+    balances.sort();
+    return platform::sha256({balances.join(u'\n').toUtf8()});
+}
+
+QString balanceOf(const QString& customer, const QString& won) {
+    return customer + u'|' + platform::formatWon(platform::parseWon(won));
+}
+
+/// The balances that a load of this GARAE.RVN leaves in the table.
+QByteArray balancesIn(const QByteArray& content) {
+    constexpr std::size_t kBalance = 7;
+    const auto& file = *std::ranges::find(db::importFiles(), kCustomers, &db::ImportFile::fileName);
+    QStringList balances;
+    std::vector<QStringView> fields;
+    for (db::ImportLines lines(content); !lines.atEnd();) {
+        const std::optional<QString> line = db::decodeImportLine(db::withoutLineEnd(lines.next()));
+        if (!line) continue;
+        db::cutImportLine(file, *line, &fields);
+        balances << balanceOf(fields[0].toString(), fields[kBalance].toString());
+    }
+    return digestOf(std::move(balances));
+}
+
 }  // namespace
 
 MasterFiles::MasterFiles(LocalDays& local) : local_(local) {
@@ -66,6 +93,7 @@ void MasterFiles::read() {
     if (!file.open(QIODevice::ReadOnly)) return;
     const QJsonObject json = QJsonDocument::fromJson(file.readAll()).object();
     balances_ = QByteArray::fromHex(json[u"balances"_s].toString().toLatin1());
+    balancesPut_ = QByteArray::fromHex(json[u"put"_s].toString().toLatin1());
     const QJsonObject files = json[u"files"_s].toObject();
     for (auto each = files.begin(); each != files.end(); ++each) {
         const QJsonObject entry = each->toObject();
@@ -83,7 +111,9 @@ void MasterFiles::write() const {
                                         {u"modified"_s, QString::number(each->modified)},
                                         {u"sure"_s, each->isSure}};
     }
-    const QJsonObject json{{u"balances"_s, QString::fromLatin1(balances_.toHex())}, {u"files"_s, files}};
+    const QJsonObject json{{u"balances"_s, QString::fromLatin1(balances_.toHex())},
+                           {u"put"_s, QString::fromLatin1(balancesPut_.toHex())},
+                           {u"files"_s, files}};
     putFile(notesPath(), QJsonDocument(json).toJson(QJsonDocument::Compact));
 }
 
@@ -102,14 +132,34 @@ bool MasterFiles::isLoaded(const QString& fileName, const Entry& entry) {
     return loads && !loads->isEmpty() && loads->first().first().toLongLong() == entry.modified;
 }
 
+bool MasterFiles::hasPreparedPayment() {
+    if (!local_.database().hasColumn(u"PAYJOURNAL")) return false;
+    const auto rows = local_.database().rows(u"SELECT 1 FROM PAYJOURNAL WHERE State = 'prepared' LIMIT 1"_s);
+    if (!rows) throw LocalError("the card payments cannot be read");
+    return !rows->isEmpty();
+}
+
+QByteArray MasterFiles::loadedBalances() {
+    const auto rows = local_.database().rows(u"SELECT GCODE, CJMONEY FROM GARAE"_s);
+    if (!rows) throw LocalError("the customers cannot be read");
+    QStringList balances;
+    for (const QStringList& row : *rows) balances << balanceOf(row[0], row[1]);
+    return digestOf(std::move(balances));
+}
+
 bool MasterFiles::isHere(const MasterVersion& version, const std::function<QByteArray()>& balancesNow) {
     const Entry entry = entries_.value(version.fileName);
     if (entry.token != version.token) return false;
     if (isOurs(documentsPath(version.fileName), entry)) return true;
     if (!isLoaded(version.fileName, entry)) return false;
     if (version.fileName != kCustomers || entry.isSure) return true;
+    const bool isCardAwaited = hasPreparedPayment();
     // A collection that was saved while the file waited may have come before the load, which took it back.
     if (balancesNow() != balances_) return false;
+    // One on its way to the card is seen neither by the office nor above, and may be taken back yet.
+    if (isCardAwaited) return true;
+    // One that has gone again has taken its amount off balances that may have come after it.
+    if (loadedBalances() != balancesPut_) return false;
     entries_[version.fileName].isSure = true;
     write();
     return true;
@@ -151,7 +201,10 @@ MasterFiles::Put MasterFiles::put(const QList<MasterVersion>& versions, const QM
         require(*files.back(), files.back()->begin(content));
         entries_[version.fileName] = {version.token, platform::sha256({content}), files.back()->modified(),
                                       false};
-        if (version.fileName == kCustomers) balances_ = balances;
+        if (version.fileName == kCustomers) {
+            balances_ = balances;
+            balancesPut_ = balancesIn(content);
+        }
         put.done << version.fileName;
     }
     if (files.empty()) return put;

@@ -61,10 +61,14 @@ class MasterFiles {
     bool isLoaded(const QString& fileName, const Entry& entry);
     bool isOurs(const QString& path, const Entry& entry) const;
     bool hasSlip(const Order& order);
+    bool hasPreparedPayment();
+    /// A digest of the balances in the table.
+    QByteArray loadedBalances();
 
     LocalDays& local_;
     QMap<QString, Entry> entries_;
-    QByteArray balances_;
+    QByteArray balances_;     ///< What the balances that were put include of this terminal.
+    QByteArray balancesPut_;  ///< A digest of them.
 };
 
 }  // namespace terminal_sync

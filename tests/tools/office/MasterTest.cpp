@@ -1,5 +1,6 @@
 #include <QFile>
 
+#include "books/CollectionSlip.h"
 #include "db/ImportFile.h"
 #include "db/MasterImport.h"
 #include "platform/CodePage.h"
@@ -195,6 +196,45 @@ TEST_F(MasterTest, BalancesThatAreTheirOwnNoMoreComeAnew) {
     load(u"GARAE.RVN"_s, customers(same), {u"--sent-until"_s, now.first()});
     synced(mine);
     EXPECT_EQ(waiting(mine), customers({u"0001 A 5000"_s}));
+}
+
+TEST_F(MasterTest, BalancesOfWhatIsGoneAgainAreNotTakenBackTwice) {
+    const TestDevice& mine = enrol();
+    const TestDevice& colleagues = enrol(u"2"_s, {u"B"_s});
+    loadCustomers({u"0001 A 5000"_s});
+    synced(mine);
+    logIn(mine);
+    books::CollectionSlip slip;
+    slip.DDate = day_;
+    slip.GCode = u"0001"_s;
+    slip.JunNo = u"7001"_s;
+    slip.UserID = u"A"_s;
+    slip.MisuInMoney = platform::Won(700);
+    slip.CardMoney = platform::Won(700);
+    const auto takeBack = [&] {
+        // While the host is still to be asked, nothing is known.
+        EXPECT_EQ(synced(mine), kNothing);
+        return books::takeBackCollection(day_, u"7001"_s, u"A"_s);
+    };
+    const auto remove = [&] { return books::removeCollection(day_, u"7001"_s, u"A"_s); };
+    // It comes after the file and is in the balances that the file replaces; what is left looks as if it had
+    // never been. One on its way to the card the office does not even see.
+    const auto saveAndLose = [&](auto save, auto lose, const QString& number) {
+        collect(colleagues, number, u"0001"_s, 1000, 0, u"B"_s);
+        synced(colleagues);
+        EXPECT_THAT(synced(mine), HasSubstr("fetched GARAE.RVN"));
+        platform::device::setFolder(mine.folder());
+        EXPECT_TRUE(save(slip));
+        logIn(mine);
+        EXPECT_TRUE(lose());
+        platform::adoce::DatabaseFile::forgetAll();
+        EXPECT_THAT(synced(mine), HasSubstr("fetched GARAE.RVN"));
+        logIn(mine);
+        EXPECT_EQ(synced(mine), kNothing);
+        EXPECT_EQ(on(mine, u"SELECT CJMONEY FROM GARAE"_s), sql(u"SELECT balance FROM report.receivable"_s));
+    };
+    saveAndLose(books::saveForCard, takeBack, u"5001"_s);
+    saveAndLose(books::saveCollection, remove, u"5002"_s);
 }
 
 TEST_F(MasterTest, AnOrderComesOnce) {
