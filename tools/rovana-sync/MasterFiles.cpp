@@ -51,6 +51,12 @@ QByteArray encode(QString lines) {
     return bytes;
 }
 
+/// Empty for a file that is not there.
+QByteArray digestOfFile(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? platform::sha256({file.readAll()}) : QByteArray();
+}
+
 void putFile(const QString& path, const QByteArray& content) {
     platform::WholeFile file(path);
     if (!file.write(content) || !file.takeName())
@@ -99,6 +105,7 @@ void MasterFiles::read() {
         const QJsonObject entry = each->toObject();
         entries_[each.key()] = {entry[u"token"_s].toString(),
                                 QByteArray::fromHex(entry[u"digest"_s].toString().toLatin1()),
+                                QByteArray::fromHex(entry[u"before"_s].toString().toLatin1()),
                                 entry[u"modified"_s].toString().toLongLong(), entry[u"sure"_s].toBool()};
     }
 }
@@ -108,6 +115,7 @@ void MasterFiles::write() const {
     for (auto each = entries_.cbegin(); each != entries_.cend(); ++each) {
         files[each.key()] = QJsonObject{{u"token"_s, each->token},
                                         {u"digest"_s, QString::fromLatin1(each->digest.toHex())},
+                                        {u"before"_s, QString::fromLatin1(each->before.toHex())},
                                         {u"modified"_s, QString::number(each->modified)},
                                         {u"sure"_s, each->isSure}};
     }
@@ -117,10 +125,8 @@ void MasterFiles::write() const {
     putFile(notesPath(), QJsonDocument(json).toJson(QJsonDocument::Compact));
 }
 
-bool MasterFiles::isOurs(const QString& path, const Entry& entry) const {
-    QFile file(path);
-    return !entry.digest.isEmpty() && file.open(QIODevice::ReadOnly) &&
-           platform::sha256({file.readAll()}) == entry.digest;
+bool MasterFiles::isOurs(const QByteArray& digest, const Entry& entry) {
+    return !digest.isEmpty() && (digest == entry.digest || digest == entry.before);
 }
 
 /// Whether the table was loaded from the very file that was put.
@@ -150,7 +156,7 @@ QByteArray MasterFiles::loadedBalances() {
 bool MasterFiles::isHere(const MasterVersion& version, const std::function<QByteArray()>& balancesNow) {
     const Entry entry = entries_.value(version.fileName);
     if (entry.token != version.token) return false;
-    if (isOurs(documentsPath(version.fileName), entry)) return true;
+    if (!entry.digest.isEmpty() && digestOfFile(documentsPath(version.fileName)) == entry.digest) return true;
     if (!isLoaded(version.fileName, entry)) return false;
     if (version.fileName != kCustomers || entry.isSure) return true;
     const bool isCardAwaited = hasPreparedPayment();
@@ -169,7 +175,7 @@ void MasterFiles::forgetBalances() {
     const db::ImportLock lock;
     if (lock.isTaken()) throw LocalError("master data are being loaded");
     const QString path = documentsPath(kCustomers);
-    if (isOurs(path, entries_.value(kCustomers.toString()))) QFile::remove(path);
+    if (isOurs(digestOfFile(path), entries_.value(kCustomers.toString()))) QFile::remove(path);
     entries_.remove(kCustomers.toString());
     write();
 }
@@ -178,7 +184,8 @@ bool MasterFiles::isInTheWay(const MasterVersion& version) const {
     // Loaded after ours, it would bring the older data back.
     if (QFile::exists(cardPath(version.fileName))) return true;
     const QString path = documentsPath(version.fileName);
-    const bool isAnothers = QFile::exists(path) && !isOurs(path, entries_.value(version.fileName));
+    const bool isAnothers =
+        QFile::exists(path) && !isOurs(digestOfFile(path), entries_.value(version.fileName));
     return isAnothers && modifiedOf(path) > version.loadedAt.toMSecsSinceEpoch();
 }
 
@@ -199,8 +206,11 @@ MasterFiles::Put MasterFiles::put(const QList<MasterVersion>& versions, const QM
         const QByteArray content = encode(lines.value(version.fileName));
         files.push_back(std::make_unique<platform::WholeFile>(documentsPath(version.fileName)));
         require(*files.back(), files.back()->begin(content));
-        entries_[version.fileName] = {version.token, platform::sha256({content}), files.back()->modified(),
-                                      false};
+        Entry& entry = entries_[version.fileName];
+        const QByteArray digest = platform::sha256({content});
+        const QByteArray waiting = digestOfFile(documentsPath(version.fileName));
+        const bool isBefore = waiting != digest && isOurs(waiting, entry);
+        entry = {version.token, digest, isBefore ? waiting : QByteArray(), files.back()->modified(), false};
         if (version.fileName == kCustomers) {
             balances_ = balances;
             balancesPut_ = balancesIn(content);
@@ -219,10 +229,11 @@ MasterFiles::Put MasterFiles::put(const QList<MasterVersion>& versions, const QM
 bool MasterFiles::withdrawOldBalances(const std::function<QByteArray()>& balances) {
     const Entry entry = entries_.value(kCustomers.toString());
     const QString path = documentsPath(kCustomers);
-    if (entry.digest.isEmpty() || !QFile::exists(path) || balances() == balances_) return true;
+    const QByteArray waiting = digestOfFile(path);
+    if (!isOurs(waiting, entry) || (waiting == entry.digest && balances() == balances_)) return true;
     const db::ImportLock lock;
     if (lock.isTaken()) return false;
-    if (isOurs(path, entry)) QFile::remove(path);
+    if (digestOfFile(path) == waiting) QFile::remove(path);
     return true;
 }
 

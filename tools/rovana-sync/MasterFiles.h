@@ -52,6 +52,7 @@ class MasterFiles {
     struct Entry {
         QString token;
         QByteArray digest;    ///< Of the content.
+        QByteArray before;    ///< Of ours that waited until then, and still does when its name was not taken.
         qint64 modified = 0;  ///< Of the file, in milliseconds since 1970.
         bool isSure = false;  ///< Loaded before any collection that is not in its balances.
     };
@@ -59,7 +60,8 @@ class MasterFiles {
     void read();
     void write() const;
     bool isLoaded(const QString& fileName, const Entry& entry);
-    bool isOurs(const QString& path, const Entry& entry) const;
+    /// Whether that is the digest of a file that was put.
+    static bool isOurs(const QByteArray& digest, const Entry& entry);
     bool hasSlip(const Order& order);
     bool hasPreparedPayment();
     /// A digest of the balances in the table.

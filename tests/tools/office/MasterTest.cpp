@@ -237,6 +237,31 @@ TEST_F(MasterTest, BalancesOfWhatIsGoneAgainAreNotTakenBackTwice) {
     saveAndLose(books::saveCollection, remove, u"5002"_s);
 }
 
+TEST_F(MasterTest, ASyncThatEndsBeforeItsFileHasItsNameLeavesOneOfOurs) {
+    const TestDevice& mine = enrol();
+    const TestDevice& colleagues = enrol(u"2"_s, {u"B"_s});
+    loadCustomers({u"0001 A 5000"_s});
+    synced(mine);
+    const QString path = mine.folder() + u"/My Documents/GARAE.RVN"_s;
+    const auto fetchButKeep = [&](const QString& number, int won) {
+        ASSERT_TRUE(QFile::rename(path, path + u".before"_s) && QFile::copy(path + u".before"_s, path));
+        collect(colleagues, number, u"0001"_s, won, 0, u"B"_s);
+        synced(colleagues);
+        EXPECT_THAT(synced(mine), HasSubstr("fetched GARAE.RVN"));
+        ASSERT_TRUE(QFile::remove(path) && QFile::rename(path + u".before"_s, path));
+    };
+    fetchButKeep(u"5001"_s, 1000);
+    const Ended ended = sync(mine);
+    EXPECT_THAT(ended.out, HasSubstr("fetched GARAE.RVN"));
+    EXPECT_EQ(ended.err, "");
+    EXPECT_EQ(waiting(mine), customers({u"0001 A 6000"_s}));
+    // Its balances are those of long ago, which a login is not to load while there is no line.
+    fetchButKeep(u"5002"_s, 100);
+    changeAccess(mine, "port = " + QByteArray::number(cluster().port()), "port = 1");
+    EXPECT_EQ(sync(mine).exitCode, 1);
+    EXPECT_EQ(waiting(mine), QString());
+}
+
 TEST_F(MasterTest, AnOrderComesOnce) {
     const TestDevice& terminal = enrol();
     const auto order = [&](const QString& number, const QString& user = u"A"_s) {
