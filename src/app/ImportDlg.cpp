@@ -67,7 +67,9 @@ void CImportDlg::countFiles() {
 void CImportDlg::importAll() {
     QList<FileReport> reports;
     {
-        const db::ImportLock lock;
+        // A sync that puts files has done so by then; who loads some takes longer.
+        constexpr int kPatienceMs = 2000;
+        const db::ImportLock lock(kPatienceMs);
         if (lock.isTaken()) {
             ui::message(u"다른 프로그램이 영업자료를 수신하고 있습니다..! 잠시 후에 다시 하세요."_s);
             return;

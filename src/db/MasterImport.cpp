@@ -2,9 +2,11 @@
 
 #include <sodium.h>
 
+#include <QDeadlineTimer>
 #include <QFile>
 #include <QHash>
 #include <QStringConverter>
+#include <QThread>
 #include <array>
 
 #include "db/ImportLines.h"
@@ -203,7 +205,14 @@ bool Load::keepRejected(Transaction& transaction) {
 
 }  // namespace
 
-ImportLock::ImportLock() : lock_(platform::device::path(platform::device::kDocumentsFolder)) {}
+ImportLock::ImportLock(int patienceMs) {
+    constexpr int kBetweenTriesMs = 10;
+    const QDeadlineTimer deadline(patienceMs);
+    while (lock_.emplace(platform::device::path(platform::device::kDocumentsFolder)), isTaken()) {
+        if (deadline.hasExpired()) return;
+        QThread::msleep(kBetweenTriesMs);
+    }
+}
 
 QString rejectedPath(const ImportFile& file, ImportSource source) {
     return platform::device::path(importPath(file, source) + u".rejected"_s);

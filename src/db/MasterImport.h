@@ -52,15 +52,16 @@ std::optional<Shrinkage> findShrinkage(const ImportFile& file, ImportSource sour
 /// 1023 bytes counts as several.
 std::optional<int> countImportLines(const ImportFile& file, ImportSource source);
 
-/// Held by whoever loads files, so that the terminal and the administrator's command do not at the same time.
+/// Held by whoever loads files or puts some, so that no two programs do at the same time.
 class ImportLock {
   public:
-    ImportLock();
+    /// Waits up to `patienceMs` for a program that has it now.
+    explicit ImportLock(int patienceMs = 0);
     /// True when another program loads files now.
-    bool isTaken() const { return lock_.state() == platform::FolderLock::State::Taken; }
+    bool isTaken() const { return lock_->state() == platform::FolderLock::State::Taken; }
 
   private:
-    platform::FolderLock lock_;
+    std::optional<platform::FolderLock> lock_;
 };
 
 /// Loads one file into its table and deletes it. Stopped at any moment, the table holds the rows from before

@@ -10,6 +10,7 @@
 #include <QDir>
 #include <QFile>
 #include <cerrno>
+#include <thread>
 
 #include "db/MasterLoads.h"
 #include "platform/Clock.h"
@@ -373,6 +374,14 @@ TEST_F(MasterImportTest, AFileThatCannotBeDeletedIsLoadedOnce) {
     write(u"MTM.RVN", "2004-03-02|a|\n", kCard);
     EXPECT_EQ(load(u"MTM.RVN", kCard).outcome, Loaded);
     EXPECT_EQ(device.value(u"SELECT count(*) FROM MTM"_s), u"2"_s);
+}
+
+TEST_F(MasterImportTest, WhoPutsFilesAtTheSameTimeIsWaitedFor) {
+    std::optional<ImportLock> other(std::in_place);
+    EXPECT_TRUE(ImportLock().isTaken());
+    EXPECT_TRUE(ImportLock(1).isTaken());
+    const std::jthread end([&] { other.reset(); });
+    EXPECT_FALSE(ImportLock(60'000).isTaken());
 }
 
 }  // namespace
