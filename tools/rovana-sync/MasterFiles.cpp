@@ -171,6 +171,12 @@ bool MasterFiles::isHere(const MasterVersion& version, const std::function<QByte
     return true;
 }
 
+void MasterFiles::doubtBalances() {
+    if (entries_.value(kCustomers.toString()).token.isEmpty()) return;
+    entries_[kCustomers.toString()].token.clear();
+    write();
+}
+
 void MasterFiles::forgetBalances() {
     const db::ImportLock lock;
     if (lock.isTaken()) throw LocalError("master data are being loaded");

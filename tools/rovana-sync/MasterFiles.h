@@ -37,7 +37,12 @@ class MasterFiles {
     /// back. False when files are being loaded.
     bool withdrawOldBalances(const std::function<QByteArray()>& balances);
 
-    /// Has the balances fetched anew. Throws LocalError when files are being loaded.
+    /// Has the balances fetched anew when the office can next be asked; a file of them that waits stays until
+    /// then.
+    void doubtBalances();
+
+    /// Has the balances fetched anew, and takes a waiting file of them away. Throws LocalError when files are
+    /// being loaded.
     void forgetBalances();
 
     /// Puts those of the orders that the terminal neither has nor has deleted into MTM.RVN, unless one waits.

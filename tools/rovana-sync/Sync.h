@@ -38,6 +38,7 @@ class Sync {
     void sendOldDays(Office& office, bool isAnew = false);
     QList<Salesman> salesmen();
     void fetch(Office& office);
+    bool movesBalances(const books::DocumentDigests& here, const books::DocumentDigests& atOffice) const;
     bool mayBeSent(const books::DocumentIdentity& identity) const;
     void noteState(bool isReached);
     books::OfficeState::Day agreedDay(const QString& date, bool isCounted) const;

@@ -235,6 +235,10 @@ TEST_F(MasterTest, BalancesOfWhatIsGoneAgainAreNotTakenBackTwice) {
     };
     saveAndLose(books::saveForCard, takeBack, u"5001"_s);
     saveAndLose(books::saveCollection, remove, u"5002"_s);
+    // In a day that is looked at once a day it is found then.
+    const auto forget = [&] { return QFile::remove(mine.folder() + u"/office/swept"_s); };
+    slip.DDate = QDate::currentDate().addDays(-40).toString(Qt::ISODate);
+    saveAndLose(books::saveCollection, forget, u"5003"_s);
 }
 
 TEST_F(MasterTest, ASyncThatEndsBeforeItsFileHasItsNameLeavesOneOfOurs) {
