@@ -232,7 +232,7 @@ BEGIN
                         SELECT FROM office.deleted AS t JOIN office.dayclose AS w USING (month, terminal, ddate, userid)
                         WHERE t.month = doc.month AND t.terminal = doc.terminal AND t.ddate = doc.ddate AND t.userid = doc.userid
                             AND t.junno = split_part(doc.number, '~', 1)
-                            AND t.gcode = replace(office.customer(doc.kind, doc.content), '''', '’')
+                            AND t.gcode = office.traced_customer(doc.kind, doc.content)
                             AND t.deletedat > w.closedat))),
         deleted);
     PERFORM office.move(doc, -1);
@@ -258,7 +258,11 @@ CREATE FUNCTION office.customer(kind text, content text) RETURNS text LANGUAGE s
 RETURN CASE kind WHEN 'sale' THEN split_part(content, E'\x1f', 2) WHEN 'containers' THEN split_part(content, E'\x1f', 1)
     WHEN 'collection' THEN split_part(content, E'\x1f', 2) END;
 
--- The same where all rows begin as the first does, with the customer; else null. Empty for a kind without customers.
+-- The same as a trace of its deletion has it: without a quote, which no statement of a terminal takes.
+CREATE FUNCTION office.traced_customer(kind text, content text) RETURNS text LANGUAGE sql IMMUTABLE
+RETURN replace(office.customer(kind, content), '''', '’');
+
+-- The customer where all rows begin as the first does, with the customer; else null. Empty for a kind without customers.
 CREATE FUNCTION office.only_customer(kind text, content text) RETURNS text LANGUAGE sql IMMUTABLE
 RETURN CASE
     WHEN kind NOT IN ('sale', 'collection', 'containers') THEN ''
@@ -290,12 +294,11 @@ END
 $$;
 
 -- Whether a trace tells of the slip's deletion. One that stood there already when the slip was sent is of a slip before. A
--- collection of which nothing is left goes with its sale or its containers, under their trace; a trace has a name's quote as it
--- could be stored.
+-- collection of which nothing is left goes with its sale or its containers, under their trace.
 CREATE FUNCTION office.has_trace(doc office.document) RETURNS boolean LANGUAGE plpgsql STABLE AS $$
 DECLARE
     own_number CONSTANT text := split_part(doc.number, '~', 1);
-    customer CONSTANT text := replace(office.customer(doc.kind, doc.content), '''', '’');
+    customer CONSTANT text := office.traced_customer(doc.kind, doc.content);
     paper CONSTANT text := CASE doc.kind WHEN 'sale' THEN '거래명세서' WHEN 'containers' THEN '용공인수증' END;
 BEGIN
     RETURN EXISTS (

@@ -53,14 +53,14 @@ QByteArray encode(QString lines) {
 
 /// Empty for a file that is not there.
 QByteArray digestOfFile(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? platform::sha256({file.readAll()}) : QByteArray();
+    const auto content = platform::readWholeFile(path);
+    return content ? platform::sha256({*content}) : QByteArray();
 }
 
 void putFile(const QString& path, const QByteArray& content) {
-    platform::WholeFile file(path);
-    if (!file.write(content) || !file.takeName())
-        throw LocalError((path + u": "_s + file.errorText()).toStdString());
+    QString error;
+    if (!platform::writeWholeFile(path, content, &error))
+        throw LocalError((path + u": "_s + error).toStdString());
 }
 
 /// Of customers with their balances, in whatever order.
